@@ -1,0 +1,1 @@
+# What `cmake --install` puts in place: libraries, headers, the CMake package and the pkg-config file.

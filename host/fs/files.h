@@ -1,0 +1,29 @@
+#ifndef HOST_FS_FILES_H
+#define HOST_FS_FILES_H
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string>
+
+#include "platform/export.h"
+
+// Whole files, read and replaced through the file-system interface in force. The results are 0 or
+// the errno of what failed. Any thread.
+namespace host {
+
+// Reads a regular file whole. A directory gives EISDIR, any other file that is not regular EINVAL,
+// a file of more than `limit` bytes EFBIG. Never waits on a pipe or a device. On failure `bytes` is
+// left as it was.
+PLATFORM_API int readRegularFile(const std::string& path, std::size_t limit, std::string& bytes);
+
+// Creates or replaces a file so that every other process, and every process after a crash or power
+// cut, finds the whole old or the whole new file. A symbolic link keeps pointing where it points:
+// its target is replaced. An existing file keeps its mode and owner, a new one gets `modeOfNew`. On
+// failure the old file is untouched and no temporary file remains.
+PLATFORM_API int replaceFile(const std::string& path, const void* data, std::size_t size,
+                             mode_t modeOfNew);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,26 @@
+#ifndef HOST_LOG_SINK_H
+#define HOST_LOG_SINK_H
+
+#include <functional>
+#include <string>
+
+#include "platform/common/log.h"
+#include "platform/export.h"
+
+namespace host {
+
+// Receives each message at or above the threshold. Calls come one at a time, from whichever thread
+// logged. A sink must not log; what it throws is dropped.
+using LogSink =
+    std::function<void(LogLevel level, const std::wstring& component, const std::wstring& text)>;
+
+// Replaces the sink of this process. An empty function brings back the default, which writes one
+// line per message to standard error: time, level, component, text. Any thread.
+PLATFORM_API void setLogSink(LogSink sink);
+
+// Sets the lowest level that is delivered. Any thread.
+PLATFORM_API void setLogThreshold(LogLevel level);
+
+}  // namespace host
+
+#endif

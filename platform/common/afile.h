@@ -1,0 +1,64 @@
+#ifndef PLATFORM_COMMON_AFILE_H
+#define PLATFORM_COMMON_AFILE_H
+
+#include <string>
+
+#include "platform/common/abuffer.h"
+#include "platform/common/astring.h"
+
+// Files by name. Names are wide and handed to the system as UTF-8. Nothing here throws anything but
+// std::bad_alloc; a failure is the boolean result, and its reason goes to the detail log. All
+// operations may block on the file system and may be called from any thread.
+
+// `directory` and `name` with exactly one "/" between them; `name` alone when `directory` is empty.
+PLATFORM_API std::wstring joinPath(const std::wstring& directory, const std::wstring& name);
+
+// Splits a path at its last "/". `directory` receives what stands before it ("/" for a file in the
+// root, empty when there is no "/"), `name` what stands behind it. Either pointer may be null.
+PLATFORM_API void splitPath(const std::wstring& path, std::wstring* directory, std::wstring* name);
+
+// A directory and a file name joined with the platform's separator.
+class PLATFORM_API APath {
+ public:
+  APath(const AString& directory, const AString& name);
+
+  const AString& str() const { return m_path; }
+  const wchar_t* c_str() const { return m_path.c_str(); }
+
+ private:
+  AString m_path;
+};
+
+class PLATFORM_API AFile {
+ public:
+  // Reads an existing regular file whole into `out`. On failure `out` is left as it was.
+  static bool readExisting(const AString& path, ABuffer& out);
+
+  // Creates or replaces the file with exactly these bytes. Another process, and a process that
+  // starts after this one died at any moment, sees the old file or the new one, never a mixture. On
+  // failure the old file is untouched. An existing file keeps its mode and owner; a new one is
+  // readable and writable by its owner alone.
+  static bool write(const AString& path, const ABuffer& data);
+};
+
+class PLATFORM_API AFiler {
+ public:
+  enum AFileAccess { accessExist = 0, accessRead = 1, accessWrite = 2 };
+
+  // True when the file is gone afterwards: also when it was not there.
+  static bool deleteFile(const AString& path);
+
+  // Copies a regular file with the guarantees of AFile::write. False when `from` cannot be read.
+  static bool copyFile(const AString& from, const AString& to);
+
+  // Creates a directory and its missing parents. True also when the directory exists already.
+  static bool createDirectory(const AString& path);
+
+  // Asks whether the calling process may use the file in the given way. `exists` tells whether the
+  // file is there, `accessible` whether the access is granted (false when it is not there). Returns
+  // false when the question cannot be answered; the outputs are then both false.
+  static bool getFileAccessibility(const AString& path, AFileAccess access, bool& exists,
+                                   bool& accessible);
+};
+
+#endif

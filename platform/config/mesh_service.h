@@ -1,0 +1,29 @@
+#ifndef PLATFORM_CONFIG_MESH_SERVICE_H
+#define PLATFORM_CONFIG_MESH_SERVICE_H
+
+#include <string>
+
+#include "platform/export.h"
+
+// The mesh service keeps its own copy of the site list and is told to load it. Both objects belong
+// to the configuration library and live until the process ends; any thread may use them.
+
+class PLATFORM_API MeshServiceConfiguration {
+ public:
+  static MeshServiceConfiguration* GetInstance();
+
+  // Full path of the mesh service's copy of the site list. Does not block.
+  std::wstring GetMeshSiteListPath() const;
+};
+
+class PLATFORM_API MeshServiceStartupControl {
+ public:
+  // Both arguments are reserved and null.
+  static MeshServiceStartupControl* GetInstance(void* reserved1, void* reserved2);
+
+  // Asks the mesh service to load its site list and waits for the answer. 1 on success, any other
+  // value on failure, which the implementation logs. May block as long as the command runs.
+  int RunMeshServiceLoadSiteListCmd();
+};
+
+#endif

@@ -1,0 +1,52 @@
+#ifndef PLATFORM_CRYPTO_CRYPT_SHIM_H
+#define PLATFORM_CRYPTO_CRYPT_SHIM_H
+
+#include <string>
+
+#include "platform/crypto/object_buffer.h"
+#include "platform/export.h"
+
+namespace korvel_com {
+namespace ZQ {
+namespace crypto {
+
+enum EncryptionType {
+  ENCRYPTION_TYPE_PASSWORD = 3,       // wide strings, both directions, under the agent's own key
+  ENCRYPTION_TYPE_SERVER_BUFFER = 6,  // decrypts a byte buffer under the server's key
+};
+
+// One use of a key. Each operation returns nonzero on success; on failure it returns 0 and leaves
+// `out` as it was. A value that was tampered with fails. An operation that the object's type does
+// not offer fails. One object is used by one thread at a time. None of the operations logs what it
+// was given or what it made.
+class PLATFORM_API IEncryption {
+ public:
+  virtual ~IEncryption() = default;
+
+  virtual int decrypt_buffer(const AnObjectBuffer<unsigned char>& in,
+                             AnObjectBuffer<unsigned char>& out) = 0;
+  virtual int encrypt_string(const std::wstring& in, std::wstring& out) = 0;
+  virtual int decrypt_string(const std::wstring& in, std::wstring& out) = 0;
+};
+
+// The crypto service. It owns the encryption objects; a caller gives each back exactly once and
+// never deletes one. Any thread may make and give back objects.
+class PLATFORM_API CryptShim {
+ public:
+  // The one service of this process; never null.
+  static CryptShim* instance();
+
+  // A ready object, or null for an unknown type or when its key cannot be had (logged as an error,
+  // without the key). May create the agent's password key: once, readable by its owner alone, and
+  // the same one for several processes that start together.
+  IEncryption* create_encryption_object(EncryptionType type);
+
+  // Takes an object back. Null is allowed.
+  void destroy_encryption_object(IEncryption* object);
+};
+
+}  // namespace crypto
+}  // namespace ZQ
+}  // namespace korvel_com
+
+#endif

@@ -1,0 +1,26 @@
+#ifndef PLATFORM_CRYPTO_KEY_CONF_H
+#define PLATFORM_CRYPTO_KEY_CONF_H
+
+#include "platform/export.h"
+
+namespace korvel_com {
+namespace ZQ {
+namespace crypto {
+
+enum KeySize {
+  KEY_SIZE_LEGACY = 0,
+  KEY_SIZE_2048 = 1,
+};
+
+class PLATFORM_API KeyConf {
+ public:
+  // The key size that the agent is configured for. Any thread; does not block once the agent's
+  // settings have been read.
+  static KeySize getCryptoKeySize();
+};
+
+}  // namespace crypto
+}  // namespace ZQ
+}  // namespace korvel_com
+
+#endif

@@ -1,0 +1,50 @@
+#ifndef PLATFORM_CRYPTO_OBJECT_BUFFER_H
+#define PLATFORM_CRYPTO_OBJECT_BUFFER_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "platform/export.h"
+
+namespace korvel_com {
+namespace ZQ {
+namespace crypto {
+
+// Bytes on their way into or out of the crypto service. The object owns a copy and wipes it before
+// the memory is given back. One object is used by one thread at a time.
+class PLATFORM_API ABuffer {
+ public:
+  // `data` may be null when `length` is 0.
+  ABuffer(unsigned int length, const unsigned char* data);
+  ABuffer(const ABuffer&) = delete;
+  ABuffer& operator=(const ABuffer&) = delete;
+  virtual ~ABuffer();
+
+  const unsigned char* data() const { return m_bytes.data(); }
+  unsigned int length() const { return static_cast<unsigned int>(m_bytes.size()); }
+
+  // Replaces the content with a copy of these bytes.
+  void assign(unsigned int length, const unsigned char* data);
+
+  // The bytes as a narrow string, zero bytes included. The caller's copy is the caller's to wipe.
+  std::string cpp_str() const;
+
+ private:
+  std::vector<unsigned char> m_bytes;
+};
+
+template <typename T>
+class AnObjectBuffer;
+
+template <>
+class PLATFORM_API AnObjectBuffer<unsigned char> : public ABuffer {
+ public:
+  AnObjectBuffer(unsigned int length, const unsigned char* data) : ABuffer(length, data) {}
+};
+
+}  // namespace crypto
+}  // namespace ZQ
+}  // namespace korvel_com
+
+#endif

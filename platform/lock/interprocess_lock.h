@@ -1,0 +1,58 @@
+#ifndef PLATFORM_LOCK_INTERPROCESS_LOCK_H
+#define PLATFORM_LOCK_INTERPROCESS_LOCK_H
+
+#include <memory>
+
+#include "platform/export.h"
+
+// Named reader/writer locks between all processes of one agent: many readers or one writer per
+// name. Two locks of one process, of the same or of different threads, exclude each other in the
+// same way. A lock that its process holds when it dies, however it dies, is released by the system.
+// A waiting writer is not overtaken for ever by readers that keep coming.
+//
+// One object is used by one thread at a time. An object that goes out of scope unlocks. Locking a
+// locked object, or unlocking one that is not locked, does nothing. After a fork the child holds
+// none of its parent's locks.
+namespace korvel_com {
+namespace orb {
+namespace lock {
+
+struct LockImpl;
+
+class PLATFORM_API InterProcessReadLock {
+ public:
+  explicit InterProcessReadLock(const char* name);
+  ~InterProcessReadLock();
+  InterProcessReadLock(const InterProcessReadLock&) = delete;
+  InterProcessReadLock& operator=(const InterProcessReadLock&) = delete;
+
+  // Waits at most `waitMilliseconds`; 0 only tries, 0x7FFFFFFF waits for ever. True when the lock
+  // is held afterwards. False when the time ran out, and when the lock cannot be had at all (the
+  // lock's directory cannot be made, say), which is logged as an error and never waited for.
+  bool lock(unsigned int waitMilliseconds);
+  void unlock() noexcept;
+
+ private:
+  std::unique_ptr<LockImpl> m_impl;
+};
+
+class PLATFORM_API InterProcessWriteLock {
+ public:
+  explicit InterProcessWriteLock(const char* name);
+  ~InterProcessWriteLock();
+  InterProcessWriteLock(const InterProcessWriteLock&) = delete;
+  InterProcessWriteLock& operator=(const InterProcessWriteLock&) = delete;
+
+  // As InterProcessReadLock::lock.
+  bool lock(unsigned int waitMilliseconds);
+  void unlock() noexcept;
+
+ private:
+  std::unique_ptr<LockImpl> m_impl;
+};
+
+}  // namespace lock
+}  // namespace orb
+}  // namespace korvel_com
+
+#endif

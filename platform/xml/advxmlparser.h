@@ -1,0 +1,279 @@
+#ifndef PLATFORM_XML_ADVXMLPARSER_H
+#define PLATFORM_XML_ADVXMLPARSER_H
+
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <string>
+
+#include "platform/export.h"
+
+// The agent's XML parser library. Text is wide (UTF-32). Names and values are compared exactly.
+//
+// A Document owns its tree. Node, Attribute, NodeContainer and Element are handles: small values
+// that are copied freely and refer into the tree. A handle is valid as long as its Document lives
+// and the node is in it. A null handle (IsNull) answers every question with nothing: empty text,
+// null handles, empty ranges; changing it does nothing. One document is used by one thread at a
+// time; different documents are independent.
+namespace AdvXMLParser {
+
+enum UTF_ENCODINGS {
+  UTF_16LE = 0,
+  UTF_16BE = 1,
+  UTF_32LE = 2,
+  UTF_32BE = 3,
+  UTF_8 = 4,  // with an XML declaration and without a byte order mark
+};
+
+// A text began as markup but is not well formed, or has a DOCTYPE, which no site list has.
+class PLATFORM_API ParsingException : public std::exception {
+ public:
+  // `line` and `column` count from 1.
+  ParsingException(unsigned long line, unsigned long column, std::string reason);
+  ParsingException(const ParsingException&);
+  ~ParsingException() override;
+
+  unsigned long GetLine() const { return m_line; }
+  unsigned long GetColumn() const { return m_column; }
+  const std::string& GetReason() const { return m_reason; }
+  const char* what() const noexcept override { return m_what.c_str(); }
+
+ private:
+  unsigned long m_line;
+  unsigned long m_column;
+  std::string m_reason;
+  std::string m_what;
+};
+
+// A file could not be read or written, its bytes are not valid in its encoding, or a document is
+// over a limit. The error codes are negative and differ from every result code of the site list
+// library.
+class PLATFORM_API ReadWriteException : public std::exception {
+ public:
+  enum : int {
+    READ_FAILED = -101,
+    WRITE_FAILED = -102,
+    INVALID_ENCODING = -103,
+    LIMIT_EXCEEDED = -104,
+  };
+
+  // `systemError` is the errno of a failed system call, else 0. `line` and `column` count from 1
+  // and are 0 where no place in a document is meant.
+  ReadWriteException(int errorCode, int systemError, std::string reason, unsigned long line = 0,
+                     unsigned long column = 0);
+  ReadWriteException(const ReadWriteException&);
+  ~ReadWriteException() override;
+
+  int GetErrorCode() const { return m_errorCode; }
+  int GetSystemError() const { return m_systemError; }
+  unsigned long GetLine() const { return m_line; }
+  unsigned long GetColumn() const { return m_column; }
+  const char* what() const noexcept override { return m_reason.c_str(); }
+
+ private:
+  int m_errorCode;
+  int m_systemError;
+  unsigned long m_line;
+  unsigned long m_column;
+  std::string m_reason;
+};
+
+// A function from raw narrow text to the narrow text to use in its place.
+using TextCallback = std::string (*)(const std::string&);
+
+// Reads a regular file whole and converts it to wide text. `encoding` is a hint for what cannot be
+// told from the bytes; it receives the encoding found: UTF-8, UTF-16 or UTF-32 in either byte
+// order, with or without a byte order mark (which is not part of the text). `callback`, when not
+// null, sees the raw bytes before they are converted. Throws ReadWriteException (READ_FAILED,
+// INVALID_ENCODING, LIMIT_EXCEEDED) or std::bad_alloc and then leaves both outputs as they were.
+// Blocks on the file system; never waits on a pipe or a device. Any thread.
+PLATFORM_API void ReadBufferFromFile(const std::wstring& path, std::wstring& text,
+                                     UTF_ENCODINGS& encoding, TextCallback callback);
+
+// Creates or replaces the file with the text in the given encoding; the 16- and 32-bit forms get a
+// byte order mark. Another process, and a process that starts after this one died at any moment,
+// sees the old file or the new one, never a mixture; the old file's mode and owner are kept, a new
+// file is readable and writable by its owner and readable by its group. `before` sees the text as
+// UTF-8 before it is encoded, `after` the encoded bytes; null means no change. Returns true. Throws
+// ReadWriteException (WRITE_FAILED) or std::bad_alloc and then leaves the old file as it was, with
+// no temporary file behind. Any thread.
+PLATFORM_API bool WriteBufferToFile(const std::wstring& path, const std::wstring& text,
+                                    UTF_ENCODINGS encoding, TextCallback before,
+                                    TextCallback after);
+
+// The conversion of ReadBufferFromFile on bytes in memory. True when they were converted; false
+// when they are not valid in the encoding found, and then both outputs are as they were. `data` may
+// be null when `length` is 0. Throws std::bad_alloc, and ReadWriteException (LIMIT_EXCEEDED).
+PLATFORM_API bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length,
+                                         std::wstring& text, UTF_ENCODINGS& encoding);
+
+class AttributeRange;
+class ElementRange;
+class Document;
+
+// What attributes and elements have in common: a name and a value.
+class PLATFORM_API Node {
+ public:
+  bool IsNull() const { return m_handle == nullptr; }
+
+ protected:
+  Node() = default;
+  explicit Node(void* handle) : m_handle(handle) {}
+
+  void* m_handle = nullptr;
+};
+
+class PLATFORM_API Attribute : public Node {
+ public:
+  Attribute() = default;
+
+  std::wstring GetName() const;
+  bool HasName(const wchar_t* name) const;
+
+  std::wstring GetValue() const;
+  bool IsEmpty() const;  // no attribute, or an empty value
+  // The value as UTF-8, for reading numbers. Points into the tree; never null.
+  const char* GetNarrowValue() const;
+  // Writes the value and a terminator when they fit into `capacity` characters and returns true;
+  // otherwise `dest` holds unspecified text and the result is false.
+  bool CopyValue(wchar_t* dest, std::size_t capacity) const;
+
+  // Characters that XML cannot carry are stored as U+FFFD. May throw std::bad_alloc.
+  void SetValue(const std::wstring& value);
+
+ private:
+  friend class Element;
+  friend class AttributeRange;
+  explicit Attribute(void* handle) : Node(handle) {}
+};
+
+// A node that holds other nodes. Its value is the text directly inside it, CDATA sections included,
+// without the text of its child elements.
+class PLATFORM_API NodeContainer : public Node {
+ public:
+  std::wstring GetName() const;
+  bool HasName(const wchar_t* name) const;
+
+  std::wstring GetValue() const;
+  // The value as UTF-8, for reading numbers. Replaces what `value` held.
+  void GetNarrowValue(std::string& value) const;
+  // As Attribute::CopyValue.
+  bool CopyValue(wchar_t* dest, std::size_t capacity) const;
+
+  // Adds text behind what the node holds. Characters that XML cannot carry become U+FFFD. May throw
+  // std::bad_alloc.
+  void AddText(const std::wstring& text);
+
+ protected:
+  NodeContainer() = default;
+  explicit NodeContainer(void* handle) : Node(handle) {}
+};
+
+class PLATFORM_API Element : public NodeContainer {
+ public:
+  Element() = default;
+
+  // The attribute of that name; a null handle when there is none.
+  Attribute GetAttribute(const wchar_t* name) const;
+  AttributeRange Attributes() const;
+
+  // The first child element of that name; a null handle when there is none.
+  Element GetElement(const wchar_t* name) const;
+  // The child elements in document order.
+  ElementRange Elements() const;
+
+  // Adds an attribute behind the others; one of that name keeps its place and loses its value. May
+  // throw std::bad_alloc.
+  Attribute CreateAttribute(const wchar_t* name);
+  // Adds a new element as the last child of this one. May throw std::bad_alloc.
+  Element AddElementInto(const std::wstring& name);
+  // Adds a new element at the end of this one's parent, behind all its siblings. On the root, and
+  // on a null handle, it does nothing and returns a null handle. May throw std::bad_alloc.
+  Element AppendElement(const std::wstring& name);
+
+ private:
+  friend class Document;
+  friend class ElementRange;
+  explicit Element(void* handle) : NodeContainer(handle) {}
+};
+
+// for (Attribute a : element.Attributes())
+class PLATFORM_API AttributeRange {
+ public:
+  class PLATFORM_API iterator {
+   public:
+    explicit iterator(void* handle) : m_handle(handle) {}
+    Attribute operator*() const { return Attribute(m_handle); }
+    iterator& operator++();
+    bool operator!=(const iterator& other) const { return m_handle != other.m_handle; }
+
+   private:
+    void* m_handle;
+  };
+
+  explicit AttributeRange(void* first) : m_first(first) {}
+  iterator begin() const { return iterator(m_first); }
+  iterator end() const { return iterator(nullptr); }
+
+ private:
+  void* m_first;
+};
+
+// for (Element child : element.Elements())
+class PLATFORM_API ElementRange {
+ public:
+  class PLATFORM_API iterator {
+   public:
+    explicit iterator(void* handle) : m_handle(handle) {}
+    Element operator*() const { return Element(m_handle); }
+    iterator& operator++();
+    bool operator!=(const iterator& other) const { return m_handle != other.m_handle; }
+
+   private:
+    void* m_handle;
+  };
+
+  explicit ElementRange(void* first) : m_first(first) {}
+  iterator begin() const { return iterator(m_first); }
+  iterator end() const { return iterator(nullptr); }
+
+ private:
+  void* m_first;
+};
+
+struct DocumentTree;
+
+class PLATFORM_API Document {
+ public:
+  // A new document with an XML declaration and this root. May throw std::bad_alloc.
+  explicit Document(const std::wstring& rootName);
+  virtual ~Document();
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+
+  Element GetRoot() const;
+
+  // The whole document as text. `indent` puts each element on a line of its own; without it nothing
+  // is added. May throw std::bad_alloc.
+  std::wstring GenerateXML(bool indent) const;
+
+ private:
+  friend class Parser;
+  explicit Document(std::unique_ptr<DocumentTree> tree);
+
+  std::unique_ptr<DocumentTree> m_tree;
+};
+
+class PLATFORM_API Parser {
+ public:
+  // Parses `length` characters. The caller owns the result. Null when the text holds no markup at
+  // all: it is empty, or its first character that is not white space is not "<". Throws
+  // ParsingException when the text is not well formed, ReadWriteException (LIMIT_EXCEEDED) when the
+  // document is over a limit, or std::bad_alloc. Never opens a file or a connection, whatever the
+  // document says. Any thread.
+  Document* Parse(const wchar_t* text, std::size_t length);
+};
+
+}  // namespace AdvXMLParser
+
+#endif

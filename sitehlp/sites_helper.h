@@ -1,0 +1,198 @@
+#ifndef SITEHLP_SITES_HELPER_H
+#define SITEHLP_SITES_HELPER_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/common/abuffer.h"
+#include "platform/common/astring.h"
+#include "platform/crypto/object_buffer.h"
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/export.h"
+#include "sitehlp/result_codes.h"
+#include "sitehlp/site.h"
+
+class AnXmlNode;
+
+namespace sitehlp {
+
+// File names, lock names and delimiters shared with the agent's other processes.
+constexpr const wchar_t* c_sitelistName = L"SiteList.xml";
+constexpr const wchar_t* c_serverSitelistName = L"ServerSiteList.xml";
+constexpr const char* c_siteListLock = "SiteListLock";
+constexpr const char* smartSiteListLock = "SmartSiteListLock";
+constexpr const wchar_t* c_proxyParamDelimiter = L";";
+constexpr const wchar_t* c_agentEnvMacroStartDelimiter = L"<";
+constexpr const wchar_t* c_agentEnvMacroEndDelimiter = L">";
+constexpr const wchar_t* c_agentEnvMacroStartDelimiterExpanded = L"%%lt%%";
+constexpr const wchar_t* c_agentEnvMacroEndDelimiterExpanded = L"%%gt%%";
+
+// Splits `text` at its last ":" into host and decimal port. Returns whether there is a ":"; without
+// one, `host` and `port` stay as they were. `port` also stays when no number in the range of an
+// unsigned int can be read behind the ":". Brackets of an IPv6 address stay in `host`. Any thread.
+SITEHLP_API bool split_host_and_port(std::wstring text, std::wstring& host, unsigned int& port);
+
+// Recovers a password that the management server protected: base64 text of bytes encrypted under
+// the server's key. Returns nonzero on success; on failure 0, with `out` as it was. Logs nothing.
+// Any thread.
+SITEHLP_API int decrypt_data(const std::wstring& in, std::wstring& out);
+
+// The one object through which the site list is used. Instances are cheap and may be made per call;
+// one instance is used by one thread at a time. Between processes, and between instances, site list
+// files are guarded by the inter-process lock "SiteListLock", held only while a file is read or
+// written, and the cached list by "SmartSiteListLock", which is taken first where both are held.
+// Every wait for a lock is without limit.
+//
+// Unless an operation says otherwise: results are the codes of sitehlp/result_codes.h, 0 for
+// success; outputs are left alone on failure; an empty path means the instance's own site list
+// file; nothing is thrown but std::bad_alloc. A list that an operation hands out belongs to the
+// caller, who gives it to FreeSiteListMemory.
+class SITEHLP_API CSitesHelper {
+ public:
+  // With `skipDefaultFile` false the instance serves "SiteList.xml" in the agent's "etc" directory
+  // and reads its versions under "SiteListLock"; with true it has no file of its own, and callers
+  // name every file. A file that is missing or cannot be read leaves the versions empty and the
+  // type "Client".
+  explicit CSitesHelper(bool skipDefaultFile);
+  // Serves the file with this path and reads its versions.
+  explicit CSitesHelper(std::wstring fullPath);
+  // The same, so that a wide literal is not taken for the bool. Null counts as an empty path.
+  explicit CSitesHelper(const wchar_t* fullPath)
+      : CSitesHelper(std::wstring(fullPath ? fullPath : L"")) {}
+  // A narrow path would be taken for the bool.
+  explicit CSitesHelper(const char*) = delete;
+  // The cached list stays.
+  virtual ~CSitesHelper();
+
+  // --- The object -------------------------------------------------------------------------------
+
+  // Writes the directory that holds the agent's site list into `buffer`, cut to `capacity` - 1
+  // characters where it is longer. `capacity` counts characters and is at least 1. Always 0.
+  int GetSiteListFilename(wchar_t* buffer, unsigned long capacity);
+
+  // 1 when the agent is under central management, else 0.
+  int IsOrbManaged();
+
+  // Sets what IsOrbManaged answers: -1 managed, -2 not managed, 0 ask the agent's configuration.
+  // Any other value asks, too.
+  void SetManagedOverride(std::int32_t managedOverride);
+
+  // Marks the cached list of this process as changed, under the write lock "SmartSiteListLock".
+  // SmartReadSiteList goes back to the file once it was called at least twice since the last read.
+  void needToUpdateInMemSiteList();
+
+  // --- Records ----------------------------------------------------------------------------------
+
+  // Fills a text field of `capacity` characters, zeroing what the text does not fill. A text that
+  // does not fit is cut to `capacity` - 1 characters and logged at detail level, in full. Neither
+  // pointer may be null; `capacity` is at least 1.
+  static void CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity);
+
+  // Releases every record of a list, clear passwords wiped. Null is allowed. Always 0.
+  static int FreeSiteListMemory(tag_Site* head);
+
+  // The decimal text of a number; "1" or "0" for a bool.
+  static std::wstring ConvertToStr(unsigned int value);
+  static std::wstring ConvertToStr(int value);
+  static std::wstring ConvertToStr(bool value);
+
+  // --- Passwords --------------------------------------------------------------------------------
+
+  // Protects a clear password in the agent's own way. Returns nonzero on success; on failure 0,
+  // with `out` as it was. Logs nothing. Uses nothing of the instance.
+  int EncryptPassword(const std::wstring& in, std::wstring& out);
+
+  // --- Reading ----------------------------------------------------------------------------------
+
+  // Reads a site list file into a new list (null when it has no sites) and its policy settings into
+  // the instance. `useLock` says whether the file is read under the read lock "SiteListLock".
+  // Returns 0; -1 when the last site element was of no known kind (the list is there all the same);
+  // -2 no path; -4 no such file; -5 not well formed; -10 the file could not be read; or the error
+  // code of AdvXMLParser::ReadWriteException when the document is over a limit. `*list` is written
+  // except on -2, -4 and -10.
+  int ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock);
+
+  // Decodes one site element into a new zero-filled per-kind record, which the caller releases with
+  // free. Returns 0, or -1 with a null record when the element is of no known kind; -3 when the
+  // record cannot be allocated.
+  int ReadSiteFromSiteList(AdvXMLParser::Element* element, void** record);
+
+  // Hands out the list cached in this process, reading the file when there is none or it was marked
+  // changed often enough. The list belongs to the class and is valid until the next smart read; a
+  // cached list serves every path. Not to be run concurrently within one process. Returns 0 or what
+  // ReadSiteList returned.
+  int SmartReadSiteList(const std::wstring& path, tag_Site** list);
+
+  // Reads a file that must be named: -1 for an empty path, else as ReadSiteList under the lock. A
+  // failure, and an empty list, is logged as an error.
+  int MustReadSiteList(const std::wstring& path, tag_Site** list);
+
+  // The text of the instance's own file with the first "<CaBundle>" tag taken out. False when there
+  // is no such file. Throws AdvXMLParser::ReadWriteException when it cannot be read.
+  bool GetSiteListBuffer(std::wstring& text);
+
+  // --- Writing ----------------------------------------------------------------------------------
+
+  // Writes a list (null for an empty one) as a whole document under the write lock "SiteListLock",
+  // then writes the mesh service's copy and has it loaded. Empty versions and type stand for the
+  // remembered ones: the global version for the instance's, else the local one; the local version
+  // for the present local time in 14 digits; the type for the instance's, else "Client".
+  // `certificates` are written in their order, the instance's policy settings by name. Writing
+  // turns expanded macros in the records back into "<" and ">" and leaves a proxy record with its
+  // first exclusion host only. Returns the result of the last record: 0, or -1 when it is of no
+  // known kind; -11 when the file could not be written. An exception while the document is built
+  // ends the operation with nothing written and the result so far.
+  int CreateSiteList(tag_Site* list, const std::wstring& path, const std::wstring& globalVersion,
+                     const std::wstring& localVersion, const std::wstring& type,
+                     const std::vector<std::wstring>& certificates);
+
+  // The writers of one record each, used by CreateSiteList on the document that it is making:
+  // position 0 puts the element into the anchor element, any other behind it. Always 0.
+  int AddHTTPSite(tag_Site* site, int position);
+  int AddFTPSite(tag_Site* site, int position);
+  int AddUNCSite(tag_Site* site, int position);
+  int AddLocalSite(tag_Site* site, int position);
+  int AddProxySite(tag_Site* site, int position);
+
+  // Turns the expanded macro delimiters in a buffer back into "<" and ">", cut to `capacity` - 1
+  // characters. Null and empty buffers are left alone. Always 0.
+  int FormatEnvSymbols(wchar_t* buffer, unsigned int capacity);
+
+  // --- Versions and FIPS mode
+  // ---------------------------------------------------------------------
+
+  // Reads versions and type of a site list file, under the read lock. Returns 0; -1 when it is no
+  // well-formed document; -4 no such file (nothing is written); -10 it could not be read. From -1
+  // and -10 on, the versions are empty. `type` is written on success only.
+  int GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
+                          std::wstring& localVersion, std::wstring& type);
+  // The global version of the instance's own file, with the results of GetSitelistVersions.
+  int GetGlobalSitelistVersion(std::wstring& globalVersion);
+  // The FIPS mode of a site list file; -1 also when it says none.
+  int GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode);
+
+ protected:
+  std::wstring m_strSiteListFile;
+  std::wstring m_strCurrentFile;
+  std::wstring m_strLocalVersion;
+  std::wstring m_strGlobalVersion;
+  std::wstring m_strSiteListType;
+  std::wstring m_strReserved;
+  AdvXMLParser::Element* m_pSiteListElement;
+  std::map<std::wstring, std::wstring> m_policySettings;
+  std::int32_t m_iManagedOverride;
+  std::int32_t m_iReserved;
+  std::int32_t m_bUseDecryptData;
+
+ public:
+  // The list cached in this process, and its change counter. They belong to the class; see
+  // SmartReadSiteList.
+  static tag_Site* m_pSiteList;
+  static std::int32_t m_iChange;
+};
+
+}  // namespace sitehlp
+
+#endif

@@ -115,8 +115,7 @@ class SITEHLP_API CSitesHelper {
   int ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock);
 
   // Decodes one site element into a new zero-filled per-kind record, which the caller releases with
-  // free. Returns 0, or -1 with a null record when the element is of no known kind; -3 when the
-  // record cannot be allocated.
+  // free. Returns 0, or -1 with a null record when the element is of no known kind.
   int ReadSiteFromSiteList(AdvXMLParser::Element* element, void** record);
 
   // Hands out the list cached in this process, reading the file when there is none or it was marked
@@ -172,6 +171,142 @@ class SITEHLP_API CSitesHelper {
   int GetGlobalSitelistVersion(std::wstring& globalVersion);
   // The FIPS mode of a site list file; -1 also when it says none.
   int GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode);
+
+  // --- Merge ------------------------------------------------------------------------------------
+
+  // Builds a new list from copies; the sources stay the caller's, and `*final` must be null.
+  // With `useSecond` false: the instance's own list read from disk, with the fallback site of
+  // `first` put in, and the server sites of `first` in place of its own. With true: `second`
+  // followed by `first` without its proxies; or, when `first` is null, `second` with the fallback
+  // and server sites of the instance's own list. Server sites only replace server sites. Either
+  // source may be null. Returns 0, -2 for a null `final` (logged), or the failure of the last step
+  // that counted, which leaves `*final` null.
+  int MergeSiteLists(tag_Site* first, tag_Site* second, bool useSecond, tag_Site** final);
+
+  // Appends copies of the records of `source` (without its proxies when `skipProxy`) to the list
+  // between `*head` and `*tail`; both are null for an empty list. Returns 0, -2 for a null
+  // argument, or -3 with the copies made so far in place.
+  int MergeThisSiteList(tag_Site* source, bool skipProxy, tag_Site** tail, tag_Site** head);
+
+  // Copies the first fallback site of kind 0 or 1. The copy still holds the pNext of its source.
+  // Returns 0, -1 when there is none, -2 for a null argument, -3.
+  int GetFallbackSite(tag_Site* list, tag_Site** fallback);
+
+  // Puts a fallback site, which it takes over, into the list: in place of the fallback site there,
+  // else at the end. With a null `*tail` and a list that has none, nothing is done and the record
+  // stays the caller's. Returns 0, or -2 for a null argument, and then takes nothing over.
+  int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
+
+  // Copies every management server site, in list order. Returns 0, -8 when there is none, -2 for a
+  // null argument, or -3 with the copies made so far in `*chain`.
+  int GetVestaSite(tag_Site* list, tag_Site** chain);
+
+  // Replaces the server sites of a list by `chain`, which goes to the end. The chain becomes part
+  // of the list when the list was empty or had a server site; otherwise it stays the caller's, and
+  // `*tail`, when not null, is its first record. A server site directly behind a removed one stays.
+  // Returns 0, or -2 for a null argument.
+  int UpdateVestaSite(tag_Site* chain, tag_Site** tail, tag_Site** head);
+
+  // --- Validation -------------------------------------------------------------------------------
+
+  // Checks that a list can be used: that it has sites and, with `checkServer`, that its first
+  // management server site is complete, with key files beside the site list file read last. Every
+  // fault is one log line. Returns 0, -9 when a rule failed, or what GetVestaSite returned.
+  int SourceSiteListCheck(tag_Site* list, bool checkServer);
+
+  // Reads a file and checks it. True when both went well.
+  bool ValidateSiteListForInstall(const std::wstring& path, bool checkServer);
+
+  // --- Import and install -----------------------------------------------------------------------
+
+  // Makes an incoming site list file the instance's own: key files first, then the list with its
+  // versions, type and certificates. `keyDir` holds the server's public key for a list whose server
+  // has no version; it may be empty. Install takes the list as it is; import checks it first, with
+  // the management server checks when the agent is managed. Returns 0; what MustReadSiteList,
+  // SourceSiteListCheck or GetSitelistVersions returned; or -1 when the key files or the list could
+  // not be written. Until the list itself is written, the old one stays.
+  int InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
+  int ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
+  // The common part, for a list that was read from `srcPath`.
+  int InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
+                             const std::wstring& keyDir);
+
+  // Exchanges the orders of the two default vendor repositories when FTP would come before HTTP.
+  void AdjustSitesOrder(tag_Site* sites);
+
+  // --- Lists from memory ------------------------------------------------------------------------
+
+  // Writes a site list document held as text to the agent's scratch area. Certificates are those of
+  // the document or, when it has no bundle, of the instance's own file. Returns 0, -2 for an empty
+  // text, -5 when it is not well formed, the parser's code when it is over a limit, -1 when the
+  // last site is of no known kind (nothing is written in these cases), else as CreateSiteList.
+  int CreateSiteListFromBuffer(const std::wstring& buffer);
+
+  // Stores a server site list handed over as bytes as "ServerSiteList.xml" in the agent's data
+  // directory. With `adjustPasswords`, and a key size of 2048 bits, as AdjustPwd does, and always
+  // with 1; otherwise unchanged, with 1 for success and 0 for failure.
+  int CreateServerSiteList(korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>& buffer,
+                           bool adjustPasswords);
+
+  // Reads a server site list from bytes and writes it anew, its passwords in the agent's own
+  // protection. Returns the result of the last site: 0 or -1; -5 or the parser's code when the
+  // bytes are no document, and then nothing is written. A failed write is not reported.
+  int AdjustPwd(korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>& buffer);
+
+  // --- CA certificates, policy settings, management servers
+  // ---------------------------------------
+
+  // Appends the texts of the CA certificates of a site list file, under the read lock. Returns 0
+  // (also for a file with no markup), -4, -5, -10, or -11 when the document is over a limit;
+  // certificates appended before a failure stay.
+  int GetCaCertificates(const std::wstring& path, std::vector<std::wstring>& certificates);
+
+  // False, with `value` as it was, when there is no such setting.
+  bool GetPolicySetting(const std::wstring& name, std::wstring& value);
+  // Sets a value that the next write puts into the document.
+  void SetPolicySetting(const std::wstring& name, const std::wstring& value);
+
+  // The management servers of the instance's own list by ascending order (one per order value),
+  // each output joined with ";": all with `allSites`, else the first. `port` is that of the last
+  // server taken: the secure one, where it has one, unless `nonSecurePort`. IPv6 addresses lose
+  // their brackets. Returns what SmartReadSiteList or GetVestaSite returned; the outputs are
+  // written only when there is a server.
+  int GetPYXServerInfo(std::wstring& names, std::wstring& servers, std::wstring& serverIPs,
+                       std::wstring& netbiosNames, int& port, std::wstring& versions, bool allSites,
+                       bool nonSecurePort);
+
+  // --- Key files --------------------------------------------------------------------------------
+
+  // Reads one key file; false when it cannot be read or is empty (logged).
+  bool readKeyFile(const AString& dir, const AString& name, ABuffer& out);
+
+  // Gathers the key files of an incoming list: beside the list when it has a management server with
+  // a version, each set counting only when both its files are there; else the public key in
+  // `keyDir`, when that is named. The flags say which buffers count. False when none could be had
+  // that is needed.
+  bool readKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
+                    const std::wstring& keyDir, ABuffer& srPub, ABuffer& reqSec, ABuffer& sr2048Pub,
+                    ABuffer& req2048Sec, bool& hasSrPub, bool& hasReqSec, bool& hasSr2048Pub,
+                    bool& hasReq2048Sec);
+
+  // Writes one key file into `dir`; `subDir` is not used.
+  bool writeKeyFile(const ABuffer& data, const AString& name, const AString& subDir,
+                    const AString& dir);
+
+  // Writes the key files whose flags are set, and removes the older request key where only public
+  // keys came. Files written before a failure stay.
+  bool writeKeyFiles(bool hasSrPub, bool hasReqSec, const ABuffer& srPub, const ABuffer& reqSec,
+                     bool hasSr2048Pub, bool hasReq2048Sec, const ABuffer& sr2048Pub,
+                     const ABuffer& req2048Sec, const AString& dir);
+
+  // Whether a file can be written: it is not there, or write access is granted. Logs a refusal.
+  bool writable(const AString& path);
+
+  // Installs the key files and the FIPS marker that come with an incoming list beside the
+  // instance's own file, whose directory is made. Checks that everything can be written before it
+  // writes.
+  bool createDirectoriesAndCopyKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
+                                        const std::wstring& keyDir);
 
  protected:
   std::wstring m_strSiteListFile;

@@ -1,0 +1,128 @@
+#include "platform/crypto/crypt_shim.h"
+
+#include <cerrno>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "host/agent.h"
+#include "host/crypto/encryption.h"
+#include "host/crypto/key_file.h"
+#include "platform/common/log.h"
+
+namespace host {
+namespace {
+
+using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD;
+using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER;
+
+// The encryption objects of one type that nobody uses at the moment. Making one costs several times
+// what a password costs, so they are kept for as long as the key file stays as it was.
+class Pool {
+ public:
+  Pool(Encryption::Type type, const char* keyName, bool createsKey)
+      : m_type(type), m_keyName(keyName), m_createsKey(createsKey) {}
+
+  std::unique_ptr<Encryption> take(const std::string& dataDirectory) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (dataDirectory != m_dataDirectory) {
+      drop();
+      m_dataDirectory = dataDirectory;
+      m_path = keyFilePath(dataDirectory, m_keyName);
+    }
+    if (!refreshKey()) return nullptr;
+    if (m_idle.empty()) return std::make_unique<Encryption>(m_type, m_key, m_generation);
+    std::unique_ptr<Encryption> object = std::move(m_idle.back());
+    m_idle.pop_back();
+    return object;
+  }
+
+  void giveBack(std::unique_ptr<Encryption> object) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (object->generation() == m_generation && m_idle.size() < c_idleLimit) {
+      m_idle.push_back(std::move(object));
+    }
+  }
+
+ private:
+  static constexpr std::size_t c_idleLimit = 16;
+
+  bool refreshKey() {
+    KeyFileState state;
+    const int error = keyFileState(m_path, state);
+    if (error == 0 && !m_key.empty() && m_state.settled && m_state.sameFile(state)) return true;
+    SecretBytes key;
+    if ((error == ENOENT && m_createsKey && !createKeyFile(m_path)) ||
+        !readKeyFile(m_path, key, m_state)) {
+      drop();
+      return false;
+    }
+    if (key != m_key) {
+      drop();
+      m_key = std::move(key);
+    }
+    return true;
+  }
+
+  void drop() {
+    m_idle.clear();
+    m_key = SecretBytes();
+    ++m_generation;
+  }
+
+  const Encryption::Type m_type;
+  const char* const m_keyName;
+  const bool m_createsKey;
+  std::mutex m_mutex;
+  std::string m_dataDirectory;
+  std::string m_path;
+  SecretBytes m_key;     // empty: not loaded
+  KeyFileState m_state;  // of the file that m_key was read from
+  std::uint64_t m_generation = 0;
+  std::vector<std::unique_ptr<Encryption>> m_idle;
+};
+
+// Never destroyed: other objects may still need passwords while the process ends.
+Pool* poolFor(Encryption::Type type) {
+  static Pool* const passwords = new Pool(ENCRYPTION_TYPE_PASSWORD, c_passwordKeyName, true);
+  static Pool* const server = new Pool(ENCRYPTION_TYPE_SERVER_BUFFER, c_serverKeyName, false);
+  switch (type) {
+    case ENCRYPTION_TYPE_PASSWORD:
+      return passwords;
+    case ENCRYPTION_TYPE_SERVER_BUFFER:
+      return server;
+  }
+  return nullptr;
+}
+
+}  // namespace
+}  // namespace host
+
+namespace korvel_com {
+namespace ZQ {
+namespace crypto {
+
+CryptShim* CryptShim::instance() {
+  static CryptShim shim;
+  return &shim;
+}
+
+IEncryption* CryptShim::create_encryption_object(EncryptionType type) {
+  host::Pool* const pool = host::poolFor(type);
+  if (!pool) {
+    logInternalError(L"Crypto", AString(L"There is no encryption object of type ").append(type));
+    return nullptr;
+  }
+  return pool->take(host::agent().dataDirectory).release();
+}
+
+void CryptShim::destroy_encryption_object(IEncryption* object) {
+  if (!object) return;
+  std::unique_ptr<host::Encryption> owned(static_cast<host::Encryption*>(object));
+  host::poolFor(owned->type())->giveBack(std::move(owned));
+}
+
+}  // namespace crypto
+}  // namespace ZQ
+}  // namespace korvel_com

@@ -1,0 +1,72 @@
+#include "host/crypto/encryption.h"
+
+#include <utf8.h>
+
+#include <iterator>
+
+#include "host/common/encoding.h"
+
+namespace host {
+namespace {
+
+// False for a text with a character that is no Unicode scalar value: it could not be given back.
+bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
+  utf8Bytes.reserve(text.size());
+  try {
+    utf8::utf32to8(text.begin(), text.end(), std::back_inserter(utf8Bytes));
+  } catch (const utf8::exception&) {
+    return false;
+  }
+  return true;
+}
+
+bool toAscii(const std::wstring& text, std::string& ascii) {
+  ascii.reserve(text.size());
+  for (const wchar_t character : text) {
+    if (character < 0 || character > 0x7F) return false;
+    ascii.push_back(static_cast<char>(character));
+  }
+  return true;
+}
+
+}  // namespace
+
+int Encryption::decrypt_buffer(const Buffer& in, Buffer& out) {
+  SecretBytes clear;
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER ||
+      !m_sealer.open(in.data(), in.length(), clear)) {
+    return 0;
+  }
+  out.assign(static_cast<unsigned int>(clear.size()), clear.data());
+  return 1;
+}
+
+int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
+  SecretBytes clear;
+  std::vector<unsigned char> sealed;
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toSecretUtf8(in, clear) ||
+      !m_sealer.seal(clear.data(), clear.size(), sealed)) {
+    return 0;
+  }
+  const std::string text = toBase64(sealed);
+  out.assign(text.begin(), text.end());
+  return 1;
+}
+
+int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
+  std::string text;
+  std::vector<unsigned char> sealed;
+  SecretBytes clear;
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toAscii(in, text) ||
+      !fromBase64(text, sealed) || !m_sealer.open(sealed.data(), sealed.size(), clear)) {
+    return 0;
+  }
+  std::wstring result;
+  result.reserve(clear.size());  // no copy of the clear text is left behind by growing
+  if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), result)) return 0;
+  out = result;
+  OPENSSL_cleanse(result.data(), result.size() * sizeof(wchar_t));
+  return 1;
+}
+
+}  // namespace host

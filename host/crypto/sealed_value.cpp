@@ -1,0 +1,123 @@
+#include "host/crypto/sealed_value.h"
+
+#include <openssl/rand.h>
+
+#include <algorithm>
+#include <climits>
+#include <new>
+#include <utility>
+
+#include "host/agent.h"
+#include "host/crypto/key_file.h"
+
+namespace host {
+namespace {
+
+constexpr unsigned char c_version = 1;
+constexpr std::size_t c_versionSize = 1;
+constexpr std::size_t c_nonceSize = 12;
+constexpr std::size_t c_tagSize = 16;
+constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
+constexpr std::size_t c_overhead = c_headSize + c_tagSize;
+constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
+
+// Looking the algorithm up by name is the dearest step of all; once per process is enough.
+const EVP_CIPHER* algorithm() {
+  static EVP_CIPHER* const cipher = EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr);
+  return cipher;
+}
+
+}  // namespace
+
+Sealer::Sealer(const SecretBytes& key) : m_context(EVP_CIPHER_CTX_new()) {
+  if (!m_context || key.size() != c_keySize ||
+      EVP_CipherInit_ex2(m_context.get(), algorithm(), key.data(), nullptr, 1, nullptr) != 1) {
+    throw std::bad_alloc();
+  }
+}
+
+bool Sealer::seal(const unsigned char* clear, std::size_t length,
+                  std::vector<unsigned char>& sealed) {
+  if (length > c_longest) return false;
+  std::vector<unsigned char> result(c_overhead + length);
+  result[0] = c_version;
+  unsigned char* const nonce = result.data() + c_versionSize;
+  unsigned char* const body = result.data() + c_headSize;
+  EVP_CIPHER_CTX* const context = m_context.get();
+  int done = 0;
+  if (RAND_bytes(nonce, c_nonceSize) != 1 ||
+      EVP_CipherInit_ex2(context, nullptr, nullptr, nonce, 1, nullptr) != 1 ||
+      EVP_CipherUpdate(context, nullptr, &done, result.data(), c_versionSize) != 1 ||
+      (length > 0 &&
+       EVP_CipherUpdate(context, body, &done, clear, static_cast<int>(length)) != 1) ||
+      EVP_CipherFinal_ex(context, body + length, &done) != 1 ||
+      EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_GET_TAG, c_tagSize, body + length) != 1) {
+    return false;
+  }
+  sealed = std::move(result);
+  return true;
+}
+
+bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& clear) {
+  if (length < c_overhead || length - c_overhead > c_longest || sealed[0] != c_version) {
+    return false;
+  }
+  const std::size_t bodySize = length - c_overhead;
+  const unsigned char* const body = sealed + c_headSize;
+  unsigned char tag[c_tagSize];
+  std::copy(body + bodySize, body + bodySize + c_tagSize, tag);
+  // One byte more than the value, so that an empty one has a place to be written to as well.
+  SecretBytes result(bodySize + 1);
+  EVP_CIPHER_CTX* const context = m_context.get();
+  int done = 0;
+  if (EVP_CipherInit_ex2(context, nullptr, nullptr, sealed + c_versionSize, 0, nullptr) != 1 ||
+      EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_SET_TAG, c_tagSize, tag) != 1 ||
+      EVP_CipherUpdate(context, nullptr, &done, sealed, c_versionSize) != 1 ||
+      (bodySize > 0 &&
+       EVP_CipherUpdate(context, result.data(), &done, body, static_cast<int>(bodySize)) != 1) ||
+      EVP_CipherFinal_ex(context, result.data() + bodySize, &done) != 1) {
+    return false;
+  }
+  result.resize(bodySize);
+  clear = std::move(result);
+  return true;
+}
+
+std::string toBase64(const std::vector<unsigned char>& bytes) {
+  if (bytes.size() > INT_MAX / 2) throw std::bad_alloc();
+  std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');  // the encoder adds a terminator
+  EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(),
+                  static_cast<int>(bytes.size()));
+  text.pop_back();
+  return text;
+}
+
+bool fromBase64(const std::string& text, std::vector<unsigned char>& bytes) {
+  if (text.size() % 4 != 0 || text.size() > INT_MAX / 2) return false;
+  std::vector<unsigned char> result(text.size() / 4 * 3);
+  if (EVP_DecodeBlock(result.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                      static_cast<int>(text.size())) != static_cast<int>(result.size())) {
+    return false;
+  }
+  for (std::size_t end = text.size(); end > 0 && text[end - 1] == '=' && !result.empty(); --end) {
+    result.pop_back();
+  }
+  // The decoder forgives white space around the text and stray bits in its last character.
+  if (toBase64(result) != text) return false;
+  bytes = std::move(result);
+  return true;
+}
+
+std::string sealServerPassword(const std::string& clear) {
+  SecretBytes key;
+  KeyFileState state;
+  std::vector<unsigned char> sealed;
+  if (!readKeyFile(keyFilePath(agent().dataDirectory, c_serverKeyName), key, state) ||
+      !Sealer(key).seal(reinterpret_cast<const unsigned char*>(clear.data()), clear.size(),
+                        sealed)) {
+    return std::string();
+  }
+  return toBase64(sealed);
+}
+
+}  // namespace host

@@ -1,0 +1,57 @@
+#ifndef HOST_CRYPTO_SEALED_VALUE_H
+#define HOST_CRYPTO_SEALED_VALUE_H
+
+#include <openssl/evp.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/crypto/secret.h"
+#include "platform/export.h"
+
+// A sealed value is what a clear value becomes under a 32-byte key with AES-256-GCM:
+//
+//   version (1 byte, 1) | nonce (12 bytes, random) | ciphertext (as long as the clear) | tag (16)
+//
+// The version is authenticated along with the rest: a value of which any bit was changed, or that
+// was cut or made longer, does not open.
+namespace host {
+
+constexpr std::size_t c_keySize = 32;
+
+// Seals and opens values under one key. Setting up costs about as much as three short values, so an
+// object is worth keeping. One object is used by one thread at a time. The key is wiped with it.
+class Sealer {
+ public:
+  // `key` holds c_keySize bytes. Throws std::bad_alloc.
+  explicit Sealer(const SecretBytes& key);
+
+  // Returns false, with `sealed` as it was, when the system has no random numbers to give or the
+  // value is too long for the cipher (2 GiB).
+  bool seal(const unsigned char* clear, std::size_t length, std::vector<unsigned char>& sealed);
+
+  // Returns false, with `clear` as it was, for anything that was not sealed under this key.
+  bool open(const unsigned char* sealed, std::size_t length, SecretBytes& clear);
+
+ private:
+  struct Free {
+    void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
+  };
+  std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;
+};
+
+// Sealed values as base64 text, standard alphabet with padding. Decoding takes exactly what
+// encoding makes, so that no two texts stand for the same bytes; for any other text it returns
+// false and leaves `bytes` as it was.
+std::string toBase64(const std::vector<unsigned char>& bytes);
+bool fromBase64(const std::string& text, std::vector<unsigned char>& bytes);
+
+// What a management server does to a password before it sends it: `clear` (UTF-8) sealed under the
+// server key of the agent in force, as base64 text. Empty when the key cannot be had. Any thread.
+PLATFORM_API std::string sealServerPassword(const std::string& clear);
+
+}  // namespace host
+
+#endif

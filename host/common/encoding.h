@@ -2,10 +2,16 @@
 #define HOST_COMMON_ENCODING_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 // Conversions between UTF-8 and wide text (UTF-32), fast on plain ASCII.
 namespace host {
+
+// Whether a number is a Unicode scalar value: at most U+10FFFF and no surrogate.
+constexpr bool isScalar(std::uint32_t value) {
+  return value < 0xD800 || (value > 0xDFFF && value <= 0x10FFFF);
+}
 
 // Appends the wide form of valid UTF-8. False, with `out` as it was, when the bytes are not valid.
 bool appendWide(const char* utf8, std::size_t length, std::wstring& out);
@@ -16,6 +22,11 @@ std::wstring toWide(const char* utf8, std::size_t length);
 // The UTF-8 form; a character that is no Unicode scalar value becomes U+FFFD.
 std::string toUtf8(const wchar_t* text, std::size_t length);
 inline std::string toUtf8(const std::wstring& text) { return toUtf8(text.data(), text.size()); }
+
+// The size of that form, and the form itself written to `out`; the result is the end of what was
+// written.
+std::size_t utf8Size(const wchar_t* text, std::size_t length);
+char* writeUtf8(const wchar_t* text, std::size_t length, char* out);
 
 }  // namespace host
 

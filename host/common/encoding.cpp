@@ -1,0 +1,86 @@
+#include "host/common/encoding.h"
+
+#include <utf8.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "host/common/ascii.h"
+
+namespace host {
+namespace {
+
+constexpr std::uint32_t c_replacement = 0xFFFD;
+
+// Every character has exactly one byte that does not continue another, so this is the length of
+// valid text and no less than what can be decoded of any other.
+std::size_t countLeads(const char* utf8, std::size_t length) {
+  return static_cast<std::size_t>(std::count_if(
+      utf8, utf8 + length, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+}  // namespace
+
+bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
+  const std::size_t before = out.size();
+  out.resize(before + countLeads(utf8, length));
+  wchar_t* to = out.data() + before;
+  const char* from = utf8;
+  const char* const end = utf8 + length;
+  try {
+    while (from != end) {
+      const std::size_t ascii = widenAscii(from, static_cast<std::size_t>(end - from), to);
+      from += ascii;
+      to += ascii;
+      for (; from != end && static_cast<unsigned char>(*from) >= 0x80; ++to) {
+        *to = static_cast<wchar_t>(utf8::next(from, end));
+      }
+    }
+  } catch (const utf8::exception&) {
+    out.resize(before);
+    return false;
+  }
+  return true;
+}
+
+std::wstring toWide(const char* utf8, std::size_t length) {
+  std::wstring wide;
+  if (!appendWide(utf8, length, wide)) {
+    std::string repaired;
+    utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(repaired));
+    appendWide(repaired.data(), repaired.size(), wide);
+  }
+  return wide;
+}
+
+std::string toUtf8(const wchar_t* text, std::size_t length) {
+  std::string utf8(utf8Size(text, length), '\0');
+  writeUtf8(text, length, utf8.data());
+  return utf8;
+}
+
+std::size_t utf8Size(const wchar_t* text, std::size_t length) {
+  std::size_t size = 0;
+  for (std::size_t i = 0; i < length; ++i) {
+    const auto c = static_cast<std::uint32_t>(text[i]);
+    // What is beyond U+10FFFF is written as U+FFFD, which takes three bytes.
+    size += 1u + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000 && c <= 0x10FFFF);
+  }
+  return size;
+}
+
+char* writeUtf8(const wchar_t* text, std::size_t length, char* out) {
+  const wchar_t* const end = text + length;
+  while (text != end) {
+    const std::size_t ascii = narrowAscii(text, static_cast<std::size_t>(end - text), out);
+    text += ascii;
+    out += ascii;
+    for (; text != end && static_cast<std::uint32_t>(*text) >= 0x80; ++text) {
+      const auto c = static_cast<std::uint32_t>(*text);
+      out = utf8::unchecked::append(isScalar(c) ? c : c_replacement, out);
+    }
+  }
+  return out;
+}
+
+}  // namespace host

@@ -1,0 +1,78 @@
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "host/common/encoding.h"
+#include "host/fs/files.h"
+#include "host/xml/limits.h"
+#include "host/xml/text_encoding.h"
+#include "platform/xml/advxmlparser.h"
+
+namespace AdvXMLParser {
+namespace {
+
+constexpr mode_t c_modeOfNew = 0640;
+
+[[noreturn]] void fail(int errorCode, const std::string& path, int systemError) {
+  throw ReadWriteException(errorCode, systemError,
+                           path + ": " + std::generic_category().message(systemError));
+}
+
+[[noreturn]] void failAsInvalid(const std::string& what) {
+  throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
+                           what + " is not valid in its encoding");
+}
+
+const unsigned char* asBytes(const std::string& bytes) {
+  return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+
+}  // namespace
+
+void ReadBufferFromFile(const std::wstring& path, std::wstring& text, UTF_ENCODINGS& encoding,
+                        TextCallback callback) {
+  const std::string name = host::toUtf8(path);
+  std::string bytes;
+  const int error = host::readRegularFile(name, host::c_maxDocumentBytes, bytes);
+  if (error == EFBIG) fail(ReadWriteException::LIMIT_EXCEEDED, name, error);
+  if (error != 0) fail(ReadWriteException::READ_FAILED, name, error);
+  if (callback) bytes = callback(bytes);
+  if (!ConvertBufferToUnicode(asBytes(bytes), bytes.size(), text, encoding)) failAsInvalid(name);
+}
+
+bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_ENCODINGS encoding,
+                       TextCallback before, TextCallback after) {
+  std::string bytes;
+  if (before) {
+    const std::string changed = before(host::toUtf8(text));
+    std::wstring changedText;
+    if (!host::appendWide(changed.data(), changed.size(), changedText)) failAsInvalid("text");
+    bytes = host::encodeText(changedText, encoding);
+  } else {
+    bytes = host::encodeText(text, encoding);
+  }
+  if (after) bytes = after(bytes);
+  const std::string name = host::toUtf8(path);
+  const int error = host::replaceFile(name, bytes.data(), bytes.size(), c_modeOfNew);
+  if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
+  return true;
+}
+
+bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::wstring& text,
+                            UTF_ENCODINGS& encoding) {
+  if (length > host::c_maxDocumentBytes) {
+    throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
+                             "document over the limit: number of bytes");
+  }
+  const host::FoundEncoding found = host::findEncoding(data, length, encoding);
+  std::wstring converted;
+  if (!host::decodeText(data + found.markLength, length - found.markLength, found.encoding,
+                        converted)) {
+    return false;
+  }
+  text = std::move(converted);
+  encoding = found.encoding;
+  return true;
+}
+
+}  // namespace AdvXMLParser

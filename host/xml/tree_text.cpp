@@ -1,0 +1,84 @@
+#include "host/xml/tree_text.h"
+
+#include <utf8.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/common/ascii.h"
+#include "host/common/encoding.h"
+
+namespace host {
+namespace {
+
+// Fills [out, end) with the wide form of valid UTF-8. The end of what was written; null when there
+// is not enough room.
+wchar_t* decode(const char* utf8, wchar_t* out, wchar_t* end) {
+  const char* const utf8End = utf8 + std::strlen(utf8);
+  while (utf8 != utf8End) {
+    const auto room = static_cast<std::size_t>(end - out);
+    const std::size_t ascii =
+        widenAscii(utf8, std::min(room, static_cast<std::size_t>(utf8End - utf8)), out);
+    utf8 += ascii;
+    out += ascii;
+    for (; utf8 != utf8End && static_cast<unsigned char>(*utf8) >= 0x80; ++out) {
+      if (out == end) return nullptr;
+      *out = static_cast<wchar_t>(utf8::unchecked::next(utf8));
+    }
+    if (out == end && utf8 != utf8End) return nullptr;
+  }
+  return out;
+}
+
+}  // namespace
+
+bool equals(const char* utf8, const wchar_t* wide) {
+  while (*utf8 != '\0') {
+    const auto byte = static_cast<unsigned char>(*utf8);
+    const std::uint32_t c = byte < 0x80 ? (++utf8, byte) : utf8::unchecked::next(utf8);
+    if (c != static_cast<std::uint32_t>(*wide)) return false;
+    ++wide;
+  }
+  return *wide == L'\0';
+}
+
+bool isText(pugi::xml_node node) {
+  return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
+std::wstring valueOf(pugi::xml_node node) {
+  std::wstring value;
+  for (const pugi::xml_node child : node) {
+    if (isText(child)) appendWide(child.value(), std::strlen(child.value()), value);
+  }
+  return value;
+}
+
+void narrowValueOf(pugi::xml_node node, std::string& value) {
+  value.clear();
+  for (const pugi::xml_node child : node) {
+    if (isText(child)) value.append(child.value());
+  }
+}
+
+bool copyValue(pugi::xml_attribute attribute, wchar_t* dest, std::size_t capacity) {
+  if (capacity == 0) return false;
+  wchar_t* const end = decode(attribute.value(), dest, dest + capacity - 1);
+  if (!end) return false;
+  *end = L'\0';
+  return true;
+}
+
+bool copyValue(pugi::xml_node node, wchar_t* dest, std::size_t capacity) {
+  if (capacity == 0) return false;
+  wchar_t* const last = dest + capacity - 1;
+  for (const pugi::xml_node child : node) {
+    if (!isText(child)) continue;
+    dest = decode(child.value(), dest, last);
+    if (!dest) return false;
+  }
+  *dest = L'\0';
+  return true;
+}
+
+}  // namespace host

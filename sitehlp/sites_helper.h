@@ -174,14 +174,14 @@ class SITEHLP_API CSitesHelper {
 
   // --- Merge ------------------------------------------------------------------------------------
 
-  // Builds a new list from copies; the sources stay the caller's, and `*final` must be null.
+  // Builds a new list from copies; the sources stay the caller's, and `*finalList` must be null.
   // With `useSecond` false: the instance's own list read from disk, with the fallback site of
   // `first` put in, and the server sites of `first` in place of its own. With true: `second`
   // followed by `first` without its proxies; or, when `first` is null, `second` with the fallback
   // and server sites of the instance's own list. Server sites only replace server sites. Either
-  // source may be null. Returns 0, -2 for a null `final` (logged), or the failure of the last step
-  // that counted, which leaves `*final` null.
-  int MergeSiteLists(tag_Site* first, tag_Site* second, bool useSecond, tag_Site** final);
+  // source may be null. Returns 0, -2 for a null `finalList` (logged), or the failure of the last
+  // step that counted, which leaves `*finalList` null.
+  int MergeSiteLists(tag_Site* first, tag_Site* second, bool useSecond, tag_Site** finalList);
 
   // Appends copies of the records of `source` (without its proxies when `skipProxy`) to the list
   // between `*head` and `*tail`; both are null for an empty list. Returns 0, -2 for a null

@@ -1,0 +1,245 @@
+#include "sitehlp/decoder.h"
+
+#include <cstdlib>
+#include <new>
+
+#include "platform/common/log.h"
+#include "platform/common/text.h"
+#include "sitehlp/field.h"
+#include "sitehlp/number.h"
+#include "sitehlp/password.h"
+#include "sitehlp/proxy_decoder.h"
+#include "sitehlp/record.h"
+#include "sitehlp/value.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Attribute;
+using AdvXMLParser::Element;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr unsigned int c_defaultPort = 80;
+
+// A server address, split. The host points into the object or into its long text.
+class Address {
+ public:
+  explicit Address(const Attribute& attribute) { set(attribute); }
+
+  // A port that cannot be read behind the ":" stays as it was.
+  void set(const Attribute& attribute) {
+    m_text = m_buffer;
+    if (!attribute.CopyValue(m_buffer, sizeof m_buffer / sizeof m_buffer[0])) {
+      m_long = attribute.GetValue();
+      m_text = m_long.c_str();
+    }
+    const wchar_t* const colon = findPort(m_text);
+    if (colon) {
+      m_length = static_cast<std::size_t>(colon - m_text);
+      toUnsigned(colon + 1, m_port);
+    } else {
+      m_length = std::wcslen(m_text);
+      m_port = c_defaultPort;
+    }
+  }
+
+  template <std::size_t N>
+  void storeHost(wchar_t (&field)[N]) const {
+    setField(field, m_text, m_length);
+  }
+  std::wstring host() const { return std::wstring(m_text, m_length); }
+  bool hasHost() const { return m_length != 0; }
+  unsigned int port() const { return m_port; }
+
+ private:
+  wchar_t m_buffer[c_pathCapacity];
+  std::wstring m_long;
+  const wchar_t* m_text = nullptr;
+  std::size_t m_length = 0;
+  unsigned int m_port = 0;
+};
+
+unsigned int readUnsignedPort(const Attribute& attribute) {
+  unsigned int port = 0;
+  wchar_t text[64];
+  if (attribute.IsNull()) return port;
+  if (attribute.CopyValue(text, sizeof text / sizeof text[0])) {
+    toUnsigned(text, port);
+  } else {
+    toUnsigned(attribute.GetValue().c_str(), port);
+  }
+  return port;
+}
+
+void storeNetbiosName(const Address& address, tag_HttpSite& site) {
+  if (!address.hasHost()) return;
+  std::wstring name = address.host();
+  if (convertFqdnToNetbios(name)) {
+    logDetail(c_component, AString(L"truncated ").append(name).append(L" NetBIOS name at dot"));
+  }
+  setField(site.szServerName, name);
+}
+
+void decodeHttp(SiteElement kind, const Element& element, const SiteAttributes& attributes,
+                bool useDecryptData, tag_HttpSite& site) {
+  const wchar_t* const name = kind == SiteElement::Vesta      ? WX_XML_SITELIST_VESTA_SITE
+                              : kind == SiteElement::Keystone ? WX_XML_SITELIST_KEYSTONE_SITE
+                                                              : WX_XML_SITELIST_HTTP_SITE;
+  setField(site.szElement, name, std::wcslen(name));
+  Address server(attributes.server);
+  if (kind == SiteElement::Vesta) setField(site.szVersion, attributes.version);
+  if (kind == SiteElement::Keystone && !attributes.serverDns.IsNull()) {
+    server.set(attributes.serverDns);
+  }
+  server.storeHost(site.szServer);
+  site.uServerPort = server.port();
+  setField(site.szName, attributes.name);
+  const Address netbios(attributes.serverName);
+  storeNetbiosName(netbios, site);
+  site.uSecurePort = readUnsignedPort(attributes.securePort);
+  site.uServerNamePort = netbios.port();
+  const Address ip(attributes.serverIp);
+  ip.storeHost(site.szServerIP);
+  site.uServerIPPort = ip.port();
+  for (const Element child : element.Elements()) {
+    if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
+      setField(site.szRelativePath, child);
+    } else if (child.HasName(WX_XML_HTTPSITE_USE_AUTH)) {
+      site.iUseAuth = readNumber(child);
+    } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
+      setField(site.szUserName, child);
+    } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
+      setPassword(site.szPassword, child, useDecryptData);
+    }
+  }
+}
+
+void decodeFtp(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
+               tag_FtpSite& site) {
+  const Address server(attributes.server);
+  server.storeHost(site.szServer);
+  site.uServerPort = server.port();
+  site.uSecurePort = readUnsignedPort(attributes.securePort);
+  setField(site.szName, attributes.name);
+  for (const Element child : element.Elements()) {
+    if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
+      setField(site.szRelativePath, child);
+    } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
+      setField(site.szUserName, child);
+    } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
+      setPassword(site.szPassword, child, useDecryptData);
+    }
+  }
+}
+
+// The children that UNC and local sites have in common.
+template <typename Record>
+void decodeSharedChild(const Element& child, bool useDecryptData, Record& site) {
+  if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
+    setField(site.szRelativePath, child);
+  } else if (child.HasName(WX_XML_SITE_DOMAIN_NAME)) {
+    setField(site.szDomainName, child);
+  } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
+    setField(site.szUserName, child);
+  } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
+    setPassword(site.szPassword, child, useDecryptData);
+  } else if (child.HasName(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT)) {
+    site.iUseLoggedonUserAccount = readNumber(child);
+  }
+}
+
+void decodeUnc(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
+               tag_UncSite& site) {
+  setField(site.szServer, attributes.server);
+  setField(site.szName, attributes.name);
+  for (const Element child : element.Elements()) {
+    if (child.HasName(WX_XML_UNCSITE_SHARENAME)) {
+      setField(site.szShareName, child);
+    } else {
+      decodeSharedChild(child, useDecryptData, site);
+    }
+  }
+}
+
+void decodeLocal(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
+                 tag_LocalSite& site) {
+  setField(site.szName, attributes.name);
+  for (const Element child : element.Elements()) decodeSharedChild(child, useDecryptData, site);
+}
+
+}  // namespace
+
+SiteElement classify(const Element& element) {
+  if (element.HasName(WX_XML_SITELIST_HTTP_SITE)) return SiteElement::Http;
+  if (element.HasName(WX_XML_SITELIST_VESTA_SITE)) return SiteElement::Vesta;
+  if (element.HasName(WX_XML_SITELIST_KEYSTONE_SITE)) return SiteElement::Keystone;
+  if (element.HasName(WX_XML_SITELIST_FTP_SITE)) return SiteElement::Ftp;
+  if (element.HasName(WX_XML_SITELIST_UNC_SITE)) return SiteElement::Unc;
+  if (element.HasName(WX_XML_SITELIST_LOCAL_SITE)) return SiteElement::Local;
+  if (element.HasName(WX_XML_PROXY_CONFIG)) return SiteElement::Proxy;
+  return SiteElement::None;
+}
+
+std::size_t recordSize(SiteElement kind) {
+  switch (kind) {
+    case SiteElement::Http:
+    case SiteElement::Vesta:
+    case SiteElement::Keystone:
+      return sizeof(tag_HttpSite);
+    case SiteElement::Ftp:
+      return sizeof(tag_FtpSite);
+    case SiteElement::Unc:
+      return sizeof(tag_UncSite);
+    case SiteElement::Local:
+      return sizeof(tag_LocalSite);
+    case SiteElement::Proxy:
+      return sizeof(tag_ProxySite);
+    case SiteElement::None:
+      break;
+  }
+  return 0;
+}
+
+void decodeSite(SiteElement kind, const Element& element, const SiteAttributes& attributes,
+                bool useDecryptData, void* record) {
+  const ADetailTrace trace(c_component, L"Reading site from SiteList");
+  switch (kind) {
+    case SiteElement::Http:
+    case SiteElement::Vesta:
+    case SiteElement::Keystone:
+      return decodeHttp(kind, element, attributes, useDecryptData,
+                        *static_cast<tag_HttpSite*>(record));
+    case SiteElement::Ftp:
+      return decodeFtp(element, attributes, useDecryptData, *static_cast<tag_FtpSite*>(record));
+    case SiteElement::Unc:
+      return decodeUnc(element, attributes, useDecryptData, *static_cast<tag_UncSite*>(record));
+    case SiteElement::Local:
+      return decodeLocal(element, attributes, useDecryptData, *static_cast<tag_LocalSite*>(record));
+    case SiteElement::Proxy:
+      return decodeProxy(element, attributes, useDecryptData, *static_cast<tag_ProxySite*>(record));
+    case SiteElement::None:
+      return;
+  }
+}
+
+int CSitesHelper::ReadSiteFromSiteList(Element* element, void** record) {
+  *record = nullptr;
+  const SiteElement kind = classify(*element);
+  void* memory = nullptr;
+  if (kind != SiteElement::None) {
+    memory = std::calloc(1, recordSize(kind));
+    if (!memory) throw std::bad_alloc();
+  }
+  try {
+    decodeSite(kind, *element, SiteAttributes(*element), m_bUseDecryptData == 1, memory);
+  } catch (...) {
+    std::free(memory);
+    throw;
+  }
+  *record = memory;
+  return memory ? c_success : c_errorGeneral;
+}
+
+}  // namespace sitehlp

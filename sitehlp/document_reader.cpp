@@ -1,0 +1,85 @@
+#include "sitehlp/document_reader.h"
+
+#include <unistd.h>
+
+#include "platform/common/astring.h"
+#include "platform/lock/interprocess_lock.h"
+#include "sitehlp/list_builder.h"
+#include "sitehlp/locks.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Element;
+using korvel_com::orb::lock::InterProcessReadLock;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr const wchar_t* c_setting = L"Setting";
+constexpr const wchar_t* c_settingName = L"name";
+
+void readPolicies(const Element& policies, PolicySettings& policySettings) {
+  for (const Element setting : policies.Elements()) {
+    if (!setting.HasName(c_setting)) continue;
+    policySettings[setting.GetAttribute(c_settingName).GetValue()] = setting.GetValue();
+  }
+}
+
+void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySettings,
+              tag_Site** list, int& result) {
+  for (const Element child : root.Elements()) {
+    if (child.HasName(WX_XML_POLICIES)) {
+      readPolicies(child, policySettings);
+    } else if (child.HasName(WX_XML_SITELIST)) {
+      buildList(child, useDecryptData, list, result);
+      return;
+    }
+  }
+}
+
+}  // namespace
+
+int readDocumentText(const std::wstring& path, bool useLock, std::wstring& text) {
+  if (::access(ACharString(path).c_str(), F_OK) != 0) return c_errorFileMissing;
+  AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
+  try {
+    if (!useLock) {
+      AdvXMLParser::ReadBufferFromFile(path, text, encoding, nullptr);
+      return c_success;
+    }
+    InterProcessReadLock lock(c_siteListLock);
+    lock.lock(c_waitForEver);
+    AdvXMLParser::ReadBufferFromFile(path, text, encoding, nullptr);
+    lock.unlock();
+    return c_success;
+  } catch (...) {
+    return c_errorRead;
+  }
+}
+
+void parseDocument(const std::wstring& text, DocumentPtr& document) {
+  document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
+}
+
+int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+             tag_Site** list, const std::function<void(const Element&)>& inspect) {
+  int result = c_success;
+  try {
+    DocumentPtr document;
+    parseDocument(text, document);
+    if (!document) return c_errorParse;
+    std::wstring().swap(text);  // the tree holds all of it
+    const Element root = document->GetRoot();
+    if (inspect) inspect(root);
+    walkRoot(root, useDecryptData, policySettings, list, result);
+  } catch (const AdvXMLParser::ParsingException&) {
+    return c_errorParse;
+  } catch (const AdvXMLParser::ReadWriteException& e) {
+    return e.GetErrorCode();
+  }
+  return result;
+}
+
+}  // namespace sitehlp

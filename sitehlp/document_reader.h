@@ -1,0 +1,41 @@
+#ifndef SITEHLP_DOCUMENT_READER_H
+#define SITEHLP_DOCUMENT_READER_H
+
+#include <boost/scoped_ptr.hpp>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/site.h"
+
+namespace sitehlp {
+
+// The encoding that site lists are written in, and the hint that they are read with.
+constexpr AdvXMLParser::UTF_ENCODINGS c_encoding = AdvXMLParser::UTF_8;
+
+// What a text buffer holds before a document was read into it: no markup.
+constexpr const wchar_t* c_noDocument = L"invalid";
+
+using DocumentPtr = boost::scoped_ptr<AdvXMLParser::Document>;
+using PolicySettings = std::map<std::wstring, std::wstring>;
+
+// Reads a file that must exist into `text`, under the read lock "SiteListLock" when `useLock`.
+// Returns 0, -4 or -10, and then `text` is as it was.
+int readDocumentText(const std::wstring& path, bool useLock, std::wstring& text);
+
+// Parses a text. `document` is null when the text holds no markup. Throws what
+// AdvXMLParser::Parser throws.
+void parseDocument(const std::wstring& text, DocumentPtr& document);
+
+// Parses a text and turns the children of its root, up to and with the first "SiteList", into
+// policy settings and a list. `inspect`, when given, sees the root first. Returns the result of the
+// site element decoded last (0 or -1), -5 for a text that is no well-formed document, or the error
+// code of a ReadWriteException. `*list` holds what was built, also when something else is thrown.
+int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+             tag_Site** list,
+             const std::function<void(const AdvXMLParser::Element&)>& inspect = nullptr);
+
+}  // namespace sitehlp
+
+#endif

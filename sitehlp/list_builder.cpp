@@ -1,0 +1,95 @@
+#include "sitehlp/list_builder.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "platform/common/text.h"
+#include "sitehlp/decoder.h"
+#include "sitehlp/field.h"
+#include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/value.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Element;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr std::int32_t c_fallbackOrder = 65535;
+
+std::int32_t kindOf(SiteElement element) {
+  switch (element) {
+    case SiteElement::Ftp:
+      return SITE_KIND_FTP;
+    case SiteElement::Unc:
+      return SITE_KIND_UNC;
+    case SiteElement::Local:
+      return SITE_KIND_LOCAL;
+    default:
+      return SITE_KIND_HTTP;
+  }
+}
+
+void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
+  setField(site.szType, attributes.type);
+  site.bMirror = wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) == 0 ? 1 : 0;
+  site.bEnabled = readNumber(attributes.enabled) != 0 ? 1 : 0;
+  site.bLocal = readNumber(attributes.local) != 0 ? 1 : 0;
+  if (!attributes.order.IsNull()) {
+    site.iOrder = readNumber(attributes.order);
+  } else {
+    site.iOrder = isFallback(site) ? c_fallbackOrder : 0;
+  }
+}
+
+// Each child in turn is decoded over the site data, so the last one wins. Any site element may
+// stand there, and a smaller record leaves what a larger one before it left behind its own end.
+void readProxyConfigList(const Element& element, const SiteAttributes& attributes,
+                         bool useDecryptData, tag_Site& site, int& result) {
+  bool hasChild = false;
+  for (const Element child : element.Elements()) {
+    hasChild = true;
+    const SiteElement kind = classify(child);
+    result = kind == SiteElement::None ? c_errorGeneral : c_success;
+    std::memset(&site.proxy, 0, recordSize(kind));
+    decodeSite(kind, child, SiteAttributes(child), useDecryptData, &site.proxy);
+  }
+  if (!hasChild && !attributes.useIeConfig.IsNull()) {
+    site.proxy.bUseIEConfig = readNumber(attributes.useIeConfig) != 0 ? 1 : 0;
+  }
+}
+
+void readSite(const Element& element, bool useDecryptData, tag_Site& site, int& result) {
+  const SiteAttributes attributes(element);
+  readCommonAttributes(attributes, site);
+  if (element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
+    site.eSiteKind = SITE_KIND_PROXY;
+    readProxyConfigList(element, attributes, useDecryptData, site, result);
+    return;
+  }
+  SiteElement kind = classify(element);
+  if (kind == SiteElement::Proxy) kind = SiteElement::None;  // known only inside its list
+  site.eSiteKind = kindOf(kind);
+  site.bVestaSite = kind == SiteElement::Vesta || kind == SiteElement::Keystone ? 1 : 0;
+  result = kind == SiteElement::None ? c_errorGeneral : c_success;
+  decodeSite(kind, element, attributes, useDecryptData, &site.http);
+}
+
+}  // namespace
+
+void buildList(const Element& siteList, bool useDecryptData, tag_Site** list, int& result) {
+  tag_Site** link = list;
+  for (const Element element : siteList.Elements()) {
+    tag_Site* const site = static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site)));
+    if (!site) throw std::bad_alloc();
+    *link = site;
+    link = &site->pNext;
+    readSite(element, useDecryptData, *site, result);
+  }
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,106 @@
+#include "sitehlp/proxy_decoder.h"
+
+#include "platform/common/log.h"
+#include "sitehlp/field.h"
+#include "sitehlp/value.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Element;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+// The list stays below this length, the delimiter in front of each host counted.
+constexpr std::size_t c_exclusionListLimit = 4000;
+
+std::int32_t readFlag(const Element& element) {
+  wchar_t text[c_textCapacity] = {};
+  setField(text, element);
+  return toInt(ACharString(AString(text)).c_str()) != 0 ? 1 : 0;
+}
+
+void decodeExclusions(const Element& element, tag_ProxySite& site) {
+  std::size_t length = std::wcslen(site.szExclusionList);
+  for (const Element child : element.Elements()) {
+    if (!child.HasName(WX_XML_PROXY_EXCLUSIONHOST)) continue;
+    // The delimiter counts against the limit even for the first host, which has none.
+    const std::size_t room = c_exclusionListLimit - length;
+    const std::size_t start = site.iExclusionCount != 0 ? length + 1 : length;
+    if (room > 1 && child.CopyValue(site.szExclusionList + start, room - 1)) {
+      if (start != length) site.szExclusionList[length] = c_proxyParamDelimiter[0];
+      length = start + std::wcslen(site.szExclusionList + start);
+      ++site.iExclusionCount;
+      continue;
+    }
+    std::wmemset(site.szExclusionList + length, L'\0', c_exclusionListCapacity - length);
+    if (!logEnabled(LogLevel::Detail)) continue;
+    logDetail(c_component, AString(L"Exclusion list of proxy settings is truncated to ")
+                               .append(site.szExclusionList)
+                               .append(L" in ReadSiteFromSiteList"));
+  }
+}
+
+void decodeChild(const Element& child, bool useDecryptData, tag_ProxySite& site) {
+  if (child.HasName(WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY)) {
+    site.bAllowUserToConfigureProxy = readFlag(child);
+  } else if (child.HasName(WX_XML_PROXY_BYPASSLOCALADDR)) {
+    site.bBypassLocalAddress = readFlag(child);
+  } else if (child.HasName(WX_XML_PROXY_EXCLUSIONLIST)) {
+    decodeExclusions(child, site);
+  } else if (child.HasName(WX_XML_PROXY_FTP_USEAUTH)) {
+    site.bFtpUseAuth = readFlag(child);
+  } else if (child.HasName(WX_XML_PROXY_HTTP_USEAUTH)) {
+    site.bHttpUseAuth = readFlag(child);
+  } else if (child.HasName(WX_XML_HTTP_PROXY_PROXYUSERNAME)) {
+    setField(site.szHttpProxyUser, child);
+  } else if (child.HasName(WX_XML_HTTP_PROXY_PROXYPASSWORD)) {
+    // The one password that is always in the agent's own protection.
+    setPassword(site.szHttpProxyPassword, child, false);
+  } else if (child.HasName(WX_XML_FTP_PROXY_PROXYUSERNAME)) {
+    setField(site.szFtpProxyUser, child);
+  } else if (child.HasName(WX_XML_FTP_PROXY_PROXYPASSWORD)) {
+    setPassword(site.szFtpProxyPassword, child, useDecryptData);
+  } else if (child.HasName(WX_XML_PROXY_ALT_FTP_USEAUTH)) {
+    site.bAlternateFtpUseAuth = readFlag(child);
+  } else if (child.HasName(WX_XML_PROXY_ALT_HTTP_USEAUTH)) {
+    site.bAlternateHttpUseAuth = readFlag(child);
+  } else if (child.HasName(WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME)) {
+    setField(site.szAlternateHttpProxyUser, child);
+  } else if (child.HasName(WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD)) {
+    setPassword(site.szAlternateHttpProxyPassword, child, useDecryptData);
+  } else if (child.HasName(WX_XML_FTP_PROXY_ALT_PROXYUSERNAME)) {
+    setField(site.szAlternateFtpProxyUser, child);
+  } else if (child.HasName(WX_XML_FTP_PROXY_ALT_PROXYPASSWORD)) {
+    setPassword(site.szAlternateFtpProxyPassword, child, useDecryptData);
+  }
+}
+
+}  // namespace
+
+void decodeProxy(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
+                 tag_ProxySite& site) {
+  const wchar_t* which = L"";
+  setField(site.szName, attributes.name);
+  const bool http = !attributes.httpProxyServer.IsEmpty();
+  const bool ftp = !attributes.ftpProxyServer.IsEmpty();
+  if (http) {
+    setField(site.szHttpProxyServer, attributes.httpProxyServer);
+    site.iHttpProxyPort = readNumber(attributes.httpProxyPort);
+    which = WX_XML_SITELIST_HTTP_SITE;
+  }
+  if (ftp) {
+    setField(site.szFtpProxyServer, attributes.ftpProxyServer);
+    site.iFtpProxyPort = readNumber(attributes.ftpProxyPort);
+    which = WX_XML_SITELIST_FTP_SITE;
+  }
+  if (http && ftp) which = WX_XML_SITELIST_FTPHTTP_SITE;
+  setField(site.szElement, which, std::wcslen(which));
+  if (!attributes.useIeConfig.IsEmpty()) {
+    site.bUseIEConfig = readNumber(attributes.useIeConfig) != 0 ? 1 : 0;
+  }
+  for (const Element child : element.Elements()) decodeChild(child, useDecryptData, site);
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,101 @@
+#include "sitehlp/record.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+#include "platform/common/log.h"
+#include "platform/common/text.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+namespace {
+
+using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
+
+template <std::size_t N>
+void wipeField(wchar_t (&field)[N]) noexcept {
+  // Fields are zero behind their text, so the text is all there is to wipe.
+  wipeMemory(field, ::wcsnlen(field, N) * sizeof(wchar_t));
+}
+
+void wipePasswords(tag_Site& record) noexcept {
+  switch (record.eSiteKind) {
+    case SITE_KIND_HTTP:
+      return wipeField(record.http.szPassword);
+    case SITE_KIND_FTP:
+      return wipeField(record.ftp.szPassword);
+    case SITE_KIND_UNC:
+      return wipeField(record.unc.szPassword);
+    case SITE_KIND_LOCAL:
+      return wipeField(record.local.szPassword);
+    case SITE_KIND_PROXY:
+      wipeField(record.proxy.szHttpProxyPassword);
+      wipeField(record.proxy.szFtpProxyPassword);
+      wipeField(record.proxy.szAlternateHttpProxyPassword);
+      wipeField(record.proxy.szAlternateFtpProxyPassword);
+      return;
+    default:
+      wipeMemory(&record.proxy, sizeof record.proxy);
+  }
+}
+
+}  // namespace
+
+void wipeMemory(void* memory, std::size_t size) noexcept {
+  // A call through a volatile pointer cannot be proved to be a memset, so it is not removed.
+  static void* (*volatile const set)(void*, int, std::size_t) = std::memset;
+  if (size != 0) set(memory, 0, size);
+}
+
+void releaseRecord(tag_Site* record) noexcept {
+  if (!record) return;
+  wipePasswords(*record);
+  std::free(record);
+}
+
+ListOwner::~ListOwner() { CSitesHelper::FreeSiteListMemory(m_head); }
+
+tag_Site* ListOwner::release() {
+  tag_Site* const head = m_head;
+  m_head = nullptr;
+  return head;
+}
+
+bool isServerSite(const tag_Site& record) {
+  return record.eSiteKind == SITE_KIND_HTTP &&
+         wcsicmp(record.http.szElement, WX_XML_SITELIST_VESTA_SITE) == 0;
+}
+
+bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, L"fallback") == 0; }
+
+void CSitesHelper::CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity) {
+  std::wcsncpy(dest, src, capacity);  // fills what the text leaves with zeros
+  if (dest[capacity - 1] == L'\0') return;
+  dest[capacity - 1] = L'\0';
+  if (!logEnabled(LogLevel::Detail)) return;
+  logDetail(c_component, AString(L"String ")
+                             .append(src)
+                             .append(L" is truncated to ")
+                             .append(dest)
+                             .append(L" in CopyWStr"));
+}
+
+int CSitesHelper::FreeSiteListMemory(tag_Site* head) {
+  const ADetailTrace trace(c_component, L"Free memory for Sitelist");
+  while (head) {
+    tag_Site* const next = head->pNext;
+    releaseRecord(head);
+    head = next;
+  }
+  return 0;
+}
+
+std::wstring CSitesHelper::ConvertToStr(unsigned int value) { return std::to_wstring(value); }
+
+std::wstring CSitesHelper::ConvertToStr(int value) { return std::to_wstring(value); }
+
+std::wstring CSitesHelper::ConvertToStr(bool value) { return value ? L"1" : L"0"; }
+
+}  // namespace sitehlp

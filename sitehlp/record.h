@@ -1,0 +1,56 @@
+#ifndef SITEHLP_RECORD_H
+#define SITEHLP_RECORD_H
+
+#include <cstddef>
+
+#include "sitehlp/site.h"
+
+namespace sitehlp {
+
+// The component that log lines and traces of the class name.
+constexpr const wchar_t* c_component = L"SiteHlp";
+
+// Overwrites memory that held a secret in a way that the compiler does not remove.
+void wipeMemory(void* memory, std::size_t size) noexcept;
+
+// Wipes the characters of a text before its memory is given back, whatever ends the scope.
+template <typename Text>
+class WipeAtExit {
+ public:
+  explicit WipeAtExit(Text& text) : m_text(text) {}
+  ~WipeAtExit() { wipeMemory(m_text.data(), m_text.size() * sizeof(typename Text::value_type)); }
+  WipeAtExit(const WipeAtExit&) = delete;
+  WipeAtExit& operator=(const WipeAtExit&) = delete;
+
+ private:
+  Text& m_text;
+};
+
+// Wipes the passwords of one record and releases it. Its successors are not touched.
+void releaseRecord(tag_Site* record) noexcept;
+
+// Owns a list until it is handed on.
+class ListOwner {
+ public:
+  ListOwner() = default;
+  ~ListOwner();
+  ListOwner(const ListOwner&) = delete;
+  ListOwner& operator=(const ListOwner&) = delete;
+
+  tag_Site* get() const { return m_head; }
+  tag_Site** out() { return &m_head; }
+  tag_Site* release();
+
+ private:
+  tag_Site* m_head = nullptr;
+};
+
+// A server site: the management server, of the HTTP family.
+bool isServerSite(const tag_Site& record);
+
+// Whether the record's type is "fallback", in any case.
+bool isFallback(const tag_Site& record);
+
+}  // namespace sitehlp
+
+#endif

@@ -1,0 +1,68 @@
+#include "platform/common/log.h"
+#include "sitehlp/document_reader.h"
+#include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Attribute;
+using AdvXMLParser::Element;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+// Parses a text and shows its root to `query`, whose result it returns; -1 when there is no root.
+template <typename Query>
+int queryRoot(const std::wstring& text, Query query) {
+  try {
+    DocumentPtr document;
+    parseDocument(text, document);
+    return document ? query(document->GetRoot()) : c_errorGeneral;
+  } catch (const AdvXMLParser::ParsingException&) {
+    return c_errorGeneral;
+  } catch (const AdvXMLParser::ReadWriteException&) {
+    return c_errorGeneral;
+  }
+}
+
+}  // namespace
+
+int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
+                                      std::wstring& localVersion, std::wstring& type) {
+  const ADetailTrace trace(c_component, L"Getting Sitelist versions");
+  std::wstring text = c_noDocument;
+  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  if (readResult == c_errorFileMissing) return readResult;
+  globalVersion.clear();
+  localVersion.clear();
+  if (readResult != c_success) return readResult;
+  return queryRoot(text, [&](const Element& root) {
+    globalVersion = root.GetAttribute(WX_XML_SITELISTS_GLOBAL_VERSION).GetValue();
+    localVersion = root.GetAttribute(WX_XML_SITELISTS_LOCAL_VERSION).GetValue();
+    const Attribute typeAttribute = root.GetAttribute(WX_XML_SITELISTS_TYPE);
+    type = typeAttribute.IsNull() ? WX_XML_SITELIST_TYPE_CLIENT : typeAttribute.GetValue();
+    return c_success;
+  });
+}
+
+int CSitesHelper::GetGlobalSitelistVersion(std::wstring& globalVersion) {
+  std::wstring localVersion;
+  std::wstring type;
+  return GetSitelistVersions(m_strSiteListFile, globalVersion, localVersion, type);
+}
+
+int CSitesHelper::GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode) {
+  const ADetailTrace trace(c_component, L"Getting Sitelist fips mode");
+  std::wstring text = c_noDocument;
+  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  if (readResult != c_success) return readResult;
+  return queryRoot(text, [&](const Element& root) {
+    const Attribute attribute = root.GetAttribute(WX_XML_SITELISTS_FIPSMODE);
+    if (attribute.IsNull()) return c_errorGeneral;
+    fipsMode = attribute.GetValue();
+    return c_success;
+  });
+}
+
+}  // namespace sitehlp

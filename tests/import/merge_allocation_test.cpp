@@ -1,0 +1,121 @@
+#include <gmock/gmock.h>
+
+#include "tests/import/documents.h"
+#include "tests/import/failing_calloc.h"
+#include "tests/import/log_lines.h"
+#include "tests/import/records.h"
+#include "tests/support/test_agent.h"
+
+using namespace sitehlp;
+using namespace test;
+
+using testing::ElementsAre;
+
+namespace {
+
+class MergeWithoutMemory : public testing::Test {
+ protected:
+  TestAgent agent;
+  const std::string path = agent.etc("SiteList.xml");
+  OpenHelper helper{wide(path)};
+  SiteChain result;
+  tag_Site* tail = nullptr;
+};
+
+TEST_F(MergeWithoutMemory, copyingStopsAndKeepsTheCopiesMadeSoFar) {
+  const SiteChain source{httpSite(L"a"), ftpSite(L"b"), httpSite(L"c")};
+  for (int before = 0; before < 3; ++before) {
+    result.clear();
+    tail = nullptr;
+    int code = 0;
+    {
+      const FailingCalloc failing(sizeof(tag_Site), before);
+      code = helper.MergeThisSiteList(source.head(), false, &tail, result.address());
+      EXPECT_EQ(failing.failed(), 1) << "the walk stops";
+    }
+    EXPECT_EQ(code, c_errorNoMemory);
+    EXPECT_EQ(recordsOf(result.head()).size(), static_cast<std::size_t>(before));
+    EXPECT_EQ(tail, result.last());
+  }
+}
+
+TEST_F(MergeWithoutMemory, noFallbackIsHandedOut) {
+  const SiteChain list{typed(httpSite(L"a"), L"fallback")};
+  tag_Site* fallback = nullptr;
+  const FailingCalloc failing(sizeof(tag_Site), 0);
+  EXPECT_EQ(helper.GetFallbackSite(list.head(), &fallback), c_errorNoMemory);
+  EXPECT_EQ(fallback, nullptr);
+}
+
+TEST_F(MergeWithoutMemory, theServerSitesCopiedSoFarStayWithTheCaller) {
+  const SiteChain list{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), serverSite(L"s3")};
+  SiteChain chain;
+  {
+    const FailingCalloc failing(sizeof(tag_Site), 2);
+    EXPECT_EQ(helper.GetVestaSite(list.head(), chain.address()), c_errorNoMemory);
+    EXPECT_EQ(failing.failed(), 1);
+  }
+  EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"s1", L"s2"));
+}
+
+TEST_F(MergeWithoutMemory, aFailureOfTheLastCopyReleasesTheWholeResult) {
+  const SiteChain first{httpSite(L"a"), httpSite(L"b")};
+  const SiteChain second{httpSite(L"c"), httpSite(L"d")};
+  for (const int before : {2, 3}) {
+    const FailingCalloc failing(sizeof(tag_Site), before);
+    EXPECT_EQ(helper.MergeSiteLists(first.head(), second.head(), true, result.address()),
+              c_errorNoMemory);
+    EXPECT_EQ(failing.failed(), 1);
+    EXPECT_EQ(result.head(), nullptr);
+  }
+}
+
+TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
+  const SiteChain second{httpSite(L"c"), httpSite(L"d")};
+  const SiteChain proxies{proxySite(L"p")};
+  {
+    // The second list stops after its first record; the first list cannot be copied either.
+    const FailingCalloc failing(sizeof(tag_Site), 1);
+    EXPECT_EQ(helper.MergeSiteLists(proxies.head(), second.head(), true, result.address()),
+              c_errorNoMemory);
+    EXPECT_EQ(failing.failed(), 2) << "the second step is taken all the same";
+  }
+  EXPECT_EQ(result.head(), nullptr);
+
+  writeFile(path, document(""));
+  {
+    // The read of an empty current list succeeds and replaces the failure of the copy.
+    const FailingCalloc failing(sizeof(tag_Site), 1);
+    EXPECT_EQ(helper.MergeSiteLists(nullptr, second.head(), true, result.address()), 0);
+    EXPECT_EQ(failing.failed(), 1);
+  }
+  EXPECT_THAT(namesOf(result.head()), ElementsAre(L"c"));
+}
+
+TEST_F(MergeWithoutMemory, aFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
+  writeFile(path, document(""));
+  const SiteChain first{typed(httpSite(L"fb"), L"fallback")};
+  const FailingCalloc failing(sizeof(tag_Site), 0);
+  EXPECT_EQ(helper.MergeSiteLists(first.head(), nullptr, false, result.address()), 0);
+  EXPECT_EQ(failing.failed(), 1);
+  EXPECT_EQ(result.head(), nullptr);
+}
+
+TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
+  writeFile(path, document(""));
+  const SiteChain first{serverSite(L"s1"), serverSite(L"s2")};
+  const FailingCalloc failing(sizeof(tag_Site), 1);
+  EXPECT_EQ(helper.MergeSiteLists(first.head(), nullptr, false, result.address()), 0);
+  EXPECT_EQ(failing.failed(), 1);
+  EXPECT_EQ(result.head(), nullptr);
+}
+
+TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
+  const SiteChain list{serverSite(L"s1"), serverSite(L"s2")};
+  agent.clearLog();
+  const FailingCalloc failing(sizeof(tag_Site), 1);
+  EXPECT_EQ(helper.SourceSiteListCheck(list.head(), true), c_errorNoMemory);
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
+}
+
+}  // namespace

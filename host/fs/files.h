@@ -20,9 +20,16 @@ PLATFORM_API int readRegularFile(const std::string& path, std::size_t limit, std
 // Creates or replaces a file so that every other process, and every process after a crash or power
 // cut, finds the whole old or the whole new file. A symbolic link keeps pointing where it points:
 // its target is replaced. An existing file keeps its mode and owner, a new one gets `modeOfNew`. On
-// failure the old file is untouched and no temporary file remains.
+// failure the old file is untouched and no temporary file remains; only when the file is in place
+// and the last step, making its name durable, fails, the new bytes are there although the errno of
+// that step is returned. What a writer that was killed left behind in the directory is removed by
+// the next call that succeeds there.
 PLATFORM_API int replaceFile(const std::string& path, const void* data, std::size_t size,
                              mode_t modeOfNew);
+
+// Creates a directory and its missing parents with this mode, less the process's file mode mask. 0
+// also when the directory exists.
+PLATFORM_API int makeDirectories(const std::string& path, mode_t mode);
 
 }  // namespace host
 

@@ -1,0 +1,102 @@
+#include "platform/common/afile.h"
+
+#include <fcntl.h>
+#include <openssl/crypto.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "host/common/failure_text.h"
+#include "host/fs/file_system.h"
+#include "host/fs/files.h"
+#include "platform/common/log.h"
+
+namespace {
+
+constexpr std::size_t c_maxFileBytes = std::size_t{1} << 30;
+constexpr mode_t c_modeOfNewFile = 0600;
+constexpr mode_t c_modeOfNewDirectory = 0755;
+
+bool isAbsence(int error) { return error == ENOENT || error == ENOTDIR; }
+
+bool succeeded(const char* what, const std::string& path, int error) {
+  if (error && logEnabled(LogLevel::Detail)) {
+    logDetail(host::c_logComponent, host::failureText(what, path, error));
+  }
+  return error == 0;
+}
+
+// The bytes of a file, wiped at the end: they may be a key.
+struct Content {
+  std::string bytes;
+  ~Content() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
+};
+
+bool read(const AString& path, Content& content) {
+  const ACharString name(path);
+  return succeeded("Cannot read", name.str(),
+                   host::readRegularFile(name.str(), c_maxFileBytes, content.bytes));
+}
+
+bool replace(const AString& path, const void* data, std::size_t size) {
+  const ACharString name(path);
+  return succeeded("Cannot write", name.str(),
+                   host::replaceFile(name.str(), data, size, c_modeOfNewFile));
+}
+
+int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
+  struct stat info;
+  int error = -host::fileSystem().stat(AT_FDCWD, path, true, info);
+  if (isAbsence(error)) return 0;
+  if (error) return error;
+  exists = true;
+  if (access != AFiler::accessExist) {
+    error = -host::fileSystem().access(path, access == AFiler::accessRead ? R_OK : W_OK);
+  }
+  accessible = error == 0;
+  return error == EACCES || error == EPERM || error == EROFS ? 0 : error;
+}
+
+}  // namespace
+
+bool AFile::readExisting(const AString& path, ABuffer& out) {
+  Content content;
+  if (!read(path, content)) return false;
+  out = ABuffer(reinterpret_cast<const unsigned char*>(content.bytes.data()), content.bytes.size());
+  return true;
+}
+
+bool AFile::write(const AString& path, const ABuffer& data) {
+  return replace(path, data.data(), data.size());
+}
+
+bool AFiler::deleteFile(const AString& path) {
+  const ACharString name(path);
+  const int error = -host::fileSystem().unlink(AT_FDCWD, name.str());
+  return isAbsence(error) || succeeded("Cannot delete", name.str(), error);
+}
+
+bool AFiler::copyFile(const AString& from, const AString& to) {
+  Content content;
+  return read(from, content) && replace(to, content.bytes.data(), content.bytes.size());
+}
+
+bool AFiler::createDirectory(const AString& path) {
+  const ACharString name(path);
+  return succeeded("Cannot create directory", name.str(),
+                   host::makeDirectories(name.str(), c_modeOfNewDirectory));
+}
+
+bool AFiler::getFileAccessibility(const AString& path, AFileAccess access, bool& exists,
+                                  bool& accessible) {
+  exists = false;
+  accessible = false;
+  const ACharString name(path);
+  if (succeeded("Cannot tell the access to", name.str(),
+                askAccess(name.str(), access, exists, accessible))) {
+    return true;
+  }
+  exists = false;
+  accessible = false;
+  return false;
+}

@@ -1,0 +1,15 @@
+#include "host/common/failure_text.h"
+
+#include <system_error>
+
+namespace host {
+
+const wchar_t* const c_logComponent = L"Host";
+
+std::string errorText(int error) { return std::generic_category().message(error); }
+
+AString failureText(const char* what, const std::string& path, int error) {
+  return AString((std::string(what) + " " + path + ": " + errorText(error)).c_str());
+}
+
+}  // namespace host

@@ -1,0 +1,39 @@
+#include "platform/config/mesh_service.h"
+
+#include "host/agent.h"
+#include "host/common/encoding.h"
+#include "host/common/failure_text.h"
+#include "host/config/command.h"
+#include "platform/common/log.h"
+
+MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() {
+  static MeshServiceConfiguration configuration;
+  return &configuration;
+}
+
+std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
+  const host::AgentSettings& settings = host::agent();
+  const std::string path = settings.meshSiteListPath.empty()
+                               ? settings.dataDirectory + "/mesh/SiteList.xml"
+                               : settings.meshSiteListPath;
+  return host::toWide(path.data(), path.size());
+}
+
+MeshServiceStartupControl* MeshServiceStartupControl::GetInstance(void* /*reserved1*/,
+                                                                  void* /*reserved2*/) {
+  static MeshServiceStartupControl control;
+  return &control;
+}
+
+int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {
+  const std::vector<std::string>& command = host::agent().meshLoadCommand;
+  if (command.empty()) {
+    logError(host::c_logComponent, AString(L"No mesh service load command is configured"));
+    return 0;
+  }
+  const std::string failure = host::runCommand(command);
+  if (failure.empty()) return 1;
+  const std::string text = "Mesh service load command " + command.front() + " failed: " + failure;
+  logError(host::c_logComponent, AString(text.c_str()));
+  return 0;
+}

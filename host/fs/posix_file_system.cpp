@@ -1,0 +1,175 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "host/fs/file_system.h"
+
+namespace host {
+namespace {
+
+// The one place that knows about interrupted calls and errno.
+template <typename Call>
+auto retried(Call call) -> decltype(call()) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0) return result;
+    if (errno != EINTR) return -errno;
+  }
+}
+
+bool isPath(const std::string& path) { return path.find('\0') == std::string::npos; }
+
+int flush(int fd) {
+#ifdef F_FULLFSYNC
+  // fsync alone leaves the bytes in the drive's cache; some file systems know nothing better.
+  if (::fcntl(fd, F_FULLFSYNC) == 0) return 0;
+#endif
+  return ::fsync(fd);
+}
+
+class PosixFileSystem : public FileSystem {
+ public:
+  int open(int directory, const std::string& path, int flags, mode_t mode) override {
+    if (!isPath(path)) return -EINVAL;
+    return retried([&] { return ::openat(directory, path.c_str(), flags | O_CLOEXEC, mode); });
+  }
+
+  ssize_t read(int fd, void* data, std::size_t size) override {
+    return retried([&] { return ::read(fd, data, size); });
+  }
+
+  ssize_t write(int fd, const void* data, std::size_t size) override {
+    return retried([&] { return ::write(fd, data, size); });
+  }
+
+  int sync(int fd) override {
+    return retried([&] { return flush(fd); });
+  }
+
+  int close(int fd) override {
+    // Never retried: the descriptor is free already and may be another thread's by now.
+    return ::close(fd) == 0 || errno == EINTR ? 0 : -errno;
+  }
+
+  int lock(int fd, int operation) override {
+    return retried([&] { return ::flock(fd, operation); });
+  }
+
+  int chmod(int fd, mode_t mode) override {
+    return retried([&] { return ::fchmod(fd, mode); });
+  }
+
+  int chown(int fd, uid_t owner, gid_t group) override {
+    return retried([&] { return ::fchown(fd, owner, group); });
+  }
+
+  int statOpen(int fd, struct stat& out) override {
+    return retried([&] { return ::fstat(fd, &out); });
+  }
+
+  int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
+    if (!isPath(path)) return -EINVAL;
+    const int flags = follow ? 0 : AT_SYMLINK_NOFOLLOW;
+    return retried([&] { return ::fstatat(directory, path.c_str(), &out, flags); });
+  }
+
+  int readLink(int directory, const std::string& path, std::string& target) override {
+    if (!isPath(path)) return -EINVAL;
+    std::string buffer(256, '\0');
+    for (;;) {
+      const ssize_t length = retried(
+          [&] { return ::readlinkat(directory, path.c_str(), buffer.data(), buffer.size()); });
+      if (length < 0) return static_cast<int>(length);
+      if (static_cast<std::size_t>(length) < buffer.size()) {
+        target.assign(buffer, 0, static_cast<std::size_t>(length));
+        return 0;
+      }
+      buffer.resize(2 * buffer.size());
+    }
+  }
+
+  int list(int directory, std::vector<std::string>& names) override {
+    // A descriptor of its own: the position in a directory belongs to the open directory.
+    const int fd = open(directory, ".", O_RDONLY | O_DIRECTORY, 0);
+    if (fd < 0) return fd;
+    DIR* entries = ::fdopendir(fd);
+    if (!entries) {
+      const int error = errno;
+      close(fd);
+      return -error;
+    }
+    int result = 0;
+    try {
+      result = readNames(entries, names);
+    } catch (...) {
+      ::closedir(entries);
+      throw;
+    }
+    ::closedir(entries);
+    return result;
+  }
+
+  int rename(int directory, const std::string& from, const std::string& to) override {
+    if (!isPath(from) || !isPath(to)) return -EINVAL;
+    return retried([&] { return ::renameat(directory, from.c_str(), directory, to.c_str()); });
+  }
+
+  int link(int directory, const std::string& from, const std::string& to) override {
+    if (!isPath(from) || !isPath(to)) return -EINVAL;
+    return retried([&] { return ::linkat(directory, from.c_str(), directory, to.c_str(), 0); });
+  }
+
+  int unlink(int directory, const std::string& path) override {
+    if (!isPath(path)) return -EINVAL;
+    return retried([&] { return ::unlinkat(directory, path.c_str(), 0); });
+  }
+
+  int makeDirectory(const std::string& path, mode_t mode) override {
+    if (!isPath(path)) return -EINVAL;
+    return retried([&] { return ::mkdir(path.c_str(), mode); });
+  }
+
+  int access(const std::string& path, int mode) override {
+    if (!isPath(path)) return -EINVAL;
+    return retried([&] { return ::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS); });
+  }
+
+ private:
+  static int readNames(DIR* entries, std::vector<std::string>& names) {
+    for (;;) {
+      errno = 0;
+      const dirent* entry = ::readdir(entries);
+      if (!entry) return -errno;
+      const std::string name = entry->d_name;
+      if (name != "." && name != "..") names.push_back(name);
+    }
+  }
+};
+
+std::atomic<FileSystem*> g_replacement{nullptr};
+
+}  // namespace
+
+FileSystem::~FileSystem() = default;
+
+FileSystem& posixFileSystem() {
+  // Never destroyed: locks may be let go while the process ends.
+  static FileSystem& posix = *new PosixFileSystem;
+  return posix;
+}
+
+FileSystem& fileSystem() {
+  FileSystem* replacement = g_replacement.load(std::memory_order_acquire);
+  return replacement ? *replacement : posixFileSystem();
+}
+
+void setFileSystem(FileSystem* replacement) {
+  g_replacement.store(replacement, std::memory_order_release);
+}
+
+}  // namespace host

@@ -1,0 +1,115 @@
+#include "host/fs/temp_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
+
+namespace host {
+namespace {
+
+const std::string c_prefix = ".sitehlp-";
+const std::string c_suffix = ".tmp";
+constexpr std::size_t c_randomBytes = 8;
+constexpr int c_attempts = 100;
+constexpr char c_hexDigits[] = "0123456789abcdef";
+
+int makeName(std::string& name) {
+  unsigned char random[c_randomBytes];
+  if (::getentropy(random, sizeof random) != 0) return errno;
+  name = c_prefix;
+  for (const unsigned char byte : random) {
+    name += c_hexDigits[byte >> 4];
+    name += c_hexDigits[byte & 15];
+  }
+  name += c_suffix;
+  return 0;
+}
+
+bool isTempName(const std::string& name) {
+  const std::size_t digits = 2 * c_randomBytes;
+  return name.size() == c_prefix.size() + digits + c_suffix.size() &&
+         name.compare(0, c_prefix.size(), c_prefix) == 0 &&
+         name.compare(c_prefix.size() + digits, c_suffix.size(), c_suffix) == 0 &&
+         name.find_first_not_of(c_hexDigits, c_prefix.size()) == c_prefix.size() + digits;
+}
+
+}  // namespace
+
+TempFile::TempFile(int directory) : m_directory(directory), m_file(-EBADF) {}
+
+TempFile::~TempFile() {
+  if (!m_name.empty()) fileSystem().unlink(m_directory, m_name);
+}
+
+int TempFile::create() {
+  int error = EAGAIN;
+  for (int attempt = 0; error == EAGAIN && attempt < c_attempts; ++attempt) {
+    error = tryToCreate();
+  }
+  return error;
+}
+
+// EAGAIN when the name was taken, or when another process took the new file for a left-over one
+// before it could be locked.
+int TempFile::tryToCreate() {
+  std::string name;
+  if (const int error = makeName(name)) return error;
+  Descriptor file(
+      fileSystem().open(m_directory, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
+  if (file.error()) return file.error() == EEXIST ? EAGAIN : file.error();
+
+  struct stat info;
+  int error = -fileSystem().lock(file.get(), LOCK_EX | LOCK_NB);
+  if (error == 0) error = -fileSystem().statOpen(file.get(), info);
+  if (error == 0 && info.st_nlink == 0) error = EAGAIN;
+  if (error) {
+    fileSystem().unlink(m_directory, name);
+    return error;
+  }
+  m_name = name;
+  m_file = std::move(file);
+  return 0;
+}
+
+int TempFile::writeAll(const void* data, std::size_t size) {
+  const char* next = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t n = fileSystem().write(fd(), next, size);
+    if (n < 0) return static_cast<int>(-n);
+    if (n == 0) return EIO;
+    next += n;
+    size -= static_cast<std::size_t>(n);
+  }
+  return 0;
+}
+
+int TempFile::renameTo(const std::string& name) {
+  const int error = -fileSystem().rename(m_directory, m_name, name);
+  if (error == 0) m_name.clear();
+  return error;
+}
+
+int TempFile::linkAs(const std::string& name) {
+  return -fileSystem().link(m_directory, m_name, name);
+}
+
+void removeLeftOverTempFiles(int directory) {
+  std::vector<std::string> names;
+  if (fileSystem().list(directory, names) < 0) return;
+  for (const std::string& name : names) {
+    if (!isTempName(name)) continue;
+    const Descriptor file(
+        fileSystem().open(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0));
+    // A writer that lives holds the lock. One that has just renamed its file does not, but then
+    // there is nothing under this name any more.
+    if (file.error() == 0 && fileSystem().lock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+      fileSystem().unlink(directory, name);
+    }
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,109 @@
+#include "platform/lock/interprocess_lock.h"
+
+#include <cerrno>
+#include <string>
+
+#include "host/common/failure_text.h"
+#include "host/lock/file_lock.h"
+#include "platform/common/log.h"
+
+namespace korvel_com {
+namespace orb {
+namespace lock {
+
+using host::LockFiles;
+using host::LockMode;
+using host::LockPool;
+
+// One lock object: its name and, while it is locked, its files.
+struct LockImpl {
+  explicit LockImpl(const char* lockName) : name(lockName ? lockName : "") {}
+  ~LockImpl() { unlock(); }
+
+  bool lock(LockMode mode, unsigned int waitMilliseconds);
+  void unlock() noexcept;
+
+ private:
+  int tryFiles(LockMode mode, unsigned int waitMilliseconds);
+
+  std::string name;
+  LockFiles* files = nullptr;
+  std::string failedPath;
+};
+
+namespace {
+
+// How often lock files may be found exchanged before that counts as a failure.
+constexpr int c_attempts = 100;
+
+}  // namespace
+
+bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
+  if (files && files->main.fd < 0) unlock();  // it was our parent's before the fork
+  if (files) return true;
+  failedPath = name;
+  int error = EINVAL;
+  if (!name.empty() && name.find('/') == std::string::npos) {
+    error = ESTALE;
+    for (int attempt = 0; error == ESTALE && attempt < c_attempts; ++attempt) {
+      error = tryFiles(mode, waitMilliseconds);
+    }
+  }
+  if (error && error != EWOULDBLOCK) {
+    logError(host::c_logComponent, host::failureText("Cannot lock", failedPath, error));
+  }
+  return error == 0;
+}
+
+int LockImpl::tryFiles(LockMode mode, unsigned int waitMilliseconds) {
+  LockFiles* taken = nullptr;
+  int error = LockPool::instance().take(name, taken, failedPath);
+  if (error) return error;
+  failedPath = taken->main.path;
+  error = host::lockFiles(*taken, mode, waitMilliseconds);
+  // Somebody may have removed or exchanged the files since they were opened; the lock of a file
+  // that others do not find is none.
+  if (error == 0) error = taken->check();
+  if (error == 0) {
+    files = taken;
+  } else if (error == EWOULDBLOCK) {
+    LockPool::instance().giveBack(taken);
+  } else {
+    LockPool::instance().discard(taken);
+  }
+  return error;
+}
+
+void LockImpl::unlock() noexcept {
+  if (!files) return;
+  if (files->main.fd >= 0 && host::unlockFiles(*files) == 0) {
+    LockPool::instance().giveBack(files);
+  } else {
+    LockPool::instance().discard(files);
+  }
+  files = nullptr;
+}
+
+InterProcessReadLock::InterProcessReadLock(const char* name)
+    : m_impl(std::make_unique<LockImpl>(name)) {}
+InterProcessReadLock::~InterProcessReadLock() = default;
+
+bool InterProcessReadLock::lock(unsigned int waitMilliseconds) {
+  return m_impl->lock(LockMode::Read, waitMilliseconds);
+}
+
+void InterProcessReadLock::unlock() noexcept { m_impl->unlock(); }
+
+InterProcessWriteLock::InterProcessWriteLock(const char* name)
+    : m_impl(std::make_unique<LockImpl>(name)) {}
+InterProcessWriteLock::~InterProcessWriteLock() = default;
+
+bool InterProcessWriteLock::lock(unsigned int waitMilliseconds) {
+  return m_impl->lock(LockMode::Write, waitMilliseconds);
+}
+
+void InterProcessWriteLock::unlock() noexcept { m_impl->unlock(); }
+
+}  // namespace lock
+}  // namespace orb
+}  // namespace korvel_com

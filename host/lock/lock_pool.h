@@ -1,0 +1,66 @@
+#ifndef HOST_LOCK_LOCK_POOL_H
+#define HOST_LOCK_LOCK_POOL_H
+
+#include <sys/types.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// The two open files behind one lock. Each holder has files of its own, because a kernel lock
+// belongs to the open file: with a shared one, two threads would share the lock.
+struct LockFiles {
+  struct File {
+    std::string path;
+    int fd = -1;
+    dev_t device = 0;
+    ino_t inode = 0;
+  };
+  File main;
+  File gate;
+
+  // Whether the paths still lead to the files that are open. 0, ESTALE, or why it cannot be told.
+  int check() const;
+};
+
+// Keeps lock files open from one use to the next, since opening costs more than locking. Any
+// thread. In the child of a fork every file is closed: one that stayed open would keep the parent's
+// lock after the parent's death.
+class LockPool {
+ public:
+  static LockPool& instance();
+
+  // Files for the lock `name` of the present agent that nobody else uses. 0 or an errno; `failed`
+  // is then the path that it happened with.
+  int take(const std::string& name, LockFiles*& files, std::string& failed);
+  // Takes back files that are not locked.
+  void giveBack(LockFiles* files) noexcept;
+  // Closes files, which unlocks them.
+  void discard(LockFiles* files) noexcept;
+  // Closes what nobody uses now, and what is in use as soon as it is given back.
+  void dropIdle();
+
+ private:
+  struct Entry {
+    LockFiles files;
+    bool idle = false;
+    bool outdated = false;
+    ~Entry();
+  };
+
+  LockPool();
+  static void beforeFork();
+  static void afterForkInParent();
+  static void afterForkInChild();
+  void erase(const LockFiles* files);
+
+  std::mutex m_mutex;
+  std::vector<std::unique_ptr<Entry>> m_entries;
+};
+
+}  // namespace host
+
+#endif

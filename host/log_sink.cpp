@@ -1,0 +1,100 @@
+#include "host/log_sink.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "host/common/encoding.h"
+#include "host/common/level_names.h"
+
+std::atomic<int> g_logThreshold{static_cast<int>(LogLevel::Error)};
+
+namespace host {
+namespace {
+
+// A message is one line, and what it quotes must not steer a terminal.
+std::string oneLine(std::wstring text) {
+  for (wchar_t& c : text) {
+    if (c < 0x20 || (c >= 0x7F && c < 0xA0)) c = L'?';
+  }
+  return toUtf8(text);
+}
+
+void writeToStandardError(LogLevel level, const std::wstring& component, const std::wstring& text) {
+  // Never destroyed: destructors of the process may still log.
+  static spdlog::logger& logger = [&]() -> spdlog::logger& {
+    auto* made = new spdlog::logger("", std::make_shared<spdlog::sinks::stderr_sink_mt>());
+    made->set_level(spdlog::level::trace);
+    made->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
+    return *made;
+  }();
+  logger.info("{} {}: {}", levelName(level), oneLine(component), oneLine(text));
+}
+
+struct Output {
+  std::mutex mutex;
+  LogSink sink = writeToStandardError;
+};
+
+Output& output() {
+  static Output& output = *new Output;
+  return output;
+}
+
+void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
+             const wchar_t* text) noexcept {
+  try {
+    const std::wstring componentText = component ? component : L"";
+    const std::wstring whole = std::wstring(prefix) + (text ? text : L"");
+    const std::lock_guard<std::mutex> guard(output().mutex);
+    output().sink(level, componentText, whole);
+  } catch (...) {
+    // A log that fails must not disturb what it tells about.
+  }
+}
+
+void logAt(LogLevel level, const wchar_t* component, const AString& text) noexcept {
+  if (logEnabled(level)) deliver(level, component, L"", text.c_str());
+}
+
+}  // namespace
+
+void setLogSink(LogSink sink) {
+  if (!sink) sink = writeToStandardError;
+  const std::lock_guard<std::mutex> guard(output().mutex);
+  output().sink.swap(sink);
+}
+
+void setLogThreshold(LogLevel level) {
+  g_logThreshold.store(static_cast<int>(level), std::memory_order_relaxed);
+}
+
+}  // namespace host
+
+void logDetail(const wchar_t* component, const AString& text) noexcept {
+  host::logAt(LogLevel::Detail, component, text);
+}
+
+void logInfo(const wchar_t* component, const AString& text) noexcept {
+  host::logAt(LogLevel::Info, component, text);
+}
+
+void logError(const wchar_t* component, const AString& text) noexcept {
+  host::logAt(LogLevel::Error, component, text);
+}
+
+void logInternalError(const wchar_t* component, const AString& text) noexcept {
+  host::logAt(LogLevel::InternalError, component, text);
+}
+
+void AScopeTrace::enter(LogLevel level, const wchar_t* component) noexcept {
+  m_level = level;
+  m_component = component;
+  host::deliver(m_level, m_component, L"Enter: ", m_text);
+}
+
+void AScopeTrace::leave() noexcept { host::deliver(m_level, m_component, L"Leave: ", m_text); }

@@ -33,6 +33,7 @@ std::wstring localTimeStamp() {
 
 std::wstring makeLocalVersion(const std::wstring& path) {
   const std::wstring version = localTimeStamp();
+  if (version.empty()) return version;
   logDetail(c_component,
             AString(L"Local version of ").append(path).append(L" is ").append(version));
   return version;

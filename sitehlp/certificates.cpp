@@ -1,0 +1,41 @@
+#include "sitehlp/certificates.h"
+
+#include "platform/common/log.h"
+#include "sitehlp/document_reader.h"
+#include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Element;
+using korvel_com::orb::xmlschema::sitelist::WX_XML_CABUNDLE;
+using korvel_com::orb::xmlschema::sitelist::WX_XML_CACERTIFICATE;
+
+bool readCertificates(const Element& root, std::vector<std::wstring>& certificates) {
+  const Element bundle = root.GetElement(WX_XML_CABUNDLE);
+  for (const Element child : bundle.Elements()) {
+    if (child.HasName(WX_XML_CACERTIFICATE)) certificates.push_back(child.GetValue());
+  }
+  return !bundle.IsNull();
+}
+
+int CSitesHelper::GetCaCertificates(const std::wstring& path,
+                                    std::vector<std::wstring>& certificates) {
+  const ADetailTrace trace(c_component, L"Getting Certificates");
+  std::wstring text = c_noDocument;
+  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  if (readResult != c_success) return readResult;
+  try {
+    DocumentPtr document;
+    parseDocument(text, document);
+    if (document) readCertificates(document->GetRoot(), certificates);
+    return c_success;
+  } catch (const AdvXMLParser::ParsingException&) {
+    return c_errorParse;
+  } catch (const AdvXMLParser::ReadWriteException&) {
+    return c_errorWrite;
+  }
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,16 @@
+#ifndef SITEHLP_CERTIFICATES_H
+#define SITEHLP_CERTIFICATES_H
+
+#include <string>
+#include <vector>
+
+#include "platform/xml/advxmlparser.h"
+
+namespace sitehlp {
+
+// Appends the certificates of the first bundle under a root. Returns whether there is a bundle.
+bool readCertificates(const AdvXMLParser::Element& root, std::vector<std::wstring>& certificates);
+
+}  // namespace sitehlp
+
+#endif

@@ -1,0 +1,102 @@
+#include "platform/common/log.h"
+#include "platform/common/text.h"
+#include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/vendor_hosts.h"
+
+namespace sitehlp {
+namespace {
+
+constexpr std::uint32_t c_vendorHttpPort = 80;
+constexpr std::uint32_t c_vendorFtpPort = 21;
+
+bool canBeVendorSite(const tag_Site& site) {
+  return site.bEnabled == 1 && site.bLocal == 0 && !isFallback(site);
+}
+
+bool isVendorHttp(const tag_Site& site) {
+  return site.eSiteKind == SITE_KIND_HTTP && canBeVendorSite(site) &&
+         wcsicmp(site.http.szServer, c_vendorHttpHost) == 0 &&
+         site.http.uServerPort == c_vendorHttpPort;
+}
+
+bool isVendorFtp(const tag_Site& site) {
+  return site.eSiteKind == SITE_KIND_FTP && canBeVendorSite(site) &&
+         wcsicmp(site.ftp.szServer, c_vendorFtpHost) == 0 &&
+         site.ftp.uServerPort == c_vendorFtpPort;
+}
+
+}  // namespace
+
+int CSitesHelper::InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir) {
+  const std::wstring description = L"InstallSiteList," + srcPath + L"," + keyDir;
+  const ADetailTrace trace(c_component, description.c_str());
+  ListOwner list;
+  const int readResult = MustReadSiteList(srcPath, list.out());
+  if (readResult < 0) return readResult;
+  return InternalImportSiteList(srcPath, list.get(), keyDir);
+}
+
+int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir) {
+  const std::wstring description = L"ImportSiteList," + srcPath;
+  const ADetailTrace trace(c_component, description.c_str());
+  ListOwner list;
+  const int readResult = MustReadSiteList(srcPath, list.out());
+  if (readResult < 0) return readResult;
+  std::wstring overwrite;
+  if (GetPolicySetting(L"OverwriteClientSites", overwrite) && overwrite != L"0") {
+    logInfo(c_component, AString(L"WARNING: imported site list \"")
+                             .append(srcPath)
+                             .append(L"\" will be overwritten by Pyx site list"));
+  }
+  const int checkResult = SourceSiteListCheck(list.get(), IsOrbManaged() != 0);
+  if (checkResult < 0) return checkResult;
+  return InternalImportSiteList(srcPath, list.get(), keyDir);
+}
+
+int CSitesHelper::InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
+                                         const std::wstring& keyDir) {
+  AdjustSitesOrder(sites);
+  std::wstring globalVersion;
+  std::wstring localVersion;
+  std::wstring type;
+  const int versionResult = GetSitelistVersions(srcPath, globalVersion, localVersion, type);
+  if (versionResult < 0) {
+    logError(c_component,
+             AString(L"Get version failed hr=").append(static_cast<long>(versionResult)));
+    return versionResult;
+  }
+  logDetail(
+      c_component,
+      AString(L"Import sitelist from ").append(srcPath).append(L" to ").append(m_strSiteListFile));
+  logDetail(
+      c_component,
+      AString(L"Original local version of ").append(srcPath).append(L" is ").append(localVersion));
+  std::vector<std::wstring> certificates;
+  GetCaCertificates(srcPath, certificates);
+  // The keys first: the list must not name a server whose keys are missing.
+  if (!createDirectoriesAndCopyKeyFiles(srcPath, sites, keyDir)) return c_errorGeneral;
+  const int writeResult =
+      CreateSiteList(sites, m_strSiteListFile, globalVersion, localVersion, type, certificates);
+  if (writeResult < 0) {
+    logError(c_component, AString(L"CreateSiteList failed hr=").append(writeResult));
+    return c_errorGeneral;
+  }
+  return c_success;
+}
+
+void CSitesHelper::AdjustSitesOrder(tag_Site* sites) {
+  const ADetailTrace trace(c_component, L"Adjusting sitelist order");
+  tag_Site* http = nullptr;
+  tag_Site* ftp = nullptr;
+  for (; sites; sites = sites->pNext) {
+    if (!http && isVendorHttp(*sites)) http = sites;
+    if (!ftp && isVendorFtp(*sites)) ftp = sites;
+  }
+  if (!http || !ftp || http->iOrder == 0 || ftp->iOrder == 0) return;
+  if (ftp->iOrder >= http->iOrder) return;
+  std::swap(http->iOrder, ftp->iOrder);
+  logInfo(c_component, L"Exchanged orders for WexHttp and WexFtp.");
+}
+
+}  // namespace sitehlp

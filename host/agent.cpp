@@ -1,6 +1,5 @@
 #include "host/agent.h"
 
-#include <filesystem>
 #include <mutex>
 #include <utility>
 
@@ -24,10 +23,7 @@ State& state() {
 }
 
 void apply(AgentSettings settings) {
-  std::error_code failed;
-  const std::filesystem::path absolute = std::filesystem::absolute(settings.dataDirectory, failed);
-  if (!failed) settings.dataDirectory = absolute.string();
-  settings.dataDirectory = withoutTrailingSlash(settings.dataDirectory);
+  settings.dataDirectory = fullDirectory(settings.dataDirectory);
   settings.meshSiteListPath = pathFrom(settings.dataDirectory, settings.meshSiteListPath);
   setLogThreshold(settings.logLevel);
   state().settings = std::move(settings);

@@ -131,8 +131,8 @@ class SettingsReader {
 
 AgentSettings readAgentSettings(const std::string& dataDirectory) {
   AgentSettings settings;
-  settings.dataDirectory = withoutTrailingSlash(dataDirectory);
-  const std::string file = pathFrom(dataDirectory, "agent.toml");
+  settings.dataDirectory = fullDirectory(dataDirectory);
+  const std::string file = pathFrom(settings.dataDirectory, "agent.toml");
   std::string bytes;
   const int error = readRegularFile(file, c_maxSettingsBytes, bytes);
   if (error == ENOENT) return settings;

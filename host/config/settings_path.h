@@ -5,16 +5,11 @@
 
 namespace host {
 
-inline std::string withoutTrailingSlash(std::string path) {
-  while (path.size() > 1 && path.back() == '/') path.pop_back();
-  return path;
-}
+// A directory as a full path without a trailing separator.
+std::string fullDirectory(const std::string& path);
 
 // A relative path counts from the directory; an empty one stays empty.
-inline std::string pathFrom(const std::string& directory, const std::string& path) {
-  if (path.empty() || path.front() == '/') return path;
-  return withoutTrailingSlash(directory) + "/" + path;
-}
+std::string pathFrom(const std::string& directory, const std::string& path);
 
 }  // namespace host
 

@@ -1,5 +1,6 @@
 #include "platform/lock/interprocess_lock.h"
 
+#include <atomic>
 #include <cerrno>
 #include <string>
 
@@ -36,6 +37,10 @@ namespace {
 // How often lock files may be found exchanged before that counts as a failure.
 constexpr int c_attempts = 100;
 
+// What one thread wrote under a lock is visible to the next holder in the same process. The kernel
+// sees to that in fact, but only an atomic says so to the compiler.
+std::atomic<unsigned int> g_handOver{0};
+
 }  // namespace
 
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
@@ -66,6 +71,7 @@ int LockImpl::tryFiles(LockMode mode, unsigned int waitMilliseconds) {
   if (error == 0) error = taken->check();
   if (error == 0) {
     files = taken;
+    g_handOver.load(std::memory_order_acquire);
   } else if (error == EWOULDBLOCK) {
     LockPool::instance().giveBack(taken);
   } else {
@@ -76,6 +82,7 @@ int LockImpl::tryFiles(LockMode mode, unsigned int waitMilliseconds) {
 
 void LockImpl::unlock() noexcept {
   if (!files) return;
+  g_handOver.fetch_add(1, std::memory_order_acq_rel);
   if (files->main.fd >= 0 && host::unlockFiles(*files) == 0) {
     LockPool::instance().giveBack(files);
   } else {

@@ -1,6 +1,8 @@
 #ifndef HOST_XML_DOCUMENT_TREE_H
 #define HOST_XML_DOCUMENT_TREE_H
 
+#include <cstddef>
+#include <memory>
 #include <pugixml.hpp>
 #include <string>
 
@@ -21,6 +23,9 @@ struct DocumentTree {
 
   pugi::xml_document document;
 };
+
+// The tree of a text, with the contract of Parser::Parse.
+std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length);
 
 }  // namespace AdvXMLParser
 

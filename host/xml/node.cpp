@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "host/common/encoding.h"
+#include "host/xml/handles.h"
 #include "host/xml/tree_edit.h"
 #include "host/xml/tree_text.h"
 #include "platform/xml/advxmlparser.h"
@@ -8,13 +9,8 @@
 namespace AdvXMLParser {
 namespace {
 
-pugi::xml_attribute asAttribute(void* handle) {
-  return pugi::xml_attribute(static_cast<pugi::xml_attribute_struct*>(handle));
-}
-
-pugi::xml_node asNode(void* handle) {
-  return pugi::xml_node(static_cast<pugi::xml_node_struct*>(handle));
-}
+using host::asAttribute;
+using host::asNode;
 
 pugi::xml_node elementFrom(pugi::xml_node node) {
   while (node && node.type() != pugi::node_element) node = node.next_sibling();
@@ -66,10 +62,7 @@ void NodeContainer::AddText(const std::wstring& text) {
 }
 
 Attribute Element::GetAttribute(const wchar_t* name) const {
-  for (const pugi::xml_attribute attribute : asNode(m_handle).attributes()) {
-    if (host::equals(attribute.name(), name)) return Attribute(attribute.internal_object());
-  }
-  return Attribute();
+  return Attribute(host::findAttribute(asNode(m_handle), name).internal_object());
 }
 
 AttributeRange Element::Attributes() const {

@@ -21,7 +21,7 @@ bool beginsAsMarkup(const wchar_t* text, const wchar_t* end) {
 
 }  // namespace
 
-Document* Parser::Parse(const wchar_t* text, std::size_t length) {
+std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
   const wchar_t* const end = text + length;
   if (!beginsAsMarkup(text, end)) return nullptr;
   if (host::utf8Size(text, length) > host::c_maxDocumentBytes) {
@@ -43,7 +43,12 @@ Document* Parser::Parse(const wchar_t* text, std::size_t length) {
     builder.parse(static_cast<std::size_t>(bufferEnd - buffer), pieceEnd == end);
     text = pieceEnd;
   }
-  return new Document(builder.takeTree());
+  return builder.takeTree();
+}
+
+Document* Parser::Parse(const wchar_t* text, std::size_t length) {
+  std::unique_ptr<DocumentTree> tree = parseTree(text, length);
+  return tree ? new Document(std::move(tree)) : nullptr;
 }
 
 }  // namespace AdvXMLParser

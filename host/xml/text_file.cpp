@@ -1,3 +1,5 @@
+#include "host/xml/text_file.h"
+
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -10,8 +12,6 @@
 
 namespace AdvXMLParser {
 namespace {
-
-constexpr mode_t c_modeOfNew = 0640;
 
 [[noreturn]] void fail(int errorCode, const std::string& path, int systemError) {
   throw ReadWriteException(errorCode, systemError,
@@ -53,7 +53,7 @@ bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_E
   }
   if (after) bytes = after(bytes);
   const std::string name = host::toUtf8(path);
-  const int error = host::replaceFile(name, bytes.data(), bytes.size(), c_modeOfNew);
+  const int error = host::replaceFile(name, bytes.data(), bytes.size(), host::c_modeOfNewDocument);
   if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
   return true;
 }

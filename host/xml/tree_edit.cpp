@@ -4,6 +4,7 @@
 #include <new>
 
 #include "host/common/encoding.h"
+#include "host/xml/tree_text.h"
 
 namespace host {
 namespace {
@@ -16,6 +17,17 @@ bool isXmlCharacter(wchar_t character) {
   const auto c = static_cast<std::uint32_t>(character);
   if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
   return isScalar(c) && c != 0xFFFE && c != 0xFFFF;
+}
+
+pugi::xml_node copyAlone(pugi::xml_node source, pugi::xml_node parent) {
+  pugi::xml_node copy = parent.append_child(source.type());
+  require(copy);
+  if (*source.name() != '\0') require(copy.set_name(source.name()));
+  if (*source.value() != '\0') require(copy.set_value(source.value()));
+  for (const pugi::xml_attribute attribute : source.attributes()) {
+    appendAttribute(copy, attribute.name(), attribute.value());
+  }
+  return copy;
 }
 
 }  // namespace
@@ -51,6 +63,40 @@ pugi::xml_attribute setAttribute(pugi::xml_node node, const char* name, const ch
 
 void setAttributeValue(pugi::xml_attribute attribute, const char* value) {
   require(attribute && attribute.set_value(value));
+}
+
+void setText(pugi::xml_node node, const std::string& text) {
+  for (pugi::xml_node child = node.first_child(); child;) {
+    const pugi::xml_node next = child.next_sibling();
+    if (isText(child)) node.remove_child(child);
+    child = next;
+  }
+  if (!text.empty()) setNodeValue(node.prepend_child(pugi::node_pcdata), text.data(), text.size());
+}
+
+// The tree's own copying does not tell when it ran out of memory.
+void appendCopy(pugi::xml_node parent, pugi::xml_node source) {
+  pugi::xml_node from = source;
+  pugi::xml_node to = copyAlone(source, parent);
+  const pugi::xml_node copy = to;
+  // A copy that goes into its own source must not be copied itself.
+  const auto unlessCopy = [copy](pugi::xml_node node) {
+    return node == copy ? pugi::xml_node() : node;
+  };
+  for (;;) {
+    if (const pugi::xml_node child = unlessCopy(from.first_child())) {
+      from = child;
+      to = copyAlone(from, to);
+      continue;
+    }
+    while (from != source && !unlessCopy(from.next_sibling())) {
+      from = from.parent();
+      to = to.parent();
+    }
+    if (from == source) return;
+    from = from.next_sibling();
+    to = copyAlone(from, to.parent());
+  }
 }
 
 std::string toXmlText(const std::wstring& text) {

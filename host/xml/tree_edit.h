@@ -24,6 +24,13 @@ pugi::xml_attribute appendAttribute(pugi::xml_node node, const char* name, const
 pugi::xml_attribute setAttribute(pugi::xml_node node, const char* name, const char* value);
 void setAttributeValue(pugi::xml_attribute attribute, const char* value);
 
+// Puts one text node in the place of all text directly inside the node, before its other children;
+// none when the text is empty.
+void setText(pugi::xml_node node, const std::string& text);
+
+// Adds a deep copy of a node, of this or another tree, behind the children of `parent`.
+void appendCopy(pugi::xml_node parent, pugi::xml_node source);
+
 // The UTF-8 form, with U+FFFD in place of every character that XML 1.0 cannot carry.
 std::string toXmlText(const std::wstring& text);
 

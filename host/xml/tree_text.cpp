@@ -46,6 +46,23 @@ bool isText(pugi::xml_node node) {
   return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }
 
+bool isGiven(const wchar_t* name) { return name && *name != L'\0'; }
+
+bool isElement(pugi::xml_node node, const wchar_t* name) {
+  return node.type() == pugi::node_element && (!isGiven(name) || equals(node.name(), name));
+}
+
+pugi::xml_attribute findAttribute(pugi::xml_node node, const wchar_t* name) {
+  return node.find_attribute(
+      [name](pugi::xml_attribute attribute) { return equals(attribute.name(), name); });
+}
+
+bool hasAttribute(pugi::xml_node node, const wchar_t* name, const wchar_t* value) {
+  if (!isGiven(name)) return true;
+  const pugi::xml_attribute attribute = findAttribute(node, name);
+  return attribute && equals(attribute.value(), value ? value : L"");
+}
+
 std::wstring valueOf(pugi::xml_node node) {
   std::wstring value;
   for (const pugi::xml_node child : node) {

@@ -19,7 +19,18 @@ void narrowValueOf(pugi::xml_node node, std::string& value);
 bool copyValue(pugi::xml_attribute attribute, wchar_t* dest, std::size_t capacity);
 bool copyValue(pugi::xml_node node, wchar_t* dest, std::size_t capacity);
 
+// A name that is null or empty counts as not given.
+bool isGiven(const wchar_t* name);
+
 bool isText(pugi::xml_node node);
+// Whether the node is an element, of that name when one is given.
+bool isElement(pugi::xml_node node, const wchar_t* name);
+
+// The attribute of that name; null when there is none.
+pugi::xml_attribute findAttribute(pugi::xml_node node, const wchar_t* name);
+// Whether the node has an attribute of that name with that value, null counting as empty; true when
+// no name is given.
+bool hasAttribute(pugi::xml_node node, const wchar_t* name, const wchar_t* value);
 
 }  // namespace host
 

@@ -1,0 +1,20 @@
+#ifndef HOST_XML_HANDLES_H
+#define HOST_XML_HANDLES_H
+
+#include <pugixml.hpp>
+
+// What the handles of the public interfaces stand for. A null handle gives a null node, which
+// answers with nothing.
+namespace host {
+
+inline pugi::xml_attribute asAttribute(void* handle) {
+  return pugi::xml_attribute(static_cast<pugi::xml_attribute_struct*>(handle));
+}
+
+inline pugi::xml_node asNode(void* handle) {
+  return pugi::xml_node(static_cast<pugi::xml_node_struct*>(handle));
+}
+
+}  // namespace host
+
+#endif

@@ -308,6 +308,45 @@ class SITEHLP_API CSitesHelper {
   bool createDirectoriesAndCopyKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
                                         const std::wstring& keyDir);
 
+  // --- Editing documents ------------------------------------------------------------------------
+  // These change whole documents and keep what records do not hold. Component of their log lines:
+  // "StSHlp".
+
+  // Edits the instance's own file from the incoming list at `sourcePath`, installs the key files
+  // that come with that (`keyDir` as for ImportSiteList), and writes the file back. With
+  // `replaceRepositories` the two default vendor repositories become those of the source, in the
+  // order slots and with the types of the target; with `replaceServerSites` the management servers
+  // and the CA bundle become those of the source, and servers that both lists have stay as they
+  // are. Own file and result are under "SiteListLock" while they are read and written; between the
+  // two nothing is held, so another writer's change made meanwhile is overwritten. True only when
+  // the file was written; before that it is untouched, but key files may have been installed.
+  bool modifySiteList(const wchar_t* sourcePath, bool replaceRepositories, bool replaceServerSites,
+                      const AString& keyDir);
+
+  // Replaces one repository by `source`, under its order slot and type; `target` is the new element
+  // afterwards.
+  void replaceWexRepository(AnXmlNode& source, AnXmlNode& targetSiteList, AnXmlNode& target,
+                            int order, const wchar_t* type);
+
+  // Whether two management server elements have the same "Name", "Server", "ServerName" and
+  // "ServerIP"; a missing one is never the same.
+  bool IstheSamePyxSite(AnXmlNode& a, AnXmlNode& b);
+
+  // Makes the management servers and the CA bundle of the target those of the source.
+  void doReplacePyxSite(AnXmlNode& targetRoot, AnXmlNode& sourceRoot);
+
+  // Copies attributes and text; "Order" becomes `order`, or is left out for 0, and "Type" becomes
+  // `type` unless that is null or empty.
+  void copyXmlAttributesAlter(AnXmlNode& source, AnXmlNode& target, int order, const wchar_t* type);
+  void copyXmlAttributes(AnXmlNode& source, AnXmlNode& target);
+  // Copies the child elements with attributes and text, but nothing below them.
+  void copyXmlSubNodes(AnXmlNode& source, AnXmlNode& target);
+
+  // Writes "ServerSiteList.xml" in `targetDir` (null: in `sourceDir`): "SiteList.xml" in
+  // `sourceDir` without the repositories whose "Local" is "1". Both under "SiteListLock". True only
+  // when the file was written. Needs no instance.
+  static bool createServerSiteListFromSiteList(const wchar_t* sourceDir, const wchar_t* targetDir);
+
  protected:
   std::wstring m_strSiteListFile;
   std::wstring m_strCurrentFile;

@@ -1,0 +1,49 @@
+#include "platform/common/afile.h"
+#include "platform/common/log.h"
+#include "sitehlp/edit/edit_document.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr const wchar_t* c_local = L"1";
+
+void removeLocalSites(const AnXmlNode& siteList, const wchar_t* elementName) {
+  AnXmlChildIndex sites(siteList, elementName);
+  AnXmlNode site;
+  AString local;
+  while (sites.moveNext(site)) {
+    if (site.tryGetValue(WX_XML_SITE_LOCAL, local) && local.str() == c_local) sites.remove();
+  }
+}
+
+}  // namespace
+
+bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
+                                                    const wchar_t* targetDir) {
+  const AnInfoTrace trace(c_editComponent, L"Creating ServerSiteList.xml");
+  const std::wstring sourcePath = joinPath(AString(sourceDir).str(), c_sitelistName);
+  AnXml document;
+  if (!openLocked(document, sourcePath)) return false;
+  AnXmlNode siteList(&document);
+  if (!siteList.tryGetChildMove(WX_XML_SITELIST, nullptr, nullptr, nullptr, nullptr)) {
+    // The quote is not closed; those who search logs for the line rely on it.
+    logError(c_editComponent, AString(L"Site list '")
+                                  .append(sourcePath)
+                                  .append(L" missing section ")
+                                  .append(WX_XML_SITELIST));
+    return false;
+  }
+  for (const wchar_t* elementName : {WX_XML_SITELIST_FTP_SITE, WX_XML_SITELIST_HTTP_SITE,
+                                     WX_XML_SITELIST_UNC_SITE, WX_XML_SITELIST_LOCAL_SITE}) {
+    removeLocalSites(siteList, elementName);
+  }
+  return writeLocked(
+      document, joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName));
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,26 @@
+#ifndef SITEHLP_EDIT_EDIT_DOCUMENT_H
+#define SITEHLP_EDIT_EDIT_DOCUMENT_H
+
+#include "platform/common/anxml.h"
+#include "platform/common/astring.h"
+
+namespace sitehlp {
+
+// The component that log lines and traces of document editing name.
+constexpr const wchar_t* c_editComponent = L"StSHlp";
+
+// Opens a file as a site list document.
+bool openSiteListDocument(AnXml& document, const AString& path);
+
+// The same, under the read lock "SiteListLock".
+bool openLocked(AnXml& document, const AString& path);
+
+// Writes a document under the write lock "SiteListLock".
+bool writeLocked(const AnXml& document, const AString& path);
+
+// Finds the "SiteList" element under a root.
+bool findSiteList(const AnXmlNode& root, AnXmlNode& siteList);
+
+}  // namespace sitehlp
+
+#endif

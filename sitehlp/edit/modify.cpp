@@ -1,0 +1,107 @@
+#include <utility>
+
+#include "platform/common/log.h"
+#include "sitehlp/edit/edit_document.h"
+#include "sitehlp/number.h"
+#include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/vendor_hosts.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr const wchar_t* c_fallbackType = L"fallback";
+
+// A default vendor repository as a document has it.
+struct VendorSite {
+  VendorSite(const AnXmlNode& siteList, const wchar_t* elementName, const std::wstring& server) {
+    AString orderText;
+    if (!siteList.tryGetChild(node, elementName, WX_XML_SITE_SERVER, server.c_str(),
+                              WX_XML_SITE_ORDER, &orderText)) {
+      return;
+    }
+    order = toInt(ACharString(orderText).c_str());
+    node.tryGetValue(WX_XML_SITE_TYPE, type);
+  }
+
+  AnXmlNode node;
+  int order = 0;  // 0: not there, or without an order
+  AString type;
+};
+
+struct VendorSites {
+  explicit VendorSites(const AnXmlNode& siteList)
+      : http(siteList, WX_XML_SITELIST_HTTP_SITE, std::wstring(c_vendorHttpHost) + L":80"),
+        ftp(siteList, WX_XML_SITELIST_FTP_SITE, std::wstring(c_vendorFtpHost) + L":21") {}
+
+  bool haveOrders() const { return http.order != 0 && ftp.order != 0; }
+  bool httpFirst() const { return http.order < ftp.order; }
+  bool hasFallback() const {
+    return http.type.str() == c_fallbackType || ftp.type.str() == c_fallbackType;
+  }
+
+  VendorSite http;
+  VendorSite ftp;
+};
+
+// The target keeps its two order slots; which repository has which follows the source.
+void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
+                           const AnXmlNode& sourceSiteList) {
+  VendorSites target(targetSiteList);
+  VendorSites source(sourceSiteList);
+  int httpOrder = target.http.order;
+  int ftpOrder = target.ftp.order;
+  if (!target.hasFallback() && target.haveOrders() && source.haveOrders() &&
+      source.httpFirst() != target.httpFirst()) {
+    std::swap(httpOrder, ftpOrder);
+  }
+  if (httpOrder != 0 && source.http.order != 0) {
+    helper.replaceWexRepository(source.http.node, targetSiteList, target.http.node, httpOrder,
+                                target.http.type.c_str());
+  }
+  if (ftpOrder != 0 && source.ftp.order != 0) {
+    helper.replaceWexRepository(source.ftp.node, targetSiteList, target.ftp.node, ftpOrder,
+                                target.ftp.type.c_str());
+  }
+}
+
+}  // namespace
+
+bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceRepositories,
+                                  bool replaceServerSites, const AString& keyDir) {
+  const ADetailTrace trace(c_editComponent, L"modifying site list");
+  AnXml target;
+  if (!openLocked(target, m_strSiteListFile)) return false;
+  AnXml source;
+  if (!openSiteListDocument(source, sourcePath)) return false;
+  AnXmlNode targetRoot(&target);
+  AnXmlNode sourceRoot(&source);
+  AnXmlNode targetSiteList;
+  AnXmlNode sourceSiteList;
+  if (!findSiteList(targetRoot, targetSiteList) || !findSiteList(sourceRoot, sourceSiteList)) {
+    return false;
+  }
+  if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
+  if (replaceServerSites) doReplacePyxSite(targetRoot, sourceRoot);
+  ListOwner incoming;
+  if (MustReadSiteList(sourcePath, incoming.out()) < 0) return false;
+  if (!createDirectoriesAndCopyKeyFiles(sourcePath, incoming.get(), keyDir.str())) return false;
+  return writeLocked(target, m_strSiteListFile);
+}
+
+void CSitesHelper::replaceWexRepository(AnXmlNode& source, AnXmlNode& targetSiteList,
+                                        AnXmlNode& target, int order, const wchar_t* type) {
+  target.remove();
+  AString server;
+  source.tryGetValue(WX_XML_SITE_SERVER, server);
+  targetSiteList.setChild(target, source.getName().c_str(), WX_XML_SITE_SERVER, server.c_str(),
+                          nullptr, nullptr);
+  copyXmlAttributesAlter(source, target, order, type);
+  copyXmlSubNodes(source, target);
+}
+
+}  // namespace sitehlp

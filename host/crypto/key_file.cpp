@@ -106,9 +106,13 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
   makePrivate(file.get(), status, path);
 
   SecretBytes bytes(c_keySize + 1);
-  const ssize_t count = fileSystem().read(file.get(), bytes.data(), bytes.size());
-  if (count < 0) return fail(path, L"cannot be read", static_cast<int>(-count));
-  if (count != static_cast<ssize_t>(c_keySize)) return fail(path, L"has not the size of a key");
+  std::size_t size = 0;
+  for (ssize_t count = 1; count > 0 && size < bytes.size();
+       size += static_cast<std::size_t>(count)) {
+    count = fileSystem().read(file.get(), bytes.data() + size, bytes.size() - size);
+    if (count < 0) return fail(path, L"cannot be read", static_cast<int>(-count));
+  }
+  if (size != c_keySize) return fail(path, L"has not the size of a key");
   bytes.resize(c_keySize);
 
   failed = fileSystem().statOpen(file.get(), status);

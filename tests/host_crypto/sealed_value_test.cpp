@@ -1,0 +1,165 @@
+#include "host/crypto/sealed_value.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using host::c_keySize;
+using host::SecretBytes;
+using Bytes = std::vector<unsigned char>;
+
+constexpr std::size_t c_overhead = 1 + 12 + 16;
+
+SecretBytes keyOf(unsigned char first) {
+  SecretBytes key(c_keySize);
+  for (std::size_t i = 0; i < key.size(); ++i) key[i] = static_cast<unsigned char>(first + i);
+  return key;
+}
+
+Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+class SealedValue : public testing::Test {
+ protected:
+  Bytes seal(const Bytes& clear) {
+    Bytes sealed;
+    EXPECT_TRUE(m_sealer.seal(clear.data(), clear.size(), sealed));
+    return sealed;
+  }
+  bool opens(const Bytes& sealed) {
+    SecretBytes clear = {'o', 'l', 'd'};
+    const bool opened = m_sealer.open(sealed.data(), sealed.size(), clear);
+    if (!opened) {
+      EXPECT_EQ(clear, (SecretBytes{'o', 'l', 'd'})) << "a failure wrote to its output";
+    }
+    return opened;
+  }
+
+  host::Sealer m_sealer{keyOf(7)};
+};
+
+TEST_F(SealedValue, OpensToWhatWasSealed) {
+  for (const std::size_t length : {0, 1, 15, 16, 17, 31, 32, 33, 1000, 1000000}) {
+    Bytes clear(length);
+    for (std::size_t i = 0; i < length; ++i) clear[i] = static_cast<unsigned char>(i * 31);
+    const Bytes sealed = seal(clear);
+    ASSERT_EQ(sealed.size(), length + c_overhead);
+    SecretBytes opened;
+    ASSERT_TRUE(m_sealer.open(sealed.data(), sealed.size(), opened)) << length;
+    EXPECT_EQ(Bytes(opened.begin(), opened.end()), clear) << length;
+  }
+}
+
+TEST_F(SealedValue, IsVersionNonceCiphertextAndTagUnderAes256GcmWithTheVersionAuthenticated) {
+  const Bytes clear = bytesOf("a password");
+  const Bytes sealed = seal(clear);
+  const SecretBytes key = keyOf(7);
+  ASSERT_EQ(sealed[0], 1);
+
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  Bytes opened(clear.size());
+  Bytes tag(sealed.end() - 16, sealed.end());
+  int length = 0;
+  EXPECT_EQ(1, EVP_DecryptInit_ex(context, EVP_aes_256_gcm(), nullptr, key.data(), &sealed[1]));
+  EXPECT_EQ(1, EVP_DecryptUpdate(context, nullptr, &length, &sealed[0], 1));
+  EXPECT_EQ(1, EVP_DecryptUpdate(context, opened.data(), &length, &sealed[13],
+                                 static_cast<int>(clear.size())));
+  EXPECT_EQ(1, EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_GCM_SET_TAG, 16, tag.data()));
+  EXPECT_EQ(1, EVP_DecryptFinal_ex(context, opened.data() + length, &length));
+  EVP_CIPHER_CTX_free(context);
+  EXPECT_EQ(opened, clear);
+}
+
+TEST_F(SealedValue, DoesNotOpenWithAnyBitFlipped) {
+  for (const std::string text : {"", "x", "seventeen letters"}) {
+    const Bytes sealed = seal(bytesOf(text));
+    ASSERT_TRUE(opens(sealed));
+    for (std::size_t bit = 0; bit < 8 * sealed.size(); ++bit) {
+      Bytes flipped = sealed;
+      flipped[bit / 8] ^= static_cast<unsigned char>(1 << (bit % 8));
+      EXPECT_FALSE(opens(flipped)) << "bit " << bit << " of \"" << text << "\"";
+    }
+  }
+}
+
+TEST_F(SealedValue, DoesNotOpenWhenCutOrLengthened) {
+  const Bytes sealed = seal(bytesOf("seventeen letters"));
+  for (std::size_t length = 0; length < sealed.size(); ++length) {
+    EXPECT_FALSE(opens(Bytes(sealed.begin(), sealed.begin() + length))) << "first " << length;
+    EXPECT_FALSE(opens(Bytes(sealed.end() - length, sealed.end()))) << "last " << length;
+  }
+  Bytes longer = sealed;
+  longer.push_back(0);
+  EXPECT_FALSE(opens(longer));
+  longer = sealed;
+  longer.insert(longer.begin(), 1);
+  EXPECT_FALSE(opens(longer));
+}
+
+TEST_F(SealedValue, DoesNotOpenUnderAnotherKey) {
+  const Bytes sealed = seal(bytesOf("a password"));
+  SecretBytes clear;
+  for (std::size_t bit = 0; bit < 8 * c_keySize; ++bit) {
+    SecretBytes key = keyOf(7);
+    key[bit / 8] ^= static_cast<unsigned char>(1 << (bit % 8));
+    EXPECT_FALSE(host::Sealer(key).open(sealed.data(), sealed.size(), clear)) << bit;
+  }
+}
+
+TEST_F(SealedValue, StillOpensAfterARefusalAndAfterSealing) {
+  const Bytes clear = bytesOf("a password");
+  const Bytes sealed = seal(clear);
+  Bytes broken = sealed;
+  broken.back() ^= 1;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(opens(broken));
+    EXPECT_TRUE(opens(sealed));
+    EXPECT_TRUE(opens(seal(bytesOf("another"))));
+  }
+}
+
+TEST_F(SealedValue, NeverUsesANonceTwice) {
+  std::set<Bytes> nonces;
+  const int count = 10000;
+  for (int i = 0; i < count; ++i) {
+    const Bytes sealed = seal(bytesOf("same"));
+    nonces.insert(Bytes(sealed.begin() + 1, sealed.begin() + 13));
+  }
+  EXPECT_EQ(nonces.size(), static_cast<std::size_t>(count));
+}
+
+TEST(Base64, IsTheStandardAlphabetWithPadding) {
+  EXPECT_EQ(host::toBase64({}), "");
+  EXPECT_EQ(host::toBase64(bytesOf("f")), "Zg==");
+  EXPECT_EQ(host::toBase64(bytesOf("fo")), "Zm8=");
+  EXPECT_EQ(host::toBase64(bytesOf("foo")), "Zm9v");
+  EXPECT_EQ(host::toBase64(bytesOf("foob")), "Zm9vYg==");
+  EXPECT_EQ(host::toBase64({0xFB, 0xEF, 0xBE, 0xFF, 0xFF, 0xFF}), "++++////");
+}
+
+TEST(Base64, DecodesWhatItEncodes) {
+  Bytes bytes;
+  for (int length = 0; length < 300; ++length) {
+    Bytes decoded = {1, 2, 3};
+    ASSERT_TRUE(host::fromBase64(host::toBase64(bytes), decoded)) << length;
+    EXPECT_EQ(decoded, bytes) << length;
+    bytes.push_back(static_cast<unsigned char>(length * 7));
+  }
+}
+
+TEST(Base64, TakesNoOtherTextForTheSameBytes) {
+  for (const std::string text : {"Zg", "Zg=", "Zg===", "Zh==", "Zm9=", " Zg==", "Zg== ", "Zg==\n",
+                                 "Z g==", "Zg==Zg==", "Zm9vYg==\n\n\n\n", "\n\n\n\nZm9v", "Zm-v",
+                                 "Zm_v", "=", "====", "A===", "Zm9v=", "Zm9*"}) {
+    Bytes bytes = {1, 2, 3};
+    EXPECT_FALSE(host::fromBase64(text, bytes)) << text;
+    EXPECT_EQ(bytes, (Bytes{1, 2, 3})) << text;
+  }
+  Bytes bytes;
+  EXPECT_FALSE(host::fromBase64(std::string("Zm\09", 4), bytes));
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+#ifndef TESTS_SITEHLP_PASSWORD_FIXTURE_H
+#define TESTS_SITEHLP_PASSWORD_FIXTURE_H
+
+#include <filesystem>
+#include <string>
+
+#include "host/crypto/sealed_value.h"
+#include "sitehlp/password.h"
+#include "tests/sitehlp/sites_helper_fixture.h"
+
+namespace test {
+
+class PasswordTest : public SitesHelperTest {
+ protected:
+  // The form that a document of this agent holds.
+  std::wstring sealed(const std::wstring& clear) {
+    std::wstring out;
+    EXPECT_NE(helper.EncryptPassword(clear, out), 0);
+    return out;
+  }
+  std::string sealedUtf8(const std::wstring& clear) { return narrow(sealed(clear)); }
+  static std::wstring unsealed(const std::wstring& value) {
+    std::wstring out = L"could not be recovered";
+    sitehlp::EncryptDecryptPassword(value, out, false);
+    return out;
+  }
+
+  // The key and the form of the management server. `fill` tells one key from another.
+  void storeServerKey(char fill = 'K') {
+    writeFile(agent.dataDirectory() + "/keystore/server.key", std::string(32, fill), 0600);
+    agent.apply();
+  }
+  static std::wstring serverSealed(const std::string& clear) {
+    const std::wstring value = wide(host::sealServerPassword(clear));
+    EXPECT_FALSE(value.empty());
+    return value;
+  }
+
+  // From now on the crypto service has no key to give.
+  void makeKeysUnobtainable() {
+    std::filesystem::remove_all(agent.dataDirectory() + "/keystore");
+    writeFile(agent.dataDirectory() + "/keystore", "in the way");
+    agent.apply();
+  }
+};
+
+}  // namespace test
+
+#endif

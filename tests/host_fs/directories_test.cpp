@@ -1,0 +1,71 @@
+#include <cerrno>
+
+#include "tests/host_fs/file_fixture.h"
+#include "tests/support/faulty_file_system.h"
+
+namespace {
+
+using test::FileCall;
+
+class MakeDirectories : public test::FileTest {
+ protected:
+  int make(const std::string& name) const { return host::makeDirectories(path(name), 0700); }
+};
+
+TEST_F(MakeDirectories, MakesWhatIsMissing) {
+  EXPECT_EQ(make("a/b/c"), 0);
+  EXPECT_TRUE(std::filesystem::is_directory(path("a/b/c")));
+  EXPECT_EQ(modeOf(path("a")), 0700U);
+  EXPECT_EQ(modeOf(path("a/b/c")), 0700U);
+}
+
+TEST_F(MakeDirectories, IsContentWithWhatIsThere) {
+  std::filesystem::create_directory(path("real"));
+  std::filesystem::create_symlink("real", path("link"));
+  EXPECT_EQ(make("real"), 0);
+  EXPECT_EQ(make("link"), 0);
+  EXPECT_EQ(make("link/sub//deeper/"), 0);
+  EXPECT_TRUE(std::filesystem::is_directory(path("real/sub/deeper")));
+  EXPECT_EQ(host::makeDirectories("/", 0700), 0);
+  EXPECT_EQ(host::makeDirectories(".", 0700), 0);
+}
+
+TEST_F(MakeDirectories, CountsARelativePathFromTheCurrentDirectory) {
+  const std::string before = std::filesystem::current_path();
+  std::filesystem::current_path(dir.path());
+  EXPECT_EQ(host::makeDirectories("x/y", 0700), 0);
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(std::filesystem::is_directory(path("x/y")));
+}
+
+TEST_F(MakeDirectories, TellsWhatIsInTheWay) {
+  test::writeFile(path("f"), "x");
+  std::filesystem::create_symlink("missing", path("dangling"));
+  EXPECT_EQ(make("f"), ENOTDIR);
+  EXPECT_EQ(make("f/below"), ENOTDIR);
+  EXPECT_EQ(make("dangling"), ENOENT);
+  EXPECT_EQ(host::makeDirectories("", 0700), ENOENT);
+  EXPECT_EQ(make(std::string("a\0b", 3)), EINVAL);
+}
+
+TEST_F(MakeDirectories, AcceptsThatAnotherProcessIsFaster) {
+  test::FaultyFileSystem files;
+  files.beforeEach([&](FileCall call) {
+    if (call == FileCall::MakeDirectory) std::filesystem::create_directory(path("d"));
+  });
+  EXPECT_EQ(make("d"), 0);
+}
+
+TEST_F(MakeDirectories, ReportsEachFailure) {
+  std::size_t n = 0;
+  for (;; ++n) {
+    test::FaultyFileSystem files;
+    files.failCall(n, EIO);
+    const int error = make("p" + std::to_string(n) + "/q");
+    if (files.failed().empty()) break;
+    EXPECT_EQ(error, EIO);
+  }
+  EXPECT_EQ(n, 5U);  // the directory, its parent, the one above; then both are made
+}
+
+}  // namespace

@@ -10,7 +10,7 @@ namespace sitehlp {
 namespace {
 
 tag_Site* copyRecord(const tag_Site& source) {
-  tag_Site* const copy = static_cast<tag_Site*>(std::malloc(sizeof(tag_Site)));
+  tag_Site* const copy = static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site)));
   if (copy) std::memcpy(copy, &source, sizeof(tag_Site));
   return copy;
 }

@@ -55,7 +55,9 @@ void releaseRecord(tag_Site* record) noexcept {
   std::free(record);
 }
 
-ListOwner::~ListOwner() { CSitesHelper::FreeSiteListMemory(m_head); }
+ListOwner::~ListOwner() {
+  if (m_head) CSitesHelper::FreeSiteListMemory(m_head);
+}
 
 tag_Site* ListOwner::release() {
   tag_Site* const head = m_head;

@@ -1,0 +1,155 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "tests/import/documents.h"
+#include "tests/import/log_lines.h"
+#include "tests/import/records.h"
+#include "tests/support/test_agent.h"
+
+using namespace sitehlp;
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+class CaCertificates : public testing::Test {
+ protected:
+  // The certificates that a document with this bundle gives.
+  Texts in(const std::string& bundle, int code = 0) {
+    writeFile(file, document(httpElement("a"), bundle));
+    return read(code);
+  }
+  Texts read(int code) {
+    Texts certificates;
+    agent.clearLog();
+    EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), code);
+    return certificates;
+  }
+
+  TestAgent agent;
+  TempDir dir;
+  const std::string file = dir.file("list.xml");
+  OpenHelper helper{true};
+};
+
+TEST_F(CaCertificates, comeInDocumentOrder) {
+  EXPECT_THAT(in("<CaBundle><CaCertificate>b</CaCertificate><CaCertificate>a</CaCertificate>"
+                 "<CaCertificate>b</CaCertificate></CaBundle>"),
+              ElementsAre(L"b", L"a", L"b"));
+  EXPECT_TRUE(tracedScope(agent, L"Getting Certificates"));
+  EXPECT_THAT(libraryMessages(agent), IsEmpty());
+}
+
+TEST_F(CaCertificates, otherChildrenOfTheBundleAreSkipped) {
+  EXPECT_THAT(in("<CaBundle>text<CaCertificate>1</CaCertificate>text<Other>x</Other>"
+                 "<!-- <CaCertificate>no</CaCertificate> --><CaCertificate>2</CaCertificate>"
+                 "</CaBundle>"),
+              ElementsAre(L"1", L"2"));
+}
+
+TEST_F(CaCertificates, namesAreComparedExactly) {
+  EXPECT_THAT(in("<CaBundle><cacertificate>x</cacertificate><CACERTIFICATE>y</CACERTIFICATE>"
+                 "<CaCertificates>z</CaCertificates></CaBundle>"),
+              IsEmpty());
+  EXPECT_THAT(in("<cabundle><CaCertificate>x</CaCertificate></cabundle>"), IsEmpty());
+}
+
+TEST_F(CaCertificates, theTextIsPassedOnAsItStands) {
+  EXPECT_THAT(in("<CaBundle><CaCertificate> \n-----BEGIN&amp;\n</CaCertificate>"
+                 "<CaCertificate><![CDATA[<x>]]></CaCertificate><CaCertificate/></CaBundle>"),
+              ElementsAre(L" \n-----BEGIN&\n", L"<x>", L""));
+}
+
+TEST_F(CaCertificates, onlyTheFirstBundleIsRead) {
+  EXPECT_THAT(in("<CaBundle><CaCertificate>1</CaCertificate></CaBundle>"
+                 "<CaBundle><CaCertificate>2</CaCertificate></CaBundle>"),
+              ElementsAre(L"1"));
+  EXPECT_THAT(in("<CaBundle/><CaBundle><CaCertificate>2</CaCertificate></CaBundle>"), IsEmpty());
+}
+
+TEST_F(CaCertificates, onlyChildrenOfRootAndBundleCount) {
+  EXPECT_THAT(in("<CaCertificate>loose</CaCertificate><Wrap><CaBundle><CaCertificate>deep"
+                 "</CaCertificate></CaBundle></Wrap>"),
+              IsEmpty());
+  EXPECT_THAT(in("<CaBundle><Wrap><CaCertificate>deep</CaCertificate></Wrap></CaBundle>"),
+              IsEmpty());
+}
+
+TEST_F(CaCertificates, aBundleBehindTheSiteListIsFoundAndTheRootsNameDoesNotMatter) {
+  writeFile(file, "<x><SiteList/><CaBundle><CaCertificate>1</CaCertificate></CaBundle></x>");
+  EXPECT_THAT(read(0), ElementsAre(L"1"));
+}
+
+TEST_F(CaCertificates, areAppendedToWhatTheCallerHas) {
+  writeFile(file, document("", "<CaBundle><CaCertificate>new</CaCertificate></CaBundle>"));
+  Texts certificates = {L"old"};
+  EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), 0);
+  EXPECT_THAT(certificates, ElementsAre(L"old", L"new"));
+  writeFile(file, document(""));
+  EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), 0);
+  EXPECT_THAT(certificates, ElementsAre(L"old", L"new"));
+}
+
+TEST_F(CaCertificates, anEmptyPathMeansTheHelpersOwnFile) {
+  writeFile(file, document("", "<CaBundle><CaCertificate>own</CaCertificate></CaBundle>"));
+  OpenHelper own{wide(file)};
+  Texts certificates;
+  EXPECT_EQ(own.GetCaCertificates(L"", certificates), 0);
+  EXPECT_THAT(certificates, ElementsAre(L"own"));
+  EXPECT_EQ(helper.GetCaCertificates(L"", certificates), c_errorFileMissing) << "it has none";
+}
+
+TEST_F(CaCertificates, aMissingFileTouchesNothing) {
+  Texts certificates = {L"old"};
+  EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), c_errorFileMissing);
+  EXPECT_THAT(certificates, ElementsAre(L"old"));
+}
+
+TEST_F(CaCertificates, aFileThatIsNoXmlGivesNone) {
+  for (const char* text : {"", "no markup", "   \n"}) {
+    writeFile(file, text);
+    EXPECT_THAT(read(0), IsEmpty()) << text;
+  }
+}
+
+TEST_F(CaCertificates, anIllFormedDocumentIsAParsingFailure) {
+  writeFile(file, "<a><CaBundle><CaCertificate>1</CaCertificate></CaBundle>");
+  EXPECT_THAT(read(c_errorParse), IsEmpty());
+}
+
+TEST_F(CaCertificates, bytesThatCannotBeReadAreAReadFailure) {
+  std::filesystem::create_directory(file);
+  EXPECT_THAT(read(c_errorRead), IsEmpty());
+  std::filesystem::remove(file);
+  writeFile(file, "<a>\xff\xfe\xff</a>");
+  EXPECT_THAT(read(c_errorRead), IsEmpty());
+}
+
+TEST_F(CaCertificates, aDocumentOverALimitIsAReadWriteFailureOfTheParser) {
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) deep += "<a>";
+  for (int i = 0; i < 100000; ++i) deep += "</a>";
+  writeFile(file, deep);
+  EXPECT_THAT(read(c_errorWrite), IsEmpty());
+}
+
+TEST_F(CaCertificates, everyEncodingIsRead) {
+  const std::string text = document("", "<CaBundle><CaCertificate>1</CaCertificate></CaBundle>");
+  std::string utf16 = "\xff\xfe";
+  for (const char c : text.substr(text.find("<ns:"))) (utf16 += c) += '\0';
+  writeFile(file, utf16);
+  EXPECT_THAT(read(0), ElementsAre(L"1"));
+}
+
+TEST_F(CaCertificates, theRecordsAndPoliciesOfTheHelperStay) {
+  writeFile(file, document("", policies("p", "v")));
+  read(0);
+  EXPECT_TRUE(helper.m_policySettings.empty());
+  EXPECT_TRUE(helper.m_strCurrentFile.empty());
+}
+
+}  // namespace

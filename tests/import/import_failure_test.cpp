@@ -1,0 +1,231 @@
+#include <filesystem>
+
+#include "tests/import/import_fixture.h"
+#include "tests/import/key_file_system.h"
+
+using namespace sitehlp;
+using namespace test;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+// What fails for an installation fails for an import in the same way.
+class IncomingFailure : public ImportFixture, public testing::WithParamInterface<bool> {
+ protected:
+  int bringIn() { return GetParam() ? import() : install(); }
+
+  // Expects the code and, apart from the trace, these lines, and that nothing changed on disk.
+  void expectRefusal(int code, const std::vector<LogLine>& lines) {
+    const auto before = onDisk();
+    EXPECT_EQ(bringIn(), code);
+    EXPECT_THAT(libraryMessages(agent), ElementsAreArray(lines));
+    EXPECT_EQ(onDisk(), before);
+    EXPECT_THAT(snapshot(agent.dataDirectory() + "/mesh"), IsEmpty());
+  }
+  LogLine invalid(const std::string& path) const { return errorLine(wide(path) + L" is invalid"); }
+  LogLine cannotWrite(const std::string& path) const {
+    return errorLine(L"Can't write " + wide(path));
+  }
+  const LogLine otherSet = infoLine(L"There could be another set of key files to be used.");
+};
+
+INSTANTIATE_TEST_SUITE_P(Way, IncomingFailure, testing::Values(false, true),
+                         [](const testing::TestParamInfo<bool>& way) {
+                           return way.param ? "import" : "install";
+                         });
+
+TEST_P(IncomingFailure, theFileIsMissing) {
+  expectRefusal(c_errorFileMissing, {errorLine(L"Failed hr=-4")});
+}
+
+TEST_P(IncomingFailure, noFileIsNamed) {
+  const auto before = onDisk();
+  agent.clearLog();
+  EXPECT_EQ(GetParam() ? helper->ImportSiteList(L"", L"") : helper->InstallSiteList(L"", L""),
+            c_errorGeneral);
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(internalErrorLine(L"path is empty")));
+  EXPECT_EQ(onDisk(), before);
+}
+
+TEST_P(IncomingFailure, theFileIsIllFormed) {
+  incomingList("<ns:SiteLists><SiteList>");
+  expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
+  incomingList("no markup at all");
+  expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
+}
+
+TEST_P(IncomingFailure, theFileIsADirectory) {
+  std::filesystem::create_directory(src);
+  expectRefusal(c_errorRead, {errorLine(L"Failed hr=-10")});
+}
+
+TEST_P(IncomingFailure, theFileEndsWithAnUnknownElement) {
+  incomingList(document(httpElement("a") + "<Unheard/>"));
+  expectRefusal(c_errorGeneral, {errorLine(L"Failed hr=-1")});
+}
+
+TEST_P(IncomingFailure, theKeyDirectoryLacksThePublicKey) {
+  incomingList(document(httpElement("a")));
+  expectRefusal(c_errorGeneral, beginning());
+}
+
+TEST_P(IncomingFailure, thePublicKeyInTheKeyDirectoryIsEmpty) {
+  incomingList(document(httpElement("a")));
+  const std::string key = keyDir.file("srpubkey.bin");
+  writeFile(key, "");
+  expectRefusal(c_errorGeneral, joined(beginning(), {invalid(key), otherSet}));
+}
+
+TEST_P(IncomingFailure, thePublicKeyInTheKeyDirectoryCannotBeRead) {
+  incomingList(document(httpElement("a")));
+  std::filesystem::create_directory(keyDir.file("srpubkey.bin"));
+  expectRefusal(c_errorGeneral, beginning());
+}
+
+TEST_P(IncomingFailure, theKeysBesideTheListAreMissing) {
+  incomingList(document(serverElement("s", "5.1")));
+  writeFile(keyDir.file("srpubkey.bin"), "not consulted");
+  expectRefusal(c_errorGeneral, beginning());
+}
+
+TEST_P(IncomingFailure, noSetOfKeysIsComplete) {
+  incomingList(document(serverElement("s", "5.1")));
+  writeFile(incoming.file("srpubkey.bin"), "p");
+  writeFile(incoming.file("req2048seckey.bin"), "r");
+  expectRefusal(c_errorGeneral, beginning());
+}
+
+TEST_P(IncomingFailure, theKeysBesideTheListAreEmpty) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys();
+  writeFile(incoming.file("srpubkey.bin"), "");
+  writeFile(incoming.file("req2048seckey.bin"), "");
+  expectRefusal(c_errorGeneral,
+                joined(beginning(), {invalid(incoming.file("req2048seckey.bin")), otherSet,
+                                     invalid(incoming.file("srpubkey.bin")), otherSet}));
+}
+
+TEST_P(IncomingFailure, aDestinationKeyIsReadOnly) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys();
+  for (const char* name :
+       {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin", "req2048seckey.bin"}) {
+    writeFile(agent.etc(name), "old");
+    KeyFileSystem files;
+    files.readOnly = {agent.etc(name)};
+    expectRefusal(c_errorGeneral, joined(beginning(), {cannotWrite(agent.etc(name))}));
+  }
+}
+
+TEST_P(IncomingFailure, theListInPlaceIsReadOnly) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys();
+  KeyFileSystem files;
+  files.readOnly = {own};
+  expectRefusal(c_errorGeneral, joined(beginning(), {cannotWrite(own)}));
+}
+
+TEST_P(IncomingFailure, aDestinationKeyIsADirectoryAndTheKeysBeforeItStay) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys();
+  std::filesystem::create_directory(agent.etc("reqseckey.bin"));
+  const std::string former = readFile(own);
+  EXPECT_EQ(bringIn(), c_errorGeneral);
+  EXPECT_THAT(libraryMessages(agent), ElementsAreArray(beginning()));
+  EXPECT_EQ(onDisk(),
+            (std::map<std::string, std::string>{{"SiteList.xml", former},
+                                                {"srpubkey.bin", "srpubkey.bin"},
+                                                {"sr2048pubkey.bin", "sr2048pubkey.bin"}}));
+  EXPECT_THAT(snapshot(agent.dataDirectory() + "/mesh"), IsEmpty());
+}
+
+TEST_P(IncomingFailure, theDestinationDirectoryCannotBeMade) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys();
+  helper->m_strSiteListFile = wide(own) + L"/below/SiteList.xml";
+  const auto before = onDisk();
+  EXPECT_EQ(bringIn(), c_errorGeneral);
+  EXPECT_THAT(libraryMessages(agent),
+              ElementsAre(detailLine(L"Import sitelist from " + wide(src) + L" to " +
+                                     helper->m_strSiteListFile),
+                          detailLine(L"Original local version of " + wide(src) + L" is L1")));
+  EXPECT_EQ(onDisk(), before);
+}
+
+TEST_P(IncomingFailure, theListCannotBeWrittenAndTheKeysStay) {
+  incomingList(document(serverElement("s", "5.1")));
+  incomingKeys("new ");
+  const std::string former = readFile(own);
+  KeyFileSystem files;
+  files.irreplaceable = {"SiteList.xml"};
+  EXPECT_EQ(bringIn(), c_errorGeneral);
+  // The mesh service's copy fails in the same way here.
+  EXPECT_THAT(
+      libraryMessages(agent),
+      ElementsAreArray(joined(beginning(), {errorLine(L"Failed to write mesh service sitelist."),
+                                            errorLine(L"CreateSiteList failed hr=-11")})));
+  EXPECT_EQ(onDisk(),
+            (std::map<std::string, std::string>{{"SiteList.xml", former},
+                                                {"srpubkey.bin", "new srpubkey.bin"},
+                                                {"reqseckey.bin", "new reqseckey.bin"},
+                                                {"sr2048pubkey.bin", "new sr2048pubkey.bin"},
+                                                {"req2048seckey.bin", "new req2048seckey.bin"}}));
+}
+
+TEST_P(IncomingFailure, aDirectoryInThePlaceOfTheListLeavesTheMeshServiceWithTheNewOne) {
+  incomingList(document(httpElement("a")));
+  writeFile(keyDir.file("srpubkey.bin"), "key");
+  std::filesystem::remove(own);
+  std::filesystem::create_directory(own);
+  EXPECT_EQ(bringIn(), c_errorGeneral);
+  EXPECT_THAT(libraryMessages(agent),
+              ElementsAreArray(
+                  joined(beginning(), {meshLine, errorLine(L"CreateSiteList failed hr=-11")})));
+  EXPECT_EQ(onDisk(), (std::map<std::string, std::string>{{"srpubkey.bin", "key"}}));
+  EXPECT_TRUE(exists(agent.dataDirectory() + "/mesh/SiteList.xml"));
+}
+
+class InternalImport : public ImportFixture {
+ protected:
+  int bringIn(const std::string& from, const SiteChain& sites) {
+    agent.clearLog();
+    return helper->InternalImportSiteList(wide(from), sites.head(), L"");
+  }
+};
+
+TEST_F(InternalImport, writesTheRecordsItIsGiven) {
+  incomingList(document(httpElement("in the file")));
+  const SiteChain sites{httpSite(L"given"), ftpSite(L"too")};
+  EXPECT_EQ(bringIn(src, sites), 0);
+  EXPECT_THAT(installedNames(), ElementsAre(L"given", L"too"));
+  EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
+}
+
+TEST_F(InternalImport, failsWithTheCodeOfTheVersions) {
+  const SiteChain sites{httpSite(L"given")};
+  const auto before = onDisk();
+  EXPECT_EQ(bringIn(src, sites), c_errorFileMissing);
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Get version failed hr=-4")));
+  incomingList("<ns:SiteLists>");
+  EXPECT_EQ(bringIn(src, sites), c_errorGeneral);
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Get version failed hr=-1")));
+  EXPECT_EQ(bringIn(incoming.path(), sites), c_errorRead);
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Get version failed hr=-10")));
+  EXPECT_EQ(onDisk(), before);
+}
+
+TEST_F(InternalImport, aLastRecordOfUnknownKindIsAFailureAlthoughTheListIsWritten) {
+  incomingList(document(httpElement("a")));
+  tag_Site unknown = httpSite(L"unknown");
+  unknown.eSiteKind = 9;
+  const SiteChain sites{httpSite(L"given"), unknown};
+  EXPECT_EQ(bringIn(src, sites), c_errorGeneral);
+  EXPECT_THAT(
+      libraryMessages(agent),
+      ElementsAreArray(joined(beginning(), {meshLine, errorLine(L"CreateSiteList failed hr=-1")})));
+  EXPECT_THAT(installedNames(), ElementsAre(L"given"));
+}
+
+}  // namespace

@@ -91,11 +91,14 @@ int CSitesHelper::MergeThisSiteList(tag_Site* source, bool skipProxy, tag_Site**
   if (!source || !tail || !head) return c_errorNoPath;
   int result = c_success;
   for (; source; source = source->pNext) {
-    if (!isKept(*source, skipProxy)) continue;
     tag_Site* const copy = copyRecord(*source);
     if (!copy) {
       result = c_errorNoMemory;
       break;
+    }
+    if (!isKept(*copy, skipProxy)) {
+      releaseRecord(copy);
+      continue;
     }
     if (*tail) {
       (*tail)->pNext = copy;

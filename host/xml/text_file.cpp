@@ -1,10 +1,10 @@
 #include "host/xml/text_file.h"
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "host/common/encoding.h"
+#include "host/common/failure_text.h"
 #include "host/fs/files.h"
 #include "host/xml/limits.h"
 #include "host/xml/text_encoding.h"
@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void fail(int errorCode, const std::string& path, int systemError) {
   throw ReadWriteException(errorCode, systemError,
-                           path + ": " + std::generic_category().message(systemError));
+                           path + ": " + host::errorText(systemError));
 }
 
 [[noreturn]] void failAsInvalid(const std::string& what) {

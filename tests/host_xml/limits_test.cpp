@@ -1,0 +1,157 @@
+#include "host/xml/limits.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/host_xml/documents.h"
+
+namespace {
+
+using namespace AdvXMLParser;
+using test::parse;
+using test::repeated;
+
+// The place where the limit was passed.
+std::pair<unsigned long, unsigned long> overLimit(const std::string& xml) {
+  try {
+    parse(xml);
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::LIMIT_EXCEEDED);
+    EXPECT_EQ(e.GetSystemError(), 0);
+    return {e.GetLine(), e.GetColumn()};
+  }
+  ADD_FAILURE() << "accepted";
+  return {};
+}
+
+using Place = std::pair<unsigned long, unsigned long>;
+
+std::string nested(std::size_t depth) { return repeated("<a>", depth) + repeated("</a>", depth); }
+
+TEST(DepthLimit, allowsTheDeepestDocument) {
+  const test::DocumentPtr document = parse(nested(host::c_maxDepth));
+  ASSERT_NE(document, nullptr);
+  std::size_t depth = 0;
+  for (Element e = document->GetRoot(); !e.IsNull(); e = e.GetElement(L"a")) ++depth;
+  EXPECT_EQ(depth, host::c_maxDepth);
+}
+
+TEST(DepthLimit, refusesOneElementMore) {
+  EXPECT_EQ(overLimit(nested(host::c_maxDepth + 1)), Place(1, host::c_maxDepth * 3 + 1));
+}
+
+TEST(DepthLimit, countsDepthAndNotElements) {
+  EXPECT_NE(parse("<r>" + repeated("<a><b/></a>", host::c_maxDepth * 2) + "</r>"), nullptr);
+}
+
+std::string withAttributes(std::size_t count) {
+  std::string xml = "<a>\n<b";
+  for (std::size_t i = 0; i < count; ++i) xml += " n" + std::to_string(i) + "='v'";
+  return xml + "/></a>";
+}
+
+TEST(AttributeLimit, allowsTheMostAttributes) {
+  const test::DocumentPtr document = parse(withAttributes(host::c_maxAttributes));
+  ASSERT_NE(document, nullptr);
+  std::size_t count = 0;
+  for (const Attribute attribute : document->GetRoot().GetElement(L"b").Attributes()) {
+    count += !attribute.IsEmpty();
+  }
+  EXPECT_EQ(count, host::c_maxAttributes);
+}
+
+TEST(AttributeLimit, refusesOneAttributeMore) {
+  EXPECT_EQ(overLimit(withAttributes(host::c_maxAttributes + 1)), Place(2, 1));
+}
+
+TEST(AttributeLimit, countsTheAttributesOfOneElement) {
+  const std::string child = withAttributes(host::c_maxAttributes);
+  EXPECT_NE(parse("<r>" + child + child + "</r>"), nullptr);
+}
+
+struct Token {
+  const char* before;
+  const char* after;
+  std::size_t markup;  // of the token itself
+};
+
+class TokenLimit : public testing::TestWithParam<Token> {
+ protected:
+  std::string document(std::size_t length) const {
+    const Token& token = GetParam();
+    return std::string("<r>\n") + token.before + std::string(length - token.markup, 'x') +
+           token.after + "</r>";
+  }
+};
+
+TEST_P(TokenLimit, allowsTheLongestToken) {
+  const test::DocumentPtr document = parse(this->document(host::c_maxTokenBytes));
+  ASSERT_NE(document, nullptr);
+  EXPECT_GE(document->GenerateXML(false).size(), host::c_maxTokenBytes);
+}
+
+TEST_P(TokenLimit, refusesOneByteMore) {
+  EXPECT_EQ(overLimit(document(host::c_maxTokenBytes + 1)).first, 2u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, TokenLimit,
+                         testing::Values(Token{"<a b='", "'/>", 9}, Token{"<", "/>", 3},
+                                         Token{"<a ", "=''/>", 8}, Token{"<!--", "-->", 7},
+                                         Token{"<?p ", "?>", 6}, Token{"<a>", "</a>", 0},
+                                         Token{"<a><![CDATA[", "]]></a>", 0}),
+                         [](const testing::TestParamInfo<Token>& param) {
+                           return std::to_string(param.index);
+                         });
+
+TEST(TokenLimit, countsBytesAndNotCharacters) {
+  const std::string euros = repeated("\xE2\x82\xAC", host::c_maxTokenBytes / 3);
+  EXPECT_NE(parse("<r>" + euros + "</r>"), nullptr);
+  overLimit("<r>" + euros + "\xE2\x82\xAC</r>");
+}
+
+TEST(TokenLimit, countsARunOfTextWholeWhateverItIsMadeOf) {
+  const std::string lines = repeated("&amp;\n", host::c_maxTokenBytes / 2);
+  EXPECT_NE(parse("<r>" + lines + "</r>"), nullptr);
+  overLimit("<r>" + lines + "x</r>");
+}
+
+TEST(TokenLimit, countsEachRunOfTextForItself) {
+  const std::string text(host::c_maxTokenBytes - 1, 'x');
+  EXPECT_NE(parse("<r>" + text + "<a/>" + text + "<![CDATA[" + text + "]]>" + text + "</r>"),
+            nullptr);
+}
+
+TEST(TokenLimit, holdsAroundTheRootToo) {
+  const std::string space(host::c_maxTokenBytes - 1, ' ');
+  EXPECT_NE(parse(space + "<r/>" + space), nullptr);
+  overLimit("<r/>" + space + "  ");
+}
+
+// Comments of four-byte characters make a document of `size` bytes out of few characters.
+std::wstring documentOfBytes(std::size_t size) {
+  const std::size_t commentBytes = 7 + 4 * 200000;
+  const std::wstring comment = L"<!--" + std::wstring(200000, L'\x1F600') + L"-->";
+  std::wstring text = L"<r>";
+  std::size_t bytes = 7;
+  for (; bytes + commentBytes <= size; bytes += commentBytes) text += comment;
+  for (; bytes < size; ++bytes) text += L' ';
+  return text + L"</r>";
+}
+
+TEST(DocumentLimit, allowsTheLargestText) {
+  const test::DocumentPtr document = parse(documentOfBytes(host::c_maxDocumentBytes));
+  EXPECT_NE(document, nullptr);
+}
+
+TEST(DocumentLimit, refusesOneByteMore) {
+  const std::wstring text = documentOfBytes(host::c_maxDocumentBytes + 1);
+  try {
+    parse(text);
+    ADD_FAILURE() << "accepted";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::LIMIT_EXCEEDED);
+    EXPECT_EQ(e.GetLine(), 0u);
+    EXPECT_STREQ(e.what(), "document over the limit: number of bytes");
+  }
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "tests/host_xml/documents.h"
+
+namespace {
+
+using namespace AdvXMLParser;
+using test::parse;
+
+void expectRefusedAt(const std::wstring& text, unsigned long line, unsigned long column,
+                     const std::string& reason) {
+  try {
+    parse(text);
+    ADD_FAILURE() << "accepted";
+  } catch (const ParsingException& e) {
+    EXPECT_EQ(e.GetLine(), line);
+    EXPECT_EQ(e.GetColumn(), column);
+    EXPECT_EQ(e.GetReason(), reason);
+    EXPECT_EQ(e.what(), "line " + std::to_string(line) + ", column " + std::to_string(column) +
+                            ": " + reason);
+  }
+}
+
+TEST(Parser, givesNothingForATextWithoutMarkup) {
+  EXPECT_EQ(Parser().Parse(nullptr, 0), nullptr);
+  for (const wchar_t* text : {L"", L" ", L" \t\r\n", L"invalid", L"  text <a/>", L"&lt;a/>",
+                              L"\xFEFF<a/>", L"\xA0<a/>", L"\x0B<a/>"}) {
+    EXPECT_EQ(parse(std::wstring(text)), nullptr) << test::narrow(text);
+  }
+  EXPECT_EQ(parse(std::wstring(L"\0<a/>", 5)), nullptr);
+}
+
+TEST(Parser, readsExactlyTheGivenLength) {
+  const wchar_t text[] = L"<a/><b/>";
+  const test::DocumentPtr document(Parser().Parse(text, 4));
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->GetRoot().GetName(), L"a");
+  EXPECT_THROW(Parser().Parse(text, 3), ParsingException);
+}
+
+TEST(Parser, tellsWhereAndWhyATextIsNotWellFormed) {
+  expectRefusedAt(L"<a>\n<b></c></a>", 2, 6, "mismatched tag");
+  expectRefusedAt(L"<a>\r\n\r\n  &x;</a>", 3, 3, "undefined entity");
+  expectRefusedAt(L"<a>\x20AC\x1F600&x;</a>", 1, 6, "undefined entity");
+  expectRefusedAt(L"<a>", 1, 4, "no element found");
+  expectRefusedAt(L"<a b='1' b='2'/>", 1, 10, "duplicate attribute");
+}
+
+TEST(Parser, refusesADocumentTypeBeforeItReadsOn) {
+  expectRefusedAt(L"<!DOCTYPE a><a/>", 1, 12, "document type declaration");
+  // What follows is not well formed either, but nobody gets that far.
+  expectRefusedAt(L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [ <<< ", 2, 13,
+                  "document type declaration");
+}
+
+TEST(Parser, refusesZeroCharactersWhereTheyStand) {
+  expectRefusedAt(std::wstring(L"<a>\n12\0</a>", 11), 2, 3, "not well-formed (invalid token)");
+  EXPECT_THROW(parse(std::wstring(L"<a>\0</a>", 8)), ParsingException);
+  EXPECT_THROW(parse(std::wstring(L"<a\0/>", 5)), ParsingException);
+  EXPECT_THROW(parse(std::wstring(L"<a/>\0", 5)), ParsingException);
+  EXPECT_THROW(parse(std::wstring(L"<a b='\0'/>", 10)), ParsingException);
+  EXPECT_THROW(parse(std::wstring(L"<!--\0--><a/>", 12)), ParsingException);
+}
+
+TEST(Parser, refusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
+  for (const std::uint32_t value : {0xD800u, 0xDBFFu, 0xDC00u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
+    const std::wstring bad(1, static_cast<wchar_t>(value));
+    expectRefusedAt(L"<a>\n12" + bad + L"</a>", 2, 3, "not well-formed (invalid token)");
+    EXPECT_THROW(parse(L"<a>" + bad), ParsingException);
+    EXPECT_THROW(parse(L"<a/>" + bad), ParsingException);
+    EXPECT_THROW(parse(L"<a b='" + bad + L"'/>"), ParsingException);
+    EXPECT_THROW(parse(L"<" + bad + L"/>"), ParsingException);
+  }
+  EXPECT_THROW(parse(std::wstring(L"<a>\xD83D\xDE00</a>")), ParsingException);
+}
+
+TEST(Parser, reportsTheFirstFault) {
+  const std::wstring bad(1, static_cast<wchar_t>(0xD800));
+  expectRefusedAt(L"<a></b>" + bad, 1, 6, "mismatched tag");
+}
+
+// The text is handed over in pieces; nothing may depend on where they end.
+TEST(Parser, readsTextAcrossThePiecesItIsConvertedIn) {
+  for (const std::size_t length :
+       {65530u, 65531u, 65532u, 65533u, 65534u, 65535u, 65536u, 65537u, 131071u, 200000u}) {
+    std::wstring value(length, L'x');
+    for (std::size_t i = 0; i < length; i += 7) value[i] = static_cast<wchar_t>(0x1F600 + i % 50);
+    const test::DocumentPtr document =
+        parse(L"<a b='" + value + L"'>" + value + L"<!--" + value + L"--><c/></a>");
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(document->GetRoot().GetValue() == value) << length;
+    EXPECT_TRUE(document->GetRoot().GetAttribute(L"b").GetValue() == value) << length;
+    EXPECT_FALSE(document->GetRoot().GetElement(L"c").IsNull()) << length;
+  }
+}
+
+TEST(Parser, tellsThePlaceOfAFaultInALaterPiece) {
+  const std::wstring lines(150000, L'\n');
+  expectRefusedAt(L"<a>" + lines + L"12\xFFFF</a>", 150001, 3, "not well-formed (invalid token)");
+  const std::wstring bad(1, static_cast<wchar_t>(0xDFFF));
+  expectRefusedAt(L"<a>" + lines + L"12" + bad + L"</a>", 150001, 3,
+                  "not well-formed (invalid token)");
+}
+
+TEST(Parser, keepsDocumentsApart) {
+  const test::DocumentPtr first = parse(std::wstring(L"<a>1</a>"));
+  const test::DocumentPtr second = parse(std::wstring(L"<a>2</a>"));
+  first->GetRoot().AddText(L"x");
+  EXPECT_EQ(second->GetRoot().GetValue(), L"2");
+  EXPECT_EQ(first->GetRoot().GetValue(), L"1x");
+}
+
+TEST(Parser, survivesARefusedDocument) {
+  Parser parser;
+  const std::wstring bad = L"<a>";
+  const std::wstring good = L"<a/>";
+  EXPECT_THROW(parser.Parse(bad.data(), bad.size()), ParsingException);
+  const test::DocumentPtr document(parser.Parse(good.data(), good.size()));
+  EXPECT_NE(document, nullptr);
+}
+
+// Entities that name a file must not make the parser open it. A file name in the working directory
+// would be resolved if anything were.
+TEST(Parser, neverReadsAnotherFile) {
+  const test::TempDir directory;
+  test::writeFile(directory.file("secret"), "opened");
+  const std::string path = directory.file("secret");
+  for (const std::string& xml : {
+           "<!DOCTYPE a [<!ENTITY x SYSTEM \"file://" + path + "\">]><a>&x;</a>",
+           "<!DOCTYPE a [<!ENTITY x SYSTEM \"" + path + "\">]><a>&x;</a>",
+           "<!DOCTYPE a SYSTEM \"" + path + "\"><a/>",
+           "<!DOCTYPE a [<!ENTITY % p SYSTEM \"" + path + "\"> %p;]><a/>",
+       }) {
+    try {
+      parse(xml);
+      ADD_FAILURE() << xml;
+    } catch (const ParsingException& e) {
+      EXPECT_EQ(e.GetReason(), "document type declaration") << xml;
+    }
+  }
+  const test::DocumentPtr document =
+      parse("<?xml-stylesheet href=\"file://" + path +
+            "\"?><a xmlns:xi=\"http://www.w3.org/2001/XInclude\"><xi:include href=\"" + path +
+            "\"/></a>");
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->GenerateXML(false).find(L"opened"), std::wstring::npos);
+}
+
+}  // namespace

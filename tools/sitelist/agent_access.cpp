@@ -1,0 +1,101 @@
+#include "tools/sitelist/agent_access.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include "host/agent.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/log_record.h"
+#include "tools/sitelist/text.h"
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+host::AgentSettings settingsOf(const Context& context) {
+  try {
+    return host::readAgentSettings(context.agentDirectory);
+  } catch (const host::SettingsError& e) {
+    throw Failure(exitDocument, shown(std::string(e.what())) +
+                                    "\n  next: mend the settings file, or move it away and run "
+                                    "`sitelist init`");
+  }
+}
+
+std::string makeTemporaryDirectory() {
+  std::string pattern = (fs::temp_directory_path() / "sitelist-XXXXXX").string();
+  if (!::mkdtemp(pattern.data())) {
+    throw Failure(exitFile, shown(pattern) + ": cannot make a temporary directory: " +
+                                std::generic_category().message(errno) +
+                                "\n  next: make room there, or set TMPDIR to another directory");
+  }
+  return pattern;
+}
+
+}  // namespace
+
+std::string ownListPath(const Context& context) {
+  return context.agentDirectory + "/etc/SiteList.xml";
+}
+
+void serveAgent(const Context& context) {
+  std::error_code error;
+  if (!fs::is_directory(context.agentDirectory, error)) {
+    throw Failure(exitFile, shown(context.agentDirectory) +
+                                ": there is no agent data directory\n  next: name the agent's with "
+                                "--agent-dir, or make one with `sitelist init`");
+  }
+  host::setAgent(settingsOf(context));
+  recordLog(context.verbose);
+}
+
+PrivateAgent::PrivateAgent(const Context& context, Relation relation)
+    : m_directory(makeTemporaryDirectory()) {
+  host::AgentSettings settings;
+  if (relation == InPlaceOfReal) settings = settingsOf(context);
+  settings.dataDirectory = m_directory;
+  settings.meshSiteListPath.clear();
+  settings.meshLoadCommand = {"/bin/sh", "-c", ":"};
+  std::error_code error;
+  fs::create_directory(m_directory + "/mesh", error);
+  const std::string keystore = context.agentDirectory + "/keystore";
+  if (relation == InPlaceOfReal && fs::exists(keystore + "/password.key", error)) {
+    fs::create_directory_symlink(keystore, m_directory + "/keystore", error);
+  }
+  host::setAgent(settings);
+  recordLog(context.verbose);
+}
+
+PrivateAgent::~PrivateAgent() {
+  std::error_code ignored;
+  fs::remove_all(m_directory, ignored);
+}
+
+AgentForReading::AgentForReading(const Context& context, const std::string& file)
+    : m_path(file.empty() ? ownListPath(context) : file) {
+  if (file.empty()) {
+    serveAgent(context);
+  } else {
+    m_private.emplace(context);
+  }
+}
+
+AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
+  // Passwords are written under the agent's key, so it must be there to stay.
+  serveAgent(context);
+  std::error_code error;
+  if (fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error)) {
+    return;
+  }
+  if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
+    throw Failure(exitCrypto, shown(context.agentDirectory) +
+                                  "/keystore/password.key: the agent has no password key\n  next: "
+                                  "make the agent with `sitelist init`");
+  }
+  m_private.emplace(context);
+  if (file.empty()) m_path = m_private->directory() + "/SiteList.xml";
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+#include "tools/sitelist/incoming.h"
+
+namespace tool {
+
+void addImport(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("import", "Check an incoming site list and make it the agent's own");
+  const auto options = std::make_shared<IncomingOptions>();
+  options->isChecked = true;
+  addIncomingOptions(*command, *options);
+  command->footer(
+      "The management server is checked when the agent is under central management; see `sitelist "
+      "validate --help`.\n\n"
+      "Examples:\n"
+      "  sitelist import incoming/SiteList.xml\n"
+      "  sitelist import --dry-run incoming/SiteList.xml\n"
+      "  sitelist import --keys ./keys lists/old-server.xml\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return takeIncoming(context, *options); };
+  });
+}
+
+}  // namespace tool

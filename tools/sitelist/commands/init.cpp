@@ -1,0 +1,129 @@
+#include <cerrno>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+#include "host/agent.h"
+#include "host/fs/files.h"
+#include "platform/crypto/crypt_shim.h"
+#include "platform/lock/interprocess_lock.h"
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/log_record.h"
+#include "tools/sitelist/text.h"
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+struct Options {
+  bool managed = false;
+  bool hasMeshCommand = false;
+  std::string meshPath;
+};
+
+Failure cannotMake(const std::string& path, const std::string& reason) {
+  return Failure(exitFile, shown(path) + ": cannot be made: " + reason +
+                               "\n  next: check the path and that you may write there");
+}
+
+void makeDirectory(const std::string& path) {
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) throw cannotMake(path, error.message());
+}
+
+void makeLocks(const Context& context) {
+  using korvel_com::orb::lock::InterProcessWriteLock;
+  for (const char* name : {sitehlp::c_siteListLock, sitehlp::smartSiteListLock}) {
+    if (!InterProcessWriteLock(name).lock(0x7FFFFFFF)) {
+      throw cannotMake(context.agentDirectory + "/locks", "no lock can be had there");
+    }
+  }
+}
+
+void makePasswordKey(const Context& context) {
+  using namespace korvel_com::ZQ::crypto;
+  IEncryption* const object =
+      CryptShim::instance()->create_encryption_object(ENCRYPTION_TYPE_PASSWORD);
+  CryptShim::instance()->destroy_encryption_object(object);
+  if (!object) {
+    throw Failure(exitCrypto, shown(context.agentDirectory) +
+                                  "/keystore: the password key cannot be made\n  next: check that "
+                                  "you may write there");
+  }
+}
+
+host::AgentSettings settingsFrom(const Context& context, const Options& options) {
+  host::AgentSettings settings;
+  settings.dataDirectory = context.agentDirectory;
+  settings.managed = options.managed;
+  settings.meshLoadCommand = context.meshCommand;
+  if (!options.meshPath.empty()) {
+    settings.meshSiteListPath = fs::absolute(options.meshPath).lexically_normal().string();
+  }
+  if (options.hasMeshCommand &&
+      (context.meshCommand.empty() || !fs::path(context.meshCommand.front()).is_absolute())) {
+    throw Failure(exitUsage,
+                  "--mesh-command: no program with its full path\n  next: write --mesh-command "
+                  "/full/path/of/program ARG... at the end of the line");
+  }
+  return settings;
+}
+
+// The settings file comes last: an attempt that failed half-way can be repeated.
+int init(const Context& context, const Options& options) {
+  const std::string& directory = context.agentDirectory;
+  const std::string settingsFile = directory + "/agent.toml";
+  const host::AgentSettings settings = settingsFrom(context, options);
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(settingsFile, error))) {
+    throw Failure(exitFile, shown(settingsFile) +
+                                ": there is an agent already\n  next: edit this file to change its "
+                                "settings, or name another directory with --agent-dir");
+  }
+  for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);
+  fs::permissions(directory + "/keystore", fs::perms::owner_all, error);
+  host::setAgent(settings);
+  recordLog(context.verbose);
+  makeLocks(context);
+  makePasswordKey(context);
+  const std::string text = host::formatAgentSettings(settings);
+  const int failed = host::replaceFile(settingsFile, text.data(), text.size(), 0644);
+  if (failed != 0) throw cannotMake(settingsFile, std::generic_category().message(failed));
+  std::cerr << "sitelist: made a" << (options.managed ? " managed" : "n unmanaged") << " agent in "
+            << shown(directory) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addInit(CLI::App& app, Context& context) {
+  CLI::App* const command = app.add_subcommand(
+      "init", "Make an agent's data directory with its settings, locks and password key");
+  const auto options = std::make_shared<Options>();
+  command->add_flag("--managed", options->managed, "The agent is under central management");
+  command
+      ->add_option("--mesh-path", options->meshPath,
+                   "The mesh service's copy of the list, if not mesh/SiteList.xml in the directory")
+      ->type_name("PATH");
+  // What follows the program was taken off the command line before; see Context::meshCommand.
+  command->add_flag(
+      "--mesh-command", options->hasMeshCommand,
+      "PROGRAM ARG... that makes the mesh service load its copy; the program by its full "
+      "path. All that follows belongs to it, so it comes last.");
+  command->footer(
+      "Refuses to touch a directory that has an agent.toml.\n\n"
+      "Examples:\n"
+      "  sitelist --agent-dir ./agent init\n"
+      "  sitelist --agent-dir ./agent init --managed \\\n"
+      "      --mesh-command /usr/bin/logger -t mesh 'new site list'\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return init(context, *options); };
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,93 @@
+#include <iostream>
+
+#include "host/fs/files.h"
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string first;
+  std::string second;
+  std::string output;
+};
+
+SiteList readSource(const std::string& path) {
+  SiteList list = readWholeSiteList(path);
+  refuseLostPasswords(path);
+  return list;
+}
+
+// What is not a site comes from the list that the sites go into: the second or the agent's own. The
+// result is a new copy, so its local version is left for the library to make.
+SiteList mergeLists(const std::string& ownList, const Options& options) {
+  SiteList first;
+  SiteList base;
+  if (!options.first.empty()) first = readSource(options.first);
+  base = readSource(options.second.empty() ? ownList : options.second);
+
+  sitehlp::CSitesHelper helper(wide(ownList));
+  const bool useSecond = !options.second.empty();
+  sitehlp::tag_Site* merged = nullptr;
+  const int result = helper.MergeSiteLists(
+      first.sites.get(), useSecond ? base.sites.get() : nullptr, useSecond, &merged);
+  base.sites.reset(merged);
+  base.localVersion.clear();
+  if (result != 0) throw libraryFailure(ownList, result);
+  if (useSecond && options.first.empty()) refuseLostPasswords(ownList);
+  return base;
+}
+
+void print(const std::string& path) {
+  std::string bytes;
+  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
+  if (host::readRegularFile(path, noLimit, bytes) != 0) {
+    throw libraryFailure(path, sitehlp::c_errorRead);
+  }
+  std::cout << bytes << '\n';
+}
+
+int merge(const Context& context, const Options& options) {
+  const AgentForWriting agent(context, options.output);
+  SiteList merged = mergeLists(ownListPath(context), options);
+  writeSiteList(merged, agent.path());
+  if (options.output.empty()) {
+    print(agent.path());
+  } else {
+    std::cerr << "sitelist: wrote " << countSites(merged.sites.get()) << " entries to "
+              << shown(options.output) << '\n';
+  }
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addMerge(CLI::App& app, Context& context) {
+  CLI::App* const command = app.add_subcommand(
+      "merge", "Merge site lists into a new one, which goes to standard output or a file");
+  const auto options = std::make_shared<Options>();
+  command->add_option("--first", options->first, "The first list")->type_name("FILE");
+  command->add_option("--second", options->second, "The second list")->type_name("FILE");
+  command->add_option("--output", options->output, "Where to write the result")->type_name("FILE");
+  command->footer(
+      "Without --second: the agent's own list, with the first list's fallback site put in and its\n"
+      "management servers in place of the list's own.\n"
+      "With both: the second list, followed by the first without its proxy settings.\n"
+      "With --second alone: the second list, with the own list's fallback site put in and its\n"
+      "management servers in place of the second's.\n"
+      "Versions, certificates and policy settings are those of the second list or, without it, of\n"
+      "the agent's own; the local version is the present time.\n\n"
+      "Examples:\n"
+      "  sitelist merge --first incoming/SiteList.xml > merged.xml\n"
+      "  sitelist merge --first a.xml --second b.xml --output merged.xml\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return merge(context, *options); };
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,67 @@
+#include <iostream>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string name;
+  std::string value;
+};
+
+int list(const Context& context, const Options& options) {
+  const AgentForReading agent(context, options.file);
+  const SiteList sites = readSiteList(agent.path());
+  for (const auto& [name, value] : sites.policies) {
+    std::cout << shown(name) << " = " << shown(value) << '\n';
+  }
+  if (sites.result != 0) throw libraryFailure(agent.path(), sites.result);
+  if (!sites.policies.empty()) return exitSuccess;
+  std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no policy settings\n";
+  return exitNegative;
+}
+
+int set(const Context& context, const Options& options) {
+  serveAgent(context);
+  const std::string path = ownListPath(context);
+  SiteList sites = readWholeSiteList(path);
+  refuseLostPasswords(path);
+  sites.policies[wide(options.name)] = wide(options.value);
+  writeSiteList(sites, path);
+  std::cerr << "sitelist: set " << shown(options.name) << " in " << shown(path) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addPolicies(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("policies", "Print the policy settings of a list, or set one");
+  const auto options = std::make_shared<Options>();
+  command->add_option(
+      "FILE", options->file,
+      "A site list; without it, the agent's own. Write ./set for a file named set.");
+  CLI::App* const setCommand =
+      command->add_subcommand("set", "Set a policy setting in the agent's own list");
+  setCommand->fallthrough();
+  setCommand->add_option("NAME", options->name, "Its name")->required();
+  setCommand->add_option("VALUE", options->value, "Its value")->required();
+  setCommand->footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
+  command->footer(
+      "Examples:\n"
+      "  sitelist policies\n"
+      "  sitelist policies incoming/SiteList.xml\n"
+      "  sitelist policies set OverwriteClientSites 0\n");
+  command->callback([&context, options, setCommand] {
+    const auto action = setCommand->parsed() ? set : list;
+    context.action = [&context, options, action] { return action(context, *options); };
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,49 @@
+#include <iostream>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string source;
+  std::string destination;
+};
+
+int rewrite(const Context& context, const Options& options) {
+  const AgentForWriting agent(context, options.destination);
+  SiteList list = readWholeSiteList(options.source);
+  refuseLostPasswords(options.source);
+  writeSiteList(list, agent.path());
+  if (list.fipsMode) {
+    std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode, "
+              << shown(*list.fipsMode) << ", is not carried over\n";
+  }
+  std::cerr << "sitelist: wrote " << countSites(list.sites.get()) << " entries to "
+            << shown(options.destination) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addRewrite(CLI::App& app, Context& context) {
+  CLI::App* const command = app.add_subcommand(
+      "rewrite", "Read a site list and write it anew, as the agent itself writes it");
+  const auto options = std::make_shared<Options>();
+  command->add_option("SRC", options->source, "The list to read")->required();
+  command->add_option("DST", options->destination, "Where to write it")->required();
+  command->footer(
+      "Versions, type, certificates and policy settings are carried over; passwords are protected "
+      "anew\nwith the agent's key. What the agent does not read from a list is left out.\n\n"
+      "Example:\n"
+      "  sitelist rewrite incoming/SiteList.xml tidy.xml\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return rewrite(context, *options); };
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,58 @@
+#include <iostream>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  bool all = false;
+  bool nonSecurePort = false;
+};
+
+int servers(const Context& context, const Options& options) {
+  serveAgent(context);
+  const std::string path = ownListPath(context);
+  sitehlp::CSitesHelper helper(wide(path));
+  std::wstring names;
+  std::wstring hosts;
+  std::wstring addresses;
+  std::wstring computers;
+  std::wstring versions;
+  constexpr int noPort = -1;
+  int port = noPort;
+  const int result = helper.GetPYXServerInfo(names, hosts, addresses, computers, port, versions,
+                                             options.all, options.nonSecurePort);
+  if (result != 0) throw libraryFailure(path, result);
+  if (port == noPort) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
+  std::cout << "names           " << shown(names) << "\nservers         " << shown(hosts)
+            << "\nIP addresses    " << shown(addresses) << "\ncomputer names  " << shown(computers)
+            << "\nversions        " << shown(versions) << "\nport            " << port << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addServers(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("servers", "Print where the agent's management server is");
+  const auto options = std::make_shared<Options>();
+  command->add_flag("--all", options->all,
+                    "All management servers by ascending order, with \";\" between them; the port "
+                    "is the last one's");
+  command->add_flag("--non-secure-port", options->nonSecurePort,
+                    "The plain port, also where there is a secure one");
+  command->footer(
+      "Examples:\n"
+      "  sitelist servers\n"
+      "  sitelist servers --all --non-secure-port\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return servers(context, *options); };
+  });
+}
+
+}  // namespace tool

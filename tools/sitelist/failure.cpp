@@ -1,0 +1,146 @@
+#include "tools/sitelist/failure.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/result_codes.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using AdvXMLParser::ReadWriteException;
+
+struct Meaning {
+  int code;
+  ExitStatus status;
+  const char* meaning;
+  const char* next;
+};
+
+constexpr const char* c_mendDocument =
+    "mend the document at that place, or have it sent again by the server";
+constexpr const char* c_checkFile = "check that it is a regular file that you may read";
+
+constexpr Meaning c_meanings[] = {
+    {sitehlp::c_errorGeneral, exitDocument, "the last site of the list is of no known kind",
+     "check the names of the elements in the document's \"SiteList\""},
+    {sitehlp::c_errorNoPath, exitUsage, "no path, or an empty list, was given",
+     "name a file that holds a site list"},
+    {sitehlp::c_errorNoMemory, exitInternal, "a record could not be allocated",
+     "free memory and try again"},
+    {sitehlp::c_errorFileMissing, exitFile, "the file does not exist",
+     "check the path; the agent's own list comes into being with `sitelist import`"},
+    {sitehlp::c_errorParse, exitDocument, "the document is not well formed", c_mendDocument},
+    {sitehlp::c_errorNoServerSite, exitNegative, "the list has no management server",
+     "add a complete \"VestaSite\", or use a list that has one"},
+    {sitehlp::c_errorValidation, exitNegative, "the list breaks a rule",
+     "mend the faults; `sitelist validate` names them all"},
+    {sitehlp::c_errorRead, exitFile, "the file could not be read", c_checkFile},
+    {sitehlp::c_errorWrite, exitFile, "the file could not be written",
+     "check that its directory exists, that you may write there and that there is room"},
+    {ReadWriteException::READ_FAILED, exitFile, "the file could not be read", c_checkFile},
+    {ReadWriteException::WRITE_FAILED, exitFile, "the file could not be written",
+     "check that its directory exists, that you may write there and that there is room"},
+    {ReadWriteException::INVALID_ENCODING, exitDocument,
+     "the bytes are not valid in the document's encoding", c_mendDocument},
+    {ReadWriteException::LIMIT_EXCEEDED, exitDocument, "the document is over a limit",
+     "no real list is that large or deep; find out where it came from"},
+};
+
+const Meaning& meaningOf(int code) {
+  for (const Meaning& known : c_meanings) {
+    if (known.code == code) return known;
+  }
+  static constexpr Meaning unknown = {0, exitInternal, "an unknown failure",
+                                      "run again with --verbose"};
+  return unknown;
+}
+
+DocumentFault faultOf(const ReadWriteException& e) {
+  DocumentFault fault;
+  fault.status = meaningOf(e.GetErrorCode()).status;
+  fault.rule = e.GetErrorCode() == ReadWriteException::INVALID_ENCODING ? "invalid-encoding"
+               : e.GetErrorCode() == ReadWriteException::LIMIT_EXCEEDED ? "over-limit"
+                                                                        : "unreadable-file";
+  fault.line = e.GetLine();
+  fault.column = e.GetColumn();
+  fault.reason = shown(std::string(e.what()));
+  if (e.GetSystemError() != 0 &&
+      fault.reason.find(std::strerror(e.GetSystemError())) == std::string::npos) {
+    fault.reason += std::string(": ") + std::strerror(e.GetSystemError());
+  }
+  return fault;
+}
+
+std::string compose(const std::string& path, int code, const std::string& meaning,
+                    const std::string& detail, const std::string& next) {
+  return shown(path) + ": " + meaning + " (" + formatCode(code) + ")\n" + detail +
+         "  next: " + next;
+}
+
+std::string describe(const DocumentFault& fault) {
+  std::string text = "  ";
+  if (fault.line != 0) {
+    text +=
+        "line " + std::to_string(fault.line) + ", column " + std::to_string(fault.column) + ": ";
+  }
+  return text + fault.reason + "\n";
+}
+
+}  // namespace
+
+Failure::Failure(ExitStatus status, const std::string& text)
+    : std::runtime_error(text), m_status(status) {}
+Failure::Failure(const Failure&) noexcept = default;
+Failure::~Failure() = default;
+
+std::optional<DocumentFault> findDocumentFault(const std::string& path) {
+  try {
+    std::wstring text;
+    AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
+    AdvXMLParser::ReadBufferFromFile(wide(path), text, encoding, nullptr);
+    const std::unique_ptr<AdvXMLParser::Document> document(
+        AdvXMLParser::Parser().Parse(text.data(), text.size()));
+    if (document) return std::nullopt;
+    return DocumentFault{exitDocument, "not-well-formed", 1, 1, "there is no markup in the file"};
+  } catch (const AdvXMLParser::ParsingException& e) {
+    return DocumentFault{exitDocument, "not-well-formed", e.GetLine(), e.GetColumn(),
+                         shown(e.GetReason())};
+  } catch (const ReadWriteException& e) {
+    return faultOf(e);
+  }
+}
+
+std::string formatCode(int code) {
+  char text[40];
+  std::snprintf(text, sizeof(text), "%d, 0x%08X", code, static_cast<std::uint32_t>(code));
+  return text;
+}
+
+Failure libraryFailure(const std::string& path, int code) {
+  const Meaning& known = meaningOf(code);
+  const bool isAboutReading = code != sitehlp::c_errorFileMissing &&
+                              (known.status == exitDocument || known.status == exitFile) &&
+                              code != sitehlp::c_errorWrite;
+  if (isAboutReading) {
+    if (const auto fault = findDocumentFault(path)) {
+      // A file whose bytes cannot be converted counts as unread for the library; for the user it is
+      // the document that is wrong.
+      const bool isUnread = fault->status == exitFile;
+      return Failure(fault->status, compose(path, code, known.meaning, describe(*fault),
+                                            isUnread ? c_checkFile : c_mendDocument));
+    }
+  }
+  return Failure(known.status, compose(path, code, known.meaning, "", known.next));
+}
+
+Failure libraryFailure(const std::string& path, int code, ExitStatus status,
+                       const std::string& meaning, const std::string& next) {
+  return Failure(status, compose(path, code, meaning, "", next));
+}
+
+}  // namespace tool

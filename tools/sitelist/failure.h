@@ -1,0 +1,49 @@
+#ifndef TOOLS_SITELIST_FAILURE_H
+#define TOOLS_SITELIST_FAILURE_H
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "tools/sitelist/exit_status.h"
+
+namespace tool {
+
+// The end of a command: what() is the message, made of printable text.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitStatus status, const std::string& text);
+  Failure(const Failure&) noexcept;
+  ~Failure() override;
+
+  ExitStatus status() const { return m_status; }
+
+ private:
+  ExitStatus m_status;
+};
+
+// Why a file cannot be read as a document.
+struct DocumentFault {
+  ExitStatus status;  // exitDocument or exitFile
+  const char* rule;   // the fault's name in the output of `validate`
+  unsigned long line = 0;
+  unsigned long column = 0;  // both 0 where no place in the document is meant
+  std::string reason;
+};
+
+// Reads and parses a file to see why an operation of the library refused it. Nothing when it can be
+// read now.
+std::optional<DocumentFault> findDocumentFault(const std::string& path);
+
+// A result code in both its forms: "-5, 0xFFFFFFFB".
+std::string formatCode(int code);
+
+// The failure of an operation of the library on a file.
+Failure libraryFailure(const std::string& path, int code);
+// The same with a meaning, advice and exit status of its own in place of the code's.
+Failure libraryFailure(const std::string& path, int code, ExitStatus status,
+                       const std::string& meaning, const std::string& next);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,113 @@
+#include "tools/sitelist/incoming.h"
+
+#include <filesystem>
+#include <iostream>
+
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/log_record.h"
+#include "tools/sitelist/rules.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+bool begins(const std::wstring& text, const wchar_t* start) { return text.rfind(start, 0) == 0; }
+
+bool wasLogged(const wchar_t* start) {
+  for (const LogRecord& record : logRecords()) {
+    if (begins(record.text, start)) return true;
+  }
+  return false;
+}
+
+void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
+  const std::string directory = std::filesystem::path(ownList).parent_path().string();
+  std::error_code error;
+  if (wasLogged(L"CreateSiteList failed hr=")) {
+    throw libraryFailure(ownList, code, exitFile, "the list could not be written",
+                         "check that you may write there and that there is room");
+  }
+  if (wasLogged(L"Can't write ") || !std::filesystem::is_directory(directory, error)) {
+    throw libraryFailure(directory, code, exitFile, "the agent's files could not be written",
+                         "check that you may write there; nothing was changed");
+  }
+  throw libraryFailure(
+      options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
+      options.keyDirectory.empty()
+          ? "put a public and a request key file, srpubkey.bin and reqseckey.bin or "
+            "sr2048pubkey.bin and\n  req2048seckey.bin, beside the list"
+          : "put a public and a request key file beside the list if its server has a version, else "
+            "srpubkey.bin\n  into the directory that --keys names");
+}
+
+}  // namespace
+
+void failIncoming(const IncomingOptions& options, const std::string& ownList, int code) {
+  const auto document = findDocumentFault(options.file);
+  if (code == sitehlp::c_errorValidation || code == sitehlp::c_errorNoServerSite ||
+      code == sitehlp::c_errorNoPath) {
+    for (const BrokenRule& rule : brokenRules()) {
+      std::cerr << shown(options.file) << ": " << rule.name << ": " << rule.text << '\n';
+    }
+    throw libraryFailure(options.file, code, exitNegative,
+                         "the list is refused, and nothing was changed",
+                         "mend the faults named above");
+  }
+  if (code == sitehlp::c_errorGeneral && !document && readSiteList(options.file).result == 0) {
+    failOwnFiles(options, ownList, code);
+  }
+  throw libraryFailure(options.file, code);
+}
+
+namespace {
+
+void reportNotes() {
+  for (const LogRecord& record : logRecords()) {
+    if (begins(record.text, L"WARNING: ") || begins(record.text, L"Exchanged orders ")) {
+      std::cerr << "sitelist: " << shown(record.text) << '\n';
+    }
+  }
+}
+
+void warnOfLostPasswords(const std::string& file) {
+  for (const std::string& name : sitesWithLostPasswords(file)) {
+    std::cerr << "sitelist: " << shown(file) << ": the agent's key does not open the password of "
+              << name << "; it is now empty\n";
+  }
+}
+
+}  // namespace
+
+void addIncomingOptions(CLI::App& command, IncomingOptions& options) {
+  command.add_option("FILE", options.file, "The incoming site list")->required();
+  command
+      .add_option("--keys", options.keyDirectory,
+                  "Where the server's public key is, for a list whose server has no version")
+      ->type_name("DIR");
+  command.add_flag(
+      "--dry-run", options.dryRun,
+      "Say what would change in the agent's list, key files and FIPS marker, and write "
+      "nothing");
+}
+
+int takeIncoming(const Context& context, const IncomingOptions& options) {
+  if (options.dryRun) return previewIncoming(context, options);
+  serveAgent(context);
+  const std::string ownList = ownListPath(context);
+  sitehlp::CSitesHelper helper(wide(ownList));
+  const int result = options.isChecked
+                         ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))
+                         : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
+  reportNotes();
+  if (result != 0) failIncoming(options, ownList, result);
+  warnOfLostPasswords(options.file);
+  const SiteList now = readSiteList(ownList);
+  std::cerr << "sitelist: " << shown(ownList) << " now holds " << countSites(now.sites.get())
+            << " entries, global version " << shown(now.globalVersion) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace tool

@@ -1,0 +1,55 @@
+#include "tools/sitelist/log_record.h"
+
+#include <iostream>
+
+#include "host/log_sink.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+bool g_verbose = false;
+
+std::vector<LogRecord>& records() {
+  static std::vector<LogRecord> kept;
+  return kept;
+}
+
+const char* nameOf(LogLevel level) {
+  switch (level) {
+    case LogLevel::Detail:
+      return "detail";
+    case LogLevel::Info:
+      return "info";
+    default:
+      return "error";
+  }
+}
+
+}  // namespace
+
+void recordLog(bool verbose) {
+  g_verbose = verbose;
+  host::setLogThreshold(verbose ? LogLevel::Detail : LogLevel::Info);
+  host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& text) {
+    if (level >= LogLevel::Info) records().push_back({level, text});
+    if (g_verbose) {
+      std::cerr << nameOf(level) << ' ' << shown(component) << ": " << shown(text) << '\n';
+    }
+  });
+}
+
+const std::vector<LogRecord>& logRecords() { return records(); }
+void clearLogRecords() { records().clear(); }
+
+void reportLoggedErrors(bool withCodes) {
+  if (g_verbose) return;
+  for (const LogRecord& record : records()) {
+    const bool isCode = record.text.find(L" hr=") != std::wstring::npos;
+    if (record.level >= LogLevel::Error && (withCodes || !isCode)) {
+      std::cerr << "sitelist: " << shown(record.text) << '\n';
+    }
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <new>
+
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/log_record.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
+
+// The command behind --mesh-command may have options of its own, so it is taken off before the
+// command line is looked at.
+std::vector<std::string> takeMeshCommand(std::vector<std::string>& arguments) {
+  const auto option = std::find(arguments.begin(), arguments.end(), "--mesh-command");
+  if (option == arguments.end()) return {};
+  std::vector<std::string> command(option + 1, arguments.end());
+  arguments.erase(option + 1, arguments.end());
+  return command;
+}
+
+std::string fullPath(const std::string& directory) {
+  std::string path = std::filesystem::absolute(directory).lexically_normal().string();
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  return path;
+}
+
+void addCommands(CLI::App& app, Context& context) {
+  addInit(app, context);
+  addShow(app, context);
+  addVersions(app, context);
+  addServers(app, context);
+  addCerts(app, context);
+  addPolicies(app, context);
+  addValidate(app, context);
+  addImport(app, context);
+  addInstall(app, context);
+  addMerge(app, context);
+  addRewrite(app, context);
+  addProtect(app, context);
+}
+
+int perform(const Context& context) {
+  recordLog(context.verbose);
+  try {
+    const int status = context.action();
+    reportLoggedErrors(true);
+    return status;
+  } catch (const Failure& failure) {
+    std::cout.flush();
+    reportLoggedErrors(false);
+    std::cerr << "sitelist: " << failure.what() << '\n';
+    return failure.status();
+  }
+}
+
+int run(std::vector<std::string> arguments) {
+  CLI::App app("Looks after the site list of an endpoint agent.", "sitelist");
+  Context context;
+  context.agentDirectory = c_defaultAgentDirectory;
+  app.add_option("--agent-dir", context.agentDirectory, "Data directory of the agent to serve")
+      ->type_name("DIR")
+      ->capture_default_str();
+  app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
+  app.set_version_flag("--version", "sitelist " SITELIST_VERSION, "Print the version and exit");
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
+             c_exitStatusHelp);
+  addCommands(app, context);
+  for (CLI::App* command : app.get_subcommands({})) command->fallthrough();
+
+  context.meshCommand = takeMeshCommand(arguments);
+  std::reverse(arguments.begin(), arguments.end());
+  try {
+    app.parse(arguments);
+  } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) return app.exit(e);
+    std::cerr << "sitelist: " << shown(std::string(e.what()))
+              << "\n  next: see `sitelist --help`, or --help behind a command\n";
+    return exitUsage;
+  }
+  context.agentDirectory = fullPath(context.agentDirectory);
+  return perform(context);
+}
+
+}  // namespace
+}  // namespace tool
+
+int main(int argc, char** argv) {
+  int status = tool::exitInternal;
+  try {
+    status = tool::run(std::vector<std::string>(argv + 1, argv + argc));
+  } catch (const std::bad_alloc&) {
+    std::cerr << "sitelist: out of memory\n";
+  } catch (const std::exception& e) {
+    std::cerr << "sitelist: internal error: " << tool::shown(std::string(e.what())) << '\n';
+  }
+  std::cout.flush();
+  if (!std::cout && status == tool::exitSuccess) {
+    std::cerr << "sitelist: standard output cannot be written\n";
+    status = tool::exitFile;
+  }
+  return status;
+}

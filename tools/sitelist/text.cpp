@@ -1,0 +1,65 @@
+#include "tools/sitelist/text.h"
+
+#include <locale.h>
+#include <wchar.h>
+#if __has_include(<xlocale.h>)
+#include <xlocale.h>
+#endif
+
+#include <cstdio>
+
+#include "platform/common/astring.h"
+
+namespace tool {
+namespace {
+
+bool isHarmful(wchar_t c) {
+  return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x61C || c == 0x200E || c == 0x200F ||
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
+}
+
+locale_t unicodeLocale() {
+  for (const char* name : {"C.UTF-8", "UTF-8", "en_US.UTF-8"}) {
+    if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr)) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::wstring wide(const std::string& utf8) { return AString(utf8.c_str()).str(); }
+std::string narrow(const std::wstring& text) { return ACharString(text).str(); }
+
+std::wstring printable(const std::wstring& text) {
+  std::wstring result;
+  for (const wchar_t c : text) {
+    if (isHarmful(c)) {
+      char escape[16];
+      std::snprintf(escape, sizeof(escape), "\\u%04X", static_cast<unsigned>(c));
+      result += wide(escape);
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string shown(const std::wstring& text) { return narrow(printable(text)); }
+std::string shown(const std::string& utf8) { return shown(wide(utf8)); }
+
+// The process keeps its own locale: only wcwidth sees the Unicode one. Without such a locale on the
+// machine every character counts as one column.
+std::size_t columnsOf(const std::wstring& text) {
+  static const locale_t unicode = unicodeLocale();
+  if (!unicode) return text.size();
+  const locale_t before = ::uselocale(unicode);
+  std::size_t columns = 0;
+  for (const wchar_t c : text) {
+    const int width = ::wcwidth(c);
+    columns += width < 0 ? 1U : static_cast<std::size_t>(width);
+  }
+  ::uselocale(before);
+  return columns;
+}
+
+}  // namespace tool

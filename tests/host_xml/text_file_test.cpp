@@ -1,0 +1,212 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "host/xml/limits.h"
+#include "tests/host_xml/documents.h"
+#include "tests/support/faulty_file_system.h"
+
+namespace {
+
+using namespace AdvXMLParser;
+using test::wide;
+
+class TextFile : public testing::Test {
+ protected:
+  std::wstring path(const std::string& name) const { return wide(m_directory.file(name)); }
+
+  // Reads with a preset text and returns what the file system error was.
+  int expectReadFails(const std::string& name, int errorCode) {
+    std::wstring text = L"invalid";
+    UTF_ENCODINGS encoding = UTF_16BE;
+    try {
+      ReadBufferFromFile(path(name), text, encoding, nullptr);
+      ADD_FAILURE() << "read";
+    } catch (const ReadWriteException& e) {
+      EXPECT_EQ(e.GetErrorCode(), errorCode);
+      EXPECT_EQ(text, L"invalid");
+      EXPECT_EQ(encoding, UTF_16BE);
+      EXPECT_NE(std::string(e.what()).find(m_directory.file(name)), std::string::npos) << e.what();
+      return e.GetSystemError();
+    }
+    return -1;
+  }
+
+  std::wstring read(const std::string& name, UTF_ENCODINGS* found = nullptr) {
+    std::wstring text = L"invalid";
+    UTF_ENCODINGS encoding = UTF_8;
+    ReadBufferFromFile(path(name), text, encoding, nullptr);
+    if (found) *found = encoding;
+    return text;
+  }
+
+  test::TempDir m_directory;
+};
+
+TEST_F(TextFile, isReadInTheEncodingThatItHas) {
+  for (const UTF_ENCODINGS encoding : {UTF_16LE, UTF_16BE, UTF_32LE, UTF_32BE, UTF_8}) {
+    EXPECT_TRUE(
+        WriteBufferToFile(path("list"), L"<a>\x20AC\x1F600</a>", encoding, nullptr, nullptr));
+    UTF_ENCODINGS found;
+    EXPECT_EQ(read("list", &found), L"<a>\x20AC\x1F600</a>");
+    EXPECT_EQ(found, encoding);
+  }
+}
+
+TEST_F(TextFile, isWrittenAsUtf8WithoutAMark) {
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a>\x20AC</a>", UTF_8, nullptr, nullptr));
+  EXPECT_EQ(test::readFile(m_directory.file("list")), "<a>\xE2\x82\xAC</a>");
+}
+
+TEST_F(TextFile, mayBeEmpty) {
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"", UTF_8, nullptr, nullptr));
+  EXPECT_EQ(read("list"), L"");
+}
+
+TEST_F(TextFile, hasANameOfAnyCharacters) {
+  const std::wstring name = path("") + L"\x20AC \x1F600.xml";
+  EXPECT_TRUE(WriteBufferToFile(name, L"<a/>", UTF_8, nullptr, nullptr));
+  EXPECT_TRUE(test::exists(m_directory.file("\xE2\x82\xAC \xF0\x9F\x98\x80.xml")));
+}
+
+TEST_F(TextFile, thatIsNotThereCannotBeRead) {
+  EXPECT_EQ(expectReadFails("missing", ReadWriteException::READ_FAILED), ENOENT);
+}
+
+TEST_F(TextFile, mustBeARegularFileToBeRead) {
+  ASSERT_EQ(::mkdir(m_directory.file("directory").c_str(), 0755), 0);
+  EXPECT_EQ(expectReadFails("directory", ReadWriteException::READ_FAILED), EISDIR);
+  // Nobody writes to the pipe: a reader that waited would wait for ever.
+  ASSERT_EQ(::mkfifo(m_directory.file("pipe").c_str(), 0644), 0);
+  EXPECT_EQ(expectReadFails("pipe", ReadWriteException::READ_FAILED), EINVAL);
+}
+
+TEST_F(TextFile, ofInvalidBytesCannotBeRead) {
+  test::writeFile(m_directory.file("list"), "<a>\xE9</a>");
+  EXPECT_EQ(expectReadFails("list", ReadWriteException::INVALID_ENCODING), 0);
+}
+
+TEST_F(TextFile, hasALimit) {
+  const std::string largest(host::c_maxDocumentBytes, ' ');
+  test::writeFile(m_directory.file("list"), largest);
+  EXPECT_EQ(read("list").size(), host::c_maxDocumentBytes);
+  test::writeFile(m_directory.file("list"), largest + " ");
+  EXPECT_EQ(expectReadFails("list", ReadWriteException::LIMIT_EXCEEDED), EFBIG);
+}
+
+TEST_F(TextFile, thatFailsToBeReadSaysWhy) {
+  test::writeFile(m_directory.file("list"), "<a/>");
+  test::FaultyFileSystem faults;
+  faults.failEvery(test::FileCall::Read, EIO);
+  EXPECT_EQ(expectReadFails("list", ReadWriteException::READ_FAILED), EIO);
+}
+
+std::string reversed(const std::string& text) { return std::string(text.rbegin(), text.rend()); }
+std::string inUpperCase(const std::string& text) {
+  std::string upper = text;
+  std::transform(upper.begin(), upper.end(), upper.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return upper;
+}
+std::string notUtf8(const std::string&) { return "\xFF"; }
+std::string tooLong(const std::string&) { return std::string(host::c_maxDocumentBytes + 1, ' '); }
+
+TEST_F(TextFile, goesThroughTheCallbackBeforeItIsConverted) {
+  test::writeFile(m_directory.file("list"), ">/a<");
+  std::wstring text;
+  UTF_ENCODINGS encoding = UTF_8;
+  ReadBufferFromFile(path("list"), text, encoding, reversed);
+  EXPECT_EQ(text, L"<a/>");
+}
+
+TEST_F(TextFile, isCheckedAfterTheCallback) {
+  test::writeFile(m_directory.file("list"), "<a/>");
+  std::wstring text = L"invalid";
+  UTF_ENCODINGS encoding = UTF_8;
+  try {
+    ReadBufferFromFile(path("list"), text, encoding, notUtf8);
+    ADD_FAILURE() << "read";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::INVALID_ENCODING);
+  }
+  try {
+    ReadBufferFromFile(path("list"), text, encoding, tooLong);
+    ADD_FAILURE() << "read";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::LIMIT_EXCEEDED);
+  }
+  EXPECT_EQ(text, L"invalid");
+}
+
+TEST_F(TextFile, goesThroughTheCallbacksWhenItIsWritten) {
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a>\xE9</a>", UTF_8, inUpperCase, nullptr));
+  EXPECT_EQ(test::readFile(m_directory.file("list")), "<A>\xC3\xA9</A>");
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"ab", UTF_8, nullptr, reversed));
+  EXPECT_EQ(test::readFile(m_directory.file("list")), "ba");
+  // The first sees UTF-8, the second the bytes of the file.
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"ab", UTF_16LE, inUpperCase, reversed));
+  EXPECT_EQ(test::readFile(m_directory.file("list")), std::string("\0B\0A\xFE\xFF", 6));
+}
+
+TEST_F(TextFile, isNotWrittenWhenTheCallbackGivesInvalidText) {
+  test::writeFile(m_directory.file("list"), "old");
+  try {
+    WriteBufferToFile(path("list"), L"new", UTF_8, notUtf8, nullptr);
+    ADD_FAILURE() << "written";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::INVALID_ENCODING);
+  }
+  EXPECT_EQ(test::readFile(m_directory.file("list")), "old");
+}
+
+TEST_F(TextFile, isForItsOwnerAndForItsGroupToRead) {
+  const mode_t before = ::umask(0);
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a/>", UTF_8, nullptr, nullptr));
+  ::umask(before);
+  struct stat info;
+  ASSERT_EQ(::stat(m_directory.file("list").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0640u);
+}
+
+TEST_F(TextFile, keepsTheModeThatItHas) {
+  test::writeFile(m_directory.file("list"), "old", 0604);
+  EXPECT_TRUE(WriteBufferToFile(path("list"), L"new", UTF_8, nullptr, nullptr));
+  struct stat info;
+  ASSERT_EQ(::stat(m_directory.file("list").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0604u);
+  EXPECT_EQ(test::readFile(m_directory.file("list")), "new");
+}
+
+TEST_F(TextFile, cannotBeWrittenWhereADirectoryIs) {
+  ASSERT_EQ(::mkdir(m_directory.file("list").c_str(), 0755), 0);
+  try {
+    WriteBufferToFile(path("list"), L"<a/>", UTF_8, nullptr, nullptr);
+    ADD_FAILURE() << "written";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::WRITE_FAILED);
+    EXPECT_NE(e.GetSystemError(), 0);
+  }
+}
+
+TEST_F(TextFile, staysAsItWasWhenWritingFails) {
+  test::writeFile(m_directory.file("list"), "old");
+  const auto before = test::snapshot(m_directory.path());
+  for (const test::FileCall call : {test::FileCall::Write, test::FileCall::Rename}) {
+    test::FaultyFileSystem faults;
+    faults.failEvery(call, ENOSPC);
+    try {
+      WriteBufferToFile(path("list"), L"new", UTF_8, nullptr, nullptr);
+      ADD_FAILURE() << "written";
+    } catch (const ReadWriteException& e) {
+      EXPECT_EQ(e.GetErrorCode(), ReadWriteException::WRITE_FAILED);
+      EXPECT_EQ(e.GetSystemError(), ENOSPC);
+    }
+    EXPECT_EQ(test::snapshot(m_directory.path()), before);
+  }
+}
+
+}  // namespace

@@ -34,7 +34,7 @@ class KeyFileSystem : public FaultyFileSystem {
     const std::string name = path.substr(path.rfind('/') + 1);
     if (holds(irremovable, name)) return -EPERM;
     const int result = FaultyFileSystem::unlink(directory, path);
-    if (result == 0) changes.push_back("-" + name);
+    if (result == 0 && name[0] != '.') changes.push_back("-" + name);
     return result;
   }
   int rename(int directory, const std::string& from, const std::string& to) override {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/import/documents.h"
-#include "tests/import/failing_calloc.h"
+#include "tests/import/failing_allocation.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
 #include "tests/support/test_agent.h"
@@ -29,7 +29,7 @@ TEST_F(MergeWithoutMemory, copyingStopsAndKeepsTheCopiesMadeSoFar) {
     tail = nullptr;
     int code = 0;
     {
-      const FailingCalloc failing(sizeof(tag_Site), before);
+      const FailingAllocation failing(sizeof(tag_Site), before);
       code = helper.MergeThisSiteList(source.head(), false, &tail, result.address());
       EXPECT_EQ(failing.failed(), 1) << "the walk stops";
     }
@@ -42,7 +42,7 @@ TEST_F(MergeWithoutMemory, copyingStopsAndKeepsTheCopiesMadeSoFar) {
 TEST_F(MergeWithoutMemory, noFallbackIsHandedOut) {
   const SiteChain list{typed(httpSite(L"a"), L"fallback")};
   tag_Site* fallback = nullptr;
-  const FailingCalloc failing(sizeof(tag_Site), 0);
+  const FailingAllocation failing(sizeof(tag_Site), 0);
   EXPECT_EQ(helper.GetFallbackSite(list.head(), &fallback), c_errorNoMemory);
   EXPECT_EQ(fallback, nullptr);
 }
@@ -51,7 +51,7 @@ TEST_F(MergeWithoutMemory, theServerSitesCopiedSoFarStayWithTheCaller) {
   const SiteChain list{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), serverSite(L"s3")};
   SiteChain chain;
   {
-    const FailingCalloc failing(sizeof(tag_Site), 2);
+    const FailingAllocation failing(sizeof(tag_Site), 2);
     EXPECT_EQ(helper.GetVestaSite(list.head(), chain.address()), c_errorNoMemory);
     EXPECT_EQ(failing.failed(), 1);
   }
@@ -62,7 +62,7 @@ TEST_F(MergeWithoutMemory, aFailureOfTheLastCopyReleasesTheWholeResult) {
   const SiteChain first{httpSite(L"a"), httpSite(L"b")};
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};
   for (const int before : {2, 3}) {
-    const FailingCalloc failing(sizeof(tag_Site), before);
+    const FailingAllocation failing(sizeof(tag_Site), before);
     EXPECT_EQ(helper.MergeSiteLists(first.head(), second.head(), true, result.address()),
               c_errorNoMemory);
     EXPECT_EQ(failing.failed(), 1);
@@ -75,7 +75,7 @@ TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
   const SiteChain proxies{proxySite(L"p")};
   {
     // The second list stops after its first record; the first list cannot be copied either.
-    const FailingCalloc failing(sizeof(tag_Site), 1);
+    const FailingAllocation failing(sizeof(tag_Site), 1);
     EXPECT_EQ(helper.MergeSiteLists(proxies.head(), second.head(), true, result.address()),
               c_errorNoMemory);
     EXPECT_EQ(failing.failed(), 2) << "the second step is taken all the same";
@@ -85,7 +85,7 @@ TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
   writeFile(path, document(""));
   {
     // The read of an empty current list succeeds and replaces the failure of the copy.
-    const FailingCalloc failing(sizeof(tag_Site), 1);
+    const FailingAllocation failing(sizeof(tag_Site), 1);
     EXPECT_EQ(helper.MergeSiteLists(nullptr, second.head(), true, result.address()), 0);
     EXPECT_EQ(failing.failed(), 1);
   }
@@ -95,7 +95,7 @@ TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
 TEST_F(MergeWithoutMemory, aFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
   writeFile(path, document(""));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback")};
-  const FailingCalloc failing(sizeof(tag_Site), 0);
+  const FailingAllocation failing(sizeof(tag_Site), 0);
   EXPECT_EQ(helper.MergeSiteLists(first.head(), nullptr, false, result.address()), 0);
   EXPECT_EQ(failing.failed(), 1);
   EXPECT_EQ(result.head(), nullptr);
@@ -104,7 +104,7 @@ TEST_F(MergeWithoutMemory, aFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
 TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
   writeFile(path, document(""));
   const SiteChain first{serverSite(L"s1"), serverSite(L"s2")};
-  const FailingCalloc failing(sizeof(tag_Site), 1);
+  const FailingAllocation failing(sizeof(tag_Site), 1);
   EXPECT_EQ(helper.MergeSiteLists(first.head(), nullptr, false, result.address()), 0);
   EXPECT_EQ(failing.failed(), 1);
   EXPECT_EQ(result.head(), nullptr);
@@ -113,7 +113,7 @@ TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
 TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
   const SiteChain list{serverSite(L"s1"), serverSite(L"s2")};
   agent.clearLog();
-  const FailingCalloc failing(sizeof(tag_Site), 1);
+  const FailingAllocation failing(sizeof(tag_Site), 1);
   EXPECT_EQ(helper.SourceSiteListCheck(list.head(), true), c_errorNoMemory);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
 }

@@ -43,7 +43,9 @@ SiteChain::SiteChain(std::initializer_list<tag_Site> records) {
 
 SiteChain::~SiteChain() { clear(); }
 
-void SiteChain::clear() { CSitesHelper::FreeSiteListMemory(release()); }
+void SiteChain::clear() {
+  if (m_head) CSitesHelper::FreeSiteListMemory(release());
+}
 
 tag_Site* SiteChain::release() {
   tag_Site* head = m_head;

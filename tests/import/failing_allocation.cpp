@@ -1,4 +1,4 @@
-#include "tests/import/failing_calloc.h"
+#include "tests/import/failing_allocation.h"
 
 #include <cerrno>
 
@@ -26,28 +26,39 @@ bool refuses(std::size_t count, std::size_t size) {
 
 }  // namespace
 
-FailingCalloc::FailingCalloc(std::size_t size, int before) {
+FailingAllocation::FailingAllocation(std::size_t size, int before) {
   g_left = before;
   g_failed = 0;
   g_size = size;
 }
 
-FailingCalloc::~FailingCalloc() { g_size = 0; }
+FailingAllocation::~FailingAllocation() { g_size = 0; }
 
-int FailingCalloc::failed() const { return g_failed; }
+int FailingAllocation::failed() const { return g_failed; }
 
 }  // namespace test
 
 #if defined(__APPLE__)
-// The program's own calloc is the one that the program's objects are bound to.
+// The program's own functions are the ones that the program's objects are bound to.
+extern "C" void* malloc(std::size_t size) {
+  if (test::refuses(1, size)) return nullptr;
+  return malloc_zone_malloc(malloc_default_zone(), size);
+}
 extern "C" void* calloc(std::size_t count, std::size_t size) {
   if (test::refuses(count, size)) return nullptr;
   return malloc_zone_calloc(malloc_default_zone(), count, size);
 }
 #else
-// The linker sends the objects' calls here (--wrap=calloc).
+// The linker sends the objects' calls here (--wrap).
+extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __wrap_malloc(std::size_t size);
 extern "C" void* __real_calloc(std::size_t count, std::size_t size);
 extern "C" void* __wrap_calloc(std::size_t count, std::size_t size);
+
+extern "C" void* __wrap_malloc(std::size_t size) {
+  if (test::refuses(1, size)) return nullptr;
+  return __real_malloc(size);
+}
 extern "C" void* __wrap_calloc(std::size_t count, std::size_t size) {
   if (test::refuses(count, size)) return nullptr;
   return __real_calloc(count, size);

@@ -15,10 +15,13 @@ put() {
 
 clean() {
   rm -rf "${tree:?}"/*
+  mkdir -p "$tree/cmake"
+  printf '%s\n' sitehlp/helper.h sitehlp/xmlschema/names.h host/agent.h host/fs/files.h \
+    >"$tree/cmake/installed-headers.txt"
   put platform/common/text.h '#include <string>'
   put sitehlp/helper.h '#include "platform/common/text.h"'
   put sitehlp/xmlschema/names.h '#include "sitehlp/helper.h"'
-  put sitehlp/inner/reader.h '#include <boost/scoped_ptr.hpp>'
+  put sitehlp/reader.h '#include <boost/scoped_ptr.hpp>'
   put sitehlp/reader.cpp '#include <unistd.h>'
   put host/agent.h '#include "platform/common/text.h"  // not pugi::xml_node'
   put host/fs/files.h '#include "host/agent.h"'
@@ -69,15 +72,15 @@ refuses sitehlp/a.cpp '#include "../host/agent.h"'
 refuses sitehlp/a.cpp '  #  include <expat.h>'
 refuses sitehlp/a.cpp '#include <boost/shared_ptr.hpp>'
 refuses sitehlp/a.cpp '#include HEADER'
-refuses sitehlp/a.h '#include <boost/scoped_ptr.hpp>'
-refuses sitehlp/a.h 'boost::scoped_ptr<int> p;'
-refuses sitehlp/a.h '#include "sitehlp/inner/reader.h"'
-refuses sitehlp/xmlschema/a.h '#include <openssl/evp.h>'
-refuses sitehlp/xmlschema/a.h 'class A : public nlohmann::json {};'
-refuses host/a.h '#include <spdlog/spdlog.h>'
-refuses host/a.h '#include "host/xml/tree.h"'
-refuses host/fs/a.h '#include <expat.h>'
-refuses host/fs/a.h 'void parse(XML_Parser parser);'
+refuses sitehlp/helper.h '#include <boost/scoped_ptr.hpp>'
+refuses sitehlp/helper.h 'boost::scoped_ptr<int> p;'
+refuses sitehlp/helper.h '#include "sitehlp/reader.h"'
+refuses sitehlp/xmlschema/names.h '#include <openssl/evp.h>'
+refuses sitehlp/xmlschema/names.h 'class A : public nlohmann::json {};'
+refuses host/agent.h '#include <spdlog/spdlog.h>'
+refuses host/agent.h '#include "host/xml/tree.h"'
+refuses host/fs/files.h '#include <expat.h>'
+refuses host/fs/files.h 'void parse(XML_Parser parser);'
 refuses host/xml/a.cpp '#include "sitehlp/helper.h"'
 refuses host/xml/a.cpp '#include "tools/sitelist/read.h"'
 refuses host/xml/a.cpp '#include "tree.h"'
@@ -85,6 +88,13 @@ refuses tools/a.cpp '#include <pugixml.hpp>'
 refuses tools/a.cpp '#include "tests/support/main.h"'
 refuses tests/a_test.cpp '#include "tools/sitelist/read.h"'
 refuses fuzz/a.cpp '#include <tools/sitelist/read.h>'
+
+clean
+rm "$tree/host/agent.h"
+if "$check" "$tree" >"$tree/said" || ! grep -q 'installed-headers.txt:3: .*host/agent.h' "$tree/said"; then
+  echo "FAILED: not noticed that an installed header is missing"
+  failed=1
+fi
 
 rm -rf "${tree:?}"/*
 mkdir "$tree/platform"

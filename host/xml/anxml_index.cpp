@@ -12,7 +12,7 @@ bool AnXmlChildIndex::moveNext(AnXmlNode& child) {
   m_current = node.internal_object();
   m_next = nullptr;
   if (!node) return false;
-  child = AnXmlNode(m_current);
+  child = AnXmlNode::at(m_current);
   return true;
 }
 

@@ -31,6 +31,12 @@ AnXmlNode::AnXmlNode(AnXml* document) {
   if (document && document->m_tree) m_handle = document->m_tree->root().internal_object();
 }
 
+AnXmlNode AnXmlNode::at(void* handle) {
+  AnXmlNode node;
+  node.m_handle = handle;
+  return node;
+}
+
 bool AnXmlNode::tryGetChild(AnXmlNode& out, const wchar_t* name, const wchar_t* keyAttribute,
                             const wchar_t* keyValue, const wchar_t* otherAttribute,
                             AString* otherValue) const {
@@ -39,7 +45,7 @@ bool AnXmlNode::tryGetChild(AnXmlNode& out, const wchar_t* name, const wchar_t* 
   if (otherValue && host::isGiven(otherAttribute)) {
     *otherValue = AString(host::findAttribute(child, otherAttribute).value());
   }
-  out = AnXmlNode(child.internal_object());
+  out = at(child.internal_object());
   return true;
 }
 
@@ -98,7 +104,7 @@ bool AnXmlNode::addChild(AnXmlNode& out, const wchar_t* name, const wchar_t* att
   const pugi::xml_node child =
       host::appendNode(host::asNode(m_handle), pugi::node_element, nameText(name).c_str());
   setAttributeIfGiven(child, attribute, value);
-  out = AnXmlNode(child.internal_object());
+  out = at(child.internal_object());
   return true;
 }
 

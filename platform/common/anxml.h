@@ -111,7 +111,7 @@ class PLATFORM_API AnXmlNode {
  private:
   friend class AnXmlChildIndex;
   friend class AnXmlValueIndex;
-  explicit AnXmlNode(void* handle) : m_handle(handle) {}
+  static AnXmlNode at(void* handle);
 
   void* m_handle = nullptr;
 };

@@ -1,0 +1,215 @@
+#include "platform/common/anxml.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <new>
+#include <pugixml.hpp>
+
+#include "tests/host_xml/documents.h"
+#include "tests/support/faulty_file_system.h"
+
+namespace {
+
+using test::wide;
+
+const char* const c_list =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!-- header -->\n"
+    "<?keep this?>\n"
+    "<ns:SiteLists xmlns:ns=\"wxSiteList\" Type=\"Client\" unknown=\" &lt;x>&#09;\">\n"
+    "  <Unknown><deep><deeper a=\"1\"/></deep></Unknown>\n"
+    "  <SiteList Default=\"1\">\n"
+    "    <HttpSite Server=\"one:80\" Local=\"0\">text<RelativePath>p</RelativePath></HttpSite>\n"
+    "    <HttpSite Server=\"two:80\" Local=\"1\"><![CDATA[ <raw> ]]>&amp;</HttpSite><!-- c -->\n"
+    "    <FTPSite Server=\"three:21\" Order=\"7\"/>\n"
+    "  </SiteList>\n"
+    "  <CaBundle><CaCertificate>AAAA&#13;\nBBBB</CaCertificate></CaBundle>\n"
+    "</ns:SiteLists>\n"
+    "<!-- footer -->\n";
+
+class AnXmlFile : public testing::Test {
+ protected:
+  AnXmlFile() { write(c_list); }
+
+  void write(const std::string& bytes) { test::writeFile(m_directory.file("list"), bytes); }
+
+  AString path(const char* name = "list") const { return AString(wide(m_directory.file(name))); }
+
+  bool open(AnXml& xml) const {
+    return xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns:ns", L"wxSiteList");
+  }
+
+  // The document as the file that it is written to.
+  std::string saved(const AnXml& xml) const {
+    EXPECT_TRUE(xml.writeFile(path("saved"), false, false));
+    return test::readFile(m_directory.file("saved"));
+  }
+
+  test::TempDir m_directory;
+};
+
+TEST_F(AnXmlFile, isWrittenAsItWasReadWithoutAnEdit) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  EXPECT_EQ(saved(xml), c_list);
+}
+
+TEST_F(AnXmlFile, isReadInAnyEncodingAndWrittenAsUtf8) {
+  for (const auto encoding : {AdvXMLParser::UTF_16LE, AdvXMLParser::UTF_16BE,
+                              AdvXMLParser::UTF_32LE, AdvXMLParser::UTF_32BE}) {
+    AdvXMLParser::WriteBufferToFile(path().str(), wide(c_list), encoding, nullptr, nullptr);
+    AnXml xml;
+    ASSERT_TRUE(open(xml));
+    EXPECT_EQ(saved(xml), c_list);
+  }
+}
+
+TEST_F(AnXmlFile, isRefusedWithAnotherRoot) {
+  AnXml xml;
+  EXPECT_FALSE(xml.useExistingFile(path(), L"SiteLists", L"xmlns:ns", L"wxSiteList"));
+  EXPECT_FALSE(xml.useExistingFile(path(), L"ns:sitelists", L"xmlns:ns", L"wxSiteList"));
+  EXPECT_FALSE(xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns:ns", L"wxsitelist"));
+  EXPECT_FALSE(xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns:ns", L""));
+  EXPECT_FALSE(xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns:ns", nullptr));
+  EXPECT_FALSE(xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns", L"wxSiteList"));
+  EXPECT_TRUE(AnXmlNode(&xml).isNull());
+  EXPECT_TRUE(xml.useExistingFile(path(), L"ns:SiteLists", nullptr, nullptr));
+  EXPECT_TRUE(xml.useExistingFile(path(), nullptr, nullptr, nullptr));
+}
+
+TEST_F(AnXmlFile, isRefusedWhenItIsNoDocument) {
+  AnXml xml;
+  const std::string declared = "<ns:SiteLists xmlns:ns=\"wxSiteList\"";
+  for (const std::string& bytes : {std::string(), std::string("invalid"), declared, declared + ">",
+                                   "<!DOCTYPE a>" + declared + "/>", declared + " a=\"\xFF\"/>",
+                                   declared + "/>" + std::string(1, '\0'),
+                                   declared + ">" + test::repeated("<a>", 300) +
+                                       test::repeated("</a>", 300) + "</ns:SiteLists>"}) {
+    write(bytes);
+    EXPECT_FALSE(open(xml)) << bytes.substr(0, 100);
+  }
+  EXPECT_FALSE(xml.useExistingFile(path("missing"), nullptr, nullptr, nullptr));
+  EXPECT_FALSE(xml.useExistingFile(AString(wide(m_directory.path())), nullptr, nullptr, nullptr));
+  write(declared + "/>");
+  EXPECT_TRUE(open(xml));
+}
+
+TEST_F(AnXmlFile, staysOpenWhenAnotherCannotBeOpened) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  const AnXmlNode root(&xml);
+  write("invalid");
+  EXPECT_FALSE(open(xml));
+  EXPECT_EQ(root.getName().str(), L"ns:SiteLists");
+  EXPECT_EQ(saved(xml), c_list);
+}
+
+TEST_F(AnXmlFile, isReplacedByTheOneOpenedLater) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  write("<ns:SiteLists xmlns:ns=\"wxSiteList\"/>");
+  ASSERT_TRUE(open(xml));
+  EXPECT_EQ(saved(xml), test::c_declaration + "<ns:SiteLists xmlns:ns=\"wxSiteList\"/>");
+}
+
+TEST_F(AnXmlFile, isNotWrittenWithoutADocumentOrWithReservedFlags) {
+  AnXml xml;
+  EXPECT_FALSE(xml.writeFile(path("saved"), false, false));
+  ASSERT_TRUE(open(xml));
+  EXPECT_FALSE(xml.writeFile(path("saved"), true, false));
+  EXPECT_FALSE(xml.writeFile(path("saved"), false, true));
+  EXPECT_FALSE(test::exists(m_directory.file("saved")));
+}
+
+TEST_F(AnXmlFile, staysAsItWasWhenWritingFails) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  AnXmlNode(&xml).setValue(L"Type", L"Server");
+  const auto before = test::snapshot(m_directory.path());
+  for (const test::FileCall call :
+       {test::FileCall::Open, test::FileCall::Write, test::FileCall::Rename}) {
+    test::FaultyFileSystem faults;
+    faults.failEvery(call, EIO);
+    EXPECT_FALSE(xml.writeFile(path(), false, false)) << call;
+    EXPECT_EQ(test::snapshot(m_directory.path()), before) << call;
+  }
+  EXPECT_TRUE(xml.writeFile(path(), false, false));
+  EXPECT_NE(test::snapshot(m_directory.path()), before);
+}
+
+TEST_F(AnXmlFile, keepsItsModeAndIsNotForEverybodyWhenNew) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  ::chmod(m_directory.file("list").c_str(), 0604);
+  EXPECT_TRUE(xml.writeFile(path(), false, false));
+  struct stat info;
+  ASSERT_EQ(::stat(m_directory.file("list").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0604u);
+  const mode_t before = ::umask(0);
+  EXPECT_TRUE(xml.writeFile(path("new"), false, false));
+  ::umask(before);
+  ASSERT_EQ(::stat(m_directory.file("new").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0640u);
+}
+
+TEST_F(AnXmlFile, changesOnlyWhereItIsEdited) {
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  AnXmlNode site;
+  AnXmlNode list;
+  ASSERT_TRUE(AnXmlNode(&xml).getExistingChild(list, L"SiteList", 0, 0, 0, 0));
+  ASSERT_TRUE(list.tryGetChild(site, L"HttpSite", L"Local", L"1", 0, 0));
+  site.remove();
+  ASSERT_TRUE(list.tryGetChild(site, L"FTPSite", 0, 0, 0, 0));
+  site.setValue(L"Order", L"8");
+  std::string expected = c_list;
+  const std::string removed =
+      "<HttpSite Server=\"two:80\" Local=\"1\"><![CDATA[ <raw> ]]>&amp;</HttpSite>";
+  expected.erase(expected.find(removed), removed.size());
+  expected.replace(expected.find("Order=\"7\""), 9, "Order=\"8\"");
+  EXPECT_EQ(saved(xml), expected);
+}
+
+// Lets the n-th allocation of the tree fail.
+std::size_t g_allocationsLeft;
+
+void* failingAllocate(std::size_t size) {
+  if (g_allocationsLeft == 0) return nullptr;
+  --g_allocationsLeft;
+  return std::malloc(size);
+}
+
+TEST_F(AnXmlFile, isNeverCopiedInPartWhenMemoryRunsOut) {
+  const std::string big(40000, 'x');
+  std::string certificates;
+  for (int i = 0; i < 20; ++i)
+    certificates += "<CaCertificate a='" + big + "'>" + big + "</CaCertificate>";
+  write("<ns:SiteLists xmlns:ns='wxSiteList'><CaBundle>" + certificates +
+        "</CaBundle></ns:SiteLists>");
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  AnXmlNode root(&xml);
+  AnXmlNode bundle;
+  ASSERT_TRUE(root.tryGetChild(bundle, L"CaBundle", 0, 0, 0, 0));
+  const auto allocate = pugi::get_memory_allocation_function();
+  const auto deallocate = pugi::get_memory_deallocation_function();
+  pugi::set_memory_management_functions(failingAllocate, std::free);
+  std::size_t failures = 0;
+  bool done = false;
+  for (std::size_t count = 0; count < 1000 && !done; ++count) {
+    g_allocationsLeft = count;
+    try {
+      root.copyAsChild(bundle);
+      done = true;
+    } catch (const std::bad_alloc&) {
+      ++failures;
+    }
+  }
+  pugi::set_memory_management_functions(allocate, deallocate);
+  EXPECT_TRUE(done);
+  EXPECT_GT(failures, 10u);
+}
+
+}  // namespace

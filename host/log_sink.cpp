@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "host/common/encoding.h"
@@ -46,10 +47,10 @@ Output& output() {
 }
 
 void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
-             const wchar_t* text) noexcept {
+             std::wstring_view text) noexcept {
   try {
     const std::wstring componentText = component ? component : L"";
-    const std::wstring whole = std::wstring(prefix) + (text ? text : L"");
+    const std::wstring whole = std::wstring(prefix).append(text);
     const std::lock_guard<std::mutex> guard(output().mutex);
     output().sink(level, componentText, whole);
   } catch (...) {
@@ -58,7 +59,7 @@ void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
 }
 
 void logAt(LogLevel level, const wchar_t* component, const AString& text) noexcept {
-  if (logEnabled(level)) deliver(level, component, L"", text.c_str());
+  if (logEnabled(level)) deliver(level, component, L"", text.str());
 }
 
 }  // namespace

@@ -1,0 +1,53 @@
+#ifndef TESTS_SITEHLP_HOOKED_FILE_SYSTEM_H
+#define TESTS_SITEHLP_HOOKED_FILE_SYSTEM_H
+
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "platform/lock/interprocess_lock.h"
+#include "tests/support/faulty_file_system.h"
+
+namespace test {
+
+// The real file system with a look at the moments when a file is opened and when a new file takes
+// the place of an old one. The actions get the name as the call gave it.
+class HookedFileSystem : public FaultyFileSystem {
+ public:
+  using Action = std::function<void(const std::string& path)>;
+  explicit HookedFileSystem(Action onOpen, Action onRename = nullptr)
+      : m_onOpen(std::move(onOpen)), m_onRename(std::move(onRename)) {}
+
+  int open(int directory, const std::string& path, int flags, mode_t mode) override {
+    if (m_onOpen) m_onOpen(path);
+    return FaultyFileSystem::open(directory, path, flags, mode);
+  }
+  int rename(int directory, const std::string& from, const std::string& to) override {
+    if (m_onRename) m_onRename(to);
+    return FaultyFileSystem::rename(directory, from, to);
+  }
+
+ private:
+  Action m_onOpen;
+  Action m_onRename;
+};
+
+inline bool endsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+enum class LockState { Free, Read, Written };
+inline std::ostream& operator<<(std::ostream& out, LockState state) {
+  return out << (state == LockState::Free ? "free" : state == LockState::Read ? "read" : "written");
+}
+
+// How the lock is held, by whichever process or thread, at this moment.
+inline LockState lockState(const char* name) {
+  using namespace korvel_com::orb::lock;
+  if (InterProcessWriteLock(name).lock(0)) return LockState::Free;
+  return InterProcessReadLock(name).lock(0) ? LockState::Read : LockState::Written;
+}
+
+}  // namespace test
+
+#endif

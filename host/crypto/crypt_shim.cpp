@@ -61,6 +61,8 @@ class Pool {
     if (key != m_key) {
       drop();
       m_key = std::move(key);
+      // A key is made once, so its maker's death is followed by no other making that would clean.
+      if (m_createsKey) cleanBesideKeyFile(m_path);
     }
     return true;
   }

@@ -142,4 +142,10 @@ bool createKeyFile(const std::string& path) {
   return true;
 }
 
+void cleanBesideKeyFile(const std::string& path) {
+  const Descriptor directory(
+      fileSystem().open(AT_FDCWD, path.substr(0, path.rfind('/')), O_RDONLY | O_DIRECTORY, 0));
+  if (directory.error() == 0) removeLeftOverTempFiles(directory.get());
+}
+
 }  // namespace host

@@ -45,6 +45,9 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
 // error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 
+// Removes what a process that died while it made this key has left beside it.
+void cleanBesideKeyFile(const std::string& path);
+
 }  // namespace host
 
 #endif

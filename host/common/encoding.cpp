@@ -62,6 +62,7 @@ std::string toUtf8(const wchar_t* text, std::size_t length) {
 std::size_t utf8Size(const wchar_t* text, std::size_t length) {
   std::size_t size = 0;
   for (std::size_t i = 0; i < length; ++i) {
+    for (; i + 8 < length && isAsciiBlock(text + i); i += 8) size += 8;
     const auto c = static_cast<std::uint32_t>(text[i]);
     // What is beyond U+10FFFF is written as U+FFFD, which takes three bytes.
     size += 1u + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000 && c <= 0x10FFFF);

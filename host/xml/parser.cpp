@@ -9,6 +9,7 @@ namespace AdvXMLParser {
 namespace {
 
 constexpr std::size_t c_pieceCharacters = std::size_t{64} << 10;
+constexpr std::size_t c_maxCharacterBytes = 4;
 
 // A byte that is refused wherever it stands in UTF-8.
 constexpr char c_invalidByte = '\xFF';
@@ -37,7 +38,7 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
     const auto validLength = static_cast<std::size_t>(validEnd - text);
     // One byte more than the piece takes, for the one that stands for what is no character. The
     // parser then finds it and says where it is.
-    char* const buffer = builder.buffer(host::utf8Size(text, validLength) + 1);
+    char* const buffer = builder.buffer(validLength * c_maxCharacterBytes + 1);
     char* bufferEnd = host::writeUtf8(text, validLength, buffer);
     if (validEnd != pieceEnd) *bufferEnd++ = c_invalidByte;
     builder.parse(static_cast<std::size_t>(bufferEnd - buffer), pieceEnd == end);

@@ -1,0 +1,242 @@
+#include <filesystem>
+
+#include "tests/edit/edit_fixture.h"
+#include "tests/edit/lock_watch.h"
+#include "tests/import/key_file_system.h"
+
+using namespace sitehlp;
+using namespace test;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::Pair;
+
+namespace {
+
+const std::string c_versioned = R"(Version="5.1")";
+
+std::string server(const std::string& name, const std::string& more = "") {
+  return "<VestaSite Type=\"master\" Name=\"" + name + "\" Server=\"" + name +
+         ".example:80\" ServerName=\"" + name + ":80\" ServerIP=\"10.0.0.1:80\" " + more + "/>";
+}
+
+class Modify : public EditFixture {
+ protected:
+  void incomingKeys() {
+    for (const char* name :
+         {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin", "req2048seckey.bin"}) {
+      writeFile(incoming.file(name), name);
+    }
+  }
+  // A pair of lists in which both kinds of edit have something to do, and what comes of them.
+  void usualLists() {
+    target(document(vendorHttp(R"(Name="t" Order="1")") + server("old"), "<CaBundle>t</CaBundle>"));
+    source(document(vendorHttp(R"(Name="s" Order="2")") + server("new"), "<CaBundle>s</CaBundle>"));
+  }
+  // Expects failure with these lines and nothing changed on disk.
+  void expectRefusal(const std::vector<LogLine>& lines = {}) {
+    const auto before = onDisk();
+    for (const bool flag : {false, true}) {
+      EXPECT_FALSE(modify(flag, flag));
+      EXPECT_THAT(libraryMessages(agent), ElementsAreArray(lines));
+      EXPECT_EQ(onDisk(), before);
+    }
+  }
+};
+
+TEST_F(Modify, tracesItsScopeAndLogsNothingOfItsOwn) {
+  usualLists();
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_TRUE(tracedScope(agent, L"modifying site list", L"StSHlp"));
+  EXPECT_THAT(libraryTraces(agent, L"StSHlp"), ElementsAre(L"modifying site list"));
+  EXPECT_THAT(libraryMessages(agent), IsEmpty());
+}
+
+TEST_F(Modify, eachFlagAsksForItsOwnEdit) {
+  const std::string attributes = R"(GlobalVersion="G1" LocalVersion="L1" Type="Client")";
+  usualLists();
+  EXPECT_TRUE(modify(true, false));
+  EXPECT_EQ(result(), canonical(document(server("old") + vendorHttp(R"(Name="s" Order="1")"),
+                                         "<CaBundle>t</CaBundle>")));
+  usualLists();
+  EXPECT_TRUE(modify(false, true));
+  EXPECT_EQ(result(), canonical(document(vendorHttp(R"(Name="t" Order="1")") + server("new"), "",
+                                         attributes, "<CaBundle>s</CaBundle>")));
+  usualLists();
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_EQ(result(), canonical(document(vendorHttp(R"(Name="s" Order="1")") + server("new"), "",
+                                         attributes, "<CaBundle>s</CaBundle>")));
+}
+
+TEST_F(Modify, withoutAFlagTheListIsRewrittenAndTheKeysAreCopied) {
+  const std::string text = document(httpElement("a"));
+  target(text);
+  source(document(server("s", c_versioned)));
+  incomingKeys();
+  KeyFileSystem files;
+  EXPECT_TRUE(modify(false, false));
+  EXPECT_EQ(result(), canonical(text));
+  EXPECT_THAT(files.changes, ElementsAre("srpubkey.bin", "sr2048pubkey.bin", "reqseckey.bin",
+                                         "req2048seckey.bin", "SiteList.xml"));
+  EXPECT_EQ(readFile(agent.etc("req2048seckey.bin")), "req2048seckey.bin");
+}
+
+TEST_F(Modify, whatTheRecordsDoNotModelSurvives) {
+  const std::string text =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- before -->\n"
+      "<ns:SiteLists xmlns:ns=\"wxSiteList\" xmlns:x=\"urn:x\" GlobalVersion=\"G\" FipsMode=\"1\" "
+      "x:unknown=\"&lt;&quot;\">\n  <?pi data?>\n  <Policies>\n    <Setting "
+      "name=\"p\">v</Setting>\n"
+      "  </Policies>\n  <x:Extra><![CDATA[<raw & text>]]></x:Extra>\n  <SiteList Default=\"1\">\n"
+      "    <!-- sites -->\n    <HttpSite Name=\"a\" Unknown=\"u\">\n      <Password "
+      "Encrypted=\"1\">sealed</Password><Deep><Deeper d=\"\xc3\xa4\"/></Deep>\n    </HttpSite>\n"
+      "    mixed &amp; text\n  </SiteList>\n</ns:SiteLists>\n<!-- after -->";
+  target(text);
+  source(document(httpElement("b")));
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_EQ(result(), canonical(text));
+}
+
+TEST_F(Modify, theSourceStaysAsItWas) {
+  usualLists();
+  const auto before = snapshot(incoming.path());
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_EQ(snapshot(incoming.path()), before);
+}
+
+TEST_F(Modify, theKeyDirectoryServesASourceWithoutVersionedServer) {
+  target(document(httpElement("a")));
+  source(document(httpElement("b")));
+  writeFile(keyDir.file("srpubkey.bin"), "public");
+  EXPECT_TRUE(modify(true, true, keyDir.path()));
+  EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "public");
+}
+
+TEST_F(Modify, aSourceWithoutSitesIsGoodEnough) {
+  target(document(server("old")));
+  source(document(""));
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_EQ(result(), canonical(document("")));
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed hr=0")));
+}
+
+TEST_F(Modify, theMeshServiceIsNotTold) {
+  usualLists();
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_THAT(snapshot(agent.dataDirectory() + "/mesh"), IsEmpty());
+}
+
+TEST_F(Modify, anotherHelperReadsTheEdit) {
+  usualLists();
+  EXPECT_TRUE(modify(false, true));
+  std::vector<std::wstring> certificates;
+  CSitesHelper helper{wide(own)};
+  tag_Site* list = nullptr;
+  ASSERT_EQ(helper.ReadSiteList(L"", &list, true), 0);
+  ASSERT_NE(list->pNext, nullptr);
+  EXPECT_EQ(std::wstring(list->pNext->http.szName), L"new");
+  EXPECT_EQ(list->pNext->iOrder, 0);
+  CSitesHelper::FreeSiteListMemory(list);
+}
+
+TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
+  usualLists();
+  LockWatch files({"SiteList.xml", "incoming.xml"});
+  EXPECT_TRUE(modify(true, true));
+  // The constructor reads the versions first. The source is opened twice: as a document without a
+  // lock, then as records.
+  EXPECT_THAT(files.seen, ElementsAre("read SiteList.xml: reading", "read SiteList.xml: reading",
+                                      "read incoming.xml: none", "read incoming.xml: reading",
+                                      "write SiteList.xml: writing"));
+}
+
+TEST_F(Modify, failsWithoutAnInstalledList) {
+  source(document(httpElement("a")));
+  expectRefusal();
+  EXPECT_TRUE(tracedScope(agent, L"modifying site list", L"StSHlp"));
+}
+
+TEST_F(Modify, failsWhereTheInstalledListIsNoSiteList) {
+  source(document(httpElement("a")));
+  for (const char* text :
+       {"", "text", "<ns:SiteLists xmlns:ns=\"wxSiteList\"><SiteList>",
+        "<SiteLists xmlns:ns=\"wxSiteList\"><SiteList/></SiteLists>",
+        "<ns:SiteLists xmlns:ns=\"other\"><SiteList/></ns:SiteLists>",
+        "<ns:SiteLists xmlns:ns=\"wxSiteList\"/>",
+        "<ns:SiteLists xmlns:ns=\"wxSiteList\"><X><SiteList/></X></ns:SiteLists>"}) {
+    target(text);
+    expectRefusal();
+  }
+}
+
+TEST_F(Modify, failsWithoutASource) {
+  target(document(httpElement("a")));
+  expectRefusal();
+  std::filesystem::create_directory(src);
+  expectRefusal();
+}
+
+TEST_F(Modify, failsWhereTheSourceIsNoSiteList) {
+  target(document(httpElement("a")));
+  for (const char* text : {"", "text", "<ns:SiteLists xmlns:ns=\"wxSiteList\"><SiteList>",
+                           "<SiteLists xmlns:ns=\"wxSiteList\"><SiteList/></SiteLists>",
+                           "<ns:SiteLists xmlns:ns=\"other\"><SiteList/></ns:SiteLists>",
+                           "<ns:SiteLists xmlns:ns=\"wxSiteList\"/>"}) {
+    source(text);
+    expectRefusal();
+  }
+}
+
+TEST_F(Modify, failsWhereTheSourceCannotBeReadAsRecords) {
+  target(document(server("old")));
+  source(document(server("new", c_versioned) + "<Unheard/>"));
+  incomingKeys();
+  expectRefusal({errorLine(L"Failed hr=-1")});
+}
+
+TEST_F(Modify, failsWithoutTheKeysOfTheSource) {
+  target(document(server("old")));
+  source(document(server("new", c_versioned)));
+  expectRefusal();
+  writeFile(incoming.file("srpubkey.bin"), "");
+  expectRefusal({errorLine(wide(incoming.file("srpubkey.bin")) + L" is invalid"),
+                 infoLine(L"There could be another set of key files to be used.")});
+}
+
+TEST_F(Modify, failsWhereAKeyIsReadOnly) {
+  target(document(server("old")));
+  source(document(server("new", c_versioned)));
+  incomingKeys();
+  writeFile(agent.etc("srpubkey.bin"), "old");
+  KeyFileSystem files;
+  files.readOnly = {agent.etc("srpubkey.bin")};
+  expectRefusal({errorLine(L"Can't write " + wide(agent.etc("srpubkey.bin")))});
+}
+
+TEST_F(Modify, aKeyThatCannotBeWrittenLeavesTheListAndTheKeysBeforeIt) {
+  target(document(server("old")));
+  const std::string before = readFile(own);
+  source(document(server("new", c_versioned)));
+  incomingKeys();
+  KeyFileSystem files;
+  files.irreplaceable = {"reqseckey.bin"};
+  EXPECT_FALSE(modify(true, true));
+  EXPECT_THAT(onDisk(), ElementsAre(Pair("SiteList.xml", before),
+                                    Pair("sr2048pubkey.bin", "sr2048pubkey.bin"),
+                                    Pair("srpubkey.bin", "srpubkey.bin")));
+}
+
+TEST_F(Modify, aListThatCannotBeWrittenStaysAndTheKeysAreThere) {
+  target(document(server("old")));
+  const std::string before = readFile(own);
+  source(document(server("new", c_versioned)));
+  incomingKeys();
+  KeyFileSystem files;
+  files.irreplaceable = {"SiteList.xml"};
+  EXPECT_FALSE(modify(true, true));
+  EXPECT_THAT(libraryMessages(agent), IsEmpty());
+  EXPECT_EQ(onDisk().size(), 5u);
+  EXPECT_EQ(readFile(own), before);
+}
+
+}  // namespace

@@ -58,6 +58,24 @@ case $name in
       -Wl,-rpath,"$TREE/$LIBDIR" -o consumer
     ./consumer "$WORK"
     ;;
+  guide)
+    # The first guide's program and project, as they stand there, on the example list.
+    guide=$source/../../docs/guide-first-import.md
+    examples=$source/../../examples
+    mkdir program agent
+    block() { awk -v opening="\`\`\`$1" '$0 == "```" { inside = 0 } inside; $0 == opening { inside = 1 }' "$guide"; }
+    block cpp >program/first_import.cpp
+    block cmake >program/CMakeLists.txt
+    cmp program/first_import.cpp "$examples/first-import/first_import.cpp" ||
+      fail "the program in the guide is not the one in the examples"
+    cmake -S program -B build -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$FLAGS" \
+      -DCMAKE_PREFIX_PATH="$TREE" >configure.log
+    cmake --build build
+    ./build/first_import "$WORK/agent" "$examples/incoming/SiteList.xml" >sites
+    cat sites
+    [ -s agent/etc/SiteList.xml ] || fail "no list was installed"
+    [ "$(wc -l <sites)" -gt 1 ] || fail "no sites were printed"
+    ;;
   tool)
     "$TREE/bin/sitelist" --version | grep -F "$VERSION"
     ;;

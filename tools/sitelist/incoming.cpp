@@ -23,6 +23,14 @@ bool wasLogged(const wchar_t* start) {
   return false;
 }
 
+bool hasVersionedServer(const std::string& path) {
+  const SiteList list = readSiteList(path);
+  for (const sitehlp::tag_Site* site = list.sites.get(); site; site = site->pNext) {
+    if (std::string(kindOf(*site)) == "server" && site->http.szVersion[0]) return true;
+  }
+  return false;
+}
+
 void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
   const std::string directory = std::filesystem::path(ownList).parent_path().string();
   std::error_code error;
@@ -36,11 +44,11 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
   }
   throw libraryFailure(
       options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
-      options.keyDirectory.empty()
-          ? "put a public and a request key file, srpubkey.bin and reqseckey.bin or "
-            "sr2048pubkey.bin and\n  req2048seckey.bin, beside the list"
-          : "put a public and a request key file beside the list if its server has a version, else "
-            "srpubkey.bin\n  into the directory that --keys names");
+      hasVersionedServer(options.file)
+          ? "put srpubkey.bin and reqseckey.bin, or sr2048pubkey.bin and req2048seckey.bin,\n"
+            "  beside the list, none of them empty"
+          : "put srpubkey.bin, not empty, into the directory that --keys names, or leave --keys "
+            "out");
 }
 
 }  // namespace
@@ -82,15 +90,14 @@ void warnOfLostPasswords(const std::string& file) {
 }  // namespace
 
 void addIncomingOptions(CLI::App& command, IncomingOptions& options) {
-  command.add_option("FILE", options.file, "The incoming site list")->required();
+  command.add_option("FILE", options.file, "The incoming site list")->required()->type_name("");
   command
       .add_option("--keys", options.keyDirectory,
-                  "Where the server's public key is, for a list whose server has no version")
+                  "Where the server's public key is, for a list whose server\nhas no version")
       ->type_name("DIR");
   command.add_flag(
       "--dry-run", options.dryRun,
-      "Say what would change in the agent's list, key files and FIPS marker, and write "
-      "nothing");
+      "Say what would change in the agent's list, key files and\nFIPS marker, and write nothing");
 }
 
 int takeIncoming(const Context& context, const IncomingOptions& options) {

@@ -56,6 +56,7 @@ bool holdsLostPassword(const Element& site) {
 }
 
 std::string siteName(const Element& site) {
+  if (site.HasName(schema::WX_XML_PROXY_CONFIG_LIST)) return "the proxy settings";
   const std::wstring name = site.GetAttribute(schema::WX_XML_SITE_NAME).GetValue();
   return shown(name.empty() ? site.GetName() : name);
 }

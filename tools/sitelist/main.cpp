@@ -63,13 +63,13 @@ int run(std::vector<std::string> arguments) {
   CLI::App app("Looks after the site list of an endpoint agent.", "sitelist");
   Context context;
   context.agentDirectory = c_defaultAgentDirectory;
-  app.add_option("--agent-dir", context.agentDirectory, "Data directory of the agent to serve")
-      ->type_name("DIR")
-      ->capture_default_str();
+  app.add_option("--agent-dir", context.agentDirectory,
+                 "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
+      ->type_name("DIR");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   app.set_version_flag("--version", "sitelist " SITELIST_VERSION, "Print the version and exit");
-  app.require_subcommand(1);
   app.fallthrough();
+  app.get_formatter()->column_width(22);
   app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
              c_exitStatusHelp);
   addCommands(app, context);
@@ -83,6 +83,10 @@ int run(std::vector<std::string> arguments) {
     if (e.get_exit_code() == 0) return app.exit(e);
     std::cerr << "sitelist: " << shown(std::string(e.what()))
               << "\n  next: see `sitelist --help`, or --help behind a command\n";
+    return exitUsage;
+  }
+  if (!context.action) {
+    std::cerr << app.help();
     return exitUsage;
   }
   context.agentDirectory = fullPath(context.agentDirectory);

@@ -30,8 +30,8 @@ constexpr Rule c_rules[] = {
     {"server-computer-name", L"computer name cannot be empty", L"", true, "it has a computer name"},
     {"server-path", L"path cannot be empty", L"", true, "it has a path"},
     {"server-request-key", L"", L"req2048seckey.bin is invalid", false,
-     "a server with a version has a request key file beside the list"},
-    {"server-public-key", L"", L"sr2048pubkey.bin is invalid", false, "and a public key file"},
+     "with a version it has a request key beside the list"},
+    {"server-public-key", L"", L"sr2048pubkey.bin is invalid", false, "and a public key"},
 };
 
 bool endsWith(const std::wstring& text, const std::wstring& end) {

@@ -54,7 +54,7 @@ int certs(const Context& context, const std::string& file) {
 void addCerts(CLI::App& app, Context& context) {
   CLI::App* const command = app.add_subcommand("certs", "Print the CA certificates of a list");
   const auto file = std::make_shared<std::string>();
-  command->add_option("FILE", *file, "A site list; without it, the agent's own");
+  command->add_option("FILE", *file, "A site list (default: the agent's own)")->type_name("");
   command->footer(
       "Examples:\n"
       "  sitelist certs\n"

@@ -9,8 +9,9 @@ void addImport(CLI::App& app, Context& context) {
   options->isChecked = true;
   addIncomingOptions(*command, *options);
   command->footer(
-      "The management server is checked when the agent is under central management; see `sitelist "
-      "validate --help`.\n\n"
+      "The management server is checked when the agent is under central management;\n"
+      "see `sitelist validate --help`.\n"
+      "\n"
       "Examples:\n"
       "  sitelist import incoming/SiteList.xml\n"
       "  sitelist import --dry-run incoming/SiteList.xml\n"

@@ -102,21 +102,23 @@ int init(const Context& context, const Options& options) {
 }  // namespace
 
 void addInit(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
-      "init", "Make an agent's data directory with its settings, locks and password key");
+  CLI::App* const command =
+      app.add_subcommand("init", "Make an agent's data directory and its settings");
   const auto options = std::make_shared<Options>();
   command->add_flag("--managed", options->managed, "The agent is under central management");
   command
-      ->add_option("--mesh-path", options->meshPath,
-                   "The mesh service's copy of the list, if not mesh/SiteList.xml in the directory")
+      ->add_option(
+          "--mesh-path", options->meshPath,
+          "The mesh service's copy of the list\n(default: mesh/SiteList.xml in the data directory)")
       ->type_name("PATH");
   // What follows the program was taken off the command line before; see Context::meshCommand.
-  command->add_flag(
-      "--mesh-command", options->hasMeshCommand,
-      "PROGRAM ARG... that makes the mesh service load its copy; the program by its full "
-      "path. All that follows belongs to it, so it comes last.");
+  command->add_flag("--mesh-command", options->hasMeshCommand,
+                    "PROGRAM ARG... that makes the mesh service load its copy.\nThe program by its "
+                    "full path; all that follows belongs to\nit, so this option comes last.");
   command->footer(
-      "Refuses to touch a directory that has an agent.toml.\n\n"
+      "Makes the directories, the settings file agent.toml, the lock files and the\n"
+      "password key. Refuses to touch a directory that has an agent.toml.\n"
+      "\n"
       "Examples:\n"
       "  sitelist --agent-dir ./agent init\n"
       "  sitelist --agent-dir ./agent init --managed \\\n"

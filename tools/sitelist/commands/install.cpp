@@ -3,8 +3,8 @@
 namespace tool {
 
 void addInstall(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
-      "install", "Make an incoming site list the agent's own as it is, unchecked");
+  CLI::App* const command =
+      app.add_subcommand("install", "Make an incoming site list the agent's own unchecked");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
   addIncomingOptions(*command, *options);

@@ -68,20 +68,23 @@ int merge(const Context& context, const Options& options) {
 }  // namespace
 
 void addMerge(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
-      "merge", "Merge site lists into a new one, which goes to standard output or a file");
+  CLI::App* const command = app.add_subcommand("merge", "Merge site lists into a new one");
   const auto options = std::make_shared<Options>();
   command->add_option("--first", options->first, "The first list")->type_name("FILE");
   command->add_option("--second", options->second, "The second list")->type_name("FILE");
-  command->add_option("--output", options->output, "Where to write the result")->type_name("FILE");
+  command
+      ->add_option("--output", options->output,
+                   "Where to write the result (default: standard output)")
+      ->type_name("FILE");
   command->footer(
-      "Without --second: the agent's own list, with the first list's fallback site put in and its\n"
-      "management servers in place of the list's own.\n"
-      "With both: the second list, followed by the first without its proxy settings.\n"
-      "With --second alone: the second list, with the own list's fallback site put in and its\n"
-      "management servers in place of the second's.\n"
-      "Versions, certificates and policy settings are those of the second list or, without it, of\n"
-      "the agent's own; the local version is the present time.\n\n"
+      "Without --second: the agent's own list, with the first list's fallback site\n"
+      "put in and its management servers in place of the list's own.\n"
+      "With both: the second list, then the first without its proxy settings.\n"
+      "With --second alone: the second list, with the own list's fallback site put in\n"
+      "and its management servers in place of the second's.\n"
+      "Versions, certificates and policy settings are those of the second list or,\n"
+      "without it, of the agent's own; the local version is the present time.\n"
+      "\n"
       "Examples:\n"
       "  sitelist merge --first incoming/SiteList.xml > merged.xml\n"
       "  sitelist merge --first a.xml --second b.xml --output merged.xml\n");

@@ -44,14 +44,15 @@ void addPolicies(CLI::App& app, Context& context) {
   CLI::App* const command =
       app.add_subcommand("policies", "Print the policy settings of a list, or set one");
   const auto options = std::make_shared<Options>();
-  command->add_option(
-      "FILE", options->file,
-      "A site list; without it, the agent's own. Write ./set for a file named set.");
+  command
+      ->add_option("FILE", options->file,
+                   "A site list (default: the agent's own); ./set for a file\nof the name set")
+      ->type_name("");
   CLI::App* const setCommand =
       command->add_subcommand("set", "Set a policy setting in the agent's own list");
   setCommand->fallthrough();
-  setCommand->add_option("NAME", options->name, "Its name")->required();
-  setCommand->add_option("VALUE", options->value, "Its value")->required();
+  setCommand->add_option("NAME", options->name, "Its name")->required()->type_name("");
+  setCommand->add_option("VALUE", options->value, "Its value")->required()->type_name("");
   setCommand->footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
   command->footer(
       "Examples:\n"

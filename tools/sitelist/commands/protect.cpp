@@ -98,11 +98,12 @@ int protect(const Context& context) {
 }  // namespace
 
 void addProtect(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
-      "protect", "Print the protected form of a password, for a \"Password\" element");
+  CLI::App* const command = app.add_subcommand("protect", "Print the protected form of a password");
   command->footer(
-      "The clear password is the first line of standard input, never part of the command line. "
-      "Only the\nsame agent can read the protected form.\n\n"
+      "The clear password is the first line of standard input, never part of the\n"
+      "command line. Only the same agent can read the protected form, which goes into a\n"
+      "\"Password\" element as it is, without white space around it.\n"
+      "\n"
       "Examples:\n"
       "  sitelist protect\n"
       "  sitelist protect < password.txt\n");

@@ -31,14 +31,15 @@ int rewrite(const Context& context, const Options& options) {
 }  // namespace
 
 void addRewrite(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
-      "rewrite", "Read a site list and write it anew, as the agent itself writes it");
+  CLI::App* const command = app.add_subcommand("rewrite", "Read a site list and write it anew");
   const auto options = std::make_shared<Options>();
-  command->add_option("SRC", options->source, "The list to read")->required();
-  command->add_option("DST", options->destination, "Where to write it")->required();
+  command->add_option("SRC", options->source, "The list to read")->required()->type_name("");
+  command->add_option("DST", options->destination, "Where to write it")->required()->type_name("");
   command->footer(
-      "Versions, type, certificates and policy settings are carried over; passwords are protected "
-      "anew\nwith the agent's key. What the agent does not read from a list is left out.\n\n"
+      "Writes as the agent itself does. Versions, type, certificates and policy\n"
+      "settings are carried over; passwords are protected anew with the agent's key.\n"
+      "What the agent does not read from a list is left out.\n"
+      "\n"
       "Example:\n"
       "  sitelist rewrite incoming/SiteList.xml tidy.xml\n");
   command->callback([&context, options] {

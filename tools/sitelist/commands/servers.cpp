@@ -42,7 +42,7 @@ void addServers(CLI::App& app, Context& context) {
       app.add_subcommand("servers", "Print where the agent's management server is");
   const auto options = std::make_shared<Options>();
   command->add_flag("--all", options->all,
-                    "All management servers by ascending order, with \";\" between them; the port "
+                    "All management servers by ascending order, with \";\"\nbetween them; the port "
                     "is the last one's");
   command->add_flag("--non-secure-port", options->nonSecurePort,
                     "The plain port, also where there is a secure one");

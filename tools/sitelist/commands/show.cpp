@@ -144,9 +144,10 @@ void addShow(CLI::App& app, Context& context) {
   CLI::App* const command =
       app.add_subcommand("show", "Print the sites in search order, then the proxy settings");
   const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A site list; without it, the agent's own");
+  command->add_option("FILE", options->file, "A site list (default: the agent's own)")
+      ->type_name("");
   command->add_flag("--json", options->json,
-                    "One JSON object: the result, the versions, and in \"sites\" every field of "
+                    "One JSON object: the result, the versions, and in \"sites\"\nevery field of "
                     "every record, in the order of the list");
   command->add_flag("--show-secrets", options->showSecrets,
                     "Print clear passwords instead of ********");

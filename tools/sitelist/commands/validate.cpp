@@ -61,6 +61,10 @@ int validateOne(const std::string& file, bool checkServer) {
 }
 
 int validate(const Context& context, const Options& options) {
+  if (options.managed && options.unmanaged) {
+    throw Failure(exitUsage,
+                  "--managed and --unmanaged exclude each other\n  next: give at most one of them");
+  }
   const PrivateAgent agent(context, PrivateAgent::Detached);
   int status = exitSuccess;
   for (const std::string& file : options.files) {
@@ -76,21 +80,21 @@ void addValidate(CLI::App& app, Context& context) {
   CLI::App* const command =
       app.add_subcommand("validate", "Check whether site lists can be imported");
   const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Site lists")->required();
-  CLI::Option* const managed = command->add_flag(
-      "--managed", options->managed,
-      "Check as an agent under central management does, management server included (the default)");
-  command
-      ->add_flag("--unmanaged", options->unmanaged,
-                 "Check as an agent does that is not under central management")
-      ->excludes(managed);
+  command->add_option("FILE", options->files, "Site lists")->required()->type_name("");
+  command->add_flag("--managed", options->managed,
+                    "Check as an agent under central management does,\nmanagement server included "
+                    "(the default)");
+  command->add_flag("--unmanaged", options->unmanaged,
+                    "Check as an agent does that is not under central\nmanagement");
   command->footer(
-      "Needs no agent, and writes nothing. Each fault is one line, FILE: RULE: TEXT, of these "
-      "rules:\n\n" +
+      "Needs no agent, and writes nothing. Each fault is one line, FILE: RULE: TEXT.\n"
+      "The rules:\n" +
       ruleHelp() +
-      "\nand of the document itself (no rule is checked then): missing-file, unreadable-file,\n"
-      "invalid-encoding, over-limit, not-well-formed with LINE:COLUMN, unknown-site. Of several "
-      "lists\nthe exit status is the highest.\n\n"
+      "Faults of the document itself, which leave nothing to check:\n"
+      "  missing-file, unreadable-file, invalid-encoding, over-limit,\n"
+      "  not-well-formed (with LINE:COLUMN), unknown-site (the last site's element is\n"
+      "  of no known kind)\n"
+      "Of several lists the exit status is the highest.\n\n"
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
       "  sitelist validate --unmanaged lists/*.xml\n");

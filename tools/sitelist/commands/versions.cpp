@@ -34,7 +34,7 @@ void addVersions(CLI::App& app, Context& context) {
   CLI::App* const command =
       app.add_subcommand("versions", "Print a list's versions, type and FIPS mode");
   const auto file = std::make_shared<std::string>();
-  command->add_option("FILE", *file, "A site list; without it, the agent's own");
+  command->add_option("FILE", *file, "A site list (default: the agent's own)")->type_name("");
   command->footer(
       "Examples:\n"
       "  sitelist versions\n"

@@ -1,0 +1,27 @@
+#ifndef TESTS_CLI_DOCUMENTS_H
+#define TESTS_CLI_DOCUMENTS_H
+
+#include <map>
+#include <string>
+
+namespace test {
+
+// A document with these root attributes and this content in front of its "SiteList".
+std::string document(const std::string& sites, const std::string& beforeSites = "",
+                     const std::string& rootAttributes =
+                         R"(GlobalVersion="20260101000000" LocalVersion="20260102000000")");
+
+// A complete management server without a version. An attribute in `changes` replaces the one of
+// that name, or takes it away when its text is empty; "RelativePath" is the child element.
+std::string serverSite(const std::map<std::string, std::string>& changes = {});
+
+std::string httpSite(const std::string& name, const std::string& order = "1",
+                     const std::string& password = "");
+
+// A self-signed certificate in PEM form with the common name "Test authority", and its fingerprint.
+extern const char* const c_certificatePem;
+extern const char* const c_certificateFingerprint;
+
+}  // namespace test
+
+#endif

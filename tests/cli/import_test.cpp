@@ -1,0 +1,142 @@
+#include <sys/stat.h>
+
+#include "tests/cli/cli_fixture.h"
+#include "tests/cli/documents.h"
+
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class CliImport : public CliTest {
+ protected:
+  // An incoming list of a server with a version, and its key files.
+  std::string incomingWithKeys() {
+    for (const char* name : {"srpubkey.bin", "reqseckey.bin"}) {
+      write(std::string("in/") + name, std::string("content of ") + name);
+    }
+    return write("in/list.xml", document(serverSite({{"Version", "5.9"}}) + httpSite("depot")));
+  }
+};
+
+TEST_F(CliImport, MakesTheListAndItsKeyFilesTheAgentsOwn) {
+  initAgent({"--managed"});
+  const Output output = sitelist({"import", incomingWithKeys()});
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_EQ(output.out, "");
+  EXPECT_EQ(output.err,
+            "sitelist: " + ownList() + " now holds 2 entries, global version 20260101000000\n");
+  EXPECT_THAT(readFile(ownList()), HasSubstr("LocalVersion=\"20260102000000\""));
+  EXPECT_EQ(readFile(file("agent/etc/srpubkey.bin")), "content of srpubkey.bin");
+  EXPECT_EQ(readFile(file("agent/etc/reqseckey.bin")), "content of reqseckey.bin");
+  EXPECT_EQ(readFile(file("agent/mesh/SiteList.xml")), readFile(ownList()));
+}
+
+TEST_F(CliImport, RefusesAListThatBreaksRulesAndNamesThem) {
+  initAgent({"--managed"});
+  setOwnList(document(serverSite()));
+  const auto before = agentFiles();
+  const std::string path =
+      write("list.xml", document(serverSite({{"Name", ""}, {"ServerIP", ""}})));
+  const Output output = sitelist({"import", path});
+  EXPECT_EQ(output.status, 1);
+  EXPECT_EQ(output.err,
+            path + ": server-name: name cannot be empty\n" + path +
+                ": server-ip-address: VESTA IP address cannot be empty\nsitelist: " + path +
+                ": the list is refused, and nothing was changed (-9, 0xFFFFFFF7)\n"
+                "  next: mend the faults named above\n");
+  EXPECT_EQ(agentFiles(), before);
+}
+
+TEST_F(CliImport, ChecksForAServerOnlyOnAManagedAgent) {
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  initAgent();
+  EXPECT_EQ(sitelist({"import", path}).status, 0);
+  write("agent/agent.toml", "managed = true\n");
+  const Output refused = sitelist({"import", path});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_THAT(refused.err, HasSubstr("(-8, 0xFFFFFFF8)"));
+  EXPECT_EQ(sitelist({"install", path}).status, 0) << "install checks nothing";
+}
+
+TEST_F(CliImport, PassesOnTheLibrarysWarnings) {
+  initAgent();
+  const std::string path =
+      write("list.xml", document(httpSite("depot"),
+                                 "<Policies><Setting name=\"OverwriteClientSites\">1</Setting>"
+                                 "</Policies>"));
+  const Output output = sitelist({"import", path});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_THAT(output.err, HasSubstr("WARNING: imported site list \"" + path + "\""));
+}
+
+TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
+  ASSERT_EQ(sitelist({"init", "--mesh-command", "/bin/sh", "-c", "exit 3"}).status, 0);
+  const Output output = sitelist({"import", write("list.xml", document(httpSite("depot")))});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_THAT(output.err, HasSubstr("sitelist: Load new sitelist command failed.\n"));
+}
+
+TEST_F(CliImport, NamesTheSitesWhosePasswordsAreLost) {
+  initAgent();
+  const std::string good = protectedText("good");
+  const std::string path = write(
+      "list.xml", document(httpSite("kept", "1", good) + httpSite("lost", "2", "never protected")));
+  const Output output = sitelist({"import", path});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_THAT(output.err, HasSubstr("does not open the password of lost; it is now empty"));
+  EXPECT_THAT(output.err, Not(HasSubstr("of kept")));
+}
+
+TEST_F(CliImport, MissingKeyFilesAreAKeyFailure) {
+  initAgent();
+  const std::string path = write("in/list.xml", document(serverSite({{"Version", "5.9"}})));
+  const Output beside = sitelist({"install", path});
+  EXPECT_EQ(beside.status, 5);
+  EXPECT_THAT(beside.err, HasSubstr("key files that belong to the list could not be copied (-1, "
+                                    "0xFFFFFFFF)\n  next: put srpubkey.bin and reqseckey.bin"));
+  const std::string unversioned = write("list.xml", document(httpSite("depot")));
+  const Output named = sitelist({"import", unversioned, "--keys", file("tmp")});
+  EXPECT_EQ(named.status, 5);
+  EXPECT_THAT(named.err, HasSubstr("into the directory that --keys names"));
+  EXPECT_FALSE(exists(ownList()));
+}
+
+TEST_F(CliImport, TakesThePublicKeyFromTheNamedDirectory) {
+  initAgent();
+  write("keys/srpubkey.bin", "public");
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  EXPECT_EQ(sitelist({"import", path, "--keys", file("keys")}).status, 0);
+  EXPECT_EQ(readFile(file("agent/etc/srpubkey.bin")), "public");
+}
+
+TEST_F(CliImport, AListThatCannotBeWrittenIsAFileFailure) {
+  initAgent();
+  write("agent/etc/SiteList.xml/in-the-way", "");
+  const Output output = sitelist({"import", write("list.xml", document(httpSite("depot")))});
+  EXPECT_EQ(output.status, 4) << output.err;
+  EXPECT_THAT(output.err, HasSubstr(ownList() + ": the list could not be written"));
+}
+
+TEST_F(CliImport, ADirectoryThatCannotBeMadeIsAFileFailure) {
+  write("agent/etc", "a file in its place");
+  const Output output = sitelist({"import", write("list.xml", document(httpSite("depot")))});
+  EXPECT_EQ(output.status, 4) << output.err;
+  EXPECT_THAT(output.err, HasSubstr(file("agent/etc") + ": the agent's files could not be"));
+}
+
+TEST_F(CliImport, ABrokenDocumentLeavesEverythingAsItWas) {
+  initAgent();
+  setOwnList(document(httpSite("depot")));
+  const auto before = agentFiles();
+  const Output output = sitelist({"import", write("list.xml", "<a>\n<b></a>")});
+  EXPECT_EQ(output.status, 3);
+  EXPECT_THAT(output.err, HasSubstr("list.xml: the document is not well formed (-5, 0xFFFFFFFB)\n"
+                                    "  line 2, column "));
+  EXPECT_EQ(sitelist({"install", file("none.xml")}).status, 4);
+  EXPECT_EQ(agentFiles(), before);
+}
+
+}  // namespace
+}  // namespace test

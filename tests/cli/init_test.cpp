@@ -1,0 +1,66 @@
+#include <sys/stat.h>
+
+#include "tests/cli/cli_fixture.h"
+
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+
+class CliInit : public CliTest {};
+
+TEST_F(CliInit, MakesTheWholeDataDirectory) {
+  const Output output = sitelist({"init"});
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_EQ(output.out, "");
+  EXPECT_THAT(output.err, HasSubstr("made an unmanaged agent in " + file("agent")));
+  for (const char* name : {"agent/agent.toml", "agent/etc", "agent/mesh", "agent/locks",
+                           "agent/keystore/password.key"}) {
+    EXPECT_TRUE(exists(file(name))) << name;
+  }
+}
+
+TEST_F(CliInit, KeepsTheKeysToTheOwner) {
+  initAgent();
+  struct stat status = {};
+  ASSERT_EQ(::stat(file("agent/keystore").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700U);
+  ASSERT_EQ(::stat(file("agent/keystore/password.key").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600U);
+}
+
+TEST_F(CliInit, WritesTheSettingsThatWereAskedFor) {
+  const Output output = sitelist({"init", "--managed", "--mesh-path", file("copy.xml"),
+                                  "--mesh-command", "/bin/sh", "-c", "exit 0", "--managed"});
+  ASSERT_EQ(output.status, 0) << output.err;
+  const host::AgentSettings settings = host::readAgentSettings(file("agent"));
+  EXPECT_TRUE(settings.managed);
+  EXPECT_EQ(settings.meshSiteListPath, file("copy.xml"));
+  EXPECT_THAT(settings.meshLoadCommand,
+              testing::ElementsAre("/bin/sh", "-c", "exit 0", "--managed"));
+}
+
+TEST_F(CliInit, RefusesADirectoryThatHasAnAgent) {
+  initAgent({"--managed"});
+  const auto before = agentFiles();
+  const Output output = sitelist({"init"});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_THAT(output.err, HasSubstr("agent.toml: there is an agent already\n  next: "));
+  EXPECT_EQ(agentFiles(), before);
+}
+
+TEST_F(CliInit, NamesTheDirectoryThatCannotBeMade) {
+  write("agent", "a file in its place");
+  const Output output = sitelist({"init"});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_THAT(output.err, HasSubstr(file("agent/etc") + ": cannot be made: "));
+}
+
+TEST_F(CliInit, AsksForTheMeshProgramsFullPath) {
+  EXPECT_EQ(sitelist({"init", "--mesh-command"}).status, 2);
+  EXPECT_EQ(sitelist({"init", "--mesh-command", "sh", "-c", "exit 0"}).status, 2);
+  EXPECT_FALSE(exists(file("agent")));
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,72 @@
+#include "tests/cli/cli_fixture.h"
+#include "tests/cli/documents.h"
+
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+
+std::string lineOf(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+class CliProtect : public CliTest {
+ protected:
+  void SetUp() override { initAgent(); }
+};
+
+TEST_F(CliProtect, MakesWhatTheAgentReadsBack) {
+  for (const std::string clear : {"fair & windy", "", "東京 ключ", " spaces "}) {
+    setOwnList(document(httpSite("depot", "1", protectedText(clear))));
+    EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out, HasSubstr("\"password\": \""));
+    const Output shown = sitelist({"rewrite", ownList(), file("copy.xml")});
+    EXPECT_EQ(shown.status, 0) << "the key opens it: " << shown.err;
+  }
+  setOwnList(document(httpSite("depot", "1", protectedText(" spaces "))));
+  EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out,
+              HasSubstr("\"password\": \" spaces \""));
+}
+
+TEST_F(CliProtect, TakesTheFirstLineOnlyWithOrWithoutItsEnd) {
+  const Output withoutEnd = sitelist({"protect"}, "fair");
+  ASSERT_EQ(withoutEnd.status, 0) << withoutEnd.err;
+  setOwnList(document(httpSite("depot", "1", lineOf(withoutEnd.out))));
+  const std::string first = sitelist({"show", "--json", "--show-secrets"}).out;
+  EXPECT_THAT(first, HasSubstr("\"password\": \"fair\""));
+  setOwnList(document(httpSite("depot", "1", lineOf(sitelist({"protect"}, "fair\nwindy\n").out))));
+  EXPECT_EQ(sitelist({"show", "--json", "--show-secrets"}).out, first);
+}
+
+TEST_F(CliProtect, RefusesWhatASiteListCannotCarry) {
+  EXPECT_EQ(sitelist({"protect"}, std::string(259, 'x') + "\n").status, 0);
+  const Output tooLong = sitelist({"protect"}, std::string(260, 'x') + "\n");
+  EXPECT_EQ(tooLong.status, 2);
+  EXPECT_THAT(tooLong.err, HasSubstr("longer than 259 characters"));
+  EXPECT_EQ(sitelist({"protect"}, std::string(100000, 'x')).status, 2);
+  const Output invalid = sitelist({"protect"}, "\xFF\xFE\n");
+  EXPECT_EQ(invalid.status, 2);
+  EXPECT_THAT(invalid.err, HasSubstr("UTF-8"));
+}
+
+TEST_F(CliProtect, TakesNoPasswordFromTheCommandLine) {
+  EXPECT_EQ(sitelist({"protect", "fair"}).status, 2);
+}
+
+TEST_F(CliProtect, FailsWithoutAUsableKey) {
+  write("agent/keystore/password.key", "too short");
+  const Output output = sitelist({"protect"}, "fair\n");
+  EXPECT_EQ(output.status, 5);
+  EXPECT_EQ(output.out, "");
+  EXPECT_THAT(output.err, HasSubstr("the password cannot be protected\n  next: "));
+}
+
+TEST_F(CliProtect, LeavesNoPasswordInTheDetailLog) {
+  const std::string clear = "exceedingly fair weather";
+  const Output sealed = sitelist({"--verbose", "protect"}, clear + "\n");
+  EXPECT_THAT(sealed.err, testing::Not(HasSubstr(clear)));
+  setOwnList(document(httpSite("depot", "1", lineOf(sealed.out))));
+  const Output shown = sitelist({"--verbose", "show"});
+  EXPECT_THAT(shown.err, HasSubstr("detail SiteHlp: "));
+  EXPECT_THAT(shown.err, testing::Not(HasSubstr(clear)));
+}
+
+}  // namespace
+}  // namespace test

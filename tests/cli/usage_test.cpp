@@ -1,0 +1,151 @@
+#include "tests/cli/cli_fixture.h"
+#include "tests/cli/documents.h"
+
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+
+class CliUsage : public CliTest {};
+
+const std::vector<std::string> c_commands = {
+    "init",     "show",   "versions", "servers", "certs",   "policies",
+    "validate", "import", "install",  "merge",   "rewrite", "protect",
+};
+
+TEST_F(CliUsage, EveryCommandHasHelpWithAnExampleThatFitsATerminal) {
+  const Output all = bare({"--help"});
+  EXPECT_EQ(all.status, 0);
+  for (const std::string& command : c_commands) {
+    EXPECT_THAT(all.out, HasSubstr("\n  " + command + " "));
+    const Output output = bare({command, "--help"});
+    EXPECT_EQ(output.status, 0) << command;
+    EXPECT_EQ(output.err, "");
+    EXPECT_THAT(output.out, HasSubstr("Example"));
+    EXPECT_THAT(output.out, HasSubstr("\n  sitelist "));
+    std::size_t begin = 0;
+    for (std::size_t end; (end = output.out.find('\n', begin)) != std::string::npos;
+         begin = end + 1) {
+      EXPECT_LE(end - begin, 80U) << command << ": " << output.out.substr(begin, end - begin);
+    }
+  }
+}
+
+TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
+  EXPECT_THAT(bare({"--help"}).out,
+              HasSubstr("Exit status:\n"
+                        "   0  success\n"
+                        "   1  the answer is no: a rule failed, or nothing was found\n"
+                        "   2  wrong usage\n"
+                        "   3  invalid document\n"
+                        "   4  a file is missing, or cannot be read or written\n"
+                        "   5  a key or the cryptography failed\n"
+                        "  70  internal error\n"));
+}
+
+TEST_F(CliUsage, PrintsItsVersion) {
+  const Output output = bare({"--version"});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_THAT(output.out, testing::MatchesRegex("sitelist [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST_F(CliUsage, WrongUsageIsStatus2WithAMessageAndNoData) {
+  const std::vector<std::vector<std::string>> wrong = {
+      {},
+      {"--bogus"},
+      {"bogus"},
+      {"show", "--bogus"},
+      {"show", "a", "b"},
+      {"validate"},
+      {"validate", "--managed", "--unmanaged", "a"},
+      {"import"},
+      {"rewrite", "only-one"},
+      {"policies", "set", "only-a-name"},
+      {"merge", "positional"},
+      {"show", "--agent-dir"},
+  };
+  for (const auto& arguments : wrong) {
+    const Output output = bare(arguments);
+    EXPECT_EQ(output.status, 2) << testing::PrintToString(arguments);
+    EXPECT_EQ(output.out, "") << testing::PrintToString(arguments);
+    EXPECT_NE(output.err, "") << testing::PrintToString(arguments);
+  }
+  EXPECT_THAT(bare({"--bogus"}).err, HasSubstr("--bogus"));
+}
+
+TEST_F(CliUsage, GlobalOptionsMayStandBehindTheCommand) {
+  initAgent();
+  setOwnList(document(httpSite("depot")));
+  const Output output = bare({"show", "--verbose", "--agent-dir", file("agent") + "/"});
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_THAT(output.out, HasSubstr("depot"));
+  EXPECT_THAT(output.err, HasSubstr("detail SiteHlp: Enter: Reading Sitelist\n"));
+}
+
+TEST_F(CliUsage, TakesARelativeAgentDirectory) {
+  initAgent();
+  setOwnList(document(httpSite("depot")));
+  const Output output = shell("exec \"$0\" --agent-dir agent show");
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_THAT(output.out, HasSubstr("depot"));
+}
+
+TEST_F(CliUsage, DoesNotMakeAnAgentByAccident) {
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"show"},
+        {"servers"},
+        {"protect"},
+        {"policies", "set", "a", "1"},
+        {"import", write("list.xml", document(httpSite("depot")))}}) {
+    const Output output = sitelist(command);
+    EXPECT_EQ(output.status, 4) << command.front();
+    EXPECT_THAT(output.err, HasSubstr("there is no agent data directory\n  next: "));
+    EXPECT_FALSE(exists(file("agent")));
+  }
+}
+
+TEST_F(CliUsage, ABrokenSettingsFileIsAnInvalidDocument) {
+  write("agent/agent.toml", "managed = maybe");
+  const Output output = sitelist({"show"});
+  EXPECT_EQ(output.status, 3);
+  EXPECT_THAT(output.err, HasSubstr("agent.toml"));
+}
+
+TEST_F(CliUsage, AFailureNamesFileCodeMeaningPlaceAndNextStep) {
+  const std::string path = write("list.xml", "<list>\n  <a></b>\n</list>");
+  const Output output = sitelist({"show", path});
+  EXPECT_EQ(output.status, 3);
+  EXPECT_THAT(output.err, testing::MatchesRegex("sitelist: [^\n]*/list.xml: the document is not "
+                                                "well formed \\(-5, 0xFFFFFFFB\\)\n"
+                                                "  line 2, column [0-9]+: mismatched tag\n"
+                                                "  next: [^\n]*\n"));
+  EXPECT_EQ(sitelist({"show", file("none.xml")})
+                .err.find("sitelist: " + file("none.xml") +
+                          ": the file does not exist (-4, "
+                          "0xFFFFFFFC)\n  next: "),
+            0U);
+}
+
+TEST_F(CliUsage, BytesThatAreNotInTheEncodingAreTheDocumentsFault) {
+  const Output output = sitelist({"show", write("list.xml", "<a>\xC3\x28</a>")});
+  EXPECT_EQ(output.status, 3);
+  EXPECT_THAT(output.err, HasSubstr("(-10, 0xFFFFFFF6)"));
+  EXPECT_EQ(sitelist({"show", file("tmp")}).status, 4) << "a directory";
+}
+
+TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  const Output output = shell("exec \"$0\" show \"$1\" 1</dev/null", {path});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_THAT(output.err, HasSubstr("standard output cannot be written"));
+}
+
+TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {
+  const Output output =
+      shell("mkdir gone && cd gone && rmdir ../gone && exec \"$0\" --agent-dir a show");
+  EXPECT_EQ(output.status, 70);
+  EXPECT_THAT(output.err, HasSubstr("sitelist: internal error: "));
+}
+
+}  // namespace
+}  // namespace test

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
@@ -16,10 +17,16 @@
 
 namespace test {
 
+// Writes a new file; one of that name goes first, which is quicker than to write over it.
+inline void writeAnew(const std::string& path, const std::string& bytes) {
+  std::remove(path.c_str());
+  writeFile(path, bytes);
+}
+
 // An open document with its "SiteList" element, for the operations on nodes.
 struct OpenDocument {
   OpenDocument(const TempDir& dir, const std::string& text) : path(dir.file("opened.xml")) {
-    writeFile(path, text);
+    writeAnew(path, text);
     opened = xml.useExistingFile(AString(wide(path)), L"ns:SiteLists", L"xmlns:ns", L"wxSiteList");
     root = AnXmlNode(&xml);
     root.tryGetChild(siteList, L"SiteList", nullptr, nullptr, nullptr, nullptr);
@@ -46,8 +53,8 @@ struct OpenDocument {
 // An agent with a list of its own that is edited from an incoming one.
 class EditFixture : public testing::Test {
  protected:
-  void target(const std::string& bytes) { writeFile(own, bytes); }
-  void source(const std::string& bytes) { writeFile(src, bytes); }
+  void target(const std::string& bytes) { writeAnew(own, bytes); }
+  void source(const std::string& bytes) { writeAnew(src, bytes); }
 
   bool modify(bool repositories, bool servers, const std::string& keyDirectory = "") {
     sitehlp::CSitesHelper helper{wide(own)};

@@ -1,5 +1,6 @@
 #include "tests/edit/edit_fixture.h"
 #include "tests/edit/edit_model.h"
+#include "tests/edit/unsynced_file_system.h"
 
 using namespace sitehlp;
 using namespace test;
@@ -47,6 +48,8 @@ class ModifyRepositories : public EditFixture {
     if (fresh.type && former.type && !former.type->empty()) repository.type = former.type;
     return repository;
   }
+
+  UnsyncedFileSystem files;
 };
 
 TEST_F(ModifyRepositories, everyCombinationOfOrdersAndTypesIsEditedAsTheModelSays) {

@@ -1,5 +1,6 @@
 #include "tests/edit/edit_fixture.h"
 #include "tests/edit/edit_model.h"
+#include "tests/edit/unsynced_file_system.h"
 
 using namespace sitehlp;
 using namespace test;
@@ -38,6 +39,7 @@ class ReplaceServers : public testing::Test {
 
   TestAgent agent;
   TempDir dir;
+  UnsyncedFileSystem files;
   CSitesHelper helper{true};
 };
 

@@ -1,0 +1,23 @@
+#ifndef TESTS_EDIT_UNSYNCED_FILE_SYSTEM_H
+#define TESTS_EDIT_UNSYNCED_FILE_SYSTEM_H
+
+#include <string>
+
+#include "tests/support/faulty_file_system.h"
+
+namespace test {
+
+// While it lives, nothing waits for stable storage: for tests that write thousands of files. A file
+// system may also wait when a file takes the place of another one, so that one goes first.
+class UnsyncedFileSystem : public FaultyFileSystem {
+ public:
+  int sync(int) override { return 0; }
+  int rename(int directory, const std::string& from, const std::string& to) override {
+    FaultyFileSystem::unlink(directory, to);
+    return FaultyFileSystem::rename(directory, from, to);
+  }
+};
+
+}  // namespace test
+
+#endif

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -11,14 +12,22 @@ using test::InterProcessReadLock;
 using test::InterProcessWriteLock;
 
 constexpr int c_threads = 6;
-constexpr int c_rounds = 200;
+constexpr int c_rounds = 2000;
 
 class Threads : public test::LockTest {
  protected:
+  // Runs the action in several threads that begin together.
   template <typename Action>
   static void run(int count, Action action) {
+    std::atomic<int> missing{count};
     std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back(action, i);
+    for (int i = 0; i < count; ++i) {
+      threads.emplace_back([&missing, &action, i] {
+        --missing;
+        while (missing > 0) std::this_thread::yield();
+        action(i);
+      });
+    }
     for (std::thread& thread : threads) thread.join();
   }
 };

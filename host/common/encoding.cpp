@@ -23,15 +23,16 @@ std::size_t countLeads(const char* utf8, std::size_t length) {
 
 bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
   const std::size_t before = out.size();
-  out.resize(before + countLeads(utf8, length));
+  const std::size_t ascii = asciiBlocks(utf8, length);
+  out.resize(before + ascii + countLeads(utf8 + ascii, length - ascii));
   wchar_t* to = out.data() + before;
   const char* from = utf8;
   const char* const end = utf8 + length;
   try {
     while (from != end) {
-      const std::size_t ascii = widenAscii(from, static_cast<std::size_t>(end - from), to);
-      from += ascii;
-      to += ascii;
+      const std::size_t widened = widenAscii(from, static_cast<std::size_t>(end - from), to);
+      from += widened;
+      to += widened;
       for (; from != end && static_cast<unsigned char>(*from) >= 0x80; ++to) {
         *to = static_cast<wchar_t>(utf8::next(from, end));
       }
@@ -61,11 +62,16 @@ std::string toUtf8(const wchar_t* text, std::size_t length) {
 
 std::size_t utf8Size(const wchar_t* text, std::size_t length) {
   std::size_t size = 0;
-  for (std::size_t i = 0; i < length; ++i) {
-    for (; i + 8 < length && isAsciiBlock(text + i); i += 8) size += 8;
-    const auto c = static_cast<std::uint32_t>(text[i]);
-    // What is beyond U+10FFFF is written as U+FFFD, which takes three bytes.
-    size += 1u + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000 && c <= 0x10FFFF);
+  for (std::size_t i = 0; i < length;) {
+    const std::size_t ascii = asciiBlocks(text + i, length - i);
+    size += ascii;
+    i += ascii;
+    const std::size_t end = std::min(length, i + c_asciiBlock);
+    for (; i < end; ++i) {
+      const auto c = static_cast<std::uint32_t>(text[i]);
+      // What is beyond U+10FFFF is written as U+FFFD, which takes three bytes.
+      size += 1u + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000 && c <= 0x10FFFF);
+    }
   }
   return size;
 }

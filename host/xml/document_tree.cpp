@@ -1,6 +1,7 @@
 #include "host/xml/document_tree.h"
 
 #include <cstring>
+#include <new>
 
 #include "host/xml/tree_edit.h"
 
@@ -25,12 +26,40 @@ class TextWriter : public pugi::xml_writer {
   std::string text;
 };
 
-}  // namespace
+// Keeps all that stands in the text, but the declaration: what a document says there holds for
+// its bytes, not for the tree.
+constexpr unsigned int c_parseOptions =
+    pugi::parse_fragment | pugi::parse_pi | pugi::parse_comments | pugi::parse_cdata |
+    pugi::parse_ws_pcdata | pugi::parse_escapes | pugi::parse_wconv_attribute;
 
-DocumentTree::DocumentTree() {
-  const pugi::xml_node declaration = host::appendNode(document, pugi::node_declaration, "xml");
+pugi::xml_node prependDeclaration(pugi::xml_document& document) {
+  pugi::xml_node declaration = document.prepend_child(pugi::node_declaration);
+  if (!declaration || !declaration.set_name("xml")) throw std::bad_alloc();
   host::appendAttribute(declaration, "version", "1.0");
   host::appendAttribute(declaration, "encoding", "UTF-8");
+  return declaration;
+}
+
+}  // namespace
+
+TreeText::TreeText(std::size_t size)
+    : m_bytes(static_cast<char*>(pugi::get_memory_allocation_function()(size + 1))) {
+  if (!m_bytes) throw std::bad_alloc();
+}
+
+DocumentTree::DocumentTree() { prependDeclaration(document); }
+
+DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone standalone) {
+  text.data()[size] = '\0';
+  // With the terminator as part of the text; without it the last character would be lost.
+  const pugi::xml_parse_result parsed = document.load_buffer_inplace_own(
+      text.release(), size + 1, c_parseOptions, pugi::encoding_utf8);
+  // The text is known to be well formed.
+  if (!parsed) throw std::bad_alloc();
+  const pugi::xml_node declaration = prependDeclaration(document);
+  if (standalone == host::Standalone::NotSaid) return;
+  host::appendAttribute(declaration, "standalone",
+                        standalone == host::Standalone::Yes ? "yes" : "no");
 }
 
 std::string DocumentTree::toText(bool indent) const {

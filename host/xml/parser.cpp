@@ -1,15 +1,16 @@
 #include <algorithm>
+#include <cstring>
+#include <new>
 
+#include "host/common/ascii.h"
 #include "host/common/encoding.h"
+#include "host/xml/document_tree.h"
 #include "host/xml/limits.h"
-#include "host/xml/tree_builder.h"
+#include "host/xml/well_formed.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace AdvXMLParser {
 namespace {
-
-constexpr std::size_t c_pieceCharacters = std::size_t{64} << 10;
-constexpr std::size_t c_maxCharacterBytes = 4;
 
 // A byte that is refused wherever it stands in UTF-8.
 constexpr char c_invalidByte = '\xFF';
@@ -20,31 +21,53 @@ bool beginsAsMarkup(const wchar_t* text, const wchar_t* end) {
   return first != end && *first == L'<';
 }
 
+// Where the first character stands that is none in Unicode.
+std::size_t scalars(const wchar_t* text, std::size_t length) {
+  std::size_t done = 0;
+  while (done < length) {
+    done += host::asciiBlocks(text + done, length - done);
+    const std::size_t end = std::min(length, done + host::c_asciiBlock);
+    for (; done < end; ++done) {
+      if (!host::isScalar(static_cast<std::uint32_t>(text[done]))) return done;
+    }
+  }
+  return done;
+}
+
+// A line ends in a line feed, however it is written. Returns the new end.
+char* foldLineEnds(char* text, char* end) {
+  char* from = static_cast<char*>(std::memchr(text, '\r', static_cast<std::size_t>(end - text)));
+  if (!from) return end;
+  char* to = from;
+  for (; from != end; ++from) {
+    if (*from != '\r') {
+      *to++ = *from;
+    } else if (from + 1 == end || from[1] != '\n') {
+      *to++ = '\n';
+    }
+  }
+  return to;
+}
+
 }  // namespace
 
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
-  const wchar_t* const end = text + length;
-  if (!beginsAsMarkup(text, end)) return nullptr;
-  if (host::utf8Size(text, length) > host::c_maxDocumentBytes) {
+  if (!beginsAsMarkup(text, text + length)) return nullptr;
+  const std::size_t size = host::utf8Size(text, length);
+  if (size > host::c_maxDocumentBytes) {
     throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
                              "document over the limit: number of bytes");
   }
-  host::TreeBuilder builder;
-  while (text != end) {
-    const wchar_t* const pieceEnd =
-        text + std::min(c_pieceCharacters, static_cast<std::size_t>(end - text));
-    const wchar_t* const validEnd = std::find_if_not(
-        text, pieceEnd, [](wchar_t c) { return host::isScalar(static_cast<std::uint32_t>(c)); });
-    const auto validLength = static_cast<std::size_t>(validEnd - text);
-    // One byte more than the piece takes, for the one that stands for what is no character. The
-    // parser then finds it and says where it is.
-    char* const buffer = builder.buffer(validLength * c_maxCharacterBytes + 1);
-    char* bufferEnd = host::writeUtf8(text, validLength, buffer);
-    if (validEnd != pieceEnd) *bufferEnd++ = c_invalidByte;
-    builder.parse(static_cast<std::size_t>(bufferEnd - buffer), pieceEnd == end);
-    text = pieceEnd;
-  }
-  return builder.takeTree();
+  TreeText utf8(size);
+  const std::size_t validLength = scalars(text, length);
+  char* end = host::writeUtf8(text, validLength, utf8.data());
+  // In place of what is no character; the parser then finds it and says where it is.
+  if (validLength != length) *end++ = c_invalidByte;
+  const host::Standalone standalone =
+      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()));
+  end = foldLineEnds(utf8.data(), end);
+  return std::make_unique<DocumentTree>(std::move(utf8),
+                                        static_cast<std::size_t>(end - utf8.data()), standalone);
 }
 
 Document* Parser::Parse(const wchar_t* text, std::size_t length) {

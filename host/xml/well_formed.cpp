@@ -1,0 +1,127 @@
+#include "host/xml/well_formed.h"
+
+#include <expat.h>
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "host/xml/limits.h"
+#include "platform/xml/advxmlparser.h"
+
+namespace host {
+namespace {
+
+struct FreeParser {
+  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
+
+// Counts while expat parses. The handlers are what expat calls; no exception may pass through its
+// frames, so the first one is kept and stops the parser, which may still make a call or two.
+class Checker {
+ public:
+  Checker() : m_parser(XML_ParserCreate("UTF-8")) {
+    if (!m_parser) throw std::bad_alloc();
+    XML_Parser const parser = m_parser.get();
+    XML_SetUserData(parser, this);
+    XML_SetXmlDeclHandler(parser, onDeclaration);
+    XML_SetStartDoctypeDeclHandler(parser, onDoctype);
+    XML_SetElementHandler(parser, onStartElement, onEndElement);
+    XML_SetCharacterDataHandler(parser, onText);
+    XML_SetCdataSectionHandler(parser, onMarkup, onMarkup);
+    XML_SetCommentHandler(parser, onComment);
+    XML_SetProcessingInstructionHandler(parser, onInstruction);
+    // What no other handler takes is the white space around the root.
+    XML_SetDefaultHandlerExpand(parser, onText);
+  }
+
+  Standalone check(const char* utf8, std::size_t size) {
+    const XML_Status status = XML_Parse(m_parser.get(), utf8, static_cast<int>(size), XML_TRUE);
+    if (m_failure) std::rethrow_exception(m_failure);
+    if (status != XML_STATUS_OK) {
+      const XML_Error error = XML_GetErrorCode(m_parser.get());
+      if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+      refuse(XML_ErrorString(error));
+    }
+    return m_standalone;
+  }
+
+ private:
+  static Checker& from(void* self) { return *static_cast<Checker*>(self); }
+
+  static void onDeclaration(void* self, const char*, const char*, int standalone) {
+    if (standalone >= 0) from(self).m_standalone = standalone ? Standalone::Yes : Standalone::No;
+  }
+  static void onDoctype(void* self, const char*, const char*, const char*, int) {
+    from(self).stopUnless(false, [&] { from(self).refuse("document type declaration"); });
+  }
+  static void onStartElement(void* self, const char*, const char**) {
+    Checker& checker = from(self);
+    checker.startMarkup();
+    checker.require(++checker.m_depth <= c_maxDepth, "depth");
+    const auto attributes =
+        static_cast<std::size_t>(XML_GetSpecifiedAttributeCount(checker.m_parser.get())) / 2;
+    checker.require(attributes <= c_maxAttributes, "number of attributes");
+  }
+  static void onEndElement(void* self, const char*) {
+    from(self).m_textSize = 0;
+    --from(self).m_depth;
+  }
+  static void onText(void* self, const char*, int size) {
+    Checker& checker = from(self);
+    checker.m_textSize += static_cast<std::size_t>(size);
+    checker.require(checker.m_textSize <= c_maxTokenBytes, "length of a text");
+  }
+  static void onMarkup(void* self) { from(self).m_textSize = 0; }
+  static void onComment(void* self, const char*) { from(self).startMarkup(); }
+  static void onInstruction(void* self, const char*, const char*) { from(self).startMarkup(); }
+
+  void startMarkup() {
+    m_textSize = 0;
+    const auto size = static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()));
+    require(size <= c_maxTokenBytes, "length of a token");
+  }
+
+  void require(bool isWithin, const char* what) {
+    stopUnless(isWithin, [&] { refuseAsTooLarge(what); });
+  }
+
+  template <typename Refuse>
+  void stopUnless(bool isGood, Refuse refuseIt) {
+    if (isGood || m_failure) return;
+    try {
+      refuseIt();
+    } catch (...) {
+      m_failure = std::current_exception();
+      XML_StopParser(m_parser.get(), XML_FALSE);
+    }
+  }
+
+  [[noreturn]] void refuse(const char* reason) const {
+    throw AdvXMLParser::ParsingException(XML_GetCurrentLineNumber(m_parser.get()),
+                                         XML_GetCurrentColumnNumber(m_parser.get()) + 1, reason);
+  }
+
+  [[noreturn]] void refuseAsTooLarge(const char* what) const {
+    throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                           std::string("document over the limit: ") + what,
+                                           XML_GetCurrentLineNumber(m_parser.get()),
+                                           XML_GetCurrentColumnNumber(m_parser.get()) + 1);
+  }
+
+  ParserPtr m_parser;
+  std::size_t m_depth = 0;
+  std::size_t m_textSize = 0;  // of the run of text so far
+  Standalone m_standalone = Standalone::NotSaid;
+  std::exception_ptr m_failure;
+};
+
+}  // namespace
+
+Standalone checkWellFormed(const char* utf8, std::size_t size) {
+  return Checker().check(utf8, size);
+}
+
+}  // namespace host

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/sitehlp/sites_helper_fixture.h"
+
+#if defined(__APPLE__)
+#include <malloc/malloc.h>
+#endif
+
+// Clear passwords are wiped before the memory of a record is given back.
+namespace {
+
+const void* g_watched = nullptr;
+std::vector<unsigned char> g_bytesAtRelease;
+
+void lookAt(const void* memory) {
+  if (!memory || memory != g_watched) return;
+  g_watched = nullptr;
+  const auto* bytes = static_cast<const unsigned char*>(memory);
+  g_bytesAtRelease.assign(bytes, bytes + sizeof(sitehlp::tag_Site));
+}
+
+}  // namespace
+
+#if defined(__APPLE__)
+extern "C" void free(void* memory) {
+  lookAt(memory);
+  malloc_zone_free(malloc_zone_from_ptr(memory), memory);
+}
+#else
+extern "C" void __real_free(void* memory);
+extern "C" void __wrap_free(void* memory);
+// The linker sends the objects' calls here (--wrap=free).
+extern "C" void __wrap_free(void* memory) {
+  lookAt(memory);
+  __real_free(memory);
+}
+#endif
+
+namespace {
+
+using sitehlp::tag_Site;
+
+class Wiping : public test::SitesHelperTest {
+ protected:
+  // The record as it was when it was given back.
+  static const tag_Site* released(tag_Site* site) {
+    static tag_Site copy;
+    g_watched = site;
+    g_bytesAtRelease.clear();
+    sitehlp::CSitesHelper::FreeSiteListMemory(site);
+    EXPECT_EQ(g_bytesAtRelease.size(), sizeof(tag_Site)) << "the record was not given back";
+    if (g_bytesAtRelease.size() != sizeof copy) return &copy;
+    std::memcpy(&copy, g_bytesAtRelease.data(), sizeof copy);
+    return &copy;
+  }
+  template <std::size_t N>
+  static void expectWiped(const wchar_t (&field)[N]) {
+    for (const wchar_t character : field) EXPECT_EQ(character, L'\0');
+  }
+  static const std::wstring& secret() {
+    static const std::wstring text(259, L's');
+    return text;
+  }
+};
+
+TEST_F(Wiping, PasswordOfEveryKindIsGone) {
+  tag_Site* http = test::newSite(sitehlp::SITE_KIND_HTTP);
+  test::put(http->http.szPassword, secret());
+  expectWiped(released(http)->http.szPassword);
+  tag_Site* ftp = test::newSite(sitehlp::SITE_KIND_FTP);
+  test::put(ftp->ftp.szPassword, secret());
+  expectWiped(released(ftp)->ftp.szPassword);
+  tag_Site* unc = test::newSite(sitehlp::SITE_KIND_UNC);
+  test::put(unc->unc.szPassword, secret());
+  expectWiped(released(unc)->unc.szPassword);
+  tag_Site* local = test::newSite(sitehlp::SITE_KIND_LOCAL);
+  test::put(local->local.szPassword, secret());
+  expectWiped(released(local)->local.szPassword);
+}
+
+TEST_F(Wiping, EveryProxyPasswordIsGone) {
+  tag_Site* proxy = test::newSite(sitehlp::SITE_KIND_PROXY);
+  test::put(proxy->proxy.szHttpProxyPassword, secret());
+  test::put(proxy->proxy.szFtpProxyPassword, secret());
+  test::put(proxy->proxy.szAlternateHttpProxyPassword, secret());
+  test::put(proxy->proxy.szAlternateFtpProxyPassword, secret());
+  const tag_Site* record = released(proxy);
+  expectWiped(record->proxy.szHttpProxyPassword);
+  expectWiped(record->proxy.szFtpProxyPassword);
+  expectWiped(record->proxy.szAlternateHttpProxyPassword);
+  expectWiped(record->proxy.szAlternateFtpProxyPassword);
+}
+
+TEST_F(Wiping, PasswordsBehindTheFirstRecordAreGoneToo) {
+  tag_Site* first = test::newSite(sitehlp::SITE_KIND_HTTP);
+  tag_Site* second = test::newSite(sitehlp::SITE_KIND_LOCAL);
+  first->pNext = second;
+  test::put(second->local.szPassword, secret());
+  g_watched = second;
+  g_bytesAtRelease.clear();
+  sitehlp::CSitesHelper::FreeSiteListMemory(first);
+  ASSERT_EQ(g_bytesAtRelease.size(), sizeof(tag_Site));
+  tag_Site copy;
+  std::memcpy(&copy, g_bytesAtRelease.data(), sizeof copy);
+  expectWiped(copy.local.szPassword);
+}
+
+}  // namespace

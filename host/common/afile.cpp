@@ -72,8 +72,7 @@ bool AFile::write(const AString& path, const ABuffer& data) {
 
 bool AFiler::deleteFile(const AString& path) {
   const ACharString name(path);
-  const int error = -host::fileSystem().unlink(AT_FDCWD, name.str());
-  return isAbsence(error) || succeeded("Cannot delete", name.str(), error);
+  return succeeded("Cannot delete", name.str(), host::removeFile(name.str()));
 }
 
 bool AFiler::copyFile(const AString& from, const AString& to) {

@@ -12,6 +12,7 @@
 
 #include "host/crypto/sealed_value.h"
 #include "host/fs/descriptor.h"
+#include "host/fs/files.h"
 #include "host/fs/temp_file.h"
 #include "platform/common/log.h"
 
@@ -126,8 +127,8 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
 bool createKeyFile(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::string directory = path.substr(0, slash);
-  const int made = fileSystem().makeDirectory(directory, c_directoryMode);
-  if (made != 0 && made != -EEXIST) return fail(path, L"its directory cannot be made", -made);
+  const int notMade = makeDirectory(directory, c_directoryMode);
+  if (notMade) return fail(path, L"its directory cannot be made", notMade);
   const Descriptor opened(fileSystem().open(AT_FDCWD, directory, O_RDONLY | O_DIRECTORY, 0));
   if (opened.error()) return fail(path, L"its directory cannot be opened", opened.error());
 

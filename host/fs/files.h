@@ -27,8 +27,15 @@ PLATFORM_API int readRegularFile(const std::string& path, std::size_t limit, std
 PLATFORM_API int replaceFile(const std::string& path, const void* data, std::size_t size,
                              mode_t modeOfNew);
 
-// Creates a directory and its missing parents with this mode, less the process's file mode mask. 0
-// also when the directory exists.
+// Removes a file, or a symbolic link, for good: no power cut brings it back. 0 also when there is
+// none.
+PLATFORM_API int removeFile(const std::string& path);
+
+// Creates a directory in one that exists, with this mode, less the process's file mode mask. No
+// power cut takes it back. 0 also when the directory exists.
+PLATFORM_API int makeDirectory(const std::string& path, mode_t mode);
+
+// The same with all missing parents.
 PLATFORM_API int makeDirectories(const std::string& path, mode_t mode);
 
 }  // namespace host

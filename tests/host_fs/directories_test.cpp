@@ -2,6 +2,7 @@
 
 #include "tests/host_fs/file_fixture.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/recording_file_system.h"
 
 namespace {
 
@@ -63,9 +64,37 @@ TEST_F(MakeDirectories, ReportsEachFailure) {
     files.failCall(n, EIO);
     const int error = make("p" + std::to_string(n) + "/q");
     if (files.failed().empty()) break;
-    EXPECT_EQ(error, EIO);
+    EXPECT_EQ(error, files.failed()[0] == FileCall::Close ? 0 : EIO);
   }
-  EXPECT_EQ(n, 5U);  // the directory, its parent, the one above; then both are made
+  // The directory, its parent, the one above; then both are made, and what they are made in is
+  // opened, synced and closed.
+  EXPECT_EQ(n, 11U);
+}
+
+TEST_F(MakeDirectories, MakesEachNameDurable) {
+  std::vector<std::string> steps;
+  test::RecordingFileSystem files;
+  ASSERT_EQ(make("a/b"), 0);
+  for (const test::RecordedCall& call : files.calls()) {
+    if (call.call == FileCall::MakeDirectory) steps.push_back("make " + call.path);
+    if (call.call == FileCall::Sync) steps.push_back("sync " + call.path);
+  }
+  EXPECT_THAT(steps, testing::ElementsAre("make " + path("a/"), "sync " + dir.path() + "/",
+                                          "make " + path("a/b"), "sync " + path("a/")));
+}
+
+TEST_F(MakeDirectories, MakesARemovalDurable) {
+  test::writeFile(path("f"), "x");
+  test::RecordingFileSystem files;
+  EXPECT_EQ(host::removeFile(path("f")), 0);
+  EXPECT_FALSE(test::exists(path("f")));
+  std::vector<FileCall> calls;
+  for (const test::RecordedCall& call : files.calls()) calls.push_back(call.call);
+  EXPECT_THAT(calls, testing::ElementsAre(FileCall::Unlink, FileCall::Open, FileCall::Sync,
+                                          FileCall::Close));
+  EXPECT_EQ(host::removeFile(path("f")), 0) << "there is none";
+  EXPECT_EQ(host::removeFile(path("f/below")), 0);
+  EXPECT_NE(host::removeFile(dir.path()), 0);
 }
 
 }  // namespace

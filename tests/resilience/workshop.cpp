@@ -130,12 +130,6 @@ std::string normal(std::string text) {
   return text;
 }
 
-bool isTemporary(const fs::path& path) {
-  return path.filename().string().rfind(".sitehlp-", 0) == 0;
-}
-
-bool isLockFile(const fs::path& path) { return path.parent_path().filename() == "locks"; }
-
 std::string withoutCertificates(std::string text) {
   const std::size_t start = text.find("<CaBundle>");
   const std::string end = "</CaBundle>";
@@ -145,6 +139,19 @@ std::string withoutCertificates(std::string text) {
 }
 
 }  // namespace
+
+std::string normalForm(const std::string& path, const std::string& bytes) {
+  // Each key is another one, but all of the same length.
+  return fs::path(path).extension() == ".key" ? std::string(bytes.size(), 'k') : normal(bytes);
+}
+
+bool isTemporaryFile(const std::string& path) {
+  return fs::path(path).filename().string().rfind(".sitehlp-", 0) == 0;
+}
+
+bool isLockFile(const std::string& path) {
+  return fs::path(path).parent_path().filename() == "locks";
+}
 
 Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   agent.settings.meshLoadCommand.clear();
@@ -195,7 +202,7 @@ void Workshop::reset() {
     std::vector<fs::path> others;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
       if (!entry.is_directory() && m_initial.count(entry.path().string()) == 0 &&
-          !isLockFile(entry.path())) {
+          !isLockFile(entry.path().string())) {
         others.push_back(entry.path());
       }
     }
@@ -219,14 +226,9 @@ State Workshop::state() const {
   State state;
   for (const std::string& root : roots()) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-      if (!entry.is_regular_file() || isTemporary(entry.path()) || isLockFile(entry.path())) {
-        continue;
-      }
       const std::string path = entry.path().string();
-      const std::string bytes = readFile(path);
-      // Each key is another one, but all of the same length.
-      state[path] =
-          entry.path().extension() == ".key" ? std::string(bytes.size(), 'k') : normal(bytes);
+      if (!entry.is_regular_file() || isTemporaryFile(path) || isLockFile(path)) continue;
+      state[path] = normalForm(path, readFile(path));
     }
   }
   return state;
@@ -236,7 +238,7 @@ std::vector<std::string> Workshop::temporaryFiles() const {
   std::vector<std::string> found;
   for (const std::string& root : roots()) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-      if (isTemporary(entry.path())) found.push_back(entry.path().string());
+      if (isTemporaryFile(entry.path().string())) found.push_back(entry.path().string());
     }
   }
   return found;

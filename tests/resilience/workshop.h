@@ -55,6 +55,8 @@ class Workshop {
   State state() const;
   // What a writer may leave behind when it dies.
   std::vector<std::string> temporaryFiles() const;
+  // The directories under which all of this lies.
+  std::vector<std::string> roots() const { return {agent.dataDirectory(), m_work.path()}; }
   // The mode of every file and directory, by its path.
   std::map<std::string, mode_t> modes() const;
   // Open descriptors of this process, without the lock files that are kept for the next use.
@@ -66,7 +68,6 @@ class Workshop {
     mode_t mode;
   };
   void add(const std::string& path, const std::string& bytes, mode_t mode = 0600);
-  std::vector<std::string> roots() const { return {agent.dataDirectory(), m_work.path()}; }
 
   TempDir m_work;
   std::map<std::string, File> m_initial;
@@ -90,6 +91,11 @@ const Operation& writingOperation(const std::string& name);
 
 // One that reads only.
 const std::vector<Operation>& readingOperations();
+
+// One file's entry in a State.
+std::string normalForm(const std::string& path, const std::string& bytes);
+bool isTemporaryFile(const std::string& path);
+bool isLockFile(const std::string& path);
 
 // Says which file is neither as in `before` nor as in `after`; empty when there is none. A list may
 // have lost its certificates, whose reading is allowed to fail without a word.

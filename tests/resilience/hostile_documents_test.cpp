@@ -1,0 +1,48 @@
+#include "tests/resilience/hostile_documents.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <set>
+
+#include "platform/xml/advxmlparser.h"
+
+namespace {
+
+using AdvXMLParser::ReadWriteException;
+using testing::IsEmpty;
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define RESILIENCE_SANITIZED
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define RESILIENCE_SANITIZED
+#endif
+
+// What a sanitizer needs for itself is no figure of the library.
+#ifdef RESILIENCE_SANITIZED
+constexpr double c_mostMemory = 400;
+#else
+constexpr double c_mostMemory = 32;
+#endif
+
+TEST(AHostileDocument, isReadOrRefusedWithinBoundsOfMemoryAndStack) {
+  // So large that what a process needs anyway does not count.
+  const test::HostileFigures figures = test::readHostileDocuments(std::size_t{2} << 20);
+  EXPECT_THAT(figures.faults.lines(), IsEmpty());
+  EXPECT_GE(figures.results.size(), 39u);
+  const std::set<int> known = {0, -1, -5, ReadWriteException::LIMIT_EXCEEDED, -10};
+  double most = 0;
+  for (const test::HostileResult& result : figures.results) {
+    most = std::max(most, result.peakFactor);
+    SCOPED_TRACE(result.family);
+    EXPECT_EQ(known.count(result.readCode), 1u) << result.family << ": " << result.readCode;
+    EXPECT_LE(result.peakFactor, c_mostMemory) << result.family;
+    EXPECT_EQ(result.derived, result.readCode == 0) << result.family;
+  }
+  EXPECT_GT(most, 5) << "text alone takes four bytes for a character; the measure does not work";
+}
+
+}  // namespace

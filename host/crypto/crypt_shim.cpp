@@ -22,7 +22,9 @@ using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER;
 class Pool {
  public:
   Pool(Encryption::Type type, const char* keyName, bool createsKey)
-      : m_type(type), m_keyName(keyName), m_createsKey(createsKey) {}
+      : m_type(type), m_keyName(keyName), m_createsKey(createsKey) {
+    m_idle.reserve(c_idleLimit);  // giving back must not fail
+  }
 
   std::unique_ptr<Encryption> take(const std::string& dataDirectory) {
     const std::lock_guard<std::mutex> lock(m_mutex);

@@ -64,7 +64,6 @@ int LockImpl::tryFiles(LockMode mode, unsigned int waitMilliseconds) {
   LockFiles* taken = nullptr;
   int error = LockPool::instance().take(name, taken, failedPath);
   if (error) return error;
-  failedPath = taken->main.path;
   error = host::lockFiles(*taken, mode, waitMilliseconds);
   // Somebody may have removed or exchanged the files since they were opened; the lock of a file
   // that others do not find is none.

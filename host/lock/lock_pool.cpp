@@ -68,7 +68,7 @@ LockPool& LockPool::instance() {
   return pool;
 }
 
-int LockPool::take(const std::string& name, LockFiles*& files, std::string& failed) {
+int LockPool::take(const std::string& name, LockFiles*& files, std::string& path) {
   const std::string directory = agent().dataDirectory + "/locks";
   const std::string mainPath = directory + "/" + name + ".lock";
 
@@ -76,6 +76,7 @@ int LockPool::take(const std::string& name, LockFiles*& files, std::string& fail
   const std::lock_guard<std::mutex> guard(m_mutex);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {
+      path = mainPath;
       entry->idle = false;
       files = &entry->files;
       return 0;
@@ -87,14 +88,15 @@ int LockPool::take(const std::string& name, LockFiles*& files, std::string& fail
   for (LockFiles::File* file : {&entry->files.main, &entry->files.gate}) {
     int error = openFile(*file);
     if (error == ENOENT) {
-      failed = directory;
+      path = directory;
       error = makeDirectories(directory, c_modeOfDirectory);
       if (error) return error;
       error = openFile(*file);
     }
-    failed = file->path;
+    path = file->path;
     if (error) return error;
   }
+  path = mainPath;
   m_entries.push_back(std::move(entry));
   files = &m_entries.back()->files;
   return 0;

@@ -33,9 +33,10 @@ class LockPool {
  public:
   static LockPool& instance();
 
-  // Files for the lock `name` of the present agent that nobody else uses. 0 or an errno; `failed`
-  // is then the path that it happened with.
-  int take(const std::string& name, LockFiles*& files, std::string& failed);
+  // Files for the lock `name` of the present agent that nobody else uses, and the path of the main
+  // one. 0 or an errno; `path` is then the one that it happened with. Throws std::bad_alloc, and
+  // then nothing is taken.
+  int take(const std::string& name, LockFiles*& files, std::string& path);
   // Takes back files that are not locked.
   void giveBack(LockFiles* files) noexcept;
   // Closes files, which unlocks them.

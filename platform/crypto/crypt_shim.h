@@ -41,7 +41,7 @@ class PLATFORM_API CryptShim {
   // the same one for several processes that start together.
   IEncryption* create_encryption_object(EncryptionType type);
 
-  // Takes an object back. Null is allowed.
+  // Takes an object back. Needs no memory, so that a destructor may do it. Null is allowed.
   void destroy_encryption_object(IEncryption* object);
 };
 

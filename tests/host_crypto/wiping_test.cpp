@@ -13,17 +13,20 @@
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/test_agent.h"
 
-// Looks into every block of memory that is given back, for as long as a secret is watched.
+// Looks into every block of memory that is given back, for as long as a secret is watched; and
+// gives out none for as long as there is to be none.
 namespace {
 
 constexpr std::size_t c_head = alignof(std::max_align_t);
 std::atomic<bool> g_watching{false};
 std::atomic<int> g_found{0};
+std::atomic<bool> g_exhausted{false};
 unsigned char g_needle[64];
 std::size_t g_needleSize = 0;
 
 void* allocate(std::size_t size) {
-  unsigned char* const block = static_cast<unsigned char*>(std::malloc(size + c_head));
+  unsigned char* const block =
+      g_exhausted ? nullptr : static_cast<unsigned char*>(std::malloc(size + c_head));
   if (!block) throw std::bad_alloc();
   std::memcpy(block, &size, sizeof size);
   return block + c_head;
@@ -130,6 +133,27 @@ TEST(CryptoMemory, HoldsNoKeyAfterTheKeyWasMadeOrReplaced) {
               EXPECT_EQ(::unlink(path.c_str()), 0);
               EXPECT_TRUE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
             }));
+}
+
+TEST(CryptoMemory, IsNotNeededToGiveAnObjectBack) {
+  const test::TestAgent agent;
+  auto* const service = korvel_com::ZQ::crypto::CryptShim::instance();
+  std::vector<korvel_com::ZQ::crypto::IEncryption*> objects(20);
+  for (auto*& object : objects) {
+    object = service->create_encryption_object(ENCRYPTION_TYPE_PASSWORD);
+    ASSERT_NE(object, nullptr);
+  }
+  std::size_t givenBack = 0;
+  g_exhausted = true;
+  try {
+    for (auto* object : objects) {
+      service->destroy_encryption_object(object);
+      ++givenBack;
+    }
+  } catch (const std::bad_alloc&) {
+  }
+  g_exhausted = false;
+  EXPECT_EQ(givenBack, objects.size());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <functional>
 
 #include "tests/edit/edit_fixture.h"
 #include "tests/edit/lock_watch.h"
@@ -19,6 +20,26 @@ std::string server(const std::string& name, const std::string& more = "") {
   return "<VestaSite Type=\"master\" Name=\"" + name + "\" Server=\"" + name +
          ".example:80\" ServerName=\"" + name + ":80\" ServerIP=\"10.0.0.1:80\" " + more + "/>";
 }
+
+// Does something once, when the file of that name is opened for the first time.
+class WhenOpened : public FaultyFileSystem {
+ public:
+  WhenOpened(std::string name, std::function<void()> action)
+      : m_name(std::move(name)), m_action(std::move(action)) {}
+
+  int open(int directory, const std::string& path, int flags, mode_t mode) override {
+    if (m_action && path.substr(path.rfind('/') + 1) == m_name) {
+      const std::function<void()> action = std::move(m_action);
+      m_action = nullptr;
+      action();
+    }
+    return FaultyFileSystem::open(directory, path, flags, mode);
+  }
+
+ private:
+  std::string m_name;
+  std::function<void()> m_action;
+};
 
 class Modify : public EditFixture {
  protected:
@@ -148,6 +169,19 @@ TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
   EXPECT_THAT(files.seen, ElementsAre("read SiteList.xml: reading", "read SiteList.xml: reading",
                                       "read incoming.xml: none", "read incoming.xml: reading",
                                       "write SiteList.xml: writing"));
+}
+
+TEST_F(Modify, aChangeMadeByAnotherWriterMeanwhileIsOverwritten) {
+  usualLists();
+  bool written = false;
+  WhenOpened files("incoming.xml", [&] {
+    CSitesHelper other{wide(own)};
+    written = other.CreateSiteList(nullptr, L"", L"theirs", L"theirs", L"", {}) == 0;
+  });
+  EXPECT_TRUE(modify(true, false));
+  EXPECT_TRUE(written) << "nothing keeps the other writer waiting";
+  EXPECT_EQ(result(), canonical(document(server("old") + vendorHttp(R"(Name="s" Order="1")"),
+                                         "<CaBundle>t</CaBundle>")));
 }
 
 TEST_F(Modify, failsWithoutAnInstalledList) {

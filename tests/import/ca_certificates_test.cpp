@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "tests/edit/lock_watch.h"
 #include "tests/import/documents.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
@@ -143,6 +144,21 @@ TEST_F(CaCertificates, everyEncodingIsRead) {
   for (const char c : text.substr(text.find("<ns:"))) (utf16 += c) += '\0';
   writeFile(file, utf16);
   EXPECT_THAT(read(0), ElementsAre(L"1"));
+}
+
+TEST_F(CaCertificates, theLockIsHeldWhileTheFileIsRead) {
+  LockWatch files({"list.xml"});
+  in("<CaBundle/>");
+  EXPECT_THAT(files.seen, ElementsAre("read list.xml: reading"));
+  korvel_com::orb::lock::InterProcessWriteLock lock(c_siteListLock);
+  EXPECT_TRUE(lock.lock(0)) << "and let go afterwards";
+}
+
+TEST_F(CaCertificates, theLockIsLetGoWhereTheReadFails) {
+  std::filesystem::create_directory(file);
+  read(c_errorRead);
+  korvel_com::orb::lock::InterProcessWriteLock lock(c_siteListLock);
+  EXPECT_TRUE(lock.lock(0));
 }
 
 TEST_F(CaCertificates, theRecordsAndPoliciesOfTheHelperStay) {

@@ -38,7 +38,7 @@ class Merge : public testing::Test {
 
   TestAgent agent;
   const std::string path = agent.etc("SiteList.xml");
-  const SiteChain none;
+  const SiteChain none{};
   SiteChain result;
 };
 

@@ -44,6 +44,7 @@ TEST_F(CliProtect, RefusesWhatASiteListCannotCarry) {
   const Output invalid = sitelist({"protect"}, "\xFF\xFE\n");
   EXPECT_EQ(invalid.status, 2);
   EXPECT_THAT(invalid.err, HasSubstr("UTF-8"));
+  EXPECT_EQ(sitelist({"protect"}, std::string("fa\0ir\n", 6)).status, 2);
 }
 
 TEST_F(CliProtect, TakesNoPasswordFromTheCommandLine) {

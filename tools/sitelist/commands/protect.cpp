@@ -1,12 +1,12 @@
 #include <openssl/crypto.h>
 #include <termios.h>
 #include <unistd.h>
-#include <utf8.h>
 
 #include <array>
+#include <cstring>
 #include <iostream>
-#include <iterator>
 
+#include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
@@ -46,7 +46,6 @@ class NoEcho {
 class Password {
  public:
   Password() {
-    m_text.reserve(m_bytes.size());
     const NoEcho noEcho;
     while (m_size < m_bytes.size() && ::read(STDIN_FILENO, &m_bytes[m_size], 1) == 1 &&
            m_bytes[m_size] != '\n') {
@@ -60,14 +59,16 @@ class Password {
   Password(const Password&) = delete;
   Password& operator=(const Password&) = delete;
 
+  // A file of text may begin with a byte order mark, which is not part of the password.
   const std::wstring& text() {
-    const char* const begin = m_bytes.data();
-    const char* const end = begin + m_size;
-    if (m_size == m_bytes.size() || !utf8::is_valid(begin, end)) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(m_bytes.data());
+    AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
+    if (m_size == m_bytes.size() || std::memchr(bytes, 0, m_size) ||
+        !AdvXMLParser::ConvertBufferToUnicode(bytes, m_size, m_text, encoding) ||
+        encoding != AdvXMLParser::UTF_8) {
       throw Failure(exitUsage,
                     "standard input: no password in UTF-8\n  next: give one line of UTF-8 text");
     }
-    if (m_text.empty()) utf8::utf8to32(begin, end, std::back_inserter(m_text));
     return m_text;
   }
 
@@ -80,13 +81,14 @@ class Password {
 int protect(const Context& context) {
   serveAgent(context);
   Password password;
-  if (password.text().size() > c_maxCharacters) {
+  const std::wstring& clear = password.text();
+  if (clear.size() > c_maxCharacters) {
     throw Failure(exitUsage, "standard input: the password is longer than " +
                                  std::to_string(c_maxCharacters) +
                                  " characters\n  next: choose one that a site list can carry");
   }
   std::wstring protectedText;
-  if (sitehlp::CSitesHelper(true).EncryptPassword(password.text(), protectedText) == 0) {
+  if (sitehlp::CSitesHelper(true).EncryptPassword(clear, protectedText) == 0) {
     throw Failure(exitCrypto, shown(context.agentDirectory) +
                                   "/keystore: the password cannot be protected\n  next: check that "
                                   "you may read the agent's password key");

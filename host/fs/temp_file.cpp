@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -70,7 +72,7 @@ int TempFile::tryToCreate() {
     fileSystem().unlink(m_directory, name);
     return error;
   }
-  m_name = name;
+  m_name = std::move(name);  // a copy could fail, and the file would stay
   m_file = std::move(file);
   return 0;
 }
@@ -97,7 +99,7 @@ int TempFile::linkAs(const std::string& name) {
   return -fileSystem().link(m_directory, m_name, name);
 }
 
-void removeLeftOverTempFiles(int directory) {
+void removeLeftOverTempFiles(int directory) noexcept try {
   std::vector<std::string> names;
   if (fileSystem().list(directory, names) < 0) return;
   for (const std::string& name : names) {
@@ -110,6 +112,8 @@ void removeLeftOverTempFiles(int directory) {
       fileSystem().unlink(directory, name);
     }
   }
+} catch (const std::bad_alloc&) {
+  // The writing that this belongs to has succeeded.
 }
 
 }  // namespace host

@@ -37,7 +37,7 @@ class TempFile {
 
 // Removes the temporary files in the directory that no living writer holds. What cannot be removed
 // stays for the next time.
-void removeLeftOverTempFiles(int directory);
+void removeLeftOverTempFiles(int directory) noexcept;
 
 }  // namespace host
 

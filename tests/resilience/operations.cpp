@@ -188,13 +188,13 @@ const std::vector<Operation>& readingOperations() {
       {"read-unlocked", runReadUnlocked, read},
       {"must-read", runMustRead, read},
       {"smart-read", runSmartRead, read},
-      {"servers", runServers, {c_errorRead, c_errorNoServerSite}},
+      {"servers", runServers, {c_errorRead, c_errorNoServerSite, c_errorNoMemory}},
       {"versions", runVersions, read},
       {"fips-mode", runFipsMode, read},
       {"certificates", runCertificates, read},
       {"buffer", runBuffer, {AdvXMLParser::ReadWriteException::READ_FAILED}},
       {"validate", runValidate, {c_refused}},
-      {"merge", runMerge, read},
+      {"merge", runMerge, {c_errorRead, c_errorNoMemory}},
       {"change-notice", runNotice, {}},
   };
   return all;

@@ -1,0 +1,144 @@
+#include "tests/resilience_memory/every_allocation.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define SANITIZED
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SANITIZED
+#endif
+
+#if defined(__GLIBC__) && !defined(SANITIZED)
+#define WHOLE_PROCESS
+#include <malloc.h>
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
+extern "C" void* __libc_realloc(void* memory, std::size_t size);
+extern "C" void __libc_free(void* memory);
+#endif
+
+namespace test {
+namespace {
+
+// Another thread's allocations are none of the operation's.
+thread_local bool g_armed = false;
+unsigned long g_left = 0;
+bool g_fromThereOn = false;
+unsigned long g_failed = 0;
+std::atomic<long> g_blocks{0};
+
+bool refuses() {
+  if (!g_armed) return false;
+  if (g_left > 0) {
+    --g_left;
+    return false;
+  }
+  if (!g_fromThereOn && g_failed != 0) return false;
+  ++g_failed;
+  errno = ENOMEM;
+  return true;
+}
+
+const wchar_t* g_text = nullptr;  // null: no search
+std::size_t g_textBytes = 0;
+std::size_t g_least = 0;
+std::size_t g_most = 0;
+unsigned long g_searched = 0;
+unsigned long g_found = 0;
+
+#ifdef WHOLE_PROCESS
+void search(const void* memory) {
+  const std::size_t size = ::malloc_usable_size(const_cast<void*>(memory));
+  if (size < g_least || size > g_most) return;
+  ++g_searched;
+  if (::memmem(memory, size, g_text, g_textBytes)) ++g_found;
+}
+#endif
+
+}  // namespace
+
+FailingAllocations::FailingAllocations(unsigned long number, bool fromThereOn) {
+  g_left = number;
+  g_fromThereOn = fromThereOn;
+  g_failed = 0;
+  g_armed = true;
+}
+
+FailingAllocations::~FailingAllocations() { g_armed = false; }
+
+unsigned long FailingAllocations::failed() const { return g_failed; }
+
+long blocksInUse() { return g_blocks.load(); }
+
+FreedBlocks::FreedBlocks(const std::wstring& text, std::size_t least, std::size_t most) {
+  g_textBytes = text.size() * sizeof(wchar_t);
+  g_least = least;
+  g_most = most;
+  g_searched = 0;
+  g_found = 0;
+  g_text = text.c_str();
+}
+
+FreedBlocks::~FreedBlocks() { g_text = nullptr; }
+
+unsigned long FreedBlocks::searched() const { return g_searched; }
+unsigned long FreedBlocks::found() const { return g_found; }
+
+}  // namespace test
+
+#ifdef WHOLE_PROCESS
+
+extern "C" void* malloc(std::size_t size) {
+  if (test::refuses()) return nullptr;
+  void* const memory = __libc_malloc(size);
+  if (memory) ++test::g_blocks;
+  return memory;
+}
+extern "C" void* calloc(std::size_t count, std::size_t size) {
+  if (test::refuses()) return nullptr;
+  void* const memory = __libc_calloc(count, size);
+  if (memory) ++test::g_blocks;
+  return memory;
+}
+extern "C" void* realloc(void* old, std::size_t size) {
+  if (test::refuses()) return nullptr;
+  void* const memory = __libc_realloc(old, size);
+  if (!old && memory) ++test::g_blocks;
+  return memory;
+}
+extern "C" void free(void* memory) {
+  if (!memory) return;
+  --test::g_blocks;
+  if (test::g_text) test::search(memory);
+  __libc_free(memory);
+}
+
+#else
+
+void* operator new(std::size_t size) {
+  if (!test::refuses()) {
+    if (void* const memory = std::malloc(size != 0 ? size : 1)) {
+      ++test::g_blocks;
+      return memory;
+    }
+  }
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* memory) noexcept {
+  if (!memory) return;
+  --test::g_blocks;
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept { operator delete(memory); }
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { operator delete(memory); }
+
+#endif

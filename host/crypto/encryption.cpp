@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "host/common/ascii.h"
 #include "host/common/encoding.h"
 
 namespace host {
@@ -21,12 +22,8 @@ bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
 }
 
 bool toAscii(const std::wstring& text, std::string& ascii) {
-  ascii.reserve(text.size());
-  for (const wchar_t character : text) {
-    if (character < 0 || character > 0x7F) return false;
-    ascii.push_back(static_cast<char>(character));
-  }
-  return true;
+  ascii.resize(text.size());
+  return narrowAscii(text.data(), text.size(), ascii.data()) == text.size();
 }
 
 }  // namespace
@@ -62,7 +59,6 @@ int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
     return 0;
   }
   std::wstring result;
-  result.reserve(clear.size());  // no copy of the clear text is left behind by growing
   if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), result)) return 0;
   out = result;
   OPENSSL_cleanse(result.data(), result.size() * sizeof(wchar_t));

@@ -139,7 +139,6 @@ bool createKeyFile(const std::string& path) {
   int error = publish(opened.get(), path.substr(slash + 1), key);
   if (error == 0) error = -fileSystem().sync(opened.get());
   if (error) return fail(path, L"cannot be created", error);
-  removeLeftOverTempFiles(opened.get());
   return true;
 }
 

@@ -86,10 +86,9 @@ TEST(KeyFileFault, DeathAtAnyCallLeavesNoHalfKeyAndIsOvercomeByTheNextTry) {
     EXPECT_TRUE(roundTrips()) << "call " << number;
     if (!key.empty()) {
       EXPECT_EQ(test::readFile(path), key) << "call " << number;
-    } else {
-      EXPECT_EQ(test::snapshot(agent.dataDirectory() + "/keystore").size(), 1u)
-          << "what was left behind at call " << number << " is still there";
     }
+    EXPECT_EQ(test::snapshot(agent.dataDirectory() + "/keystore").size(), 1u)
+        << "what was left behind at call " << number << " is still there";
   }
   EXPECT_EQ(status, 0);
   EXPECT_GE(deaths, 10);

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -169,7 +170,7 @@ TEST_F(KeyFile, ReplacedWhileRunningIsNoticedAtOnce) {
   const std::wstring underA = encrypted(L"secret");
   ASSERT_TRUE(decrypts(underA));
   for (int i = 0; i < 20; ++i) {
-    // In place, keeping inode and size, so quickly that the time of the change may stay as well.
+    // In place, keeping inode and size.
     test::writeFile(m_path, std::string(32, 'b'), 0600);
     const std::wstring underB = encrypted(L"secret");
     EXPECT_FALSE(decrypts(underA));
@@ -182,30 +183,33 @@ TEST_F(KeyFile, ReplacedWhileRunningIsNoticedAtOnce) {
   }
 }
 
-// Every file was changed an hour ago.
-class AgedFileSystem : public test::FaultyFileSystem {
+// Every file was last changed at the same time, so many seconds from now.
+class FixedTimeFileSystem : public test::FaultyFileSystem {
  public:
+  explicit FixedTimeFileSystem(std::time_t fromNow) : m_time(std::time(nullptr) + fromNow) {}
   int statOpen(int fd, struct stat& out) override {
-    return aged(FaultyFileSystem::statOpen(fd, out), out);
+    return fixed(FaultyFileSystem::statOpen(fd, out), out);
   }
   int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
-    return aged(FaultyFileSystem::stat(directory, path, follow, out), out);
+    return fixed(FaultyFileSystem::stat(directory, path, follow, out), out);
   }
 
  private:
-  static int aged(int result, struct stat& info) {
+  int fixed(int result, struct stat& info) const {
 #ifdef __APPLE__
-    info.st_ctimespec.tv_sec -= 3600;
+    info.st_ctimespec = {m_time, 0};
 #else
-    info.st_ctim.tv_sec -= 3600;
+    info.st_ctim = {m_time, 0};
 #endif
     return result;
   }
+
+  std::time_t m_time;
 };
 
 TEST_F(KeyFile, ThatIsOldIsReadOnceAndStillNoticedWhenReplaced) {
   test::writeFile(m_path, std::string(32, 'a'), 0600);
-  const AgedFileSystem files;
+  const FixedTimeFileSystem files(-3600);
   const std::wstring underA = encrypted(L"secret");
   const std::size_t callsToRead = files.calls().size();
   for (int i = 0; i < 100; ++i) ASSERT_TRUE(decrypts(underA));
@@ -215,6 +219,15 @@ TEST_F(KeyFile, ThatIsOldIsReadOnceAndStillNoticedWhenReplaced) {
     ASSERT_EQ(::rename((m_path + ".new").c_str(), m_path.c_str()), 0);
     EXPECT_FALSE(decrypts(underA)) << key;
   }
+}
+
+TEST_F(KeyFile, ReplacedWithinOneStepOfTheFileSystemsClockIsNoticed) {
+  // A time that cannot pass while the test runs.
+  const FixedTimeFileSystem files(3600);
+  test::writeFile(m_path, std::string(32, 'a'), 0600);
+  const std::wstring underA = encrypted(L"secret");
+  test::writeFile(m_path, std::string(32, 'b'), 0600);
+  EXPECT_FALSE(decrypts(underA));
 }
 
 TEST_F(KeyFile, RemovedWhileRunningIsNoLongerUsed) {

@@ -73,6 +73,24 @@ TEST_F(SealedValue, IsVersionNonceCiphertextAndTagUnderAes256GcmWithTheVersionAu
   EXPECT_EQ(opened, clear);
 }
 
+// What a later version might make: sound, and sealed under the same key.
+TEST_F(SealedValue, OfAnotherVersionDoesNotOpen) {
+  const SecretBytes key = keyOf(7);
+  for (const int version : {0, 1, 2, 255}) {
+    Bytes sealed(1 + 12 + 4 + 16);
+    sealed[0] = static_cast<unsigned char>(version);
+    EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+    int length = 0;
+    EXPECT_EQ(1, EVP_EncryptInit_ex(context, EVP_aes_256_gcm(), nullptr, key.data(), &sealed[1]));
+    EXPECT_EQ(1, EVP_EncryptUpdate(context, nullptr, &length, &sealed[0], 1));
+    EXPECT_EQ(1, EVP_EncryptUpdate(context, &sealed[13], &length, key.data(), 4));
+    EXPECT_EQ(1, EVP_EncryptFinal_ex(context, &sealed[17], &length));
+    EXPECT_EQ(1, EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_GCM_GET_TAG, 16, &sealed[17]));
+    EVP_CIPHER_CTX_free(context);
+    EXPECT_EQ(opens(sealed), version == 1) << version;
+  }
+}
+
 TEST_F(SealedValue, DoesNotOpenWithAnyBitFlipped) {
   for (const std::string text : {"", "x", "seventeen letters"}) {
     const Bytes sealed = seal(bytesOf(text));

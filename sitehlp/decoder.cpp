@@ -172,14 +172,16 @@ void decodeLocal(const Element& element, const SiteAttributes& attributes, bool 
 }  // namespace
 
 SiteElement classify(const Element& element) {
-  if (element.HasName(WX_XML_SITELIST_HTTP_SITE)) return SiteElement::Http;
-  if (element.HasName(WX_XML_SITELIST_VESTA_SITE)) return SiteElement::Vesta;
-  if (element.HasName(WX_XML_SITELIST_KEYSTONE_SITE)) return SiteElement::Keystone;
-  if (element.HasName(WX_XML_SITELIST_FTP_SITE)) return SiteElement::Ftp;
-  if (element.HasName(WX_XML_SITELIST_UNC_SITE)) return SiteElement::Unc;
-  if (element.HasName(WX_XML_SITELIST_LOCAL_SITE)) return SiteElement::Local;
-  if (element.HasName(WX_XML_PROXY_CONFIG)) return SiteElement::Proxy;
-  return SiteElement::None;
+  static const wchar_t* const names[] = {
+      WX_XML_SITELIST_HTTP_SITE, WX_XML_SITELIST_VESTA_SITE, WX_XML_SITELIST_KEYSTONE_SITE,
+      WX_XML_SITELIST_FTP_SITE,  WX_XML_SITELIST_UNC_SITE,   WX_XML_SITELIST_LOCAL_SITE,
+      WX_XML_PROXY_CONFIG,
+  };
+  constexpr SiteElement kinds[] = {
+      SiteElement::Http, SiteElement::Vesta, SiteElement::Keystone, SiteElement::Ftp,
+      SiteElement::Unc,  SiteElement::Local, SiteElement::Proxy,    SiteElement::None,
+  };
+  return kinds[element.FindName(names, sizeof names / sizeof names[0])];
 }
 
 std::size_t recordSize(SiteElement kind) {
@@ -235,6 +237,7 @@ int CSitesHelper::ReadSiteFromSiteList(Element* element, void** record) {
   try {
     decodeSite(kind, *element, SiteAttributes(*element), m_bUseDecryptData == 1, memory);
   } catch (...) {
+    wipeMemory(memory, recordSize(kind));
     std::free(memory);
     throw;
   }

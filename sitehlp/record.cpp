@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 
 #include "platform/common/log.h"
 #include "platform/common/text.h"
@@ -30,13 +31,8 @@ void wipePasswords(tag_Site& record) noexcept {
       return wipeField(record.unc.szPassword);
     case SITE_KIND_LOCAL:
       return wipeField(record.local.szPassword);
-    case SITE_KIND_PROXY:
-      wipeField(record.proxy.szHttpProxyPassword);
-      wipeField(record.proxy.szFtpProxyPassword);
-      wipeField(record.proxy.szAlternateHttpProxyPassword);
-      wipeField(record.proxy.szAlternateFtpProxyPassword);
-      return;
     default:
+      // A proxy record may hold any kind of site that stood in its list.
       wipeMemory(&record.proxy, sizeof record.proxy);
   }
 }
@@ -94,9 +90,23 @@ int CSitesHelper::FreeSiteListMemory(tag_Site* head) {
   return 0;
 }
 
-std::wstring CSitesHelper::ConvertToStr(unsigned int value) { return std::to_wstring(value); }
+// Not std::to_wstring, which goes through the formatting of the C library and takes ten times as
+// long.
+std::wstring CSitesHelper::ConvertToStr(unsigned int value) {
+  wchar_t digits[std::numeric_limits<unsigned int>::digits10 + 1];
+  wchar_t* const end = digits + sizeof digits / sizeof digits[0];
+  wchar_t* first = end;
+  do {
+    *--first = static_cast<wchar_t>(L'0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  return std::wstring(first, end);
+}
 
-std::wstring CSitesHelper::ConvertToStr(int value) { return std::to_wstring(value); }
+std::wstring CSitesHelper::ConvertToStr(int value) {
+  const auto magnitude = static_cast<unsigned int>(value);
+  return value < 0 ? L'-' + ConvertToStr(0U - magnitude) : ConvertToStr(magnitude);
+}
 
 std::wstring CSitesHelper::ConvertToStr(bool value) { return value ? L"1" : L"0"; }
 

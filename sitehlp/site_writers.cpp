@@ -39,6 +39,8 @@ int CSitesHelper::FormatEnvSymbols(wchar_t* buffer, unsigned int capacity) {
     replaceAll(text, c_agentEnvMacroStartDelimiterExpanded, c_agentEnvMacroStartDelimiter);
     replaceAll(text, c_agentEnvMacroEndDelimiterExpanded, c_agentEnvMacroEndDelimiter);
     std::wcsncpy(buffer, text.c_str(), capacity);
+  } else {
+    std::wmemset(buffer + length, L'\0', capacity - length);
   }
   buffer[capacity - 1] = L'\0';
   return 0;

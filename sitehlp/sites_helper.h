@@ -192,9 +192,10 @@ class SITEHLP_API CSitesHelper {
   // Returns 0, -1 when there is none, -2 for a null argument, -3.
   int GetFallbackSite(tag_Site* list, tag_Site** fallback);
 
-  // Puts a fallback site, which it takes over, into the list: in place of the fallback site there,
-  // else at the end. With a null `*tail` and a list that has none, nothing is done and the record
-  // stays the caller's. Returns 0, or -2 for a null argument, and then takes nothing over.
+  // Puts a fallback site, which it takes over, into the list: one of kind 0 or 1 in place of the
+  // fallback site there, any other at the end. With a null `*tail` and a list that has none,
+  // nothing is done and the record stays the caller's. Returns 0, or -2 for a null argument, and
+  // then takes nothing over.
   int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
 
   // Copies every management server site, in list order. Returns 0, -8 when there is none, -2 for a

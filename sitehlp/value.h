@@ -26,7 +26,12 @@ void setPassword(wchar_t (&field)[N], const AdvXMLParser::Element& element, bool
   std::wstring clear = recoverPassword(element, useDecryptData);
   const WipeAtExit<std::wstring> wipe(clear);
   // As zero-terminated text: what a password holds behind a zero is not part of it.
-  setField(field, clear.c_str(), std::wcslen(clear.c_str()));
+  const std::size_t length = std::wcslen(clear.c_str());
+  if (length < N) {
+    setField(field, clear.c_str(), length);
+  } else {
+    CSitesHelper::CopyWStr(field, clear.c_str(), N);
+  }
 }
 
 }  // namespace sitehlp

@@ -81,6 +81,7 @@ bool AFiler::copyFile(const AString& from, const AString& to) {
 }
 
 bool AFiler::createDirectory(const AString& path) {
+  if (path.empty()) return true;
   const ACharString name(path);
   return succeeded("Cannot create directory", name.str(),
                    host::makeDirectories(name.str(), c_modeOfNewDirectory));

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // Conversion of the plain ASCII that nearly all text consists of, in blocks that compilers turn
 // into vector instructions.
@@ -11,11 +12,10 @@ namespace host {
 constexpr std::size_t c_asciiBlock = 16;
 
 inline bool isAsciiBlock(const char* text) {
-  unsigned char all = 0;
-  for (std::size_t i = 0; i < c_asciiBlock; ++i) {
-    all = static_cast<unsigned char>(all | static_cast<unsigned char>(text[i]));
-  }
-  return all < 0x80;
+  std::uint64_t halves[2];
+  static_assert(sizeof halves == c_asciiBlock);
+  std::memcpy(halves, text, sizeof halves);
+  return ((halves[0] | halves[1]) & 0x8080808080808080u) == 0;
 }
 
 inline bool isAsciiBlock(const wchar_t* text) {
@@ -32,14 +32,28 @@ std::size_t asciiBlocks(const Character* text, std::size_t length) {
   return done;
 }
 
+// Through an array of its own: as `out` may overlap `text` for all that the compiler knows, it
+// would convert one character at a time.
+inline void widenBlock(const char* text, wchar_t* out) {
+  wchar_t block[c_asciiBlock];
+  for (std::size_t i = 0; i < c_asciiBlock; ++i) {
+    block[i] = static_cast<wchar_t>(static_cast<unsigned char>(text[i]));
+  }
+  std::memcpy(out, block, sizeof block);
+}
+
+inline void narrowBlock(const wchar_t* text, char* out) {
+  char block[c_asciiBlock];
+  for (std::size_t i = 0; i < c_asciiBlock; ++i) block[i] = static_cast<char>(text[i]);
+  std::memcpy(out, block, sizeof block);
+}
+
 // Both functions stop at the first character that is not ASCII, or after `length`, and return how
 // many they converted.
 inline std::size_t widenAscii(const char* text, std::size_t length, wchar_t* out) {
   std::size_t done = 0;
   for (; length - done >= c_asciiBlock && isAsciiBlock(text + done); done += c_asciiBlock) {
-    for (std::size_t i = 0; i < c_asciiBlock; ++i) {
-      out[done + i] = static_cast<wchar_t>(static_cast<unsigned char>(text[done + i]));
-    }
+    widenBlock(text + done, out + done);
   }
   for (; done < length && static_cast<unsigned char>(text[done]) < 0x80; ++done) {
     out[done] = static_cast<wchar_t>(text[done]);
@@ -50,13 +64,20 @@ inline std::size_t widenAscii(const char* text, std::size_t length, wchar_t* out
 inline std::size_t narrowAscii(const wchar_t* text, std::size_t length, char* out) {
   std::size_t done = 0;
   for (; length - done >= c_asciiBlock && isAsciiBlock(text + done); done += c_asciiBlock) {
-    for (std::size_t i = 0; i < c_asciiBlock; ++i)
-      out[done + i] = static_cast<char>(text[done + i]);
+    narrowBlock(text + done, out + done);
   }
   for (; done < length && static_cast<std::uint32_t>(text[done]) < 0x80; ++done) {
     out[done] = static_cast<char>(text[done]);
   }
   return done;
+}
+
+// For text that is known to be ASCII.
+inline char* narrowPlain(const wchar_t* text, std::size_t length, char* out) {
+  std::size_t done = 0;
+  for (; length - done >= c_asciiBlock; done += c_asciiBlock) narrowBlock(text + done, out + done);
+  for (; done < length; ++done) out[done] = static_cast<char>(text[done]);
+  return out + length;
 }
 
 }  // namespace host

@@ -2,15 +2,10 @@
 #include "host/xml/handles.h"
 #include "host/xml/tree_edit.h"
 #include "host/xml/tree_text.h"
+#include "host/xml/xml_name.h"
 #include "platform/common/anxml.h"
 
 namespace {
-
-std::string nameText(const wchar_t* name) { return host::toXmlText(name); }
-
-std::string valueText(const wchar_t* value) {
-  return value ? host::toXmlText(value) : std::string();
-}
 
 pugi::xml_node findChild(pugi::xml_node parent, const wchar_t* name, const wchar_t* keyAttribute,
                          const wchar_t* keyValue) {
@@ -21,7 +16,8 @@ pugi::xml_node findChild(pugi::xml_node parent, const wchar_t* name, const wchar
 
 void setAttributeIfGiven(pugi::xml_node node, const wchar_t* name, const wchar_t* value) {
   if (host::isGiven(name)) {
-    host::setAttribute(node, nameText(name).c_str(), valueText(value).c_str());
+    host::setAttribute(node, host::XmlName(name).c_str(),
+                       host::XmlText(value ? value : L"").c_str());
   }
 }
 
@@ -75,9 +71,9 @@ bool AnXmlNode::tryGetValue(const wchar_t* name, AString& value) const {
 
 void AnXmlNode::setValue(const wchar_t* name, const AString& value) {
   if (isNull()) return;
-  const std::string text = host::toXmlText(value.str());
+  const host::XmlText text(value.str());
   if (host::isGiven(name)) {
-    host::setAttribute(host::asNode(m_handle), nameText(name).c_str(), text.c_str());
+    host::setAttribute(host::asNode(m_handle), host::XmlName(name).c_str(), text.c_str());
   } else {
     host::setText(host::asNode(m_handle), text);
   }
@@ -102,7 +98,7 @@ bool AnXmlNode::addChild(AnXmlNode& out, const wchar_t* name, const wchar_t* att
                          const wchar_t* value) {
   if (isNull() || !host::isGiven(name)) return false;
   const pugi::xml_node child =
-      host::appendNode(host::asNode(m_handle), pugi::node_element, nameText(name).c_str());
+      host::appendNode(host::asNode(m_handle), pugi::node_element, host::XmlName(name).c_str());
   setAttributeIfGiven(child, attribute, value);
   out = at(child.internal_object());
   return true;

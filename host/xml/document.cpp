@@ -1,12 +1,13 @@
 #include "host/common/encoding.h"
 #include "host/xml/document_tree.h"
 #include "host/xml/tree_edit.h"
+#include "host/xml/xml_name.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace AdvXMLParser {
 
 Document::Document(const std::wstring& rootName) : m_tree(std::make_unique<DocumentTree>()) {
-  host::appendNode(m_tree->document, pugi::node_element, host::toXmlText(rootName).c_str());
+  host::appendNode(m_tree->document, pugi::node_element, host::XmlName(rootName).c_str());
 }
 
 Document::Document(std::unique_ptr<DocumentTree> tree) : m_tree(std::move(tree)) {}

@@ -12,6 +12,9 @@ constexpr std::size_t c_maxDocumentBytes = std::size_t{64} << 20;
 // Elements from the root, which counts as 1, to the innermost one.
 constexpr std::size_t c_maxDepth = 256;
 constexpr std::size_t c_maxAttributes = 1024;
+// Child elements of one element. A site becomes a record of some 27 KB, however short its element
+// is, so this bounds the memory that a small document can ask for.
+constexpr std::size_t c_maxChildren = 32768;
 // Bytes in UTF-8 of one piece of markup (a tag with all its attributes, a comment, a processing
 // instruction) or of one run of text between two pieces.
 constexpr std::size_t c_maxTokenBytes = std::size_t{1} << 20;

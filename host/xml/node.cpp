@@ -4,6 +4,7 @@
 #include "host/xml/handles.h"
 #include "host/xml/tree_edit.h"
 #include "host/xml/tree_text.h"
+#include "host/xml/xml_name.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace AdvXMLParser {
@@ -27,6 +28,10 @@ bool Attribute::HasName(const wchar_t* name) const {
   return !IsNull() && host::equals(asAttribute(m_handle).name(), name);
 }
 
+std::size_t Attribute::FindName(const wchar_t* const* names, std::size_t count) const {
+  return IsNull() ? count : host::findName(asAttribute(m_handle).name(), names, count);
+}
+
 std::wstring Attribute::GetValue() const { return wide(GetNarrowValue()); }
 
 bool Attribute::IsEmpty() const { return *GetNarrowValue() == '\0'; }
@@ -38,13 +43,17 @@ bool Attribute::CopyValue(wchar_t* dest, std::size_t capacity) const {
 }
 
 void Attribute::SetValue(const std::wstring& value) {
-  if (!IsNull()) host::setAttributeValue(asAttribute(m_handle), host::toXmlText(value).c_str());
+  if (!IsNull()) host::setAttributeValue(asAttribute(m_handle), host::XmlText(value).c_str());
 }
 
 std::wstring NodeContainer::GetName() const { return wide(asNode(m_handle).name()); }
 
 bool NodeContainer::HasName(const wchar_t* name) const {
   return !IsNull() && host::equals(asNode(m_handle).name(), name);
+}
+
+std::size_t NodeContainer::FindName(const wchar_t* const* names, std::size_t count) const {
+  return IsNull() ? count : host::findName(asNode(m_handle).name(), names, count);
 }
 
 std::wstring NodeContainer::GetValue() const { return host::valueOf(asNode(m_handle)); }
@@ -58,7 +67,7 @@ bool NodeContainer::CopyValue(wchar_t* dest, std::size_t capacity) const {
 }
 
 void NodeContainer::AddText(const std::wstring& text) {
-  if (!IsNull()) host::appendText(asNode(m_handle), pugi::node_pcdata, host::toXmlText(text));
+  if (!IsNull()) host::appendText(asNode(m_handle), pugi::node_pcdata, host::XmlText(text));
 }
 
 Attribute Element::GetAttribute(const wchar_t* name) const {
@@ -83,14 +92,13 @@ ElementRange Element::Elements() const {
 Attribute Element::CreateAttribute(const wchar_t* name) {
   if (IsNull()) return Attribute();
   return Attribute(
-      host::setAttribute(asNode(m_handle), host::toXmlText(name).c_str(), "").internal_object());
+      host::setAttribute(asNode(m_handle), host::XmlName(name).c_str(), "").internal_object());
 }
 
 Element Element::AddElementInto(const std::wstring& name) {
   if (IsNull()) return Element();
-  return Element(
-      host::appendNode(asNode(m_handle), pugi::node_element, host::toXmlText(name).c_str())
-          .internal_object());
+  return Element(host::appendNode(asNode(m_handle), pugi::node_element, host::XmlName(name).c_str())
+                     .internal_object());
 }
 
 Element Element::AppendElement(const std::wstring& name) {

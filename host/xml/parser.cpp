@@ -59,10 +59,15 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
                              "document over the limit: number of bytes");
   }
   TreeText utf8(size);
-  const std::size_t validLength = scalars(text, length);
-  char* end = host::writeUtf8(text, validLength, utf8.data());
-  // In place of what is no character; the parser then finds it and says where it is.
-  if (validLength != length) *end++ = c_invalidByte;
+  char* end = utf8.data();
+  if (size == length) {  // nothing beyond ASCII
+    end = host::narrowPlain(text, length, end);
+  } else {
+    const std::size_t validLength = scalars(text, length);
+    end = host::writeUtf8(text, validLength, end);
+    // In place of what is no character; the parser then finds it and says where it is.
+    if (validLength != length) *end++ = c_invalidByte;
+  }
   const host::Standalone standalone =
       host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()));
   end = foldLineEnds(utf8.data(), end);

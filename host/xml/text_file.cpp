@@ -14,8 +14,7 @@ namespace AdvXMLParser {
 namespace {
 
 [[noreturn]] void fail(int errorCode, const std::string& path, int systemError) {
-  throw ReadWriteException(errorCode, systemError,
-                           path + ": " + host::errorText(systemError));
+  throw ReadWriteException(errorCode, systemError, path + ": " + host::errorText(systemError));
 }
 
 [[noreturn]] void failAsInvalid(const std::string& what) {

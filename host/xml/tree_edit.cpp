@@ -19,6 +19,11 @@ bool isXmlCharacter(wchar_t character) {
   return isScalar(c) && c != 0xFFFE && c != 0xFFFF;
 }
 
+bool isPlain(wchar_t character) {
+  return (character >= 0x20 && character < 0x80) || character == L'\n' || character == L'\t' ||
+         character == L'\r';
+}
+
 pugi::xml_node copyAlone(pugi::xml_node source, pugi::xml_node parent) {
   pugi::xml_node copy = parent.append_child(source.type());
   require(copy);
@@ -38,8 +43,8 @@ pugi::xml_node appendNode(pugi::xml_node parent, pugi::xml_node_type type, const
   return node;
 }
 
-void appendText(pugi::xml_node parent, pugi::xml_node_type type, const std::string& text) {
-  setNodeValue(parent.append_child(type), text.data(), text.size());
+void appendText(pugi::xml_node parent, pugi::xml_node_type type, const XmlText& text) {
+  setNodeValue(parent.append_child(type), text.c_str(), text.size());
 }
 
 void setNodeValue(pugi::xml_node node, const char* value, std::size_t size) {
@@ -65,13 +70,14 @@ void setAttributeValue(pugi::xml_attribute attribute, const char* value) {
   require(attribute && attribute.set_value(value));
 }
 
-void setText(pugi::xml_node node, const std::string& text) {
+void setText(pugi::xml_node node, const XmlText& text) {
   for (pugi::xml_node child = node.first_child(); child;) {
     const pugi::xml_node next = child.next_sibling();
     if (isText(child)) node.remove_child(child);
     child = next;
   }
-  if (!text.empty()) setNodeValue(node.prepend_child(pugi::node_pcdata), text.data(), text.size());
+  if (text.size() > 0)
+    setNodeValue(node.prepend_child(pugi::node_pcdata), text.c_str(), text.size());
 }
 
 // The tree's own copying does not tell when it ran out of memory.
@@ -99,12 +105,23 @@ void appendCopy(pugi::xml_node parent, pugi::xml_node source) {
   }
 }
 
-std::string toXmlText(const std::wstring& text) {
-  if (std::all_of(text.begin(), text.end(), isXmlCharacter)) return toUtf8(text);
-  std::wstring repaired = text;
-  std::replace_if(
-      repaired.begin(), repaired.end(), [](wchar_t c) { return !isXmlCharacter(c); }, L'\uFFFD');
-  return toUtf8(repaired);
+XmlText::XmlText(const wchar_t* text, std::size_t length) : m_size(length) {
+  if (length < sizeof m_short) {
+    std::size_t i = 0;
+    for (; i < length && isPlain(text[i]); ++i) m_short[i] = static_cast<char>(text[i]);
+    m_short[i] = '\0';
+    if (i == length) return;
+  }
+  if (std::all_of(text, text + length, isXmlCharacter)) {
+    m_long = toUtf8(text, length);
+  } else {
+    std::wstring repaired(text, length);
+    std::replace_if(
+        repaired.begin(), repaired.end(), [](wchar_t c) { return !isXmlCharacter(c); }, L'\uFFFD');
+    m_long = toUtf8(repaired);
+  }
+  m_text = m_long.c_str();
+  m_size = m_long.size();
 }
 
 }  // namespace host

@@ -42,6 +42,16 @@ bool equals(const char* utf8, const wchar_t* wide) {
   return *wide == L'\0';
 }
 
+std::size_t findName(const char* utf8, const wchar_t* const* names, std::size_t count) {
+  // Most names differ in their first character.
+  const auto first = static_cast<wchar_t>(static_cast<unsigned char>(*utf8));
+  const bool isAscii = first < 0x80;
+  for (std::size_t i = 0; i < count; ++i) {
+    if ((!isAscii || *names[i] == first) && equals(utf8, names[i])) return i;
+  }
+  return count;
+}
+
 bool isText(pugi::xml_node node) {
   return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }

@@ -10,6 +10,8 @@ namespace host {
 
 // Compares a UTF-8 text of a tree with a wide one.
 bool equals(const char* utf8, const wchar_t* wide);
+// The position of the first of `count` names that is equal; `count` when none is.
+std::size_t findName(const char* utf8, const wchar_t* const* names, std::size_t count);
 
 // The text directly inside the node, CDATA sections included.
 std::wstring valueOf(pugi::xml_node node);

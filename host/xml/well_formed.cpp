@@ -2,6 +2,8 @@
 
 #include <expat.h>
 
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <memory>
 #include <new>
@@ -38,17 +40,36 @@ class Checker {
   }
 
   Standalone check(const char* utf8, std::size_t size) {
-    const XML_Status status = XML_Parse(m_parser.get(), utf8, static_cast<int>(size), XML_TRUE);
-    if (m_failure) std::rethrow_exception(m_failure);
-    if (status != XML_STATUS_OK) {
-      const XML_Error error = XML_GetErrorCode(m_parser.get());
-      if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-      refuse(XML_ErrorString(error));
-    }
+    // In pieces, so that a token over the limit is refused before all of it is looked at.
+    std::size_t done = 0;
+    do {
+      const std::size_t piece = std::min(size - done, c_maxTokenBytes);
+      feed(utf8 + done, piece, done + piece == size);
+      done += piece;
+      if (done < size) checkPending(done);
+    } while (done < size);
     return m_standalone;
   }
 
  private:
+  void feed(const char* utf8, std::size_t size, bool isLast) {
+    const XML_Status status =
+        XML_Parse(m_parser.get(), utf8, static_cast<int>(size), isLast ? XML_TRUE : XML_FALSE);
+    if (m_failure) std::rethrow_exception(m_failure);
+    if (status == XML_STATUS_OK) return;
+    const XML_Error error = XML_GetErrorCode(m_parser.get());
+    if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    refuse(XML_ErrorString(error));
+  }
+
+  // The token that is not at its end yet.
+  void checkPending(std::size_t fed) const {
+    const XML_Index start = XML_GetCurrentByteIndex(m_parser.get());
+    if (start >= 0 && fed - static_cast<std::size_t>(start) > c_maxTokenBytes) {
+      refuseAsTooLarge("length of a token");
+    }
+  }
+
   static Checker& from(void* self) { return *static_cast<Checker*>(self); }
 
   static void onDeclaration(void* self, const char*, const char*, int standalone) {
@@ -60,6 +81,11 @@ class Checker {
   static void onStartElement(void* self, const char*, const char**) {
     Checker& checker = from(self);
     checker.startMarkup();
+    if (checker.m_depth < c_maxDepth) {
+      checker.require(++checker.m_children[checker.m_depth] <= c_maxChildren,
+                      "number of child elements");
+      checker.m_children[checker.m_depth + 1] = 0;
+    }
     checker.require(++checker.m_depth <= c_maxDepth, "depth");
     const auto attributes =
         static_cast<std::size_t>(XML_GetSpecifiedAttributeCount(checker.m_parser.get())) / 2;
@@ -113,7 +139,8 @@ class Checker {
 
   ParserPtr m_parser;
   std::size_t m_depth = 0;
-  std::size_t m_textSize = 0;  // of the run of text so far
+  std::array<std::size_t, c_maxDepth + 1> m_children{};  // by the depth of the parent
+  std::size_t m_textSize = 0;                            // of the run of text so far
   Standalone m_standalone = Standalone::NotSaid;
   std::exception_ptr m_failure;
 };

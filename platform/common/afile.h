@@ -51,7 +51,8 @@ class PLATFORM_API AFiler {
   // Copies a regular file with the guarantees of AFile::write. False when `from` cannot be read.
   static bool copyFile(const AString& from, const AString& to);
 
-  // Creates a directory and its missing parents. True also when the directory exists already.
+  // Creates a directory and its missing parents. True also when the directory exists already; an
+  // empty path is the current directory, as in joinPath.
   static bool createDirectory(const AString& path);
 
   // Asks whether the calling process may use the file in the given way. `exists` tells whether the

@@ -16,8 +16,8 @@ struct DocumentTree;
 //
 // Names and values are compared exactly. A name that is null or empty is not given; the value that
 // belongs to a name that is given counts as empty when it is null. Characters that XML cannot carry
-// are stored as U+FFFD. Everything that adds to a document may throw std::bad_alloc; nothing else
-// is thrown. One document is used by one thread at a time.
+// are stored as U+FFFD, in names as "_". Everything that adds to a document may throw
+// std::bad_alloc; nothing else is thrown. One document is used by one thread at a time.
 
 // Owns one document; holds none until a file was opened.
 class PLATFORM_API AnXml {

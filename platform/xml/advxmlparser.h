@@ -14,7 +14,8 @@
 // that are copied freely and refer into the tree. A handle is valid as long as its Document lives
 // and the node is in it. A null handle (IsNull) answers every question with nothing: empty text,
 // null handles, empty ranges; changing it does nothing. One document is used by one thread at a
-// time; different documents are independent.
+// time; different documents are independent. In the names of new elements and attributes, what an
+// XML name cannot have becomes "_".
 namespace AdvXMLParser {
 
 enum UTF_ENCODINGS {
@@ -129,6 +130,8 @@ class PLATFORM_API Attribute : public Node {
 
   std::wstring GetName() const;
   bool HasName(const wchar_t* name) const;
+  // The position of the name among `count` others; `count` when it is not there.
+  std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
 
   std::wstring GetValue() const;
   bool IsEmpty() const;  // no attribute, or an empty value
@@ -153,6 +156,8 @@ class PLATFORM_API NodeContainer : public Node {
  public:
   std::wstring GetName() const;
   bool HasName(const wchar_t* name) const;
+  // As Attribute::FindName.
+  std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
 
   std::wstring GetValue() const;
   // The value as UTF-8, for reading numbers. Replaces what `value` held.

@@ -1,3 +1,5 @@
+#include <unordered_map>
+
 #include "platform/common/anxml.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -15,6 +17,16 @@ constexpr const wchar_t* c_elementText = L"";
 void copyText(const AnXmlNode& source, AnXmlNode& target) {
   AString text;
   if (source.tryGetValue(c_elementText, text)) target.setValue(c_elementText, text);
+}
+
+// The first child of each name. Looking for each name in turn would take the square of their
+// number.
+std::unordered_map<std::wstring, AnXmlNode> firstChildren(const AnXmlNode& node) {
+  std::unordered_map<std::wstring, AnXmlNode> children;
+  AnXmlChildIndex index(node, nullptr);
+  AnXmlNode child;
+  while (index.moveNext(child)) children.emplace(child.getName().str(), child);
+  return children;
 }
 
 }  // namespace
@@ -46,11 +58,12 @@ void CSitesHelper::copyXmlAttributes(AnXmlNode& source, AnXmlNode& target) {
 }
 
 void CSitesHelper::copyXmlSubNodes(AnXmlNode& source, AnXmlNode& target) {
+  std::unordered_map<std::wstring, AnXmlNode> copies = firstChildren(target);
   AnXmlChildIndex children(source, nullptr);
   AnXmlNode child;
   while (children.moveNext(child)) {
-    AnXmlNode copy;
-    target.setChild(copy, child.getName().c_str(), nullptr, nullptr, nullptr, nullptr);
+    AnXmlNode& copy = copies[child.getName().str()];
+    if (copy.isNull()) target.addChild(copy, child.getName().c_str(), nullptr, nullptr);
     copyXmlAttributes(child, copy);
   }
 }

@@ -54,17 +54,20 @@ TEST(HostileDocument, withSectionsThatNeverEndIsRefused) {
   }
 }
 
-TEST(HostileDocument, withOneEndlessTokenIsRefusedInTimeThatGrowsWithItsLengthOnly) {
+TEST(HostileDocument, withOneEndlessTokenIsRefusedWhetherItEndsOrNot) {
   const std::string filler(std::size_t{32} << 20, 'x');
-  EXPECT_THROW(parse("<a><!--" + filler), ParsingException);
+  expectOverLimit("<a><!--" + filler);
   expectOverLimit("<a><!--" + filler + "--></a>");
 }
 
 TEST(HostileDocument, ofManySmallElementsIsReadWhole) {
-  const test::DocumentPtr document = parse("<r>" + repeated("<a/>", 500000) + "</r>");
+  const std::string group = "<g>" + repeated("<a/>", 500) + "</g>";
+  const test::DocumentPtr document = parse("<r>" + repeated(group, 1000) + "</r>");
   ASSERT_NE(document, nullptr);
   std::size_t count = 0;
-  for (const Element child : document->GetRoot().Elements()) count += child.HasName(L"a");
+  for (const Element child : document->GetRoot().Elements()) {
+    for (const Element grandchild : child.Elements()) count += grandchild.HasName(L"a");
+  }
   EXPECT_EQ(count, 500000u);
 }
 

@@ -126,6 +126,33 @@ TEST(TokenLimit, holdsAroundTheRootToo) {
   overLimit("<r/>" + space + "  ");
 }
 
+std::string withChildren(std::size_t count) { return "<r>\n" + repeated("<a/>", count) + "</r>"; }
+
+TEST(ChildLimit, allowsTheMostChildElements) {
+  const test::DocumentPtr document = parse(withChildren(host::c_maxChildren));
+  ASSERT_NE(document, nullptr);
+  std::size_t count = 0;
+  for (const Element child : document->GetRoot().Elements()) {
+    EXPECT_FALSE(child.IsNull());
+    ++count;
+  }
+  EXPECT_EQ(count, host::c_maxChildren);
+}
+
+TEST(ChildLimit, refusesOneChildElementMore) {
+  EXPECT_EQ(overLimit(withChildren(host::c_maxChildren + 1)),
+            Place(2, host::c_maxChildren * 4 + 1));
+}
+
+TEST(ChildLimit, countsTheChildrenOfOneElement) {
+  const std::string half = withChildren(host::c_maxChildren / 2 + 1);
+  EXPECT_NE(parse("<r>" + half + half + "</r>"), nullptr);
+}
+
+TEST(TokenLimit, refusesATagManyTimesTheLimitBeforeItsEnd) {
+  overLimit("<r>" + std::string(2 * host::c_maxTokenBytes, ' ').replace(0, 2, "<a"));
+}
+
 // Comments of four-byte characters make a document of `size` bytes out of few characters.
 std::wstring documentOfBytes(std::size_t size) {
   const std::size_t commentBytes = 7 + 4 * 200000;

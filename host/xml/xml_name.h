@@ -1,0 +1,28 @@
+#ifndef HOST_XML_XML_NAME_H
+#define HOST_XML_XML_NAME_H
+
+#include <string>
+
+namespace host {
+
+// The UTF-8 form of the name of a new element or attribute, with "_" in place of what a name cannot
+// have there: a document with a broken name would be lost as a whole. Short plain names, which
+// nearly all are, need no memory of their own.
+class XmlName {
+ public:
+  explicit XmlName(const wchar_t* name);
+  explicit XmlName(const std::wstring& name) : XmlName(name.c_str()) {}
+  XmlName(const XmlName&) = delete;
+  XmlName& operator=(const XmlName&) = delete;
+
+  const char* c_str() const { return m_text; }
+
+ private:
+  char m_short[64];
+  std::string m_long;
+  const char* m_text = m_short;
+};
+
+}  // namespace host
+
+#endif

@@ -20,6 +20,10 @@ void addInstall(CLI::App& app, Context& context);
 void addMerge(CLI::App& app, Context& context);
 void addRewrite(CLI::App& app, Context& context);
 void addProtect(CLI::App& app, Context& context);
+void addFromBuffer(CLI::App& app, Context& context);
+void addServerList(CLI::App& app, Context& context);
+void addModify(CLI::App& app, Context& context);
+void addDeriveServerList(CLI::App& app, Context& context);
 
 }  // namespace tool
 

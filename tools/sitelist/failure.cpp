@@ -91,18 +91,13 @@ std::string describe(const DocumentFault& fault) {
   return text + fault.reason + "\n";
 }
 
-}  // namespace
-
-Failure::Failure(ExitStatus status, const std::string& text)
-    : std::runtime_error(text), m_status(status) {}
-Failure::Failure(const Failure&) noexcept = default;
-Failure::~Failure() = default;
-
-std::optional<DocumentFault> findDocumentFault(const std::string& path) {
+// What stops the text that `getText` gives from being a document.
+template <typename GetText>
+std::optional<DocumentFault> findFault(GetText getText) {
   try {
     std::wstring text;
     AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
-    AdvXMLParser::ReadBufferFromFile(wide(path), text, encoding, nullptr);
+    getText(text, encoding);
     const std::unique_ptr<AdvXMLParser::Document> document(
         AdvXMLParser::Parser().Parse(text.data(), text.size()));
     if (document) return std::nullopt;
@@ -113,6 +108,29 @@ std::optional<DocumentFault> findDocumentFault(const std::string& path) {
   } catch (const ReadWriteException& e) {
     return faultOf(e);
   }
+}
+
+}  // namespace
+
+Failure::Failure(ExitStatus status, const std::string& text)
+    : std::runtime_error(text), m_status(status) {}
+Failure::Failure(const Failure&) noexcept = default;
+Failure::~Failure() = default;
+
+std::optional<DocumentFault> findDocumentFault(const std::string& path) {
+  return findFault([&](std::wstring& text, AdvXMLParser::UTF_ENCODINGS& encoding) {
+    AdvXMLParser::ReadBufferFromFile(wide(path), text, encoding, nullptr);
+  });
+}
+
+std::optional<DocumentFault> findFaultInBytes(const std::string& bytes) {
+  return findFault([&](std::wstring& text, AdvXMLParser::UTF_ENCODINGS& encoding) {
+    const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (!AdvXMLParser::ConvertBufferToUnicode(data, bytes.size(), text, encoding)) {
+      throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
+                               "the bytes are not valid in their encoding");
+    }
+  });
 }
 
 std::string formatCode(int code) {
@@ -136,6 +154,15 @@ Failure libraryFailure(const std::string& path, int code) {
     }
   }
   return Failure(known.status, compose(path, code, known.meaning, "", known.next));
+}
+
+Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
+  const Meaning& known = meaningOf(code);
+  if (const auto fault = findFaultInBytes(bytes)) {
+    return Failure(fault->status,
+                   compose(name, code, known.meaning, describe(*fault), c_mendDocument));
+  }
+  return libraryFailure(name, code, known.status, known.meaning, known.next);
 }
 
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,

@@ -34,12 +34,16 @@ struct DocumentFault {
 // Reads and parses a file to see why an operation of the library refused it. Nothing when it can be
 // read now.
 std::optional<DocumentFault> findDocumentFault(const std::string& path);
+// The same for the bytes of a document.
+std::optional<DocumentFault> findFaultInBytes(const std::string& bytes);
 
 // A result code in both its forms: "-5, 0xFFFFFFFB".
 std::string formatCode(int code);
 
 // The failure of an operation of the library on a file.
 Failure libraryFailure(const std::string& path, int code);
+// The same for a document that was handed over as bytes.
+Failure libraryFailure(const std::string& name, const std::string& bytes, int code);
 // The same with a meaning, advice and exit status of its own in place of the code's.
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
                        const std::string& meaning, const std::string& next);

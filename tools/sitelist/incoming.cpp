@@ -31,6 +31,8 @@ bool hasVersionedServer(const std::string& path) {
   return false;
 }
 
+}  // namespace
+
 void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
   const std::string directory = std::filesystem::path(ownList).parent_path().string();
   std::error_code error;
@@ -50,8 +52,6 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
           : "put srpubkey.bin, not empty, into the directory that --keys names, or leave --keys "
             "out");
 }
-
-}  // namespace
 
 void failIncoming(const IncomingOptions& options, const std::string& ownList, int code) {
   const auto document = findDocumentFault(options.file);

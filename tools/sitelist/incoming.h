@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "sitehlp/sites_helper.h"
 #include "tools/sitelist/command.h"
 
 namespace tool {
@@ -20,6 +21,14 @@ int takeIncoming(const Context& context, const IncomingOptions& options);
 
 // Says what taking the list would change, and changes nothing.
 int previewIncoming(const Context& context, const IncomingOptions& options);
+
+// Says which key files and marker would come with the list, and that nothing was written.
+void previewFiles(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
+                  sitehlp::tag_Site* sites, const std::string& ownList);
+
+// Fails because the key files could not be copied or the list could not be written.
+[[noreturn]] void failOwnFiles(const IncomingOptions& options, const std::string& ownList,
+                               int code);
 
 // The failure of import or install, from the library's code and log.
 [[noreturn]] void failIncoming(const IncomingOptions& options, const std::string& ownList,

@@ -42,6 +42,10 @@ void addCommands(CLI::App& app, Context& context) {
   addInstall(app, context);
   addMerge(app, context);
   addRewrite(app, context);
+  addModify(app, context);
+  addDeriveServerList(app, context);
+  addFromBuffer(app, context);
+  addServerList(app, context);
   addProtect(app, context);
 }
 

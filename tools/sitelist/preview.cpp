@@ -95,27 +95,33 @@ void printMarker(const IncomingOptions& options, const Target& target) {
 
 }  // namespace
 
+void previewFiles(CSitesHelper& helper, const IncomingOptions& options, tag_Site* sites,
+                  const std::string& ownList) {
+  const Target target{ownList, fs::path(ownList).parent_path().string()};
+  printKeyFiles(helper, options, sites, target);
+  printMarker(options, target);
+  std::cout << "\nNothing was written.\n";
+}
+
 int previewIncoming(const Context& context, const IncomingOptions& options) {
-  const Target target{ownListPath(context), fs::path(ownListPath(context)).parent_path().string()};
+  const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);
-  CSitesHelper helper(wide(target.ownList));
+  CSitesHelper helper(wide(ownList));
   tag_Site* list = nullptr;
   const int read = helper.MustReadSiteList(wide(options.file), &list);
   const Sites sites(list);
-  if (read != 0) failIncoming(options, target.ownList, read);
+  if (read != 0) failIncoming(options, ownList, read);
   if (options.isChecked) {
     const int checked = helper.SourceSiteListCheck(sites.get(), helper.IsOrbManaged() != 0);
-    if (checked != 0) failIncoming(options, target.ownList, checked);
+    if (checked != 0) failIncoming(options, ownList, checked);
   }
   helper.AdjustSitesOrder(sites.get());
-  const SiteList before = readSiteList(target.ownList);
+  const SiteList before = readSiteList(ownList);
   const SiteList after = readSiteList(options.file);
 
-  std::cout << "What would change in " << shown(target.ownList) << '\n';
+  std::cout << "What would change in " << shown(ownList) << '\n';
   printChanges(before, after, sites.get());
-  printKeyFiles(helper, options, sites.get(), target);
-  printMarker(options, target);
-  std::cout << "\nNothing was written.\n";
+  previewFiles(helper, options, sites.get(), ownList);
   return exitSuccess;
 }
 

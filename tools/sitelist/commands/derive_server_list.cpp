@@ -1,0 +1,58 @@
+#include <filesystem>
+#include <iostream>
+
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/edit_failure.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string source;
+  std::string target;
+};
+
+int derive(const Context& context, const Options& options) {
+  const PrivateAgent agent(context, PrivateAgent::Detached);
+  const std::wstring target = wide(options.target);
+  const std::string written =
+      (options.target.empty() ? options.source : options.target) + "/ServerSiteList.xml";
+  if (!sitehlp::CSitesHelper::createServerSiteListFromSiteList(
+          wide(options.source).c_str(), options.target.empty() ? nullptr : target.c_str())) {
+    failIfNotEditable(options.source + "/SiteList.xml");
+    throw libraryFailure(written, sitehlp::c_errorWrite);
+  }
+  std::cerr << "sitelist: wrote " << shown(written) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addDeriveServerList(CLI::App& app, Context& context) {
+  CLI::App* const command = app.add_subcommand(
+      "derive-server-list", "Make ServerSiteList.xml from SiteList.xml without local sites");
+  const auto options = std::make_shared<Options>();
+  command->add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
+      ->required()
+      ->type_name("");
+  command
+      ->add_option("TARGET_DIR", options->target,
+                   "The directory of ServerSiteList.xml; the source's without it")
+      ->type_name("");
+  command->footer(
+      "Leaves out the repositories whose \"Local\" is \"1\"; everything else in the document\n"
+      "stays as it is.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist derive-server-list /Library/Korvel/orb/etc\n"
+      "  sitelist derive-server-list lists out\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return derive(context, *options); };
+  });
+}
+
+}  // namespace tool

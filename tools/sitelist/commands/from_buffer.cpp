@@ -1,0 +1,59 @@
+#include <iostream>
+
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/input.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+int fromBuffer(const Context& context, const std::string& file) {
+  serveAgent(context);
+  const Input input = readInput(file);
+  std::wstring text;
+  AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
+  const auto* const data = reinterpret_cast<const unsigned char*>(input.bytes.data());
+  if (!AdvXMLParser::ConvertBufferToUnicode(data, input.bytes.size(), text, encoding)) {
+    throw libraryFailure(input.name, input.bytes,
+                         AdvXMLParser::ReadWriteException::INVALID_ENCODING);
+  }
+  sitehlp::CSitesHelper helper(wide(ownListPath(context)));
+  const int result = helper.CreateSiteListFromBuffer(text);
+  if (result == sitehlp::c_errorWrite) {
+    throw libraryFailure("the agent's scratch area", result, exitFile,
+                         "the list could not be written",
+                         "make scratch/etc in the default data directory, and check that you may "
+                         "write there");
+  }
+  if (result != 0) throw libraryFailure(input.name, input.bytes, result);
+  std::cerr << "sitelist: wrote the list from " << shown(input.name)
+            << " to the agent's scratch area\n";
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addFromBuffer(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("from-buffer", "Write a document from memory to the scratch area");
+  const auto file = std::make_shared<std::string>();
+  command->add_option("FILE", *file, "The document; standard input with - or without a name")
+      ->type_name("");
+  command->footer(
+      "The list goes to /Library/Korvel/orb/scratch/etc/SiteList.xml, whatever agent is\n"
+      "served; that directory must be there. It gets versions of its own. Certificates are\n"
+      "those of the document or, when it has no bundle, of the agent's own list.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist from-buffer received.xml\n"
+      "  receive-list | sitelist from-buffer\n");
+  command->callback([&context, file] {
+    context.action = [&context, file] { return fromBuffer(context, *file); };
+  });
+}
+
+}  // namespace tool

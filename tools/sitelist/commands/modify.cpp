@@ -1,0 +1,109 @@
+#include <filesystem>
+#include <iostream>
+
+#include "platform/common/afile.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/changes.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/edit_failure.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/incoming.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using sitehlp::CSitesHelper;
+
+struct Options {
+  IncomingOptions incoming;
+  bool repositories = false;
+  bool servers = false;
+};
+
+bool modify(const std::string& list, const Options& options) {
+  CSitesHelper helper(wide(list));
+  return helper.modifySiteList(wide(options.incoming.file).c_str(), options.repositories,
+                               options.servers, wide(options.incoming.keyDirectory));
+}
+
+bool haveKeyFiles(const IncomingOptions& incoming) {
+  const SiteList list = readSiteList(incoming.file);
+  ABuffer buffers[4];
+  bool flags[4] = {};
+  return CSitesHelper(true).readKeyFiles(
+      wide(incoming.file), list.sites.get(), wide(incoming.keyDirectory), buffers[0], buffers[1],
+      buffers[2], buffers[3], flags[0], flags[1], flags[2], flags[3]);
+}
+
+[[noreturn]] void fail(const Options& options, const std::string& ownList) {
+  failIfNotEditable(ownList);
+  failIfNotEditable(options.incoming.file);
+  if (!haveKeyFiles(options.incoming)) {
+    failOwnFiles(options.incoming, ownList, sitehlp::c_errorGeneral);
+  }
+  throw libraryFailure(ownList, sitehlp::c_errorWrite);
+}
+
+// Edits a copy, and compares.
+int preview(const Context& context, const Options& options) {
+  const std::string ownList = ownListPath(context);
+  const PrivateAgent agent(context);
+  failIfNotEditable(ownList);
+  const std::string copy = agent.directory() + "/etc/SiteList.xml";
+  if (!AFiler::createDirectory(wide(agent.directory() + "/etc")) ||
+      !AFiler::copyFile(wide(ownList), wide(copy)) || !modify(copy, options)) {
+    fail(options, ownList);
+  }
+  const SiteList before = readSiteList(ownList);
+  const SiteList after = readSiteList(copy);
+  std::cout << "What would change in " << shown(ownList) << '\n';
+  printChanges(before, after, after.sites.get());
+  const SiteList incoming = readSiteList(options.incoming.file);
+  CSitesHelper helper(wide(ownList));
+  previewFiles(helper, options.incoming, incoming.sites.get(), ownList);
+  return exitSuccess;
+}
+
+int perform(const Context& context, const Options& options) {
+  if (options.incoming.dryRun) return preview(context, options);
+  serveAgent(context);
+  const std::string ownList = ownListPath(context);
+  if (!modify(ownList, options)) fail(options, ownList);
+  std::cerr << "sitelist: " << shown(ownList) << " is modified\n";
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addModify(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("modify", "Edit the agent's list in place from another list");
+  const auto options = std::make_shared<Options>();
+  command->add_option("SOURCE", options->incoming.file, "The list to take from")
+      ->required()
+      ->type_name("");
+  command->add_flag("--repositories", options->repositories,
+                    "Take over the two default vendor repositories");
+  command->add_flag("--servers", options->servers,
+                    "Take over the management servers and the CA certificates");
+  command
+      ->add_option("--keys", options->incoming.keyDirectory,
+                   "Where the server's public key is, for a list whose server\nhas no version")
+      ->type_name("DIR");
+  command->add_flag("--dry-run", options->incoming.dryRun,
+                    "Say what would change, and write nothing");
+  command->footer(
+      "Everything else in the document stays as it is, also what the agent does not read.\n"
+      "The key files beside SOURCE are installed in any case.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"
+      "  sitelist modify --repositories --servers incoming/SiteList.xml\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return perform(context, *options); };
+  });
+}
+
+}  // namespace tool

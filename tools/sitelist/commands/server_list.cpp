@@ -1,0 +1,88 @@
+#include <iostream>
+
+#include "host/agent.h"
+#include "platform/crypto/object_buffer.h"
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/input.h"
+#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string file;
+  bool adjustPasswords = false;
+};
+
+// Rewriting reports nothing, so what came of it is looked up in the file.
+void requireRewritten(const Input& input, const std::string& path, const std::string& before) {
+  if (const auto fault = findFaultInBytes(input.bytes)) {
+    throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
+  }
+  std::string after;
+  try {
+    after = readInput(path).bytes;
+  } catch (const Failure&) {
+    after = before;
+  }
+  if (after == before) {
+    throw libraryFailure(path, sitehlp::c_errorWrite, exitFile, "the list could not be written",
+                         "check that you may write there and that there is room");
+  }
+}
+
+int serverList(const Context& context, const Options& options) {
+  serveAgent(context);
+  const Input input = readInput(options.file);
+  const std::string path = context.agentDirectory + "/ServerSiteList.xml";
+  const bool isRewritten = options.adjustPasswords &&
+                           host::agent().cryptoKeySize == korvel_com::ZQ::crypto::KEY_SIZE_2048;
+  std::string before;
+  try {
+    if (isRewritten) before = readInput(path).bytes;
+  } catch (const Failure&) {
+    before.clear();  // there is none yet
+  }
+  korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char> buffer(
+      static_cast<unsigned int>(input.bytes.size()),
+      reinterpret_cast<const unsigned char*>(input.bytes.data()));
+  sitehlp::CSitesHelper helper(wide(ownListPath(context)));
+  if (helper.CreateServerSiteList(buffer, options.adjustPasswords) == 0) {
+    throw libraryFailure(path, sitehlp::c_errorWrite);
+  }
+  if (isRewritten) requireRewritten(input, path, before);
+  if (options.adjustPasswords && !isRewritten) {
+    std::cerr << "sitelist: the agent's key size is not 2048; passwords are as they were\n";
+  }
+  std::cerr << "sitelist: stored " << shown(input.name) << " as " << shown(path) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addServerList(CLI::App& app, Context& context) {
+  CLI::App* const command =
+      app.add_subcommand("server-list", "Store a server site list handed over by the server");
+  const auto options = std::make_shared<Options>();
+  command
+      ->add_option("FILE", options->file, "The document; standard input with - or without a name")
+      ->type_name("");
+  command->add_flag("--adjust-passwords", options->adjustPasswords,
+                    "Recover the passwords with the server's key and protect them with\n"
+                    "the agent's; without it the bytes are stored as they are");
+  command->footer(
+      "The list becomes ServerSiteList.xml in the agent's data directory.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist server-list received.xml\n"
+      "  receive-list | sitelist server-list --adjust-passwords\n");
+  command->callback([&context, options] {
+    context.action = [&context, options] { return serverList(context, *options); };
+  });
+}
+
+}  // namespace tool

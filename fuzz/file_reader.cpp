@@ -1,0 +1,52 @@
+#include <cwchar>
+
+#include "fuzz/stage.h"
+#include "sitehlp/sites_helper.h"
+
+using namespace sitehlp;
+
+namespace {
+
+bool isTerminated(const wchar_t* field, std::size_t capacity) {
+  return std::wmemchr(field, L'\0', capacity) != nullptr;
+}
+
+}  // namespace
+
+// A file of any bytes, read by everything that reads.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  test::MemoryFileSystem& files = fuzz::Stage::clear();
+  files.put(fuzz::c_list, std::string(reinterpret_cast<const char*>(data), size));
+  CSitesHelper helper(fuzz::c_widePath);
+  tag_Site* list = nullptr;
+  const int code = helper.ReadSiteList(fuzz::c_widePath, &list, true);
+  fuzz::require(code == 0 || code == c_errorGeneral || code == c_errorParse ||
+                    code == c_errorRead || code == AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED,
+                "the reader returns a code that its header names");
+  for (const tag_Site* site = list; site; site = site->pNext) {
+    fuzz::require(isTerminated(site->szType, c_textCapacity), "a type ends");
+    fuzz::require(isTerminated(site->proxy.szExclusionList, c_exclusionListCapacity) ||
+                      site->eSiteKind != SITE_KIND_PROXY,
+                  "an exclusion list ends");
+  }
+  tag_Site* chain = nullptr;
+  if (list) helper.GetVestaSite(list, &chain);
+  helper.SourceSiteListCheck(list, true);
+  helper.AdjustSitesOrder(list);
+  CSitesHelper::FreeSiteListMemory(chain);
+  CSitesHelper::FreeSiteListMemory(list);
+  std::wstring text;
+  std::wstring other;
+  std::wstring third;
+  helper.GetSitelistVersions(fuzz::c_widePath, text, other, third);
+  helper.GetSitelistFipsMode(fuzz::c_widePath, text);
+  std::vector<std::wstring> certificates;
+  helper.GetCaCertificates(fuzz::c_widePath, certificates);
+  try {
+    helper.GetSiteListBuffer(text);
+  } catch (const AdvXMLParser::ReadWriteException&) {
+    // Its header says so.
+  }
+  fuzz::require(files.find(fuzz::c_list)->size() == size, "reading changes nothing");
+  return 0;
+}

@@ -1,0 +1,32 @@
+#include "fuzz/stage.h"
+#include "host/common/encoding.h"
+#include "sitehlp/password.h"
+#include "sitehlp/sites_helper.h"
+
+// A protected value of any text, and a clear one that comes back.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::Stage::clear();
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
+  const std::wstring text = host::toWide(bytes.data(), bytes.size());
+  const std::wstring untouched = L"untouched";
+  std::wstring out = untouched;
+  if (sitehlp::decrypt_data(text, out) == 0) {
+    fuzz::require(out == untouched, "a server's value that is refused leaves the output");
+  }
+  out = untouched;
+  if (sitehlp::EncryptDecryptPassword(text, out, false) == 0) {
+    fuzz::require(out == untouched, "a value that is refused leaves the output");
+  }
+  std::wstring sealed;
+  std::wstring clear;
+  fuzz::require(sitehlp::EncryptDecryptPassword(text, sealed, true) != 0, "any text is protected");
+  fuzz::require(sitehlp::EncryptDecryptPassword(sealed, clear, false) != 0 && clear == text,
+                "and comes back");
+  if (size == 0) return 0;
+  // One bit, wherever the input says.
+  const std::size_t at = data[0] % sealed.size();
+  sealed[at] = static_cast<wchar_t>(sealed[at] ^ (1 << (data[size - 1] % 7)));
+  fuzz::require(sitehlp::EncryptDecryptPassword(sealed, clear, false) == 0,
+                "a value with a flipped bit is refused");
+  return 0;
+}

@@ -76,10 +76,13 @@ TEST_F(PasswordInDocument, LaterOneThatCannotBeRecoveredReplacesTheEarlier) {
   EXPECT_STREQ(site->ftp.szPassword, L"");
 }
 
-TEST_F(PasswordInDocument, OverlongOneIsCut) {
+TEST_F(PasswordInDocument, OverlongOneIsCutAndLoggedLikeAnyText) {
   const std::wstring clear(300, L'p');
   const auto site = decode("<FTPSite>" + child("Password", sealed(clear)) + "</FTPSite>");
   EXPECT_EQ(std::wstring(site->ftp.szPassword), clear.substr(0, 259));
+  // Like every text that does not fit, it is named in the detail log.
+  EXPECT_THAT(messages(), testing::ElementsAre(detail(L"String " + clear + L" is truncated to " +
+                                                      clear.substr(0, 259) + L" in CopyWStr")));
 }
 
 TEST_F(PasswordInDocument, WithoutTheServiceReadsAsEmpty) {

@@ -141,6 +141,16 @@ TEST_F(CliEditing, ServerListIsRewrittenToAdjustPasswords) {
   EXPECT_THAT(list, HasSubstr("GlobalVersion=\"20260101000000\""));
 }
 
+TEST_F(CliEditing, ServerListSaysOnceThatTheServersKeyIsMissing) {
+  initAgent();
+  const std::string sites = httpSite("one", "1", "QUJD") + httpSite("two", "2", "QUJD");
+  const Output output = sitelist({"server-list", "--adjust-passwords"}, document(sites));
+  EXPECT_EQ(output.status, 0) << output.err;
+  const std::size_t first = output.err.find("keystore/server.key: cannot be opened");
+  ASSERT_NE(first, std::string::npos) << output.err;
+  EXPECT_EQ(output.err.find("keystore/server.key", first + 1), std::string::npos) << output.err;
+}
+
 TEST_F(CliEditing, ServerListThatIsNoDocumentChangesNothing) {
   initAgent();
   EXPECT_EQ(sitelist({"server-list"}, document(httpSite("depot"))).status, 0);

@@ -1,6 +1,7 @@
 #include "tools/sitelist/log_record.h"
 
 #include <iostream>
+#include <set>
 
 #include "host/log_sink.h"
 #include "tools/sitelist/text.h"
@@ -44,9 +45,11 @@ void clearLogRecords() { records().clear(); }
 
 void reportLoggedErrors(bool withCodes) {
   if (g_verbose) return;
+  std::set<std::wstring> printed;  // a missing key is logged for each password that needs it
   for (const LogRecord& record : records()) {
     const bool isCode = record.text.find(L" hr=") != std::wstring::npos;
-    if (record.level >= LogLevel::Error && (withCodes || !isCode)) {
+    if (record.level >= LogLevel::Error && (withCodes || !isCode) &&
+        printed.insert(record.text).second) {
       std::cerr << "sitelist: " << shown(record.text) << '\n';
     }
   }

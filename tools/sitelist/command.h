@@ -1,29 +1,28 @@
 #ifndef TOOLS_SITELIST_COMMAND_H
 #define TOOLS_SITELIST_COMMAND_H
 
-#include <CLI/CLI.hpp>
-
+#include "tools/sitelist/command_line.h"
 #include "tools/sitelist/context.h"
 
 namespace tool {
 
 // Each adds its command, which lives in the source file of that name, to the command line.
-void addInit(CLI::App& app, Context& context);
-void addShow(CLI::App& app, Context& context);
-void addVersions(CLI::App& app, Context& context);
-void addServers(CLI::App& app, Context& context);
-void addCerts(CLI::App& app, Context& context);
-void addPolicies(CLI::App& app, Context& context);
-void addValidate(CLI::App& app, Context& context);
-void addImport(CLI::App& app, Context& context);
-void addInstall(CLI::App& app, Context& context);
-void addMerge(CLI::App& app, Context& context);
-void addRewrite(CLI::App& app, Context& context);
-void addProtect(CLI::App& app, Context& context);
-void addFromBuffer(CLI::App& app, Context& context);
-void addServerList(CLI::App& app, Context& context);
-void addModify(CLI::App& app, Context& context);
-void addDeriveServerList(CLI::App& app, Context& context);
+void addInit(Command& app, Context& context);
+void addShow(Command& app, Context& context);
+void addVersions(Command& app, Context& context);
+void addServers(Command& app, Context& context);
+void addCerts(Command& app, Context& context);
+void addPolicies(Command& app, Context& context);
+void addValidate(Command& app, Context& context);
+void addImport(Command& app, Context& context);
+void addInstall(Command& app, Context& context);
+void addMerge(Command& app, Context& context);
+void addRewrite(Command& app, Context& context);
+void addProtect(Command& app, Context& context);
+void addFromBuffer(Command& app, Context& context);
+void addServerList(Command& app, Context& context);
+void addModify(Command& app, Context& context);
+void addDeriveServerList(Command& app, Context& context);
 
 }  // namespace tool
 

@@ -89,12 +89,12 @@ void warnOfLostPasswords(const std::string& file) {
 
 }  // namespace
 
-void addIncomingOptions(CLI::App& command, IncomingOptions& options) {
-  command.add_option("FILE", options.file, "The incoming site list")->required()->type_name("");
+void addIncomingOptions(Command& command, IncomingOptions& options) {
+  command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
   command
       .add_option("--keys", options.keyDirectory,
                   "Where the server's public key is, for a list whose server\nhas no version")
-      ->type_name("DIR");
+      .type_name("DIR");
   command.add_flag(
       "--dry-run", options.dryRun,
       "Say what would change in the agent's list, key files and\nFIPS marker, and write nothing");

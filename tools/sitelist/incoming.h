@@ -16,7 +16,7 @@ struct IncomingOptions {
   bool isChecked = false;  // import checks the list first
 };
 
-void addIncomingOptions(CLI::App& command, IncomingOptions& options);
+void addIncomingOptions(Command& command, IncomingOptions& options);
 int takeIncoming(const Context& context, const IncomingOptions& options);
 
 // Says what taking the list would change, and changes nothing.

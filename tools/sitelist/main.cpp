@@ -30,7 +30,7 @@ std::string fullPath(const std::string& directory) {
   return path;
 }
 
-void addCommands(CLI::App& app, Context& context) {
+void addCommands(Command& app, Context& context) {
   addInit(app, context);
   addShow(app, context);
   addVersions(app, context);
@@ -64,33 +64,33 @@ int perform(const Context& context) {
 }
 
 int run(std::vector<std::string> arguments) {
-  CLI::App app("Looks after the site list of an endpoint agent.", "sitelist");
+  CommandLine line("Looks after the site list of an endpoint agent.", "sitelist");
+  Command app = line.program();
   Context context;
   context.agentDirectory = c_defaultAgentDirectory;
   app.add_option("--agent-dir", context.agentDirectory,
                  "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
-      ->type_name("DIR");
+      .type_name("DIR");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
-  app.set_version_flag("--version", "sitelist " SITELIST_VERSION, "Print the version and exit");
-  app.fallthrough();
-  app.get_formatter()->column_width(22);
+  line.version("sitelist " SITELIST_VERSION);
   app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
              c_exitStatusHelp);
   addCommands(app, context);
-  for (CLI::App* command : app.get_subcommands({})) command->fallthrough();
 
   context.meshCommand = takeMeshCommand(arguments);
-  std::reverse(arguments.begin(), arguments.end());
-  try {
-    app.parse(arguments);
-  } catch (const CLI::ParseError& e) {
-    if (e.get_exit_code() == 0) return app.exit(e);
-    std::cerr << "sitelist: " << shown(std::string(e.what()))
-              << "\n  next: see `sitelist --help`, or --help behind a command\n";
-    return exitUsage;
+  std::string error;
+  switch (line.parse(std::move(arguments), error)) {
+    case CommandLine::Outcome::Answered:
+      return exitSuccess;
+    case CommandLine::Outcome::Wrong:
+      std::cerr << "sitelist: " << shown(error)
+                << "\n  next: see `sitelist --help`, or --help behind a command\n";
+      return exitUsage;
+    case CommandLine::Outcome::Parsed:
+      break;
   }
   if (!context.action) {
-    std::cerr << app.help();
+    std::cerr << line.help();
     return exitUsage;
   }
   context.agentDirectory = fullPath(context.agentDirectory);

@@ -51,15 +51,15 @@ int certs(const Context& context, const std::string& file) {
 
 }  // namespace
 
-void addCerts(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand("certs", "Print the CA certificates of a list");
+void addCerts(Command& app, Context& context) {
+  Command command = app.add_subcommand("certs", "Print the CA certificates of a list");
   const auto file = std::make_shared<std::string>();
-  command->add_option("FILE", *file, "A site list (default: the agent's own)")->type_name("");
-  command->footer(
+  command.add_option("FILE", *file, "A site list (default: the agent's own)").type_name("");
+  command.footer(
       "Examples:\n"
       "  sitelist certs\n"
       "  sitelist certs incoming/SiteList.xml\n");
-  command->callback(
+  command.callback(
       [&context, file] { context.action = [&context, file] { return certs(context, *file); }; });
 }
 

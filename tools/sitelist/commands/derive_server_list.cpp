@@ -32,25 +32,25 @@ int derive(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addDeriveServerList(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand(
+void addDeriveServerList(Command& app, Context& context) {
+  Command command = app.add_subcommand(
       "derive-server-list", "Make ServerSiteList.xml from SiteList.xml without local sites");
   const auto options = std::make_shared<Options>();
-  command->add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
-      ->required()
-      ->type_name("");
+  command.add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
+      .required()
+      .type_name("");
   command
-      ->add_option("TARGET_DIR", options->target,
-                   "The directory of ServerSiteList.xml; the source's without it")
-      ->type_name("");
-  command->footer(
+      .add_option("TARGET_DIR", options->target,
+                  "The directory of ServerSiteList.xml; the source's without it")
+      .type_name("");
+  command.footer(
       "Leaves out the repositories whose \"Local\" is \"1\"; everything else in the document\n"
       "stays as it is.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"
       "  sitelist derive-server-list lists out\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return derive(context, *options); };
   });
 }

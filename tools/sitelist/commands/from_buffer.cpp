@@ -37,13 +37,13 @@ int fromBuffer(const Context& context, const std::string& file) {
 
 }  // namespace
 
-void addFromBuffer(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addFromBuffer(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("from-buffer", "Write a document from memory to the scratch area");
   const auto file = std::make_shared<std::string>();
-  command->add_option("FILE", *file, "The document; standard input with - or without a name")
-      ->type_name("");
-  command->footer(
+  command.add_option("FILE", *file, "The document; standard input with - or without a name")
+      .type_name("");
+  command.footer(
       "The list goes to /Library/Korvel/orb/scratch/etc/SiteList.xml, whatever agent is\n"
       "served; that directory must be there. It gets versions of its own. Certificates are\n"
       "those of the document or, when it has no bundle, of the agent's own list.\n"
@@ -51,7 +51,7 @@ void addFromBuffer(CLI::App& app, Context& context) {
       "Examples:\n"
       "  sitelist from-buffer received.xml\n"
       "  receive-list | sitelist from-buffer\n");
-  command->callback([&context, file] {
+  command.callback([&context, file] {
     context.action = [&context, file] { return fromBuffer(context, *file); };
   });
 }

@@ -2,13 +2,13 @@
 
 namespace tool {
 
-void addImport(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addImport(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("import", "Check an incoming site list and make it the agent's own");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = true;
-  addIncomingOptions(*command, *options);
-  command->footer(
+  addIncomingOptions(command, *options);
+  command.footer(
       "The management server is checked when the agent is under central management;\n"
       "see `sitelist validate --help`.\n"
       "\n"
@@ -16,7 +16,7 @@ void addImport(CLI::App& app, Context& context) {
       "  sitelist import incoming/SiteList.xml\n"
       "  sitelist import --dry-run incoming/SiteList.xml\n"
       "  sitelist import --keys ./keys lists/old-server.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return takeIncoming(context, *options); };
   });
 }

@@ -101,21 +101,20 @@ int init(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addInit(CLI::App& app, Context& context) {
-  CLI::App* const command =
-      app.add_subcommand("init", "Make an agent's data directory and its settings");
+void addInit(Command& app, Context& context) {
+  Command command = app.add_subcommand("init", "Make an agent's data directory and its settings");
   const auto options = std::make_shared<Options>();
-  command->add_flag("--managed", options->managed, "The agent is under central management");
+  command.add_flag("--managed", options->managed, "The agent is under central management");
   command
-      ->add_option(
+      .add_option(
           "--mesh-path", options->meshPath,
           "The mesh service's copy of the list\n(default: mesh/SiteList.xml in the data directory)")
-      ->type_name("PATH");
+      .type_name("PATH");
   // What follows the program was taken off the command line before; see Context::meshCommand.
-  command->add_flag("--mesh-command", options->hasMeshCommand,
-                    "PROGRAM ARG... that makes the mesh service load its copy.\nThe program by its "
-                    "full path; all that follows belongs to\nit, so this option comes last.");
-  command->footer(
+  command.add_flag("--mesh-command", options->hasMeshCommand,
+                   "PROGRAM ARG... that makes the mesh service load its copy.\nThe program by its "
+                   "full path; all that follows belongs to\nit, so this option comes last.");
+  command.footer(
       "Makes the directories, the settings file agent.toml, the lock files and the\n"
       "password key. Refuses to touch a directory that has an agent.toml.\n"
       "\n"
@@ -123,7 +122,7 @@ void addInit(CLI::App& app, Context& context) {
       "  sitelist --agent-dir ./agent init\n"
       "  sitelist --agent-dir ./agent init --managed \\\n"
       "      --mesh-command /usr/bin/logger -t mesh 'new site list'\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return init(context, *options); };
   });
 }

@@ -2,18 +2,18 @@
 
 namespace tool {
 
-void addInstall(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addInstall(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("install", "Make an incoming site list the agent's own unchecked");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
-  addIncomingOptions(*command, *options);
-  command->footer(
+  addIncomingOptions(command, *options);
+  command.footer(
       "The list is taken without any check of its sites.\n\n"
       "Examples:\n"
       "  sitelist install incoming/SiteList.xml\n"
       "  sitelist install --keys ./keys lists/old-server.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return takeIncoming(context, *options); };
   });
 }

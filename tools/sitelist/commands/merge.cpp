@@ -67,16 +67,16 @@ int merge(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addMerge(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand("merge", "Merge site lists into a new one");
+void addMerge(Command& app, Context& context) {
+  Command command = app.add_subcommand("merge", "Merge site lists into a new one");
   const auto options = std::make_shared<Options>();
-  command->add_option("--first", options->first, "The first list")->type_name("FILE");
-  command->add_option("--second", options->second, "The second list")->type_name("FILE");
+  command.add_option("--first", options->first, "The first list").type_name("FILE");
+  command.add_option("--second", options->second, "The second list").type_name("FILE");
   command
-      ->add_option("--output", options->output,
-                   "Where to write the result (default: standard output)")
-      ->type_name("FILE");
-  command->footer(
+      .add_option("--output", options->output,
+                  "Where to write the result (default: standard output)")
+      .type_name("FILE");
+  command.footer(
       "Without --second: the agent's own list, with the first list's fallback site\n"
       "put in and its management servers in place of the list's own.\n"
       "With both: the second list, then the first without its proxy settings.\n"
@@ -88,7 +88,7 @@ void addMerge(CLI::App& app, Context& context) {
       "Examples:\n"
       "  sitelist merge --first incoming/SiteList.xml > merged.xml\n"
       "  sitelist merge --first a.xml --second b.xml --output merged.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return merge(context, *options); };
   });
 }

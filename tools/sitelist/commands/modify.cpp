@@ -77,31 +77,31 @@ int perform(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addModify(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addModify(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("modify", "Edit the agent's list in place from another list");
   const auto options = std::make_shared<Options>();
-  command->add_option("SOURCE", options->incoming.file, "The list to take from")
-      ->required()
-      ->type_name("");
-  command->add_flag("--repositories", options->repositories,
-                    "Take over the two default vendor repositories");
-  command->add_flag("--servers", options->servers,
-                    "Take over the management servers and the CA certificates");
+  command.add_option("SOURCE", options->incoming.file, "The list to take from")
+      .required()
+      .type_name("");
+  command.add_flag("--repositories", options->repositories,
+                   "Take over the two default vendor repositories");
+  command.add_flag("--servers", options->servers,
+                   "Take over the management servers and the CA certificates");
   command
-      ->add_option("--keys", options->incoming.keyDirectory,
-                   "Where the server's public key is, for a list whose server\nhas no version")
-      ->type_name("DIR");
-  command->add_flag("--dry-run", options->incoming.dryRun,
-                    "Say what would change, and write nothing");
-  command->footer(
+      .add_option("--keys", options->incoming.keyDirectory,
+                  "Where the server's public key is, for a list whose server\nhas no version")
+      .type_name("DIR");
+  command.add_flag("--dry-run", options->incoming.dryRun,
+                   "Say what would change, and write nothing");
+  command.footer(
       "Everything else in the document stays as it is, also what the agent does not read.\n"
       "The key files beside SOURCE are installed in any case.\n"
       "\n"
       "Examples:\n"
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"
       "  sitelist modify --repositories --servers incoming/SiteList.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return perform(context, *options); };
   });
 }

@@ -40,27 +40,27 @@ int set(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addPolicies(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addPolicies(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("policies", "Print the policy settings of a list, or set one");
   const auto options = std::make_shared<Options>();
   command
-      ->add_option("FILE", options->file,
-                   "A site list (default: the agent's own); ./set for a file\nof the name set")
-      ->type_name("");
-  CLI::App* const setCommand =
-      command->add_subcommand("set", "Set a policy setting in the agent's own list");
-  setCommand->fallthrough();
-  setCommand->add_option("NAME", options->name, "Its name")->required()->type_name("");
-  setCommand->add_option("VALUE", options->value, "Its value")->required()->type_name("");
-  setCommand->footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
-  command->footer(
+      .add_option("FILE", options->file,
+                  "A site list (default: the agent's own); ./set for a file\nof the name set")
+      .type_name("");
+  Command setCommand =
+      command.add_subcommand("set", "Set a policy setting in the agent's own list");
+  setCommand.fallthrough();
+  setCommand.add_option("NAME", options->name, "Its name").required().type_name("");
+  setCommand.add_option("VALUE", options->value, "Its value").required().type_name("");
+  setCommand.footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
+  command.footer(
       "Examples:\n"
       "  sitelist policies\n"
       "  sitelist policies incoming/SiteList.xml\n"
       "  sitelist policies set OverwriteClientSites 0\n");
-  command->callback([&context, options, setCommand] {
-    const auto action = setCommand->parsed() ? set : list;
+  command.callback([&context, options, setCommand] {
+    const auto action = setCommand.parsed() ? set : list;
     context.action = [&context, options, action] { return action(context, *options); };
   });
 }

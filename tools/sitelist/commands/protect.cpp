@@ -99,9 +99,9 @@ int protect(const Context& context) {
 
 }  // namespace
 
-void addProtect(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand("protect", "Print the protected form of a password");
-  command->footer(
+void addProtect(Command& app, Context& context) {
+  Command command = app.add_subcommand("protect", "Print the protected form of a password");
+  command.footer(
       "The clear password is the first line of standard input, never part of the\n"
       "command line. Only the same agent can read the protected form, which goes into a\n"
       "\"Password\" element as it is, without white space around it.\n"
@@ -109,7 +109,7 @@ void addProtect(CLI::App& app, Context& context) {
       "Examples:\n"
       "  sitelist protect\n"
       "  sitelist protect < password.txt\n");
-  command->callback([&context] { context.action = [&context] { return protect(context); }; });
+  command.callback([&context] { context.action = [&context] { return protect(context); }; });
 }
 
 }  // namespace tool

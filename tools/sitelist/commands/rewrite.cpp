@@ -30,19 +30,19 @@ int rewrite(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addRewrite(CLI::App& app, Context& context) {
-  CLI::App* const command = app.add_subcommand("rewrite", "Read a site list and write it anew");
+void addRewrite(Command& app, Context& context) {
+  Command command = app.add_subcommand("rewrite", "Read a site list and write it anew");
   const auto options = std::make_shared<Options>();
-  command->add_option("SRC", options->source, "The list to read")->required()->type_name("");
-  command->add_option("DST", options->destination, "Where to write it")->required()->type_name("");
-  command->footer(
+  command.add_option("SRC", options->source, "The list to read").required().type_name("");
+  command.add_option("DST", options->destination, "Where to write it").required().type_name("");
+  command.footer(
       "Writes as the agent itself does. Versions, type, certificates and policy\n"
       "settings are carried over; passwords are protected anew with the agent's key.\n"
       "What the agent does not read from a list is left out.\n"
       "\n"
       "Example:\n"
       "  sitelist rewrite incoming/SiteList.xml tidy.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return rewrite(context, *options); };
   });
 }

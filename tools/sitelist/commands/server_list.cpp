@@ -64,23 +64,22 @@ int serverList(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addServerList(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addServerList(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("server-list", "Store a server site list handed over by the server");
   const auto options = std::make_shared<Options>();
-  command
-      ->add_option("FILE", options->file, "The document; standard input with - or without a name")
-      ->type_name("");
-  command->add_flag("--adjust-passwords", options->adjustPasswords,
-                    "Recover the passwords with the server's key and protect them with\n"
-                    "the agent's; without it the bytes are stored as they are");
-  command->footer(
+  command.add_option("FILE", options->file, "The document; standard input with - or without a name")
+      .type_name("");
+  command.add_flag("--adjust-passwords", options->adjustPasswords,
+                   "Recover the passwords with the server's key and protect them with\n"
+                   "the agent's; without it the bytes are stored as they are");
+  command.footer(
       "The list becomes ServerSiteList.xml in the agent's data directory.\n"
       "\n"
       "Examples:\n"
       "  sitelist server-list received.xml\n"
       "  receive-list | sitelist server-list --adjust-passwords\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return serverList(context, *options); };
   });
 }

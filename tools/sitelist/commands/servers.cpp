@@ -37,20 +37,19 @@ int servers(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addServers(CLI::App& app, Context& context) {
-  CLI::App* const command =
-      app.add_subcommand("servers", "Print where the agent's management server is");
+void addServers(Command& app, Context& context) {
+  Command command = app.add_subcommand("servers", "Print where the agent's management server is");
   const auto options = std::make_shared<Options>();
-  command->add_flag("--all", options->all,
-                    "All management servers by ascending order, with \";\"\nbetween them; the port "
-                    "is the last one's");
-  command->add_flag("--non-secure-port", options->nonSecurePort,
-                    "The plain port, also where there is a secure one");
-  command->footer(
+  command.add_flag("--all", options->all,
+                   "All management servers by ascending order, with \";\"\nbetween them; the port "
+                   "is the last one's");
+  command.add_flag("--non-secure-port", options->nonSecurePort,
+                   "The plain port, also where there is a secure one");
+  command.footer(
       "Examples:\n"
       "  sitelist servers\n"
       "  sitelist servers --all --non-secure-port\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return servers(context, *options); };
   });
 }

@@ -140,23 +140,22 @@ int show(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addShow(CLI::App& app, Context& context) {
-  CLI::App* const command =
+void addShow(Command& app, Context& context) {
+  Command command =
       app.add_subcommand("show", "Print the sites in search order, then the proxy settings");
   const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A site list (default: the agent's own)")
-      ->type_name("");
-  command->add_flag("--json", options->json,
-                    "One JSON object: the result, the versions, and in \"sites\"\nevery field of "
-                    "every record, in the order of the list");
-  command->add_flag("--show-secrets", options->showSecrets,
-                    "Print clear passwords instead of ********");
-  command->footer(
+  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_flag("--json", options->json,
+                   "One JSON object: the result, the versions, and in \"sites\"\nevery field of "
+                   "every record, in the order of the list");
+  command.add_flag("--show-secrets", options->showSecrets,
+                   "Print clear passwords instead of ********");
+  command.footer(
       "Examples:\n"
       "  sitelist show\n"
       "  sitelist show incoming/SiteList.xml\n"
       "  sitelist show --json | jq '.sites[] | select(.enabled).name'\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return show(context, *options); };
   });
 }

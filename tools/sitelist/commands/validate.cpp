@@ -76,17 +76,16 @@ int validate(const Context& context, const Options& options) {
 
 }  // namespace
 
-void addValidate(CLI::App& app, Context& context) {
-  CLI::App* const command =
-      app.add_subcommand("validate", "Check whether site lists can be imported");
+void addValidate(Command& app, Context& context) {
+  Command command = app.add_subcommand("validate", "Check whether site lists can be imported");
   const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Site lists")->required()->type_name("");
-  command->add_flag("--managed", options->managed,
-                    "Check as an agent under central management does,\nmanagement server included "
-                    "(the default)");
-  command->add_flag("--unmanaged", options->unmanaged,
-                    "Check as an agent does that is not under central\nmanagement");
-  command->footer(
+  command.add_option("FILE", options->files, "Site lists").required().type_name("");
+  command.add_flag("--managed", options->managed,
+                   "Check as an agent under central management does,\nmanagement server included "
+                   "(the default)");
+  command.add_flag("--unmanaged", options->unmanaged,
+                   "Check as an agent does that is not under central\nmanagement");
+  command.footer(
       "Needs no agent, and writes nothing. Each fault is one line, FILE: RULE: TEXT.\n"
       "The rules:\n" +
       ruleHelp() +
@@ -98,7 +97,7 @@ void addValidate(CLI::App& app, Context& context) {
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
       "  sitelist validate --unmanaged lists/*.xml\n");
-  command->callback([&context, options] {
+  command.callback([&context, options] {
     context.action = [&context, options] { return validate(context, *options); };
   });
 }

@@ -30,16 +30,15 @@ int versions(const Context& context, const std::string& file) {
 
 }  // namespace
 
-void addVersions(CLI::App& app, Context& context) {
-  CLI::App* const command =
-      app.add_subcommand("versions", "Print a list's versions, type and FIPS mode");
+void addVersions(Command& app, Context& context) {
+  Command command = app.add_subcommand("versions", "Print a list's versions, type and FIPS mode");
   const auto file = std::make_shared<std::string>();
-  command->add_option("FILE", *file, "A site list (default: the agent's own)")->type_name("");
-  command->footer(
+  command.add_option("FILE", *file, "A site list (default: the agent's own)").type_name("");
+  command.footer(
       "Examples:\n"
       "  sitelist versions\n"
       "  sitelist versions incoming/SiteList.xml\n");
-  command->callback(
+  command.callback(
       [&context, file] { context.action = [&context, file] { return versions(context, *file); }; });
 }
 

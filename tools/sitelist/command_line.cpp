@@ -1,0 +1,76 @@
+#include "tools/sitelist/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
+
+namespace tool {
+
+Option& Option::required() {
+  m_option->required();
+  return *this;
+}
+
+Option& Option::type_name(const std::string& name) {
+  m_option->type_name(name);
+  return *this;
+}
+
+Command Command::add_subcommand(const std::string& name, const std::string& description) {
+  return Command(m_app->add_subcommand(name, description));
+}
+
+Option Command::add_option(const std::string& name, std::string& value, const std::string& help) {
+  return Option(m_app->add_option(name, value, help));
+}
+
+Option Command::add_option(const std::string& name, std::vector<std::string>& values,
+                           const std::string& help) {
+  return Option(m_app->add_option(name, values, help));
+}
+
+Option Command::add_flag(const std::string& name, bool& value, const std::string& help) {
+  return Option(m_app->add_flag(name, value, help));
+}
+
+void Command::footer(const std::string& text) { m_app->footer(text); }
+
+void Command::callback(std::function<void()> function) { m_app->callback(std::move(function)); }
+
+void Command::fallthrough() { m_app->fallthrough(); }
+
+bool Command::parsed() const { return m_app->parsed(); }
+
+CommandLine::CommandLine(const std::string& description, const std::string& name)
+    : m_app(std::make_unique<CLI::App>(description, name)) {
+  m_app->fallthrough();
+  m_app->get_formatter()->column_width(c_nameColumns);
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::program() { return Command(m_app.get()); }
+
+void CommandLine::version(const std::string& text) {
+  m_app->set_version_flag("--version", text, "Print the version and exit");
+}
+
+std::string CommandLine::help() const { return m_app->help(); }
+
+CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& error) {
+  for (CLI::App* command : m_app->get_subcommands({})) command->fallthrough();
+  std::reverse(arguments.begin(), arguments.end());
+  try {
+    m_app->parse(arguments);
+    return Outcome::Parsed;
+  } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) {
+      m_app->exit(e);
+      return Outcome::Answered;
+    }
+    error = e.what();
+    return Outcome::Wrong;
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,75 @@
+#ifndef TOOLS_SITELIST_COMMAND_LINE_H
+#define TOOLS_SITELIST_COMMAND_LINE_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace tool {
+
+// One option or argument of a command. Handles on the command line's own objects, which live until
+// the program ends its work. The parser behind them is kept out of this header: compiling it takes
+// seconds, and every command would.
+class Option {
+ public:
+  explicit Option(CLI::Option* option) : m_option(option) {}
+  Option& required();
+  // What stands for the value in help texts; empty for nothing.
+  Option& type_name(const std::string& name);
+
+ private:
+  CLI::Option* m_option;
+};
+
+// A command, or the program itself. What options write to has to outlive the parsing.
+class Command {
+ public:
+  explicit Command(CLI::App* app) : m_app(app) {}
+  Command add_subcommand(const std::string& name, const std::string& description);
+  Option add_option(const std::string& name, std::string& value, const std::string& help);
+  Option add_option(const std::string& name, std::vector<std::string>& values,
+                    const std::string& help);
+  Option add_flag(const std::string& name, bool& value, const std::string& help);
+  void footer(const std::string& text);
+  // Called when the command line names this command.
+  void callback(std::function<void()> function);
+  // Options that this command does not know are looked for in the one above.
+  void fallthrough();
+  // Whether the command line named this command.
+  bool parsed() const;
+
+ private:
+  CLI::App* m_app;
+};
+
+// The command line as a whole.
+class CommandLine {
+ public:
+  enum class Outcome { Parsed, Answered, Wrong };
+
+  CommandLine(const std::string& description, const std::string& name);
+  ~CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  Command program();
+  void version(const std::string& text);
+  std::string help() const;
+  // Answered: a help or version text was printed. Wrong: `error` says why.
+  Outcome parse(std::vector<std::string> arguments, std::string& error);
+
+ private:
+  static constexpr std::size_t c_nameColumns = 22;  // of options and commands in help texts
+
+  std::unique_ptr<CLI::App> m_app;
+};
+
+}  // namespace tool
+
+#endif

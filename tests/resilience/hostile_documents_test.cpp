@@ -41,7 +41,9 @@ TEST(AHostileDocument, isReadOrRefusedWithinBoundsOfMemoryAndStack) {
     most = std::max(most, result.peakFactor);
     SCOPED_TRACE(result.family);
     EXPECT_EQ(known.count(result.readCode), 1u) << result.family << ": " << result.readCode;
-    if (c_measuresMemory) EXPECT_LE(result.peakFactor, c_mostMemory) << result.family;
+    if (c_measuresMemory) {
+      EXPECT_LE(result.peakFactor, c_mostMemory) << result.family;
+    }
     EXPECT_EQ(result.derived, result.readCode == 0) << result.family;
   }
   EXPECT_GT(most, 5) << "text alone takes four bytes for a character; the measure does not work";

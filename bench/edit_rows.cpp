@@ -1,0 +1,53 @@
+#include "bench/check.h"
+#include "bench/edits.h"
+#include "bench/floors.h"
+#include "bench/row.h"
+#include "bench/row_groups.h"
+#include "bench/sample_agent.h"
+#include "bench/sample_lists.h"
+
+namespace bench {
+namespace {
+
+using Rewrite = void (*)(const std::string& bytes, const std::string& path);
+
+Cost rewriting(const Edit& edit, Rewrite rewrite) {
+  return timedAfter([edit] { edit.restore(); },
+                    [edit, rewrite] { rewrite(edit.bytes, edit.target); });
+}
+
+void rewriteChecked(const std::string& bytes, const std::string& path) {
+  parseWithExpat(bytes);
+  rewriteWithPugixml(bytes, path);
+}
+
+void addModifyRow(std::size_t sourceCount, const char* against, double bound, Rewrite rewrite) {
+  addRow({"modifySiteList, 1000 sites by " + std::to_string(sourceCount), against, bound, 60, [=] {
+            const Edit edit = modifyOf(sitesFile(1000), sitesFile(sourceCount, 1));
+            return Measurement{edit.cost(), rewriting(edit, rewrite)};
+          }});
+}
+
+void addDeriveRow(const char* against, double bound, Rewrite rewrite) {
+  addRow({"createServerSiteListFromSiteList, 1000 sites", against, bound, 60, [=] {
+            const Edit edit = deriveOf(sitesFile(1000));
+            return Measurement{edit.cost(), rewriting(edit, rewrite)};
+          }});
+}
+
+}  // namespace
+
+void addEditRows() {
+  constexpr const char* c_checked = "expat, empty handlers + pugixml: parse, print, atomic write";
+  constexpr const char* c_libxml2 = "libxml2: parse, print, atomic write";
+  constexpr const char* c_unchecked = "pugixml: parse unchecked, print, atomic write";
+  addModifyRow(12, c_checked, 1.5, rewriteChecked);
+  addModifyRow(1000, c_checked, 1.5, rewriteChecked);
+  addDeriveRow(c_checked, 1.5, rewriteChecked);
+  addModifyRow(12, c_libxml2, 0, rewriteWithLibxml2);
+  addDeriveRow(c_libxml2, 0, rewriteWithLibxml2);
+  addModifyRow(12, c_unchecked, 0, rewriteWithPugixml);
+  addDeriveRow(c_unchecked, 0, rewriteWithPugixml);
+}
+
+}  // namespace bench

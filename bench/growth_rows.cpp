@@ -1,0 +1,180 @@
+#include <memory>
+
+#include "bench/check.h"
+#include "bench/edits.h"
+#include "bench/floors.h"
+#include "bench/row.h"
+#include "bench/row_groups.h"
+#include "bench/sample_agent.h"
+#include "bench/sample_lists.h"
+#include "sitehlp/sites_helper.h"
+
+namespace bench {
+
+using sitehlp::CSitesHelper;
+using sitehlp::tag_Site;
+
+namespace {
+
+constexpr std::size_t c_small = 1000;
+constexpr std::size_t c_large = 10000;
+constexpr double c_bound = 11;
+
+// What an operation costs with a list of that many elements.
+using CostOfSize = std::function<Cost(std::size_t)>;
+
+void addGrowthRow(const std::string& name, const CostOfSize& cost, int samples = 9) {
+  addRow({name + ", 10000 elements", "the same with 1000", c_bound, samples, [cost] {
+            return Measurement{cost(c_large), cost(c_small)};
+          }});
+}
+
+std::shared_ptr<tag_Site> shared(tag_Site* list) {
+  return std::shared_ptr<tag_Site>(list, CSitesHelper::FreeSiteListMemory);
+}
+
+Cost reading(std::size_t count) {
+  return timed([path = widePath(sitesFile(count))] {
+    CSitesHelper helper(true);
+    tag_Site* list = nullptr;
+    check(helper.ReadSiteList(path, &list, true) == 0, "cannot read the list");
+    CSitesHelper::FreeSiteListMemory(list);
+  });
+}
+
+Cost readingVersions(std::size_t count) {
+  return timed([path = widePath(sitesFile(count))] {
+    const CSitesHelper helper(path);
+    keep(&helper);
+  });
+}
+
+Cost readingCertificates(std::size_t count) {
+  return timed([path = widePath(sitesFile(count))] {
+    CSitesHelper helper(true);
+    std::vector<std::wstring> certificates;
+    check(helper.GetCaCertificates(path, certificates) == 0, "cannot read the certificates");
+  });
+}
+
+Cost readingText(std::size_t count) {
+  const auto helper = std::make_shared<CSitesHelper>(widePath(sitesFile(count)));
+  return timed([helper] {
+    std::wstring text;
+    check(helper->GetSiteListBuffer(text), "cannot read the text");
+  });
+}
+
+Cost writing(std::size_t count) {
+  const std::shared_ptr<tag_Site> list = shared(makeSites(count));
+  return timed([list, path = widePath(inEtc("written.xml"))] {
+    CSitesHelper helper(true);
+    check(helper.CreateSiteList(list.get(), path, L"1", L"1", L"Client", {}) == 0,
+          "cannot write the list");
+  });
+}
+
+Cost merging(std::size_t count) {
+  const std::shared_ptr<tag_Site> first = shared(makeSites(count, 1));
+  const std::shared_ptr<tag_Site> second = shared(makeSites(count, 2));
+  return timed([first, second] {
+    CSitesHelper helper(true);
+    tag_Site* merged = nullptr;
+    check(helper.MergeSiteLists(first.get(), second.get(), true, &merged) == 0,
+          "cannot merge the lists");
+    CSitesHelper::FreeSiteListMemory(merged);
+  });
+}
+
+// The other kind of merge: the list on disk with the servers of another one, all of them replaced.
+Cost mergingServers(std::size_t count) {
+  const std::shared_ptr<tag_Site> first = shared(makeServers(count, 1));
+  const auto helper = std::make_shared<CSitesHelper>(widePath(serversFile(count, 2)));
+  return timed([helper, first] {
+    tag_Site* merged = nullptr;
+    check(helper->MergeSiteLists(first.get(), nullptr, false, &merged) == 0,
+          "cannot merge the lists");
+    CSitesHelper::FreeSiteListMemory(merged);
+  });
+}
+
+Cost checking(std::size_t count) {
+  const std::shared_ptr<tag_Site> list = shared(makeSites(count));
+  return timed([list] {
+    CSitesHelper helper(true);
+    keep(helper.SourceSiteListCheck(list.get(), true));
+  });
+}
+
+Cost ordering(std::size_t count) {
+  const std::shared_ptr<tag_Site> list = shared(makeSites(count));
+  return timed([list] {
+    CSitesHelper helper(true);
+    helper.AdjustSitesOrder(list.get());
+  });
+}
+
+Cost askingServers(std::size_t count) {
+  const auto helper = std::make_shared<CSitesHelper>(widePath(sitesFile(count)));
+  // A process keeps one list; this one is made to keep the one that is asked about.
+  const auto keepList = [helper, count] {
+    static std::size_t kept = 0;
+    if (kept == count) return;
+    for (int i = 0; i < 3; ++i) CSitesHelper(true).needToUpdateInMemSiteList();
+    tag_Site* list = nullptr;
+    check(helper->SmartReadSiteList(std::wstring(), &list) == 0 && list, "cannot read the list");
+    kept = count;
+  };
+  return timedAfter(keepList, [helper] {
+    std::wstring names;
+    std::wstring servers;
+    std::wstring addresses;
+    std::wstring netbiosNames;
+    std::wstring versions;
+    int port = 0;
+    check(helper->GetPYXServerInfo(names, servers, addresses, netbiosNames, port, versions, true,
+                                   false) == 0,
+          "cannot ask for the servers");
+  });
+}
+
+Cost importing(std::size_t count) {
+  const std::string incoming = sitesFile(count);
+  for (const char* key : {"srpubkey.bin", "reqseckey.bin"}) {
+    writeFile(inEtc(key), std::string(256, 'k'));
+  }
+  const std::wstring own = widePath(agentDirectory() + "/own/SiteList.xml");
+  const auto helper = std::make_shared<CSitesHelper>(own);
+  return timed([helper, incoming = widePath(incoming)] {
+    check(helper->ImportSiteList(incoming, L"") == 0, "cannot import the list");
+  });
+}
+
+Cost modifying(std::size_t count) { return modifyOf(sitesFile(count), sitesFile(count, 1)).cost(); }
+
+Cost modifyingServers(std::size_t count) {
+  return modifyOf(serversFile(c_large, 1), serversFile(count, 2)).cost();
+}
+
+Cost deriving(std::size_t count) { return deriveOf(sitesFile(count)).cost(); }
+
+}  // namespace
+
+void addGrowthRows() {
+  addGrowthRow("ReadSiteList", reading);
+  addGrowthRow("constructor with versions", readingVersions, 15);
+  addGrowthRow("GetCaCertificates", readingCertificates, 15);
+  addGrowthRow("GetSiteListBuffer", readingText, 31);
+  addGrowthRow("CreateSiteList", writing);
+  addGrowthRow("MergeSiteLists, second before first", merging);
+  addGrowthRow("MergeSiteLists, all servers of the list on disk replaced", mergingServers);
+  addGrowthRow("SourceSiteListCheck", checking, 31);
+  addGrowthRow("AdjustSitesOrder", ordering, 31);
+  addGrowthRow("GetPYXServerInfo", askingServers, 9);
+  addGrowthRow("ImportSiteList", importing);
+  addGrowthRow("modifySiteList", modifying);
+  addGrowthRow("modifySiteList, 10000 servers by as many other servers as", modifyingServers);
+  addGrowthRow("createServerSiteListFromSiteList", deriving);
+}
+
+}  // namespace bench

@@ -1,0 +1,63 @@
+#include <filesystem>
+#include <sstream>
+
+#include "bench/check.h"
+#include "bench/child_process.h"
+#include "bench/row.h"
+#include "bench/row_groups.h"
+#include "bench/sample_agent.h"
+#include "bench/sample_lists.h"
+
+namespace bench {
+namespace {
+
+using Words = std::vector<std::string>;
+
+Cost running(const Words& words) {
+  return timed([words] { runProgram(words); });
+}
+
+// Without the lines about passwords: only the tool can tell whether a protected one is empty.
+std::string outputOf(const Words& words) {
+  const std::string file = inEtc("output");
+  runProgram(words, file);
+  std::istringstream lines(readFile(file));
+  std::string kept;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("assword\"") == std::string::npos) kept += line + "\n";
+  }
+  return kept;
+}
+
+// The agent's own list is the one with that many sites.
+std::string ownList(std::size_t count) {
+  writeFile(inEtc("SiteList.xml"), readFile(sitesFile(count)));
+  return inEtc("SiteList.xml");
+}
+
+Words toolWords(const std::string& program, const Words& words) {
+  Words all = {std::filesystem::path(program).replace_filename("sitelist").string(), "--agent-dir",
+               agentDirectory()};
+  all.insert(all.end(), words.begin(), words.end());
+  return all;
+}
+
+}  // namespace
+
+void addProcessRows(const char* program) {
+  const std::string self = program;
+  addRow({"sitelist show, 12 sites, whole process", "xmllint --noout", 2.0, 200, [self] {
+            const std::string list = ownList(12);
+            return Measurement{running(toolWords(self, {"show"})),
+                               running({"xmllint", "--noout", list})};
+          }});
+  addRow({"sitelist show --json, 10000 sites, whole process",
+          "Python ElementTree printing the same JSON", 0.5, 9, [self] {
+            const Words tool = toolWords(self, {"show", "--json"});
+            const Words script = {"python3", BENCH_SOURCE_DIR "/show_json.py", ownList(10000)};
+            check(outputOf(tool) == outputOf(script), "tool and script print different JSON");
+            return Measurement{running(tool), running(script)};
+          }});
+}
+
+}  // namespace bench

@@ -1,5 +1,6 @@
-# What `cmake --install` puts in place: libraries, headers, the CMake package, the pkg-config file and
-# the tool. The installed tree may be moved as a whole.
+# What `cmake --install` puts in place, in five components: runtime (libsitehlp), host
+# (libsitehlp-host), development (headers, links, CMake package, pkg-config file), tool and
+# documentation. The installed tree may be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sitehlp)
@@ -14,40 +15,67 @@ set_target_properties(sitehlp sitehlp-host PROPERTIES INSTALL_RPATH ${origin})
 set_target_properties(sitehlp-host PROPERTIES EXPORT_NAME host)
 
 install(
-  TARGETS sitehlp sitehlp-host
+  TARGETS sitehlp
   EXPORT sitehlpTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          COMPONENT runtime
+          NAMELINK_COMPONENT development)
+install(
+  TARGETS sitehlp-host
+  EXPORT sitehlpTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          COMPONENT host
+          NAMELINK_COMPONENT development)
 if(TARGET sitelist)
   set_target_properties(sitelist PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
-  install(TARGETS sitelist RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS sitelist RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()
 
 # All of platform/ is for everybody; of the other folders, the headers listed.
 install(
   DIRECTORY platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  COMPONENT development
   FILES_MATCHING
   PATTERN *.h)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/installed-headers.txt)
 file(STRINGS cmake/installed-headers.txt installed_headers)
 foreach(header IN LISTS installed_headers)
   get_filename_component(folder ${header} DIRECTORY)
-  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+  install(
+    FILES ${header}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
+    COMPONENT development)
 endforeach()
 
 install(
   EXPORT sitehlpTargets
   NAMESPACE sitehlp::
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir}
+  COMPONENT development)
 configure_package_config_file(cmake/sitehlpConfig.cmake.in sitehlpConfig.cmake
                               INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(sitehlpConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfig.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfigVersion.cmake DESTINATION ${package_dir})
+install(
+  FILES ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfig.cmake
+        ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfigVersion.cmake
+  DESTINATION ${package_dir}
+  COMPONENT development)
 
 file(RELATIVE_PATH pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/sitehlp.pc.in sitehlp.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/sitehlp.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(
+  FILES ${CMAKE_CURRENT_BINARY_DIR}/sitehlp.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
 
-install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# With the folders of the source tree, so that the links from one text to another hold.
+install(
+  FILES LICENSE README.md CHANGELOG.md SECURITY.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  COMPONENT documentation)
+install(
+  DIRECTORY docs examples
+  DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  COMPONENT documentation
+  PATTERN *.in EXCLUDE)

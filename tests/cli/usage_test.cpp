@@ -32,15 +32,19 @@ TEST_F(CliUsage, EveryCommandHasHelpWithAnExampleThatFitsATerminal) {
 }
 
 TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
-  EXPECT_THAT(bare({"--help"}).out,
-              HasSubstr("Exit status:\n"
-                        "   0  success\n"
-                        "   1  the answer is no: a rule failed, or nothing was found\n"
-                        "   2  wrong usage\n"
-                        "   3  invalid document\n"
-                        "   4  a file is missing, or cannot be read or written\n"
-                        "   5  a key or the cryptography failed\n"
-                        "  70  internal error\n"));
+  EXPECT_THAT(
+      bare({"--help"}).out,
+      HasSubstr("Exit status:\n"
+                "   0  done\n"
+                "   1  the answer is no: lists differ, a rule failed, something expires, or\n"
+                "      there is nothing of the kind\n"
+                "   2  wrong usage\n"
+                "   3  invalid document\n"
+                "   4  a file is missing, or cannot be read or written\n"
+                "   5  a key or the cryptography failed\n"
+                "   6  a conflict with what is there, or the list is locked\n"
+                "   7  what was named is not there\n"
+                "  70  a bug in the tool\n"));
 }
 
 TEST_F(CliUsage, PrintsItsVersion) {

@@ -83,6 +83,7 @@ std::optional<Certificate> readCertificate(const std::wstring& text) {
   certificate.notAfter = timeText(X509_get0_notAfter(handle.get()));
   int seconds = 0;
   ASN1_TIME_diff(&certificate.daysLeft, &seconds, nullptr, X509_get0_notAfter(handle.get()));
+  certificate.isExpired = certificate.daysLeft < 0 || seconds < 0;
   return certificate;
 }
 

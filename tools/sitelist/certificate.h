@@ -13,7 +13,8 @@ struct Certificate {
   std::string fingerprint;  // SHA-256 in pairs of hexadecimal digits with ":" between them
   std::string notBefore;
   std::string notAfter;
-  int daysLeft = 0;  // negative when it has expired
+  int daysLeft = 0;  // whole days; negative when it expired a day ago or earlier
+  bool isExpired = false;
 };
 
 // Reads a certificate in PEM form, or as bare base64 of its DER form. Nothing when it is neither.

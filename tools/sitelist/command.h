@@ -9,6 +9,7 @@ namespace tool {
 // Each adds its command, which lives in the source file of that name, to the command line.
 void addInit(Command& app, Context& context);
 void addShow(Command& app, Context& context);
+void addGet(Command& app, Context& context);
 void addVersions(Command& app, Context& context);
 void addServers(Command& app, Context& context);
 void addCerts(Command& app, Context& context);

@@ -16,6 +16,16 @@ Option& Option::type_name(const std::string& name) {
   return *this;
 }
 
+Option& Option::choices(const std::vector<std::string>& values) {
+  m_option->check([values](const std::string& value) {
+    if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
+    std::string known;
+    for (const std::string& each : values) known += (known.empty() ? "" : ", ") + each;
+    return "\"" + value + "\" is none of " + known;
+  });
+  return *this;
+}
+
 Command Command::add_subcommand(const std::string& name, const std::string& description) {
   return Command(m_app->add_subcommand(name, description));
 }
@@ -27,6 +37,13 @@ Option Command::add_option(const std::string& name, std::string& value, const st
 Option Command::add_option(const std::string& name, std::vector<std::string>& values,
                            const std::string& help) {
   return Option(m_app->add_option(name, values, help));
+}
+
+Option Command::add_repeated(const std::string& name, std::vector<std::string>& values,
+                             const std::string& help) {
+  return Option(m_app->add_option(name, values, help)
+                    ->expected(1)
+                    ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll));
 }
 
 Option Command::add_flag(const std::string& name, bool& value, const std::string& help) {
@@ -56,6 +73,15 @@ void CommandLine::version(const std::string& text) {
 }
 
 std::string CommandLine::help() const { return m_app->help(); }
+
+std::string CommandLine::commandName() const {
+  std::string name;
+  for (const CLI::App* app = m_app.get(); !app->get_subcommands().empty();) {
+    app = app->get_subcommands().front();
+    name += (name.empty() ? "" : " ") + app->get_name();
+  }
+  return name;
+}
 
 CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& error) {
   for (CLI::App* command : m_app->get_subcommands({})) command->fallthrough();

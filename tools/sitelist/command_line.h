@@ -22,6 +22,8 @@ class Option {
   Option& required();
   // What stands for the value in help texts; empty for nothing.
   Option& type_name(const std::string& name);
+  // The only values there are.
+  Option& choices(const std::vector<std::string>& values);
 
  private:
   CLI::Option* m_option;
@@ -35,6 +37,9 @@ class Command {
   Option add_option(const std::string& name, std::string& value, const std::string& help);
   Option add_option(const std::string& name, std::vector<std::string>& values,
                     const std::string& help);
+  // An option that may be given several times, with one value each time.
+  Option add_repeated(const std::string& name, std::vector<std::string>& values,
+                      const std::string& help);
   Option add_flag(const std::string& name, bool& value, const std::string& help);
   void footer(const std::string& text);
   // Called when the command line names this command.
@@ -61,6 +66,8 @@ class CommandLine {
   Command program();
   void version(const std::string& text);
   std::string help() const;
+  // The command that was asked for, with those above it: "policies set".
+  std::string commandName() const;
   // Answered: a help or version text was printed. Wrong: `error` says why.
   Outcome parse(std::vector<std::string> arguments, std::string& error);
 

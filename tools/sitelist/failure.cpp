@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/result_codes.h"
@@ -21,6 +22,7 @@ struct Meaning {
   const char* next;
 };
 
+constexpr const char* c_nextMark = "\n  next: ";
 constexpr const char* c_mendDocument =
     "mend the document at that place, or have it sent again by the server";
 constexpr const char* c_checkFile = "check that it is a regular file that you may read";
@@ -79,7 +81,21 @@ DocumentFault faultOf(const ReadWriteException& e) {
 std::string compose(const std::string& path, int code, const std::string& meaning,
                     const std::string& detail, const std::string& next) {
   return shown(path) + ": " + meaning + " (" + formatCode(code) + ")\n" + detail +
-         "  next: " + next;
+         (c_nextMark + 1) + next;
+}
+
+FailurePlace placeOf(const std::string& path, int code) {
+  FailurePlace place;
+  place.file = path;
+  place.code = code;
+  return place;
+}
+
+FailurePlace placeOf(const std::string& path, int code, const DocumentFault& fault) {
+  FailurePlace place = placeOf(path, code);
+  place.line = fault.line;
+  place.column = fault.column;
+  return place;
 }
 
 std::string describe(const DocumentFault& fault) {
@@ -112,10 +128,21 @@ std::optional<DocumentFault> findFault(GetText getText) {
 
 }  // namespace
 
-Failure::Failure(ExitStatus status, const std::string& text)
-    : std::runtime_error(text), m_status(status) {}
-Failure::Failure(const Failure&) noexcept = default;
+Failure::Failure(ExitStatus status, const std::string& text, FailurePlace place)
+    : std::runtime_error(text), m_status(status), m_place(std::move(place)) {}
+Failure::Failure(const Failure&) = default;
 Failure::~Failure() = default;
+
+std::string Failure::message() const {
+  const std::string text = what();
+  return text.substr(0, text.find(c_nextMark));
+}
+
+std::string Failure::next() const {
+  const std::string text = what();
+  const std::size_t at = text.find(c_nextMark);
+  return at == std::string::npos ? "" : text.substr(at + std::strlen(c_nextMark));
+}
 
 std::optional<DocumentFault> findDocumentFault(const std::string& path) {
   return findFault([&](std::wstring& text, AdvXMLParser::UTF_ENCODINGS& encoding) {
@@ -149,25 +176,29 @@ Failure libraryFailure(const std::string& path, int code) {
       // A file whose bytes cannot be converted counts as unread for the library; for the user it is
       // the document that is wrong.
       const bool isUnread = fault->status == exitFile;
-      return Failure(fault->status, compose(path, code, known.meaning, describe(*fault),
-                                            isUnread ? c_checkFile : c_mendDocument));
+      return Failure(fault->status,
+                     compose(path, code, known.meaning, describe(*fault),
+                             isUnread ? c_checkFile : c_mendDocument),
+                     placeOf(path, code, *fault));
     }
   }
-  return Failure(known.status, compose(path, code, known.meaning, "", known.next));
+  return Failure(known.status, compose(path, code, known.meaning, "", known.next),
+                 placeOf(path, code));
 }
 
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
   const Meaning& known = meaningOf(code);
   if (const auto fault = findFaultInBytes(bytes)) {
     return Failure(fault->status,
-                   compose(name, code, known.meaning, describe(*fault), c_mendDocument));
+                   compose(name, code, known.meaning, describe(*fault), c_mendDocument),
+                   placeOf(name, code, *fault));
   }
   return libraryFailure(name, code, known.status, known.meaning, known.next);
 }
 
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
                        const std::string& meaning, const std::string& next) {
-  return Failure(status, compose(path, code, meaning, "", next));
+  return Failure(status, compose(path, code, meaning, "", next), placeOf(path, code));
 }
 
 }  // namespace tool

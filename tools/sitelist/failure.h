@@ -9,17 +9,30 @@
 
 namespace tool {
 
-// The end of a command: what() is the message, made of printable text.
+// Where a failure comes from, as far as it is known.
+struct FailurePlace {
+  std::string file;
+  int code = 0;  // of the library
+  unsigned long line = 0;
+  unsigned long column = 0;  // both 0 where no place in a document is meant
+};
+
+// The end of a command: what() is the message and, behind "\n  next: ", what to do about it; both
+// are made of printable text.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitStatus status, const std::string& text);
-  Failure(const Failure&) noexcept;
+  Failure(ExitStatus status, const std::string& text, FailurePlace place = {});
+  Failure(const Failure&);
   ~Failure() override;
 
   ExitStatus status() const { return m_status; }
+  const FailurePlace& place() const { return m_place; }
+  std::string message() const;
+  std::string next() const;  // empty when there is no advice
 
  private:
   ExitStatus m_status;
+  FailurePlace m_place;
 };
 
 // Why a file cannot be read as a document.

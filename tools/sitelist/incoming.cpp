@@ -100,7 +100,7 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
       "Say what would change in the agent's list, key files and\nFIPS marker, and write nothing");
 }
 
-int takeIncoming(const Context& context, const IncomingOptions& options) {
+int takeIncoming(Context& context, const IncomingOptions& options) {
   if (options.dryRun) return previewIncoming(context, options);
   serveAgent(context);
   const std::string ownList = ownListPath(context);

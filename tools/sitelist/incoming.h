@@ -17,10 +17,10 @@ struct IncomingOptions {
 };
 
 void addIncomingOptions(Command& command, IncomingOptions& options);
-int takeIncoming(const Context& context, const IncomingOptions& options);
+int takeIncoming(Context& context, const IncomingOptions& options);
 
 // Says what taking the list would change, and changes nothing.
-int previewIncoming(const Context& context, const IncomingOptions& options);
+int previewIncoming(Context& context, const IncomingOptions& options);
 
 // Says which key files and marker would come with the list, and that nothing was written.
 void previewFiles(sitehlp::CSitesHelper& helper, const IncomingOptions& options,

@@ -7,6 +7,7 @@
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/failure.h"
 #include "tools/sitelist/log_record.h"
+#include "tools/sitelist/report.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {
@@ -33,6 +34,7 @@ std::string fullPath(const std::string& directory) {
 void addCommands(Command& app, Context& context) {
   addInit(app, context);
   addShow(app, context);
+  addGet(app, context);
   addVersions(app, context);
   addServers(app, context);
   addCerts(app, context);
@@ -49,17 +51,60 @@ void addCommands(Command& app, Context& context) {
   addProtect(app, context);
 }
 
-int perform(const Context& context) {
+Format formatOf(const Context& context) {
+  if (context.json || context.format == "json") return Format::Json;
+  if (context.format == "csv") return Format::Csv;
+  return context.format == "xml" ? Format::Xml : Format::Table;
+}
+
+void print(const Context& context, const Ending& ending) {
+  const Report* const report = context.report ? &*context.report : nullptr;
+  switch (formatOf(context)) {
+    case Format::Json:
+      printJson(std::cout, report, ending);
+      break;
+    case Format::Xml:
+      printXml(std::cout, report, ending);
+      break;
+    case Format::Csv:
+      if (report) printCsv(std::cout, *report);
+      break;
+    case Format::Table: {
+      const ColorChoice color = context.color == "always"  ? ColorChoice::Always
+                                : context.color == "never" ? ColorChoice::Never
+                                                           : ColorChoice::Auto;
+      if (report && report->table) report->table(std::cout, standardOutput(color));
+      break;
+    }
+  }
+  std::cout.flush();
+}
+
+int fail(const Context& context, const Failure& failure) {
+  print(context, {context.command, failure.status(), &failure});
+  std::cerr << "sitelist: " << failure.what() << '\n';
+  return failure.status();
+}
+
+int perform(Context& context) {
   recordLog(context.verbose);
   try {
     const int status = context.action();
+    print(context, {context.command, status, nullptr});
     reportLoggedErrors(true);
     return status;
   } catch (const Failure& failure) {
-    std::cout.flush();
     reportLoggedErrors(false);
-    std::cerr << "sitelist: " << failure.what() << '\n';
-    return failure.status();
+    return fail(context, failure);
+  }
+}
+
+// Whether the output is to be for programs also when the command line cannot be parsed.
+void lookForFormat(const std::vector<std::string>& arguments, Context& context) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == "--json" || arguments[i] == "--format=json") context.json = true;
+    if (arguments[i] == "--format=xml") context.format = "xml";
+    if (arguments[i] == "--format" && i + 1 < arguments.size()) context.format = arguments[i + 1];
   }
 }
 
@@ -71,6 +116,15 @@ int run(std::vector<std::string> arguments) {
   app.add_option("--agent-dir", context.agentDirectory,
                  "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
       .type_name("DIR");
+  app.add_option("--format", context.format,
+                 "Form of the output: table (the default), json, csv or xml")
+      .type_name("FORM")
+      .choices({"table", "json", "csv", "xml"});
+  app.add_flag("--json", context.json, "The same as --format json");
+  app.add_option("--color", context.color,
+                 "Colour in tables: auto (the default), always or never;\nauto heeds NO_COLOR")
+      .type_name("WHEN")
+      .choices({"auto", "always", "never"});
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line.version("sitelist " SITELIST_VERSION);
   app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
@@ -79,13 +133,14 @@ int run(std::vector<std::string> arguments) {
 
   context.meshCommand = takeMeshCommand(arguments);
   std::string error;
+  const std::vector<std::string> given = arguments;
   switch (line.parse(std::move(arguments), error)) {
     case CommandLine::Outcome::Answered:
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
-      std::cerr << "sitelist: " << shown(error)
-                << "\n  next: see `sitelist --help`, or --help behind a command\n";
-      return exitUsage;
+      lookForFormat(given, context);
+      return fail(context, Failure(exitUsage, shown(error) + "\n  next: see `sitelist --help`, or "
+                                                             "--help behind a command"));
     case CommandLine::Outcome::Parsed:
       break;
   }
@@ -93,6 +148,7 @@ int run(std::vector<std::string> arguments) {
     std::cerr << line.help();
     return exitUsage;
   }
+  context.command = line.commandName();
   context.agentDirectory = fullPath(context.agentDirectory);
   return perform(context);
 }

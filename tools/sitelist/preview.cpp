@@ -103,7 +103,7 @@ void previewFiles(CSitesHelper& helper, const IncomingOptions& options, tag_Site
   std::cout << "\nNothing was written.\n";
 }
 
-int previewIncoming(const Context& context, const IncomingOptions& options) {
+int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);
   CSitesHelper helper(wide(ownList));

@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string>
 
+#include "tools/sitelist/site_report.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {

@@ -7,9 +7,6 @@
 
 namespace tool {
 
-// What stands in the place of a password that is not empty.
-constexpr const char* c_mask = "********";
-
 // Prints a proxy record as a block of lines.
 void printProxy(std::ostream& out, const sitehlp::tag_ProxySite& proxy, bool showSecrets);
 

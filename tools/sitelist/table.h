@@ -5,18 +5,28 @@
 #include <string>
 #include <vector>
 
+#include "tools/sitelist/screen.h"
+
 namespace tool {
 
 // Rows of texts from documents, printed in columns that line up in every script.
 class Table {
  public:
-  explicit Table(std::vector<std::wstring> headings) { m_rows.push_back(std::move(headings)); }
+  explicit Table(std::vector<std::wstring> headings);
   // As many cells as headings; an empty one is printed as "-".
-  void add(std::vector<std::wstring> cells);
-  void print(std::ostream& out) const;
+  void add(std::vector<std::wstring> cells, Style style = Style::Plain);
+  // On a screen that is too narrow, the longest texts are cut and end in an ellipsis.
+  void print(std::ostream& out, const Screen& screen) const;
 
  private:
-  std::vector<std::vector<std::wstring>> m_rows;
+  struct Row {
+    std::vector<std::wstring> cells;
+    Style style;
+  };
+
+  std::vector<std::size_t> widthsFor(std::size_t columns) const;
+
+  std::vector<Row> m_rows;
 };
 
 }  // namespace tool

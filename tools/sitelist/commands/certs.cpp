@@ -1,14 +1,23 @@
+#include <algorithm>
+#include <charconv>
 #include <iostream>
+#include <memory>
+#include <optional>
 
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/certificate.h"
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/failure.h"
-#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/site_report.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
+
+struct Options {
+  std::string file;
+  std::string expiring;
+};
 
 // A SHA-256 fingerprint in two halves, so that it fits a narrow terminal.
 std::string inTwoLines(const std::string& fingerprint) {
@@ -17,16 +26,63 @@ std::string inTwoLines(const std::string& fingerprint) {
   return fingerprint.substr(0, half) + "\n               " + fingerprint.substr(half);
 }
 
-void print(const Certificate& certificate) {
-  std::cout << "  subject      " << certificate.subject << "\n  issuer       " << certificate.issuer
-            << "\n  SHA-256      " << inTwoLines(certificate.fingerprint) << "\n  valid from   "
-            << certificate.notBefore << "\n  valid until  " << certificate.notAfter
-            << "\n  days left    " << certificate.daysLeft
-            << (certificate.daysLeft < 0 ? " (expired)" : "") << '\n';
+void print(std::ostream& out, const Screen& screen, const Record& row, std::size_t count) {
+  const auto text = [&](const char* name) {
+    const Scalar* const value = find(row, name);
+    return value ? shown(textOf(*value)) : "";
+  };
+  out << screen.styled(Style::Heading,
+                       "Certificate " + text("number") + " of " + std::to_string(count))
+      << '\n';
+  if (text("readable") == "false") {
+    out << "  not readable as a certificate; its text is\n  " << text("text") << '\n';
+    return;
+  }
+  const bool isExpired = text("expired") == "true";
+  const bool isExpiring = text("expiring") == "true";
+  const std::string left = text("daysLeft") + (isExpired    ? " (expired)"
+                                               : isExpiring ? " (expires soon)"
+                                                            : "");
+  out << "  subject      " << text("subject") << "\n  issuer       " << text("issuer")
+      << "\n  SHA-256      " << inTwoLines(text("sha256")) << "\n  valid from   "
+      << text("validFrom") << "\n  valid until  " << text("validUntil") << "\n  days left    "
+      << screen.styled(isExpired || isExpiring ? Style::Bad : Style::Plain, left) << '\n';
 }
 
-int certs(const Context& context, const std::string& file) {
-  const AgentForReading agent(context, file);
+// Without --expiring nothing counts as expiring.
+std::optional<int> daysOf(const Options& options) {
+  if (options.expiring.empty()) return std::nullopt;
+  int days = 0;
+  const char* const end = options.expiring.data() + options.expiring.size();
+  const auto [stop, error] = std::from_chars(options.expiring.data(), end, days);
+  if (error != std::errc() || stop != end || days < 0) {
+    throw Failure(exitUsage, "--expiring: \"" + shown(options.expiring) +
+                                 "\" is no number of days\n  next: give a number such as 30");
+  }
+  return days;
+}
+
+Record rowOf(const std::wstring& text, std::size_t number, std::optional<int> days) {
+  Record row = {{"number", static_cast<std::int64_t>(number)}};
+  const auto certificate = readCertificate(text);
+  row.emplace_back("readable", certificate.has_value());
+  if (certificate) {
+    row.insert(row.end(), {{"subject", certificate->subject},
+                           {"issuer", certificate->issuer},
+                           {"sha256", certificate->fingerprint},
+                           {"validFrom", certificate->notBefore},
+                           {"validUntil", certificate->notAfter},
+                           {"daysLeft", std::int64_t{certificate->daysLeft}},
+                           {"expired", certificate->isExpired},
+                           {"expiring", days && certificate->daysLeft <= *days}});
+  }
+  row.emplace_back("text", narrow(text));
+  return row;
+}
+
+int certs(Context& context, const Options& options) {
+  const std::optional<int> days = daysOf(options);
+  const AgentForReading agent(context, options.file);
   std::vector<std::wstring> texts;
   const int result = sitehlp::CSitesHelper(true).GetCaCertificates(wide(agent.path()), texts);
   if (result == sitehlp::c_errorWrite) {
@@ -36,31 +92,53 @@ int certs(const Context& context, const std::string& file) {
                          "the document is over a limit", "find out where it came from");
   }
   if (result != 0) throw libraryFailure(agent.path(), result);
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    std::cout << (i == 0 ? "" : "\n") << "Certificate " << i + 1 << " of " << texts.size() << '\n';
-    if (const auto certificate = readCertificate(texts[i])) {
-      print(*certificate);
-    } else {
-      std::cout << "  not readable as a certificate; its text is\n  " << shown(texts[i]) << '\n';
-    }
+  Report report;
+  report.facts = {{"file", narrow(wide(agent.path()))}};
+  report.rowsName = "certificates";
+  report.rowName = "certificate";
+  report.columns = {"number",     "readable", "subject", "issuer",   "sha256", "validFrom",
+                    "validUntil", "daysLeft", "expired", "expiring", "text"};
+  for (const std::wstring& text : texts) {
+    report.rows.push_back(rowOf(text, report.rows.size() + 1, days));
   }
-  if (!texts.empty()) return exitSuccess;
-  std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no certificates\n";
-  return exitNegative;
+  report.table = [rows = report.rows](std::ostream& out, const Screen& screen) {
+    for (const Record& row : rows) {
+      if (&row != rows.data()) out << '\n';
+      print(out, screen, row, rows.size());
+    }
+  };
+  context.report = std::move(report);
+  if (texts.empty()) {
+    std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no certificates\n";
+    return exitNegative;
+  }
+  const std::vector<Record>& rows = context.report->rows;
+  const bool isAnyExpiring = std::any_of(rows.begin(), rows.end(), [](const Record& row) {
+    const Scalar* const expiring = find(row, "expiring");
+    return expiring && textOf(*expiring) == "true";
+  });
+  return isAnyExpiring ? exitNegative : exitSuccess;
 }
 
 }  // namespace
 
 void addCerts(Command& app, Context& context) {
   Command command = app.add_subcommand("certs", "Print the CA certificates of a list");
-  const auto file = std::make_shared<std::string>();
-  command.add_option("FILE", *file, "A site list (default: the agent's own)").type_name("");
+  const auto options = std::make_shared<Options>();
+  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command
+      .add_option("--expiring", options->expiring,
+                  "Exit with 1 when a certificate has expired, or has at most\n"
+                  "this many days left")
+      .type_name("DAYS");
   command.footer(
       "Examples:\n"
       "  sitelist certs\n"
-      "  sitelist certs incoming/SiteList.xml\n");
-  command.callback(
-      [&context, file] { context.action = [&context, file] { return certs(context, *file); }; });
+      "  sitelist certs incoming/SiteList.xml\n"
+      "  sitelist certs --expiring 30 --format csv\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return certs(context, *options); };
+  });
 }
 
 }  // namespace tool

@@ -16,7 +16,7 @@ struct Options {
   std::string target;
 };
 
-int derive(const Context& context, const Options& options) {
+int derive(Context& context, const Options& options) {
   const PrivateAgent agent(context, PrivateAgent::Detached);
   const std::wstring target = wide(options.target);
   const std::string written =

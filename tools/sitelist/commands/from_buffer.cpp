@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-int fromBuffer(const Context& context, const std::string& file) {
+int fromBuffer(Context& context, const std::string& file) {
   serveAgent(context);
   const Input input = readInput(file);
   std::wstring text;

@@ -36,7 +36,7 @@ void makeDirectory(const std::string& path) {
   if (error) throw cannotMake(path, error.message());
 }
 
-void makeLocks(const Context& context) {
+void makeLocks(Context& context) {
   using korvel_com::orb::lock::InterProcessWriteLock;
   for (const char* name : {sitehlp::c_siteListLock, sitehlp::smartSiteListLock}) {
     if (!InterProcessWriteLock(name).lock(0x7FFFFFFF)) {
@@ -45,7 +45,7 @@ void makeLocks(const Context& context) {
   }
 }
 
-void makePasswordKey(const Context& context) {
+void makePasswordKey(Context& context) {
   using namespace korvel_com::ZQ::crypto;
   IEncryption* const object =
       CryptShim::instance()->create_encryption_object(ENCRYPTION_TYPE_PASSWORD);
@@ -57,7 +57,7 @@ void makePasswordKey(const Context& context) {
   }
 }
 
-host::AgentSettings settingsFrom(const Context& context, const Options& options) {
+host::AgentSettings settingsFrom(Context& context, const Options& options) {
   host::AgentSettings settings;
   settings.dataDirectory = context.agentDirectory;
   settings.managed = options.managed;
@@ -75,7 +75,7 @@ host::AgentSettings settingsFrom(const Context& context, const Options& options)
 }
 
 // The settings file comes last: an attempt that failed half-way can be repeated.
-int init(const Context& context, const Options& options) {
+int init(Context& context, const Options& options) {
   const std::string& directory = context.agentDirectory;
   const std::string settingsFile = directory + "/agent.toml";
   const host::AgentSettings settings = settingsFrom(context, options);

@@ -52,7 +52,7 @@ void print(const std::string& path) {
   std::cout << bytes << '\n';
 }
 
-int merge(const Context& context, const Options& options) {
+int merge(Context& context, const Options& options) {
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);
   writeSiteList(merged, agent.path());

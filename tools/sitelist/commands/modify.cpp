@@ -47,7 +47,7 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
 }
 
 // Edits a copy, and compares.
-int preview(const Context& context, const Options& options) {
+int preview(Context& context, const Options& options) {
   const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);
   failIfNotEditable(ownList);
@@ -66,7 +66,7 @@ int preview(const Context& context, const Options& options) {
   return exitSuccess;
 }
 
-int perform(const Context& context, const Options& options) {
+int perform(Context& context, const Options& options) {
   if (options.incoming.dryRun) return preview(context, options);
   serveAgent(context);
   const std::string ownList = ownListPath(context);

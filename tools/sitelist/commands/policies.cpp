@@ -1,4 +1,5 @@
 #include <iostream>
+#include <memory>
 
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
@@ -15,19 +16,30 @@ struct Options {
   std::string value;
 };
 
-int list(const Context& context, const Options& options) {
+int list(Context& context, const Options& options) {
   const AgentForReading agent(context, options.file);
   const SiteList sites = readSiteList(agent.path());
+  Report report;
+  report.facts = {{"file", narrow(wide(sites.path))}};
+  report.rowsName = "policies";
+  report.rowName = "policy";
+  report.columns = {"name", "value"};
   for (const auto& [name, value] : sites.policies) {
-    std::cout << shown(name) << " = " << shown(value) << '\n';
+    report.rows.push_back({{"name", narrow(name)}, {"value", narrow(value)}});
   }
+  report.table = [rows = report.rows](std::ostream& out, const Screen&) {
+    for (const Record& row : rows) {
+      out << shown(textOf(row[0].second)) << " = " << shown(textOf(row[1].second)) << '\n';
+    }
+  };
+  context.report = std::move(report);
   if (sites.result != 0) throw libraryFailure(agent.path(), sites.result);
   if (!sites.policies.empty()) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no policy settings\n";
   return exitNegative;
 }
 
-int set(const Context& context, const Options& options) {
+int set(Context& context, const Options& options) {
   serveAgent(context);
   const std::string path = ownListPath(context);
   SiteList sites = readWholeSiteList(path);

@@ -78,7 +78,7 @@ class Password {
   std::wstring m_text;
 };
 
-int protect(const Context& context) {
+int protect(Context& context) {
   serveAgent(context);
   Password password;
   const std::wstring& clear = password.text();
@@ -93,7 +93,12 @@ int protect(const Context& context) {
                                   "/keystore: the password cannot be protected\n  next: check that "
                                   "you may read the agent's password key");
   }
-  std::cout << narrow(protectedText) << '\n';
+  Report report;
+  report.facts = {{"protected", narrow(protectedText)}};
+  report.table = [protectedText](std::ostream& out, const Screen&) {
+    out << narrow(protectedText) << '\n';
+  };
+  context.report = std::move(report);
   return exitSuccess;
 }
 

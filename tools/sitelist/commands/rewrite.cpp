@@ -14,7 +14,7 @@ struct Options {
   std::string destination;
 };
 
-int rewrite(const Context& context, const Options& options) {
+int rewrite(Context& context, const Options& options) {
   const AgentForWriting agent(context, options.destination);
   SiteList list = readWholeSiteList(options.source);
   refuseLostPasswords(options.source);

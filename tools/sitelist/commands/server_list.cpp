@@ -35,7 +35,7 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
   }
 }
 
-int serverList(const Context& context, const Options& options) {
+int serverList(Context& context, const Options& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";

@@ -1,4 +1,5 @@
-#include <iostream>
+#include <memory>
+#include <ostream>
 
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
@@ -14,7 +15,7 @@ struct Options {
   bool nonSecurePort = false;
 };
 
-int servers(const Context& context, const Options& options) {
+int servers(Context& context, const Options& options) {
   serveAgent(context);
   const std::string path = ownListPath(context);
   sitehlp::CSitesHelper helper(wide(path));
@@ -29,9 +30,19 @@ int servers(const Context& context, const Options& options) {
                                              options.all, options.nonSecurePort);
   if (result != 0) throw libraryFailure(path, result);
   if (port == noPort) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
-  std::cout << "names           " << shown(names) << "\nservers         " << shown(hosts)
-            << "\nIP addresses    " << shown(addresses) << "\ncomputer names  " << shown(computers)
-            << "\nversions        " << shown(versions) << "\nport            " << port << '\n';
+  Report report;
+  report.facts = {{"names", narrow(names)},           {"servers", narrow(hosts)},
+                  {"ipAddresses", narrow(addresses)}, {"computerNames", narrow(computers)},
+                  {"versions", narrow(versions)},     {"port", std::int64_t{port}}};
+  report.table = [facts = report.facts](std::ostream& out, const Screen&) {
+    static constexpr const char* labels[] = {"names           ", "servers         ",
+                                             "IP addresses    ", "computer names  ",
+                                             "versions        ", "port            "};
+    for (std::size_t i = 0; i < facts.size(); ++i) {
+      out << labels[i] << shown(textOf(facts[i].second)) << '\n';
+    }
+  };
+  context.report = std::move(report);
   return exitSuccess;
 }
 

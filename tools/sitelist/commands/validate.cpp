@@ -60,7 +60,7 @@ int validateOne(const std::string& file, bool checkServer) {
   return exitNegative;
 }
 
-int validate(const Context& context, const Options& options) {
+int validate(Context& context, const Options& options) {
   if (options.managed && options.unmanaged) {
     throw Failure(exitUsage,
                   "--managed and --unmanaged exclude each other\n  next: give at most one of them");

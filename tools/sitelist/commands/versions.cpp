@@ -1,30 +1,36 @@
-#include <iostream>
+#include <memory>
+#include <ostream>
 
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/failure.h"
-#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/site_report.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
 
-int versions(const Context& context, const std::string& file) {
+int versions(Context& context, const std::string& file) {
   const AgentForReading agent(context, file);
   const std::wstring path = wide(agent.path());
   sitehlp::CSitesHelper helper(true);
-  std::wstring global;
-  std::wstring local;
-  std::wstring type;
-  const int result = helper.GetSitelistVersions(path, global, local, type);
-  if (result != 0) {
-    throw libraryFailure(agent.path(), result);
-  }
+  SiteList list;
+  list.path = agent.path();
+  const int result =
+      helper.GetSitelistVersions(path, list.globalVersion, list.localVersion, list.type);
+  if (result != 0) throw libraryFailure(agent.path(), result);
   std::wstring fipsMode;
-  const bool saysFipsMode = helper.GetSitelistFipsMode(path, fipsMode) == 0;
-  std::cout << "global version  " << shown(global) << "\nlocal version   " << shown(local)
-            << "\ntype            " << shown(type) << "\nFIPS mode       "
-            << (saysFipsMode ? shown(fipsMode) : "not said") << '\n';
+  if (helper.GetSitelistFipsMode(path, fipsMode) == 0) list.fipsMode = fipsMode;
+  Report report;
+  report.facts = listFacts(list);
+  const std::string mode = list.fipsMode ? shown(fipsMode) : "not said";
+  report.table = [facts = report.facts, mode](std::ostream& out, const Screen&) {
+    const auto text = [&](const char* name) { return shown(textOf(*find(facts, name))); };
+    out << "global version  " << text("globalVersion") << "\nlocal version   "
+        << text("localVersion") << "\ntype            " << text("type") << "\nFIPS mode       "
+        << mode << '\n';
+  };
+  context.report = std::move(report);
   return exitSuccess;
 }
 

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <memory>
+#include <ostream>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/site_report.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using sitehlp::tag_Site;
+
+constexpr const char* c_policyPrefix = "policy.";
+
+struct Options {
+  std::string field;
+  std::string file;
+  std::string site;
+  std::string kind;
+  bool showSecrets = false;
+};
+
+[[noreturn]] void failUnknownField(const std::string& field, const std::string& known) {
+  throw Failure(exitUsage,
+                "there is no field \"" + shown(field) + "\"\n  next: name one of " + known);
+}
+
+Failure missing(const SiteList& list, const std::string& what, const std::string& next) {
+  return Failure(exitNotFound, shown(list.path) + ": " + what + "\n  next: " + next,
+                 {list.path, 0, 0, 0});
+}
+
+const tag_Site& findSite(const SiteList& list, const Options& options) {
+  const tag_Site* found = nullptr;
+  std::string kinds;
+  std::size_t count = 0;
+  for (const tag_Site* site = list.sites.get(); site; site = site->pNext) {
+    if (narrow(nameOf(*site)) != options.site) continue;
+    if (!options.kind.empty() && options.kind != kindOf(*site)) continue;
+    if (!found) found = site;
+    kinds += (++count == 1 ? "" : ", ") + std::string(kindOf(*site));
+  }
+  if (count > 1) {
+    throw Failure(exitConflict,
+                  shown(list.path) + ": several sites are named \"" + shown(options.site) +
+                      "\": " + kinds + "\n  next: say which is meant with --kind KIND",
+                  {list.path, 0, 0, 0});
+  }
+  if (!found) {
+    throw missing(list, "there is no site named \"" + shown(options.site) + "\"",
+                  "`sitelist show` names them all");
+  }
+  return *found;
+}
+
+Scalar siteValue(const SiteList& list, const Options& options) {
+  const std::vector<std::string>& names = siteFieldNames();
+  if (std::find(names.begin(), names.end(), options.field) == names.end()) {
+    std::string known;
+    for (const std::string& name : names) known += (known.empty() ? "" : ", ") + name;
+    failUnknownField(options.field, known);
+  }
+  const Record record = recordOf(findSite(list, options), options.showSecrets);
+  if (const Scalar* const value = find(record, options.field)) return *value;
+  throw missing(list, "a site of this kind has no field \"" + options.field + "\"",
+                "`sitelist show --json` prints the fields that it has");
+}
+
+Scalar policyValue(const SiteList& list, const std::string& name) {
+  const auto setting = list.policies.find(wide(name));
+  if (setting != list.policies.end()) return narrow(setting->second);
+  throw missing(list, "there is no policy setting \"" + shown(name) + "\"",
+                "`sitelist policies` prints them all");
+}
+
+Scalar listValue(const SiteList& list, const Options& options) {
+  const std::string prefix = c_policyPrefix;
+  if (options.field.rfind(prefix, 0) == 0) {
+    return policyValue(list, options.field.substr(prefix.size()));
+  }
+  const Record facts = listFacts(list);
+  const Scalar* const value = find(facts, options.field);
+  if (!value || options.field == "file") {
+    failUnknownField(options.field,
+                     "globalVersion, localVersion, type, fipsMode, policy.NAME, or a field of a "
+                     "site with --site NAME");
+  }
+  if (!std::holds_alternative<std::monostate>(*value)) return *value;
+  throw missing(list, "the list does not say its " + options.field,
+                "`sitelist versions` prints what it says");
+}
+
+int get(Context& context, const Options& options) {
+  const AgentForReading agent(context, options.file);
+  const SiteList list = readWholeSiteList(agent.path());
+  const Scalar value = options.site.empty() ? listValue(list, options) : siteValue(list, options);
+  Report report;
+  report.facts = {{"file", narrow(wide(list.path))},
+                  {"site", options.site.empty() ? Scalar() : Scalar(options.site)},
+                  {"field", options.field},
+                  {"value", value}};
+  report.table = [value](std::ostream& out, const Screen&) { out << shown(textOf(value)) << '\n'; };
+  context.report = std::move(report);
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addGet(Command& app, Context& context) {
+  Command command =
+      app.add_subcommand("get", "Print one value of a list, or of a site, for scripts");
+  const auto options = std::make_shared<Options>();
+  command
+      .add_option("FIELD", options->field,
+                  "globalVersion, localVersion, type, fipsMode or policy.NAME;\n"
+                  "with --site any field of the site's JSON form")
+      .required()
+      .type_name("");
+  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("--site", options->site, "A value of the site of this name").type_name("NAME");
+  command.add_option("--kind", options->kind, "The kind of the site, when several share the name")
+      .type_name("KIND")
+      .choices({"server", "agent", "http", "ftp", "unc", "local", "proxy", "unknown"});
+  command.add_flag("--show-secrets", options->showSecrets,
+                   "Print a clear password instead of ********");
+  command.footer(
+      "Prints the bare value on one line. A flag is true or false.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist get globalVersion\n"
+      "  sitelist get policy.OverwriteClientSites incoming/SiteList.xml\n"
+      "  sitelist get server --site 'Main server'\n"
+      "  sitelist get httpProxyServer --site 'Site proxy' --kind proxy\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return get(context, *options); };
+  });
+}
+
+}  // namespace tool

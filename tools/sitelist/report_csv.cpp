@@ -1,0 +1,49 @@
+#include <ostream>
+
+#include "tools/sitelist/report.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+std::string cell(const std::string& raw) {
+  const std::string text = shown(raw);
+  if (text.find_first_of("\",") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+const Scalar* find(const Record& record, const std::string& name) {
+  for (const auto& [key, value] : record) {
+    if (key == name) return &value;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void printCsv(std::ostream& out, const Report& report) {
+  if (report.rowsName.empty()) {
+    out << "field,value\n";
+    for (const auto& [name, value] : report.facts)
+      out << name << ',' << cell(textOf(value)) << '\n';
+    return;
+  }
+  for (const std::string& column : report.columns) {
+    out << (&column == report.columns.data() ? "" : ",") << column;
+  }
+  out << '\n';
+  for (const Record& row : report.rows) {
+    for (const std::string& column : report.columns) {
+      if (&column != report.columns.data()) out << ',';
+      if (const Scalar* const value = find(row, column)) out << cell(textOf(*value));
+    }
+    out << '\n';
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,61 @@
+#include <cstdint>
+#include <ostream>
+
+#include "tools/sitelist/report.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+// Characters beyond ASCII become references: what a document holds does nothing to a terminal. What
+// XML cannot carry, which only file names and messages can hold, becomes U+FFFD.
+std::string escaped(const std::string& raw) {
+  std::string text;
+  for (const wchar_t c : wide(raw)) {
+    const auto code = static_cast<std::uint32_t>(c);
+    const bool isCarried = code >= 0x20
+                               ? code != 0xFFFE && code != 0xFFFF && (code & 0xFFFFF800) != 0xD800
+                               : code == '\t' || code == '\n' || code == '\r';
+    if (isCarried && code >= 0x20 && code < 0x7F && code != '<' && code != '>' && code != '&') {
+      text += static_cast<char>(code);
+    } else {
+      text += "&#" + std::to_string(isCarried ? code : 0xFFFD) + ";";
+    }
+  }
+  return text;
+}
+
+// A value that is null, unlike an empty text, has no element.
+void print(std::ostream& out, const Record& record, const char* indent) {
+  for (const auto& [name, value] : record) {
+    if (std::holds_alternative<std::monostate>(value)) continue;
+    out << indent << '<' << name << '>' << escaped(textOf(value)) << "</" << name << ">\n";
+  }
+}
+
+}  // namespace
+
+void printXml(std::ostream& out, const Report* report, const Ending& ending) {
+  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\"1\" command=\""
+      << ending.command << "\" status=\"" << ending.status << "\">\n";
+  if (report) {
+    print(out, report->facts, "  ");
+    if (!report->rowsName.empty()) {
+      out << "  <" << report->rowsName << ">\n";
+      for (const Record& row : report->rows) {
+        out << "    <" << report->rowName << ">\n";
+        print(out, row, "      ");
+        out << "    </" << report->rowName << ">\n";
+      }
+      out << "  </" << report->rowsName << ">\n";
+    }
+  }
+  if (ending.failure) {
+    out << "  <error>\n";
+    print(out, factsOf(*ending.failure), "    ");
+    out << "  </error>\n";
+  }
+  out << "</sitelist>\n";
+}
+
+}  // namespace tool

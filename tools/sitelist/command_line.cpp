@@ -5,6 +5,41 @@
 #include <utility>
 
 namespace tool {
+namespace {
+
+OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
+  OptionInfo info;
+  for (const std::string& name : option.get_snames()) info.names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames()) info.names.push_back("--" + name);
+  info.isFlag = option.get_items_expected_max() == 0;
+  info.valueName = option.get_positional() ? option.get_name(true) : option.get_type_name();
+  info.help = option.get_description();
+  info.isRequired = option.get_required();
+  info.isRepeatable = option.get_items_expected_max() > 1 ||
+                      option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+  const auto found = hints.find(&option);
+  if (found == hints.end()) return info;
+  info.choices = found->second.choices;
+  info.completes = found->second.completes;
+  return info;
+}
+
+CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
+  CommandInfo info;
+  info.name = app.get_name();
+  info.description = app.get_description();
+  info.footer = app.get_footer();
+  for (const CLI::Option* option : app.get_options()) {
+    (option->get_positional() ? info.arguments : info.options)
+        .push_back(describeOption(*option, hints));
+  }
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    info.commands.push_back(describeCommand(*command, hints));
+  }
+  return info;
+}
+
+}  // namespace
 
 Option& Option::required() {
   m_option->required();
@@ -17,6 +52,7 @@ Option& Option::type_name(const std::string& name) {
 }
 
 Option& Option::choices(const std::vector<std::string>& values) {
+  (*m_hints)[m_option].choices = values;
   m_option->check([values](const std::string& value) {
     if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
     std::string known;
@@ -26,28 +62,34 @@ Option& Option::choices(const std::vector<std::string>& values) {
   return *this;
 }
 
+Option& Option::completes(Completion what) {
+  (*m_hints)[m_option].completes = what;
+  return *this;
+}
+
 Command Command::add_subcommand(const std::string& name, const std::string& description) {
-  return Command(m_app->add_subcommand(name, description));
+  return Command(m_app->add_subcommand(name, description), m_hints);
 }
 
 Option Command::add_option(const std::string& name, std::string& value, const std::string& help) {
-  return Option(m_app->add_option(name, value, help));
+  return Option(m_app->add_option(name, value, help), m_hints);
 }
 
 Option Command::add_option(const std::string& name, std::vector<std::string>& values,
                            const std::string& help) {
-  return Option(m_app->add_option(name, values, help));
+  return Option(m_app->add_option(name, values, help), m_hints);
 }
 
 Option Command::add_repeated(const std::string& name, std::vector<std::string>& values,
                              const std::string& help) {
   return Option(m_app->add_option(name, values, help)
                     ->expected(1)
-                    ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll));
+                    ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll),
+                m_hints);
 }
 
 Option Command::add_flag(const std::string& name, bool& value, const std::string& help) {
-  return Option(m_app->add_flag(name, value, help));
+  return Option(m_app->add_flag(name, value, help), m_hints);
 }
 
 void Command::footer(const std::string& text) { m_app->footer(text); }
@@ -66,13 +108,15 @@ CommandLine::CommandLine(const std::string& description, const std::string& name
 
 CommandLine::~CommandLine() = default;
 
-Command CommandLine::program() { return Command(m_app.get()); }
+Command CommandLine::program() { return Command(m_app.get(), &m_hints); }
 
 void CommandLine::version(const std::string& text) {
   m_app->set_version_flag("--version", text, "Print the version and exit");
 }
 
 std::string CommandLine::help() const { return m_app->help(); }
+
+CommandInfo CommandLine::describe() const { return describeCommand(*m_app, m_hints); }
 
 std::string CommandLine::commandName() const {
   std::string name;

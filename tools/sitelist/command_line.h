@@ -2,9 +2,12 @@
 #define TOOLS_SITELIST_COMMAND_LINE_H
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "tools/sitelist/command_table.h"
 
 namespace CLI {
 class App;
@@ -13,26 +16,36 @@ class Option;
 
 namespace tool {
 
+// What the parser does not keep of its options.
+struct OptionHints {
+  std::vector<std::string> choices;
+  Completion completes = Completion::Nothing;
+};
+using HintTable = std::map<const CLI::Option*, OptionHints>;
+
 // One option or argument of a command. Handles on the command line's own objects, which live until
 // the program ends its work. The parser behind them is kept out of this header: compiling it takes
 // seconds, and every command would.
 class Option {
  public:
-  explicit Option(CLI::Option* option) : m_option(option) {}
+  Option(CLI::Option* option, HintTable* hints) : m_option(option), m_hints(hints) {}
   Option& required();
   // What stands for the value in help texts; empty for nothing.
   Option& type_name(const std::string& name);
   // The only values there are.
   Option& choices(const std::vector<std::string>& values);
+  // What the completion of a shell offers as the value.
+  Option& completes(Completion what);
 
  private:
   CLI::Option* m_option;
+  HintTable* m_hints;
 };
 
 // A command, or the program itself. What options write to has to outlive the parsing.
 class Command {
  public:
-  explicit Command(CLI::App* app) : m_app(app) {}
+  Command(CLI::App* app, HintTable* hints) : m_app(app), m_hints(hints) {}
   Command add_subcommand(const std::string& name, const std::string& description);
   Option add_option(const std::string& name, std::string& value, const std::string& help);
   Option add_option(const std::string& name, std::vector<std::string>& values,
@@ -51,6 +64,7 @@ class Command {
 
  private:
   CLI::App* m_app;
+  HintTable* m_hints;
 };
 
 // The command line as a whole.
@@ -66,6 +80,8 @@ class CommandLine {
   Command program();
   void version(const std::string& text);
   std::string help() const;
+  // All of it as data, with the program itself at the top.
+  CommandInfo describe() const;
   // The command that was asked for, with those above it: "policies set".
   std::string commandName() const;
   // Answered: a help or version text was printed. Wrong: `error` says why.
@@ -75,6 +91,7 @@ class CommandLine {
   static constexpr std::size_t c_nameColumns = 22;  // of options and commands in help texts
 
   std::unique_ptr<CLI::App> m_app;
+  HintTable m_hints;
 };
 
 }  // namespace tool

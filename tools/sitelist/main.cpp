@@ -4,16 +4,14 @@
 #include <iostream>
 #include <new>
 
-#include "tools/sitelist/command.h"
 #include "tools/sitelist/failure.h"
 #include "tools/sitelist/log_record.h"
+#include "tools/sitelist/program.h"
 #include "tools/sitelist/report.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
-
-constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
 
 // The command behind --mesh-command may have options of its own, so it is taken off before the
 // command line is looked at.
@@ -29,26 +27,6 @@ std::string fullPath(const std::string& directory) {
   std::string path = std::filesystem::absolute(directory).lexically_normal().string();
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
-}
-
-void addCommands(Command& app, Context& context) {
-  addInit(app, context);
-  addShow(app, context);
-  addGet(app, context);
-  addVersions(app, context);
-  addServers(app, context);
-  addCerts(app, context);
-  addPolicies(app, context);
-  addValidate(app, context);
-  addImport(app, context);
-  addInstall(app, context);
-  addMerge(app, context);
-  addRewrite(app, context);
-  addModify(app, context);
-  addDeriveServerList(app, context);
-  addFromBuffer(app, context);
-  addServerList(app, context);
-  addProtect(app, context);
 }
 
 Format formatOf(const Context& context) {
@@ -109,32 +87,12 @@ void lookForFormat(const std::vector<std::string>& arguments, Context& context) 
 }
 
 int run(std::vector<std::string> arguments) {
-  CommandLine line("Looks after the site list of an endpoint agent.", "sitelist");
-  Command app = line.program();
   Context context;
-  context.agentDirectory = c_defaultAgentDirectory;
-  app.add_option("--agent-dir", context.agentDirectory,
-                 "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
-      .type_name("DIR");
-  app.add_option("--format", context.format,
-                 "Form of the output: table (the default), json, csv or xml")
-      .type_name("FORM")
-      .choices({"table", "json", "csv", "xml"});
-  app.add_flag("--json", context.json, "The same as --format json");
-  app.add_option("--color", context.color,
-                 "Colour in tables: auto (the default), always or never;\nauto heeds NO_COLOR")
-      .type_name("WHEN")
-      .choices({"auto", "always", "never"});
-  app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
-  line.version("sitelist " SITELIST_VERSION);
-  app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
-             c_exitStatusHelp);
-  addCommands(app, context);
-
+  const std::unique_ptr<CommandLine> line = makeCommandLine(context);
   context.meshCommand = takeMeshCommand(arguments);
   std::string error;
   const std::vector<std::string> given = arguments;
-  switch (line.parse(std::move(arguments), error)) {
+  switch (line->parse(std::move(arguments), error)) {
     case CommandLine::Outcome::Answered:
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
@@ -145,10 +103,10 @@ int run(std::vector<std::string> arguments) {
       break;
   }
   if (!context.action) {
-    std::cerr << line.help();
+    std::cerr << line->help();
     return exitUsage;
   }
-  context.command = line.commandName();
+  context.command = line->commandName();
   context.agentDirectory = fullPath(context.agentDirectory);
   return perform(context);
 }

@@ -12,11 +12,13 @@
 // Which agent this process serves. Paths and commands are UTF-8.
 namespace host {
 
+// What an agent is like; a member that is not set has its default.
 struct AgentSettings {
   // Where the agent keeps its files: etc/ (site lists and key files), locks/, keystore/.
   std::string dataDirectory = "/Library/Korvel/orb";
   // Whether the agent is under central management.
   bool managed = false;
+  // The size of the server's keys, which decides what is done with a server list from memory.
   korvel_com::ZQ::crypto::KeySize cryptoKeySize = korvel_com::ZQ::crypto::KEY_SIZE_2048;
   // The mesh service's copy of the site list; empty means <dataDirectory>/mesh/SiteList.xml.
   std::string meshSiteListPath;
@@ -30,8 +32,8 @@ struct AgentSettings {
 // A settings file that cannot be used. what() names the file, the place and the reason.
 class PLATFORM_API SettingsError : public std::runtime_error {
  public:
-  explicit SettingsError(const std::string& text);
-  SettingsError(const SettingsError&) noexcept;
+  explicit SettingsError(const std::string& text);  // what() will say `text`
+  SettingsError(const SettingsError&) noexcept;     // never fails, as a copy of an error must not
   ~SettingsError() override;
 };
 

@@ -5,7 +5,7 @@
 // reader also passes on the error code of AdvXMLParser::ReadWriteException.
 namespace sitehlp {
 
-constexpr int c_success = 0;
+constexpr int c_success = 0;             // done
 constexpr int c_errorGeneral = -1;       // 0xFFFFFFFF: unknown element or kind, a failed step
 constexpr int c_errorNoPath = -2;        // 0xFFFFFFFE: no path, null argument, empty input
 constexpr int c_errorNoMemory = -3;      // 0xFFFFFFFD: a record could not be allocated

@@ -19,85 +19,91 @@ enum SiteKind : std::int32_t {
   SITE_KIND_PROXY = 4   // ProxyConfigList
 };
 
-constexpr unsigned long c_textCapacity = 260;
-constexpr unsigned long c_pathCapacity = 520;
-constexpr unsigned long c_netbiosCapacity = 261;
-constexpr unsigned long c_serverIpCapacity = 100;
-constexpr unsigned long c_exclusionListCapacity = 4001;
+constexpr unsigned long c_textCapacity = 260;            // of most text fields, in characters
+constexpr unsigned long c_pathCapacity = 520;            // of relative paths
+constexpr unsigned long c_netbiosCapacity = 261;         // of NetBIOS names
+constexpr unsigned long c_serverIpCapacity = 100;        // of IP addresses
+constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of excluded hosts
 
+// A site reached over HTTP: a repository, a management server or another agent.
 struct tag_HttpSite {
-  wchar_t szElement[c_textCapacity];  // the element that the site came from
-  wchar_t szName[c_textCapacity];
-  wchar_t szServer[c_textCapacity];
-  wchar_t szServerIP[c_serverIpCapacity];
-  std::uint32_t uServerPort;      // came with szServer
-  std::uint32_t uServerIPPort;    // came with szServerIP
-  std::uint32_t uServerNamePort;  // came with szServerName
-  wchar_t szRelativePath[c_pathCapacity];
+  wchar_t szElement[c_textCapacity];        // the element that the site came from
+  wchar_t szName[c_textCapacity];           // what people call the site
+  wchar_t szServer[c_textCapacity];         // host; brackets of an IPv6 address stay
+  wchar_t szServerIP[c_serverIpCapacity];   // its IP address, as szServer
+  std::uint32_t uServerPort;                // came with szServer
+  std::uint32_t uServerIPPort;              // came with szServerIP
+  std::uint32_t uServerNamePort;            // came with szServerName
+  wchar_t szRelativePath[c_pathCapacity];   // path below the server
   wchar_t szServerName[c_netbiosCapacity];  // NetBIOS name
   std::int32_t iUseAuth;                    // as written, not reduced to 0 or 1
-  wchar_t szUserName[c_textCapacity];
-  wchar_t szPassword[c_textCapacity];  // clear
-  wchar_t szVersion[c_textCapacity];   // of a management server; else empty
-  std::uint32_t uSecurePort;           // 0 when there is none
+  wchar_t szUserName[c_textCapacity];       // empty: no user
+  wchar_t szPassword[c_textCapacity];       // clear
+  wchar_t szVersion[c_textCapacity];        // of a management server; else empty
+  std::uint32_t uSecurePort;                // 0 when there is none
 };
 
+// A repository reached over FTP.
 struct tag_FtpSite {
-  wchar_t szName[c_textCapacity];
-  wchar_t szServer[c_textCapacity];
-  wchar_t szRelativePath[c_pathCapacity];
-  wchar_t szUserName[c_textCapacity];
-  wchar_t szPassword[c_textCapacity];  // clear
-  std::uint32_t uServerPort;
-  std::uint32_t uSecurePort;
+  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szServer[c_textCapacity];        // host; brackets of an IPv6 address stay
+  wchar_t szRelativePath[c_pathCapacity];  // path below the server
+  wchar_t szUserName[c_textCapacity];      // empty: no user
+  wchar_t szPassword[c_textCapacity];      // clear
+  std::uint32_t uServerPort;               // 80 when none was given
+  std::uint32_t uSecurePort;               // 0 when there is none
 };
 
+// A repository on a UNC share.
 struct tag_UncSite {
-  wchar_t szName[c_textCapacity];
-  wchar_t szServer[c_textCapacity];  // as written, no port
-  wchar_t szRelativePath[c_pathCapacity];
-  wchar_t szDomainName[c_textCapacity];
-  wchar_t szUserName[c_textCapacity];
-  wchar_t szPassword[c_textCapacity];    // clear
-  std::int32_t iUseLoggedonUserAccount;  // as written
-  wchar_t szShareName[c_textCapacity];
+  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szServer[c_textCapacity];        // as written, no port
+  wchar_t szRelativePath[c_pathCapacity];  // path below the server
+  wchar_t szDomainName[c_textCapacity];    // of the user
+  wchar_t szUserName[c_textCapacity];      // empty: no user
+  wchar_t szPassword[c_textCapacity];      // clear
+  std::int32_t iUseLoggedonUserAccount;    // as written
+  wchar_t szShareName[c_textCapacity];     // the share on the server
 };
 
+// A repository in a local directory.
 struct tag_LocalSite {
-  wchar_t szName[c_textCapacity];
-  wchar_t szRelativePath[c_pathCapacity];
-  wchar_t szDomainName[c_textCapacity];
-  wchar_t szUserName[c_textCapacity];
-  wchar_t szPassword[c_textCapacity];    // clear
-  std::int32_t iUseLoggedonUserAccount;  // as written
+  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szRelativePath[c_pathCapacity];  // the directory, which may begin with a macro
+  wchar_t szDomainName[c_textCapacity];    // of the user
+  wchar_t szUserName[c_textCapacity];      // empty: no user
+  wchar_t szPassword[c_textCapacity];      // clear
+  std::int32_t iUseLoggedonUserAccount;    // as written
 };
 
+// The proxies that stand between the agent and its sites.
 struct tag_ProxySite {
   wchar_t szElement[c_textCapacity];  // "HttpSite", "FTPSite", "FtpHttp" or empty: proxies given
-  wchar_t szName[c_textCapacity];
-  wchar_t szHttpProxyServer[c_textCapacity];
-  std::int32_t iHttpProxyPort;
-  wchar_t szFtpProxyServer[c_textCapacity];
-  std::int32_t iFtpProxyPort;
-  std::int32_t bAllowUserToConfigureProxy;
-  std::int32_t bBypassLocalAddress;
-  std::int32_t bUseIEConfig;
-  std::int32_t iExclusionCount;
-  wchar_t szExclusionList[c_exclusionListCapacity];  // host names with ";" between them
-  std::int32_t bFtpUseAuth;
-  std::int32_t bHttpUseAuth;
-  wchar_t szHttpProxyUser[c_textCapacity];
-  wchar_t szHttpProxyPassword[c_textCapacity];  // clear
-  wchar_t szFtpProxyUser[c_textCapacity];
-  wchar_t szFtpProxyPassword[c_textCapacity];  // clear
-  std::int32_t bAlternateFtpUseAuth;
-  std::int32_t bAlternateHttpUseAuth;
-  wchar_t szAlternateHttpProxyUser[c_textCapacity];
+  wchar_t szName[c_textCapacity];     // what people call the proxies
+  wchar_t szHttpProxyServer[c_textCapacity];  // host of the HTTP proxy
+  std::int32_t iHttpProxyPort;                // its port; 0 when there is none
+  wchar_t szFtpProxyServer[c_textCapacity];   // host of the FTP proxy
+  std::int32_t iFtpProxyPort;                 // its port; 0 when there is none
+  std::int32_t bAllowUserToConfigureProxy;    // 0 or 1: the user may change the proxies
+  std::int32_t bBypassLocalAddress;           // 0 or 1: local addresses go without a proxy
+  std::int32_t bUseIEConfig;                  // 0 or 1: the system's own proxy settings count
+  std::int32_t iExclusionCount;               // hosts in szExclusionList
+  wchar_t szExclusionList[c_exclusionListCapacity];      // host names with ";" between them
+  std::int32_t bFtpUseAuth;                              // 0 or 1: the FTP proxy wants a user
+  std::int32_t bHttpUseAuth;                             // 0 or 1: the HTTP proxy wants a user
+  wchar_t szHttpProxyUser[c_textCapacity];               // user of the HTTP proxy
+  wchar_t szHttpProxyPassword[c_textCapacity];           // clear
+  wchar_t szFtpProxyUser[c_textCapacity];                // user of the FTP proxy
+  wchar_t szFtpProxyPassword[c_textCapacity];            // clear
+  std::int32_t bAlternateFtpUseAuth;                     // 0 or 1: the FTP proxy has a second user
+  std::int32_t bAlternateHttpUseAuth;                    // 0 or 1: the HTTP proxy has a second user
+  wchar_t szAlternateHttpProxyUser[c_textCapacity];      // second user of the HTTP proxy
   wchar_t szAlternateHttpProxyPassword[c_textCapacity];  // clear
-  wchar_t szAlternateFtpProxyUser[c_textCapacity];
-  wchar_t szAlternateFtpProxyPassword[c_textCapacity];  // clear
+  wchar_t szAlternateFtpProxyUser[c_textCapacity];       // second user of the FTP proxy
+  wchar_t szAlternateFtpProxyPassword[c_textCapacity];   // clear
 };
 
+// One entry of a list: what every kind has, and the record of its kind.
 struct tag_Site {
   std::int32_t bEnabled;    // 0 or 1
   std::int32_t bVestaSite;  // 1 for VestaSite and KeystoneSite, else 0
@@ -105,8 +111,8 @@ struct tag_Site {
   std::int32_t bLocal;      // 0 or 1
   std::int32_t iOrder;      // position in the search order; 65535: a fallback without an order
   std::int32_t eSiteKind;   // a SiteKind
-  wchar_t szType[c_textCapacity];
-  tag_Site* pNext;  // null at the end
+  wchar_t szType[c_textCapacity];  // "master", "repository", "mirror", "fallback" or any other
+  tag_Site* pNext;                 // null at the end
   union {
     tag_HttpSite http;    // SITE_KIND_HTTP
     tag_FtpSite ftp;      // SITE_KIND_FTP

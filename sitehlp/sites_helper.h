@@ -18,15 +18,21 @@ class AnXmlNode;
 
 namespace sitehlp {
 
-// File names, lock names and delimiters shared with the agent's other processes.
+// File names, lock names and delimiters are shared with the agent's other processes.
+// This one is the agent's own list, in its "etc" directory.
 constexpr const wchar_t* c_sitelistName = L"SiteList.xml";
+// The server's list as handed over in memory, in the data directory.
 constexpr const wchar_t* c_serverSitelistName = L"ServerSiteList.xml";
-constexpr const char* c_siteListLock = "SiteListLock";
-constexpr const char* smartSiteListLock = "SmartSiteListLock";
-constexpr const wchar_t* c_proxyParamDelimiter = L";";
+constexpr const char* c_siteListLock = "SiteListLock";          // guards the files
+constexpr const char* smartSiteListLock = "SmartSiteListLock";  // guards the cached list
+constexpr const wchar_t* c_proxyParamDelimiter = L";";          // between excluded hosts
+// In front of a macro.
 constexpr const wchar_t* c_agentEnvMacroStartDelimiter = L"<";
+// Behind a macro.
 constexpr const wchar_t* c_agentEnvMacroEndDelimiter = L">";
+// In front of a macro in records.
 constexpr const wchar_t* c_agentEnvMacroStartDelimiterExpanded = L"%%lt%%";
+// Behind a macro in records.
 constexpr const wchar_t* c_agentEnvMacroEndDelimiterExpanded = L"%%gt%%";
 
 // Splits `text` at its last ":" into host and decimal port. Returns whether there is a ":"; without
@@ -150,9 +156,13 @@ class SITEHLP_API CSitesHelper {
   // The writers of one record each, used by CreateSiteList on the document that it is making:
   // position 0 puts the element into the anchor element, any other behind it. Always 0.
   int AddHTTPSite(tag_Site* site, int position);
+  // As AddHTTPSite.
   int AddFTPSite(tag_Site* site, int position);
+  // As AddHTTPSite.
   int AddUNCSite(tag_Site* site, int position);
+  // As AddHTTPSite.
   int AddLocalSite(tag_Site* site, int position);
+  // As AddHTTPSite.
   int AddProxySite(tag_Site* site, int position);
 
   // Turns the expanded macro delimiters in a buffer back into "<" and ">", cut to `capacity` - 1
@@ -227,6 +237,7 @@ class SITEHLP_API CSitesHelper {
   // SourceSiteListCheck or GetSitelistVersions returned; or -1 when the key files or the list could
   // not be written. Until the list itself is written, the old one stays.
   int InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
+  // As InstallSiteList, with the checks.
   int ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
   // The common part, for a list that was read from `srcPath`.
   int InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
@@ -339,6 +350,7 @@ class SITEHLP_API CSitesHelper {
   // Copies attributes and text; "Order" becomes `order`, or is left out for 0, and "Type" becomes
   // `type` unless that is null or empty.
   void copyXmlAttributesAlter(AnXmlNode& source, AnXmlNode& target, int order, const wchar_t* type);
+  // Copies attributes and text as they are.
   void copyXmlAttributes(AnXmlNode& source, AnXmlNode& target);
   // Copies the child elements with attributes and text, but nothing below them.
   void copyXmlSubNodes(AnXmlNode& source, AnXmlNode& target);
@@ -349,22 +361,27 @@ class SITEHLP_API CSitesHelper {
   static bool createServerSiteListFromSiteList(const wchar_t* sourceDir, const wchar_t* targetDir);
 
  protected:
+  // What an instance keeps between calls, for classes that are derived from it. This is the path of
+  // its own file, empty without one.
   std::wstring m_strSiteListFile;
-  std::wstring m_strCurrentFile;
-  std::wstring m_strLocalVersion;
-  std::wstring m_strGlobalVersion;
-  std::wstring m_strSiteListType;
-  std::wstring m_strReserved;
+  std::wstring m_strCurrentFile;    // path of the file read last
+  std::wstring m_strLocalVersion;   // of its own file when it was made
+  std::wstring m_strGlobalVersion;  // of its own file when it was made
+  std::wstring m_strSiteListType;   // of its own file; "Client" without one
+  std::wstring m_strReserved;       // not used
+  // The anchor that the writers of records chain their elements through; of meaning only while a
+  // list is written.
   AdvXMLParser::Element* m_pSiteListElement;
-  std::map<std::wstring, std::wstring> m_policySettings;
-  std::int32_t m_iManagedOverride;
-  std::int32_t m_iReserved;
-  std::int32_t m_bUseDecryptData;
+  std::map<std::wstring, std::wstring> m_policySettings;  // as read last, and as set since
+  std::int32_t m_iManagedOverride;                        // as SetManagedOverride was told
+  std::int32_t m_iReserved;                               // not used
+  std::int32_t m_bUseDecryptData;                         // 1: passwords under the server's key
 
  public:
-  // The list cached in this process, and its change counter. They belong to the class; see
+  // The list cached in this process; null without one. It belongs to the class; see
   // SmartReadSiteList.
   static tag_Site* m_pSiteList;
+  // How often it was marked as changed, counted from 1 when it is read.
   static std::int32_t m_iChange;
 };
 

@@ -14,10 +14,10 @@
 // the host and the disk. All calls may come from any thread.
 namespace host {
 
-// A result is 0 or more, or the negated errno of the failure. No call is ever interrupted by a
-// signal. A path that is not absolute counts from `directory`, an open directory or AT_FDCWD; a
-// path with a zero byte in it gives -EINVAL. Descriptors are closed when another program is
-// started.
+// One call a member. A result is 0 or more, or the negated errno of the failure. No call is ever
+// interrupted by a signal. A path that is not absolute counts from `directory`, an open directory
+// or AT_FDCWD; a path with a zero byte in it gives -EINVAL. Descriptors are closed when another
+// program is started.
 class PLATFORM_API FileSystem {
  public:
   FileSystem() = default;
@@ -27,8 +27,9 @@ class PLATFORM_API FileSystem {
 
   // A new descriptor. `flags` are those of open(2).
   virtual int open(int directory, const std::string& path, int flags, mode_t mode) = 0;
-  // The number of bytes moved, which may be fewer than asked for; 0 from read is the end.
+  // The number of bytes read, which may be fewer than asked for; 0 is the end.
   virtual ssize_t read(int fd, void* data, std::size_t size) = 0;
+  // The number of bytes written, which may be fewer than asked for.
   virtual ssize_t write(int fd, const void* data, std::size_t size) = 0;
   // Returns once the file or directory is on stable storage.
   virtual int sync(int fd) = 0;
@@ -36,12 +37,16 @@ class PLATFORM_API FileSystem {
   virtual int close(int fd) = 0;
   // flock(2); waits for ever unless `operation` has LOCK_NB.
   virtual int lock(int fd, int operation) = 0;
+  // fchmod(2).
   virtual int chmod(int fd, mode_t mode) = 0;
+  // fchown(2).
   virtual int chown(int fd, uid_t owner, gid_t group) = 0;
+  // fstat(2).
   virtual int statOpen(int fd, struct stat& out) = 0;
 
-  // With `follow`, of what a symbolic link points to.
+  // fstatat(2); with `follow`, of what a symbolic link points to.
   virtual int stat(int directory, const std::string& path, bool follow, struct stat& out) = 0;
+  // What a symbolic link says, in whole.
   virtual int readLink(int directory, const std::string& path, std::string& target) = 0;
   // The names in an open directory, without "." and "..".
   virtual int list(int directory, std::vector<std::string>& names) = 0;
@@ -49,7 +54,9 @@ class PLATFORM_API FileSystem {
   virtual int rename(int directory, const std::string& from, const std::string& to) = 0;
   // Gives a file a second name in `directory`; -EEXIST when that name is taken.
   virtual int link(int directory, const std::string& from, const std::string& to) = 0;
+  // Removes a name; not that of a directory.
   virtual int unlink(int directory, const std::string& path) = 0;
+  // mkdir(2). A path that is not absolute counts from the current directory.
   virtual int makeDirectory(const std::string& path, mode_t mode) = 0;
   // 0 when the effective user may use the file in the given way (R_OK, W_OK).
   virtual int access(const std::string& path, int mode) = 0;

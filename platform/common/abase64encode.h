@@ -4,6 +4,7 @@
 #include "platform/common/abuffer.h"
 #include "platform/common/astring.h"
 
+// Base64 of the standard alphabet.
 class PLATFORM_API ABase64Encode {
  public:
   // The bytes that base64 text of the standard alphabet stands for. White space between the

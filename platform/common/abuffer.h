@@ -12,16 +12,23 @@
 class PLATFORM_API ABuffer {
  public:
   ABuffer() = default;
+  // A copy of `size` bytes. `data` may be null when `size` is 0. May throw std::bad_alloc.
   ABuffer(const unsigned char* data, std::size_t size);
+  // Copying may throw std::bad_alloc; a buffer that is assigned to is then as it was.
   ABuffer(const ABuffer&) = default;
+  // Moving leaves the other buffer empty.
   ABuffer(ABuffer&&) noexcept = default;
+  // Wipes what the buffer held.
   ABuffer& operator=(const ABuffer& other);
+  // Wipes what the buffer held, and leaves the other one empty.
   ABuffer& operator=(ABuffer&& other) noexcept;
+  // Wipes the bytes.
   ~ABuffer();
 
+  // The first byte; valid until the buffer changes, and not to be read when it is empty.
   const unsigned char* data() const { return m_bytes.data(); }
-  std::size_t size() const { return m_bytes.size(); }
-  bool empty() const { return m_bytes.empty(); }
+  std::size_t size() const { return m_bytes.size(); }  // in bytes
+  bool empty() const { return m_bytes.empty(); }       // whether there are none
 
  private:
   void wipe() noexcept;

@@ -20,15 +20,17 @@ PLATFORM_API void splitPath(const std::wstring& path, std::wstring* directory, s
 // A directory and a file name joined with the platform's separator.
 class PLATFORM_API APath {
  public:
+  // As joinPath. May throw std::bad_alloc.
   APath(const AString& directory, const AString& name);
 
-  const AString& str() const { return m_path; }
-  const wchar_t* c_str() const { return m_path.c_str(); }
+  const AString& str() const { return m_path; }            // valid as long as the object
+  const wchar_t* c_str() const { return m_path.c_str(); }  // the same, zero-terminated
 
  private:
   AString m_path;
 };
 
+// The content of files.
 class PLATFORM_API AFile {
  public:
   // Reads an existing regular file whole into `out`. On failure `out` is left as it was.
@@ -41,9 +43,15 @@ class PLATFORM_API AFile {
   static bool write(const AString& path, const ABuffer& data);
 };
 
+// Files and directories as such.
 class PLATFORM_API AFiler {
  public:
-  enum AFileAccess { accessExist = 0, accessRead = 1, accessWrite = 2 };
+  // What getFileAccessibility asks about.
+  enum AFileAccess {
+    accessExist = 0,  // whether the file is there
+    accessRead = 1,   // whether it may be read
+    accessWrite = 2   // whether it may be written
+  };
 
   // True when the file is gone afterwards: also when it was not there.
   static bool deleteFile(const AString& path);

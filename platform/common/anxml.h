@@ -57,6 +57,7 @@ class PLATFORM_API AnXmlNode {
   // The root element; a null handle when there is no document.
   explicit AnXmlNode(AnXml* document);
 
+  // Whether it refers to nothing.
   bool isNull() const { return m_handle == nullptr; }
 
   // Finds the first child element with that name (any name when none is given) whose `keyAttribute`
@@ -86,6 +87,7 @@ class PLATFORM_API AnXmlNode {
   // name the text of the element, which then stands before its child nodes.
   void setValue(const wchar_t* name, const AString& value);
 
+  // The name of the element. May throw std::bad_alloc.
   AString getName() const;
 
   // Finds a child as tryGetChild does, or adds one with that name and key behind the children of
@@ -141,6 +143,7 @@ class PLATFORM_API AnXmlChildIndex {
 // Walks the attributes of an element in document order. The element may be changed meanwhile.
 class PLATFORM_API AnXmlValueIndex {
  public:
+  // Stands before the first attribute until moveNext is called.
   explicit AnXmlValueIndex(const AnXmlNode& node);
 
   // Moves to the next attribute. False, with both outputs as they were, when there is none.

@@ -12,9 +12,9 @@
 // leaves the object as it was.
 class PLATFORM_API AString {
  public:
-  AString() = default;
+  AString() = default;                 // empty
   AString(const wchar_t* text);        // a null pointer counts as empty text
-  AString(const std::wstring& text);   // NOLINT(google-explicit-constructor): used as a text
+  AString(const std::wstring& text);   // a copy; a text stands wherever an AString is wanted
   explicit AString(const char* utf8);  // bytes that are not valid UTF-8 become U+FFFD
   explicit AString(int number);        // decimal, "-" in front of a negative number
 
@@ -26,9 +26,9 @@ class PLATFORM_API AString {
   AString& append(long number);
   AString& append(unsigned int number);
 
-  const std::wstring& str() const { return m_text; }
-  const wchar_t* c_str() const { return m_text.c_str(); }
-  bool empty() const { return m_text.empty(); }
+  const std::wstring& str() const { return m_text; }       // valid as long as the object
+  const wchar_t* c_str() const { return m_text.c_str(); }  // valid until the text changes
+  bool empty() const { return m_text.empty(); }            // whether there is no text
 
  private:
   std::wstring m_text;
@@ -38,11 +38,12 @@ class PLATFORM_API AString {
 // are read. Characters that are no Unicode scalar value become U+FFFD.
 class PLATFORM_API ACharString {
  public:
+  // The text converted. May throw std::bad_alloc.
   explicit ACharString(const std::wstring& text);
   explicit ACharString(const AString& text);
 
-  const std::string& str() const { return m_text; }
-  const char* c_str() const { return m_text.c_str(); }
+  const std::string& str() const { return m_text; }     // valid as long as the object
+  const char* c_str() const { return m_text.c_str(); }  // the same, zero-terminated
 
  private:
   std::string m_text;

@@ -9,12 +9,13 @@
 // messages of one process reach the sink one at a time. Nothing here throws or reports a failure: a
 // message that cannot be delivered is dropped.
 
+// How much a message matters; also, as a threshold, the lowest level that is delivered.
 enum class LogLevel : int {
   Detail = 0,         // progress, for the one who looks for a fault
   Info = 1,           // what an administrator should know
   Error = 2,          // a failed step that ended an operation
   InternalError = 3,  // a misuse of an interface
-  Off = 4
+  Off = 4             // as a threshold: nothing is delivered
 };
 
 // The lowest level that is delivered. Read it through logEnabled.
@@ -26,9 +27,14 @@ inline bool logEnabled(LogLevel level) {
   return static_cast<int>(level) >= g_logThreshold.load(std::memory_order_relaxed);
 }
 
+// Logs one message at the level in the name. Neither the component nor the text is kept. A null
+// component counts as empty.
 PLATFORM_API void logDetail(const wchar_t* component, const AString& text) noexcept;
+// As logDetail.
 PLATFORM_API void logInfo(const wchar_t* component, const AString& text) noexcept;
+// As logDetail.
 PLATFORM_API void logError(const wchar_t* component, const AString& text) noexcept;
+// As logDetail.
 PLATFORM_API void logInternalError(const wchar_t* component, const AString& text) noexcept;
 
 // Logs "Enter: <text>" when it is made and "Leave: <text>" when it is destroyed, both at its level.
@@ -39,6 +45,7 @@ class PLATFORM_API AScopeTrace {
   AScopeTrace& operator=(const AScopeTrace&) = delete;
 
  protected:
+  // Made by ADetailTrace and AnInfoTrace alone.
   AScopeTrace(LogLevel level, const wchar_t* component, const wchar_t* text)
       : m_text(logEnabled(level) ? text : nullptr) {
     if (m_text) enter(level, component);
@@ -56,14 +63,18 @@ class PLATFORM_API AScopeTrace {
   LogLevel m_level;
 };
 
+// A trace at detail level.
 class PLATFORM_API ADetailTrace : public AScopeTrace {
  public:
+  // Logs that `text` is entered.
   ADetailTrace(const wchar_t* component, const wchar_t* text)
       : AScopeTrace(LogLevel::Detail, component, text) {}
 };
 
+// A trace at info level.
 class PLATFORM_API AnInfoTrace : public AScopeTrace {
  public:
+  // Logs that `text` is entered.
   AnInfoTrace(const wchar_t* component, const wchar_t* text)
       : AScopeTrace(LogLevel::Info, component, text) {}
 };

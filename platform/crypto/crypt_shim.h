@@ -10,6 +10,7 @@ namespace korvel_com {
 namespace ZQ {
 namespace crypto {
 
+// What an encryption object does, and under which key.
 enum EncryptionType {
   ENCRYPTION_TYPE_PASSWORD = 3,       // wide strings, both directions, under the agent's own key
   ENCRYPTION_TYPE_SERVER_BUFFER = 6,  // decrypts a byte buffer under the server's key
@@ -23,9 +24,12 @@ class PLATFORM_API IEncryption {
  public:
   virtual ~IEncryption() = default;
 
+  // Recovers the bytes that were encrypted under the server's key.
   virtual int decrypt_buffer(const AnObjectBuffer<unsigned char>& in,
                              AnObjectBuffer<unsigned char>& out) = 0;
+  // Protects a text. Two protections of one text differ.
   virtual int encrypt_string(const std::wstring& in, std::wstring& out) = 0;
+  // Recovers the text that encrypt_string protected.
   virtual int decrypt_string(const std::wstring& in, std::wstring& out) = 0;
 };
 

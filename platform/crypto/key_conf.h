@@ -7,11 +7,13 @@ namespace korvel_com {
 namespace ZQ {
 namespace crypto {
 
+// The size of the server's keys.
 enum KeySize {
-  KEY_SIZE_LEGACY = 0,
-  KEY_SIZE_2048 = 1,
+  KEY_SIZE_LEGACY = 0,  // shorter than 2048 bits
+  KEY_SIZE_2048 = 1,    // 2048 bits
 };
 
+// The configuration of the agent's keys.
 class PLATFORM_API KeyConf {
  public:
   // The key size that the agent is configured for. Any thread; does not block once the agent's

@@ -19,8 +19,10 @@ namespace lock {
 
 struct LockImpl;
 
+// A reader's part of a lock.
 class PLATFORM_API InterProcessReadLock {
  public:
+  // The lock of that name, not locked. The name is copied. May throw std::bad_alloc.
   explicit InterProcessReadLock(const char* name);
   ~InterProcessReadLock();
   InterProcessReadLock(const InterProcessReadLock&) = delete;
@@ -30,14 +32,17 @@ class PLATFORM_API InterProcessReadLock {
   // is held afterwards. False when the time ran out, and when the lock cannot be had at all (the
   // lock's directory cannot be made, say), which is logged as an error and never waited for.
   bool lock(unsigned int waitMilliseconds);
+  // Lets the lock go. Never fails.
   void unlock() noexcept;
 
  private:
   std::unique_ptr<LockImpl> m_impl;
 };
 
+// A writer's part of a lock.
 class PLATFORM_API InterProcessWriteLock {
  public:
+  // As InterProcessReadLock.
   explicit InterProcessWriteLock(const char* name);
   ~InterProcessWriteLock();
   InterProcessWriteLock(const InterProcessWriteLock&) = delete;
@@ -45,6 +50,7 @@ class PLATFORM_API InterProcessWriteLock {
 
   // As InterProcessReadLock::lock.
   bool lock(unsigned int waitMilliseconds);
+  // Lets the lock go. Never fails.
   void unlock() noexcept;
 
  private:

@@ -18,12 +18,13 @@
 // XML name cannot have becomes "_".
 namespace AdvXMLParser {
 
+// The encodings of a file.
 enum UTF_ENCODINGS {
-  UTF_16LE = 0,
-  UTF_16BE = 1,
-  UTF_32LE = 2,
-  UTF_32BE = 3,
-  UTF_8 = 4,  // with an XML declaration and without a byte order mark
+  UTF_16LE = 0,  // low byte first
+  UTF_16BE = 1,  // high byte first
+  UTF_32LE = 2,  // low byte first
+  UTF_32BE = 3,  // high byte first
+  UTF_8 = 4,     // with an XML declaration and without a byte order mark
 };
 
 // A text began as markup but is not well formed, or has a DOCTYPE, which no site list has.
@@ -31,12 +32,13 @@ class PLATFORM_API ParsingException : public std::exception {
  public:
   // `line` and `column` count from 1.
   ParsingException(unsigned long line, unsigned long column, std::string reason);
-  ParsingException(const ParsingException&);
+  ParsingException(const ParsingException&);  // may throw std::bad_alloc
   ~ParsingException() override;
 
-  unsigned long GetLine() const { return m_line; }
-  unsigned long GetColumn() const { return m_column; }
-  const std::string& GetReason() const { return m_reason; }
+  unsigned long GetLine() const { return m_line; }           // of the fault, from 1
+  unsigned long GetColumn() const { return m_column; }       // of the fault, from 1
+  const std::string& GetReason() const { return m_reason; }  // without the place
+  // The reason and the place; valid as long as the exception.
   const char* what() const noexcept override { return m_what.c_str(); }
 
  private:
@@ -51,24 +53,26 @@ class PLATFORM_API ParsingException : public std::exception {
 // library.
 class PLATFORM_API ReadWriteException : public std::exception {
  public:
+  // What GetErrorCode answers.
   enum : int {
-    READ_FAILED = -101,
-    WRITE_FAILED = -102,
-    INVALID_ENCODING = -103,
-    LIMIT_EXCEEDED = -104,
+    READ_FAILED = -101,       // the file could not be read
+    WRITE_FAILED = -102,      // the file could not be written
+    INVALID_ENCODING = -103,  // the bytes are not valid in their encoding
+    LIMIT_EXCEEDED = -104,    // the document is too large, too deep or too rich
   };
 
   // `systemError` is the errno of a failed system call, else 0. `line` and `column` count from 1
   // and are 0 where no place in a document is meant.
   ReadWriteException(int errorCode, int systemError, std::string reason, unsigned long line = 0,
                      unsigned long column = 0);
-  ReadWriteException(const ReadWriteException&);
+  ReadWriteException(const ReadWriteException&);  // may throw std::bad_alloc
   ~ReadWriteException() override;
 
-  int GetErrorCode() const { return m_errorCode; }
-  int GetSystemError() const { return m_systemError; }
-  unsigned long GetLine() const { return m_line; }
-  unsigned long GetColumn() const { return m_column; }
+  int GetErrorCode() const { return m_errorCode; }      // one of the codes above
+  int GetSystemError() const { return m_systemError; }  // an errno, or 0
+  unsigned long GetLine() const { return m_line; }      // from 1, or 0
+  unsigned long GetColumn() const { return m_column; }  // from 1, or 0
+  // The reason; valid as long as the exception.
   const char* what() const noexcept override { return m_reason.c_str(); }
 
  private:
@@ -115,26 +119,27 @@ class Document;
 // What attributes and elements have in common: a name and a value.
 class PLATFORM_API Node {
  public:
-  bool IsNull() const { return m_handle == nullptr; }
+  bool IsNull() const { return m_handle == nullptr; }  // whether it refers to nothing
 
  protected:
-  Node() = default;
-  explicit Node(void* handle) : m_handle(handle) {}
+  Node() = default;                                  // a null handle
+  explicit Node(void* handle) : m_handle(handle) {}  // one on a node of a tree
 
-  void* m_handle = nullptr;
+  void* m_handle = nullptr;  // the node, as the library that owns the tree knows it
 };
 
+// A handle on an attribute.
 class PLATFORM_API Attribute : public Node {
  public:
-  Attribute() = default;
+  Attribute() = default;  // a null handle
 
-  std::wstring GetName() const;
-  bool HasName(const wchar_t* name) const;
+  std::wstring GetName() const;             // may throw std::bad_alloc
+  bool HasName(const wchar_t* name) const;  // false for a null handle
   // The position of the name among `count` others; `count` when it is not there.
   std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
 
-  std::wstring GetValue() const;
-  bool IsEmpty() const;  // no attribute, or an empty value
+  std::wstring GetValue() const;  // may throw std::bad_alloc
+  bool IsEmpty() const;           // no attribute, or an empty value
   // The value as UTF-8, for reading numbers. Points into the tree; never null.
   const char* GetNarrowValue() const;
   // Writes the value and a terminator when they fit into `capacity` characters and returns true;
@@ -154,12 +159,12 @@ class PLATFORM_API Attribute : public Node {
 // without the text of its child elements.
 class PLATFORM_API NodeContainer : public Node {
  public:
-  std::wstring GetName() const;
-  bool HasName(const wchar_t* name) const;
+  std::wstring GetName() const;             // may throw std::bad_alloc
+  bool HasName(const wchar_t* name) const;  // false for a null handle
   // As Attribute::FindName.
   std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
 
-  std::wstring GetValue() const;
+  std::wstring GetValue() const;  // may throw std::bad_alloc
   // The value as UTF-8, for reading numbers. Replaces what `value` held.
   void GetNarrowValue(std::string& value) const;
   // As Attribute::CopyValue.
@@ -170,16 +175,18 @@ class PLATFORM_API NodeContainer : public Node {
   void AddText(const std::wstring& text);
 
  protected:
-  NodeContainer() = default;
-  explicit NodeContainer(void* handle) : Node(handle) {}
+  NodeContainer() = default;                              // a null handle
+  explicit NodeContainer(void* handle) : Node(handle) {}  // one on a node of a tree
 };
 
+// A handle on an element.
 class PLATFORM_API Element : public NodeContainer {
  public:
-  Element() = default;
+  Element() = default;  // a null handle
 
   // The attribute of that name; a null handle when there is none.
   Attribute GetAttribute(const wchar_t* name) const;
+  // The attributes in document order.
   AttributeRange Attributes() const;
 
   // The first child element of that name; a null handle when there is none.
@@ -202,45 +209,51 @@ class PLATFORM_API Element : public NodeContainer {
   explicit Element(void* handle) : NodeContainer(handle) {}
 };
 
-// for (Attribute a : element.Attributes())
+// The attributes of an element: `for (Attribute a : element.Attributes())`. Valid as long as the
+// element is not changed.
 class PLATFORM_API AttributeRange {
  public:
+  // Stands on one attribute, or behind the last.
   class PLATFORM_API iterator {
    public:
-    explicit iterator(void* handle) : m_handle(handle) {}
-    Attribute operator*() const { return Attribute(m_handle); }
-    iterator& operator++();
+    explicit iterator(void* handle) : m_handle(handle) {}        // made by begin and end
+    Attribute operator*() const { return Attribute(m_handle); }  // that attribute
+    iterator& operator++();                                      // goes to the next
+    // Whether the two stand in different places.
     bool operator!=(const iterator& other) const { return m_handle != other.m_handle; }
 
    private:
     void* m_handle;
   };
 
-  explicit AttributeRange(void* first) : m_first(first) {}
-  iterator begin() const { return iterator(m_first); }
-  iterator end() const { return iterator(nullptr); }
+  explicit AttributeRange(void* first) : m_first(first) {}  // made by Element alone
+  iterator begin() const { return iterator(m_first); }      // on the first attribute
+  iterator end() const { return iterator(nullptr); }        // behind the last attribute
 
  private:
   void* m_first;
 };
 
-// for (Element child : element.Elements())
+// The child elements of an element: `for (Element child : element.Elements())`. Valid as long as
+// the element is not changed.
 class PLATFORM_API ElementRange {
  public:
+  // Stands on one element, or behind the last.
   class PLATFORM_API iterator {
    public:
-    explicit iterator(void* handle) : m_handle(handle) {}
-    Element operator*() const { return Element(m_handle); }
-    iterator& operator++();
+    explicit iterator(void* handle) : m_handle(handle) {}    // made by begin and end
+    Element operator*() const { return Element(m_handle); }  // that element
+    iterator& operator++();                                  // goes to the next
+    // Whether the two stand in different places.
     bool operator!=(const iterator& other) const { return m_handle != other.m_handle; }
 
    private:
     void* m_handle;
   };
 
-  explicit ElementRange(void* first) : m_first(first) {}
-  iterator begin() const { return iterator(m_first); }
-  iterator end() const { return iterator(nullptr); }
+  explicit ElementRange(void* first) : m_first(first) {}  // made by Element alone
+  iterator begin() const { return iterator(m_first); }    // on the first element
+  iterator end() const { return iterator(nullptr); }      // behind the last element
 
  private:
   void* m_first;
@@ -248,6 +261,7 @@ class PLATFORM_API ElementRange {
 
 struct DocumentTree;
 
+// Owns a document.
 class PLATFORM_API Document {
  public:
   // A new document with an XML declaration and this root. May throw std::bad_alloc.
@@ -256,6 +270,7 @@ class PLATFORM_API Document {
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
 
+  // The root element; valid as long as the document.
   Element GetRoot() const;
 
   // The whole document as text. `indent` puts each element on a line of its own; without it nothing
@@ -269,6 +284,7 @@ class PLATFORM_API Document {
   std::unique_ptr<DocumentTree> m_tree;
 };
 
+// Makes documents of text. It has no state.
 class PLATFORM_API Parser {
  public:
   // Parses `length` characters. The caller owns the result. Null when the text holds no markup at

@@ -26,14 +26,10 @@ TEST_F(CliDryRun, SaysWhatAnEmptyAgentWouldGet) {
             "What would change in " + ownList() +
                 "\n\n"
                 "Versions\n"
-                "  global version  (none) -> 20260101000000\n"
-                "  local version   (none) -> 20260102000000\n"
-                "  type            (none) -> Client\n\n"
-                "Sites\n  added    http depot\n  0 unchanged\n\n"
-                "Certificates\n  0 unchanged\n\n"
-                "Policy settings\n  0 unchanged\n\n"
-                "Key files\n  none\n\n"
-                "FIPS marker\n  none comes with the list\n\n"
+                "  changed    globalVersion: (none) -> 20260101000000\n"
+                "  changed    localVersion: (none) -> 20260102000000\n"
+                "  changed    type: (none) -> Client\n\n"
+                "Sites\n  added      http depot  (depot.example:8080 Current)\n\n"
                 "Nothing was written.\n");
   EXPECT_FALSE(exists(ownList()));
 }
@@ -46,10 +42,12 @@ TEST_F(CliDryRun, TellsAddedRemovedAndChangedSitesApart) {
       preview(document(httpSite("same", "1", protectedText("one")) + httpSite("moved", "7") +
                        httpSite("new") + httpSite("repassworded", "3", protectedText("fresh"))));
   EXPECT_THAT(out, HasSubstr("Sites\n"
-                             "  changed  http moved: order\n"
-                             "  added    http new\n"
-                             "  changed  http repassworded: password\n"
-                             "  removed  http gone\n"
+                             "  reordered  http moved\n"
+                             "               order               2 -> 7\n"
+                             "  added      http new  (depot.example:8080 Current)\n"
+                             "  changed    http repassworded\n"
+                             "               password            ******** -> another\n"
+                             "  removed    http gone  (depot.example:8080 Current)\n"
                              "  1 unchanged\n"));
   EXPECT_THAT(out, Not(HasSubstr("fresh")));
 }
@@ -62,7 +60,10 @@ TEST_F(CliDryRun, ShowsTheExchangeOfTheDefaultRepositories) {
   setOwnList(document(vendor("FTPSite", "f", "ftp.wex.example:21", 1) +
                       vendor("HttpSite", "h", "update.wex.example:80", 2)));
   const std::string out = preview(readFile(ownList()));
-  EXPECT_THAT(out, HasSubstr("  changed  ftp f: order\n  changed  http h: order\n  0 unchanged"));
+  EXPECT_THAT(out, HasSubstr("  reordered  ftp f\n"
+                             "               order               1 -> 2\n"
+                             "  reordered  http h\n"
+                             "               order               2 -> 1\n\n"));
 }
 
 TEST_F(CliDryRun, TellsVersionsCertificatesAndPoliciesApart) {
@@ -77,11 +78,13 @@ TEST_F(CliDryRun, TellsVersionsCertificatesAndPoliciesApart) {
                       "GlobalVersion=\"1\" LocalVersion=\"2\""));
   const std::string out = preview(document(httpSite("depot"), bundle(pem) + policies("new", "2"),
                                            "GlobalVersion=\"1\" LocalVersion=\"3\""));
-  EXPECT_THAT(out, HasSubstr("  global version  1 (unchanged)\n  local version   2 -> 3\n"));
-  EXPECT_THAT(out, HasSubstr("  added    O = Tui Instruments, CN = Test authority\n"
-                             "  removed  a text that is not readable as a certificate\n"
-                             "  0 unchanged\n"));
-  EXPECT_THAT(out, HasSubstr("  added    new = 2\n  removed  old\n  1 unchanged\n"));
+  EXPECT_THAT(out, HasSubstr("Versions\n  changed    localVersion: 2 -> 3\n  2 unchanged\n"));
+  EXPECT_THAT(out, HasSubstr("  added      O = Tui Instruments, CN = Test authority\n"
+                             "               SHA-256 " +
+                             std::string(c_certificateFingerprint).substr(0, 35) +
+                             "...\n"
+                             "  removed    a text that is not readable as a certificate\n"));
+  EXPECT_THAT(out, HasSubstr("  added      new = 2\n  removed    old = 1\n  1 unchanged\n"));
 }
 
 TEST_F(CliDryRun, TellsWhichKeyFilesWouldBeWritten) {
@@ -93,12 +96,12 @@ TEST_F(CliDryRun, TellsWhichKeyFilesWouldBeWritten) {
   write("in/req2048seckey.bin", "request 2048");
   write("in\\agentfipsmode", "marker");
   EXPECT_THAT(preview(document(serverSite({{"Version", "5.9"}}))),
-              HasSubstr("Key files\n"
-                        "  written  srpubkey.bin (replaces another)\n"
-                        "  written  reqseckey.bin (as it is)\n"
-                        "  written  sr2048pubkey.bin (new)\n"
-                        "  written  req2048seckey.bin (new)\n\n"
-                        "FIPS marker\n  written  etc\\agentfipsmode (new)\n"));
+              HasSubstr("Files beside the list\n"
+                        "  changed    srpubkey.bin\n"
+                        "  added      sr2048pubkey.bin\n"
+                        "  added      req2048seckey.bin\n"
+                        "  added      etc\\agentfipsmode\n"
+                        "  1 unchanged\n"));
 }
 
 TEST_F(CliDryRun, TellsThatAStaleRequestKeyWouldGo) {
@@ -107,9 +110,9 @@ TEST_F(CliDryRun, TellsThatAStaleRequestKeyWouldGo) {
   const auto before = agentFiles();
   const std::string path = write("in/list.xml", document(httpSite("depot")));
   const Output output = sitelist({"import", "--dry-run", "--keys", file("keys"), path});
-  EXPECT_THAT(output.out, HasSubstr("Key files\n"
-                                    "  written  srpubkey.bin (new)\n"
-                                    "  deleted  reqseckey.bin\n"));
+  EXPECT_THAT(output.out, HasSubstr("Files beside the list\n"
+                                    "  added      srpubkey.bin\n"
+                                    "  removed    reqseckey.bin\n"));
   EXPECT_EQ(agentFiles(), before);
   ASSERT_EQ(sitelist({"import", "--keys", file("keys"), path}).status, 0);
   EXPECT_FALSE(exists(file("agent/etc/reqseckey.bin"))) << "the preview told what happens";

@@ -9,8 +9,8 @@ using testing::HasSubstr;
 class CliUsage : public CliTest {};
 
 const std::vector<std::string> c_commands = {
-    "init",     "show",   "versions", "servers", "certs",   "policies",
-    "validate", "import", "install",  "merge",   "rewrite", "protect",
+    "init",     "show",     "get",    "explain", "diff",  "versions", "servers", "certs",
+    "policies", "validate", "import", "install", "merge", "rewrite",  "modify",  "protect",
 };
 
 TEST_F(CliUsage, EveryCommandHasHelpWithAnExampleThatFitsATerminal) {

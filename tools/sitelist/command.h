@@ -10,6 +10,8 @@ namespace tool {
 void addInit(Command& app, Context& context);
 void addShow(Command& app, Context& context);
 void addGet(Command& app, Context& context);
+void addExplain(Command& app, Context& context);
+void addDiff(Command& app, Context& context);
 void addVersions(Command& app, Context& context);
 void addServers(Command& app, Context& context);
 void addCerts(Command& app, Context& context);

@@ -2,9 +2,11 @@
 #define TOOLS_SITELIST_INCOMING_H
 
 #include <string>
+#include <vector>
 
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/command.h"
+#include "tools/sitelist/diff.h"
 
 namespace tool {
 
@@ -22,9 +24,9 @@ int takeIncoming(Context& context, const IncomingOptions& options);
 // Says what taking the list would change, and changes nothing.
 int previewIncoming(Context& context, const IncomingOptions& options);
 
-// Says which key files and marker would come with the list, and that nothing was written.
-void previewFiles(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
-                  sitehlp::tag_Site* sites, const std::string& ownList);
+// What would become of the key files and the marker beside the agent's list.
+std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
+                                    sitehlp::tag_Site* sites, const std::string& ownList);
 
 // Fails because the key files could not be copied or the list could not be written.
 [[noreturn]] void failOwnFiles(const IncomingOptions& options, const std::string& ownList,

@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 
 #include "platform/common/afile.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/changes.h"
+#include "tools/sitelist/diff.h"
 #include "tools/sitelist/failure.h"
 #include "tools/sitelist/incoming.h"
 #include "tools/sitelist/site_list.h"
@@ -31,13 +30,10 @@ bool holds(const std::string& path, const ABuffer& bytes) {
          std::equal(found.data(), found.data() + found.size(), bytes.data());
 }
 
-void printFile(const Target& target, const std::string& name, const ABuffer& bytes) {
-  const std::string path = target.directory + "/" + name;
+FileChange changeOf(const std::string& directory, const std::string& name, const ABuffer& bytes) {
+  const std::string path = directory + "/" + name;
   std::error_code error;
-  const char* const note = holds(path, bytes)        ? " (as it is)"
-                           : fs::exists(path, error) ? " (replaces another)"
-                                                     : " (new)";
-  std::cout << "  written  " << name << note << '\n';
+  return {name, holds(path, bytes) ? "unchanged" : fs::exists(path, error) ? "changed" : "added"};
 }
 
 struct KeyFile {
@@ -47,8 +43,8 @@ struct KeyFile {
 };
 
 // The library's own steps, up to the first write.
-void printKeyFiles(CSitesHelper& helper, const IncomingOptions& options, tag_Site* sites,
-                   const Target& target) {
+std::vector<FileChange> keyFileChanges(CSitesHelper& helper, const IncomingOptions& options,
+                                       tag_Site* sites, const Target& target) {
   KeyFile publicKey{"srpubkey.bin", {}};
   KeyFile requestKey{"reqseckey.bin", {}};
   KeyFile publicKey2048{"sr2048pubkey.bin", {}};
@@ -60,47 +56,39 @@ void printKeyFiles(CSitesHelper& helper, const IncomingOptions& options, tag_Sit
       !helper.writable(wide(target.ownList))) {
     failIncoming(options, target.ownList, sitehlp::c_errorGeneral);
   }
-  std::cout << "\nKey files\n";
-  std::size_t count = 0;
+  std::vector<FileChange> changes;
   for (const KeyFile* key : {&publicKey, &requestKey, &publicKey2048, &requestKey2048}) {
     if (!key->isTaken) continue;
     if (!helper.writable(wide(target.directory + "/" + key->name))) {
       failIncoming(options, target.ownList, sitehlp::c_errorGeneral);
     }
-    printFile(target, key->name, key->bytes);
-    ++count;
+    changes.push_back(changeOf(target.directory, key->name, key->bytes));
   }
   const std::string stale = target.directory + "/" + requestKey.name;
   std::error_code error;
   if ((publicKey.isTaken || publicKey2048.isTaken) && !requestKey.isTaken &&
       !requestKey2048.isTaken && fs::exists(stale, error)) {
-    std::cout << "  deleted  " << requestKey.name << '\n';
+    changes.push_back({requestKey.name, "removed"});
   }
-  if (count == 0) std::cout << "  none\n";
-}
-
-void printMarker(const IncomingOptions& options, const Target& target) {
-  constexpr const wchar_t* marker = L"\\agentfipsmode";
-  std::wstring source;
-  splitPath(wide(options.file), &source, nullptr);
-  ABuffer bytes;
-  std::cout << "\nFIPS marker\n";
-  if (AFile::readExisting(source + marker, bytes)) {
-    const Target beside{target.ownList, fs::path(target.directory).parent_path().string()};
-    printFile(beside, fs::path(target.directory).filename().string() + narrow(marker), bytes);
-  } else {
-    std::cout << "  none comes with the list\n";
-  }
+  return changes;
 }
 
 }  // namespace
 
-void previewFiles(CSitesHelper& helper, const IncomingOptions& options, tag_Site* sites,
-                  const std::string& ownList) {
+std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions& options,
+                                    tag_Site* sites, const std::string& ownList) {
+  constexpr const wchar_t* marker = L"\\agentfipsmode";
   const Target target{ownList, fs::path(ownList).parent_path().string()};
-  printKeyFiles(helper, options, sites, target);
-  printMarker(options, target);
-  std::cout << "\nNothing was written.\n";
+  std::vector<FileChange> changes = keyFileChanges(helper, options, sites, target);
+  std::wstring source;
+  splitPath(wide(options.file), &source, nullptr);
+  ABuffer bytes;
+  if (AFile::readExisting(source + marker, bytes)) {
+    const fs::path directory = target.directory;
+    changes.push_back(changeOf(directory.parent_path().string(),
+                               directory.filename().string() + narrow(marker), bytes));
+  }
+  return changes;
 }
 
 int previewIncoming(Context& context, const IncomingOptions& options) {
@@ -109,7 +97,7 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   CSitesHelper helper(wide(ownList));
   tag_Site* list = nullptr;
   const int read = helper.MustReadSiteList(wide(options.file), &list);
-  const Sites sites(list);
+  Sites sites(list);
   if (read != 0) failIncoming(options, ownList, read);
   if (options.isChecked) {
     const int checked = helper.SourceSiteListCheck(sites.get(), helper.IsOrbManaged() != 0);
@@ -117,11 +105,12 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   }
   helper.AdjustSitesOrder(sites.get());
   const SiteList before = readSiteList(ownList);
-  const SiteList after = readSiteList(options.file);
-
-  std::cout << "What would change in " << shown(ownList) << '\n';
-  printChanges(before, after, sites.get());
-  previewFiles(helper, options, sites.get(), ownList);
+  SiteList after = readSiteList(options.file);
+  after.sites.reset(sites.release());
+  after.fipsMode.reset();  // the agent's own list never says it
+  Diff diff(before, after, false);
+  diff.add(fileChanges(helper, options, after.sites.get(), ownList));
+  context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;
 }
 

@@ -12,6 +12,8 @@ void addCommands(Command& app, Context& context) {
   addInit(app, context);
   addShow(app, context);
   addGet(app, context);
+  addExplain(app, context);
+  addDiff(app, context);
   addVersions(app, context);
   addServers(app, context);
   addCerts(app, context);

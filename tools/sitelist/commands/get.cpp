@@ -115,7 +115,7 @@ void addGet(Command& app, Context& context) {
   const auto options = std::make_shared<Options>();
   command
       .add_option("FIELD", options->field,
-                  "globalVersion, localVersion, type, fipsMode or policy.NAME;\n"
+                  "globalVersion, localVersion, type, fipsMode, policy.NAME;\n"
                   "with --site any field of the site's JSON form")
       .required()
       .type_name("");

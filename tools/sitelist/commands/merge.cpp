@@ -4,6 +4,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
+#include "tools/sitelist/diff.h"
 #include "tools/sitelist/failure.h"
 #include "tools/sitelist/site_list.h"
 #include "tools/sitelist/text.h"
@@ -15,6 +16,7 @@ struct Options {
   std::string first;
   std::string second;
   std::string output;
+  bool dryRun = false;
 };
 
 SiteList readSource(const std::string& path) {
@@ -52,7 +54,28 @@ void print(const std::string& path) {
   std::cout << bytes << '\n';
 }
 
+// What becomes of the list that the sites go into.
+int preview(Context& context, const Options& options) {
+  const PrivateAgent agent(context);
+  const std::string ownList = ownListPath(context);
+  const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
+  SiteList merged = mergeLists(ownList, options);
+  merged.path = options.output.empty() ? "the merged list" : options.output;
+  merged.localVersion = before.localVersion;  // it is the time of writing
+  merged.fipsMode.reset();                    // nor is this carried over
+  const Diff diff(before, merged, false);
+  context.report =
+      diff.report("What would change from " + shown(before.path), "Nothing was written.");
+  return exitSuccess;
+}
+
 int merge(Context& context, const Options& options) {
+  if (options.dryRun) return preview(context, options);
+  if (options.output.empty() && (context.json || context.format != "table")) {
+    throw Failure(exitUsage,
+                  "the merged list is a document of its own, in no other format\n  next: leave "
+                  "--format out, or name a file with --output");
+  }
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);
   writeSiteList(merged, agent.path());
@@ -76,6 +99,9 @@ void addMerge(Command& app, Context& context) {
       .add_option("--output", options->output,
                   "Where to write the result (default: standard output)")
       .type_name("FILE");
+  command.add_flag("--dry-run", options->dryRun,
+                   "Say what would change in the list that the sites go into,\n"
+                   "and write nothing");
   command.footer(
       "Without --second: the agent's own list, with the first list's fallback site\n"
       "put in and its management servers in place of the list's own.\n"

@@ -3,7 +3,6 @@
 
 #include "platform/common/afile.h"
 #include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/changes.h"
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/edit_failure.h"
 #include "tools/sitelist/failure.h"
@@ -57,12 +56,13 @@ int preview(Context& context, const Options& options) {
     fail(options, ownList);
   }
   const SiteList before = readSiteList(ownList);
-  const SiteList after = readSiteList(copy);
-  std::cout << "What would change in " << shown(ownList) << '\n';
-  printChanges(before, after, after.sites.get());
+  SiteList after = readSiteList(copy);
+  after.path = ownList;
   const SiteList incoming = readSiteList(options.incoming.file);
   CSitesHelper helper(wide(ownList));
-  previewFiles(helper, options.incoming, incoming.sites.get(), ownList);
+  Diff diff(before, after, false);
+  diff.add(fileChanges(helper, options.incoming, incoming.sites.get(), ownList));
+  context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;
 }
 
@@ -95,8 +95,8 @@ void addModify(Command& app, Context& context) {
   command.add_flag("--dry-run", options->incoming.dryRun,
                    "Say what would change, and write nothing");
   command.footer(
-      "Everything else in the document stays as it is, also what the agent does not read.\n"
-      "The key files beside SOURCE are installed in any case.\n"
+      "Everything else in the document stays as it is, also what the agent does not\n"
+      "read. The key files beside SOURCE are installed in any case.\n"
       "\n"
       "Examples:\n"
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"

@@ -129,7 +129,7 @@ void addShow(Command& app, Context& context) {
   command
       .add_option("--columns", options->columnList,
                   "Columns of the table, with commas between them: order,\nkind, type, name, "
-                  "address, path, state, or any field of the\nJSON form")
+                  "address, path, state, or any field\nof the JSON form")
       .type_name("LIST");
   command
       .add_option("--sort", options->selection.sort,

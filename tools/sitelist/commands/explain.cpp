@@ -1,0 +1,194 @@
+#include <iostream>
+#include <memory>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/proxy_choice.h"
+#include "tools/sitelist/search_order.h"
+#include "tools/sitelist/site_report.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string host;
+};
+
+Scalar orNull(const std::string& text) { return text.empty() ? Scalar() : Scalar(text); }
+
+Record rowOf(const Place& place, const ProxyChoice& proxy) {
+  const sitehlp::tag_Site& site = *place.site;
+  const Route route = proxy.routeTo(site);
+  return {{"place", place.number == 0 ? Scalar() : Scalar(std::int64_t{place.number})},
+          {"tried", place.number != 0},
+          {"kind", kindOf(site)},
+          {"name", narrow(nameOf(site))},
+          {"order", std::int64_t{site.iOrder}},
+          {"address", narrow(addressOf(site))},
+          {"path", narrow(pathOf(site))},
+          {"local", site.bLocal != 0},
+          {"reason", place.reason},
+          {"proxy", orNull(route.proxy)},
+          {"proxyReason", route.reason}};
+}
+
+std::string text(const Record& row, const char* name) { return shown(textOf(*find(row, name))); }
+
+std::string throughOf(const std::string& proxy, const std::string& reason) {
+  return (proxy.empty() ? "directly: " : "through " + proxy + ": ") + reason;
+}
+
+void printSite(std::ostream& out, const Screen& screen, const Record& row) {
+  const bool isTried = text(row, "tried") == "true";
+  std::string where = text(row, "address");
+  if (!text(row, "path").empty()) where += (where.empty() ? "" : "  ") + text(row, "path");
+  const std::string name =
+      text(row, "kind") + "  " + (text(row, "name").empty() ? "(no name)" : text(row, "name"));
+  out << (isTried ? text(row, "place") + ". " : "-  ")
+      << screen.styled(isTried ? Style::Heading : Style::Dim, name)
+      << (where.empty() ? "" : "  " + where) << "\n     why    " << text(row, "reason") << '\n';
+  if (!isTried) return;
+  if (text(row, "local") == "true") {
+    out << "     local  known to this agent alone; left out of the server's list\n";
+  }
+  out << "     goes   " << throughOf(text(row, "proxy"), text(row, "proxyReason")) << '\n';
+}
+
+void printProxySettings(std::ostream& out, const Screen& screen, const Record& facts) {
+  const std::string mode = text(facts, "proxyMode");
+  out << '\n' << screen.styled(Style::Heading, "Proxy") << '\n';
+  if (mode == "none") {
+    out << "  none: every site is reached directly\n";
+    return;
+  }
+  if (mode == "system") {
+    out << "  the system's own settings\n";
+  } else {
+    const auto line = [&](const char* label, const char* name) {
+      out << label << (text(facts, name).empty() ? "none" : text(facts, name)) << '\n';
+    };
+    line("  HTTP      ", "httpProxy");
+    line("  FTP       ", "ftpProxy");
+    line("  excluded  ", "exclusions");
+    out << "  local addresses "
+        << (text(facts, "bypassLocal") == "true" ? "bypass it\n" : "go through it as well\n");
+  }
+  if (text(facts, "userMayChange") == "true") out << "  the user may change these settings\n";
+}
+
+void printAll(std::ostream& out, const Screen& screen, const Record& facts,
+              const std::vector<Record>& rows) {
+  const bool isAnyTried = !rows.empty() && text(rows.front(), "tried") == "true";
+  out << (isAnyTried ? "The agent tries, in this order:\n" : "The agent has no site to try.\n");
+  bool isFirstOther = true;
+  for (const Record& row : rows) {
+    if (text(row, "tried") != "true" && isFirstOther) {
+      out << "\nNot tried:\n";
+      isFirstOther = false;
+    }
+    printSite(out, screen, row);
+  }
+  printProxySettings(out, screen, facts);
+}
+
+Record factsOf(const SiteList& list, const ProxyChoice& proxy) {
+  std::string exclusions;
+  for (const std::wstring& host : proxy.exclusions()) {
+    exclusions += (exclusions.empty() ? "" : ";") + narrow(host);
+  }
+  const sitehlp::tag_ProxySite* const settings = proxy.settings();
+  return {{"file", narrow(wide(list.path))},
+          {"proxyMode", proxy.mode()},
+          {"httpProxy", orNull(proxy.httpProxy())},
+          {"ftpProxy", orNull(proxy.ftpProxy())},
+          {"exclusions", exclusions},
+          {"bypassLocal", settings && settings->bBypassLocalAddress},
+          {"userMayChange", settings && settings->bAllowUserToConfigureProxy}};
+}
+
+Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
+  Report report;
+  report.facts = factsOf(list, proxy);
+  report.rowsName = "sites";
+  report.rowName = "site";
+  report.columns = {"place", "tried", "kind",   "name",  "order",      "address",
+                    "path",  "local", "reason", "proxy", "proxyReason"};
+  for (const Place& place : searchOrder(list.sites.get())) {
+    report.rows.push_back(rowOf(place, proxy));
+  }
+  report.table = [facts = report.facts, rows = report.rows](std::ostream& out,
+                                                            const Screen& screen) {
+    printAll(out, screen, facts, rows);
+  };
+  return report;
+}
+
+Report explainHost(const SiteList& list, const ProxyChoice& proxy, const std::string& host) {
+  Report report;
+  report.facts = factsOf(list, proxy);
+  report.facts.emplace_back("host", host);
+  report.rowsName = "routes";
+  report.rowName = "route";
+  report.columns = {"protocol", "bypassesProxy", "proxy", "reason"};
+  const auto add = [&](const char* protocol, const Route& route) {
+    report.rows.push_back({{"protocol", protocol},
+                           {"bypassesProxy", route.isDirect},
+                           {"proxy", orNull(route.proxy)},
+                           {"reason", route.reason}});
+  };
+  add("http", proxy.routeOverHttp(wide(host)));
+  add("ftp", proxy.routeOverFtp(wide(host)));
+  report.table = [rows = report.rows, host](std::ostream& out, const Screen&) {
+    for (const Record& row : rows) {
+      out << shown(host) << (text(row, "protocol") == "http" ? "  over HTTP  " : "  over FTP   ")
+          << throughOf(text(row, "proxy"), text(row, "reason")) << '\n';
+    }
+  };
+  return report;
+}
+
+int explain(Context& context, const Options& options) {
+  const AgentForReading agent(context, options.file);
+  const SiteList list = readWholeSiteList(agent.path());
+  const ProxyChoice proxy(list.sites.get());
+  if (!options.host.empty()) {
+    context.report = explainHost(list, proxy, options.host);
+    return proxy.routeOverHttp(wide(options.host)).isDirect ? exitSuccess : exitNegative;
+  }
+  context.report = explainSites(list, proxy);
+  const std::vector<Record>& rows = context.report->rows;
+  return !rows.empty() && text(rows.front(), "tried") == "true" ? exitSuccess : exitNegative;
+}
+
+}  // namespace
+
+void addExplain(Command& app, Context& context) {
+  Command command =
+      app.add_subcommand("explain", "Say which sites the agent tries, in which order, and why");
+  const auto options = std::make_shared<Options>();
+  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command
+      .add_option("--host", options->host,
+                  "Say only whether this host bypasses the proxy; exit with 0\n"
+                  "when it does over HTTP, with 1 when it does not")
+      .type_name("NAME");
+  command.footer(
+      "Sites are tried by ascending order; of two with the same order the one that the\n"
+      "list has first. Disabled sites and mirrors are not tried. A fallback without an\n"
+      "order comes last. An exclusion is a host name, in which * and ? stand for any\n"
+      "characters; case does not count. A local address is a name without a dot, or\n"
+      "this machine.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist explain\n"
+      "  sitelist explain incoming/SiteList.xml --format csv\n"
+      "  sitelist explain --host tokyo.example\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return explain(context, *options); };
+  });
+}
+
+}  // namespace tool

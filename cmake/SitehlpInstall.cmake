@@ -29,6 +29,10 @@ install(
 if(TARGET sitelist)
   set_target_properties(sitelist PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
   install(TARGETS sitelist RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  install(
+    FILES tools/sitelist/sitelist.schema.json
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/sitehlp
+    COMPONENT tool)
 endif()
 
 # All of platform/ is for everybody; of the other folders, the headers listed.

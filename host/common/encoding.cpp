@@ -10,8 +10,6 @@
 namespace host {
 namespace {
 
-constexpr std::uint32_t c_replacement = 0xFFFD;
-
 // Every character has exactly one byte that does not continue another, so this is the length of
 // valid text and no less than what can be decoded of any other.
 std::size_t countLeads(const char* utf8, std::size_t length) {

@@ -8,6 +8,9 @@
 // Conversions between UTF-8 and wide text (UTF-32), fast on plain ASCII.
 namespace host {
 
+// What takes the place of a character that cannot be converted.
+constexpr std::uint32_t c_replacement = 0xFFFD;
+
 // Whether a number is a Unicode scalar value: at most U+10FFFF and no surrogate.
 constexpr bool isScalar(std::uint32_t value) {
   return value < 0xD800 || (value > 0xDFFF && value <= 0x10FFFF);

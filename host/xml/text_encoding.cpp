@@ -10,7 +10,6 @@ namespace {
 using namespace AdvXMLParser;
 
 constexpr std::uint32_t c_byteOrderMark = 0xFEFF;
-constexpr std::uint32_t c_replacement = 0xFFFD;
 
 std::size_t unitSize(UTF_ENCODINGS encoding) {
   switch (encoding) {

@@ -3,6 +3,11 @@
 # documentation. The installed tree may be moved as a whole.
 include(CMakePackageConfigHelpers)
 
+if(PROJECT_IS_TOP_LEVEL)
+  set(doc_dir ${CMAKE_INSTALL_DOCDIR})
+else() # that one is named after the project that this is a part of
+  set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/sitehlp)
+endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sitehlp)
 
 if(APPLE)
@@ -59,7 +64,12 @@ install(
   COMPONENT development)
 configure_package_config_file(cmake/sitehlpConfig.cmake.in sitehlpConfig.cmake
                               INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(sitehlpConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(compatible SameMinorVersion)
+else()
+  set(compatible SameMajorVersion)
+endif()
+write_basic_package_version_file(sitehlpConfigVersion.cmake COMPATIBILITY ${compatible})
 install(
   FILES ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfig.cmake
         ${CMAKE_CURRENT_BINARY_DIR}/sitehlpConfigVersion.cmake
@@ -76,10 +86,10 @@ install(
 # With the folders of the source tree, so that the links from one text to another hold.
 install(
   FILES LICENSE README.md CHANGELOG.md SECURITY.md
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  DESTINATION ${doc_dir}
   COMPONENT documentation)
 install(
   DIRECTORY docs examples
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  DESTINATION ${doc_dir}
   COMPONENT documentation
   PATTERN *.in EXCLUDE)

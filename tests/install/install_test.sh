@@ -58,6 +58,68 @@ case $name in
       -Wl,-rpath,"$TREE/$LIBDIR" -o consumer
     ./consumer "$WORK"
     ;;
+  package_versions)
+    # Before 1.0.0 a version takes the place of an older one of the same minor version, afterwards of
+    # the same major version.
+    major=${VERSION%%.*}
+    minor=${VERSION#*.}
+    minor=${minor%%.*}
+    accepts() {
+      cat >ask.cmake <<END
+set(PACKAGE_FIND_VERSION $1)
+string(REPLACE "." ";" parts $1)
+list(LENGTH parts PACKAGE_FIND_VERSION_COUNT)
+list(APPEND parts 0 0)
+list(GET parts 0 PACKAGE_FIND_VERSION_MAJOR)
+list(GET parts 1 PACKAGE_FIND_VERSION_MINOR)
+list(GET parts 2 PACKAGE_FIND_VERSION_PATCH)
+set(CMAKE_SIZEOF_VOID_P 8)
+include($TREE/$LIBDIR/cmake/sitehlp/sitehlpConfigVersion.cmake)
+if(NOT PACKAGE_VERSION_COMPATIBLE)
+  message(FATAL_ERROR "refused")
+endif()
+END
+      cmake -P ask.cmake >/dev/null 2>&1
+    }
+    for version in "$VERSION" "$major.$minor" "$major.$minor.0"; do
+      accepts "$version" || fail "$VERSION does not stand for $version"
+    done
+    for version in "$major.$minor.999" "$major.$((minor + 1))" "$((major + 1)).0"; do
+      ! accepts "$version" || fail "$VERSION stands for $version"
+    done
+    if [ "$minor" -gt 0 ]; then
+      older=refused
+      ! accepts "$major.$((minor - 1))" || older=accepted
+      wanted=accepted
+      [ "$major" -gt 0 ] || wanted=refused
+      [ $older = $wanted ] || fail "$VERSION: an older minor version is $older"
+    fi
+    ;;
+  subproject)
+    # As one piece for each library and without optimisation: that takes a quarter of the time, and
+    # shows that the sources can be compiled so.
+    cmake -G Ninja -S "$source/subproject" -B build -DSITEHLP_SOURCE_DIR="$(cd "$source/../.." && pwd)" \
+      -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O0" \
+      -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 -DCMAKE_INSTALL_LIBDIR="$LIBDIR" \
+      >configure.log
+    cmake --build build --target consumer
+    ./build/consumer "$WORK"
+    installed() { (cd "$1" && find . ! -type d ! -path "./share/doc/*/reference/*" | LC_ALL=C sort); }
+    cmake --install build --prefix "$WORK/program" >install.log
+    [ "$(installed program)" = ./bin/consumer ] || fail "the part installs itself: $(installed program)"
+    # When it is asked to, it installs what it installs when it is alone.
+    cmake -DSITEHLP_INSTALL=ON build >configure.log
+    cmake --build build --target consumer
+    cmake --install build --prefix "$WORK/both" >install.log
+    rm both/bin/consumer
+    for component in runtime host development documentation; do
+      cmake --install "$BUILD" --prefix "$WORK/alone" --component $component >>install.log
+    done
+    installed alone >alone.list
+    installed both | diff alone.list - || fail "a part installs something else"
+    cmp "alone/$LIBDIR/pkgconfig/sitehlp.pc" "both/$LIBDIR/pkgconfig/sitehlp.pc" ||
+      fail "the pkg-config file of a part is another"
+    ;;
   guide)
     # The first guide's program and project, as they stand there, on the example list.
     guide=$source/../../docs/guide-first-import.md

@@ -1,0 +1,28 @@
+#!/bin/sh
+# Compares the binary interface of a shared library, which has to have debugging information, with a
+# recorded one: names, signatures, and the types that can be reached from them.
+#   compare_abi.sh LIBRARY RECORD            fails when they differ
+#   compare_abi.sh --update LIBRARY RECORD   writes the record
+set -eu
+
+if [ "$1" = --update ]; then
+  abidw --exported-interfaces-only --drop-undefined-syms --type-id-style hash --no-show-locs \
+    --no-corpus-path --no-comp-dir-path --no-elf-needed --no-parameter-names --out-file "$3" "$2"
+  exit
+fi
+
+# Without types there would be nothing to compare, and no difference.
+if ! readelf -S "$1" | grep -q '\.debug_info'; then
+  echo "$1 has no debugging information: compile it with -g"
+  exit 1
+fi
+# What abidiff calls harmless, a member of a union for one, is none to a program compiled before.
+status=0
+abidiff --no-show-locs --harmless "$2" "$1" || status=$?
+[ "$status" -eq 0 ] || cat <<END
+The binary interface is not the recorded one (status $status of abidiff). If that is meant, and it is an
+addition, record it:
+  tests/abi/compare_abi.sh --update $1 tests/abi/libsitehlp.abi
+If a program linked before would notice, raise SITEHLP_ABI, too: see docs/versioning.md.
+END
+exit "$status"

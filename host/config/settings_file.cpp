@@ -1,4 +1,4 @@
-#include <toml++/toml.h>
+#include "host/config/toml_parser.h"
 
 #include <cerrno>
 #include <sstream>

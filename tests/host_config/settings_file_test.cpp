@@ -158,6 +158,33 @@ TEST_F(SettingsFile, RefusesWhatIsNoToml) {
   EXPECT_THAT(fault("mesh.load_command = " + std::string(100000, '[')), StartsWith(file + ":1:"));
 }
 
+TEST_F(SettingsFile, RefusesKeysThatBeginWithNoKeyCharacter) {
+  for (const char* text :
+       {"[!]", "[ =", "[\x01]", "[mesh.!]", "mesh.! = 1", "[[!]]", "a = { ! }"}) {
+    EXPECT_THAT(fault(text), StartsWith(file + ":1:")) << text;
+  }
+}
+
+TEST_F(SettingsFile, RefusesCharactersBeyondAsciiInWhatIsNoString) {
+  for (const char* text : {"managed\u00E9 = true", "managed = \uFEFE true", "\u3001managed = true",
+                           "[m\u05D0]", "managed = true \u2028", "\"\" = 1 \u00E9"}) {
+    EXPECT_THAT(fault(text), StartsWith(file + ":1:")) << text;
+  }
+  EXPECT_THAT(fault("managed = true # \u00E9\nlog.level = '\u00E9'\u00E9"),
+              StartsWith(file + ":2:"));
+}
+
+TEST_F(SettingsFile, TakesAnyCharacterInStringsAndComments) {
+  for (const char* path : {"'/\u6F22\uFEFE'", "\"/\u6F22\uFEFE\"", "'''/\u6F22\uFEFE'''",
+                           "\"\"\"/\u6F22\uFEFE\"\"\""}) {
+    EXPECT_EQ(read(std::string("\uFEFF# \u00E9 ' \"\nmesh.site_list_path = ") + path + " # \u00E9")
+                  .meshSiteListPath,
+              "/\u6F22\uFEFE");
+  }
+  EXPECT_EQ(read("mesh.site_list_path = \"/a\\\"\u00E9\"").meshSiteListPath, "/a\"\u00E9");
+  EXPECT_EQ(read("mesh.site_list_path = '''/a''\u00E9'''").meshSiteListPath, "/a''\u00E9");
+}
+
 TEST_F(SettingsFile, MayBeAsLargeAsTheLimitAndNoLarger) {
   const std::string text = "managed = true\n#";
   EXPECT_TRUE(read(text + std::string(c_maxBytes - text.size(), 'x')).managed);

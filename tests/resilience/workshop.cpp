@@ -185,13 +185,12 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   add(data + "/ServerSiteList.xml", document(httpElement("oldserverlist")));
   add(scratchRoot() + "/etc/SiteList.xml", document(httpElement("oldscratch")));
   reset();
+  m_incomingText = wide(readFile(incoming()));
 
   const std::string byServer = host::sealServerPassword(c_canary);
   m_serverBuffer = document(repositories("served", byServer, "0") + proxies(sealed),
                             bundle("served"), versions("4"));
 }
-
-std::wstring Workshop::incomingText() const { return wide(readFile(incoming())); }
 
 void Workshop::add(const std::string& path, const std::string& bytes, mode_t mode) {
   m_initial[path] = {bytes, mode};

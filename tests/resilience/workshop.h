@@ -50,7 +50,7 @@ class Workshop {
   // The document that a server hands over, its passwords under the server's key.
   const std::string& serverBuffer() const { return m_serverBuffer; }
   // The incoming list as text.
-  std::wstring incomingText() const;
+  const std::wstring& incomingText() const { return m_incomingText; }
 
   State state() const;
   // What a writer may leave behind when it dies.
@@ -72,6 +72,7 @@ class Workshop {
   TempDir m_work;
   std::map<std::string, File> m_initial;
   std::string m_serverBuffer;
+  std::wstring m_incomingText;
 };
 
 // One public operation that writes files, with a result of 0 for success.

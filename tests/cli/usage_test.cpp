@@ -9,8 +9,9 @@ using testing::HasSubstr;
 class CliUsage : public CliTest {};
 
 const std::vector<std::string> c_commands = {
-    "init",     "show",     "get",    "explain", "diff",  "versions", "servers", "certs",
-    "policies", "validate", "import", "install", "merge", "rewrite",  "modify",  "protect",
+    "init",    "show",    "get",      "explain",  "diff",   "versions",
+    "servers", "certs",   "policies", "validate", "import", "install",
+    "merge",   "rewrite", "modify",   "protect",  "edit",
 };
 
 TEST_F(CliUsage, EveryCommandHasHelpWithAnExampleThatFitsATerminal) {
@@ -75,6 +76,12 @@ TEST_F(CliUsage, WrongUsageIsStatus2WithAMessageAndNoData) {
     EXPECT_NE(output.err, "") << testing::PrintToString(arguments);
   }
   EXPECT_THAT(bare({"--bogus"}).err, HasSubstr("--bogus"));
+}
+
+TEST_F(CliUsage, AWordBehindACommandIsAnArgumentAlsoWhenItNamesACommand) {
+  const Output output = bare({"show", "versions"});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_THAT(output.err, HasSubstr("versions: the file does not exist"));
 }
 
 TEST_F(CliUsage, GlobalOptionsMayStandBehindTheCommand) {

@@ -67,7 +67,10 @@ Option& Option::completes(Completion what) {
   return *this;
 }
 
+// With at most one command at each level, a word behind it is an argument, also when it is the name
+// of another command.
 Command Command::add_subcommand(const std::string& name, const std::string& description) {
+  m_app->require_subcommand(0, 1);
   return Command(m_app->add_subcommand(name, description), m_hints);
 }
 

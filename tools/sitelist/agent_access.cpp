@@ -51,6 +51,15 @@ void serveAgent(const Context& context) {
   recordLog(context.verbose);
 }
 
+void requirePasswordKey(const Context& context) {
+  std::error_code error;
+  if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
+    throw Failure(exitCrypto, shown(context.agentDirectory) +
+                                  "/keystore/password.key: the agent has no password key\n  next: "
+                                  "make the agent with `sitelist init`");
+  }
+}
+
 PrivateAgent::PrivateAgent(const Context& context, Relation relation)
     : m_directory(makeTemporaryDirectory()) {
   host::AgentSettings settings;
@@ -89,11 +98,7 @@ AgentForWriting::AgentForWriting(const Context& context, const std::string& file
   if (fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error)) {
     return;
   }
-  if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
-    throw Failure(exitCrypto, shown(context.agentDirectory) +
-                                  "/keystore/password.key: the agent has no password key\n  next: "
-                                  "make the agent with `sitelist init`");
-  }
+  requirePasswordKey(context);
   m_private.emplace(context);
   if (file.empty()) m_path = m_private->directory() + "/SiteList.xml";
 }

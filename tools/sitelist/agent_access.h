@@ -15,6 +15,9 @@ std::string ownListPath(const Context& context);
 // there is no such data directory: a command never makes an agent by accident.
 void serveAgent(const Context& context);
 
+// Fails when the agent that the command line names has no key for passwords.
+void requirePasswordKey(const Context& context);
+
 // Serves an agent in a temporary directory, which goes away with the object, so that nothing is
 // written into the real agent's directory and nobody's mesh service is told of anything. It stands
 // for the real agent as far as it can: managed or not, and with the real password key if there is

@@ -24,6 +24,7 @@ void addRewrite(Command& app, Context& context);
 void addProtect(Command& app, Context& context);
 void addFromBuffer(Command& app, Context& context);
 void addServerList(Command& app, Context& context);
+void addEdit(Command& app, Context& context);
 void addModify(Command& app, Context& context);
 void addDeriveServerList(Command& app, Context& context);
 

@@ -67,6 +67,13 @@ Option& Option::completes(Completion what) {
   return *this;
 }
 
+Option& Option::not_empty() {
+  m_option->check([](const std::string& value) {
+    return value.empty() ? std::string("the value is empty") : std::string();
+  });
+  return *this;
+}
+
 // With at most one command at each level, a word behind it is an argument, also when it is the name
 // of another command.
 Command Command::add_subcommand(const std::string& name, const std::string& description) {

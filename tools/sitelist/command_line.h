@@ -34,6 +34,8 @@ class Option {
   Option& type_name(const std::string& name);
   // The only values there are.
   Option& choices(const std::vector<std::string>& values);
+  // An empty value is wrong usage.
+  Option& not_empty();
   // What the completion of a shell offers as the value.
   Option& completes(Completion what);
 

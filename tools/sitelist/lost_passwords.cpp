@@ -33,21 +33,11 @@ struct GiveBack {
   }
 };
 
-bool opens(const std::wstring& protectedText) {
-  const std::unique_ptr<IEncryption, GiveBack> object(
-      CryptShim::instance()->create_encryption_object(
-          korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD));
-  std::wstring clear;
-  const bool isOpened = object && object->decrypt_string(protectedText, clear) != 0;
-  OPENSSL_cleanse(clear.data(), clear.size() * sizeof(wchar_t));
-  return isOpened;
-}
-
 bool holdsLostPassword(const Element& site) {
   for (const Element& child : site.Elements()) {
     if (isPassword(child)) {
       const std::wstring text = child.GetValue();
-      if (!text.empty() && !opens(text)) return true;
+      if (!text.empty() && !opensWithAgentKey(text)) return true;
     } else if (child.HasName(schema::WX_XML_PROXY_CONFIG) && holdsLostPassword(child)) {
       return true;
     }
@@ -62,6 +52,16 @@ std::string siteName(const Element& site) {
 }
 
 }  // namespace
+
+bool opensWithAgentKey(const std::wstring& protectedText) {
+  const std::unique_ptr<IEncryption, GiveBack> object(
+      CryptShim::instance()->create_encryption_object(
+          korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD));
+  std::wstring clear;
+  const bool isOpened = object && object->decrypt_string(protectedText, clear) != 0;
+  OPENSSL_cleanse(clear.data(), clear.size() * sizeof(wchar_t));
+  return isOpened;
+}
 
 std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
   std::wstring text;

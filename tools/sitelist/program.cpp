@@ -23,6 +23,7 @@ void addCommands(Command& app, Context& context) {
   addInstall(app, context);
   addMerge(app, context);
   addRewrite(app, context);
+  addEdit(app, context);
   addModify(app, context);
   addDeriveServerList(app, context);
   addFromBuffer(app, context);

@@ -57,6 +57,9 @@ struct Field {
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
 
+// Whether the key of the agent served opens the protected form of a password.
+bool opensWithAgentKey(const std::wstring& protectedText);
+
 // The names of the sites with a password that the key of the agent served does not open. The reader
 // gives such a password as an empty one.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);

@@ -1,0 +1,280 @@
+#include <memory>
+#include <utility>
+
+#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/edit/operations.h"
+#include "tools/sitelist/edit/session.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/password.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+  EditOptions list;
+  SiteName site;
+  std::vector<std::string> assignments;
+  std::string newName;
+  std::string place;
+  std::string other;
+  bool isPasswordFromInput = false;
+  std::string passwordFile;
+  std::string passwordField = "password";
+};
+
+using Edit = std::function<Outcome(ListEditor&)>;
+using Action = std::function<int(Context&, const Options&)>;
+
+// The edits that can be asked for.
+using Edits = std::vector<std::pair<Command, Action>>;
+
+Command addEdit(Command& edit, Edits& edits, const std::string& name,
+                const std::string& description, Action action) {
+  Command command = edit.add_subcommand(name, description);
+  command.fallthrough();
+  edits.emplace_back(command, std::move(action));
+  return command;
+}
+
+void addName(Command& command, Options& options) {
+  command.add_option("NAME", options.site.name, "The name of the site")
+      .required()
+      .type_name("")
+      .completes(Completion::Site);
+}
+
+void addKind(Command& command, Options& options) {
+  command
+      .add_option("--kind", options.site.kind,
+                  "The site's kind, where several share the name:\n" + kindNames())
+      .type_name("KIND")
+      .choices(kinds());
+}
+
+void addValues(Command& command, Options& options) {
+  command
+      .add_option("FIELD=VALUE", options.assignments,
+                  "A field as `sitelist show --json` names it, and its value")
+      .type_name("");
+  command.add_flag("--password-stdin", options.isPasswordFromInput,
+                   "Set the password to the first line of standard input");
+  command
+      .add_option("--password-file", options.passwordFile,
+                  "Set the password to the first line of the file")
+      .type_name("FILE")
+      .not_empty()
+      .completes(Completion::File);
+  command
+      .add_option("--password-field", options.passwordField,
+                  "The field that the password goes to\n(default: password)")
+      .type_name("FIELD")
+      .completes(Completion::Field);
+}
+
+int enable(Context& context, const Options& options, bool isEnabled) {
+  return performEdit(context, options.list,
+                     [&](ListEditor& list) { return enableSite(list, options.site, isEnabled); });
+}
+
+using EditValues = Outcome (*)(ListEditor&, const SiteName&, const std::vector<std::string>&,
+                               const GivenPassword&);
+
+int editValues(Context& context, const Options& options, EditValues edit) {
+  if (!options.isPasswordFromInput && options.passwordFile.empty()) {
+    return performEdit(context, options.list, [&](ListEditor& list) {
+      return edit(list, options.site, options.assignments, {});
+    });
+  }
+  if (options.isPasswordFromInput && !options.passwordFile.empty()) {
+    throw Failure(exitUsage,
+                  "--password-stdin and --password-file cannot stand together\n  next: give one "
+                  "of them");
+  }
+  Password password;
+  password.read(options.passwordFile);
+  // The key has to be there to stay: a private agent's would go away with it.
+  serveAgent(context);
+  if (options.list.dryRun || !isOwnList(context, options.list)) requirePasswordKey(context);
+  const std::wstring protectedText = protect(context, password);
+  return performEdit(context, options.list, [&](ListEditor& list) {
+    return edit(list, options.site, options.assignments,
+                {options.passwordField, &password.text(), &protectedText});
+  });
+}
+
+int set(Context& context, const Options& options) {
+  if (options.assignments.empty() && !options.isPasswordFromInput && options.passwordFile.empty()) {
+    throw Failure(exitUsage, "there is nothing to set\n  next: give FIELD=VALUE, or a password");
+  }
+  return editValues(context, options, setFields);
+}
+
+int move(Context& context, const Options& options) {
+  const bool isRelative = options.place == "before" || options.place == "after";
+  if (isRelative == options.other.empty()) {
+    throw Failure(exitUsage, isRelative
+                                 ? options.place +
+                                       ": before or after which site is not said\n"
+                                       "  next: name the other site behind it"
+                                 : "another site is named only behind before or after\n  next: "
+                                   "leave it out");
+  }
+  return performEdit(context, options.list, [&](ListEditor& list) {
+    return moveSite(list, options.site, options.place, options.other);
+  });
+}
+
+void addToggles(Command& edit, Edits& edits, Options& options) {
+  for (const bool isEnabled : {true, false}) {
+    const std::string name = isEnabled ? "enable" : "disable";
+    Command command = addEdit(
+        edit, edits, name, isEnabled ? "Let the agent use a site" : "Let the agent pass a site by",
+        [isEnabled](Context& context, const Options& given) {
+          return enable(context, given, isEnabled);
+        });
+    addName(command, options);
+    addKind(command, options);
+    command.footer("Example:\n  sitelist edit " + name + " Depot\n");
+  }
+}
+
+void addSet(Command& edit, Edits& edits, Options& options) {
+  Command command = addEdit(edit, edits, "set", "Give fields of a site new values", set);
+  addName(command, options);
+  addKind(command, options);
+  addValues(command, options);
+  command.footer(
+      "What the agent would cut or not understand is refused. A password never stands\n"
+      "on the command line.\n"
+      "\n"
+      "Fields:\n" +
+      fieldHelp() +
+      "\n"
+      "Examples:\n"
+      "  sitelist edit set Depot server=depot2.example serverPort=8080\n"
+      "  sitelist edit set Depot userName=reader --password-file secret.txt\n"
+      "  sitelist edit set 'Site proxy' 'exclusionList=a.example;*.b.example'\n"
+      "  sitelist edit set 'Site proxy' --password-stdin \\\n"
+      "      --password-field httpProxyPassword < secret.txt\n");
+}
+
+void addAdd(Command& edit, Edits& edits, Options& options) {
+  Command command = addEdit(
+      edit, edits, "add", "Add a site",
+      [](Context& context, const Options& given) { return editValues(context, given, addSite); });
+  command.add_option("KIND", options.site.kind, "What it is: " + kindNames())
+      .required()
+      .type_name("")
+      .choices(kinds());
+  addName(command, options);
+  addValues(command, options);
+  command.footer(
+      "The new site is enabled and the last one in the search order, unless the fields\n"
+      "say otherwise. Its type is repository, that of a server master; its port is 80,\n"
+      "that of an ftp site 21. `sitelist edit set --help` tells the fields.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist edit add http Depot server=depot.example relativePath=pub\n"
+      "  sitelist edit add unc Share server=FILES01 'shareName=Orb$' order=2\n"
+      "  sitelist edit add proxy Proxy httpProxyServer=proxy.example \\\n"
+      "      httpProxyPort=3128\n");
+}
+
+void addMoves(Command& edit, Edits& edits, Options& options) {
+  Command remove = addEdit(edit, edits, "remove", "Take a site out of the list",
+                           [](Context& context, const Options& given) {
+                             return performEdit(context, given.list, [&](ListEditor& list) {
+                               return removeSite(list, given.site);
+                             });
+                           });
+  addName(remove, options);
+  addKind(remove, options);
+  remove.footer("Example:\n  sitelist edit remove Depot\n");
+
+  Command rename = addEdit(edit, edits, "rename", "Give a site another name",
+                           [](Context& context, const Options& given) {
+                             return performEdit(context, given.list, [&](ListEditor& list) {
+                               return renameSite(list, given.site, given.newName);
+                             });
+                           });
+  addName(rename, options);
+  rename.add_option("NEW", options.newName, "Its new name").required().type_name("");
+  addKind(rename, options);
+  rename.footer("Example:\n  sitelist edit rename Depot 'Depot North'\n");
+
+  Command command =
+      addEdit(edit, edits, "move", "Give a site another place in the search order", move);
+  addName(command, options);
+  command
+      .add_option("PLACE", options.place,
+                  "first, last, a position counted from 1,\nor before or after another site")
+      .required()
+      .type_name("");
+  command.add_option("OTHER", options.other, "The other site")
+      .type_name("")
+      .completes(Completion::Site);
+  addKind(command, options);
+  command.footer(
+      "The orders that the sites have are given out anew; as few sites as possible get\n"
+      "another one. Sites that are disabled have a place, too; mirrors, fallbacks\n"
+      "without an order and proxies have none.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist edit move Depot first\n"
+      "  sitelist edit move Depot before Offices\n");
+}
+
+void addRestore(Command& edit, Edits& edits) {
+  Command command = addEdit(
+      edit, edits, "restore", "Put the list back as --backup kept it",
+      [](Context& context, const Options& given) { return restoreBackup(context, given.list); });
+  command.footer(
+      "Example:\n"
+      "  sitelist edit restore --dry-run\n");
+}
+
+void addCommonOptions(Command& command, EditOptions& options) {
+  command.add_option("--file", options.file, "The list to edit (default: the agent's own)")
+      .type_name("FILE")
+      .not_empty()
+      .completes(Completion::File);
+  command.add_flag("--dry-run", options.dryRun, "Say what would change, and write nothing");
+  command.add_flag("--backup", options.backup, "Keep the list as it was beside it, as FILE.bak");
+  command.add_option("--wait", options.wait, "How long to wait for other writers (default: 10)")
+      .type_name("SECONDS");
+}
+
+}  // namespace
+
+void addEdit(Command& app, Context& context) {
+  Command command = app.add_subcommand("edit", "Change single sites of a list");
+  const auto options = std::make_shared<Options>();
+  const auto edits = std::make_shared<Edits>();
+  addCommonOptions(command, options->list);
+  addToggles(command, *edits, *options);
+  addSet(command, *edits, *options);
+  addAdd(command, *edits, *options);
+  addMoves(command, *edits, *options);
+  addRestore(command, *edits);
+  command.footer(
+      "Everything else in the document stays as it is, also what the agent does not\n"
+      "read. An edit may be repeated: what is there already is not written again.\n"
+      "`sitelist edit SUBCOMMAND --help` tells more of each edit.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist edit disable Depot\n"
+      "  sitelist edit --backup set Depot server=depot2.example\n"
+      "  sitelist edit restore\n"
+      "  sitelist edit --file lists/SiteList.xml --dry-run remove Depot\n");
+  command.callback([&context, options, edits] {
+    context.action = [&context, options, edits] {
+      for (const auto& [edit, action] : *edits) {
+        if (edit.parsed()) return action(context, *options);
+      }
+      throw Failure(exitUsage, "what to edit is not said\n  next: see `sitelist edit --help`");
+    };
+  });
+}
+
+}  // namespace tool

@@ -1,0 +1,125 @@
+#include "tools/sitelist/edit/element_edit.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace tool {
+namespace {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+constexpr const wchar_t* c_elementText = L"";
+constexpr const wchar_t* c_encrypted = L"Encrypted";
+constexpr const wchar_t* c_defaultPort = L":80";  // of an address without one
+
+std::vector<AnXmlNode> childrenNamed(const AnXmlNode& node, const wchar_t* name) {
+  std::vector<AnXmlNode> children;
+  AnXmlChildIndex index(node, name);
+  AnXmlNode child;
+  while (index.moveNext(child)) children.push_back(child);
+  return children;
+}
+
+AnXmlNode lastChild(AnXmlNode node, const wchar_t* name) {
+  const std::vector<AnXmlNode> children = childrenNamed(node, name);
+  if (!children.empty()) return children.back();
+  AnXmlNode added;
+  node.addChild(added, name, nullptr, nullptr);
+  return added;
+}
+
+// The fields of a proxy stand in the last "ProxyConfig" of its list. The list's own "UseIEConfig"
+// counts only as long as there is none.
+AnXmlNode fieldHolder(const AnXmlNode& site) {
+  if (site.getName().str() != WX_XML_PROXY_CONFIG_LIST) return site;
+  AnXmlNode config;
+  const bool isEmpty = !site.tryGetChild(config, nullptr, nullptr, nullptr, nullptr, nullptr);
+  config = lastChild(site, WX_XML_PROXY_CONFIG);
+  AString useIeConfig;
+  if (isEmpty && site.tryGetValue(WX_XML_PROXY_USE_IE_CONFIG, useIeConfig)) {
+    config.setValue(WX_XML_PROXY_USE_IE_CONFIG, useIeConfig);
+  }
+  return config;
+}
+
+// The host in front of the last ":", the port behind it; what is not asked for stays as it is.
+void writeAddress(AnXmlNode& element, const Wanted& wanted) {
+  const wchar_t* name = wanted.rule->xmlName;
+  AString value;
+  // What an agent has as "ServerDNS" is read in place of "Server".
+  if (std::wcscmp(name, WX_XML_SITE_SERVER) == 0 &&
+      element.getName().str() == WX_XML_SITELIST_KEYSTONE_SITE &&
+      element.tryGetValue(WX_XML_SITE_SERVER_FQDN, value)) {
+    name = WX_XML_SITE_SERVER_FQDN;
+  }
+  element.tryGetValue(name, value);
+  const std::wstring& old = value.str();
+  const std::size_t colon = old.rfind(L':');
+  if (wanted.rule->place == Spot::Port) {
+    element.setValue(name, old.substr(0, colon) + L":" + wanted.text);
+  } else {
+    const std::wstring port = colon == std::wstring::npos ? c_defaultPort : old.substr(colon);
+    element.setValue(name, wanted.text + port);
+  }
+}
+
+// Host by host, so that those which stay where they are stay untouched.
+void writeHosts(AnXmlNode& config, const std::wstring& hosts) {
+  std::vector<AnXmlNode> old;
+  for (const AnXmlNode& list : childrenNamed(config, WX_XML_PROXY_EXCLUSIONLIST)) {
+    for (const AnXmlNode& host : childrenNamed(list, WX_XML_PROXY_EXCLUSIONHOST)) {
+      old.push_back(host);
+    }
+  }
+  AnXmlNode list = lastChild(config, WX_XML_PROXY_EXCLUSIONLIST);
+  std::size_t used = 0;
+  for (std::size_t begin = 0; begin < hosts.size(); ++used) {
+    const std::size_t end =
+        std::min(hosts.find(sitehlp::c_proxyParamDelimiter, begin), hosts.size());
+    const std::wstring host = hosts.substr(begin, end - begin);
+    begin = end + 1;
+    if (used == old.size()) {
+      old.emplace_back();
+      list.addChild(old.back(), WX_XML_PROXY_EXCLUSIONHOST, nullptr, nullptr);
+    }
+    AString text;
+    old[used].tryGetValue(c_elementText, text);
+    if (text.str() != host) old[used].setValue(c_elementText, host);
+  }
+  for (; used < old.size(); ++used) old[used].remove();
+}
+
+}  // namespace
+
+void writeField(const AnXmlNode& site, const Wanted& wanted) {
+  const FieldRule& rule = *wanted.rule;
+  AnXmlNode holder = fieldHolder(site);
+  switch (rule.place) {
+    case Spot::Attribute:
+      return holder.setValue(rule.xmlName, wanted.text);
+    case Spot::Host:
+    case Spot::Port:
+      return writeAddress(holder, wanted);
+    case Spot::Child: {
+      AnXmlNode child = lastChild(holder, rule.xmlName);
+      if (rule.form == Form::Password) child.setValue(c_encrypted, L"1");
+      return child.setValue(c_elementText, wanted.text);
+    }
+    case Spot::ExclusionHosts:
+      return writeHosts(holder, wanted.text);
+  }
+}
+
+std::wstring protectedTextOf(const AnXmlNode& site, const FieldRule& password) {
+  AString text;
+  std::vector<AnXmlNode> holders = childrenNamed(site, WX_XML_PROXY_CONFIG);
+  if (holders.empty()) holders.push_back(site);
+  const std::vector<AnXmlNode> children = childrenNamed(holders.back(), password.xmlName);
+  if (!children.empty()) children.back().tryGetValue(c_elementText, text);
+  return text.str();
+}
+
+}  // namespace tool

@@ -1,0 +1,65 @@
+#ifndef TOOLS_SITELIST_EDIT_FIELD_RULES_H
+#define TOOLS_SITELIST_EDIT_FIELD_RULES_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// What the value of a field is.
+enum class Form {
+  Text,
+  NetbiosName,  // a text that reading cuts at the first dot
+  Flag,
+  Number,
+  Port,
+  PortOrNone,  // 0 is none
+  Hosts,       // names with ";" between them
+  Password,
+};
+
+// Where the value stands below the element of the site.
+enum class Spot {
+  Attribute,
+  Host,  // in an attribute, in front of the last ":"
+  Port,  // behind it
+  Child,
+  ExclusionHosts,
+};
+
+// Whether a new site has the attribute or child element without being given a value, too.
+enum class Presence { Always, WhenGiven };
+
+// How a field of a record, by the name that it has in the output, stands in a document.
+struct FieldRule {
+  const char* name;  // null: an attribute that is written and never read
+  Form form;
+  Spot place;
+  const wchar_t* xmlName;
+  const wchar_t* initial;  // what a new site has
+  std::int64_t limit = 0;  // the most characters or the greatest number
+  Presence presence = Presence::Always;
+};
+
+struct KindRules {
+  const char* kind;
+  const wchar_t* element;
+  std::vector<FieldRule> fields;  // in the order in which the library writes them
+};
+
+// Null for a kind that is none.
+const KindRules* findRules(const std::string& kind);
+const FieldRule* findField(const KindRules& rules, const std::string& name);
+
+std::vector<std::string> kinds();
+std::string kindNames();  // with "," between them
+
+// The fields of a kind that can be set, in lines that begin with `indent`.
+std::string fieldNames(const KindRules& rules, const std::string& indent);
+// The same for every kind, for the help.
+std::string fieldHelp();
+
+}  // namespace tool
+
+#endif

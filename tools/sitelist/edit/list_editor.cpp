@@ -1,0 +1,96 @@
+#include "tools/sitelist/edit/list_editor.h"
+
+#include <algorithm>
+
+#include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/edit/element_edit.h"
+#include "tools/sitelist/edit_failure.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+using sitehlp::tag_Site;
+
+bool isSameSite(const tag_Site& a, const tag_Site& b) {
+  const std::vector<Field> left = fieldsOf(a);
+  const std::vector<Field> right = fieldsOf(b);
+  return a.eSiteKind == b.eSiteKind &&
+         std::equal(left.begin(), left.end(), right.begin(), right.end(), isSame);
+}
+
+// A password that the agent's key does not open reads as an empty one, and is none.
+bool isLostPassword(const AnXmlNode& site, const Wanted& wanted) {
+  if (wanted.rule->form != Form::Password || !wanted.clear || !wanted.clear->empty()) return false;
+  const std::wstring text = protectedTextOf(site, *wanted.rule);
+  return !text.empty() && !opensWithAgentKey(text);
+}
+
+}  // namespace
+
+ListEditor::ListEditor(const SiteList& list) : m_list(list) {
+  failIfNotEditable(list.path);
+  const tag_Site* record = list.sites.get();
+  if (m_document.useExistingFile(wide(list.path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
+                                 WX_XML_SITELISTS_NAMESPACE) &&
+      AnXmlNode(&m_document)
+          .getExistingChild(m_siteList, WX_XML_SITELIST, nullptr, nullptr, nullptr, nullptr)) {
+    AnXmlChildIndex index(m_siteList, nullptr);
+    AnXmlNode element;
+    for (; record && index.moveNext(element); record = record->pNext) {
+      m_entries.push_back({element, record, {}, false});
+    }
+    if (!record && !index.moveNext(element)) return;
+  }
+  throw Failure(exitConflict,
+                shown(list.path) + ": the file changed while it was read\n  next: try again",
+                {list.path});
+}
+
+void ListEditor::set(Entry& entry, const Wanted& wanted) {
+  if (has(*entry.record, wanted) && !isLostPassword(entry.element, wanted)) return;
+  writeField(entry.element, wanted);
+  entry.changes.push_back(wanted);
+  m_isChanged = true;
+}
+
+void ListEditor::add(const wchar_t* element, const std::vector<Wanted>& values) {
+  Entry entry;
+  m_siteList.addChild(entry.element, element, nullptr, nullptr);
+  for (const Wanted& value : values) {
+    writeField(entry.element, value);
+    if (value.rule->name) entry.changes.push_back(value);
+  }
+  m_entries.push_back(std::move(entry));
+  m_isChanged = true;
+}
+
+void ListEditor::remove(Entry& entry) {
+  entry.element.remove();
+  entry.isRemoved = true;
+  m_isChanged = true;
+}
+
+bool ListEditor::write(const std::string& path) const {
+  return m_document.writeFile(wide(path), false, false);
+}
+
+bool ListEditor::isAsMeant(const SiteList& after) const {
+  if (after.result != 0) return false;
+  const tag_Site* site = after.sites.get();
+  for (const Entry& entry : m_entries) {
+    if (entry.isRemoved) continue;
+    if (!site) return false;
+    const bool isUntouched = entry.changes.empty();
+    if (isUntouched && !isSameSite(*entry.record, *site)) return false;
+    for (const Wanted& wanted : entry.changes) {
+      if (!has(*site, wanted)) return false;
+    }
+    site = site->pNext;
+  }
+  return !site;
+}
+
+}  // namespace tool

@@ -1,0 +1,67 @@
+#include "tools/sitelist/edit/lookup.h"
+
+#include <algorithm>
+
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using Entry = ListEditor::Entry;
+
+[[noreturn]] void failAmbiguous(const ListEditor& list, const SiteName& name,
+                                const std::vector<Entry*>& sites) {
+  std::string text = shown(list.path()) + ": there are several of the name " + shown(name.name);
+  bool haveOneKind = true;
+  for (const Entry* site : sites) {
+    text += "\n  " + titleOf(*site->record) + ", order " + std::to_string(site->record->iOrder);
+    haveOneKind = haveOneKind &&
+                  findRules(kindOf(*site->record)) == findRules(kindOf(*sites.front()->record));
+  }
+  throw Failure(exitConflict,
+                text + "\n  next: " +
+                    (haveOneKind ? "give them names of their own in the document; "
+                                   "they are of one kind, too"
+                                 : "say which one with --kind KIND"),
+                {list.path()});
+}
+
+}  // namespace
+
+std::string titleOf(const SiteName& name) {
+  return (name.kind.empty() ? "site" : name.kind) + " \"" + shown(name.name) + "\"";
+}
+
+std::string titleOf(const sitehlp::tag_Site& site) {
+  return titleOf({narrow(nameOf(site)), kindOf(site)});
+}
+
+std::vector<Entry*> sitesNamed(ListEditor& list, const SiteName& name) {
+  std::vector<Entry*> sites;
+  const std::wstring wanted = wide(name.name);
+  for (Entry& entry : list.entries()) {
+    const std::string kind = kindOf(*entry.record);
+    if (findRules(kind) && (name.kind.empty() || kind == name.kind) &&
+        nameOf(*entry.record) == wanted) {
+      sites.push_back(&entry);
+    }
+  }
+  return sites;
+}
+
+Entry& siteNamed(ListEditor& list, const SiteName& name) {
+  const std::vector<Entry*> sites = sitesNamed(list, name);
+  if (sites.empty()) failNotThere(list, name);
+  if (sites.size() > 1) failAmbiguous(list, name, sites);
+  return *sites.front();
+}
+
+void failNotThere(const ListEditor& list, const SiteName& name) {
+  throw Failure(exitNotFound,
+                shown(list.path()) + ": there is no " + titleOf(name) +
+                    "\n  next: `sitelist show` tells the sites that there are",
+                {list.path()});
+}
+
+}  // namespace tool

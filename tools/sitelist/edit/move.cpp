@@ -1,0 +1,111 @@
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+#include "platform/common/text.h"
+#include "tools/sitelist/edit/operations.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using Entry = ListEditor::Entry;
+
+// The sites that have a place, in search order. Those with the same order follow each other as the
+// document has them.
+std::vector<Entry*> searchOrder(ListEditor& list) {
+  std::vector<Entry*> sites;
+  for (Entry& entry : list.entries()) {
+    if (hasPlace(*entry.record)) sites.push_back(&entry);
+  }
+  std::stable_sort(sites.begin(), sites.end(), [](const Entry* a, const Entry* b) {
+    return a->record->iOrder < b->record->iOrder;
+  });
+  return sites;
+}
+
+Entry& movable(ListEditor& list, const SiteName& name) {
+  Entry& site = siteNamed(list, name);
+  if (hasPlace(*site.record)) return site;
+  const char* const what = site.record->eSiteKind == sitehlp::SITE_KIND_PROXY ? "a proxy"
+                           : site.record->bMirror                             ? "a mirror"
+                                                  : "a fallback without an order";
+  throw Failure(exitUsage, titleOf(*site.record) + ": " + what +
+                               " has no place in the search order\n  next: move another site, or "
+                               "give this one another type or an order with `sitelist edit set`");
+}
+
+// Where among the `others` the site goes.
+std::size_t position(const std::vector<Entry*>& others, const std::string& place) {
+  if (place == "first") return 0;
+  if (place == "last") return others.size();
+  const bool isNumber = !place.empty() && place.size() <= 9 &&
+                        place.find_first_not_of("0123456789") == std::string::npos;
+  const std::size_t number = isNumber ? std::strtoul(place.c_str(), nullptr, 10) : 0;
+  if (number == 0 || number > others.size() + 1) {
+    throw Failure(exitUsage, "\"" + shown(place) + "\" is no place in the search order\n  next: " +
+                                 "give first, last, a number from 1 to " +
+                                 std::to_string(others.size() + 1) +
+                                 ", or before or after and the name of another site");
+  }
+  return number - 1;
+}
+
+// Gives the orders that are there out anew, the smallest to the first site. Where sites share one
+// and stand the other way round in the document, a site gets the next number.
+void renumber(ListEditor& list, const std::vector<Entry*>& before,
+              const std::vector<Entry*>& after) {
+  std::int64_t order = std::numeric_limits<std::int32_t>::min();
+  const Entry* previous = nullptr;
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    // Entries stand in one array, in the order of the document.
+    const bool mayShare = !previous || previous < after[i];
+    order = std::max<std::int64_t>(before[i]->record->iOrder, mayShare ? order : order + 1);
+    if (order > std::numeric_limits<std::int32_t>::max()) {
+      throw Failure(exitUsage, shown(list.path()) +
+                                   ": the orders are too great to be given out anew\n  next: give "
+                                   "the last sites smaller ones with `sitelist edit set`");
+    }
+    const KindRules& rules = *findRules(kindOf(*after[i]->record));
+    list.set(*after[i], wantedNumber(*findField(rules, "order"), order));
+    previous = after[i];
+  }
+}
+
+}  // namespace
+
+bool hasPlace(const sitehlp::tag_Site& site) {
+  const bool isEndless =
+      site.iOrder == c_orderOfFallback && wcsicmp(site.szType, c_fallbackType) == 0;
+  return findRules(kindOf(site)) && site.eSiteKind != sitehlp::SITE_KIND_PROXY && !site.bMirror &&
+         !isEndless;
+}
+
+Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& place,
+                 const std::string& other) {
+  Entry& site = movable(list, name);
+  const std::vector<Entry*> before = searchOrder(list);
+  std::vector<Entry*> after = before;
+  after.erase(std::find(after.begin(), after.end(), &site));
+  auto at = after.begin();
+  if (place == "before" || place == "after") {
+    at = std::find(after.begin(), after.end(), &movable(list, {other, ""}));
+    if (at == after.end()) {
+      throw Failure(exitUsage, titleOf(*site.record) +
+                                   " cannot stand before or after itself\n  next: name another "
+                                   "site");
+    }
+    if (place == "after") ++at;
+  } else {
+    at += static_cast<std::ptrdiff_t>(position(after, place));
+  }
+  const std::string number = std::to_string(at - after.begin() + 1);
+  after.insert(at, &site);
+  if (after != before) renumber(list, before, after);
+  const std::string where = "place " + number + " of " + std::to_string(after.size());
+  const std::string title = titleOf(*site.record);
+  return {"moved " + title + " to " + where, title + " has " + where};
+}
+
+}  // namespace tool

@@ -1,0 +1,76 @@
+#include "tools/sitelist/edit/operations.h"
+
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+using Entry = ListEditor::Entry;
+
+const KindRules& rulesOf(const Entry& site) { return *findRules(kindOf(*site.record)); }
+
+}  // namespace
+
+Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled) {
+  Entry& site = siteNamed(list, name);
+  const std::string title = titleOf(*site.record);
+  const FieldRule* const rule = findField(rulesOf(site), "enabled");
+  if (!rule) {
+    throw Failure(exitUsage, title +
+                                 ": proxies are neither enabled nor disabled\n  next: `sitelist "
+                                 "edit remove` takes the proxy out of the list");
+  }
+  list.set(site, wantedNumber(*rule, isEnabled ? 1 : 0));
+  const std::string state = isEnabled ? "enabled" : "disabled";
+  return {state + " " + title, title + " is " + state};
+}
+
+Outcome setFields(ListEditor& list, const SiteName& name,
+                  const std::vector<std::string>& assignments, const GivenPassword& password) {
+  Entry& site = siteNamed(list, name);
+  const std::vector<Wanted> values = wantedFields(rulesOf(site), assignments, password);
+  refusePortAlone(site.record, values);
+  for (const Wanted& value : values) list.set(site, value);
+  std::string names;
+  for (const Wanted& change : site.changes) {
+    names += (names.empty() ? "" : ", ") + std::string(change.rule->name);
+  }
+  const std::string title = titleOf(*site.record);
+  return {"set " + names + " of " + title, title + " has these values"};
+}
+
+Outcome removeSite(ListEditor& list, const SiteName& name) {
+  if (sitesNamed(list, name).empty()) return {"", "there is no " + titleOf(name)};
+  Entry& site = siteNamed(list, name);
+  const std::string title = titleOf(*site.record);
+  list.remove(site);
+  return {"removed " + title, ""};
+}
+
+Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& newName) {
+  const SiteName target = {newName, name.kind};
+  const std::vector<Entry*> holders = sitesNamed(list, target);
+  const bool isTaken = !holders.empty();
+  if (isTaken && newName == name.name) return {"", titleOf(target) + " has this name"};
+  if (isTaken && sitesNamed(list, name).empty()) {
+    return {"", titleOf(target) + " is there, and no " + titleOf(name)};
+  }
+  Entry& site = siteNamed(list, name);
+  const std::string title = titleOf(*site.record);
+  if (newName.empty()) {
+    throw Failure(exitUsage, title + ": a name has to have a character\n  next: give another one");
+  }
+  const Wanted value = wantedText(*findField(rulesOf(site), "name"), newName);
+  if (isTaken) {
+    throw Failure(exitConflict,
+                  shown(list.path()) + ": the name is taken by " +
+                      titleOf(*holders.front()->record) +
+                      "\n  next: choose another name, or remove that site",
+                  {list.path()});
+  }
+  list.set(site, value);
+  return {"renamed " + title + " to \"" + shown(newName) + "\"", ""};
+}
+
+}  // namespace tool

@@ -1,0 +1,208 @@
+#include "tools/sitelist/edit/wanted.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/common/astring.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+// What the reader of a record takes: it counts a delimiter even for the first host.
+constexpr std::size_t c_hostsLimit = 4000;
+
+[[noreturn]] void refuse(const FieldRule& rule, const std::string& what, const std::string& next) {
+  throw Failure(exitUsage, std::string(rule.name) + ": " + what + "\n  next: " + next);
+}
+
+bool isXmlCharacter(wchar_t c) {
+  return c == L'\t' || c == L'\n' || c == L'\r' || (c >= 0x20 && c != 0xFFFE && c != 0xFFFF);
+}
+
+std::wstring checkedText(const FieldRule& rule, const std::string& value) {
+  const std::wstring text = wide(value);
+  if (narrow(text) != value) refuse(rule, "the value is not valid UTF-8", "give it as UTF-8");
+  if (!std::all_of(text.begin(), text.end(), isXmlCharacter)) {
+    refuse(rule, "the value has a character that no document can carry",
+           "leave the control characters out");
+  }
+  const auto limit = static_cast<std::size_t>(rule.limit);
+  if (rule.form != Form::Hosts && text.size() > limit) {
+    refuse(rule, "the value has " + std::to_string(text.size()) + " characters",
+           "give at most " + std::to_string(limit) + "; the agent cuts what is longer");
+  }
+  if (rule.form == Form::NetbiosName && text.find(L'.') != std::wstring::npos) {
+    refuse(rule, "a NetBIOS name has no dot", "give what stands in front of the first dot");
+  }
+  return text;
+}
+
+// The hosts as a record has them, without empty ones.
+std::wstring checkedHosts(const FieldRule& rule, const std::wstring& text) {
+  std::wstring hosts;
+  std::size_t begin = 0;
+  while (begin <= text.size()) {
+    const std::size_t end = std::min(text.find(L';', begin), text.size());
+    if (end != begin) {
+      if (hosts.size() + (end - begin) + 1 >= c_hostsLimit) {
+        refuse(rule, "the hosts are too many for a list",
+               "give less than " + std::to_string(c_hostsLimit - 1) +
+                   " characters; the agent drops what is more");
+      }
+      if (!hosts.empty()) hosts += L';';
+      hosts.append(text, begin, end - begin);
+    }
+    begin = end + 1;
+  }
+  return hosts;
+}
+
+std::wstring checkedFlag(const FieldRule& rule, const std::string& value) {
+  if (value == "1" || value == "true") return L"1";
+  if (value == "0" || value == "false") return L"0";
+  refuse(rule, "\"" + shown(value) + "\" is no flag", "give 1 or 0");
+}
+
+std::wstring checkedNumber(const FieldRule& rule, const std::string& value) {
+  constexpr std::size_t c_maxDigits = 18;
+  const std::int64_t least = rule.form == Form::Port ? 1 : 0;
+  const bool isNumber = !value.empty() && value.size() <= c_maxDigits &&
+                        value.find_first_not_of("0123456789") == std::string::npos;
+  const std::int64_t number = isNumber ? std::strtoll(value.c_str(), nullptr, 10) : -1;
+  if (number < least || number > rule.limit) {
+    refuse(rule, "\"" + shown(value) + "\" is no value for it",
+           "give a number from " + std::to_string(least) + " to " + std::to_string(rule.limit));
+  }
+  return std::to_wstring(number);
+}
+
+bool isPasswordName(const std::string& name) {
+  for (const std::string& kind : kinds()) {
+    const FieldRule* const rule = findField(*findRules(kind), name);
+    if (rule && rule->form == Form::Password) return true;
+  }
+  return false;
+}
+
+[[noreturn]] void refuseField(const KindRules& rules, const std::string& name) {
+  if (name == "name") {
+    throw Failure(exitUsage, "a name is not set\n  next: use `sitelist edit rename OLD NEW`");
+  }
+  throw Failure(exitUsage, "\"" + shown(name) +
+                               "\" is no field that can be set; those of the kind " + rules.kind +
+                               " are\n" + fieldNames(rules, "  ") + "\n  next: name one of them");
+}
+
+Wanted parse(const KindRules& rules, const std::string& assignment) {
+  const std::size_t equals = assignment.find('=');
+  // What has no "=" may be a password that was mistyped, so it is not repeated.
+  if (equals == std::string::npos) {
+    throw Failure(exitUsage, "an argument without \"=\"\n  next: give every field as FIELD=VALUE");
+  }
+  const std::string name = assignment.substr(0, equals);
+  if (isPasswordName(name)) {
+    throw Failure(exitUsage,
+                  name +
+                      ": a password does not belong on the command line, where everybody can see "
+                      "it\n  next: use --password-stdin or --password-file FILE" +
+                      (name == "password" ? "" : " with --password-field " + name));
+  }
+  const FieldRule* const rule = findField(rules, name);
+  if (!rule || name == "name") refuseField(rules, name);
+  return wantedText(*rule, assignment.substr(equals + 1));
+}
+
+Wanted givenPassword(const KindRules& rules, const GivenPassword& password) {
+  const FieldRule* const rule = findField(rules, password.field);
+  if (rule && rule->form == Form::Password) return {rule, *password.protectedText, password.clear};
+  std::string names;
+  for (const FieldRule& each : rules.fields) {
+    if (each.form == Form::Password) names += (names.empty() ? "" : ", ") + std::string(each.name);
+  }
+  throw Failure(exitUsage, "\"" + shown(password.field) +
+                               "\" is no password of a site of the kind " + rules.kind +
+                               "\n  next: name one with --password-field: " + names);
+}
+
+}  // namespace
+
+std::int64_t Wanted::number() const { return std::wcstoll(text.c_str(), nullptr, 10); }
+
+Field Wanted::field() const {
+  switch (rule->form) {
+    case Form::Flag:
+      return {rule->name, number() != 0};
+    case Form::Number:
+    case Form::Port:
+    case Form::PortOrNone:
+      return {rule->name, number()};
+    default:
+      return {rule->name, (clear ? *clear : text).c_str(), rule->form == Form::Password};
+  }
+}
+
+Wanted initialValue(const FieldRule& rule) { return {&rule, rule.initial}; }
+
+Wanted wantedNumber(const FieldRule& rule, std::int64_t number) {
+  return {&rule, std::to_wstring(number)};
+}
+
+Wanted wantedText(const FieldRule& rule, const std::string& value) {
+  switch (rule.form) {
+    case Form::Flag:
+      return {&rule, checkedFlag(rule, value)};
+    case Form::Number:
+    case Form::Port:
+    case Form::PortOrNone:
+      return {&rule, checkedNumber(rule, value)};
+    case Form::Hosts:
+      return {&rule, checkedHosts(rule, checkedText(rule, value))};
+    default:
+      return {&rule, checkedText(rule, value)};
+  }
+}
+
+bool has(const sitehlp::tag_Site& site, const Wanted& wanted) {
+  for (const Field& field : fieldsOf(site)) {
+    if (wanted.rule->name == std::string(field.name)) return isSame(field, wanted.field());
+  }
+  return false;
+}
+
+std::vector<Wanted> wantedFields(const KindRules& rules,
+                                 const std::vector<std::string>& assignments,
+                                 const GivenPassword& password) {
+  std::vector<Wanted> wanted;
+  for (const std::string& assignment : assignments) {
+    Wanted value = parse(rules, assignment);
+    const bool isTwice = std::any_of(wanted.begin(), wanted.end(), [&](const Wanted& before) {
+      return before.rule == value.rule;
+    });
+    if (isTwice) refuse(*value.rule, "given twice", "give every field once");
+    wanted.push_back(std::move(value));
+  }
+  if (password.clear) wanted.push_back(givenPassword(rules, password));
+  return wanted;
+}
+
+void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<Wanted>& values) {
+  const KindRules& rules = *findRules("proxy");
+  for (const auto& [port, server] : {std::pair("httpProxyPort", "httpProxyServer"),
+                                     std::pair("ftpProxyPort", "ftpProxyServer")}) {
+    const FieldRule* const serverRule = findField(rules, server);
+    bool hasPort = false;
+    bool hasServer = record && record->eSiteKind == sitehlp::SITE_KIND_PROXY &&
+                     !has(*record, initialValue(*serverRule));
+    for (const Wanted& value : values) {
+      if (value.rule == findField(rules, port)) hasPort = value.number() != 0;
+      if (value.rule == serverRule) hasServer = !value.text.empty();
+    }
+    if (!hasPort || hasServer) continue;
+    throw Failure(exitUsage, std::string(port) + ": there is no " + server +
+                                 " that it could belong to\n  next: set " + server + ", too");
+  }
+}
+
+}  // namespace tool

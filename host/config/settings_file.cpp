@@ -1,5 +1,3 @@
-#include "host/config/toml_parser.h"
-
 #include <cerrno>
 #include <sstream>
 
@@ -7,6 +5,7 @@
 #include "host/common/failure_text.h"
 #include "host/common/level_names.h"
 #include "host/config/settings_path.h"
+#include "host/config/toml_parser.h"
 #include "host/fs/files.h"
 
 namespace host {

@@ -55,5 +55,15 @@ RVjN7y3q7KSMFmLY2ibM6Rc=
 const char* const c_certificateFingerprint =
     "3D:96:33:53:F5:24:43:EE:97:3E:9F:46:C3:C8:23:60:44:AA:2A:6F:EF:4D:66:92:37:5B:8A:D4:C1:95:E4:"
     "18";
+const char* const c_expiredCertificatePem =
+    R"(-----BEGIN CERTIFICATE-----
+MIIBSzCB8gIBATAKBggqhkjOPQQDAjAyMRgwFgYDVQQKDA9UdWkgSW5zdHJ1bWVu
+dHMxFjAUBgNVBAMMDU9sZCBhdXRob3JpdHkwHhcNMDEwMTAxMDAwMDAwWhcNMDIw
+MTAxMDAwMDAwWjAyMRgwFgYDVQQKDA9UdWkgSW5zdHJ1bWVudHMxFjAUBgNVBAMM
+DU9sZCBhdXRob3JpdHkwWTATBgcqhkjOPQIBBggqhkjOPQMBBwNCAAQkqs65BHbP
+RlNvZwONZHGVBz5MmaPSw1t4tbT+D4ZNbn+9ilJRCE2p8o70qYpnepVcea+lblb0
+Cg5HWzoo5dfoMAoGCCqGSM49BAMCA0gAMEUCIBjqjOBAItSMrYRasGaegZqzbYea
+SgVRBdYMbvceXDjPAiEA2DdZvnPaig3muUrgEwk6cdjc6jKNabF6ST/bQhZChmA=
+-----END CERTIFICATE-----)";
 
 }  // namespace test

@@ -21,6 +21,8 @@ std::string httpSite(const std::string& name, const std::string& order = "1",
 // A self-signed certificate in PEM form with the common name "Test authority", and its fingerprint.
 extern const char* const c_certificatePem;
 extern const char* const c_certificateFingerprint;
+// One of "Old authority" that expired at the end of 2001.
+extern const char* const c_expiredCertificatePem;
 
 }  // namespace test
 

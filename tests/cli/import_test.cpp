@@ -37,13 +37,14 @@ TEST_F(CliImport, RefusesAListThatBreaksRulesAndNamesThem) {
   initAgent({"--managed"});
   setOwnList(document(serverSite()));
   const auto before = agentFiles();
-  const std::string path =
-      write("list.xml", document(serverSite({{"Name", ""}, {"ServerIP", ""}})));
+  const std::string path = write(
+      "list.xml", "<ns:SiteLists xmlns:ns=\"wxSiteList\">\n<SiteList>\n" +
+                      serverSite({{"Name", ""}, {"ServerIP", ""}}) + "</SiteList></ns:SiteLists>");
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(output.err,
-            path + ": server-name: name cannot be empty\n" + path +
-                ": server-ip-address: VESTA IP address cannot be empty\nsitelist: " + path +
+            path + ":3:1: server-name: name cannot be empty\n" + path +
+                ":3:1: server-ip-address: VESTA IP address cannot be empty\nsitelist: " + path +
                 ": the list is refused, and nothing was changed (-9, 0xFFFFFFF7)\n"
                 "  next: mend the faults named above\n");
   EXPECT_EQ(agentFiles(), before);

@@ -11,7 +11,7 @@ class CliUsage : public CliTest {};
 const std::vector<std::string> c_commands = {
     "init",    "show",    "get",      "explain",  "diff",   "versions",
     "servers", "certs",   "policies", "validate", "import", "install",
-    "merge",   "rewrite", "modify",   "protect",  "edit",
+    "merge",   "rewrite", "modify",   "protect",  "edit",   "explain-rule",
 };
 
 TEST_F(CliUsage, EveryCommandHasHelpWithAnExampleThatFitsATerminal) {

@@ -1,118 +1,334 @@
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
 
 namespace test {
 namespace {
 
+using nlohmann::json;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* c_version = R"( GlobalVersion="20260101000000")";
+
+// A document with an element on each line. What stands in front of the "SiteList" begins in line 3,
+// column 3; without it, the sites begin in line 4, column 5.
+std::string lines(const std::vector<std::string>& sites,
+                  const std::vector<std::string>& beforeSites = {},
+                  const std::string& rootAttributes = c_version, const std::string& behind = "") {
+  std::string text =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ns:SiteLists xmlns:ns=\"wxSiteList\"" +
+      rootAttributes + ">\n";
+  for (const std::string& element : beforeSites) text += "  " + element + "\n";
+  text += "  <SiteList>\n";
+  for (const std::string& site : sites) text += "    " + site + "\n";
+  return text + "  </SiteList>\n" + behind + "</ns:SiteLists>\n";
+}
+
+// A list with a complete server in line 4 and this site in line 5.
+std::string withSite(const std::string& site) { return lines({serverSite(), site}); }
+
+// A list with a complete server in line 4, and in line 5, column 24, this "ProxyConfig".
+std::string withProxy(const std::string& attributes, const std::string& children = "") {
+  return withSite("<ProxyConfigList><ProxyConfig" + attributes + ">" + children +
+                  "</ProxyConfig></ProxyConfigList>");
+}
+
+std::string manyHosts() {
+  std::string hosts = "<ExclusionList>\n";
+  for (int i = 0; i < 401; ++i) hosts += "<ExclusionHost>a23456789</ExclusionHost>\n";
+  return hosts + "<ExclusionHost>b</ExclusionHost><ExclusionHost/></ExclusionList>";
+}
 
 class CliValidate : public CliTest {
  protected:
-  // The output for a list with this server site, without the file name in front of each line.
-  std::string faultsOf(const std::string& sites, int status = 1,
-                       const std::vector<std::string>& options = {}) {
-    const std::string path = write("lists/list.xml", document(sites));
-    std::vector<std::string> command = {"validate", path};
-    command.insert(command.end(), options.begin(), options.end());
-    const Output output = sitelist(command);
+  // The lines of the output for a document, without the file name in front of each.
+  std::vector<std::string> faultsOf(const std::string& text, int status,
+                                    std::vector<std::string> options = {}) {
+    const std::string path = write("lists/list.xml", text);
+    options.insert(options.begin(), {"validate", path});
+    const Output output = sitelist(options);
     EXPECT_EQ(output.status, status) << output.err;
     EXPECT_EQ(output.err, "");
-    std::string faults = output.out;
-    for (std::size_t at; (at = faults.find(path + ": ")) != std::string::npos;) {
-      faults.erase(at, path.size() + 2);
+    std::vector<std::string> faults;
+    for (std::size_t at = 0; at < output.out.size();) {
+      const std::size_t end = output.out.find('\n', at);
+      const std::string line = output.out.substr(at, end - at);
+      EXPECT_THAT(line, StartsWith(path + ":"));
+      faults.push_back(line.substr(std::min(line.size(), path.size() + 1)));
+      at = end + 1;
     }
     return faults;
   }
 };
 
-TEST_F(CliValidate, PassesACompleteList) { EXPECT_EQ(faultsOf(serverSite(), 0), "valid\n"); }
+struct Case {
+  const char* rule;
+  std::string document;
+  int line;
+  int column;
+  std::string text;  // how it begins
+};
 
-TEST_F(CliValidate, NamesEachRuleOfTheServer) {
-  EXPECT_EQ(faultsOf(serverSite({{"Local", "1"}})), "server-not-local: must not be local\n");
-  EXPECT_EQ(faultsOf(serverSite({{"Type", "mirror"}})),
-            "server-type-master: site type must be master not mirror\n");
-  EXPECT_EQ(faultsOf(serverSite({{"Name", ""}})), "server-name: name cannot be empty\n");
-  EXPECT_EQ(faultsOf(serverSite({{"Server", ""}})),
-            "server-address: server name cannot be empty\n");
-  EXPECT_EQ(faultsOf(serverSite({{"ServerIP", ""}})),
-            "server-ip-address: VESTA IP address cannot be empty\n");
-  EXPECT_EQ(faultsOf(serverSite({{"ServerName", ""}})),
-            "server-computer-name: computer name cannot be empty\n");
-  EXPECT_EQ(faultsOf(serverSite({{"RelativePath", ""}})), "server-path: path cannot be empty\n");
+std::vector<Case> errorCases() {
+  const auto server = [](const std::map<std::string, std::string>& changes) {
+    return lines({serverSite(changes)});
+  };
+  return {
+      {"not-well-formed", "<list>\n  <a></b>\n</list>", 2, 8, "mismatched tag"},
+      {"invalid-encoding", "<a>\xC3\x28</a>", 0, 0, ""},
+      {"over-limit",
+       std::string(300, ' ') + "<a>" +
+           [] {
+             std::string deep;
+             for (int i = 0; i < 256; ++i) deep += "\n<a>";
+             for (int i = 0; i < 256; ++i) deep += "</a>";
+             return deep;
+           }() +
+           "</a>",
+       257, 1, "document over the limit: depth"},
+      {"unknown-site", withSite("<OtherSite/>"), 5, 5,
+       "the last site of the list is of no known kind"},
+      {"no-server", lines({httpSite("depot", "2")}), 3, 3, "Failed to get VESTA site hr=-8"},
+      {"server-not-local", server({{"Local", "1"}}), 4, 5, "must not be local"},
+      {"server-type-master", server({{"Type", "mirror"}}), 4, 5,
+       "site type must be master not mirror"},
+      {"server-name", server({{"Name", ""}}), 4, 5, "name cannot be empty"},
+      {"server-address", server({{"Server", ""}}), 4, 5, "server name cannot be empty"},
+      {"server-ip-address", server({{"ServerIP", ""}}), 4, 5, "VESTA IP address cannot be empty"},
+      {"server-computer-name", server({{"ServerName", ""}}), 4, 5, "computer name cannot be empty"},
+      {"server-path", server({{"RelativePath", ""}}), 4, 5, "path cannot be empty"},
+  };
 }
 
-TEST_F(CliValidate, NamesEveryFaultOfOneList) {
-  EXPECT_EQ(faultsOf(serverSite({{"Local", "1"}, {"Type", "repository"}, {"ServerIP", ""}})),
-            "server-not-local: must not be local\n"
-            "server-type-master: site type must be master not repository\n"
-            "server-ip-address: VESTA IP address cannot be empty\n");
+std::vector<Case> warningCases() {
+  const std::vector<std::string> complete = {serverSite()};
+  return {
+      {"root-element",
+       "<SiteLists" + std::string(c_version) + ">\n<SiteList>" + serverSite() +
+           "</SiteList></SiteLists>",
+       1, 1, "the root \"SiteLists\" is not \"ns:SiteLists\" with xmlns:ns=\"wxSiteList\""},
+      {"missing-global-version", lines(complete, {}, ""), 2, 1,
+       "the list has no \"GlobalVersion\""},
+      {"policies-after-sites", lines(complete, {}, c_version, "  <Policies/>\n"), 6, 3,
+       "these settings stand behind the \"SiteList\" in line 3 and are not loaded"},
+      {"second-site-list", lines(complete, {}, c_version, "<SiteList><What/></SiteList>"), 6, 1,
+       "only the \"SiteList\" in line 3 is read"},
+      {"second-ca-bundle", lines(complete, {"<CaBundle/>", "<CaBundle><What/></CaBundle>"}), 4, 3,
+       "only the \"CaBundle\" in line 3 is read"},
+      {"second-proxy-config",
+       withSite("<ProxyConfigList><ProxyConfig/>\n<ProxyConfig/></ProxyConfigList>"), 6, 1,
+       "this \"ProxyConfig\" takes the place of the one in line 5"},
+      {"unknown-element", lines({"<httpSite/>", serverSite()}), 4, 5,
+       "\"httpSite\" is no kind of site; did you mean HttpSite?"},
+      {"unknown-child", withSite("<LocalSite Name=\"a\">\n<RelativPath/></LocalSite>"), 6, 1,
+       "\"LocalSite\" has no child element \"RelativPath\"; did you mean RelativePath?"},
+      {"unknown-attribute", withSite(R"(<LocalSite Name="a" Oder="4"/>)"), 5, 5,
+       "\"LocalSite\" has no attribute \"Oder\"; did you mean Order?"},
+      {"repeated-child",
+       withSite(
+           "<LocalSite Name=\"a\"><UserName>x</UserName>\n <UserName>y</UserName></LocalSite>"),
+       6, 2, "\"UserName\" takes the place of the one in line 5"},
+      {"site-without-name", withSite("<LocalSite/>"), 5, 5, "the site has no \"Name\""},
+      {"site-without-address", withSite(R"(<UNCSite Name="a"/>)"), 5, 5,
+       "the site \"a\" has no \"Server\""},
+      {"duplicate-name",
+       lines({serverSite(), R"(<LocalSite Name="a"/>)", R"(<LocalSite Name="a"/>)"}), 6, 5,
+       "\"a\" is also the name of the local site in line 5"},
+      {"duplicate-order", withSite(httpSite("depot", "1")), 5, 5,
+       "the order 1 is also that of the site \"Main\" in line 4"},
+      {"order-number", withSite(R"(<LocalSite Name="a" Order="3rd"/>)"), 5, 5,
+       "\"Order\" is \"3rd\", which counts as 3"},
+      {"flag-value", withSite(R"(<LocalSite Name="a" Local="yes"/>)"), 5, 5,
+       "\"Local\" is \"yes\", which counts as 0"},
+      {"port-number", withSite(R"(<FTPSite Name="a" Server="ftp.example:65536"/>)"), 5, 5,
+       "the port \"65536\" of \"Server\" is no number from 0 to 65535"},
+      {"ambiguous-address", withSite(R"(<FTPSite Name="a" Server="[2001:db8::10]"/>)"), 5, 5,
+       "\"Server\" is \"[2001:db8::10]\", which is read as the host \"[2001:db8:\"; write "
+       "[ADDRESS]:PORT"},
+      {"text-cut", withSite("<LocalSite Name=\"" + std::string(260, 'a') + "\"/>"), 5, 5,
+       "\"Name\" has 260 characters and is cut to 259"},
+      {"password-form", withSite("<LocalSite Name=\"a\">\n<Password>secret</Password></LocalSite>"),
+       6, 1, "\"Password\" is not in protected form and reads as empty"},
+      {"proxy-without-port", withProxy(R"( HttpProxyServer="proxy.example:3128")"), 5, 22,
+       "\"HttpProxyServer\" is \"proxy.example:3128\", but \"HttpProxyPort\" is missing or 0"},
+      {"exclusions-cut", withProxy("", manyHosts()), 406, 1,
+       "3 of 403 exclusion hosts no longer fit and are dropped, this one first"},
+      {"certificate-unreadable",
+       lines(complete, {"<CaBundle>\n<CaCertificate>?</CaCertificate></CaBundle>"}), 4, 1,
+       "the text is no certificate"},
+      {"certificate-expired",
+       lines(complete, {"<CaBundle><CaCertificate>" + std::string(c_expiredCertificatePem) +
+                        "</CaCertificate></CaBundle>"}),
+       3, 13,
+       "the certificate of O = Tui Instruments, CN = Old authority expired on 2002-01-01 00:00:00 "
+       "UTC"},
+  };
+}
+
+TEST_F(CliValidate, EachRuleIsBrokenByTheSmallestDocumentThatDoes) {
+  std::vector<std::string> command = {"validate", "--json"};
+  std::vector<Case> cases = errorCases();
+  const std::size_t errors = cases.size();
+  for (const Case& each : warningCases()) cases.push_back(each);
+  for (const Case& each : cases) {
+    command.push_back(write(std::string(each.rule) + ".xml", each.document));
+  }
+  const Output output = sitelist(command);
+  EXPECT_EQ(output.status, 3);
+  const json report = json::parse(output.out);
+  EXPECT_EQ(report["valid"], false);
+  EXPECT_EQ(report["faultCount"], errors);
+  EXPECT_EQ(report["warningCount"], cases.size() - errors);
+  ASSERT_EQ(report["faults"].size(), cases.size()) << "one fault of each, and no other\n"
+                                                   << report["faults"].dump(1);
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    const json& fault = report["faults"][i];
+    EXPECT_EQ(fault["file"], command[i + 2]);
+    EXPECT_EQ(fault["rule"], cases[i].rule);
+    EXPECT_EQ(fault["severity"], i < errors ? "error" : "warning") << cases[i].rule;
+    EXPECT_EQ(fault["line"], cases[i].line ? json(cases[i].line) : json()) << cases[i].rule;
+    EXPECT_EQ(fault["column"], cases[i].line ? json(cases[i].column) : json()) << cases[i].rule;
+    EXPECT_THAT(fault["text"].get<std::string>(), StartsWith(cases[i].text));
+  }
+}
+
+// Every rule that there is, with those of the tests below.
+TEST_F(CliValidate, NoRuleIsForgotten) {
+  std::vector<std::string> expected = {
+      "missing-file", "unreadable-file", "no-sites", "server-request-key", "server-public-key",
+      "key-files-unchecked",
+      // No document breaks them: the library finds its server by what they ask for.
+      "server-kind-http", "server-element"};
+  for (const Case& each : errorCases()) expected.emplace_back(each.rule);
+  for (const Case& each : warningCases()) expected.emplace_back(each.rule);
+  std::vector<std::string> rules;
+  const json report = json::parse(sitelist({"explain-rule", "--json"}).out);
+  for (const json& rule : report["rules"]) {
+    rules.push_back(rule["name"]);
+  }
+  EXPECT_THAT(rules, testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(CliValidate, PassesACompleteList) {
+  EXPECT_THAT(faultsOf(lines({serverSite()}), 0), ElementsAre(" valid"));
+}
+
+TEST_F(CliValidate, NamesEveryFaultOfOneListInTheOrderOfTheDocument) {
+  EXPECT_THAT(
+      faultsOf(lines({R"(<LocalSite Enabled="on"/>)",
+                      serverSite({{"Local", "1"}, {"Type", "repository"}, {"ServerIP", ""}}),
+                      "<OtherSite/>"}),
+               3),
+      ElementsAre("4:5: flag-value: \"Enabled\" is \"on\", which counts as 0 [warning]",
+                  "4:5: site-without-name: the site has no \"Name\" [warning]",
+                  "5:5: server-not-local: must not be local",
+                  "5:5: server-type-master: site type must be master not repository",
+                  "5:5: server-ip-address: VESTA IP address cannot be empty",
+                  "6:5: unknown-site: the last site of the list is of no known kind"));
+}
+
+TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
+  const std::string text =
+      "<ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"1\"><SiteList>\r\n" + serverSite() +
+      "\n<LocalSite Name=\"東京 Αθήνα 😀\"><RelativePath>é</RelativePath><Pass/></LocalSite>"
+      "</SiteList></ns:SiteLists>";
+  const auto unknownChild = ElementsAre(
+      "3:60: unknown-child: \"LocalSite\" has no child element \"Pass\"; did you mean "
+      "Password? [warning]",
+      " valid");
+  EXPECT_THAT(faultsOf(text, 0), unknownChild);
+  EXPECT_THAT(faultsOf("\xEF\xBB\xBF" + text, 0), unknownChild) << "a byte order mark is no text";
+  std::string utf32;
+  for (const wchar_t c : wide(text)) {
+    for (int shift = 24; shift >= 0; shift -= 8) utf32 += static_cast<char>(c >> shift & 0xFF);
+  }
+  EXPECT_THAT(faultsOf(utf32, 0), unknownChild);
+  std::string utf16 = "\xFF\xFE";
+  const auto add = [&](unsigned unit) {
+    utf16 += static_cast<char>(unit & 0xFF);
+    utf16 += static_cast<char>(unit >> 8);
+  };
+  for (const wchar_t c : wide(text)) {
+    const auto code = static_cast<unsigned>(c);
+    if (code >= 0x10000) add(0xD800 + ((code - 0x10000) >> 10));
+    add(code < 0x10000 ? code : 0xDC00 + (code & 0x3FF));
+  }
+  EXPECT_THAT(faultsOf(utf16, 0), unknownChild);
 }
 
 TEST_F(CliValidate, AsksForTheKeyFilesBesideTheList) {
-  const std::string site = serverSite({{"Version", "5.9"}});
+  const std::string text = lines({serverSite({{"Version", "5.9"}})});
   const std::string directory = file("lists");
-  EXPECT_EQ(faultsOf(site), "server-request-key: " + directory + "/reqseckey.bin or " + directory +
-                                "/req2048seckey.bin is invalid\n"
-                                "server-public-key: " +
-                                directory + "/srpubkey.bin or " + directory +
-                                "/sr2048pubkey.bin is invalid\n");
+  const std::string noPublicKey = "4:5: server-public-key: " + directory + "/srpubkey.bin or " +
+                                  directory + "/sr2048pubkey.bin is invalid";
+  EXPECT_THAT(faultsOf(text, 1),
+              ElementsAre("4:5: server-request-key: " + directory + "/reqseckey.bin or " +
+                              directory + "/req2048seckey.bin is invalid",
+                          noPublicKey));
   write("lists/req2048seckey.bin", "key");
-  EXPECT_EQ(faultsOf(site), "server-public-key: " + directory + "/srpubkey.bin or " + directory +
-                                "/sr2048pubkey.bin is invalid\n");
+  EXPECT_THAT(faultsOf(text, 1), ElementsAre(noPublicKey));
   write("lists/srpubkey.bin", "key");
-  EXPECT_EQ(faultsOf(site, 0), "valid\n");
+  EXPECT_THAT(faultsOf(text, 0), ElementsAre(" valid"));
 }
 
 TEST_F(CliValidate, AsksForSitesAndForAServer) {
-  EXPECT_EQ(faultsOf(""),
-            "no-sites: no sites in site list\n"
-            "no-server: Failed to get VESTA site hr=-2\n");
-  EXPECT_EQ(faultsOf(httpSite("depot")), "no-server: Failed to get VESTA site hr=-8\n");
-  EXPECT_EQ(faultsOf(httpSite("depot"), 1, {"--managed"}),
-            "no-server: Failed to get VESTA site hr=-8\n");
+  const std::string noServer = "no-server: Failed to get VESTA site hr=-2";
+  EXPECT_THAT(faultsOf(lines({}), 1),
+              ElementsAre("3:3: no-sites: no sites in site list", "3:3: " + noServer));
+  EXPECT_THAT(faultsOf("<ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"1\"/>", 1),
+              ElementsAre("1:1: no-sites: no sites in site list", "1:1: " + noServer))
+      << "without a \"SiteList\" the root is the nearest place";
+  EXPECT_THAT(faultsOf(lines({httpSite("depot")}), 1, {"--managed"}),
+              ElementsAre("3:3: no-server: Failed to get VESTA site hr=-8"));
 }
 
 TEST_F(CliValidate, LeavesTheServerOutForAnUnmanagedAgent) {
-  EXPECT_EQ(faultsOf(httpSite("depot"), 0, {"--unmanaged"}), "valid\n");
-  EXPECT_EQ(faultsOf("", 1, {"--unmanaged"}), "no-sites: no sites in site list\n");
+  EXPECT_THAT(faultsOf(lines({httpSite("depot")}), 0, {"--unmanaged"}), ElementsAre(" valid"));
+  EXPECT_THAT(faultsOf(lines({}), 1, {"--unmanaged"}),
+              ElementsAre("3:3: no-sites: no sites in site list"));
+  EXPECT_THAT(
+      faultsOf(lines({serverSite({{"Name", ""}, {"Server", ":80"}})}), 0, {"--unmanaged"}),
+      ElementsAre("4:5: site-without-name: the site has no \"Name\" [warning]",
+                  "4:5: site-without-address: the site has no \"Server\" [warning]", " valid"));
 }
 
 TEST_F(CliValidate, IsNotFooledByATextThatEndsLikeAnotherRule) {
-  EXPECT_EQ(faultsOf(serverSite({{"Type", "req2048seckey.bin is invalid"}})),
-            "server-type-master: site type must be master not req2048seckey.bin is invalid\n");
+  EXPECT_THAT(
+      faultsOf(lines({serverSite({{"Type", "req2048seckey.bin is invalid"}})}), 1),
+      ElementsAre(
+          "4:5: server-type-master: site type must be master not req2048seckey.bin is invalid"));
 }
 
-TEST_F(CliValidate, TellsWhereADocumentIsNotWellFormed) {
-  const std::string path = write("list.xml", "<list>\n  <a></b>\n</list>");
-  const Output output = sitelist({"validate", path});
-  EXPECT_EQ(output.status, 3);
-  EXPECT_THAT(output.out, testing::StartsWith(path + ": not-well-formed: 2:"));
-  EXPECT_THAT(output.out, HasSubstr("mismatched tag"));
+TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
+  const std::string text = "unknown-site: the last site of the list is of no known kind";
+  const std::string server = serverSite();
+  EXPECT_THAT(faultsOf(lines({server, "<ProxyConfig/>"}), 3), ElementsAre("5:5: " + text))
+      << "proxy settings without their list are no site";
+  EXPECT_THAT(faultsOf(lines({server, "<Other/>", "<ProxyConfigList/>"}), 3),
+              ElementsAre("5:5: " + text))
+      << "an empty proxy list decides nothing";
+  EXPECT_THAT(faultsOf(lines({server, "<ProxyConfigList>", "<Other/>", "</ProxyConfigList>"}), 3),
+              ElementsAre("6:5: " + text));
+  EXPECT_THAT(
+      faultsOf(lines({server, "<Other/>", "<ProxyConfigList><LocalSite/>", "</ProxyConfigList>"}),
+               0),
+      ElementsAre("5:5: unknown-element: \"Other\" is no kind of site [warning]",
+                  "6:22: unknown-child: \"ProxyConfigList\" has no child element "
+                  "\"LocalSite\" [warning]",
+                  " valid"));
 }
 
-TEST_F(CliValidate, NamesTheOtherFaultsOfADocument) {
-  const std::string text = write("text.xml", "no markup");
-  EXPECT_EQ(sitelist({"validate", text}).out,
-            text + ": not-well-formed: 1:1: there is no markup in the file\n");
-  const std::string bytes = write("bytes.xml", "<a>\xC3\x28</a>");
-  const Output invalid = sitelist({"validate", bytes});
-  EXPECT_EQ(invalid.status, 3);
-  EXPECT_THAT(invalid.out, testing::StartsWith(bytes + ": invalid-encoding: "));
-  const std::string deep = write("deep.xml", [] {
-    std::string nested;
-    for (int i = 0; i < 100000; ++i) nested += "<a>";
-    for (int i = 0; i < 100000; ++i) nested += "</a>";
-    return nested;
-  }());
-  const Output limit = sitelist({"validate", deep});
-  EXPECT_EQ(limit.status, 3);
-  EXPECT_THAT(limit.out, testing::StartsWith(deep + ": over-limit: "));
-  const std::string unknown = write("unknown.xml", document("<OtherSite/>"));
-  EXPECT_EQ(sitelist({"validate", unknown}).out,
-            unknown + ": unknown-site: the last site of the list is of no known kind\n");
+TEST_F(CliValidate, SaysWhatAFileIsThatCannotBeRead) {
+  const Output text = sitelist({"validate", write("text.xml", "no markup")});
+  EXPECT_EQ(text.out, file("text.xml") + ":1:1: not-well-formed: there is no markup in the file\n");
   const Output directory = sitelist({"validate", file("tmp")});
   EXPECT_EQ(directory.status, 4);
-  EXPECT_THAT(directory.out, testing::StartsWith(file("tmp") + ": unreadable-file: "));
+  EXPECT_THAT(directory.out, StartsWith(file("tmp") + ": unreadable-file: "));
   const Output missing = sitelist({"validate", file("none.xml")});
   EXPECT_EQ(missing.status, 4);
   EXPECT_EQ(missing.out, file("none.xml") + ": missing-file: the file does not exist\n");
@@ -125,8 +341,163 @@ TEST_F(CliValidate, ChecksSeveralListsAndKeepsTheHighestStatus) {
   const Output output = sitelist({"validate", broken, incomplete, good});
   EXPECT_EQ(output.status, 3);
   EXPECT_THAT(output.out, HasSubstr(good + ": valid\n"));
-  EXPECT_THAT(output.out, HasSubstr(incomplete + ": server-name: "));
+  EXPECT_THAT(output.out, testing::ContainsRegex("incomplete.xml:2:[0-9]+: server-name: "));
   EXPECT_EQ(sitelist({"validate", incomplete, good}).status, 1);
+}
+
+TEST_F(CliValidate, CountsWarningsAsFaultsWhenStrict) {
+  const std::string text = withSite("<LocalSite/>");
+  const std::string warning = "5:5: site-without-name: the site has no \"Name\" [warning]";
+  EXPECT_THAT(faultsOf(text, 0), ElementsAre(warning, " valid"));
+  EXPECT_THAT(faultsOf(text, 1, {"--strict"}), ElementsAre(warning));
+  const json report =
+      json::parse(sitelist({"validate", "--strict", "--json", write("list.xml", text)}).out);
+  EXPECT_EQ(report["valid"], false);
+  EXPECT_EQ(report["faultCount"], 1);
+  EXPECT_EQ(report["warningCount"], 0);
+  EXPECT_EQ(report["faults"][0]["severity"], "warning");
+  EXPECT_THAT(faultsOf(lines({serverSite()}), 0, {"--strict"}), ElementsAre(" valid"));
+}
+
+TEST_F(CliValidate, ReadsStandardInput) {
+  EXPECT_EQ(sitelist({"validate", "-"}, lines({serverSite()})).out, "standard input: valid\n");
+  const Output broken = sitelist({"validate", "-"}, "<a>\n</b>");
+  EXPECT_EQ(broken.status, 3);
+  EXPECT_EQ(broken.out, "standard input:2:3: not-well-formed: mismatched tag\n");
+  const Output keys = sitelist({"validate", "-"}, lines({serverSite({{"Version", "5.9"}})}));
+  EXPECT_EQ(keys.status, 0);
+  EXPECT_EQ(keys.out,
+            "standard input:4:5: key-files-unchecked: the server has a version, but there is no "
+            "directory in which to look for its key files [warning]\nstandard input: valid\n");
+  const Output twice = sitelist({"validate", "-", "-"}, lines({serverSite()}));
+  EXPECT_EQ(twice.status, 2);
+  EXPECT_THAT(twice.err, HasSubstr("standard input can be read once only\n  next: "));
+}
+
+TEST_F(CliValidate, SaysTheSameInEveryForm) {
+  const std::string path =
+      write("list.xml", lines({serverSite({{"Name", ""}}), R"(<LocalSite Name="a&lt;&quot;,"/>)"}));
+  EXPECT_EQ(sitelist({"validate", "--format", "csv", "none.xml", path}).out,
+            "file,line,column,severity,rule,text\n"
+            "none.xml,,,error,missing-file,the file does not exist\n" +
+                path + ",4,5,error,server-name,name cannot be empty\n");
+  EXPECT_THAT(sitelist({"validate", "--format", "xml", path}).out,
+              HasSubstr("  <valid>false</valid>\n  <faultCount>1</faultCount>\n"
+                        "  <warningCount>0</warningCount>\n  <faults>\n    <fault>\n      <file>" +
+                        path +
+                        "</file>\n      <line>4</line>\n      <column>5</column>\n"
+                        "      <severity>error</severity>\n      <rule>server-name</rule>\n"
+                        "      <text>name cannot be empty</text>\n    </fault>\n  </faults>\n"));
+  const json report = json::parse(sitelist({"validate", "--json", "none.xml"}).out);
+  EXPECT_EQ(report["status"], 4);
+  EXPECT_EQ(report["faults"][0]["line"], json());
+}
+
+TEST_F(CliValidate, ColoursErrorsWarningsAndWhatIsValid) {
+  const std::string bad = write("bad.xml", lines({serverSite({{"Name", ""}}), "<LocalSite/>"}));
+  const std::string good = write("good.xml", lines({serverSite()}));
+  EXPECT_EQ(sitelist({"validate", "--color", "always", bad, good}).out,
+            bad + ":4:5: \033[31mserver-name\033[0m: name cannot be empty\n" + bad +
+                ":5:5: \033[35msite-without-name\033[0m: the site has no \"Name\" [warning]\n" +
+                good + ": \033[32mvalid\033[0m\n");
+}
+
+TEST_F(CliValidate, DoesNotWarnOfWhatTheLibraryItselfWrites) {
+  initAgent({"--managed"});
+  const std::string password = protectedText("clear");
+  const std::string source = write(
+      "list.xml",
+      lines({serverSite(), httpSite("depot", "2", password), R"(<UNCSite Name="a" Server="f"/>)",
+             R"(<FTPSite Name="a" Server="f"/>)", R"(<LocalSite Name="a"/>)",
+             R"(<KeystoneSite Name="a" ServerDNS="f" Server="x:y:z" ServerIP="[::1]:80"/>)",
+             R"(<HttpSite Name="mirror" Type="Mirror" Enabled="1" Order="1" Server="m"/>)",
+             R"(<HttpSite Name="last" Type="fallback" Enabled="1" Server="last.example"/>)",
+             "<ProxyConfigList><ProxyConfig UseIEConfig=\"1\" FtpProxyServer=\"p\" "
+             "FtpProxyPort=\"1\">"
+             "<ExclusionList><ExclusionHost>a</ExclusionHost></ExclusionList><FtpProxyPassword>" +
+                 password + "</FtpProxyPassword></ProxyConfig></ProxyConfigList>"},
+            {"<CaBundle><CaCertificate>" + std::string(c_certificatePem) +
+                 "</CaCertificate></CaBundle>",
+             "<Policies><Setting name=\"a\">b</Setting></Policies>"},
+            std::string(c_version) + R"( LocalVersion="1" Type="Client" FipsMode="1")"));
+  EXPECT_EQ(sitelist({"validate", source}).out, source + ": valid\n");
+  ASSERT_EQ(sitelist({"rewrite", source, file("copy.xml")}).status, 0);
+  EXPECT_EQ(sitelist({"validate", file("copy.xml")}).out, file("copy.xml") + ": valid\n");
+}
+
+TEST_F(CliValidate, LeavesTheRestOfTheVocabularyAlone) {
+  EXPECT_THAT(
+      faultsOf(
+          withSite(
+              "<FTPSite Name=\"a\" Server=\"f\" ID=\"1\" Port=\"x\" Passive=\"?\" "
+              "xml:space=\"preserve\"><ReplicationUNC>a</ReplicationUNC><Passive/>"
+              "<ReplicationPassword>x</ReplicationPassword></FTPSite><ProxyConfigList>"
+              "<ProxyConfig Local=\"x\"><LocalAddrRangeList><LocalAddrRange IPAddrStart=\"1\"/>"
+              "</LocalAddrRangeList></ProxyConfig></ProxyConfigList>"),
+          0),
+      ElementsAre(" valid"));
+}
+
+TEST_F(CliValidate, TakesValuesAsTheLibraryDoes) {
+  const auto isFine = [&](const std::string& site) {
+    EXPECT_THAT(faultsOf(withSite(site), 0), ElementsAre(" valid")) << site;
+  };
+  isFine(R"(<LocalSite Name="a" Enabled=" 1&#10;" Local="" Order=" +7"/>)");
+  isFine(
+      R"(<HttpSite Name="a" Server="a: 80" SecurePort="" ServerName="a.b.c" ServerIP="[::]:0"/>)");
+  isFine("<LocalSite Name=\"" + std::string(259, 'a') + "\"><RelativePath>" +
+         std::string(519, 'a') + "</RelativePath><Password/></LocalSite>");
+  isFine("<HttpSite Name=\"a\" Server=\"" + std::string(259, 'a') + ":80\" ServerName=\"" +
+         std::string(260, 'a') + ".example:80\" ServerIP=\"" + std::string(99, '1') + "\"/>");
+  isFine(R"(<UNCSite Name="a" Server="a:b:c"/><UNCSite Name="b" Server="d"/>)");
+}
+
+TEST_F(CliValidate, FindsWhatTheLibraryReadsOtherwise) {
+  const auto rulesOf = [&](const std::string& site) {
+    std::string rules;
+    for (const std::string& line : faultsOf(withSite(site), 0)) {
+      const std::size_t begin = line.find(' ') + 1;
+      if (line != " valid") rules += line.substr(begin, line.find(':', begin) - begin) + " ";
+    }
+    return rules;
+  };
+  EXPECT_EQ(
+      rulesOf("<HttpSite Name=\"a\" Server=\"" + std::string(260, 'a') + ":80\" ServerName=\"" +
+              std::string(261, 'a') + "\" ServerIP=\"" + std::string(100, '1') +
+              "\"><RelativePath>" + std::string(520, 'a') + "</RelativePath></HttpSite>"),
+      "text-cut text-cut text-cut text-cut ");
+  EXPECT_EQ(rulesOf(R"(<HttpSite Name="a" Server="a:" SecurePort="443s"/>)"),
+            "port-number port-number ");
+  EXPECT_EQ(rulesOf(R"(<HttpSite Name="a" Server="fe80::1"/>)"), "ambiguous-address ");
+  EXPECT_EQ(rulesOf(R"(<HttpSite Name="a" Server="a" Version="1" ServerDNS="b"/>)"),
+            "unknown-attribute unknown-attribute ")
+      << "they are read of other kinds of sites only";
+  EXPECT_EQ(rulesOf(R"(<KeystoneSite Name="a" Server="a" ServerDNS=""/>)"),
+            "site-without-address ");
+  EXPECT_EQ(rulesOf(R"(<LocalSite Name="a" Order="" Enabled="2"/>)"), "order-number flag-value ");
+  EXPECT_EQ(rulesOf(R"(<LocalSite Name="a" Order="2147483648"/>)"), "order-number ");
+  EXPECT_EQ(rulesOf("<LocalSite Name=\"a\"><UseLoggedonUserAccount>no</UseLoggedonUserAccount>"
+                    "<Password Encrypted=\"1\">AQEBAQEB</Password></LocalSite>"),
+            "flag-value password-form ");
+  EXPECT_EQ(rulesOf(R"(<LocalSite Name="a" Enabled="1"/><LocalSite Name="b" Enabled="1"/>)"),
+            "duplicate-order ")
+      << "a missing order counts as 0";
+  EXPECT_EQ(rulesOf(R"(<LocalSite Name="a" Type="Fallback" Enabled="1"/>)"
+                    R"(<LocalSite Name="b" Type="fallback" Enabled="1"/>)"),
+            "duplicate-order ");
+  EXPECT_EQ(rulesOf("<ProxyConfigList UseIEConfig=\"x\"><ProxyConfig HttpProxyServer=\"p\" "
+                    "HttpProxyPort=\"x\"><ExclusionList><Host/></ExclusionList></ProxyConfig>"
+                    "</ProxyConfigList>"),
+            "flag-value port-number unknown-child ");
+}
+
+TEST_F(CliValidate, NeverPrintsAPassword) {
+  const Output output = sitelist(
+      {"validate", "--verbose",
+       write("list.xml",
+             withSite("<LocalSite Name=\"a\"><Password>open sesame</Password></LocalSite>"))});
+  EXPECT_THAT(output.out, HasSubstr("password-form"));
+  EXPECT_THAT(output.out + output.err, testing::Not(HasSubstr("sesame")));
 }
 
 TEST_F(CliValidate, TouchesNoAgent) {

@@ -27,6 +27,7 @@ clean() {
   put host/fs/files.h '#include "host/agent.h"'
   put host/xml/tree.h '#include <pugixml.hpp>'
   put tools/sitelist/main.cpp '#include <CLI/CLI.hpp>'
+  put tools/sitelist/place.cpp '#include <expat.h>'
   put tools/sitelist/read.cpp '#include "sitehlp/helper.h"'
   put tests/one_test.cpp '#include "host/xml/tree.h"'
 }

@@ -107,15 +107,14 @@ std::string describe(const DocumentFault& fault) {
   return text + fault.reason + "\n";
 }
 
-// What stops the text that `getText` gives from being a document.
+// Parses the text that `getText` gives; tells what stops it from being a document.
 template <typename GetText>
-std::optional<DocumentFault> findFault(GetText getText) {
+std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
+                                   std::unique_ptr<AdvXMLParser::Document>& document) {
   try {
-    std::wstring text;
     AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
     getText(text, encoding);
-    const std::unique_ptr<AdvXMLParser::Document> document(
-        AdvXMLParser::Parser().Parse(text.data(), text.size()));
+    document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
     if (document) return std::nullopt;
     return DocumentFault{exitDocument, "not-well-formed", 1, 1, "there is no markup in the file"};
   } catch (const AdvXMLParser::ParsingException& e) {
@@ -144,20 +143,33 @@ std::string Failure::next() const {
   return at == std::string::npos ? "" : text.substr(at + std::strlen(c_nextMark));
 }
 
+std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
+                                          std::unique_ptr<AdvXMLParser::Document>& document) {
+  return parse(
+      [&](std::wstring& into, AdvXMLParser::UTF_ENCODINGS& encoding) {
+        AdvXMLParser::ReadBufferFromFile(wide(path), into, encoding, nullptr);
+      },
+      text, document);
+}
+
 std::optional<DocumentFault> findDocumentFault(const std::string& path) {
-  return findFault([&](std::wstring& text, AdvXMLParser::UTF_ENCODINGS& encoding) {
-    AdvXMLParser::ReadBufferFromFile(wide(path), text, encoding, nullptr);
-  });
+  std::wstring text;
+  std::unique_ptr<AdvXMLParser::Document> document;
+  return readDocument(path, text, document);
 }
 
 std::optional<DocumentFault> findFaultInBytes(const std::string& bytes) {
-  return findFault([&](std::wstring& text, AdvXMLParser::UTF_ENCODINGS& encoding) {
-    const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
-    if (!AdvXMLParser::ConvertBufferToUnicode(data, bytes.size(), text, encoding)) {
-      throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
-                               "the bytes are not valid in their encoding");
-    }
-  });
+  std::wstring text;
+  std::unique_ptr<AdvXMLParser::Document> document;
+  return parse(
+      [&](std::wstring& into, AdvXMLParser::UTF_ENCODINGS& encoding) {
+        const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
+        if (!AdvXMLParser::ConvertBufferToUnicode(data, bytes.size(), into, encoding)) {
+          throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
+                                   "the bytes are not valid in their encoding");
+        }
+      },
+      text, document);
 }
 
 std::string formatCode(int code) {

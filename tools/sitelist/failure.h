@@ -1,11 +1,16 @@
 #ifndef TOOLS_SITELIST_FAILURE_H
 #define TOOLS_SITELIST_FAILURE_H
 
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "tools/sitelist/exit_status.h"
+
+namespace AdvXMLParser {
+class Document;
+}
 
 namespace tool {
 
@@ -44,6 +49,9 @@ struct DocumentFault {
   std::string reason;
 };
 
+// Reads and parses a file; tells what stops it from being a document.
+std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
+                                          std::unique_ptr<AdvXMLParser::Document>& document);
 // Reads and parses a file to see why an operation of the library refused it. Nothing when it can be
 // read now.
 std::optional<DocumentFault> findDocumentFault(const std::string& path);

@@ -7,9 +7,9 @@
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/failure.h"
 #include "tools/sitelist/log_record.h"
-#include "tools/sitelist/rules.h"
 #include "tools/sitelist/site_list.h"
 #include "tools/sitelist/text.h"
+#include "tools/sitelist/validation.h"
 
 namespace tool {
 namespace {
@@ -57,8 +57,8 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
   const auto document = findDocumentFault(options.file);
   if (code == sitehlp::c_errorValidation || code == sitehlp::c_errorNoServerSite ||
       code == sitehlp::c_errorNoPath) {
-    for (const BrokenRule& rule : brokenRules()) {
-      std::cerr << shown(options.file) << ": " << rule.name << ": " << rule.text << '\n';
+    for (const Fault& fault : brokenRules(options.file)) {
+      std::cerr << lineOf(options.file, fault) << '\n';
     }
     throw libraryFailure(options.file, code, exitNegative,
                          "the list is refused, and nothing was changed",

@@ -19,6 +19,7 @@ void addCommands(Command& app, Context& context) {
   addCerts(app, context);
   addPolicies(app, context);
   addValidate(app, context);
+  addExplainRule(app, context);
   addImport(app, context);
   addInstall(app, context);
   addMerge(app, context);

@@ -1,14 +1,15 @@
 #include <algorithm>
-#include <iostream>
+#include <fstream>
+#include <memory>
+#include <ostream>
 
-#include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/failure.h"
+#include "tools/sitelist/input.h"
 #include "tools/sitelist/log_record.h"
-#include "tools/sitelist/rules.h"
-#include "tools/sitelist/site_list.h"
 #include "tools/sitelist/text.h"
+#include "tools/sitelist/validation.h"
 
 namespace tool {
 namespace {
@@ -17,60 +18,100 @@ struct Options {
   std::vector<std::string> files;
   bool managed = false;
   bool unmanaged = false;
+  bool strict = false;
 };
 
-void printFault(const std::string& file, const std::string& rule, const std::string& text) {
-  std::cout << shown(file) << ": " << rule << ": " << text << '\n';
+struct CheckedList {
+  std::string name;
+  std::vector<Fault> faults;
+  bool isValid = true;
+};
+
+bool counts(const Fault& fault, bool strict) {
+  return strict || fault.rule->severity == Severity::Error;
 }
 
-int reportUnreadable(const std::string& file, int result) {
-  if (result == sitehlp::c_errorFileMissing) {
-    printFault(file, "missing-file", "the file does not exist");
-    return exitFile;
-  }
-  if (const auto fault = findDocumentFault(file)) {
-    const std::string place =
-        fault->line == 0 ? ""
-                         : std::to_string(fault->line) + ":" + std::to_string(fault->column) + ": ";
-    printFault(file, fault->rule, place + fault->reason);
-    return fault->status;
-  }
-  if (result == sitehlp::c_errorGeneral) {
-    printFault(file, "unknown-site", "the last site of the list is of no known kind");
-    return exitDocument;
-  }
-  throw libraryFailure(file, result);
+// The library reads files only.
+ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
+  const ListSource source{input.name, agent.directory() + "/standard-input.xml", false};
+  std::ofstream file(source.path, std::ios::binary);
+  file.write(input.bytes.data(), static_cast<std::streamsize>(input.bytes.size()));
+  file.close();
+  if (file) return source;
+  throw Failure(exitFile, shown(source.path) +
+                              ": standard input could not be stored\n  next: make room there, or "
+                              "set TMPDIR to another directory");
 }
 
-int validateOne(const std::string& file, bool checkServer) {
-  clearLogRecords();
-  sitehlp::CSitesHelper helper(true);
-  sitehlp::tag_Site* list = nullptr;
-  const int read = helper.ReadSiteList(wide(file), &list, false);
-  const Sites sites(list);
-  if (read != 0) return reportUnreadable(file, read);
-  const int result = helper.SourceSiteListCheck(sites.get(), checkServer);
-  if (result == 0) {
-    std::cout << shown(file) << ": valid\n";
-    return exitSuccess;
+void print(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
+  for (const CheckedList& list : lists) {
+    for (const Fault& fault : list.faults) out << lineOf(list.name, fault, screen) << '\n';
+    if (list.isValid)
+      out << shown(list.name) << ": " << screen.styled(Style::Good, "valid") << '\n';
   }
-  const std::vector<BrokenRule> broken = brokenRules();
-  if (broken.empty()) throw libraryFailure(file, result);
-  for (const BrokenRule& rule : broken) printFault(file, rule.name, rule.text);
-  return exitNegative;
 }
 
-int validate(Context& context, const Options& options) {
+Record rowOf(const CheckedList& list, const Fault& fault) {
+  const auto orNull = [](unsigned long number) {
+    return number == 0 ? Scalar() : Scalar(static_cast<std::int64_t>(number));
+  };
+  return {{"file", narrow(wide(list.name))},
+          {"line", orNull(fault.place.line)},
+          {"column", orNull(fault.place.column)},
+          {"severity", std::string(nameOf(fault.rule->severity))},
+          {"rule", std::string(fault.rule->name)},
+          {"text", fault.text}};
+}
+
+Report reportOf(std::vector<CheckedList> lists, bool strict) {
+  std::int64_t faults = 0;
+  std::int64_t warnings = 0;
+  Report report;
+  report.rowsName = "faults";
+  report.rowName = "fault";
+  report.columns = {"file", "line", "column", "severity", "rule", "text"};
+  for (const CheckedList& list : lists) {
+    for (const Fault& fault : list.faults) {
+      report.rows.push_back(rowOf(list, fault));
+      ++(counts(fault, strict) ? faults : warnings);
+    }
+  }
+  report.facts = {{"valid", faults == 0}, {"faultCount", faults}, {"warningCount", warnings}};
+  report.table = [lists = std::move(lists)](std::ostream& out, const Screen& screen) {
+    print(out, screen, lists);
+  };
+  return report;
+}
+
+void requireSense(const Options& options) {
   if (options.managed && options.unmanaged) {
     throw Failure(exitUsage,
                   "--managed and --unmanaged exclude each other\n  next: give at most one of them");
   }
+  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+    throw Failure(exitUsage,
+                  "standard input can be read once only\n  next: give \"-\" at most once");
+  }
+}
+
+int validate(Context& context, const Options& options) {
+  requireSense(options);
   const PrivateAgent agent(context, PrivateAgent::Detached);
+  std::vector<CheckedList> lists;
   int status = exitSuccess;
   for (const std::string& file : options.files) {
-    status = std::max(status, validateOne(file, !options.unmanaged));
+    const ListSource source =
+        file == "-" ? storeStandardInput(agent, readInput(file)) : ListSource{file, file};
+    CheckedList list{source.name, validateList(source, !options.unmanaged)};
+    for (const Fault& fault : list.faults) {
+      if (!counts(fault, options.strict)) continue;
+      list.isValid = false;
+      status = std::max<int>(status, std::max(fault.rule->status, exitNegative));
+    }
+    lists.push_back(std::move(list));
   }
   clearLogRecords();
+  context.report = reportOf(std::move(lists), options.strict);
   return status;
 }
 
@@ -79,24 +120,34 @@ int validate(Context& context, const Options& options) {
 void addValidate(Command& app, Context& context) {
   Command command = app.add_subcommand("validate", "Check whether site lists can be imported");
   const auto options = std::make_shared<Options>();
-  command.add_option("FILE", options->files, "Site lists").required().type_name("");
+  command.add_option("FILE", options->files, "Site lists; - stands for standard input")
+      .required()
+      .type_name("")
+      .completes(Completion::File);
   command.add_flag("--managed", options->managed,
                    "Check as an agent under central management does,\nmanagement server included "
                    "(the default)");
   command.add_flag("--unmanaged", options->unmanaged,
                    "Check as an agent does that is not under central\nmanagement");
+  command.add_flag("--strict", options->strict, "Warnings count as faults, too");
   command.footer(
-      "Needs no agent, and writes nothing. Each fault is one line, FILE: RULE: TEXT.\n"
-      "The rules:\n" +
-      ruleHelp() +
-      "Faults of the document itself, which leave nothing to check:\n"
-      "  missing-file, unreadable-file, invalid-encoding, over-limit,\n"
-      "  not-well-formed (with LINE:COLUMN), unknown-site (the last site's element is\n"
-      "  of no known kind)\n"
+      "Needs no agent, and writes nothing. Each fault is one line,\n"
+      "  FILE:LINE:COLUMN: RULE: TEXT\n"
+      "without LINE:COLUMN where no place is meant. `sitelist explain-rule RULE` tells\n"
+      "why a rule matters and how to mend what breaks it.\n"
+      "\n"
+      "Rules that a list has to keep to be taken:\n" +
+      ruleHelp(Severity::Error) +
+      "The rules of the server hold for the first one of the list.\n"
+      "\n"
+      "Warnings, which end in [warning], tell what the agent takes without a word but\n"
+      "reads in another way than it seems to be meant:\n" +
+      ruleHelp(Severity::Warning) +
       "Of several lists the exit status is the highest.\n\n"
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
-      "  sitelist validate --unmanaged lists/*.xml\n");
+      "  sitelist validate --unmanaged --strict lists/*.xml\n"
+      "  ssh server cat SiteList.xml | sitelist validate - --format json\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return validate(context, *options); };
   });

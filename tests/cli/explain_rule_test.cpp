@@ -1,0 +1,142 @@
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "tests/cli/cli_fixture.h"
+#include "tests/cli/documents.h"
+
+namespace test {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+class CliExplainRule : public CliTest {
+ protected:
+  json rules() { return json::parse(sitelist({"explain-rule", "--json"}).out)["rules"]; }
+};
+
+TEST_F(CliExplainRule, EveryRuleHasAllItsTexts) {
+  std::set<std::string> names;
+  std::set<std::string> explanations;
+  for (const json& rule : rules()) {
+    const std::string name = rule["name"];
+    EXPECT_THAT(name, testing::MatchesRegex("[a-z]+(-[a-z]+)+"));
+    EXPECT_TRUE(names.insert(name).second) << name << " is there twice";
+    EXPECT_TRUE(rule["severity"] == "error" || rule["severity"] == "warning") << name;
+    EXPECT_LE(rule["summary"].get<std::string>().size(), 54U) << name << " has to fit the help";
+    for (const char* text : {"why", "mend"}) {
+      EXPECT_THAT(rule[text].get<std::string>(), testing::MatchesRegex("[A-Z].*[^ ]\\.")) << name;
+    }
+    EXPECT_TRUE(explanations.insert(rule["why"]).second) << name << " is explained like another";
+    for (const char* text : {"summary", "faulty", "mended"}) {
+      EXPECT_NE(rule[text], "") << name;
+      EXPECT_THAT(rule[text].get<std::string>(), testing::Not(HasSubstr("\n"))) << name;
+    }
+    EXPECT_NE(rule["faulty"], rule["mended"]) << name;
+  }
+  EXPECT_GE(names.size(), 40U);
+}
+
+// What an example is put into.
+std::string inDocument(const std::string& rule, const std::string& example) {
+  const auto begins = [&](const char* text) { return example.rfind(text, 0) == 0; };
+  if (begins("<ns:SiteLists") || begins("<SiteLists ")) {
+    const std::string name = begins("<ns:") ? "ns:SiteLists" : "SiteLists";
+    return example + "</" + name + ">";
+  }
+  if (begins("<CaBundle>") || begins("<CaBundle/>") || begins("<Policies/>") ||
+      begins("<SiteList")) {
+    return "<ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"1\">" + example +
+           "</ns:SiteLists>";
+  }
+  if (rule == "not-well-formed") {
+    return "<ns:SiteLists><SiteList><LocalSite>" + example +
+           "</LocalSite></SiteList></ns:SiteLists>";
+  }
+  // In front of a known site, unless it has to be the last one.
+  const bool isLast = rule == "unknown-site" || rule == "no-server";
+  return document(isLast ? example : example + "<LocalSite Name=\"Last\"/>");
+}
+
+TEST_F(CliExplainRule, ItsExamplesBreakTheRuleAndKeepIt) {
+  // Shown in another way than by a whole element.
+  const std::set<std::string> others = {
+      "missing-file",           "unreadable-file",      "invalid-encoding",   "over-limit",
+      "server-kind-http",       "server-element",       "server-request-key", "server-public-key",
+      "key-files-unchecked",    "policies-after-sites", "text-cut",           "exclusions-cut",
+      "certificate-unreadable", "certificate-expired"};
+  std::vector<std::string> command = {"validate", "--json"};
+  std::size_t count = 0;
+  for (const json& rule : rules()) {
+    const std::string name = rule["name"];
+    if (others.count(name) != 0) continue;
+    ++count;
+    command.push_back(write(name + ".faulty", inDocument(name, rule["faulty"])));
+    command.push_back(write(name + ".mended", inDocument(name, rule["mended"])));
+  }
+  EXPECT_EQ(count + others.size(), rules().size());
+  std::set<std::pair<std::string, std::string>> broken;
+  const json report = json::parse(sitelist(command).out);
+  for (const json& fault : report["faults"]) {
+    broken.emplace(fault["file"], fault["rule"]);
+  }
+  for (std::size_t i = 2; i < command.size(); i += 2) {
+    const std::string path = command[i];
+    const std::size_t begin = path.rfind('/') + 1;
+    const std::string name = path.substr(begin, path.rfind('.') - begin);
+    EXPECT_EQ(broken.count({path, name}), 1U) << readFile(path);
+    EXPECT_EQ(broken.count({command[i + 1], name}), 0U) << readFile(command[i + 1]);
+  }
+}
+
+TEST_F(CliExplainRule, TellsAllOfOneRule) {
+  const Output output = sitelist({"explain-rule", "flag-value"});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_EQ(output.out,
+            "flag-value (warning)\n"
+            "  a flag is 0 or 1\n"
+            "\n"
+            "Why\n"
+            "  A flag is read as a number: yes, true and on count as 0, so a site that is\n"
+            "  Enabled=\"true\" is disabled.\n"
+            "\n"
+            "What to do\n"
+            "  Write 1 or 0.\n"
+            "\n"
+            "Faulty\n"
+            "  <LocalSite Name=\"Disk\" Enabled=\"true\"/>\n"
+            "\n"
+            "Mended\n"
+            "  <LocalSite Name=\"Disk\" Enabled=\"1\"/>\n");
+  const json one = json::parse(sitelist({"explain-rule", "flag-value", "--json"}).out);
+  EXPECT_EQ(one["name"], "flag-value");
+  EXPECT_EQ(one["severity"], "warning");
+  EXPECT_EQ(one["mend"], "Write 1 or 0.");
+  for (const json& rule : rules()) {
+    if (rule["name"] != "flag-value") continue;
+    for (const auto& [name, text] : rule.items()) EXPECT_EQ(one[name], text) << name;
+  }
+}
+
+TEST_F(CliExplainRule, ListsAllRulesOnALineEach) {
+  const std::string out = sitelist({"explain-rule"}).out;
+  EXPECT_THAT(out, testing::StartsWith("RULE                    SEVERITY  WHAT IT ASKS\n"
+                                       "missing-file            error     the file exists\n"));
+  EXPECT_THAT(out, HasSubstr("\nflag-value              warning   a flag is 0 or 1\n"));
+  EXPECT_EQ(static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n')), rules().size() + 1);
+}
+
+TEST_F(CliExplainRule, NamesWhatIsNearAnUnknownRule) {
+  const Output output = sitelist({"explain-rule", "server-adress"});
+  EXPECT_EQ(output.status, 7);
+  EXPECT_EQ(output.out, "");
+  EXPECT_EQ(output.err,
+            "sitelist: there is no rule \"server-adress\"; did you mean server-address?\n"
+            "  next: `sitelist explain-rule` names them all\n");
+  EXPECT_THAT(sitelist({"explain-rule", "certificate"}).err,
+              HasSubstr("; did you mean certificate-expired or certificate-unreadable?\n"));
+  EXPECT_THAT(sitelist({"explain-rule", "zzz"}).err, HasSubstr("there is no rule \"zzz\"\n"));
+}
+
+}  // namespace
+}  // namespace test

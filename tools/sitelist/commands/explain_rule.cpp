@@ -1,0 +1,115 @@
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <sstream>
+
+#include "tools/sitelist/command.h"
+#include "tools/sitelist/failure.h"
+#include "tools/sitelist/near_names.h"
+#include "tools/sitelist/rules.h"
+#include "tools/sitelist/table.h"
+#include "tools/sitelist/text.h"
+
+namespace tool {
+namespace {
+
+constexpr std::size_t c_readableColumns = 80;
+
+struct Options {
+  std::string name;
+};
+
+Record recordOf(const Rule& rule) {
+  return {{"name", std::string(rule.name)},       {"severity", std::string(nameOf(rule.severity))},
+          {"summary", std::string(rule.summary)}, {"why", std::string(rule.why)},
+          {"mend", std::string(rule.mend)},       {"faulty", std::string(rule.faulty)},
+          {"mended", std::string(rule.mended)}};
+}
+
+// The text in lines that are indented by two columns.
+std::string wrapped(const std::string& text, std::size_t columns) {
+  std::istringstream words(text);
+  std::string all;
+  std::string line = " ";
+  for (std::string word; words >> word;) {
+    if (line.size() > 1 && columnsOf(wide(line + " " + word)) > columns) {
+      all += line + '\n';
+      line = " ";
+    }
+    line += " " + word;
+  }
+  return all + line + '\n';
+}
+
+void print(std::ostream& out, const Screen& screen, const Rule& rule) {
+  const std::size_t columns =
+      screen.columns == 0 ? c_readableColumns : std::min(screen.columns, c_readableColumns);
+  const auto heading = [&](const char* text) {
+    return "\n" + screen.styled(Style::Heading, text) + "\n";
+  };
+  const Style style = rule.severity == Severity::Error ? Style::Bad : Style::Changed;
+  out << screen.styled(style, rule.name) << " (" << nameOf(rule.severity) << ")\n"
+      << wrapped(rule.summary, columns) << heading("Why") << wrapped(rule.why, columns)
+      << heading("What to do")
+      << wrapped(rule.mend, columns)
+      // Examples stay whole, to be copied.
+      << heading("Faulty") << "  " << rule.faulty << '\n'
+      << heading("Mended") << "  " << rule.mended << '\n';
+}
+
+const Rule& requireRule(const std::string& name) {
+  if (const Rule* const rule = findRule(name)) return *rule;
+  std::vector<std::string> known;
+  for (const Rule& rule : allRules()) known.emplace_back(rule.name);
+  throw Failure(exitNotFound, "there is no rule \"" + shown(name) + "\"" + suggestion(name, known) +
+                                  "\n  next: `sitelist explain-rule` names them all");
+}
+
+Report reportOfAll() {
+  Report report;
+  report.rowsName = "rules";
+  report.rowName = "rule";
+  report.columns = {"name", "severity", "summary", "why", "mend", "faulty", "mended"};
+  for (const Rule& rule : allRules()) report.rows.push_back(recordOf(rule));
+  report.table = [](std::ostream& out, const Screen& screen) {
+    Table table({L"RULE", L"SEVERITY", L"WHAT IT ASKS"});
+    for (const Rule& rule : allRules()) {
+      table.add({wide(rule.name), wide(nameOf(rule.severity)), wide(rule.summary)});
+    }
+    table.print(out, screen);
+  };
+  return report;
+}
+
+int explainRule(Context& context, const Options& options) {
+  if (options.name.empty()) {
+    context.report = reportOfAll();
+    return exitSuccess;
+  }
+  const Rule& rule = requireRule(options.name);
+  Report report;
+  report.facts = recordOf(rule);
+  report.table = [&rule](std::ostream& out, const Screen& screen) { print(out, screen, rule); };
+  context.report = std::move(report);
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addExplainRule(Command& app, Context& context) {
+  Command command = app.add_subcommand(
+      "explain-rule", "Tell what a rule of `validate` asks, why, and how to mend a list");
+  const auto options = std::make_shared<Options>();
+  command.add_option("NAME", options->name, "A rule, as `validate` names it (default: all of them)")
+      .type_name("");
+  command.footer(
+      "Examples:\n"
+      "  sitelist explain-rule\n"
+      "  sitelist explain-rule server-type-master\n"
+      "  sitelist explain-rule --json | jq -r '.rules[].name'\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return explainRule(context, *options); };
+  });
+}
+
+}  // namespace tool

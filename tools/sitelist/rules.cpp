@@ -23,10 +23,12 @@ const std::vector<Rule>& allRules() {
             "There is nothing to read; an import fails and changes nothing.", "Check the path.",
             "sitelist validate incomming/SiteList.xml", "sitelist validate incoming/SiteList.xml",
             exitFile),
-      error("unreadable-file", "it is a regular file that may be read",
-            "The bytes cannot be had, so nothing can be said of the list.",
-            "Name a regular file, not a directory or a device, and check its permissions.",
-            "sitelist validate incoming", "sitelist validate incoming/SiteList.xml", exitFile),
+      error(
+          "unreadable-file", "it is a regular file that may be read",
+          "The bytes cannot be had, so nothing can be said of the list.",
+          "Name a regular file, not a directory or a device, and check its permissions. A pipe is "
+          "read with - as the name.",
+          "sitelist validate incoming", "sitelist validate incoming/SiteList.xml", exitFile),
       error("invalid-encoding", "its bytes are valid UTF-8, UTF-16 or UTF-32",
             "One wrong byte makes all of the text doubtful, so the agent refuses the document. "
             "Mostly it was saved in a national encoding, or cut in the middle of a character.",

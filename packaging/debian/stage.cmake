@@ -1,0 +1,36 @@
+# Run by CPack on the files of each package, before the packages are made of them.
+cmake_policy(VERSION 3.25)
+
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+  string(TIMESTAMP now "%s" UTC)
+  set(ENV{SOURCE_DATE_EPOCH} ${now})
+endif()
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  set(root ${CPACK_TEMPORARY_DIRECTORY}/${component})
+  string(TOUPPER ${component} name)
+  set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
+
+  # In /usr everything is found without it, and a path in a file there is a fault.
+  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/*.so.* ${root}/usr/lib/*/*.so.*)
+  foreach(binary IN LISTS binaries)
+    if(NOT IS_SYMLINK ${binary})
+      file(RPATH_REMOVE FILE ${binary})
+    endif()
+  endforeach()
+
+  set(doc ${root}/usr/share/doc/${package})
+  file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${doc})
+  file(WRITE ${doc}/changelog.Debian
+       "sitehlp (${CPACK_SITEHLP_VERSION}) unstable; urgency=medium\n\n"
+       "  * The changes are listed in /usr/share/doc/sitehlp/CHANGELOG.md of sitehlp-doc.\n\n"
+       " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  file(REMOVE ${root}/usr/share/doc/sitehlp/LICENSE) # it is in every Debian system
+
+  file(GLOB_RECURSE compressed ${root}/usr/share/man/* ${doc}/changelog.Debian)
+  list(FILTER compressed EXCLUDE REGEX "\\.gz$")
+  if(compressed)
+    execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endforeach()

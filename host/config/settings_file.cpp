@@ -1,9 +1,12 @@
+#include <algorithm>
 #include <cerrno>
 #include <sstream>
+#include <string_view>
 
 #include "host/agent.h"
 #include "host/common/failure_text.h"
 #include "host/common/level_names.h"
+#include "host/config/setting_names.h"
 #include "host/config/settings_path.h"
 #include "host/config/toml_parser.h"
 #include "host/fs/files.h"
@@ -21,89 +24,93 @@ class SettingsReader {
   SettingsReader(const std::string& file, AgentSettings& settings)
       : m_file(file), m_settings(settings) {}
 
-  void read(const toml::table& root) {
-    for (const auto& [key, value] : root) {
-      if (key == "managed") {
-        m_settings.managed = as<bool>("managed", value, "true or false");
-      } else if (key == "crypto_key_size") {
-        m_settings.cryptoKeySize = keySize(value);
-      } else if (key == "mesh") {
-        readMesh(table("mesh", value));
-      } else if (key == "log") {
-        readLog(table("log", value));
+  struct Setting {
+    std::string table;  // empty for a key at the top
+    std::string key;
+    void (SettingsReader::*read)(const std::string& name, const toml::node& value);
+
+    std::string name() const { return table.empty() ? key : table + "." + key; }
+  };
+  static const std::vector<Setting>& settings();
+
+  void read(const toml::table& entries, const std::string& tableName = "") {
+    for (const auto& [key, value] : entries) {
+      const std::string_view name = key.str();
+      const auto isThis = [&](const Setting& setting) {
+        return setting.table == tableName && setting.key == name;
+      };
+      const auto isInside = [&](const Setting& setting) {
+        return !name.empty() && setting.table == name;
+      };
+      const auto setting = std::find_if(settings().begin(), settings().end(), isThis);
+      if (setting != settings().end()) {
+        (this->*setting->read)(setting->name(), value);
+      } else if (tableName.empty() && std::any_of(settings().begin(), settings().end(), isInside)) {
+        read(table(std::string(name), value), std::string(name));
       } else {
-        failUnknown(key);
+        failUnknown(key, tableName.empty() ? "" : tableName + ".");
       }
     }
   }
 
  private:
-  void readMesh(const toml::table& mesh) {
-    for (const auto& [key, value] : mesh) {
-      if (key == "site_list_path") {
-        m_settings.meshSiteListPath =
-            pathFrom(m_settings.dataDirectory, path("mesh.site_list_path", value));
-      } else if (key == "load_command") {
-        m_settings.meshLoadCommand = command(value);
-      } else {
-        failUnknown(key, "mesh.");
-      }
+  void readManaged(const std::string& name, const toml::node& value) {
+    m_settings.managed = as<bool>(name, value, "true or false");
+  }
+
+  void readKeySize(const std::string& name, const toml::node& value) {
+    const std::string size = text(name, value);
+    if (size != c_legacyKeySize && size != c_keySize2048) {
+      fail(value, name + " must be \"legacy\" or \"2048\"");
     }
+    m_settings.cryptoKeySize = size == c_legacyKeySize ? korvel_com::ZQ::crypto::KEY_SIZE_LEGACY
+                                                       : korvel_com::ZQ::crypto::KEY_SIZE_2048;
   }
 
-  void readLog(const toml::table& log) {
-    for (const auto& [key, value] : log) {
-      if (key != "level") failUnknown(key, "log.");
-      const auto level = levelNamed(text("log.level", value));
-      if (!level) {
-        fail(value, "log.level must be detail, info, error, internal-error or off");
-      }
-      m_settings.logLevel = *level;
-    }
+  void readMeshPath(const std::string& name, const toml::node& value) {
+    m_settings.meshSiteListPath = pathFrom(m_settings.dataDirectory, path(name, value));
   }
 
-  korvel_com::ZQ::crypto::KeySize keySize(const toml::node& value) const {
-    const std::string name = text("crypto_key_size", value);
-    if (name == c_keySize2048) return korvel_com::ZQ::crypto::KEY_SIZE_2048;
-    if (name != c_legacyKeySize) fail(value, "crypto_key_size must be \"legacy\" or \"2048\"");
-    return korvel_com::ZQ::crypto::KEY_SIZE_LEGACY;
-  }
-
-  std::vector<std::string> command(const toml::node& value) const {
+  void readMeshCommand(const std::string& name, const toml::node& value) {
     const toml::array* words = value.as_array();
-    if (!words) fail(value, "mesh.load_command must be an array of strings");
-    std::vector<std::string> result;
+    if (!words) fail(value, name + " must be an array of strings");
+    m_settings.meshLoadCommand.clear();
     for (const toml::node& word : *words) {
-      result.push_back(result.empty()
-                           ? pathFrom(m_settings.dataDirectory, path("mesh.load_command", word))
-                           : text("mesh.load_command", word));
+      m_settings.meshLoadCommand.push_back(
+          m_settings.meshLoadCommand.empty() ? pathFrom(m_settings.dataDirectory, path(name, word))
+                                             : text(name, word));
     }
-    return result;
   }
 
-  std::string path(const char* name, const toml::node& value) const {
+  void readLogLevel(const std::string& name, const toml::node& value) {
+    const auto level = levelNamed(text(name, value));
+    if (!level) fail(value, name + " must be detail, info, error, internal-error or off");
+    m_settings.logLevel = *level;
+  }
+
+  std::string path(const std::string& name, const toml::node& value) const {
     std::string result = text(name, value);
-    if (result.empty()) fail(value, std::string(name) + " must not be empty");
+    if (result.empty()) fail(value, name + " must not be empty");
     return result;
   }
 
-  std::string text(const char* name, const toml::node& value) const {
+  std::string text(const std::string& name, const toml::node& value) const {
     std::string result = as<std::string>(name, value, "a string");
     if (result.find('\0') != std::string::npos) {
-      fail(value, std::string(name) + " must not hold a zero character");
+      fail(value, name + " must not hold a zero character");
     }
     return result;
   }
 
-  const toml::table& table(const char* name, const toml::node& value) const {
-    if (!value.is_table()) fail(value, std::string(name) + " must be a table");
+  const toml::table& table(const std::string& name, const toml::node& value) const {
+    if (!value.is_table()) fail(value, name + " must be a table");
     return *value.as_table();
   }
 
   template <typename T>
-  T as(const char* name, const toml::node& value, const char* wanted) const {
+  T as(const std::string& name, const toml::node& value, const char* wanted) const {
     const toml::value<T>* found = value.as<T>();
-    if (!found) fail(value, std::string(name) + " must be " + wanted);
+    if (!found) fail(value, name + " must be " + wanted);
     return found->get();
   }
 
@@ -126,7 +133,24 @@ class SettingsReader {
   AgentSettings& m_settings;
 };
 
+const std::vector<SettingsReader::Setting>& SettingsReader::settings() {
+  static const std::vector<Setting> all = {
+      {"", "managed", &SettingsReader::readManaged},
+      {"", "crypto_key_size", &SettingsReader::readKeySize},
+      {"mesh", "site_list_path", &SettingsReader::readMeshPath},
+      {"mesh", "load_command", &SettingsReader::readMeshCommand},
+      {"log", "level", &SettingsReader::readLogLevel},
+  };
+  return all;
+}
+
 }  // namespace
+
+std::vector<std::string> settingNames() {
+  std::vector<std::string> names;
+  for (const auto& setting : SettingsReader::settings()) names.push_back(setting.name());
+  return names;
+}
 
 AgentSettings readAgentSettings(const std::string& dataDirectory) {
   AgentSettings settings;

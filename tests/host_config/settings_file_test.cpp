@@ -125,6 +125,9 @@ TEST_F(SettingsFile, RefusesUnknownSettingsAndNamesTheirPlace) {
   EXPECT_EQ(fault("[mesh]\n  load = []\n"), file + ":2:3: unknown setting mesh.load");
   EXPECT_EQ(fault("[log]\nfile = \"x\"\n"), file + ":2:1: unknown setting log.file");
   EXPECT_THAT(fault("[other]\n"), HasSubstr("unknown setting other"));
+  EXPECT_THAT(fault("[mesh.log]\nlevel = \"off\"\n"), HasSubstr("unknown setting mesh.log"));
+  EXPECT_EQ(fault("\"log.level\" = \"off\"\n"), file + ":1:1: unknown setting log.level");
+  EXPECT_EQ(fault("\"\" = { managed = true }\n"), file + ":1:1: unknown setting ");
 }
 
 TEST_F(SettingsFile, RefusesWrongTypes) {

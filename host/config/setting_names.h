@@ -1,0 +1,15 @@
+#ifndef HOST_CONFIG_SETTING_NAMES_H
+#define HOST_CONFIG_SETTING_NAMES_H
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Every setting that an agent.toml may hold; "mesh.load_command" is the key load_command in the
+// table mesh.
+std::vector<std::string> settingNames();
+
+}  // namespace host
+
+#endif

@@ -7,6 +7,13 @@
 namespace tool {
 namespace {
 
+// What the name of a value says of it.
+Completion completionByName(const std::string& valueName) {
+  const std::string word = valueName.substr(valueName.rfind('_') + 1);
+  if (word == "FILE" || word == "PATH") return Completion::File;
+  return word == "DIR" ? Completion::Directory : Completion::Nothing;
+}
+
 OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   OptionInfo info;
   for (const std::string& name : option.get_snames()) info.names.push_back("-" + name);
@@ -17,10 +24,12 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   info.isRequired = option.get_required();
   info.isRepeatable = option.get_items_expected_max() > 1 ||
                       option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+  info.completes = completionByName(info.valueName);
   const auto found = hints.find(&option);
   if (found == hints.end()) return info;
   info.choices = found->second.choices;
-  info.completes = found->second.completes;
+  info.suggestions = found->second.suggestions;
+  if (found->second.completes != Completion::Nothing) info.completes = found->second.completes;
   return info;
 }
 
@@ -59,6 +68,11 @@ Option& Option::choices(const std::vector<std::string>& values) {
     for (const std::string& each : values) known += (known.empty() ? "" : ", ") + each;
     return "\"" + value + "\" is none of " + known;
   });
+  return *this;
+}
+
+Option& Option::suggests(const std::vector<std::string>& values) {
+  (*m_hints)[m_option].suggestions = values;
   return *this;
 }
 

@@ -19,6 +19,7 @@ namespace tool {
 // What the parser does not keep of its options.
 struct OptionHints {
   std::vector<std::string> choices;
+  std::vector<std::string> suggestions;
   Completion completes = Completion::Nothing;
 };
 using HintTable = std::map<const CLI::Option*, OptionHints>;
@@ -36,7 +37,10 @@ class Option {
   Option& choices(const std::vector<std::string>& values);
   // An empty value is wrong usage.
   Option& not_empty();
-  // What the completion of a shell offers as the value.
+  // Words that the completion of a shell offers as the value, among others that there may be.
+  Option& suggests(const std::vector<std::string>& values);
+  // What else it offers, if not what the name of the value says: files for FILE and PATH,
+  // directories for DIR, also behind a "_".
   Option& completes(Completion what);
 
  private:

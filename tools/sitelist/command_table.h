@@ -6,8 +6,9 @@
 
 namespace tool {
 
-// What a value names, for those who offer values to choose from.
-enum class Completion { Nothing, File, Directory, Site, Field };
+// What a value names, for those who offer values to choose from: a site of the agent's own list, or
+// several of the words that are suggested, with commas between them.
+enum class Completion { Nothing, File, Directory, Site, List };
 
 // An option, or an argument that is told from others by its place.
 struct OptionInfo {
@@ -17,7 +18,8 @@ struct OptionInfo {
   bool isFlag = false;  // one with a value name takes all that follows it on the line
   bool isRequired = false;
   bool isRepeatable = false;
-  std::vector<std::string> choices;  // all values there are; empty when anything may be said
+  std::vector<std::string> choices;      // all values there are; empty when anything may be said
+  std::vector<std::string> suggestions;  // some of the values there are
   Completion completes = Completion::Nothing;
 };
 

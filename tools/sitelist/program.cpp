@@ -41,8 +41,7 @@ std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
   context.agentDirectory = c_defaultAgentDirectory;
   app.add_option("--agent-dir", context.agentDirectory,
                  "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
-      .type_name("DIR")
-      .completes(Completion::Directory);
+      .type_name("DIR");
   app.add_option("--format", context.format,
                  "Form of the output: table (the default), json, csv or xml")
       .type_name("FORM")

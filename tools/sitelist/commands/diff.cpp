@@ -44,8 +44,14 @@ int diff(Context& context, const Options& options) {
 void addDiff(Command& app, Context& context) {
   Command command = app.add_subcommand("diff", "Print in what two site lists differ");
   const auto options = std::make_shared<Options>();
-  command.add_option("BEFORE", options->before, "The one list").required().type_name("");
-  command.add_option("AFTER", options->after, "The other list").required().type_name("");
+  command.add_option("BEFORE", options->before, "The one list")
+      .required()
+      .type_name("")
+      .completes(Completion::File);
+  command.add_option("AFTER", options->after, "The other list")
+      .required()
+      .type_name("")
+      .completes(Completion::File);
   command.add_flag("--exit-code", options->exitCode, "Exit with 1 when they differ");
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");

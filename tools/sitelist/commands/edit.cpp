@@ -1,8 +1,10 @@
 #include <memory>
+#include <set>
 #include <utility>
 
 #include "tools/sitelist/agent_access.h"
 #include "tools/sitelist/command.h"
+#include "tools/sitelist/edit/field_rules.h"
 #include "tools/sitelist/edit/operations.h"
 #include "tools/sitelist/edit/session.h"
 #include "tools/sitelist/failure.h"
@@ -52,11 +54,24 @@ void addKind(Command& command, Options& options) {
       .choices(kinds());
 }
 
+// The fields that a site of some kind has: those of passwords, or all others with "=" behind them.
+std::vector<std::string> suggestedFields(bool isPassword) {
+  std::set<std::string> names;
+  for (const std::string& kind : kinds()) {
+    for (const FieldRule& rule : findRules(kind)->fields) {
+      if (!rule.name || (rule.form == Form::Password) != isPassword) continue;
+      names.insert(rule.name + std::string(isPassword ? "" : "="));
+    }
+  }
+  return {names.begin(), names.end()};
+}
+
 void addValues(Command& command, Options& options) {
   command
       .add_option("FIELD=VALUE", options.assignments,
                   "A field as `sitelist show --json` names it, and its value")
-      .type_name("");
+      .type_name("")
+      .suggests(suggestedFields(false));
   command.add_flag("--password-stdin", options.isPasswordFromInput,
                    "Set the password to the first line of standard input");
   command
@@ -69,7 +84,7 @@ void addValues(Command& command, Options& options) {
       .add_option("--password-field", options.passwordField,
                   "The field that the password goes to\n(default: password)")
       .type_name("FIELD")
-      .completes(Completion::Field);
+      .suggests(suggestedFields(true));
 }
 
 int enable(Context& context, const Options& options, bool isEnabled) {
@@ -210,7 +225,8 @@ void addMoves(Command& edit, Edits& edits, Options& options) {
       .add_option("PLACE", options.place,
                   "first, last, a position counted from 1,\nor before or after another site")
       .required()
-      .type_name("");
+      .type_name("")
+      .suggests({"first", "last", "before", "after"});
   command.add_option("OTHER", options.other, "The other site")
       .type_name("")
       .completes(Completion::Site);

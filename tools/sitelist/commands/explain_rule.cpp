@@ -94,6 +94,12 @@ int explainRule(Context& context, const Options& options) {
   return exitSuccess;
 }
 
+std::vector<std::string> ruleNames() {
+  std::vector<std::string> names;
+  for (const Rule& rule : allRules()) names.emplace_back(rule.name);
+  return names;
+}
+
 }  // namespace
 
 void addExplainRule(Command& app, Context& context) {
@@ -101,7 +107,8 @@ void addExplainRule(Command& app, Context& context) {
       "explain-rule", "Tell what a rule of `validate` asks, why, and how to mend a list");
   const auto options = std::make_shared<Options>();
   command.add_option("NAME", options->name, "A rule, as `validate` names it (default: all of them)")
-      .type_name("");
+      .type_name("")
+      .suggests(ruleNames());
   command.footer(
       "Examples:\n"
       "  sitelist explain-rule\n"

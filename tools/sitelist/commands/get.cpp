@@ -93,6 +93,15 @@ Scalar listValue(const SiteList& list, const Options& options) {
                 "`sitelist versions` prints what it says");
 }
 
+std::vector<std::string> fieldNames() {
+  std::vector<std::string> names = {"globalVersion", "localVersion", "type", "fipsMode",
+                                    c_policyPrefix};
+  for (const std::string& name : siteFieldNames()) {
+    if (name != "type") names.push_back(name);
+  }
+  return names;
+}
+
 int get(Context& context, const Options& options) {
   const AgentForReading agent(context, options.file);
   const SiteList list = readWholeSiteList(agent.path());
@@ -118,9 +127,12 @@ void addGet(Command& app, Context& context) {
                   "globalVersion, localVersion, type, fipsMode, policy.NAME;\n"
                   "with --site any field of the site's JSON form")
       .required()
-      .type_name("");
+      .type_name("")
+      .suggests(fieldNames());
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
-  command.add_option("--site", options->site, "A value of the site of this name").type_name("NAME");
+  command.add_option("--site", options->site, "A value of the site of this name")
+      .type_name("NAME")
+      .completes(Completion::Site);
   command.add_option("--kind", options->kind, "The kind of the site, when several share the name")
       .type_name("KIND")
       .choices({"server", "agent", "http", "ftp", "unc", "local", "proxy", "unknown"});

@@ -111,9 +111,11 @@ void addInit(Command& app, Context& context) {
           "The mesh service's copy of the list\n(default: mesh/SiteList.xml in the data directory)")
       .type_name("PATH");
   // What follows the program was taken off the command line before; see Context::meshCommand.
-  command.add_flag("--mesh-command", options->hasMeshCommand,
-                   "PROGRAM ARG... that makes the mesh service load its copy.\nThe program by its "
-                   "full path; all that follows belongs to\nit, so this option comes last.");
+  command
+      .add_flag("--mesh-command", options->hasMeshCommand,
+                "Makes the mesh service load its copy. The program by its\n"
+                "full path; all that follows belongs to it, so this option\ncomes last.")
+      .type_name("PROGRAM ARG...");
   command.footer(
       "Makes the directories, the settings file agent.toml, the lock files and the\n"
       "password key. Refuses to touch a directory that has an agent.toml.\n"

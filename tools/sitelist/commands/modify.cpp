@@ -83,7 +83,8 @@ void addModify(Command& app, Context& context) {
   const auto options = std::make_shared<Options>();
   command.add_option("SOURCE", options->incoming.file, "The list to take from")
       .required()
-      .type_name("");
+      .type_name("")
+      .completes(Completion::File);
   command.add_flag("--repositories", options->repositories,
                    "Take over the two default vendor repositories");
   command.add_flag("--servers", options->servers,

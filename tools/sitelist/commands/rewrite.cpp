@@ -33,8 +33,14 @@ int rewrite(Context& context, const Options& options) {
 void addRewrite(Command& app, Context& context) {
   Command command = app.add_subcommand("rewrite", "Read a site list and write it anew");
   const auto options = std::make_shared<Options>();
-  command.add_option("SRC", options->source, "The list to read").required().type_name("");
-  command.add_option("DST", options->destination, "Where to write it").required().type_name("");
+  command.add_option("SRC", options->source, "The list to read")
+      .required()
+      .type_name("")
+      .completes(Completion::File);
+  command.add_option("DST", options->destination, "Where to write it")
+      .required()
+      .type_name("")
+      .completes(Completion::File);
   command.footer(
       "Writes as the agent itself does. Versions, type, certificates and policy\n"
       "settings are carried over; passwords are protected anew with the agent's key.\n"

@@ -130,11 +130,14 @@ void addShow(Command& app, Context& context) {
       .add_option("--columns", options->columnList,
                   "Columns of the table, with commas between them: order,\nkind, type, name, "
                   "address, path, state, or any field\nof the JSON form")
-      .type_name("LIST");
+      .type_name("LIST")
+      .suggests(columnNames())
+      .completes(Completion::List);
   command
       .add_option("--sort", options->selection.sort,
                   "Sort by this column; -COLUMN for the descending order")
-      .type_name("COLUMN");
+      .type_name("COLUMN")
+      .suggests(columnNames());
   command
       .add_repeated("--filter", options->selection.filters,
                     "Only sites whose kind, type or name matches; * and ? stand\nfor any "
@@ -151,7 +154,7 @@ void addShow(Command& app, Context& context) {
       "Examples:\n"
       "  sitelist show\n"
       "  sitelist show incoming/SiteList.xml\n"
-      "  sitelist show --filter kind=http --columns name,server,serverPort --sort name\n"
+      "  sitelist show --filter kind=http --columns name,server --sort name\n"
       "  sitelist show --json | jq '.sites[] | select(.enabled).name'\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return show(context, *options); };

@@ -38,6 +38,28 @@ if(TARGET sitelist)
     FILES tools/sitelist/sitelist.schema.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/sitehlp
     COMPONENT tool)
+  set(generated ${PROJECT_BINARY_DIR}/generated)
+  install(
+    FILES ${generated}/man/sitelist.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT tool)
+  install(
+    FILES ${generated}/man/sitelist.json.5 ${generated}/man/agent.toml.5
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man5
+    COMPONENT tool)
+  install(
+    FILES ${generated}/completion/sitelist.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME sitelist
+    COMPONENT tool)
+  install(
+    FILES ${generated}/completion/_sitelist
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    COMPONENT tool)
+  install(
+    FILES ${generated}/completion/sitelist.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    COMPONENT tool)
 endif()
 
 # All of platform/ is for everybody; of the other folders, the headers listed.

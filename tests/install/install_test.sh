@@ -140,6 +140,11 @@ END
     ;;
   tool)
     "$TREE/bin/sitelist" --version | grep -F "$VERSION"
+    for file in man/man1/sitelist.1 man/man5/sitelist.json.5 man/man5/agent.toml.5 \
+      bash-completion/completions/sitelist zsh/site-functions/_sitelist \
+      fish/vendor_completions.d/sitelist.fish; do
+      grep -q sitelist "$TREE/share/$file" || fail "share/$file is not installed"
+    done
     ;;
   *)
     fail "no test $name"

@@ -1,0 +1,32 @@
+#ifndef TESTS_DOCS_TERMINAL_H
+#define TESTS_DOCS_TERMINAL_H
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace test {
+
+// A program on a large terminal of its own, used as by a person.
+class Terminal {
+ public:
+  // The program is looked for in PATH.
+  Terminal(const std::vector<std::string>& commandLine, const std::string& directory);
+  ~Terminal();
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  void type(const std::string& keys);
+  // Returns what was printed up to and without the text. Throws when it does not come.
+  std::string readUntil(const std::string& text);
+
+ private:
+  int m_terminal = -1;
+  pid_t m_pid = -1;
+  std::string m_printed;  // and not yet returned
+};
+
+}  // namespace test
+
+#endif

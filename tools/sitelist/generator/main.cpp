@@ -1,0 +1,61 @@
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "tools/sitelist/generator/pages.h"
+#include "tools/sitelist/program.h"
+
+// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the completion scripts of
+// the tool below the directory. The date is that of the pages, as in "May 1, 2001"; the schema is
+// the file with the JSON Schema of what the tool prints.
+
+namespace tool {
+namespace {
+
+void write(const std::filesystem::path& path, const std::string& text) {
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) throw std::runtime_error(path.string() + ": cannot be written");
+}
+
+std::string read(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (!file) throw std::runtime_error(path + ": cannot be read");
+  return text.str();
+}
+
+void generate(const std::filesystem::path& directory, const std::string& date,
+              const std::string& schema) {
+  Context context;
+  const CommandInfo program = makeCommandLine(context)->describe();
+  write(directory / "man/sitelist.1", toolPage(program, date));
+  write(directory / "man/sitelist.json.5", schemaPage(read(schema), date));
+  write(directory / "man/agent.toml.5", settingsPage(date));
+  write(directory / "completion/sitelist.bash", bashScript(program));
+  write(directory / "completion/_sitelist", zshScript(program));
+  write(directory / "completion/sitelist.fish", fishScript(program));
+}
+
+}  // namespace
+}  // namespace tool
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::cerr << "usage: sitelist-generator DIRECTORY DATE SCHEMA\n";
+    return 2;
+  }
+  try {
+    tool::generate(argv[1], argv[2], argv[3]);
+  } catch (const std::exception& e) {
+    std::cerr << "sitelist-generator: " << e.what() << '\n';
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,23 @@
+#ifndef TOOLS_SITELIST_GENERATOR_PAGES_H
+#define TOOLS_SITELIST_GENERATOR_PAGES_H
+
+#include <string>
+
+#include "tools/sitelist/command_table.h"
+
+namespace tool {
+
+// Manual pages, as their source. `date` is written as in "May 1, 2001".
+std::string toolPage(const CommandInfo& program, const std::string& date);
+std::string settingsPage(const std::string& date);
+// `schema` is the text of the JSON Schema of what the tool prints.
+std::string schemaPage(const std::string& schema, const std::string& date);
+
+// Scripts that complete the command line in a shell.
+std::string bashScript(const CommandInfo& program);
+std::string zshScript(const CommandInfo& program);
+std::string fishScript(const CommandInfo& program);
+
+}  // namespace tool
+
+#endif

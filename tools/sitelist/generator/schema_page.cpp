@@ -1,0 +1,195 @@
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "tools/sitelist/generator/completion.h"
+#include "tools/sitelist/generator/pages.h"
+#include "tools/sitelist/generator/roff.h"
+
+namespace tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// The words of a list in running text: "a, b or c".
+std::string enumerated(const std::vector<std::string>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
+std::vector<std::string> wordsOf(const Json& value) {
+  return value.is_array() ? value.get<std::vector<std::string>>()
+                          : std::vector<std::string>{value.get<std::string>()};
+}
+
+class SchemaPage {
+ public:
+  SchemaPage(const Json& schema, const std::string& date)
+      : m_schema(schema), m_page("sitelist.json", 5, date, "what sitelist prints as JSON") {}
+
+  std::string make() {
+    describe();
+    m_page.section("EVERY DOCUMENT");
+    list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
+    m_page.section("DOCUMENTS");
+    m_page.paragraph(
+        "Beside these names a document has those of its command, as far as the "
+        "command came before it failed.");
+    for (const Json& document : m_schema.at("oneOf")) {
+      describeDocument(nameOfReference(document), resolved(document));
+    }
+    m_page.section("RECORDS");
+    for (const auto& [name, record] : m_schema.at("definitions").items()) {
+      if (isRecord(name)) describeRecord(name, record);
+    }
+    close();
+    return m_page.source();
+  }
+
+ private:
+  using Filter = std::function<bool(const std::string& name)>;
+
+  static std::string nameOfReference(const Json& node) {
+    const std::string path = node.at("$ref");
+    return path.substr(path.rfind('/') + 1);
+  }
+
+  const Json& resolved(const Json& node) const {
+    return node.contains("$ref") ? m_schema.at("definitions").at(nameOfReference(node)) : node;
+  }
+
+  const Json& firstDocument() const { return resolved(m_schema.at("oneOf").front()); }
+
+  bool isEverywhere(const std::string& name) const {
+    return std::all_of(
+        m_schema.at("oneOf").begin(), m_schema.at("oneOf").end(),
+        [&](const Json& document) { return resolved(document).at("properties").contains(name); });
+  }
+
+  // Whether the definition is that of a record which documents have, and no document itself.
+  bool isRecord(const std::string& name) const {
+    const Json& definition = m_schema.at("definitions").at(name);
+    return definition.contains("properties") && !definition.at("properties").contains("command");
+  }
+
+  static std::string plainTypeOf(const Json& node) {
+    if (!node.contains("const")) return enumerated(wordsOf(node.at("type")));
+    return node.at("const").is_string() ? "string" : node.at("const").dump();
+  }
+
+  std::string typeOf(const Json& property) const {
+    if (property.contains("$ref") && isRecord(nameOfReference(property)))
+      return "object, see below";
+    const Json& node = resolved(property);
+    if (!node.contains("items")) return plainTypeOf(node);
+    const Json& items = node.at("items");
+    if (items.contains("$ref")) return "array of " + nameOfReference(items) + ", see below";
+    return "array of " + plainTypeOf(items) + 's';
+  }
+
+  static std::string choicesOf(const Json& node) {
+    if (!node.contains("enum")) return "";
+    std::vector<std::string> values;
+    for (const Json& value : node.at("enum")) {
+      values.push_back('`' + (value.is_string() ? value.get<std::string>() : value.dump()) + '`');
+    }
+    return (values.size() == 1 ? " Always " : " One of ") + enumerated(values) + '.';
+  }
+
+  void list(const Json& object, const Filter& isWanted) {
+    m_page.beginList();
+    for (const auto& [name, property] : object.at("properties").items()) {
+      if (!isWanted(name)) continue;
+      const Json& node = resolved(property);
+      const Json required = object.value("required", Json::array());
+      const bool mayMiss = isWithinDocument(object) &&
+                           std::find(required.begin(), required.end(), name) == required.end();
+      m_page.item("Ic " + roffLiteral(name) + " Pq " + typeOf(property),
+                  node.at("description").get<std::string>() + choicesOf(node) +
+                      (mayMiss ? " May be missing." : ""));
+      if (node.contains("items") && node.at("items").contains("properties")) {
+        list(node.at("items"), [](const std::string&) { return true; });
+      }
+    }
+    m_page.endList();
+  }
+
+  static bool isWithinDocument(const Json& object) {
+    return !object.at("properties").contains("command");
+  }
+
+  void describe() {
+    m_page.section("SYNOPSIS");
+    m_page.macro(".Nm sitelist");
+    m_page.macro(".Fl \\-format Cm json");
+    m_page.macro(".Ar COMMAND");
+    m_page.macro(".Op Ar ARGUMENT ...");
+    m_page.section("DESCRIPTION");
+    m_page.paragraph(m_schema.at("description").get<std::string>() +
+                     " It goes to standard output; messages for people go to standard error as "
+                     "well.");
+    m_page.paragraph(
+        "The text is ASCII: all other characters are escaped. Names that a program does not know "
+        "are to be passed over; those that are there keep their meaning as long as "
+        "`schema_version` stays the same.");
+    m_page.paragraph(
+        "With `--format xml` the same names are elements, but for the first three, which are "
+        "attributes of the root; what is null has no element. With `--format csv` the records are "
+        "rows below a line of names, or, where a command has no records, each name and its value "
+        "is a row.");
+  }
+
+  void describeDocument(const std::string& name, const Json& document) {
+    const Json& command = document.at("properties").at("command");
+    if (command.contains("const")) {
+      m_page.subsection(command.at("const").get<std::string>());
+      m_page.paragraph(document.at("description").get<std::string>());
+    } else {
+      const std::vector<std::string> commands = wordsOf(command.at("enum"));
+      const bool isCommand = std::find(commands.begin(), commands.end(), name) != commands.end();
+      m_page.subsection(isCommand ? name : "other commands");
+      m_page.paragraph(document.at("description").get<std::string>() + choicesOf(command));
+    }
+    const auto isOwn = [&](const std::string& property) { return !isEverywhere(property); };
+    const Json& properties = document.at("properties");
+    if (std::any_of(properties.items().begin(), properties.items().end(),
+                    [&](const auto& property) { return isOwn(property.key()); })) {
+      list(document, isOwn);
+    }
+  }
+
+  void describeRecord(const std::string& name, const Json& record) {
+    m_page.subsection(name);
+    m_page.paragraph(record.at("description").get<std::string>());
+    list(record, [](const std::string&) { return true; });
+  }
+
+  void close() {
+    m_page.section("FILES");
+    m_page.beginList();
+    m_page.item("Pa share/sitehlp/sitelist.schema.json",
+                "The JSON Schema of all these documents, below the directory that the tool was "
+                "installed to.");
+    m_page.endList();
+    m_page.section("EXAMPLES");
+    m_page.paragraph("The names of all sites that may be used:");
+    m_page.literal({"sitelist show --format json | jq -r '.sites[] | select(.enabled).name'"});
+    m_page.section("SEE ALSO");
+    m_page.macro(".Xr sitelist 1");
+  }
+
+  const Json& m_schema;
+  ManualPage m_page;
+};
+
+}  // namespace
+
+std::string schemaPage(const std::string& schema, const std::string& date) {
+  const Json parsed = Json::parse(schema);
+  return SchemaPage(parsed, date).make();
+}
+
+}  // namespace tool

@@ -1,0 +1,165 @@
+#include <cctype>
+
+#include "host/agent.h"
+#include "tools/sitelist/exit_status.h"
+#include "tools/sitelist/generator/pages.h"
+#include "tools/sitelist/generator/roff.h"
+
+namespace tool {
+namespace {
+
+constexpr std::size_t c_programWidth = sizeof "sitelist" - 1;
+
+// As macros: "Fl \-verbose", "Fl \-agent\-dir Ar DIR", "Ar FILE".
+std::string named(const OptionInfo& option, const std::string& name) {
+  const std::string flag = name.empty() ? "" : "Fl " + roffLiteral(name.substr(1));
+  const std::string value = option.valueName.empty() ? "" : "Ar " + roffLiteral(option.valueName);
+  return flag + (flag.empty() || value.empty() ? "" : " ") + value;
+}
+
+bool isAnswer(const OptionInfo& option) {
+  return option.names.back() == "--help" || option.names.back() == "--version";
+}
+
+void synopsis(ManualPage& page, const std::vector<OptionInfo>& options) {
+  for (const OptionInfo& option : options) {
+    const bool isArgument = option.names.empty();
+    if (!isArgument && isAnswer(option)) continue;
+    const std::string macros = named(option, isArgument ? "" : option.names.back());
+    page.macro((option.isRequired ? "." : ".Op ") + macros +
+               (option.isRepeatable && isArgument ? " ..." : ""));
+    if (option.isRepeatable && !isArgument) page.macro("\\&...");
+  }
+}
+
+std::string sentence(const std::string& text) {
+  const std::string line = unbroken(text);
+  return line.empty() || line.back() == '.' ? line : line + '.';
+}
+
+std::string choiceText(const OptionInfo& option) {
+  std::string text;
+  for (const std::string& choice : option.choices) {
+    if (option.help.find(choice) != std::string::npos) continue;
+    text += (text.empty() ? " One of `" : ", `") + choice + '`';
+  }
+  return text.empty() ? "" : text + '.';
+}
+
+void list(ManualPage& page, const std::vector<OptionInfo>& options, bool withAnswers) {
+  for (const OptionInfo& option : options) {
+    std::string head;
+    for (const std::string& name : option.names) {
+      if (isAnswer(option) && !withAnswers) continue;
+      head += (head.empty() ? "" : " , ") + named(option, name);
+    }
+    if (option.names.empty()) head = named(option, "");
+    if (!head.empty()) page.item(head, sentence(option.help) + choiceText(option));
+  }
+}
+
+bool hasItems(const CommandInfo& command) {
+  for (const OptionInfo& option : command.options) {
+    if (!isAnswer(option)) return true;
+  }
+  return !command.arguments.empty();
+}
+
+void command(ManualPage& page, const CommandInfo& info, const std::string& path) {
+  page.subsection(path);
+  // What does not fit in the first line stands below the first option.
+  page.macro(".Bl -hang -width " + std::to_string(c_programWidth + path.size()) + "n -compact");
+  page.macro(".It Nm Cm " + roffLiteral(path));
+  synopsis(page, info.options);
+  synopsis(page, info.arguments);
+  if (!info.commands.empty() && info.arguments.empty()) page.macro(".Ar COMMAND");
+  page.macro(".El");
+  page.paragraph(sentence(info.description));
+  if (hasItems(info)) {
+    page.beginList();
+    list(page, info.arguments, false);
+    list(page, info.options, false);
+    page.endList();
+  }
+  std::vector<HelpBlock> notes = helpBlocks(info.footer);
+  if (!notes.empty()) notes.front().isApart = true;
+  page.help(notes);
+  for (const CommandInfo& below : info.commands) command(page, below, path + ' ' + below.name);
+}
+
+void exitStatus(ManualPage& page) {
+  for (const HelpBlock& block : helpBlocks(c_exitStatusHelp)) {
+    if (block.kind == HelpBlock::Kind::Definitions) page.definitions(block.definitions);
+  }
+}
+
+void files(ManualPage& page) {
+  const std::string directory = host::AgentSettings().dataDirectory;
+  page.beginList();
+  const auto file = [&](const std::string& name, const std::string& what) {
+    page.item("Pa " + roffLiteral(directory + name), what);
+  };
+  file("/agent.toml", "The settings of the agent.");
+  file("/etc/SiteList.xml", "The agent's site list; the key files of its server stand beside it.");
+  file("/ServerSiteList.xml", "The list that the server handed over.");
+  file("/mesh/SiteList.xml", "The mesh service's copy of the list.");
+  file("/locks", "The lock files that keep the processes of the agent apart.");
+  file("/keystore", "The keys of the agent.");
+  page.endList();
+  page.paragraph("With --agent-dir all of them are looked for below that directory.");
+}
+
+std::string withSmallLetter(std::string text) {
+  text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+  return text.back() == '.' ? text.substr(0, text.size() - 1) : text;
+}
+
+}  // namespace
+
+std::string toolPage(const CommandInfo& program, const std::string& date) {
+  ManualPage page(program.name, 1, date, withSmallLetter(program.description));
+  page.section("SYNOPSIS");
+  page.macro(".Nm");
+  synopsis(page, program.options);
+  page.macro(".Ar COMMAND");
+  page.macro(".Op Ar ARGUMENT ...");
+  page.macro(".Nm");
+  page.macro(".Op Ar COMMAND");
+  page.macro(".Fl \\-help");
+
+  page.section("DESCRIPTION");
+  page.paragraph(
+      "A site list is the XML document that tells an endpoint agent which management server, "
+      "repositories and proxy to use. `" +
+      program.name + "` prints lists, checks them, and changes the agent's own.");
+  page.paragraph(
+      "Data goes to standard output and messages go to standard error. What a document says is "
+      "printed in a form that does nothing to a terminal, and passwords are masked.");
+
+  page.section("OPTIONS");
+  page.macro("These may stand before the command or behind it:");
+  page.beginList();
+  list(page, program.options, true);
+  page.endList();
+
+  page.section("COMMANDS");
+  for (const CommandInfo& info : program.commands) command(page, info, info.name);
+
+  page.section("ENVIRONMENT");
+  page.beginList();
+  page.item("Ev NO_COLOR", "When set to anything but nothing, no colours are printed.");
+  page.item("Ev TMPDIR",
+            "Where temporary files are made, of which none is left behind. The default is `/tmp`.");
+  page.endList();
+
+  page.section("FILES");
+  files(page);
+  page.section("EXIT STATUS");
+  exitStatus(page);
+  page.section("SEE ALSO");
+  page.macro(".Xr agent.toml 5 ,");
+  page.macro(".Xr sitelist.json 5");
+  return page.source();
+}
+
+}  // namespace tool

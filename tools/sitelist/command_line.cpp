@@ -162,7 +162,9 @@ CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std:
       m_app->exit(e);
       return Outcome::Answered;
     }
-    error = e.what();
+    const std::vector<std::string> left = m_app->remaining();
+    const bool isNoCommand = m_app->get_subcommands().empty() && !left.empty() && left[0][0] != '-';
+    error = isNoCommand ? "there is no command \"" + left[0] + "\"" : e.what();
     return Outcome::Wrong;
   }
 }

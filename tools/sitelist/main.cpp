@@ -13,6 +13,8 @@
 namespace tool {
 namespace {
 
+constexpr const char* c_seeHelp = "\n  next: see `sitelist --help`, or --help behind a command";
+
 // The command behind --mesh-command may have options of its own, so it is taken off before the
 // command line is looked at.
 std::vector<std::string> takeMeshCommand(std::vector<std::string>& arguments) {
@@ -86,8 +88,7 @@ void lookForFormat(const std::vector<std::string>& arguments, Context& context) 
   }
 }
 
-int run(std::vector<std::string> arguments) {
-  Context context;
+int run(Context& context, std::vector<std::string> arguments) {
   const std::unique_ptr<CommandLine> line = makeCommandLine(context);
   context.meshCommand = takeMeshCommand(arguments);
   std::string error;
@@ -97,12 +98,14 @@ int run(std::vector<std::string> arguments) {
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
       lookForFormat(given, context);
-      return fail(context, Failure(exitUsage, shown(error) + "\n  next: see `sitelist --help`, or "
-                                                             "--help behind a command"));
+      return fail(context, Failure(exitUsage, shown(error) + c_seeHelp));
     case CommandLine::Outcome::Parsed:
       break;
   }
   if (!context.action) {
+    if (formatOf(context) != Format::Table) {
+      return fail(context, Failure(exitUsage, std::string("a command is required") + c_seeHelp));
+    }
     std::cerr << line->help();
     return exitUsage;
   }
@@ -111,17 +114,33 @@ int run(std::vector<std::string> arguments) {
   return perform(context);
 }
 
+// The end of what nobody foresaw. A report may be what failed, so it is left out.
+int failInternally(Context& context, const std::string& reason, const char* next) {
+  context.report.reset();
+  return fail(context, Failure(exitInternal, reason + "\n  next: " + next));
+}
+
+int runAndCatch(std::vector<std::string> arguments) {
+  Context context;
+  try {
+    return run(context, std::move(arguments));
+  } catch (const std::bad_alloc&) {
+    return failInternally(context, "out of memory", "free memory and try again");
+  } catch (const std::exception& e) {
+    return failInternally(context, "internal error: " + shown(std::string(e.what())),
+                          "report it with what --verbose prints");
+  }
+}
+
 }  // namespace
 }  // namespace tool
 
 int main(int argc, char** argv) {
   int status = tool::exitInternal;
   try {
-    status = tool::run(std::vector<std::string>(argv + 1, argv + argc));
-  } catch (const std::bad_alloc&) {
+    status = tool::runAndCatch(std::vector<std::string>(argv + 1, argv + argc));
+  } catch (const std::exception&) {
     std::cerr << "sitelist: out of memory\n";
-  } catch (const std::exception& e) {
-    std::cerr << "sitelist: internal error: " << tool::shown(std::string(e.what())) << '\n';
   }
   std::cout.flush();
   if (!std::cout && status == tool::exitSuccess) {

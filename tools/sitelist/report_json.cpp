@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "tools/sitelist/report.h"
+#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
@@ -10,10 +11,11 @@ using nlohmann::ordered_json;
 
 constexpr int c_schemaVersion = 1;
 
+// What the command line or a file name brought need not be UTF-8; all else already is.
 ordered_json jsonOf(const Scalar& value) {
   if (const bool* const flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* const number = std::get_if<std::int64_t>(&value)) return *number;
-  if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* const text = std::get_if<std::string>(&value)) return narrow(wide(*text));
   return nullptr;
 }
 

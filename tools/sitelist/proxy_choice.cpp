@@ -1,8 +1,8 @@
 #include "tools/sitelist/proxy_choice.h"
 
-#include <fnmatch.h>
-#include <wctype.h>
+#include <algorithm>
 
+#include "tools/sitelist/pattern.h"
 #include "tools/sitelist/text.h"
 
 namespace tool {
@@ -10,22 +10,13 @@ namespace {
 
 using sitehlp::tag_Site;
 
-std::string lower(std::wstring text) {
-  for (wchar_t& c : text) c = static_cast<wchar_t>(::towlower(static_cast<wint_t>(c)));
-  return narrow(text);
-}
-
-bool matches(const std::wstring& host, const std::wstring& pattern) {
-  return ::fnmatch(lower(pattern).c_str(), lower(host).c_str(), 0) == 0;
-}
-
 // A name without a domain, or this machine itself.
 bool isLocalAddress(const std::wstring& host) {
-  const std::string name = lower(host);
-  if (name == "localhost" || name == "::1" || name == "[::1]" || name.rfind("127.", 0) == 0) {
+  const std::wstring name = caseFolded(host);
+  if (name == L"localhost" || name == L"::1" || name == L"[::1]" || name.rfind(L"127.", 0) == 0) {
     return true;
   }
-  return name.find_first_of(".:") == std::string::npos;
+  return name.find_first_of(L".:") == std::wstring::npos;
 }
 
 std::string serverAndPort(const wchar_t* server, std::int32_t port) {
@@ -78,7 +69,7 @@ Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
     return {true, "", std::string("the proxy settings name no proxy for ") + protocol};
   }
   for (const std::wstring& pattern : exclusions()) {
-    if (matches(host, pattern)) {
+    if (matchesPattern(host, pattern)) {
       return {true, "", "excluded from the proxy by \"" + shown(pattern) + "\""};
     }
   }

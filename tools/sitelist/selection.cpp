@@ -1,11 +1,9 @@
 #include "tools/sitelist/selection.h"
 
-#include <fnmatch.h>
-#include <wctype.h>
-
 #include <algorithm>
 
 #include "tools/sitelist/failure.h"
+#include "tools/sitelist/pattern.h"
 #include "tools/sitelist/site_report.h"
 #include "tools/sitelist/text.h"
 
@@ -17,24 +15,16 @@ using sitehlp::tag_Site;
 const std::vector<std::string> c_tableColumns = {"order",   "kind", "type", "name",
                                                  "address", "path", "state"};
 
-std::string lower(std::wstring text) {
-  for (wchar_t& c : text) c = static_cast<wchar_t>(::towlower(static_cast<wint_t>(c)));
-  return narrow(text);
-}
-
-bool matches(const std::wstring& text, const std::string& pattern) {
-  return ::fnmatch(lower(wide(pattern)).c_str(), lower(text).c_str(), 0) == 0;
-}
-
 bool matches(const tag_Site& site, const std::string& filter) {
   const std::size_t mark = filter.find('=');
   const std::string what = mark == std::string::npos ? "" : filter.substr(0, mark);
-  const std::string rest = filter.substr(mark + 1);
-  if (what == "kind") return matches(wide(kindOf(site)), rest);
-  if (what == "type") return matches(site.szType, rest);
-  if (what == "name") return matches(nameOf(site), rest);
-  return matches(wide(kindOf(site)), filter) || matches(site.szType, filter) ||
-         matches(nameOf(site), filter);
+  const std::wstring rest = wide(filter.substr(mark + 1));
+  if (what == "kind") return matchesPattern(wide(kindOf(site)), rest);
+  if (what == "type") return matchesPattern(site.szType, rest);
+  if (what == "name") return matchesPattern(nameOf(site), rest);
+  const std::wstring pattern = wide(filter);
+  return matchesPattern(wide(kindOf(site)), pattern) || matchesPattern(site.szType, pattern) ||
+         matchesPattern(nameOf(site), pattern);
 }
 
 // Numbers by their value, everything else by its text.

@@ -2,6 +2,7 @@
 
 #include <locale.h>
 #include <wchar.h>
+#include <wctype.h>
 #if __has_include(<xlocale.h>)
 #include <xlocale.h>
 #endif
@@ -18,12 +19,30 @@ bool isHarmful(wchar_t c) {
          (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
 }
 
-locale_t unicodeLocale() {
+locale_t openUnicodeLocale() {
   for (const char* name : {"C.UTF-8", "UTF-8", "en_US.UTF-8"}) {
     if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr)) return found;
   }
   return nullptr;
 }
+
+// Null when the machine has none.
+locale_t unicodeLocale() {
+  static const locale_t locale = openUnicodeLocale();
+  return locale;
+}
+
+// Gives this thread the Unicode locale, if there is one; the process keeps its own.
+class InUnicode {
+ public:
+  InUnicode() : m_before(::uselocale(unicodeLocale())) {}
+  ~InUnicode() { ::uselocale(m_before); }
+  InUnicode(const InUnicode&) = delete;
+  InUnicode& operator=(const InUnicode&) = delete;
+
+ private:
+  locale_t m_before;
+};
 
 }  // namespace
 
@@ -47,18 +66,24 @@ std::wstring printable(const std::wstring& text) {
 std::string shown(const std::wstring& text) { return narrow(printable(text)); }
 std::string shown(const std::string& utf8) { return shown(wide(utf8)); }
 
-// The process keeps its own locale: only wcwidth sees the Unicode one. Without such a locale on the
-// machine every character counts as one column.
+// First to upper case, for what has two lower ones, as sigma has.
+std::wstring caseFolded(const std::wstring& text) {
+  const InUnicode inUnicode;
+  std::wstring folded = text;
+  for (wchar_t& c : folded)
+    c = static_cast<wchar_t>(::towlower(::towupper(static_cast<wint_t>(c))));
+  return folded;
+}
+
+// Without a Unicode locale on the machine every character counts as one column.
 std::size_t columnsOf(const std::wstring& text) {
-  static const locale_t unicode = unicodeLocale();
-  if (!unicode) return text.size();
-  const locale_t before = ::uselocale(unicode);
+  if (!unicodeLocale()) return text.size();
+  const InUnicode inUnicode;
   std::size_t columns = 0;
   for (const wchar_t c : text) {
     const int width = ::wcwidth(c);
     columns += width < 0 ? 1U : static_cast<std::size_t>(width);
   }
-  ::uselocale(before);
   return columns;
 }
 

@@ -15,6 +15,9 @@ std::wstring printable(const std::wstring& text);
 std::string shown(const std::wstring& text);
 std::string shown(const std::string& utf8);
 
+// The text with what differs only in case made the same.
+std::wstring caseFolded(const std::wstring& text);
+
 // How many columns of a terminal a printable text takes.
 std::size_t columnsOf(const std::wstring& text);
 

@@ -81,6 +81,13 @@ Scalar fingerprintOf(const std::wstring& text) {
   return certificate ? Scalar(certificate->fingerprint) : Scalar();
 }
 
+// The same text, or the same certificate written in another way.
+bool isSameCertificate(const std::wstring& a, const std::wstring& b) {
+  if (a == b) return true;
+  const Scalar fingerprint = fingerprintOf(a);
+  return fingerprint != Scalar() && fingerprint == fingerprintOf(b);
+}
+
 Scalar orNull(const std::wstring& text) { return text.empty() ? Scalar() : Scalar(narrow(text)); }
 
 }  // namespace
@@ -178,7 +185,9 @@ void Diff::compareSites(const std::string& sectionName, const Sequence& before,
 void Diff::compareCertificates(const SiteList& before, const SiteList& after) {
   std::vector<std::wstring> left = before.certificates;
   for (const std::wstring& text : after.certificates) {
-    const auto match = std::find(left.begin(), left.end(), text);
+    const auto match = std::find_if(left.begin(), left.end(), [&](const std::wstring& other) {
+      return isSameCertificate(text, other);
+    });
     if (match == left.end()) {
       addRow("certificate", "added", {}, subjectOf(text), {}, {}, fingerprintOf(text));
     } else {

@@ -17,6 +17,8 @@ constexpr Heading c_headings[] = {{"version", "Versions"},       {"site", "Sites
                                   {"proxy", "Proxy settings"},   {"certificate", "Certificates"},
                                   {"policy", "Policy settings"}, {"file", "Files beside the list"}};
 
+constexpr std::size_t c_fieldColumns = 20;  // at least, for the name of a field
+
 // As much of a fingerprint as tells two certificates apart: 12 bytes.
 constexpr std::size_t c_fingerprintStart = 35;
 
@@ -83,15 +85,22 @@ class Printer {
     if (change == "reordered" && !isOnlyReordered) change = "changed";
     std::string line = padded(change, 11);
     if (!isNull(row, "kind")) line += text(row, "kind") + " ";
-    m_out << "  " << m_screen.styled(styleOf(change), line + text(row, "name"));
+    const std::string name = text(row, "name");
+    line += name.empty() ? "(no name)" : name;
+    m_out << "  " << m_screen.styled(styleOf(change), line);
     if (text(row, "section") == "version") {
       m_out << ": " << fromTo(row) << '\n';
     } else if (isNull(row, "field")) {
       single(row, change);
     } else {
       m_out << '\n';
+      std::size_t width = c_fieldColumns;
       for (std::size_t i = first; i < end; ++i) {
-        m_out << "               " << padded(text(rows[i], "field"), 20) << fromTo(rows[i]) << '\n';
+        width = std::max(width, text(rows[i], "field").size() + 1);
+      }
+      for (std::size_t i = first; i < end; ++i) {
+        m_out << "               " << padded(text(rows[i], "field"), width) << fromTo(rows[i])
+              << '\n';
       }
     }
     return end;

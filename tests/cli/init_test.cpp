@@ -44,7 +44,7 @@ TEST_F(CliInit, RefusesADirectoryThatHasAnAgent) {
   initAgent({"--managed"});
   const auto before = agentFiles();
   const Output output = sitelist({"init"});
-  EXPECT_EQ(output.status, 4);
+  EXPECT_EQ(output.status, 6);
   EXPECT_THAT(output.err, HasSubstr("agent.toml: there is an agent already\n  next: "));
   EXPECT_EQ(agentFiles(), before);
 }

@@ -119,7 +119,7 @@ TEST_F(CliRewrite, CarriesEverythingThatIsReadOver) {
   const Output output = sitelist({"rewrite", source, target});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_THAT(output.err, HasSubstr("the FIPS mode, 1, is not carried over\n"));
-  EXPECT_THAT(output.err, HasSubstr("wrote 1 entries to " + target));
+  EXPECT_THAT(output.err, HasSubstr("wrote 1 entry to " + target));
   EXPECT_EQ(sitelist({"versions", target}).out,
             "global version  g\nlocal version   l\ntype            Server\n"
             "FIPS mode       not said\n");

@@ -21,17 +21,16 @@ void failIfNotEditable(const std::string& path) {
   AnXml document;
   if (!document.useExistingFile(wide(path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
                                 WX_XML_SITELISTS_NAMESPACE)) {
-    throw Failure(exitDocument,
-                  shown(path) +
-                      ": the document is no site list\n  its root is not \"ns:SiteLists\" with "
-                      "xmlns:ns=\"wxSiteList\"\n  next: check that it is the right file");
+    throw failureAt(path, exitDocument,
+                    "the document is no site list\n  its root is not \"ns:SiteLists\" with "
+                    "xmlns:ns=\"wxSiteList\"",
+                    "check that it is the right file");
   }
   AnXmlNode siteList;
   if (!AnXmlNode(&document).getExistingChild(siteList, WX_XML_SITELIST, nullptr, nullptr, nullptr,
                                              nullptr)) {
-    throw Failure(exitDocument, shown(path) +
-                                    ": the document has no \"SiteList\"\n  next: check that it is "
-                                    "the right file");
+    throw failureAt(path, exitDocument, "the document has no \"SiteList\"",
+                    "check that it is the right file");
   }
 }
 

@@ -64,6 +64,7 @@ const Meaning& meaningOf(int code) {
 
 DocumentFault faultOf(const ReadWriteException& e) {
   DocumentFault fault;
+  fault.code = e.GetErrorCode();
   fault.status = meaningOf(e.GetErrorCode()).status;
   fault.rule = e.GetErrorCode() == ReadWriteException::INVALID_ENCODING ? "invalid-encoding"
                : e.GetErrorCode() == ReadWriteException::LIMIT_EXCEEDED ? "over-limit"
@@ -107,6 +108,17 @@ std::string describe(const DocumentFault& fault) {
   return text + fault.reason + "\n";
 }
 
+DocumentFault notWellFormed(unsigned long line, unsigned long column, const std::string& reason) {
+  return {exitDocument, "not-well-formed", line, column, reason, sitehlp::c_errorParse};
+}
+
+// A fault that was found says more than the code, which may stand for several.
+Failure documentFailure(const std::string& name, const DocumentFault& fault, int code) {
+  const Meaning& known = meaningOf(fault.code);
+  return Failure(fault.status, compose(name, code, known.meaning, describe(fault), known.next),
+                 placeOf(name, code, fault));
+}
+
 // Parses the text that `getText` gives; tells what stops it from being a document.
 template <typename GetText>
 std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
@@ -116,10 +128,9 @@ std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
     getText(text, encoding);
     document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
     if (document) return std::nullopt;
-    return DocumentFault{exitDocument, "not-well-formed", 1, 1, "there is no markup in the file"};
+    return notWellFormed(1, 1, "there is no markup in the file");
   } catch (const AdvXMLParser::ParsingException& e) {
-    return DocumentFault{exitDocument, "not-well-formed", e.GetLine(), e.GetColumn(),
-                         shown(e.GetReason())};
+    return notWellFormed(e.GetLine(), e.GetColumn(), shown(e.GetReason()));
   } catch (const ReadWriteException& e) {
     return faultOf(e);
   }
@@ -141,6 +152,11 @@ std::string Failure::next() const {
   const std::string text = what();
   const std::size_t at = text.find(c_nextMark);
   return at == std::string::npos ? "" : text.substr(at + std::strlen(c_nextMark));
+}
+
+Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
+                  const std::string& next) {
+  return Failure(status, shown(path) + ": " + text + c_nextMark + next, placeOf(path, 0));
 }
 
 std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
@@ -184,15 +200,7 @@ Failure libraryFailure(const std::string& path, int code) {
                               (known.status == exitDocument || known.status == exitFile) &&
                               code != sitehlp::c_errorWrite;
   if (isAboutReading) {
-    if (const auto fault = findDocumentFault(path)) {
-      // A file whose bytes cannot be converted counts as unread for the library; for the user it is
-      // the document that is wrong.
-      const bool isUnread = fault->status == exitFile;
-      return Failure(fault->status,
-                     compose(path, code, known.meaning, describe(*fault),
-                             isUnread ? c_checkFile : c_mendDocument),
-                     placeOf(path, code, *fault));
-    }
+    if (const auto fault = findDocumentFault(path)) return documentFailure(path, *fault, code);
   }
   return Failure(known.status, compose(path, code, known.meaning, "", known.next),
                  placeOf(path, code));
@@ -200,11 +208,7 @@ Failure libraryFailure(const std::string& path, int code) {
 
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
   const Meaning& known = meaningOf(code);
-  if (const auto fault = findFaultInBytes(bytes)) {
-    return Failure(fault->status,
-                   compose(name, code, known.meaning, describe(*fault), c_mendDocument),
-                   placeOf(name, code, *fault));
-  }
+  if (const auto fault = findFaultInBytes(bytes)) return documentFailure(name, *fault, code);
   return libraryFailure(name, code, known.status, known.meaning, known.next);
 }
 

@@ -40,6 +40,10 @@ class Failure : public std::runtime_error {
   FailurePlace m_place;
 };
 
+// A failure that is about a file or directory: "PATH: TEXT", and what to do next.
+Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
+                  const std::string& next);
+
 // Why a file cannot be read as a document.
 struct DocumentFault {
   ExitStatus status;  // exitDocument or exitFile
@@ -47,6 +51,7 @@ struct DocumentFault {
   unsigned long line = 0;
   unsigned long column = 0;  // both 0 where no place in the document is meant
   std::string reason;
+  int code = 0;  // of the library or the parser, for this fault
 };
 
 // Reads and parses a file; tells what stops it from being a document.

@@ -80,14 +80,15 @@ void reportNotes() {
   }
 }
 
-void warnOfLostPasswords(const std::string& file) {
-  for (const std::string& name : sitesWithLostPasswords(file)) {
-    std::cerr << "sitelist: " << shown(file) << ": the agent's key does not open the password of "
-              << name << "; it is now empty\n";
+}  // namespace
+
+void warnOfLostPasswords(const IncomingOptions& options) {
+  for (const std::string& name : sitesWithLostPasswords(options.file)) {
+    std::cerr << "sitelist: " << shown(options.file)
+              << ": the agent's key does not open the password of " << name
+              << (options.dryRun ? "; it would be empty\n" : "; it is now empty\n");
   }
 }
-
-}  // namespace
 
 void addIncomingOptions(Command& command, IncomingOptions& options) {
   command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
@@ -110,10 +111,10 @@ int takeIncoming(Context& context, const IncomingOptions& options) {
                          : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
   reportNotes();
   if (result != 0) failIncoming(options, ownList, result);
-  warnOfLostPasswords(options.file);
+  warnOfLostPasswords(options);
   const SiteList now = readSiteList(ownList);
-  std::cerr << "sitelist: " << shown(ownList) << " now holds " << countSites(now.sites.get())
-            << " entries, global version " << shown(now.globalVersion) << '\n';
+  std::cerr << "sitelist: " << shown(ownList) << " now holds " << countEntries(now.sites.get())
+            << ", global version " << shown(now.globalVersion) << '\n';
   return exitSuccess;
 }
 

@@ -24,6 +24,9 @@ int takeIncoming(Context& context, const IncomingOptions& options);
 // Says what taking the list would change, and changes nothing.
 int previewIncoming(Context& context, const IncomingOptions& options);
 
+// Says which sites come without their passwords.
+void warnOfLostPasswords(const IncomingOptions& options);
+
 // What would become of the key files and the marker beside the agent's list.
 std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
                                     sitehlp::tag_Site* sites, const std::string& ownList);

@@ -7,7 +7,6 @@
 
 #include "host/fs/files.h"
 #include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
@@ -37,8 +36,8 @@ Input readInput(const std::string& file) {
   const int error = isStandard ? readStandardInput(input.bytes)
                                : host::readRegularFile(file, c_maxBytes, input.bytes);
   if (error == 0) return input;
-  throw Failure(exitFile, shown(input.name) + ": cannot be read: " + std::strerror(error) +
-                              "\n  next: check that it is a regular file that you may read");
+  throw failureAt(input.name, exitFile, std::string("cannot be read: ") + std::strerror(error),
+                  "check that it is a regular file that you may read");
 }
 
 }  // namespace tool

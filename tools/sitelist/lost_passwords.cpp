@@ -80,12 +80,11 @@ std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
 void refuseLostPasswords(const std::string& path) {
   const std::vector<std::string> names = sitesWithLostPasswords(path);
   if (names.empty()) return;
-  std::string text = shown(path) + ": passwords that the agent's key does not open, of";
+  std::string text = "passwords that the agent's key does not open, of";
   for (const std::string& name : names) text += "\n  " + name;
-  throw Failure(exitCrypto,
-                text +
-                    "\n  Nothing was written: the new list would have lost them.\n  next: name "
-                    "the agent that the list belongs to with --agent-dir");
+  throw failureAt(path, exitCrypto,
+                  text + "\n  Nothing was written: the new list would have lost them.",
+                  "name the agent that the list belongs to with --agent-dir");
 }
 
 }  // namespace tool

@@ -12,7 +12,6 @@
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
@@ -43,8 +42,8 @@ class NoEcho {
 constexpr const char* c_standardInput = "standard input";
 
 [[noreturn]] void failToRead(const std::string& source, int error) {
-  throw Failure(exitFile, shown(source) + ": cannot be read: " + std::strerror(error) +
-                              "\n  next: check that it is a file that you may read");
+  throw failureAt(source, exitFile, std::string("cannot be read: ") + std::strerror(error),
+                  "check that it is a file that you may read");
 }
 
 }  // namespace
@@ -82,22 +81,22 @@ void Password::convert(const std::string& source) {
   if (m_size == m_bytes.size() || std::memchr(bytes, 0, m_size) ||
       !AdvXMLParser::ConvertBufferToUnicode(bytes, m_size, m_text, encoding) ||
       encoding != AdvXMLParser::UTF_8) {
-    throw Failure(exitUsage,
-                  shown(source) + ": no password in UTF-8\n  next: give one line of UTF-8 text");
+    throw failureAt(source, exitUsage, "no password in UTF-8", "give one line of UTF-8 text");
   }
   if (m_text.size() > c_maxCharacters) {
-    throw Failure(exitUsage, shown(source) + ": the password is longer than " +
-                                 std::to_string(c_maxCharacters) +
-                                 " characters\n  next: choose one that a site list can carry");
+    throw failureAt(
+        source, exitUsage,
+        "the password is longer than " + std::to_string(c_maxCharacters) + " characters",
+        "choose one that a site list can carry");
   }
 }
 
 std::wstring protect(const Context& context, const Password& password) {
   std::wstring protectedText;
   if (sitehlp::CSitesHelper(true).EncryptPassword(password.text(), protectedText) == 0) {
-    throw Failure(exitCrypto, shown(context.agentDirectory) +
-                                  "/keystore: the password cannot be protected\n  next: check that "
-                                  "you may read the agent's password key");
+    throw failureAt(context.agentDirectory + "/keystore", exitCrypto,
+                    "the password cannot be protected",
+                    "check that you may read the agent's password key");
   }
   return protectedText;
 }

@@ -110,6 +110,7 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   after.fipsMode.reset();  // the agent's own list never says it
   Diff diff(before, after, false);
   diff.add(fileChanges(helper, options, after.sites.get(), ownList));
+  warnOfLostPasswords(options);
   context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;
 }

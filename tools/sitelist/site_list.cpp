@@ -47,10 +47,10 @@ void writeSiteList(SiteList& list, const std::string& path) {
   if (result != 0) throw libraryFailure(path, result);
 }
 
-std::size_t countSites(const sitehlp::tag_Site* sites) {
+std::string countEntries(const sitehlp::tag_Site* sites) {
   std::size_t count = 0;
   for (; sites; sites = sites->pNext) ++count;
-  return count;
+  return std::to_string(count) + (count == 1 ? " entry" : " entries");
 }
 
 }  // namespace tool

@@ -40,7 +40,8 @@ SiteList readWholeSiteList(const std::string& path);
 // Writes the sites with all else that `list` holds. Empty versions are left to the library.
 void writeSiteList(SiteList& list, const std::string& path);
 
-std::size_t countSites(const sitehlp::tag_Site* sites);
+// "1 entry", "2 entries".
+std::string countEntries(const sitehlp::tag_Site* sites);
 
 // "server", "agent", "http", "ftp", "unc", "local", "proxy", or "unknown" for an element that the
 // library does not know.

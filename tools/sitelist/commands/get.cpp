@@ -29,25 +29,26 @@ struct Options {
 }
 
 Failure missing(const SiteList& list, const std::string& what, const std::string& next) {
-  return Failure(exitNotFound, shown(list.path) + ": " + what + "\n  next: " + next,
-                 {list.path, 0, 0, 0});
+  return failureAt(list.path, exitNotFound, what, next);
 }
 
 const tag_Site& findSite(const SiteList& list, const Options& options) {
   const tag_Site* found = nullptr;
   std::string kinds;
   std::size_t count = 0;
+  bool areOfOneKind = true;
   for (const tag_Site* site = list.sites.get(); site; site = site->pNext) {
     if (narrow(nameOf(*site)) != options.site) continue;
     if (!options.kind.empty() && options.kind != kindOf(*site)) continue;
     if (!found) found = site;
+    areOfOneKind = areOfOneKind && std::string(kindOf(*site)) == kindOf(*found);
     kinds += (++count == 1 ? "" : ", ") + std::string(kindOf(*site));
   }
   if (count > 1) {
-    throw Failure(exitConflict,
-                  shown(list.path) + ": several sites are named \"" + shown(options.site) +
-                      "\": " + kinds + "\n  next: say which is meant with --kind KIND",
-                  {list.path, 0, 0, 0});
+    throw failureAt(list.path, exitConflict,
+                    "several sites are named \"" + shown(options.site) + "\": " + kinds,
+                    areOfOneKind ? "`sitelist show --json` prints them all"
+                                 : "say which is meant with --kind KIND");
   }
   if (!found) {
     throw missing(list, "there is no site named \"" + shown(options.site) + "\"",

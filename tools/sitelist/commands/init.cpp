@@ -26,8 +26,8 @@ struct Options {
 };
 
 Failure cannotMake(const std::string& path, const std::string& reason) {
-  return Failure(exitFile, shown(path) + ": cannot be made: " + reason +
-                               "\n  next: check the path and that you may write there");
+  return failureAt(path, exitFile, "cannot be made: " + reason,
+                   "check the path and that you may write there");
 }
 
 void makeDirectory(const std::string& path) {
@@ -51,9 +51,8 @@ void makePasswordKey(Context& context) {
       CryptShim::instance()->create_encryption_object(ENCRYPTION_TYPE_PASSWORD);
   CryptShim::instance()->destroy_encryption_object(object);
   if (!object) {
-    throw Failure(exitCrypto, shown(context.agentDirectory) +
-                                  "/keystore: the password key cannot be made\n  next: check that "
-                                  "you may write there");
+    throw failureAt(context.agentDirectory + "/keystore", exitCrypto,
+                    "the password key cannot be made", "check that you may write there");
   }
 }
 
@@ -81,9 +80,9 @@ int init(Context& context, const Options& options) {
   const host::AgentSettings settings = settingsFrom(context, options);
   std::error_code error;
   if (fs::exists(fs::symlink_status(settingsFile, error))) {
-    throw Failure(exitFile, shown(settingsFile) +
-                                ": there is an agent already\n  next: edit this file to change its "
-                                "settings, or name another directory with --agent-dir");
+    throw failureAt(settingsFile, exitConflict, "there is an agent already",
+                    "edit this file to change its settings, or name another directory with "
+                    "--agent-dir");
   }
   for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);
   fs::permissions(directory + "/keystore", fs::perms::owner_all, error);

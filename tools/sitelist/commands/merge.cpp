@@ -82,7 +82,7 @@ int merge(Context& context, const Options& options) {
   if (options.output.empty()) {
     print(agent.path());
   } else {
-    std::cerr << "sitelist: wrote " << countSites(merged.sites.get()) << " entries to "
+    std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
               << shown(options.output) << '\n';
   }
   return exitSuccess;

@@ -23,7 +23,7 @@ int rewrite(Context& context, const Options& options) {
     std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode, "
               << shown(*list.fipsMode) << ", is not carried over\n";
   }
-  std::cerr << "sitelist: wrote " << countSites(list.sites.get()) << " entries to "
+  std::cerr << "sitelist: wrote " << countEntries(list.sites.get()) << " to "
             << shown(options.destination) << '\n';
   return exitSuccess;
 }

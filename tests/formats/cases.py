@@ -1,0 +1,295 @@
+"""Every case: a command line, run in every form in a world of world.py."""
+
+from dataclasses import dataclass
+
+import tables
+from documents import CANARIES
+from forms import FORMS
+
+
+@dataclass
+class Case:
+    name: str
+    arguments: list
+    status: int = 0
+    table: object = tables.nothing  # checks what the form for people shows
+    stdin: str = ""
+    secrets: tuple = ()  # names of clear passwords that have to be told; else none may be
+    masks: tuple = ()  # (pattern, replacement) for what is another with every run
+    writes: bool = False  # changes its world, so every run gets one of its own
+    forms: tuple = FORMS
+
+    @property
+    def agent(self):
+        return self.arguments[1] if self.arguments[:1] == ["--agent-dir"] else "agent"
+
+
+# Whole days from now on, in each form.
+DAYS = ((r'("daysLeft": |<daysLeft>|days left {4}| UTC,)(-?)[0-9]+\b(?!-)', r"\g<1>\g<2>1"),)
+PROTECTED = ((r"\b[A-Za-z0-9+/]{36,}={0,2}", "@PROTECTED@"),)
+STAMP = ((r'LocalVersion="[0-9]{14}"', 'LocalVersion="@NOW@"'),)
+
+NASTY = "x\x1b[31m\t\n\x9b\u202e\"'<&>, 東京 e\u0301\U0001f600"
+NOT_UTF8 = b"lists/\xff\xc3(.xml"
+DEPOT = "De\u0301po\u0302t Nord"
+OWN = "agent/etc/SiteList.xml"
+HOSTILE = "lists/hostile.xml"
+
+
+def agent(name, *arguments):
+    return ["--agent-dir", name, *arguments]
+
+
+def own(*arguments):
+    return agent("agent", *arguments)
+
+
+def unreadable(command, *before):
+    """Of a command that reads the list that is named last."""
+    return [
+        Case(f"{command}-missing", own(command, *before, "lists/none.xml"), 4, tables.silent),
+        Case(f"{command}-broken", own(command, *before, "lists/broken.xml"), 3, tables.silent),
+    ]
+
+
+SHOWN = ("name", "kind", "server", "serverPort", "enabled", "password", "useIEConfig")
+SHOW = [
+    Case("show-own", own("show"), table=tables.show),
+    Case("show-file", ["show", "in/SiteList.xml"], table=tables.show),
+    Case("show-secrets", own("show", "--show-secrets"), table=tables.show,
+         secrets=("depot", "share", "proxy", "proxy-b")),
+    Case("show-columns", own("show", "--columns", ",".join(SHOWN)), table=tables.columns(*SHOWN)),
+    Case("show-columns-secrets", own("show", "--columns", "name,password", "--show-secrets"),
+         table=tables.columns("name", "password"), secrets=("depot", "share", "proxy", "proxy-b")),
+    Case("show-sort", own("show", "--sort", "-name", "--wide"), table=tables.show),
+    Case("show-filter", own("show", "--filter", "kind=HTTP", "--filter", "name=*i*", "--sort", "name"),
+         table=tables.show),
+    Case("show-hostile", own("show", HOSTILE), table=tables.show),
+    Case("show-hostile-secrets", own("show", HOSTILE, "--show-secrets"), table=tables.show,
+         secrets=("hostile",)),
+    Case("show-empty", ["show", "lists/empty.xml"], 1, tables.silent),
+    Case("show-no-match", own("show", "--filter", NASTY), 1, tables.silent),
+    Case("show-unknown-last", ["show", "lists/unknown-last.xml"], 3, tables.show),
+    Case("show-unknown-column", own("show", "--columns", "name," + NASTY), 2),
+    Case("show-unknown-sort", own("show", "--sort=" + NASTY), 2),
+    *unreadable("show"),
+    Case("show-directory", ["show", "lists"], 4, tables.silent),
+    Case("show-no-markup", ["show", "lists/no-markup.xml"], 3, tables.silent),
+    Case("show-encoding", ["show", "lists/encoding.xml"], 3, tables.silent),
+    Case("show-deep", ["show", "lists/deep.xml"], 3, tables.silent),
+    Case("show-nasty-path", ["show", NASTY], 4, tables.silent),
+    Case("show-path-not-utf8", ["show", NOT_UTF8], 4, tables.silent),
+    Case("show-no-agent", agent("nowhere", "show"), 4),
+    Case("show-broken-settings", agent("unset", "show"), 3),
+    Case("show-no-list", agent("fresh", "show"), 4, tables.silent),
+]
+
+GET = [
+    Case("get-version", own("get", "globalVersion"), table=tables.value),
+    Case("get-policy", own("get", "policy.Old", OWN), table=tables.value),
+    Case("get-text", own("get", "server", "--site", DEPOT), table=tables.value),
+    Case("get-number", own("get", "serverPort", "--site", "Twin", "--kind", "ftp"), table=tables.value),
+    Case("get-flag", own("get", "local", "--site", "Twin", "--kind", "http"), table=tables.value),
+    Case("get-empty", own("get", "version", "--site", DEPOT), table=tables.value),
+    Case("get-password", own("get", "password", "--site", DEPOT), table=tables.value),
+    Case("get-secret", own("get", "password", "--site", DEPOT, "--show-secrets"),
+         table=tables.value, secrets=("depot",)),
+    Case("get-hostile", own("get", "globalVersion", HOSTILE), table=tables.value),
+    Case("get-hostile-secret",
+         own("get", "httpProxyPassword", "--kind", "proxy", "--show-secrets", HOSTILE,
+             "--site", "a\tb\nc\rd\r\ne\x7f\x85\x9b31m\u2028\u202ef\u2066g\u200f\u061c\ufeff\"h\",'i';<j>&amp;"
+             "\u2026 \\u001B[0m $(k) =1 東京 e\u0301 \U0001f600\U0001d518 "),
+         table=tables.value, secrets=("hostile",)),
+    Case("get-nothing-said", own("get", "fipsMode"), 7),
+    Case("get-no-site", own("get", "server", "--site", NASTY), 7),
+    Case("get-no-policy", own("get", "policy." + NASTY), 7),
+    Case("get-no-such-field-of-kind", own("get", "shareName", "--site", DEPOT), 7),
+    Case("get-several", own("get", "server", "--site", "Twin"), 6),
+    Case("get-several-of-a-kind", own("get", "server", "--site", "twin", "--kind", "http", "lists/twins.xml"), 6),
+    Case("get-unknown-field", own("get", NASTY), 2),
+    Case("get-unknown-kind", own("get", "server", "--site", "Twin", "--kind", NASTY), 2),
+    *unreadable("get", "type"),
+]
+
+EXPLAIN = [
+    Case("explain-own", own("explain"), table=tables.explain),
+    Case("explain-file", ["explain", "in/SiteList.xml"], table=tables.explain),
+    Case("explain-system", ["explain", "lists/system.xml"], table=tables.explain),
+    Case("explain-direct", ["explain", "lists/direct.xml"], table=tables.explain),
+    Case("explain-hostile", own("explain", HOSTILE), table=tables.explain),
+    Case("explain-empty", ["explain", "lists/empty.xml"], 1, tables.explain),
+    Case("explain-idle", ["explain", "lists/idle.xml"], 1, tables.explain),
+    Case("explain-host-bypasses", own("explain", "--host", "x.TUI.example"), table=tables.routes),
+    Case("explain-host-proxied", own("explain", "--host", "else.example"), 1, tables.routes),
+    Case("explain-host-system", ["explain", "lists/system.xml", "--host", "a.example"], 1, tables.routes),
+    Case("explain-host-nasty", own("explain", HOSTILE, "--host", NASTY), 1, tables.routes),
+    Case("explain-host-not-utf8", own("explain", "--host", NOT_UTF8), 1, tables.routes),
+    *unreadable("explain"),
+    Case("explain-unknown-last", ["explain", "lists/unknown-last.xml"], 3),
+]
+
+DIFF = [
+    Case("diff-lists", own("diff", OWN, "in/SiteList.xml"), table=tables.changes),
+    Case("diff-secrets", own("diff", OWN, "in/SiteList.xml", "--show-secrets"), table=tables.changes,
+         secrets=("depot", "fresh")),
+    Case("diff-exit-code", own("diff", "--exit-code", OWN, "lists/direct.xml"), 1, tables.changes),
+    Case("diff-same", own("diff", "--exit-code", OWN, OWN), table=tables.changes),
+    Case("diff-hostile", own("diff", "lists/harmless.xml", HOSTILE), table=tables.changes),
+    Case("diff-from-hostile", own("diff", HOSTILE, "lists/silent.xml"), table=tables.changes),
+    Case("diff-foreign-password", own("diff", "lists/direct.xml", "lists/foreign.xml"), table=tables.changes),
+    *unreadable("diff", OWN),
+]
+
+QUERIES = [
+    Case("versions-own", own("versions"), table=tables.facts),
+    Case("versions-file", ["versions", "in/SiteList.xml"], table=tables.facts),
+    Case("versions-silent", ["versions", "lists/silent.xml"], table=tables.facts),
+    Case("versions-hostile", ["versions", HOSTILE], table=tables.facts),
+    *unreadable("versions"),
+    Case("servers-own", own("servers"), table=tables.facts),
+    Case("servers-none", agent("serverless", "servers"), 1),
+    Case("servers-hostile", agent("hostile", "servers", "--all", "--non-secure-port"),
+         table=tables.facts),
+    Case("servers-no-list", agent("fresh", "servers"), 4),
+    Case("certs-own", own("certs"), table=tables.certificates, masks=DAYS),
+    Case("certs-expired", ["certs", "lists/certificates.xml", "--expiring", "0"], 1, tables.certificates,
+         masks=DAYS),
+    Case("certs-expiring", ["certs", "lists/lasting.xml", "--expiring", "9000000"], 1, tables.certificates,
+         masks=DAYS),
+    Case("certs-lasting", ["certs", "lists/lasting.xml", "--expiring", "30"], table=tables.certificates,
+         masks=DAYS),
+    Case("certs-hostile", ["certs", HOSTILE], table=tables.certificates, masks=DAYS),
+    Case("certs-none", ["certs", "lists/empty.xml"], 1, tables.silent),
+    Case("certs-bad-days", own("certs", "--expiring", NASTY), 2),
+    *unreadable("certs"),
+    Case("policies-own", own("policies"), table=tables.policies),
+    Case("policies-hostile", ["policies", HOSTILE], table=tables.policies),
+    Case("policies-none", ["policies", "lists/empty.xml"], 1, tables.silent),
+    *unreadable("policies"),
+    Case("policies-set", own("policies", "set", "New", NASTY), writes=True),
+    Case("policies-set-no-list", agent("fresh", "policies", "set", "a", "1"), 4),
+    Case("policies-set-foreign", agent("keyless", "policies", "set", "a", "1"), 5, writes=True),
+    Case("protect", own("protect"), table=tables.protected, stdin=CANARIES["depot"] + "\n", masks=PROTECTED),
+    Case("protect-hostile", own("protect"), table=tables.protected, stdin=CANARIES["hostile"],
+         masks=PROTECTED),
+    Case("protect-nothing", own("protect"), table=tables.protected, masks=PROTECTED),
+    Case("protect-too-long", own("protect"), 2, stdin=CANARIES["depot"] * 22),
+    Case("protect-bad-key", agent("bad-key", "protect"), 5, stdin=CANARIES["depot"]),
+    Case("protect-no-agent", agent("nowhere", "protect"), 4, stdin=CANARIES["depot"]),
+]
+
+CHANGES = [
+    Case("init", agent("new", "init"), writes=True),
+    Case("init-again", own("init"), 6),
+    Case("init-relative-mesh", agent("new", "init", "--mesh-command", NASTY), 2),
+    Case("import", own("import", "in/SiteList.xml"), writes=True),
+    Case("import-dry", own("import", "--dry-run", "in/SiteList.xml"), table=tables.changes),
+    Case("import-dry-first", agent("fresh", "import", "--dry-run", "in/SiteList.xml"), table=tables.changes),
+    Case("import-hostile", own("import", "in/hostile.xml"), writes=True),
+    Case("import-refused-hostile", own("import", "lists/refused-hostile.xml"), 1),
+    Case("import-refused", own("import", "lists/incomplete.xml"), 1),
+    Case("import-dry-refused", own("import", "--dry-run", "lists/incomplete.xml"), 1),
+    Case("import-dry-keyless", own("import", "--dry-run", "lists/keyless.xml"), 1),
+    *unreadable("import", "--dry-run"),
+    Case("install-foreign", agent("fresh", "install", "lists/foreign.xml"), writes=True),
+    Case("install", agent("fresh", "install", "in/SiteList.xml"), writes=True),
+    Case("install-dry-keys", own("install", "--dry-run", "--keys", "in", "lists/idle.xml"),
+         table=tables.changes),
+    Case("install-dry-hostile", own("install", "--dry-run", "in/hostile.xml"), table=tables.changes),
+    Case("install-dry-foreign", agent("fresh", "install", "--dry-run", "lists/foreign.xml"),
+         table=tables.changes),
+    Case("install-dry-same", agent("serverless", "install", "--dry-run", "lists/direct.xml"),
+         table=tables.changes),
+    Case("install-keyless", own("install", "lists/keyless.xml"), 5),
+    *unreadable("install"),
+    Case("modify", own("modify", "--servers", "--repositories", "in/SiteList.xml"), writes=True),
+    Case("modify-dry", own("modify", "--servers", "--repositories", "--dry-run", "in/SiteList.xml"),
+         table=tables.changes),
+    Case("modify-dry-nothing", own("modify", "--dry-run", "lists/direct.xml"), table=tables.changes),
+    Case("modify-dry-hostile", own("modify", "--servers", "--dry-run", "in/hostile.xml"),
+         table=tables.changes),
+    Case("modify-other-root", own("modify", "lists/other-root.xml"), 3),
+    *unreadable("modify"),
+    Case("merge", own("merge", "--first", "in/SiteList.xml"), forms=("table",), masks=PROTECTED + STAMP),
+    Case("merge-output", own("merge", "--first", "in/SiteList.xml", "--output", "merged.xml"), writes=True),
+    Case("merge-dry", own("merge", "--first", "in/SiteList.xml", "--dry-run"), table=tables.changes),
+    Case("merge-dry-two", own("merge", "--first", "lists/direct.xml", "--second", HOSTILE, "--dry-run"),
+         table=tables.changes),
+    Case("merge-foreign", own("merge", "--first", "lists/foreign.xml", "--output", "merged.xml"), 5),
+    *unreadable("merge", "--dry-run", "--first"),
+    Case("merge-no-directory", own("merge", "--output", "none/merged.xml"), 4),
+    Case("rewrite", own("rewrite", "in/SiteList.xml", "new.xml"), writes=True),
+    Case("rewrite-foreign", own("rewrite", "lists/foreign.xml", "new.xml"), 5),
+    Case("rewrite-keyless", agent("keyless", "rewrite", "lists/direct.xml", "new.xml"), 5),
+    Case("derive-server-list", ["derive-server-list", "in"], writes=True),
+    Case("derive-server-list-missing", ["derive-server-list", "lists"], 4),
+    Case("server-list", own("server-list", "in/SiteList.xml"), writes=True),
+    Case("server-list-missing", own("server-list", "lists/none.xml"), 4),
+    Case("from-buffer-broken", own("from-buffer"), 3, stdin="<a>\n<b>"),
+    Case("from-buffer-missing", own("from-buffer", "lists/none.xml"), 4),
+]
+
+def edit(*arguments):
+    return own("edit", *arguments)
+
+
+EDIT = [
+    Case("edit-disable", edit("disable", "Main server"), writes=True),
+    Case("edit-enable-enabled", edit("enable", "Main server")),
+    Case("edit-disable-dry", edit("--dry-run", "disable", "Main server"), table=tables.changes),
+    Case("edit-enable-dry-enabled", edit("--dry-run", "enable", "Main server"), table=tables.changes),
+    Case("edit-set", edit("set", "Offices", "server=FILES02", "order=12"), writes=True),
+    Case("edit-set-dry", edit("--dry-run", "set", "Offices", "server=FILES02", "order=12"),
+         table=tables.changes),
+    Case("edit-set-dry-hostile",
+         edit("--dry-run", "--file", HOSTILE, "set", "HQ", "relativePath=\t\n\r\x9b\u202e\"'<&>, 東京"),
+         table=tables.changes),
+    Case("edit-set-dry-password",
+         edit("--dry-run", "set", DEPOT, "--password-stdin"), stdin=CANARIES["fresh"], table=tables.changes),
+    Case("edit-set-password", edit("set", DEPOT, "--password-stdin"), stdin=CANARIES["fresh"], writes=True),
+    Case("edit-set-visible-password", edit("set", DEPOT, "password=" + CANARIES["fresh"]), 2),
+    Case("edit-set-mistyped-password", edit("set", DEPOT, CANARIES["fresh"]), 2),
+    Case("edit-set-nasty-field", edit("set", DEPOT, NASTY + "=1"), 2),
+    Case("edit-set-nasty-value", edit("set", DEPOT, "server=" + NASTY), 2),
+    Case("edit-set-not-utf8", edit("set", DEPOT, b"server=\xff"), 2),
+    Case("edit-add-dry", edit("--dry-run", "add", "http", "New\x9b\u202e\t", "server=new.example"),
+         table=tables.changes),
+    Case("edit-remove-dry", edit("--dry-run", "remove", "Disk"), table=tables.changes),
+    Case("edit-remove-gone", edit("remove", NASTY)),
+    Case("edit-rename-dry", edit("--dry-run", "rename", "Disk", "Disc"), table=tables.changes),
+    Case("edit-rename-taken", edit("rename", "Disk", "Offices"), 6),
+    Case("edit-move-dry", edit("--dry-run", "move", "Offices", "first"), table=tables.changes),
+    Case("edit-restore", edit("restore"), writes=True),
+    Case("edit-restore-dry", edit("--dry-run", "restore"), table=tables.changes),
+    Case("edit-restore-no-backup", agent("serverless", "edit", "restore"), 7),
+    Case("edit-no-site", edit("disable", NASTY), 7),
+    Case("edit-several", edit("disable", "Twin"), 6),
+    Case("edit-no-subcommand", edit(), 2),
+    Case("edit-missing", edit("--file", "lists/none.xml", "disable", "x"), 4),
+    Case("edit-broken", edit("--file", "lists/broken.xml", "disable", "x"), 3),
+    Case("edit-locked", agent("locked", "edit", "--wait", "0", "disable", "depot"), 6),
+]
+
+USAGE = [
+    Case("usage-no-command", [], 2, forms=("json", "csv", "xml")),
+    Case("usage-unknown-command", [NASTY], 2),
+    Case("usage-unknown-option", ["show", "--bogus" + NASTY], 2),
+    Case("usage-argument-too-many", ["show", "a", NASTY], 2),
+    Case("usage-missing-argument", ["diff", "a"], 2),
+    Case("usage-missing-value", ["show", "--agent-dir"], 2),
+    Case("usage-color", ["show", "--color", "sometimes"], 2),
+    Case("usage-not-utf8", ["show", "a", NOT_UTF8], 2),
+]
+
+# Each is a test of its own.
+GROUPS = {
+    "show": SHOW,
+    "get": GET,
+    "explain": EXPLAIN,
+    "diff": DIFF,
+    "queries": QUERIES,
+    "changes": CHANGES,
+    "edit": EDIT,
+    "usage": USAGE,
+}
+ALL = [case for cases in GROUPS.values() for case in cases]

@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+"""Runs the tool on fixed documents in every form and looks at everything that it prints.
+
+  run.py --tool SITELIST [--forms json,...] GROUP...   the cases of these groups, against golden/
+  run.py --tool SITELIST contract                      schema, commands and exit statuses
+  run.py --tool SITELIST --update [GROUP...]           writes golden/ anew
+
+A golden file is named after its case and form; where there is nothing to print, there is none.
+Messages, the same in every form, are in CASE.err.
+"""
+
+import argparse
+import difflib
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+import cases
+import checks
+import contract
+import forms
+from world import World
+
+HERE = Path(__file__).resolve().parent
+GOLDEN = HERE / "golden"
+SOURCE = HERE.parent.parent
+
+
+def run_case(world, case, form):
+    directory = world.copy(case.agent) if case.writes else world.dir
+    return world.run(["--format", form, *case.arguments], case.stdin, directory), directory
+
+
+def golden_name(case, kind):
+    return GOLDEN / f"{case.name}.{kind}"
+
+
+class Run:
+    def __init__(self, world, validator, chosen_forms, update):
+        self.world = world
+        self.validator = validator
+        self.forms = chosen_forms
+        self.update = update
+        self.problems = []
+
+    def case(self, case):
+        try:
+            self.check(case)
+        except forms.Wrong as wrong:
+            self.problems.append(f"{case.name}: {wrong}")
+
+    def check(self, case):
+        texts = {}
+        messages = set()
+        for form in (form for form in case.forms if form in self.forms):
+            output, directory = run_case(self.world, case, form)
+            out, err = (checks.normalised(case, text, directory) for text in (output.out, output.err))
+            checks.check_output(case, form, output, out, err)
+            if any((directory / "tmp").iterdir()) and case.writes:
+                raise forms.Wrong("temporary files are left")
+            texts[form] = out
+            messages.add(err)
+        if len(messages) != 1:
+            raise forms.Wrong(f"not the same messages in every form: {messages}")
+        texts["err"] = messages.pop()
+        if "json" in texts:
+            report = checks.check_json(case, texts["json"], texts["err"], self.validator)
+            checks.check_others(case, report, texts)
+        for kind, text in texts.items():
+            self.golden(golden_name(case, kind), text)
+
+    def golden(self, path, text):
+        if self.update:
+            path.write_text(text) if text else path.unlink(missing_ok=True)
+            return
+        expected = path.read_text() if path.exists() else ""
+        if path.exists() and not expected:
+            self.problems.append(f"{path.name}: an empty golden file")
+        if text != expected:
+            lines = difflib.unified_diff(expected.splitlines(), text.splitlines(), "golden", "now", lineterm="")
+            shown = "\n".join(line[:200] for line in list(lines)[:60])
+            self.problems.append(f"{path.name} is not as golden/ has it\n{shown}")
+
+
+def find_stale(update):
+    known = {f"{case.name}.{kind}" for case in cases.ALL for kind in (*case.forms, "err")}
+    stale = [path for path in GOLDEN.iterdir() if path.name not in known]
+    if not update:
+        return [f"{path.name}: a golden file of no case" for path in stale]
+    for path in stale:
+        path.unlink()
+    return []
+
+
+def run_groups(arguments, chosen):
+    world = World(arguments.tool, SOURCE)
+    try:
+        before = world.snapshot()
+        run = Run(world, contract.validator(), arguments.forms.split(","), arguments.update)
+        with ThreadPoolExecutor(2) as pool:
+            list(pool.map(run.case, chosen))
+        changed = sorted(name for name, _ in before.items() ^ world.snapshot().items())
+        if changed:
+            run.problems.append(f"these files were changed, made or left: {changed}")
+        return run.problems
+    finally:
+        world.remove()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
+    parser.add_argument("--tool", required=True, type=lambda path: Path(path).resolve())
+    parser.add_argument("--forms", default=",".join(forms.FORMS))
+    parser.add_argument("--update", action="store_true")
+    parser.add_argument("groups", nargs="*", choices=[*cases.GROUPS, "contract", []])
+    arguments = parser.parse_args()
+    GOLDEN.mkdir(exist_ok=True)
+    groups = arguments.groups or list(cases.GROUPS)
+    chosen = [case for name in groups if name != "contract" for case in cases.GROUPS[name]]
+    problems = find_stale(arguments.update)
+    if chosen:
+        problems += run_groups(arguments, chosen)
+    if "contract" in groups:
+        problems += contract.problems(GOLDEN, arguments.tool, cases.ALL)
+    for problem in problems:
+        print(problem, file=sys.stderr)
+    print(f"{len(chosen)} cases, {len(problems)} problems")
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

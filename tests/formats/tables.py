@@ -1,0 +1,136 @@
+"""What the form for people has to show of the rows and facts of the JSON form, by command."""
+
+from forms import Wrong, shown, text_of
+
+MASK = "********"
+
+
+def need(table, texts, where):
+    for text in texts:
+        if text and text not in table:
+            raise Wrong(f"the table does not show \"{text}\" of {where}")
+
+
+def need_lines(table, rows_of_texts):
+    """Every row is a line of its own that has all of its texts."""
+    lines = table.splitlines()
+    for texts in rows_of_texts:
+        match = next((line for line in lines if all(text in line for text in texts)), None)
+        if match is None:
+            raise Wrong(f"the table has no line with {texts}")
+        lines.remove(match)
+
+
+def order_of(site):
+    if site["mirror"] and site["order"] == 0:
+        return "-"
+    return "last" if site["order"] == 65535 else text_of(site["order"])
+
+
+def show(report, table):
+    sites = [row for row in report.rows if row["kind"] != "proxy"]
+    fields = ("kind", "type", "name", "server", "shareName", "relativePath")
+    need_lines(
+        table,
+        [
+            [order_of(site), "on" if site["enabled"] else "off"]
+            + [shown(site[field]) for field in fields if site.get(field)]
+            + ([f"({site['securePort']})"] if site.get("securePort") else [])
+            for site in sites
+        ],
+    )
+    for row in report.rows:
+        if row["kind"] == "proxy":
+            numbers = [row[f"{p}ProxyPort"] for p in ("http", "ftp") if row[f"{p}ProxyServer"]]
+            texts = [v for k, v in row.items() if isinstance(v, str) and k not in ("kind", "element", "type")]
+            texts = [part for text in texts for part in text.split(";")] + numbers
+            need(table, [shown(text) for text in texts], row["name"])
+
+
+def columns(*names):
+    """The table of `show --columns`: the fields of these names, in lines."""
+
+    def check(report, table):
+        need_lines(table, [[shown(row.get(name)) or "-" for name in names] for row in report.rows])
+
+    return check
+
+
+def facts(report, table):
+    need(table, [shown(v) for k, v in report.facts.items() if k != "file"], "the facts")
+
+
+def value(report, table):
+    if table != shown(report.facts["value"]) + "\n":
+        raise Wrong(f"not the bare value: {table}")
+
+
+def protected(report, table):
+    if table != report.facts["protected"] + "\n":
+        raise Wrong(f"not the bare value: {table}")
+
+
+def explain(report, table):
+    fields = ("place", "kind", "name", "address", "path", "reason", "proxy")
+    for row in report.rows:
+        need(table, [shown(row[field]) for field in fields], row["name"])
+        if row["tried"]:
+            need(table, [shown(row["proxyReason"])], row["name"])
+    for name in ("httpProxy", "ftpProxy", "exclusions"):
+        if report.facts["proxyMode"] == "manual":
+            need(table, [shown(report.facts[name])], name)
+
+
+def routes(report, table):
+    host = shown(report.facts["host"])
+    need_lines(
+        table,
+        [[host, row["protocol"].upper(), shown(row["proxy"] or "directly"), shown(row["reason"])]
+         for row in report.rows],
+    )
+
+
+def certificates(report, table):
+    # A fingerprint is broken into two lines.
+    joined = "".join(table.split())
+    for row in report.rows:
+        texts = [shown(v) for k, v in row.items() if isinstance(v, (str, int)) and not isinstance(v, bool)]
+        if row["readable"]:
+            texts.remove(shown(row["text"]))
+            texts += ["(expired)"] if row["expired"] else []
+            texts += ["(expires soon)"] if row["expiring"] and not row["expired"] else []
+        need(joined, ["".join(text.split()) for text in texts], f"certificate {row['number']}")
+
+
+def policies(report, table):
+    lines = [f"{shown(row['name'])} = {shown(row['value'])}" for row in report.rows]
+    if table.splitlines() != lines:
+        raise Wrong(f"not {lines}")
+
+
+def changes(report, table):
+    if not report.rows and "Nothing differs." not in table:
+        raise Wrong("the table does not say that nothing differs")
+    for row in report.rows:
+        values = [shown(row["before"]), shown(row["after"])]
+        if row["section"] == "certificate":
+            values = [text[:35] for text in values]
+        if values[0] and values[0] == values[1]:
+            values = [f"{values[0]} -> another"]
+        if row["change"] != "reordered":  # one that was changed as well is told as changed
+            need(table, [row["change"]], row)
+        need(table, [shown(row["name"]), shown(row["field"]), *values], row)
+        if row["kind"]:
+            need(table, [f"{row['kind']} {shown(row['name'])}"], row)
+
+
+def silent(report, table):
+    """Nothing of the kind is there."""
+    if table or report.rows:
+        raise Wrong("something is told")
+
+
+def nothing(report, table):
+    silent(report, table)
+    if report.facts or report.rows_name is not None:
+        raise Wrong("something is told")

@@ -1,0 +1,101 @@
+"""A directory with agents and lists, in which the tool is run."""
+
+import fcntl
+import os
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+import documents
+
+
+class Output:
+    def __init__(self, process):
+        self.status = process.returncode
+        self.out = process.stdout
+        self.err = process.stderr
+
+
+def environment():
+    # Nothing of the caller's but what a sanitizer wants to know.
+    kept = {k: v for k, v in os.environ.items() if k.split("_")[0] in ("ASAN", "LSAN", "TSAN", "UBSAN")}
+    return {**kept, "PATH": os.environ["PATH"], "TMPDIR": "tmp"}
+
+
+class World:
+    """agent: managed, with a list and secrets. fresh: made by init and nothing else. serverless,
+    hostile, keyless, bad-key, unset: agents with another list, without a key, with settings or a key
+    that cannot be read. locked: one whose list another process is reading all the time. lists: documents. in: the example list with its keys."""
+
+    def __init__(self, tool, source):
+        self.tool = str(tool)
+        self.base = Path(tempfile.mkdtemp(prefix="sitelist-formats-")).resolve()
+        self.dir = self.base / "world"
+        for name in ("tmp", "lists", "keyless/etc", "unset/etc"):
+            (self.dir / name).mkdir(parents=True)
+        for name in ("agent", "fresh", "serverless", "hostile", "bad-key", "locked"):
+            self.must("--agent-dir", name, "init", "--managed", "--mesh-command", "/bin/sh", "-c", ":")
+        sealed = {name: self.protect(clear) for name, clear in documents.CANARIES.items()}
+        for name, text in documents.lists(sealed).items():
+            (self.dir / "lists" / name).write_bytes(text if isinstance(text, bytes) else text.encode())
+        for agent in ("agent", "keyless"):
+            (self.dir / agent / "etc/SiteList.xml").write_text(documents.own(sealed))
+        for agent in ("serverless", "locked"):
+            shutil.copy(self.dir / "lists/direct.xml", self.dir / agent / "etc/SiteList.xml")
+        shutil.copy(self.dir / "lists/direct.xml", self.dir / "agent/etc/SiteList.xml.bak")
+        shutil.copy(self.dir / "lists/hostile.xml", self.dir / "hostile/etc/SiteList.xml")
+        (self.dir / "bad-key/keystore/password.key").write_text("too short")
+        (self.dir / "keyless/agent.toml").write_text("managed = false\n")
+        (self.dir / "unset/agent.toml").write_text("managed = maybe\n")
+        shutil.copytree(source / "examples/incoming", self.dir / "in")
+        shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
+        self.seal_example(sealed)
+        self.lock = os.open(self.dir / "locked/locks/SiteListLock.lock", os.O_RDWR)
+        fcntl.flock(self.lock, fcntl.LOCK_SH)
+
+    def seal_example(self, sealed):
+        path = self.dir / "in/SiteList.xml"
+        text = path.read_text()
+        for number, name in enumerate(("fresh", "share", "proxy", "proxy-b"), 1):
+            text = text.replace(f"@PASSWORD_{number}@", sealed[name])
+        path.write_text(text)
+
+    def run(self, arguments, stdin="", directory=None):
+        return Output(
+            subprocess.run(
+                [self.tool, *arguments],
+                input=stdin.encode(),
+                capture_output=True,
+                cwd=directory or self.dir,
+                env=environment(),
+                check=False,
+            )
+        )
+
+    def must(self, *arguments, stdin=""):
+        output = self.run(arguments, stdin)
+        if output.status != 0:
+            raise RuntimeError(f"{arguments}: {output.err.decode()}")
+        return output.out.decode()
+
+    def protect(self, clear):
+        return self.must("--agent-dir", "agent", "protect", stdin=clear + "\n").strip()
+
+    def copy(self, agent):
+        """A world with this agent, for a run that changes it."""
+        copy = Path(tempfile.mkdtemp(dir=self.base))
+        (copy / "tmp").mkdir()
+        (copy / "lists").symlink_to(self.dir / "lists")
+        shutil.copytree(self.dir / "in", copy / "in")
+        if (self.dir / agent).exists():
+            shutil.copytree(self.dir / agent, copy / agent)
+        return copy
+
+    def snapshot(self):
+        files = (path for path in self.dir.rglob("*") if path.is_file())
+        return {str(path.relative_to(self.dir)): path.read_bytes() for path in files}
+
+    def remove(self):
+        os.close(self.lock)
+        shutil.rmtree(self.base)

@@ -38,14 +38,14 @@ std::string reasonOf(const tag_Site& site, const tag_Site* previous) {
 
 }  // namespace
 
-std::vector<Place> searchOrder(const tag_Site* list) {
+std::vector<SearchPlace> searchOrder(const tag_Site* list) {
   std::vector<const tag_Site*> sites;
   for (; list; list = list->pNext) {
     if (list->eSiteKind != sitehlp::SITE_KIND_PROXY) sites.push_back(list);
   }
   sortBySearchOrder(sites);
-  std::vector<Place> places;
-  std::vector<Place> others;
+  std::vector<SearchPlace> places;
+  std::vector<SearchPlace> others;
   for (const tag_Site* site : sites) {
     const std::string obstacle = obstacleOf(*site);
     if (!obstacle.empty()) {

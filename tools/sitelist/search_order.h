@@ -9,14 +9,14 @@
 namespace tool {
 
 // A site's place in the agent's search.
-struct Place {
+struct SearchPlace {
   const sitehlp::tag_Site* site;
   int number;          // from 1; 0: the agent does not try it
   std::string reason;  // printable
 };
 
 // The repositories of a list, first those that the agent tries, in that order, then the others.
-std::vector<Place> searchOrder(const sitehlp::tag_Site* list);
+std::vector<SearchPlace> searchOrder(const sitehlp::tag_Site* list);
 
 }  // namespace tool
 

@@ -19,7 +19,7 @@ struct Options {
 
 Scalar orNull(const std::string& text) { return text.empty() ? Scalar() : Scalar(text); }
 
-Record rowOf(const Place& place, const ProxyChoice& proxy) {
+Record rowOf(const SearchPlace& place, const ProxyChoice& proxy) {
   const sitehlp::tag_Site& site = *place.site;
   const Route route = proxy.routeTo(site);
   return {{"place", place.number == 0 ? Scalar() : Scalar(std::int64_t{place.number})},
@@ -116,7 +116,7 @@ Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
   report.rowName = "site";
   report.columns = {"place", "tried", "kind",   "name",  "order",      "address",
                     "path",  "local", "reason", "proxy", "proxyReason"};
-  for (const Place& place : searchOrder(list.sites.get())) {
+  for (const SearchPlace& place : searchOrder(list.sites.get())) {
     report.rows.push_back(rowOf(place, proxy));
   }
   report.table = [facts = report.facts, rows = report.rows](std::ostream& out,

@@ -105,7 +105,7 @@ void writeField(const AnXmlNode& site, const Wanted& wanted) {
       return writeAddress(holder, wanted);
     case Spot::Child: {
       AnXmlNode child = lastChild(holder, rule.xmlName);
-      if (rule.form == Form::Password) child.setValue(c_encrypted, L"1");
+      if (rule.form == FieldForm::Password) child.setValue(c_encrypted, L"1");
       return child.setValue(c_elementText, wanted.text);
     }
     case Spot::ExclusionHosts:

@@ -21,31 +21,32 @@ constexpr std::int64_t c_maxNumber = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t c_maxPort = 65535;
 
 FieldRule attribute(const char* name, const wchar_t* xmlName, const wchar_t* initial = L"") {
-  return {name, Form::Text, Spot::Attribute, xmlName, initial, c_maxText};
+  return {name, FieldForm::Text, Spot::Attribute, xmlName, initial, c_maxText};
 }
 
 FieldRule flagAttribute(const char* name, const wchar_t* xmlName, const wchar_t* initial) {
-  return {name, Form::Flag, Spot::Attribute, xmlName, initial};
+  return {name, FieldForm::Flag, Spot::Attribute, xmlName, initial};
 }
 
 FieldRule portAttribute(const char* name, const wchar_t* xmlName) {
-  return {name, Form::PortOrNone, Spot::Attribute, xmlName, L"0", c_maxPort, Presence::WhenGiven};
+  return {name,      FieldForm::PortOrNone, Spot::Attribute, xmlName, L"0",
+          c_maxPort, Presence::WhenGiven};
 }
 
 FieldRule child(const char* name, const wchar_t* xmlName, std::int64_t limit = c_maxText) {
-  return {name, Form::Text, Spot::Child, xmlName, L"", limit};
+  return {name, FieldForm::Text, Spot::Child, xmlName, L"", limit};
 }
 
 FieldRule flagChild(const char* name, const wchar_t* xmlName) {
-  return {name, Form::Flag, Spot::Child, xmlName, L"0"};
+  return {name, FieldForm::Flag, Spot::Child, xmlName, L"0"};
 }
 
 FieldRule numberChild(const char* name, const wchar_t* xmlName) {
-  return {name, Form::Number, Spot::Child, xmlName, L"0", c_maxNumber};
+  return {name, FieldForm::Number, Spot::Child, xmlName, L"0", c_maxNumber};
 }
 
 FieldRule password(const char* name, const wchar_t* xmlName) {
-  return {name, Form::Password, Spot::Child, xmlName, L"", c_maxText};
+  return {name, FieldForm::Password, Spot::Child, xmlName, L"", c_maxText};
 }
 
 FieldRule whenGiven(FieldRule rule) {
@@ -60,7 +61,7 @@ void append(Rules& rules, const Rules& more) {
 Rules identity(const wchar_t* type) {
   return {attribute("type", WX_XML_SITE_TYPE, type),
           attribute("name", WX_XML_SITE_NAME),
-          {"order", Form::Number, Spot::Attribute, WX_XML_SITE_ORDER, L"", c_maxNumber}};
+          {"order", FieldForm::Number, Spot::Attribute, WX_XML_SITE_ORDER, L"", c_maxNumber}};
 }
 
 const FieldRule& enabled() {
@@ -80,19 +81,19 @@ const FieldRule& securePort() {
 
 Rules httpRules(const wchar_t* type, Presence others) {
   Rules rules = identity(type);
-  append(
-      rules,
-      {enabled(),
-       local(),
-       securePort(),
-       {"server", Form::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
-       {"serverPort", Form::Port, Spot::Port, WX_XML_SITE_SERVER, L"80", c_maxPort},
-       {"serverName", Form::NetbiosName, Spot::Host, WX_XML_SERVER_NETBIOS_NAME, L"", c_maxNetbios,
-        others},
-       {"serverNamePort", Form::Port, Spot::Port, WX_XML_SERVER_NETBIOS_NAME, L"80", c_maxPort,
-        others},
-       {"serverIP", Form::Text, Spot::Host, WX_XML_SITE_SERVER_IP, L"", c_maxServerIp, others},
-       {"serverIPPort", Form::Port, Spot::Port, WX_XML_SITE_SERVER_IP, L"80", c_maxPort, others}});
+  append(rules, {enabled(),
+                 local(),
+                 securePort(),
+                 {"server", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
+                 {"serverPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER, L"80", c_maxPort},
+                 {"serverName", FieldForm::NetbiosName, Spot::Host, WX_XML_SERVER_NETBIOS_NAME, L"",
+                  c_maxNetbios, others},
+                 {"serverNamePort", FieldForm::Port, Spot::Port, WX_XML_SERVER_NETBIOS_NAME, L"80",
+                  c_maxPort, others},
+                 {"serverIP", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER_IP, L"",
+                  c_maxServerIp, others},
+                 {"serverIPPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER_IP, L"80",
+                  c_maxPort, others}});
   return rules;
 }
 
@@ -118,8 +119,8 @@ Rules repositoryRules() {
 
 Rules ftpRules() {
   Rules rules = identity(STR_SITE_TYPE_REPOSITORY);
-  append(rules, {{"server", Form::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
-                 {"serverPort", Form::Port, Spot::Port, WX_XML_SITE_SERVER, L"21", c_maxPort},
+  append(rules, {{"server", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
+                 {"serverPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER, L"21", c_maxPort},
                  enabled(),
                  securePort(),
                  local(),
@@ -162,7 +163,7 @@ Rules proxyRules() {
       portAttribute("ftpProxyPort", WX_XML_PROXY_FTP_PROXY_PORT),
       flagChild("allowUserToConfigureProxy", WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY),
       flagChild("bypassLocalAddress", WX_XML_PROXY_BYPASSLOCALADDR),
-      {"exclusionList", Form::Hosts, Spot::ExclusionHosts, WX_XML_PROXY_EXCLUSIONLIST, L""},
+      {"exclusionList", FieldForm::Hosts, Spot::ExclusionHosts, WX_XML_PROXY_EXCLUSIONLIST, L""},
       flagChild("ftpUseAuth", WX_XML_PROXY_FTP_USEAUTH),
       flagChild("httpUseAuth", WX_XML_PROXY_HTTP_USEAUTH),
       child("httpProxyUser", WX_XML_HTTP_PROXY_PROXYUSERNAME),

@@ -8,7 +8,7 @@
 namespace tool {
 
 // What the value of a field is.
-enum class Form {
+enum class FieldForm {
   Text,
   NetbiosName,  // a text that reading cuts at the first dot
   Flag,
@@ -34,7 +34,7 @@ enum class Presence { Always, WhenGiven };
 // How a field of a record, by the name that it has in the output, stands in a document.
 struct FieldRule {
   const char* name;  // null: an attribute that is written and never read
-  Form form;
+  FieldForm form;
   Spot place;
   const wchar_t* xmlName;
   const wchar_t* initial;  // what a new site has

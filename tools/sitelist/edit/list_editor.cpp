@@ -23,7 +23,8 @@ bool isSameSite(const tag_Site& a, const tag_Site& b) {
 
 // A password that the agent's key does not open reads as an empty one, and is none.
 bool isLostPassword(const AnXmlNode& site, const Wanted& wanted) {
-  if (wanted.rule->form != Form::Password || !wanted.clear || !wanted.clear->empty()) return false;
+  if (wanted.rule->form != FieldForm::Password || !wanted.clear || !wanted.clear->empty())
+    return false;
   const std::wstring text = protectedTextOf(site, *wanted.rule);
   return !text.empty() && !opensWithAgentKey(text);
 }

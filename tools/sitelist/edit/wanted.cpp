@@ -29,11 +29,11 @@ std::wstring checkedText(const FieldRule& rule, const std::string& value) {
            "leave the control characters out");
   }
   const auto limit = static_cast<std::size_t>(rule.limit);
-  if (rule.form != Form::Hosts && text.size() > limit) {
+  if (rule.form != FieldForm::Hosts && text.size() > limit) {
     refuse(rule, "the value has " + std::to_string(text.size()) + " characters",
            "give at most " + std::to_string(limit) + "; the agent cuts what is longer");
   }
-  if (rule.form == Form::NetbiosName && text.find(L'.') != std::wstring::npos) {
+  if (rule.form == FieldForm::NetbiosName && text.find(L'.') != std::wstring::npos) {
     refuse(rule, "a NetBIOS name has no dot", "give what stands in front of the first dot");
   }
   return text;
@@ -67,7 +67,7 @@ std::wstring checkedFlag(const FieldRule& rule, const std::string& value) {
 
 std::wstring checkedNumber(const FieldRule& rule, const std::string& value) {
   constexpr std::size_t c_maxDigits = 18;
-  const std::int64_t least = rule.form == Form::Port ? 1 : 0;
+  const std::int64_t least = rule.form == FieldForm::Port ? 1 : 0;
   const bool isNumber = !value.empty() && value.size() <= c_maxDigits &&
                         value.find_first_not_of("0123456789") == std::string::npos;
   const std::int64_t number = isNumber ? std::strtoll(value.c_str(), nullptr, 10) : -1;
@@ -81,7 +81,7 @@ std::wstring checkedNumber(const FieldRule& rule, const std::string& value) {
 bool isPasswordName(const std::string& name) {
   for (const std::string& kind : kinds()) {
     const FieldRule* const rule = findField(*findRules(kind), name);
-    if (rule && rule->form == Form::Password) return true;
+    if (rule && rule->form == FieldForm::Password) return true;
   }
   return false;
 }
@@ -116,10 +116,12 @@ Wanted parse(const KindRules& rules, const std::string& assignment) {
 
 Wanted givenPassword(const KindRules& rules, const GivenPassword& password) {
   const FieldRule* const rule = findField(rules, password.field);
-  if (rule && rule->form == Form::Password) return {rule, *password.protectedText, password.clear};
+  if (rule && rule->form == FieldForm::Password)
+    return {rule, *password.protectedText, password.clear};
   std::string names;
   for (const FieldRule& each : rules.fields) {
-    if (each.form == Form::Password) names += (names.empty() ? "" : ", ") + std::string(each.name);
+    if (each.form == FieldForm::Password)
+      names += (names.empty() ? "" : ", ") + std::string(each.name);
   }
   throw Failure(exitUsage, "\"" + shown(password.field) +
                                "\" is no password of a site of the kind " + rules.kind +
@@ -132,14 +134,14 @@ std::int64_t Wanted::number() const { return std::wcstoll(text.c_str(), nullptr,
 
 Field Wanted::field() const {
   switch (rule->form) {
-    case Form::Flag:
+    case FieldForm::Flag:
       return {rule->name, number() != 0};
-    case Form::Number:
-    case Form::Port:
-    case Form::PortOrNone:
+    case FieldForm::Number:
+    case FieldForm::Port:
+    case FieldForm::PortOrNone:
       return {rule->name, number()};
     default:
-      return {rule->name, (clear ? *clear : text).c_str(), rule->form == Form::Password};
+      return {rule->name, (clear ? *clear : text).c_str(), rule->form == FieldForm::Password};
   }
 }
 
@@ -151,13 +153,13 @@ Wanted wantedNumber(const FieldRule& rule, std::int64_t number) {
 
 Wanted wantedText(const FieldRule& rule, const std::string& value) {
   switch (rule.form) {
-    case Form::Flag:
+    case FieldForm::Flag:
       return {&rule, checkedFlag(rule, value)};
-    case Form::Number:
-    case Form::Port:
-    case Form::PortOrNone:
+    case FieldForm::Number:
+    case FieldForm::Port:
+    case FieldForm::PortOrNone:
       return {&rule, checkedNumber(rule, value)};
-    case Form::Hosts:
+    case FieldForm::Hosts:
       return {&rule, checkedHosts(rule, checkedText(rule, value))};
     default:
       return {&rule, checkedText(rule, value)};

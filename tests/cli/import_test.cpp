@@ -42,11 +42,11 @@ TEST_F(CliImport, RefusesAListThatBreaksRulesAndNamesThem) {
                       serverSite({{"Name", ""}, {"ServerIP", ""}}) + "</SiteList></ns:SiteLists>");
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 1);
-  EXPECT_EQ(output.err,
-            path + ":3:1: server-name: name cannot be empty\n" + path +
-                ":3:1: server-ip-address: VESTA IP address cannot be empty\nsitelist: " + path +
-                ": the list is refused, and nothing was changed (-9, 0xFFFFFFF7)\n"
-                "  next: mend the faults named above\n");
+  EXPECT_EQ(output.err, "sitelist: " + path +
+                            ": the list is refused, and nothing was changed (-9, 0xFFFFFFF7)\n  " +
+                            path + ":3:1: server-name: name cannot be empty\n  " + path +
+                            ":3:1: server-ip-address: VESTA IP address cannot be empty\n"
+                            "  next: mend these faults\n");
   EXPECT_EQ(agentFiles(), before);
 }
 

@@ -31,6 +31,14 @@ bool hasVersionedServer(const std::string& path) {
   return false;
 }
 
+// Names every fault.
+Failure refusal(const std::string& file, int code) {
+  std::string text =
+      shown(file) + ": the list is refused, and nothing was changed (" + formatCode(code) + ")";
+  for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
+  return Failure(exitNegative, text + "\n  next: mend these faults", {file, code});
+}
+
 }  // namespace
 
 void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
@@ -57,12 +65,7 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
   const auto document = findDocumentFault(options.file);
   if (code == sitehlp::c_errorValidation || code == sitehlp::c_errorNoServerSite ||
       code == sitehlp::c_errorNoPath) {
-    for (const Fault& fault : brokenRules(options.file)) {
-      std::cerr << lineOf(options.file, fault) << '\n';
-    }
-    throw libraryFailure(options.file, code, exitNegative,
-                         "the list is refused, and nothing was changed",
-                         "mend the faults named above");
+    throw refusal(options.file, code);
   }
   if (code == sitehlp::c_errorGeneral && !document && readSiteList(options.file).result == 0) {
     failOwnFiles(options, ownList, code);

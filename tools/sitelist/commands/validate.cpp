@@ -38,9 +38,8 @@ ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
   file.write(input.bytes.data(), static_cast<std::streamsize>(input.bytes.size()));
   file.close();
   if (file) return source;
-  throw Failure(exitFile, shown(source.path) +
-                              ": standard input could not be stored\n  next: make room there, or "
-                              "set TMPDIR to another directory");
+  throw failureAt(source.path, exitFile, "standard input could not be stored",
+                  "make room there, or set TMPDIR to another directory");
 }
 
 void print(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {

@@ -229,6 +229,29 @@ CHANGES = [
     Case("from-buffer-missing", own("from-buffer", "lists/none.xml"), 4),
 ]
 
+VALIDATE = [
+    Case("validate-valid", ["validate", "in/SiteList.xml"], table=tables.faults),
+    Case("validate-warnings", ["validate", "broken/warnings.xml"], table=tables.faults),
+    Case("validate-strict", ["validate", "--strict", "broken/warnings.xml"], 1, tables.faults),
+    Case("validate-incomplete", ["validate", "lists/incomplete.xml"], 1, tables.faults),
+    Case("validate-hostile", ["validate", "lists/refused-hostile.xml"], 1, tables.faults),
+    Case("validate-hostile-valid", ["validate", "in/hostile.xml"], table=tables.faults),
+    Case("validate-several",
+         ["validate", "lists/direct.xml", "lists/broken.xml", "in/SiteList.xml", "lists/none.xml"], 4,
+         tables.faults),
+    Case("validate-input", ["validate", "-"], 3, tables.faults, stdin="<a>\n</b>"),
+    Case("validate-deep", ["validate", "lists/deep.xml"], 3, tables.faults),
+    Case("validate-encoding", ["validate", "lists/encoding.xml"], 3, tables.faults),
+    Case("validate-directory", ["validate", "lists"], 4, tables.faults),
+    Case("validate-unknown-last", ["validate", "--unmanaged", "lists/unknown-last.xml"], 3, tables.faults),
+    Case("validate-nasty-path", ["validate", NASTY, NOT_UTF8], 4, tables.faults),
+    Case("validate-both-ways", ["validate", "--managed", "--unmanaged", "in/SiteList.xml"], 2),
+    Case("explain-rule", ["explain-rule", "server-type-master"], table=tables.rule),
+    Case("explain-rule-all", ["explain-rule"], table=tables.rules),
+    Case("explain-rule-unknown", ["explain-rule", NASTY], 7),
+]
+
+
 def edit(*arguments):
     return own("edit", *arguments)
 
@@ -289,6 +312,7 @@ GROUPS = {
     "diff": DIFF,
     "queries": QUERIES,
     "changes": CHANGES,
+    "validate": VALIDATE,
     "edit": EDIT,
     "usage": USAGE,
 }

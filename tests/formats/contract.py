@@ -64,6 +64,11 @@ def help_text(tool):
     return subprocess.run([tool, "--help"], capture_output=True, check=True, text=True).stdout
 
 
+def commands(tool):
+    text = help_text(tool)
+    return re.findall(r"^  ([a-z][a-z-]+) ", text[text.index("Subcommands:"):], re.MULTILINE)
+
+
 def status_problems(tool, cases):
     """Status 70, a bug, has no case here."""
     text = help_text(tool)
@@ -93,4 +98,6 @@ def problems(golden, tool, cases):
             found.append(f"the schema refuses the document of {key}")
         found += [f"the schema accepts {what} in the document of {key}"
                   for what, result in damaged(document) if check.is_valid(result)]
+    told = {command.split()[0] for command, _, _ in documents if command}
+    found += [f"{name}: no case at all" for name in commands(tool) if name not in told]
     return found + status_problems(tool, cases)

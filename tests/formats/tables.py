@@ -124,6 +124,28 @@ def changes(report, table):
             need(table, [f"{row['kind']} {shown(row['name'])}"], row)
 
 
+def faults(report, table):
+    lines = []
+    for row in report.rows:
+        place = f":{row['line']}:{row['column']}" if row["line"] is not None else ""
+        mark = " [warning]" if row["severity"] == "warning" else ""
+        lines.append(f"{shown(row['file'])}{place}: {row['rule']}: {shown(row['text'])}{mark}")
+    if [line for line in table.splitlines() if not line.endswith(": valid")] != lines:
+        raise Wrong(f"not these lines: {lines}")
+    if report.facts["valid"] and not table.endswith(": valid\n"):
+        raise Wrong("the table does not say that the list is valid")
+
+
+def rule(report, table):
+    # Texts are broken into lines.
+    joined = " ".join(table.split())
+    need(joined, [" ".join(text.split()) for text in report.facts.values()], "the rule")
+
+
+def rules(report, table):
+    need_lines(table, [[row["name"], row["severity"], row["summary"]] for row in report.rows])
+
+
 def silent(report, table):
     """Nothing of the kind is there."""
     if table or report.rows:

@@ -49,6 +49,7 @@ class World:
         (self.dir / "keyless/agent.toml").write_text("managed = false\n")
         (self.dir / "unset/agent.toml").write_text("managed = maybe\n")
         shutil.copytree(source / "examples/incoming", self.dir / "in")
+        shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
         self.lock = os.open(self.dir / "locked/locks/SiteListLock.lock", os.O_RDWR)

@@ -59,7 +59,7 @@ std::vector<std::string> suggestedFields(bool isPassword) {
   std::set<std::string> names;
   for (const std::string& kind : kinds()) {
     for (const FieldRule& rule : findRules(kind)->fields) {
-      if (!rule.name || (rule.form == Form::Password) != isPassword) continue;
+      if (!rule.name || (rule.form == FieldForm::Password) != isPassword) continue;
       names.insert(rule.name + std::string(isPassword ? "" : "="));
     }
   }

@@ -84,6 +84,13 @@ TEST_F(CliUsage, AWordBehindACommandIsAnArgumentAlsoWhenItNamesACommand) {
   EXPECT_THAT(output.err, HasSubstr("versions: the file does not exist"));
 }
 
+TEST_F(CliUsage, NamesTheChoicesWhenAValueIsNoneOfThem) {
+  const Output output = bare({"show", "--format", "yaml"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_THAT(output.err,
+              HasSubstr("--format: \"yaml\" is none of table, json, csv, xml\n  next: "));
+}
+
 TEST_F(CliUsage, GlobalOptionsMayStandBehindTheCommand) {
   initAgent();
   setOwnList(document(httpSite("depot")));

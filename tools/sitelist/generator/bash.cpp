@@ -192,7 +192,7 @@ std::string function(const std::string& comment, const std::string& name, const 
 }  // namespace
 
 std::string bashScript(const CommandInfo& program) {
-  return "# Completion of sitelist for bash 3.2 and later, made from its table of commands.\n" +
+  return "# Completion of sitelist for bash, made from its table of commands.\n" +
          function("The commands and options of the command $1.", "_sitelist_of_command", "$1",
                   commandCases(program), "commands= options=") +
          function("How the value of the option $2 of the command $1 is completed.",

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/sitelist/generator/completion.h"
+#include "tools/sitelist/generator/manual_page.h"
 #include "tools/sitelist/generator/pages.h"
 #include "tools/sitelist/generator/roff.h"
 
@@ -94,7 +95,8 @@ class SchemaPage {
     if (!node.contains("enum")) return "";
     std::vector<std::string> values;
     for (const Json& value : node.at("enum")) {
-      values.push_back('`' + (value.is_string() ? value.get<std::string>() : value.dump()) + '`');
+      const bool isWord = value.is_string() && !value.get<std::string>().empty();
+      values.push_back('`' + (isWord ? value.get<std::string>() : value.dump()) + '`');
     }
     return (values.size() == 1 ? " Always " : " One of ") + enumerated(values) + '.';
   }

@@ -1,6 +1,7 @@
 #include <sstream>
 
 #include "host/agent.h"
+#include "tools/sitelist/generator/manual_page.h"
 #include "tools/sitelist/generator/pages.h"
 #include "tools/sitelist/generator/roff.h"
 
@@ -62,7 +63,8 @@ void describe(ManualPage& page) {
       "MiB. `sitelist init` makes it; after that it is edited by hand.");
   page.paragraph(
       "A setting that is not there has its default, and so have all of them when there is no file. "
-      "A process reads the file once, at its start.");
+      "A process reads the file once, when it first needs a "
+      "setting.");
   page.section("SETTINGS");
   page.paragraph(
       "A dot in a name stands for a table: `log.level = \"info\"` may also be written as "

@@ -2,6 +2,7 @@
 
 #include "host/agent.h"
 #include "tools/sitelist/exit_status.h"
+#include "tools/sitelist/generator/manual_page.h"
 #include "tools/sitelist/generator/pages.h"
 #include "tools/sitelist/generator/roff.h"
 
@@ -147,7 +148,8 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
 
   page.section("ENVIRONMENT");
   page.beginList();
-  page.item("Ev NO_COLOR", "When set to anything but nothing, no colours are printed.");
+  page.item("Ev NO_COLOR",
+            "If it is set and not empty, tables have no colours unless --color asks for them.");
   page.item("Ev TMPDIR",
             "Where temporary files are made, of which none is left behind. The default is `/tmp`.");
   page.endList();

@@ -24,7 +24,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${doc})
   file(WRITE ${doc}/changelog.Debian
        "sitehlp (${CPACK_SITEHLP_VERSION}) unstable; urgency=medium\n\n"
-       "  * The changes are listed in /usr/share/doc/sitehlp/CHANGELOG.md of sitehlp-doc.\n\n"
+       "  * See CHANGELOG.md in /usr/share/doc/sitehlp of sitehlp-doc.\n\n"
        " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
   file(REMOVE ${root}/usr/share/doc/sitehlp/LICENSE) # it is in every Debian system
 

@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <stdexcept>
+
+#include "tests/cli/pseudo_terminal.h"
 
 extern char** environ;
 
@@ -21,14 +24,47 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
+bool isSetByUs(const std::string& entry) {
+  for (const char* name : {"TMPDIR=", "NO_COLOR=", "TERM=", "COLUMNS="}) {
+    if (entry.rfind(name, 0) == 0) return true;
+  }
+  return false;
+}
+
 std::vector<std::string> environmentWith(const std::string& temporaryDirectory) {
   std::vector<std::string> environment;
   for (char** entry = environ; *entry; ++entry) {
-    if (std::string(*entry).rfind("TMPDIR=", 0) != 0) environment.emplace_back(*entry);
+    if (!isSetByUs(*entry)) environment.emplace_back(*entry);
   }
   environment.push_back("TMPDIR=" + temporaryDirectory);
   return environment;
 }
+
+// Starts the program with these standard streams.
+pid_t spawn(std::vector<std::string> commandLine, std::vector<std::string> environment,
+            const int (&streams)[3]) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (int i = 0; i < 3; ++i) posix_spawn_file_actions_adddup2(&actions, streams[i], i);
+  pid_t pid = 0;
+  const int error = ::posix_spawn(&pid, commandLine[0].c_str(), &actions, nullptr,
+                                  pointersTo(commandLine).data(), pointersTo(environment).data());
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::runtime_error("posix_spawn " + commandLine[0]);
+  return pid;
+}
+
+class File {
+ public:
+  File(const std::string& path, int flags) : m_fd(::open(path.c_str(), flags | O_CLOEXEC)) {}
+  ~File() { ::close(m_fd); }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  int fd() const { return m_fd; }
+
+ private:
+  int m_fd;
+};
 
 int waitFor(pid_t pid) {
   int status = 0;
@@ -47,26 +83,33 @@ CliTest::~CliTest() { EXPECT_TRUE(fs::is_empty(file("tmp"))) << "temporary files
 // Files in place of pipes: nothing can block, however much the tool writes.
 Output CliTest::run(const std::string& program, const std::vector<std::string>& arguments,
                     const std::string& input) {
-  const std::string in = write("stdin", input);
-  const std::string out = write("stdout", "");
-  const std::string err = write("stderr", "");
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY, 0);
+  const File in(write("stdin", input), O_RDONLY);
+  const File out(write("stdout", ""), O_WRONLY);
+  const File err(write("stderr", ""), O_WRONLY);
   std::vector<std::string> commandLine = {program};
   commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> environment = environmentWith(file("tmp"));
-  pid_t pid = 0;
-  const int error = ::posix_spawn(&pid, program.c_str(), &actions, nullptr,
-                                  pointersTo(commandLine).data(), pointersTo(environment).data());
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) throw std::runtime_error("posix_spawn " + program);
   Output output;
+  output.status =
+      waitFor(spawn(commandLine, environmentWith(file("tmp")), {in.fd(), out.fd(), err.fd()}));
+  output.out = readFile(file("stdout"));
+  output.err = readFile(file("stderr"));
+  return output;
+}
+
+Output CliTest::onTerminal(int columns, const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& settings) {
+  PseudoTerminal terminal(columns);
+  const File in(write("stdin", ""), O_RDONLY);
+  const File err(write("stderr", ""), O_WRONLY);
+  std::vector<std::string> commandLine = {SITELIST_TOOL, "--agent-dir", file("agent")};
+  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> environment = environmentWith(file("tmp"));
+  environment.insert(environment.end(), settings.begin(), settings.end());
+  const pid_t pid = spawn(commandLine, environment, {in.fd(), terminal.programEnd(), err.fd()});
+  Output output;
+  output.out = terminal.readAll();
   output.status = waitFor(pid);
-  output.out = readFile(out);
-  output.err = readFile(err);
+  output.err = readFile(file("stderr"));
   return output;
 }
 

@@ -28,6 +28,10 @@ class CliTest : public testing::Test {
   Output sitelist(const std::vector<std::string>& arguments, const std::string& input = "");
   // Without --agent-dir in front.
   Output bare(const std::vector<std::string>& arguments);
+  // On a terminal of this width, with these settings ("TERM=dumb") in an environment that has none
+  // about colour. Output::out is what the terminal gets.
+  Output onTerminal(int columns, const std::vector<std::string>& arguments,
+                    const std::vector<std::string>& settings = {});
   // A shell script with the tool as "$0" and the arguments as "$@".
   Output shell(const std::string& script, const std::vector<std::string>& arguments = {});
 

@@ -1,5 +1,6 @@
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
+#include "tests/cli/json_report.h"
 
 namespace test {
 namespace {
@@ -72,6 +73,44 @@ TEST_F(CliCerts, SaysThatThereAreNone) {
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(output.out, "");
   EXPECT_THAT(output.err, HasSubstr("the list has no certificates"));
+}
+
+TEST_F(CliCerts, LooksForWhatExpires) {
+  const std::string path =
+      write("list.xml", document("", bundle(certificate(c_certificatePem) + certificate("text"))));
+  const JsonReport report = readReport(sitelist({"certs", "--json", path}).out);
+  const int left = std::stoi(report.rows.at(0).at("daysLeft"));
+  ASSERT_GT(left, 1000) << "it holds until 2126";
+  // A day more or less: midnight may come in between.
+  const auto expiring = [&](int days) {
+    return sitelist({"certs", "--json", "--expiring", std::to_string(days), path});
+  };
+  EXPECT_EQ(expiring(left - 2).status, 0);
+  EXPECT_THAT(readReport(expiring(left - 2).out).column("expiring"),
+              testing::ElementsAre("false", ""));
+  EXPECT_EQ(expiring(left + 1).status, 1);
+  EXPECT_THAT(readReport(expiring(left + 1).out).column("expiring"),
+              testing::ElementsAre("true", ""));
+  EXPECT_EQ(sitelist({"certs", path}).status, 0);
+}
+
+TEST_F(CliCerts, WhatHasExpiredIsExpiringWhateverTheDays) {
+  const std::string path = write(
+      "list.xml",
+      document("", bundle(certificate(c_certificatePem) + certificate(c_expiredCertificatePem))));
+  const Output output = sitelist({"certs", "--expiring", "0", path});
+  EXPECT_EQ(output.status, 1);
+  EXPECT_THAT(output.out, MatchesRegex("(.|\n)*  days left    -[0-9]+ \\(expired\\)\n"));
+  EXPECT_EQ(sitelist({"certs", path}).status, 0) << "nobody asked";
+}
+
+TEST_F(CliCerts, TakesAWholeNumberOfDaysOnly) {
+  const std::string path = write("list.xml", document("", bundle(certificate(c_certificatePem))));
+  for (const char* days : {"-1", "x", "1.5", "30 ", "99999999999"}) {
+    const Output output = sitelist({"certs", std::string("--expiring=") + days, path});
+    EXPECT_EQ(output.status, 2) << days;
+    EXPECT_THAT(output.err, HasSubstr("is no number of days\n  next: "));
+  }
 }
 
 TEST_F(CliCerts, FailsOnADocumentOverALimitAsOnAnyOtherInvalidOne) {

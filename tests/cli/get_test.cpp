@@ -1,0 +1,120 @@
+#include "tests/cli/edit_fixture.h"
+#include "tests/cli/json_report.h"
+
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+
+class CliGet : public CliTest {
+ protected:
+  // The bare value; fails the test when there is none.
+  std::string value(const Arguments& arguments) {
+    const Output output = sitelist(Arguments{"get"} + arguments);
+    EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << output.err;
+    EXPECT_EQ(output.err, "");
+    EXPECT_THAT(output.out, testing::EndsWith("\n"));
+    return output.out.substr(0, output.out.size() - 1);
+  }
+
+  void fail(int status, const Arguments& arguments, const std::string& message) {
+    const Output output = sitelist(Arguments{"get"} + arguments);
+    EXPECT_EQ(output.status, status) << testing::PrintToString(arguments) << output.out;
+    EXPECT_EQ(output.out, "");
+    EXPECT_THAT(output.err, HasSubstr(message));
+    EXPECT_THAT(output.err, HasSubstr("\n  next: "));
+  }
+
+  // Every field of every site and proxy of the list is what `show --json` has.
+  void expectEveryField(const std::string& path) {
+    for (const auto& row : readReport(sitelist({"show", "--json", path}).out).rows) {
+      for (const auto& [name, expected] : row) {
+        EXPECT_EQ(value({name, path, "--site", row.at("name"), "--kind", row.at("kind")}), expected)
+            << row.at("kind") << ' ' << name;
+      }
+    }
+  }
+};
+
+TEST_F(CliGet, PrintsWhatTheListSaysOfItself) {
+  const std::string path = write("list.xml", document("", "",
+                                                      "GlobalVersion=\"g 1\" LocalVersion=\"l\" "
+                                                      "Type=\"Server\" FipsMode=\"2\""));
+  EXPECT_EQ(value({"globalVersion", path}), "g 1");
+  EXPECT_EQ(value({"localVersion", path}), "l");
+  EXPECT_EQ(value({"type", path}), "Server");
+  EXPECT_EQ(value({"fipsMode", path}), "2");
+}
+
+TEST_F(CliGet, PrintsEveryFieldOfASite) {
+  expectEveryField(write("list.xml", document(serverSite({{"SecurePort", "443"}}))));
+}
+
+TEST_F(CliGet, PrintsEveryFieldOfAProxy) {
+  expectEveryField(
+      write("list.xml", document("<ProxyConfigList><ProxyConfig Name=\"p\" HttpProxyServer=\"h\" "
+                                 "HttpProxyPort=\"3128\"><BypassLocalAddress>1"
+                                 "</BypassLocalAddress></ProxyConfig></ProxyConfigList>")));
+}
+
+TEST_F(CliGet, PrintsPolicySettingsByTheirWholeName) {
+  const std::string path =
+      write("list.xml", document("",
+                                 "<Policies><Setting name=\"a.b c\">x = 1</Setting><Setting "
+                                 "name=\"empty\"></Setting></Policies>"));
+  EXPECT_EQ(value({"policy.a.b c", path}), "x = 1");
+  EXPECT_EQ(value({"policy.empty", path}), "");
+  fail(7, {"policy.a", path}, "there is no policy setting \"a\"");
+  fail(7, {"policy.", path}, "there is no policy setting \"\"");
+}
+
+TEST_F(CliGet, ReadsTheAgentsOwnListWithoutAFile) {
+  initAgent();
+  setOwnList(document(httpSite("of-the-agent")));
+  EXPECT_EQ(value({"server", "--site", "of-the-agent"}), "depot.example");
+  EXPECT_EQ(value({"type"}), "Client");
+}
+
+TEST_F(CliGet, KeepsAValueOnOneLine) {
+  const std::string path =
+      write("list.xml", document(httpSite("a&#10;b"), "", "GlobalVersion=\"1&#10;2&#x9B;\""));
+  EXPECT_EQ(value({"globalVersion", path}), "1\\u000A2\\u009B");
+  EXPECT_EQ(value({"serverPort", path, "--site", "a\nb"}), "8080");
+}
+
+TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  fail(7, {"fipsMode", path}, "the list does not say its fipsMode");
+  fail(7, {"server", path, "--site", "Depot"}, "there is no site named \"Depot\"");
+  fail(7, {"server", path, "--site", "depot", "--kind", "ftp"}, "there is no site named");
+  fail(7, {"shareName", path, "--site", "depot"}, "a site of this kind has no field \"shareName\"");
+}
+
+TEST_F(CliGet, FailsWithStatus2OnWhatIsNoField) {
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  fail(2, {"server", path}, "a field of a site with --site NAME");
+  fail(2, {"file", path}, "there is no field \"file\"");
+  fail(2, {"nothing", path, "--site", "depot"}, "name one of kind, ");
+  fail(2, {"nothing", path, "--site", "none"}, "there is no field \"nothing\"");
+  fail(2, {"server", path, "--site", "depot", "--kind", "nothing"}, "is none of server, agent, ");
+}
+
+TEST_F(CliGet, FailsWithStatus6OnSeveralOfTheName) {
+  const std::string path = write("list.xml", document(httpSite("twin") + httpSite("twin") +
+                                                      siteElement("FTPSite", "twin", "3")));
+  fail(6, {"server", path, "--site", "twin"},
+       "several sites are named \"twin\": http, http, ftp\n  next: say which is meant with --kind");
+  EXPECT_EQ(value({"order", path, "--site", "twin", "--kind", "ftp"}), "3");
+  fail(6, {"server", path, "--site", "twin", "--kind", "http"}, "next: `sitelist show --json`");
+}
+
+TEST_F(CliGet, MasksAPasswordThatIsNotEmpty) {
+  initAgent();
+  setOwnList(document(httpSite("depot", "1", protectedText("fair & windy")) + httpSite("open")));
+  EXPECT_EQ(value({"password", "--site", "depot"}), "********");
+  EXPECT_EQ(value({"password", "--site", "open"}), "");
+  EXPECT_EQ(value({"password", "--site", "depot", "--show-secrets"}), "fair & windy");
+}
+
+}  // namespace
+}  // namespace test

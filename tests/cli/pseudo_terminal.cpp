@@ -1,0 +1,50 @@
+#include "tests/cli/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace test {
+
+PseudoTerminal::PseudoTerminal(int columns)
+    : m_ourEnd(::posix_openpt(O_RDWR | O_NOCTTY)), m_programEnd(-1) {
+  if (m_ourEnd < 0 || ::grantpt(m_ourEnd) != 0 || ::unlockpt(m_ourEnd) != 0) {
+    throw std::runtime_error("no pseudo-terminal");
+  }
+  ::fcntl(m_ourEnd, F_SETFD, FD_CLOEXEC);
+  m_programEnd = ::open(::ptsname(m_ourEnd), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  winsize size = {};
+  size.ws_row = 24;
+  size.ws_col = static_cast<unsigned short>(columns);
+  termios settings = {};
+  if (::ioctl(m_programEnd, TIOCSWINSZ, &size) != 0 || ::tcgetattr(m_programEnd, &settings) != 0) {
+    throw std::runtime_error("no terminal");
+  }
+  settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+  ::tcsetattr(m_programEnd, TCSANOW, &settings);
+}
+
+PseudoTerminal::~PseudoTerminal() {
+  if (m_programEnd >= 0) ::close(m_programEnd);
+  if (m_ourEnd >= 0) ::close(m_ourEnd);
+}
+
+std::string PseudoTerminal::readAll() {
+  ::close(m_programEnd);
+  m_programEnd = -1;
+  std::string all;
+  char buffer[4096];
+  for (;;) {
+    const ssize_t n = ::read(m_ourEnd, buffer, sizeof buffer);
+    if (n > 0) all.append(buffer, static_cast<std::size_t>(n));
+    // Linux reports the last writer's end as an error, others as the end of a file.
+    if (n == 0 || (n < 0 && errno != EINTR)) return all;
+  }
+}
+
+}  // namespace test

@@ -105,11 +105,11 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   }
   helper.AdjustSitesOrder(sites.get());
   const SiteList before = readSiteList(ownList);
-  SiteList after = readSiteList(options.file);
-  after.sites.reset(sites.release());
-  after.fipsMode.reset();  // the agent's own list never says it
-  Diff diff(before, after, false);
-  diff.add(fileChanges(helper, options, after.sites.get(), ownList));
+  SiteList incoming = readSiteList(options.file);
+  incoming.sites = std::move(sites);
+  const std::vector<FileChange> files = fileChanges(helper, options, incoming.sites.get(), ownList);
+  Diff diff(before, asWritten(incoming, agent.directory() + "/SiteList.xml"), false);
+  diff.add(files);
   warnOfLostPasswords(options);
   context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;

@@ -47,6 +47,13 @@ void writeSiteList(SiteList& list, const std::string& path) {
   if (result != 0) throw libraryFailure(path, result);
 }
 
+SiteList asWritten(SiteList& list, const std::string& scratch) {
+  writeSiteList(list, scratch);
+  SiteList written = readSiteList(scratch);
+  written.path = list.path;
+  return written;
+}
+
 std::string countEntries(const sitehlp::tag_Site* sites) {
   std::size_t count = 0;
   for (; sites; sites = sites->pNext) ++count;

@@ -40,6 +40,10 @@ SiteList readWholeSiteList(const std::string& path);
 // Writes the sites with all else that `list` holds. Empty versions are left to the library.
 void writeSiteList(SiteList& list, const std::string& path);
 
+// The list as it reads when it has been written, which is not always as it was; `scratch` is where
+// that is tried. `path` is kept.
+SiteList asWritten(SiteList& list, const std::string& scratch);
+
 // "1 entry", "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);
 

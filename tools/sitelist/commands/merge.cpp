@@ -61,9 +61,9 @@ int preview(Context& context, const Options& options) {
   const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
   SiteList merged = mergeLists(ownList, options);
   merged.path = options.output.empty() ? "the merged list" : options.output;
-  merged.localVersion = before.localVersion;  // it is the time of writing
-  merged.fipsMode.reset();                    // nor is this carried over
-  const Diff diff(before, merged, false);
+  SiteList after = asWritten(merged, agent.directory() + "/SiteList.xml");
+  after.localVersion = before.localVersion;  // it is the time of writing
+  const Diff diff(before, after, false);
   context.report =
       diff.report("What would change from " + shown(before.path), "Nothing was written.");
   return exitSuccess;

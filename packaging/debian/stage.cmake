@@ -20,6 +20,11 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     endif()
   endforeach()
 
+  # Debian's zsh looks for the completions of packages elsewhere than for those of the site.
+  if(EXISTS ${root}/usr/share/zsh/site-functions)
+    file(RENAME ${root}/usr/share/zsh/site-functions ${root}/usr/share/zsh/vendor-completions)
+  endif()
+
   set(doc ${root}/usr/share/doc/${package})
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/copyright DESTINATION ${doc})
   file(WRITE ${doc}/changelog.Debian

@@ -85,7 +85,9 @@ case $1 in
           own="./usr/include/.*\.h|./usr/$LIBDIR/(libsitehlp(-host)?\.so|cmake/sitehlp/.*|pkgconfig/sitehlp\.pc)"
           ;;
         sitelist)
-          own="./usr/bin/sitelist|./usr/share/(man/man[15]/.*\.gz|sitehlp/.*\.json|bash-completion/.*|zsh/.*|fish/.*)"
+          own="./usr/bin/sitelist|./usr/share/(man/man1/sitelist\.1|man/man5/(sitelist\.json|agent\.toml)\.5)\.gz"
+          own="$own|./usr/share/sitehlp/sitelist\.schema\.json|./usr/share/bash-completion/completions/sitelist"
+          own="$own|./usr/share/(zsh/vendor-completions/_sitelist|fish/vendor_completions\.d/sitelist\.fish)"
           ;;
         sitehlp-doc) own="./usr/share/doc/sitehlp/.*" ;;
       esac
@@ -111,7 +113,7 @@ case $1 in
     # Whatever is installed is in some package.
     cmake --install "$BUILD" --prefix "$WORK/installed" >install.log
     (cd installed && find . ! -type d ! -path ./share/doc/sitehlp/LICENSE) |
-      sed 's|^\.|./usr|; s|\(/man/man[15]/.*\)|\1.gz|' | sort >installed.list
+      sed 's|^\.|./usr|; s|\(/man/man[15]/.*\)|\1.gz|; s|/site-functions/|/vendor-completions/|' | sort >installed.list
     grep -v -e '/copyright$' -e '/changelog.Debian.gz$' everything | sort | diff installed.list - ||
       fail "the packages do not have what is installed"
 

@@ -31,7 +31,7 @@ STAMP = ((r'LocalVersion="[0-9]{14}"', 'LocalVersion="@NOW@"'),)
 
 NASTY = "x\x1b[31m\t\n\x9b\u202e\"'<&>, 東京 e\u0301\U0001f600"
 NOT_UTF8 = b"lists/\xff\xc3(.xml"
-DEPOT = "De\u0301po\u0302t Nord"
+DEPOT = "Dépôt Nord"
 OWN = "agent/etc/SiteList.xml"
 HOSTILE = "lists/hostile.xml"
 

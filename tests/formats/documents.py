@@ -109,7 +109,7 @@ def own(sealed):
     """What the agent has before the example list comes in."""
     sites = (
         server("Main server", 1, "pyx.example")
-        + site("HttpSite", "De\u0301po\u0302t Nord", 2, "depot.example:8080",
+        + site("HttpSite", "Dépôt Nord", 2, "depot.example:8080",
                path("pub/orb", "reader", sealed["depot"]))
         + site("FTPSite", "Twin", 3, "ftp.example:21", path("Current", "anonymous"))
         + site("HttpSite", "Twin", 3, "twin.example:80", path("Current"), Local=1)

@@ -33,19 +33,19 @@ int derive(Context& context, const Options& options) {
 }  // namespace
 
 void addDeriveServerList(Command& app, Context& context) {
-  Command command = app.add_subcommand(
-      "derive-server-list", "Make ServerSiteList.xml from SiteList.xml without local sites");
+  Command command =
+      app.add_subcommand("derive-server-list", "Make ServerSiteList.xml without the local sites");
   const auto options = std::make_shared<Options>();
   command.add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
       .required()
       .type_name("");
   command
       .add_option("TARGET_DIR", options->target,
-                  "The directory of ServerSiteList.xml; the source's without it")
+                  "The directory of ServerSiteList.xml\n(default: the source's)")
       .type_name("");
   command.footer(
-      "Leaves out the repositories whose \"Local\" is \"1\"; everything else in the document\n"
-      "stays as it is.\n"
+      "Takes SiteList.xml without the repositories whose \"Local\" is \"1\"; everything\n"
+      "else in the document stays as it is.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"

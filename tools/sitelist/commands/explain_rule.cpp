@@ -104,7 +104,7 @@ std::vector<std::string> ruleNames() {
 
 void addExplainRule(Command& app, Context& context) {
   Command command = app.add_subcommand(
-      "explain-rule", "Tell what a rule of `validate` asks, why, and how to mend a list");
+      "explain-rule", "Tell why a rule of `validate` is there, and how to keep it");
   const auto options = std::make_shared<Options>();
   command.add_option("NAME", options->name, "A rule, as `validate` names it (default: all of them)")
       .type_name("")

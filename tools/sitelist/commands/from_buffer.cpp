@@ -45,8 +45,8 @@ void addFromBuffer(Command& app, Context& context) {
       .type_name("");
   command.footer(
       "The list goes to /Library/Korvel/orb/scratch/etc/SiteList.xml, whatever agent is\n"
-      "served; that directory must be there. It gets versions of its own. Certificates are\n"
-      "those of the document or, when it has no bundle, of the agent's own list.\n"
+      "served; that directory must be there. It gets versions of its own. Certificates\n"
+      "are those of the document or, when it has no bundle, of the agent's own list.\n"
       "\n"
       "Examples:\n"
       "  sitelist from-buffer received.xml\n"

@@ -71,8 +71,8 @@ void addServerList(Command& app, Context& context) {
   command.add_option("FILE", options->file, "The document; standard input with - or without a name")
       .type_name("");
   command.add_flag("--adjust-passwords", options->adjustPasswords,
-                   "Recover the passwords with the server's key and protect them with\n"
-                   "the agent's; without it the bytes are stored as they are");
+                   "Recover the passwords with the server's key and protect\nthem with the "
+                   "agent's; without it the bytes are stored\nas they are");
   command.footer(
       "The list becomes ServerSiteList.xml in the agent's data directory.\n"
       "\n"

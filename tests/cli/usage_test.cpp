@@ -1,9 +1,12 @@
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
 
 namespace test {
 namespace {
 
+using nlohmann::json;
 using testing::HasSubstr;
 
 class CliUsage : public CliTest {};
@@ -178,9 +181,13 @@ TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {
 
 TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {
   const Output output =
-      shell("mkdir gone && cd gone && rmdir ../gone && exec \"$0\" --agent-dir a show");
+      shell("mkdir gone && cd gone && rmdir ../gone && exec \"$0\" --agent-dir a show --json");
   EXPECT_EQ(output.status, 70);
   EXPECT_THAT(output.err, HasSubstr("sitelist: internal error: "));
+  const json document = json::parse(output.out);
+  EXPECT_EQ(document["status"], 70);
+  EXPECT_EQ(document["error"]["name"], "internal");
+  EXPECT_THAT(output.err, HasSubstr(document["error"]["message"].get<std::string>()));
 }
 
 }  // namespace

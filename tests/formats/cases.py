@@ -215,6 +215,7 @@ CHANGES = [
     Case("merge-dry", own("merge", "--first", "in/SiteList.xml", "--dry-run"), table=tables.changes),
     Case("merge-dry-two", own("merge", "--first", "lists/direct.xml", "--second", HOSTILE, "--dry-run"),
          table=tables.changes),
+    Case("merge-dry-nothing", own("merge", "--dry-run"), table=tables.changes),
     Case("merge-foreign", own("merge", "--first", "lists/foreign.xml", "--output", "merged.xml"), 5),
     *unreadable("merge", "--dry-run", "--first"),
     Case("merge-no-directory", own("merge", "--output", "none/merged.xml"), 4),

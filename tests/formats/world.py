@@ -40,7 +40,7 @@ class World:
         for name, text in documents.lists(sealed).items():
             (self.dir / "lists" / name).write_bytes(text if isinstance(text, bytes) else text.encode())
         for agent in ("agent", "keyless"):
-            (self.dir / agent / "etc/SiteList.xml").write_text(documents.own(sealed))
+            (self.dir / agent / "etc/SiteList.xml").write_bytes(documents.own(sealed).encode())
         for agent in ("serverless", "locked"):
             shutil.copy(self.dir / "lists/direct.xml", self.dir / agent / "etc/SiteList.xml")
         shutil.copy(self.dir / "lists/direct.xml", self.dir / "agent/etc/SiteList.xml.bak")
@@ -57,15 +57,15 @@ class World:
 
     def seal_example(self, sealed):
         path = self.dir / "in/SiteList.xml"
-        text = path.read_text()
+        text = path.read_bytes().decode()
         for number, name in enumerate(("fresh", "share", "proxy", "proxy-b"), 1):
             text = text.replace(f"@PASSWORD_{number}@", sealed[name])
-        path.write_text(text)
+        path.write_bytes(text.encode())
 
     def run(self, arguments, stdin="", directory=None):
         return Output(
             subprocess.run(
-                [self.tool, *arguments],
+                [self.tool, *(a.encode() if isinstance(a, str) else a for a in arguments)],
                 input=stdin.encode(),
                 capture_output=True,
                 cwd=directory or self.dir,

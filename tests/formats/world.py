@@ -34,8 +34,10 @@ class World:
         self.dir = self.base / "world"
         for name in ("tmp", "lists", "keyless/etc", "unset/etc"):
             (self.dir / name).mkdir(parents=True)
-        for name in ("agent", "fresh", "serverless", "hostile", "bad-key", "locked"):
+        for name in ("agent", "fresh"):
             self.must("--agent-dir", name, "init", "--managed", "--mesh-command", "/bin/sh", "-c", ":")
+        for name in ("serverless", "hostile", "bad-key", "locked"):
+            shutil.copytree(self.dir / "fresh", self.dir / name)
         sealed = {name: self.protect(clear) for name, clear in documents.CANARIES.items()}
         for name, text in documents.lists(sealed).items():
             (self.dir / "lists" / name).write_bytes(text if isinstance(text, bytes) else text.encode())

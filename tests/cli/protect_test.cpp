@@ -45,6 +45,9 @@ TEST_F(CliProtect, RefusesWhatASiteListCannotCarry) {
   EXPECT_EQ(invalid.status, 2);
   EXPECT_THAT(invalid.err, HasSubstr("UTF-8"));
   EXPECT_EQ(sitelist({"protect"}, std::string("fa\0ir\n", 6)).status, 2);
+  const Output nothing = sitelist({"protect"}, "");
+  EXPECT_EQ(nothing.status, 2);
+  EXPECT_THAT(nothing.err, HasSubstr("there is no password"));
 }
 
 TEST_F(CliProtect, TakesNoPasswordFromTheCommandLine) {

@@ -58,7 +58,6 @@ TEST_F(CliShow, PrintsEveryKindOfSite) {
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_EQ(output.out,
             "ORDER  KIND     TYPE        NAME  ADDRESS               PATH      STATE\n"
-            "-      http     mirror      m     m.example:80          -         on\n"
             "1      server   master      Main  pyx.example:80 (443)  Software  on\n"
             "2      agent    repository  k     K1:8081               -         on\n"
             "3      ftp      repository  f     ftp.example:21        -         off\n"
@@ -67,6 +66,7 @@ TEST_F(CliShow, PrintsEveryKindOfSite) {
             "9      unknown  repository  -     -                     -         on\n"
             "10     http     repository  z     z.example:80          -         on\n"
             "last   http     fallback    b     b.example:80          -         on\n"
+            "-      http     mirror      m     m.example:80          -         on\n"
             "\n"
             "A port in brackets is the one for secure connections.\n");
 }

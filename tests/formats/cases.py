@@ -172,7 +172,7 @@ QUERIES = [
     Case("protect", own("protect"), table=tables.protected, stdin=CANARIES["depot"] + "\n", masks=PROTECTED),
     Case("protect-hostile", own("protect"), table=tables.protected, stdin=CANARIES["hostile"],
          masks=PROTECTED),
-    Case("protect-nothing", own("protect"), table=tables.protected, masks=PROTECTED),
+    Case("protect-nothing", own("protect"), 2),
     Case("protect-too-long", own("protect"), 2, stdin=CANARIES["depot"] * 22),
     Case("protect-bad-key", agent("bad-key", "protect"), 5, stdin=CANARIES["depot"]),
     Case("protect-no-agent", agent("nowhere", "protect"), 4, stdin=CANARIES["depot"]),

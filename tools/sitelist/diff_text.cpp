@@ -136,6 +136,10 @@ void printDiff(std::ostream& out, const Screen& screen, const std::string& title
   }
   Printer printer(out, screen);
   for (const DiffSection& section : sections) {
+    const bool isChanged = std::any_of(rows.begin(), rows.end(), [&](const Record& row) {
+      return text(row, "section") == section.name;
+    });
+    if (!isChanged) continue;
     printer.section(section.name, rows, section.unchanged);
   }
 }

@@ -70,6 +70,10 @@ void Password::readLine(int descriptor, const std::string& source) {
   for (; m_size < m_bytes.size(); ++m_size) {
     const ssize_t n = host::fileSystem().read(descriptor, &m_bytes[m_size], 1);
     if (n < 0) failToRead(source, static_cast<int>(-n));
+    if (n == 0 && m_size == 0) {
+      throw failureAt(source, exitUsage, "there is no password",
+                      "give one line of UTF-8 text; an empty line is an empty password");
+    }
     if (n == 0 || m_bytes[m_size] == '\n') return;
   }
 }

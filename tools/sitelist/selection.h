@@ -21,7 +21,7 @@ bool isSelected(const sitehlp::tag_Site& site, const Selection& selection);
 std::vector<const sitehlp::tag_Site*> select(const sitehlp::tag_Site* list,
                                              const Selection& selection);
 
-// Sites by their place in the search order.
+// Sites by their place in the search order; those without one come last.
 void sortBySearchOrder(std::vector<const sitehlp::tag_Site*>& sites);
 
 // The names that columns can have: those of the table for people, then the fields.

@@ -143,12 +143,15 @@ def site(element):
 def main(path):
     root = ElementTree.parse(path).getroot()
     document = {
+        "schema_version": 1,
+        "command": "show",
+        "status": 0,
         "file": path,
-        "result": 0,
         "globalVersion": root.get("GlobalVersion", ""),
         "localVersion": root.get("LocalVersion", ""),
         "type": root.get("Type", "Client"),
         "fipsMode": root.get("FipsMode"),
+        "result": 0,
         "sites": [site(element) for element in root.find("SiteList")],
     }
     print(json.dumps(document, indent=2))

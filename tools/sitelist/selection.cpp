@@ -74,9 +74,8 @@ std::vector<const tag_Site*> select(const tag_Site* list, const Selection& selec
 }
 
 void sortBySearchOrder(std::vector<const tag_Site*>& sites) {
-  const auto placeless =
-      std::stable_partition(sites.begin(), sites.end(),
-                            [](const tag_Site* site) { return !orderOf(*site).empty(); });
+  const auto placeless = std::stable_partition(
+      sites.begin(), sites.end(), [](const tag_Site* site) { return !orderOf(*site).empty(); });
   std::stable_sort(sites.begin(), placeless,
                    [](const tag_Site* a, const tag_Site* b) { return a->iOrder < b->iOrder; });
 }

@@ -59,7 +59,7 @@ std::string functionName(const std::string& path) {
   return name;
 }
 
-// ":MESSAGE:ACTION" of a specification for _arguments.
+// ":MESSAGE:ACTION", as _arguments takes it.
 std::string valueSpec(const OptionInfo& option) {
   const std::string message = ':' + escaped(option.valueName, ":\\") + ':';
   const std::string how = completionOf(option);

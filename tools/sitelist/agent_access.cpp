@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <system_error>
 
 #include "host/agent.h"
@@ -13,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace tool {
 namespace {
+
+constexpr std::size_t c_keyBytes = 32;  // of a password key
 
 host::AgentSettings settingsOf(const Context& context) {
   try {
@@ -33,6 +37,20 @@ std::string makeTemporaryDirectory() {
                     "make room there, or set TMPDIR to another directory");
   }
   return pattern;
+}
+
+// The crypto service would make a key at first use, and see to it that it survives a power cut,
+// which takes longer than reading a list.
+void makeKeyThatOpensNothing(const std::string& directory) {
+  std::error_code error;
+  fs::create_directory(directory, error);
+  fs::permissions(directory, fs::perms::owner_all, error);
+  std::random_device random;
+  std::string key(c_keyBytes, '\0');
+  for (char& byte : key) byte = static_cast<char>(random());
+  const std::string file = directory + "/password.key";
+  std::ofstream(file, std::ios::binary) << key;
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, error);
 }
 
 }  // namespace
@@ -71,6 +89,8 @@ PrivateAgent::PrivateAgent(const Context& context, Relation relation)
   const std::string keystore = context.agentDirectory + "/keystore";
   if (relation == InPlaceOfReal && fs::exists(keystore + "/password.key", error)) {
     fs::create_directory_symlink(keystore, m_directory + "/keystore", error);
+  } else {
+    makeKeyThatOpensNothing(m_directory + "/keystore");
   }
   host::setAgent(settings);
   recordLog(context.verbose);

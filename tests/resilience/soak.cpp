@@ -91,9 +91,26 @@ void soakPowerCuts(Soak& soak) {
   soak.end(figures.faults);
 }
 
+// Reads them several times: the fastest reading is the one that the machine disturbed least, and
+// the most memory counts.
+HostileFigures readSeveralTimes(std::size_t bytes, Soak& soak) {
+  constexpr int c_times = 7;
+  HostileFigures figures = readHostileDocuments(bytes, soak.progress());
+  for (int i = 1; i < c_times; ++i) {
+    const HostileFigures again = readHostileDocuments(bytes, soak.progress());
+    if (again.faults.count() != 0) soak.end(again.faults);
+    for (std::size_t j = 0; j < figures.results.size() && j < again.results.size(); ++j) {
+      HostileResult& result = figures.results[j];
+      result.seconds = std::min(result.seconds, again.results[j].seconds);
+      result.peakFactor = std::max(result.peakFactor, again.results[j].peakFactor);
+    }
+  }
+  return figures;
+}
+
 void soakHostile(Soak& soak) {
-  const HostileFigures small = readHostileDocuments(std::size_t{4} << 20, soak.progress());
-  const HostileFigures large = readHostileDocuments(std::size_t{8} << 20, soak.progress());
+  const HostileFigures small = readSeveralTimes(std::size_t{4} << 20, soak);
+  const HostileFigures large = readSeveralTimes(std::size_t{8} << 20, soak);
   double mostMemory = 0;
   double mostGrowth = 0;
   for (std::size_t i = 0; i < small.results.size() && i < large.results.size(); ++i) {

@@ -15,6 +15,9 @@ namespace tool {
 
 class Failure;
 
+// Goes up when a name of the output for programs goes away or means something else.
+constexpr int c_schemaVersion = 1;
+
 // One value; texts are UTF-8 as the document has them, made harmless by whoever prints them.
 using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string>;
 using Record = std::vector<std::pair<std::string, Scalar>>;

@@ -9,8 +9,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr int c_schemaVersion = 1;
-
 // What the command line or a file name brought need not be UTF-8; all else already is.
 ordered_json jsonOf(const Scalar& value) {
   if (const bool* const flag = std::get_if<bool>(&value)) return *flag;

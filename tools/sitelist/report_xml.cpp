@@ -36,8 +36,9 @@ void print(std::ostream& out, const Record& record, const char* indent) {
 }  // namespace
 
 void printXml(std::ostream& out, const Report* report, const Ending& ending) {
-  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\"1\" command=\""
-      << ending.command << "\" status=\"" << ending.status << "\">\n";
+  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\""
+      << c_schemaVersion << "\" command=\"" << ending.command << "\" status=\"" << ending.status
+      << "\">\n";
   if (report) {
     print(out, report->facts, "  ");
     if (!report->rowsName.empty()) {

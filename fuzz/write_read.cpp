@@ -7,7 +7,7 @@ using namespace sitehlp;
 
 namespace {
 
-constexpr std::size_t c_mostSites = 8;
+constexpr std::size_t c_mostSites = 4;
 
 template <std::size_t N>
 void fill(wchar_t (&field)[N], fuzz::Input& input) {

@@ -15,10 +15,11 @@ namespace {
 // A byte that is refused wherever it stands in UTF-8.
 constexpr char c_invalidByte = '\xFF';
 
-bool beginsAsMarkup(const wchar_t* text, const wchar_t* end) {
-  const wchar_t* const first = std::find_if(
-      text, end, [](wchar_t c) { return c != L' ' && c != L'\t' && c != L'\n' && c != L'\r'; });
-  return first != end && *first == L'<';
+template <typename Char>
+bool beginsAsMarkup(const Char* text, const Char* end) {
+  const Char* const first = std::find_if(
+      text, end, [](Char c) { return c != ' ' && c != '\t' && c != '\n' && c != '\r'; });
+  return first != end && *first == '<';
 }
 
 // Where the first character stands that is none in Unicode.
@@ -49,7 +50,23 @@ char* foldLineEnds(char* text, char* end) {
   return to;
 }
 
+// The tree of bytes that may be anything.
+std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end) {
+  const host::Standalone standalone =
+      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()));
+  end = foldLineEnds(utf8.data(), end);
+  const auto size = static_cast<std::size_t>(end - utf8.data());
+  return std::make_unique<DocumentTree>(std::move(utf8), size, standalone);
+}
+
 }  // namespace
+
+std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length) {
+  if (!beginsAsMarkup(utf8, utf8 + length)) return nullptr;
+  TreeText text(length);
+  char* const end = std::copy_n(utf8, length, text.data());
+  return checkedTree(std::move(text), end);
+}
 
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
   if (!beginsAsMarkup(text, text + length)) return nullptr;
@@ -68,11 +85,7 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
     // In place of what is no character; the parser then finds it and says where it is.
     if (validLength != length) *end++ = c_invalidByte;
   }
-  const host::Standalone standalone =
-      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()));
-  end = foldLineEnds(utf8.data(), end);
-  return std::make_unique<DocumentTree>(std::move(utf8),
-                                        static_cast<std::size_t>(end - utf8.data()), standalone);
+  return checkedTree(std::move(utf8), end);
 }
 
 Document* Parser::Parse(const wchar_t* text, std::size_t length) {

@@ -96,6 +96,35 @@ TEST_F(AnXmlFile, isRefusedWhenItIsNoDocument) {
   EXPECT_TRUE(open(xml));
 }
 
+TEST_F(AnXmlFile, isReadWithAByteOrderMarkAndWrittenWithout) {
+  write("\xEF\xBB\xBF" + std::string(c_list));
+  AnXml xml;
+  ASSERT_TRUE(open(xml));
+  EXPECT_EQ(saved(xml), c_list);
+}
+
+TEST_F(AnXmlFile, isRefusedWhenItIsNotValidInItsEncoding) {
+  AnXml xml;
+  const std::string start = "<ns:SiteLists xmlns:ns=\"wxSiteList\" a=\"";
+  const std::string invalid[] = {
+      "\x80",         "\xC0\xBC",         "\xE0\x80\xBC",        "\xE2\x82",
+      "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80"};
+  for (const char* mark : {"", "\xEF\xBB\xBF"}) {
+    for (const std::string& bytes : invalid) {
+      write(mark + start + bytes + "\"/>");
+      EXPECT_FALSE(open(xml)) << testing::PrintToString(bytes);
+    }
+    write(mark + start + "\xC3\xA4\xE6\xBC\xA2\xF0\x9F\x98\x80\"/>");
+    EXPECT_TRUE(open(xml));
+  }
+  std::string half("<\0a\0/\0>\0\x01\xD8", 10);
+  write(half);
+  EXPECT_FALSE(xml.useExistingFile(path(), nullptr, nullptr, nullptr));
+  half.resize(8);
+  write(half);
+  EXPECT_TRUE(xml.useExistingFile(path(), nullptr, nullptr, nullptr));
+}
+
 TEST_F(AnXmlFile, staysOpenWhenAnotherCannotBeOpened) {
   AnXml xml;
   ASSERT_TRUE(open(xml));

@@ -184,8 +184,12 @@ std::string formatAgentSettings(const AgentSettings& settings) {
                          {"crypto_key_size", legacy ? c_legacyKeySize : c_keySize2048},
                          {"mesh", std::move(mesh)},
                          {"log", toml::table{{"level", levelName(settings.logLevel)}}}};
+  // Strings with escapes alone: in its other forms the formatter loses a line feed at the beginning
+  // and does not notice quotes that end the string.
+  constexpr toml::format_flags c_otherStrings =
+      toml::format_flags::allow_literal_strings | toml::format_flags::allow_multi_line_strings;
   std::ostringstream text;
-  text << root << "\n";
+  text << toml::toml_formatter(root, toml::toml_formatter::default_flags & ~c_otherStrings) << "\n";
   return text.str();
 }
 

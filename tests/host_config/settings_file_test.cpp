@@ -226,6 +226,23 @@ TEST_F(SettingsFile, SaysWhatTheSettingsSay) {
   EXPECT_EQ(back.dataDirectory, dir.path());
 }
 
+TEST_F(SettingsFile, KeepsLineFeedsAndQuotesOfEverySort) {
+  host::AgentSettings settings;
+  settings.dataDirectory = dir.path();
+  settings.meshLoadCommand = {"/bin/load",
+                              "\n\n'a",
+                              "\nfirst",
+                              "a\nb",
+                              "\n",
+                              "'''\n'''",
+                              "\"\"\"\n'''",
+                              "a\r\nb",
+                              "\n'\xE2\x82\xAC",
+                              "''\n''",
+                              "\xC3\xA4\n\xC3\xA4"};
+  EXPECT_EQ(read(host::formatAgentSettings(settings)).meshLoadCommand, settings.meshLoadCommand);
+}
+
 TEST_F(SettingsFile, SaysTheDefaults) {
   expectDefaults(read(host::formatAgentSettings(host::AgentSettings())));
 }

@@ -29,6 +29,16 @@ bool isKept(const tag_Site& site, bool skipProxy) {
   }
 }
 
+// What MergeThisSiteList makes of the list into an empty result, without copies: the list was read
+// for this merge, so nobody else knows its records.
+void handOn(ListOwner& list, tag_Site** tail, tag_Site** head) {
+  const ADetailTrace trace(c_component, L"Merge this sitelist");
+  *head = list.release();
+  tag_Site* last = *head;
+  while (last->pNext) last = last->pNext;
+  *tail = last;
+}
+
 // Kinds that a fallback site is carried over with.
 bool isCarriedKind(const tag_Site& site) {
   return site.eSiteKind == SITE_KIND_HTTP || site.eSiteKind == SITE_KIND_FTP;
@@ -64,7 +74,8 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
   if (!useSecond) {
     result = ReadSiteList(std::wstring(), current.out(), true);
     if (result >= 0 && current.get()) {
-      result = MergeThisSiteList(current.get(), false, &tail, finalList);
+      handOn(current, &tail, finalList);
+      result = c_success;
     }
     if (first) carryOver(*this, first, &tail, finalList, result);
   } else {

@@ -110,6 +110,16 @@ TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
+TEST_F(MergeWithoutMemory, theListOnDiskNeedsNoMoreThanItsOwnRecords) {
+  const SiteChain current{serverSite(L"s1"), httpSite(L"a"), proxySite(L"p")};
+  ASSERT_EQ(helper.CreateSiteList(current.head(), wide(path), L"1", L"1", L"", {}), 0);
+  const SiteChain first{serverSite(L"s2")};
+  const FailingAllocation failing(sizeof(tag_Site), 3 + 1);
+  EXPECT_EQ(helper.MergeSiteLists(first.head(), nullptr, false, result.address()), 0);
+  EXPECT_EQ(failing.failed(), 0);
+  EXPECT_THAT(namesOf(result.head()), ElementsAre(L"a", L"p", L"s2"));
+}
+
 TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
   const SiteChain list{serverSite(L"s1"), serverSite(L"s2")};
   agent.clearLog();

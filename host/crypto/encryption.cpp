@@ -3,6 +3,7 @@
 #include <utf8.h>
 
 #include <iterator>
+#include <string_view>
 
 #include "host/common/ascii.h"
 #include "host/common/encoding.h"
@@ -21,9 +22,17 @@ bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
   return true;
 }
 
-bool toAscii(const std::wstring& text, std::string& ascii) {
-  ascii.resize(text.size());
-  return narrowAscii(text.data(), text.size(), ascii.data()) == text.size();
+// The bytes that a text stands for in base64.
+bool fromWideBase64(const std::wstring& text, std::vector<unsigned char>& bytes) {
+  char buffer[256];  // room for nearly all passwords
+  std::string longText;
+  char* ascii = buffer;
+  if (text.size() > sizeof buffer) {
+    longText.resize(text.size());
+    ascii = longText.data();
+  }
+  return narrowAscii(text.data(), text.size(), ascii) == text.size() &&
+         fromBase64(std::string_view(ascii, text.size()), bytes);
 }
 
 }  // namespace
@@ -51,11 +60,10 @@ int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
 }
 
 int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
-  std::string text;
   std::vector<unsigned char> sealed;
   SecretBytes clear;
-  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toAscii(in, text) ||
-      !fromBase64(text, sealed) || !m_sealer.open(sealed.data(), sealed.size(), clear)) {
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !fromWideBase64(in, sealed) ||
+      !m_sealer.open(sealed.data(), sealed.size(), clear)) {
     return 0;
   }
   std::wstring result;

@@ -92,18 +92,26 @@ std::string toBase64(const std::vector<unsigned char>& bytes) {
   return text;
 }
 
-bool fromBase64(const std::string& text, std::vector<unsigned char>& bytes) {
+bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes) {
   if (text.size() % 4 != 0 || text.size() > INT_MAX / 2) return false;
   std::vector<unsigned char> result(text.size() / 4 * 3);
   if (EVP_DecodeBlock(result.data(), reinterpret_cast<const unsigned char*>(text.data()),
                       static_cast<int>(text.size())) != static_cast<int>(result.size())) {
     return false;
   }
-  for (std::size_t end = text.size(); end > 0 && text[end - 1] == '=' && !result.empty(); --end) {
-    result.pop_back();
+  if (!text.empty()) {
+    // The decoder forgives padding anywhere and stray bits in front of it. Both are right only in
+    // the last group, and there only as the encoder writes them.
+    const std::size_t lastGroup = text.size() - 4;
+    const std::size_t padding = text.size() - 1 - text.find_last_not_of('=');
+    if (padding > 2 || text.find('=') < lastGroup) return false;
+    unsigned char group[5];
+    EVP_EncodeBlock(group, &result[result.size() - 3], static_cast<int>(3 - padding));
+    if (!std::equal(group, group + 4, text.begin() + static_cast<std::ptrdiff_t>(lastGroup))) {
+      return false;
+    }
+    result.resize(result.size() - padding);
   }
-  // The decoder forgives white space around the text and stray bits in its last character.
-  if (toBase64(result) != text) return false;
   bytes = std::move(result);
   return true;
 }

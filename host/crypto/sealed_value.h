@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/crypto/secret.h"
@@ -46,7 +47,7 @@ class Sealer {
 // encoding makes, so that no two texts stand for the same bytes; for any other text it returns
 // false and leaves `bytes` as it was.
 std::string toBase64(const std::vector<unsigned char>& bytes);
-bool fromBase64(const std::string& text, std::vector<unsigned char>& bytes);
+bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes);
 
 // What a management server does to a password before it sends it: `clear` (UTF-8) sealed under the
 // server key of the agent in force, as base64 text. Empty when the key cannot be had. Any thread.

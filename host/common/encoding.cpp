@@ -24,7 +24,9 @@ bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
   const std::size_t ascii = asciiBlocks(utf8, length);
   out.resize(before + ascii + countLeads(utf8 + ascii, length - ascii));
   wchar_t* to = out.data() + before;
-  const char* from = utf8;
+  for (std::size_t i = 0; i < ascii; i += c_asciiBlock) widenBlock(utf8 + i, to + i);
+  to += ascii;
+  const char* from = utf8 + ascii;
   const char* const end = utf8 + length;
   try {
     while (from != end) {

@@ -52,6 +52,17 @@ std::size_t findName(const char* utf8, const wchar_t* const* names, std::size_t 
   return count;
 }
 
+namespace {
+
+// The first node from `node` on that is text. Not by iterators, which ask pugixml four times as
+// often.
+pugi::xml_node textFrom(pugi::xml_node node) {
+  while (node && !isText(node)) node = node.next_sibling();
+  return node;
+}
+
+}  // namespace
+
 bool isText(pugi::xml_node node) {
   return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }
@@ -75,16 +86,18 @@ bool hasAttribute(pugi::xml_node node, const wchar_t* name, const wchar_t* value
 
 std::wstring valueOf(pugi::xml_node node) {
   std::wstring value;
-  for (const pugi::xml_node child : node) {
-    if (isText(child)) appendWide(child.value(), std::strlen(child.value()), value);
+  for (pugi::xml_node text = textFrom(node.first_child()); text;
+       text = textFrom(text.next_sibling())) {
+    appendWide(text.value(), std::strlen(text.value()), value);
   }
   return value;
 }
 
 void narrowValueOf(pugi::xml_node node, std::string& value) {
   value.clear();
-  for (const pugi::xml_node child : node) {
-    if (isText(child)) value.append(child.value());
+  for (pugi::xml_node text = textFrom(node.first_child()); text;
+       text = textFrom(text.next_sibling())) {
+    value.append(text.value());
   }
 }
 
@@ -99,9 +112,9 @@ bool copyValue(pugi::xml_attribute attribute, wchar_t* dest, std::size_t capacit
 bool copyValue(pugi::xml_node node, wchar_t* dest, std::size_t capacity) {
   if (capacity == 0) return false;
   wchar_t* const last = dest + capacity - 1;
-  for (const pugi::xml_node child : node) {
-    if (!isText(child)) continue;
-    dest = decode(child.value(), dest, last);
+  for (pugi::xml_node text = textFrom(node.first_child()); text;
+       text = textFrom(text.next_sibling())) {
+    dest = decode(text.value(), dest, last);
     if (!dest) return false;
   }
   *dest = L'\0';

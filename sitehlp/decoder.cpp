@@ -23,6 +23,33 @@ namespace {
 
 constexpr unsigned int c_defaultPort = 80;
 
+// The children that site elements have.
+enum class SiteChild {
+  RelativePath,
+  UseAuth,
+  UserName,
+  Password,
+  ShareName,
+  DomainName,
+  UseLoggedonUserAccount,
+  None,
+};
+
+SiteChild childOf(const Element& element) {
+  static const wchar_t* const names[] = {
+      WX_XML_SITE_RELATIVEPATH,
+      WX_XML_HTTPSITE_USE_AUTH,
+      WX_XML_SITE_USER_NAME,
+      WX_XML_SITE_PASSWORD,
+      WX_XML_UNCSITE_SHARENAME,
+      WX_XML_SITE_DOMAIN_NAME,
+      WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
+  };
+  constexpr std::size_t count = sizeof names / sizeof names[0];
+  static_assert(count == static_cast<std::size_t>(SiteChild::None));
+  return static_cast<SiteChild>(element.FindName(names, count));
+}
+
 // A server address, split. The host points into the object or into its long text.
 class Address {
  public:
@@ -104,14 +131,21 @@ void decodeHttp(SiteElement kind, const Element& element, const SiteAttributes& 
   ip.storeHost(site.szServerIP);
   site.uServerIPPort = ip.port();
   for (const Element child : element.Elements()) {
-    if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
-      setField(site.szRelativePath, child);
-    } else if (child.HasName(WX_XML_HTTPSITE_USE_AUTH)) {
-      site.iUseAuth = readNumber(child);
-    } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
-      setField(site.szUserName, child);
-    } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
-      setPassword(site.szPassword, child, useDecryptData);
+    switch (childOf(child)) {
+      case SiteChild::RelativePath:
+        setField(site.szRelativePath, child);
+        break;
+      case SiteChild::UseAuth:
+        site.iUseAuth = readNumber(child);
+        break;
+      case SiteChild::UserName:
+        setField(site.szUserName, child);
+        break;
+      case SiteChild::Password:
+        setPassword(site.szPassword, child, useDecryptData);
+        break;
+      default:
+        break;
     }
   }
 }
@@ -124,29 +158,39 @@ void decodeFtp(const Element& element, const SiteAttributes& attributes, bool us
   site.uSecurePort = readUnsignedPort(attributes.securePort);
   setField(site.szName, attributes.name);
   for (const Element child : element.Elements()) {
-    if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
-      setField(site.szRelativePath, child);
-    } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
-      setField(site.szUserName, child);
-    } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
-      setPassword(site.szPassword, child, useDecryptData);
+    switch (childOf(child)) {
+      case SiteChild::RelativePath:
+        setField(site.szRelativePath, child);
+        break;
+      case SiteChild::UserName:
+        setField(site.szUserName, child);
+        break;
+      case SiteChild::Password:
+        setPassword(site.szPassword, child, useDecryptData);
+        break;
+      default:
+        break;
     }
   }
 }
 
 // The children that UNC and local sites have in common.
 template <typename Record>
-void decodeSharedChild(const Element& child, bool useDecryptData, Record& site) {
-  if (child.HasName(WX_XML_SITE_RELATIVEPATH)) {
-    setField(site.szRelativePath, child);
-  } else if (child.HasName(WX_XML_SITE_DOMAIN_NAME)) {
-    setField(site.szDomainName, child);
-  } else if (child.HasName(WX_XML_SITE_USER_NAME)) {
-    setField(site.szUserName, child);
-  } else if (child.HasName(WX_XML_SITE_PASSWORD)) {
-    setPassword(site.szPassword, child, useDecryptData);
-  } else if (child.HasName(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT)) {
-    site.iUseLoggedonUserAccount = readNumber(child);
+void decodeSharedChild(SiteChild kind, const Element& child, bool useDecryptData, Record& site) {
+  switch (kind) {
+    case SiteChild::RelativePath:
+      return setField(site.szRelativePath, child);
+    case SiteChild::DomainName:
+      return setField(site.szDomainName, child);
+    case SiteChild::UserName:
+      return setField(site.szUserName, child);
+    case SiteChild::Password:
+      return setPassword(site.szPassword, child, useDecryptData);
+    case SiteChild::UseLoggedonUserAccount:
+      site.iUseLoggedonUserAccount = readNumber(child);
+      return;
+    default:
+      return;
   }
 }
 
@@ -155,10 +199,11 @@ void decodeUnc(const Element& element, const SiteAttributes& attributes, bool us
   setField(site.szServer, attributes.server);
   setField(site.szName, attributes.name);
   for (const Element child : element.Elements()) {
-    if (child.HasName(WX_XML_UNCSITE_SHARENAME)) {
+    const SiteChild kind = childOf(child);
+    if (kind == SiteChild::ShareName) {
       setField(site.szShareName, child);
     } else {
-      decodeSharedChild(child, useDecryptData, site);
+      decodeSharedChild(kind, child, useDecryptData, site);
     }
   }
 }
@@ -166,7 +211,9 @@ void decodeUnc(const Element& element, const SiteAttributes& attributes, bool us
 void decodeLocal(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
                  tag_LocalSite& site) {
   setField(site.szName, attributes.name);
-  for (const Element child : element.Elements()) decodeSharedChild(child, useDecryptData, site);
+  for (const Element child : element.Elements()) {
+    decodeSharedChild(childOf(child), child, useDecryptData, site);
+  }
 }
 
 }  // namespace

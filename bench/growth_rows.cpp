@@ -9,6 +9,10 @@
 #include "bench/sample_lists.h"
 #include "sitehlp/sites_helper.h"
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace bench {
 
 using sitehlp::CSitesHelper;
@@ -23,9 +27,21 @@ constexpr double c_bound = 11;
 // What an operation costs with a list of that many elements.
 using CostOfSize = std::function<Cost(std::size_t)>;
 
+// Starts with no memory left over from before, as a new process does. Otherwise the allocator keeps
+// the memory of a short list from run to run, gives that of a long one back, and the ratio tells
+// its threshold.
+Cost withNewMemory(const Cost& cost) {
+  return [cost] {
+#if defined(__GLIBC__)
+    ::malloc_trim(0);
+#endif
+    return cost();
+  };
+}
+
 void addGrowthRow(const std::string& name, const CostOfSize& cost, int samples = 9) {
   addRow({name + ", 10000 elements", "the same with 1000", c_bound, samples, [cost] {
-            return Measurement{cost(c_large), cost(c_small)};
+            return Measurement{withNewMemory(cost(c_large)), withNewMemory(cost(c_small))};
           }});
 }
 

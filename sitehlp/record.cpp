@@ -46,7 +46,6 @@ void wipeMemory(void* memory, std::size_t size) noexcept {
 }
 
 void releaseRecord(tag_Site* record) noexcept {
-  if (!record) return;
   wipePasswords(*record);
   std::free(record);
 }

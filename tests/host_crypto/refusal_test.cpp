@@ -1,0 +1,125 @@
+// The functions that put another source of random numbers in force are marked as old.
+#define OPENSSL_SUPPRESS_DEPRECATED
+
+#include <gtest/gtest.h>
+#include <openssl/rand.h>
+
+#include <climits>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "host/crypto/key_file.h"
+#include "host/crypto/sealed_value.h"
+#include "tests/host_crypto/encryption_object.h"
+#include "tests/support/test_agent.h"
+
+namespace {
+
+using host::SecretBytes;
+using test::EncryptionObject;
+using Bytes = std::vector<unsigned char>;
+
+// As long as it lives, the system has no random numbers to give.
+class NoRandomNumbers {
+ public:
+  NoRandomNumbers() : m_before(RAND_get_rand_method()) {
+    m_none.bytes = [](unsigned char*, int) { return 0; };
+    EXPECT_EQ(RAND_set_rand_method(&m_none), 1);
+  }
+  ~NoRandomNumbers() { EXPECT_EQ(RAND_set_rand_method(m_before), 1); }
+  NoRandomNumbers(const NoRandomNumbers&) = delete;
+  NoRandomNumbers& operator=(const NoRandomNumbers&) = delete;
+
+ private:
+  const RAND_METHOD* m_before;
+  RAND_METHOD m_none{};
+};
+
+TEST(WithoutRandomNumbers, NothingIsSealedAndTheOutputStays) {
+  host::Sealer sealer(SecretBytes(host::c_keySize, 'k'));
+  const Bytes old = {'o', 'l', 'd'};
+  Bytes sealed = old;
+  {
+    const NoRandomNumbers none;
+    EXPECT_FALSE(sealer.seal(old.data(), old.size(), sealed));
+  }
+  EXPECT_EQ(sealed, old);
+  EXPECT_TRUE(sealer.seal(old.data(), old.size(), sealed)) << "there are some again";
+  EXPECT_NE(sealed, old);
+}
+
+TEST(WithoutRandomNumbers, APasswordIsNotProtectedAndTheOutputStays) {
+  const test::TestAgent agent;
+  const EncryptionObject object(test::ENCRYPTION_TYPE_PASSWORD);
+  ASSERT_TRUE(object);
+  std::wstring text = L"old";
+  {
+    const NoRandomNumbers none;
+    EXPECT_EQ(object->encrypt_string(L"secret", text), 0);
+  }
+  EXPECT_EQ(text, L"old");
+  EXPECT_NE(object->encrypt_string(L"secret", text), 0);
+}
+
+TEST(WithoutRandomNumbers, NoKeyIsMadeAndTheReasonIsLogged) {
+  const test::TestAgent agent;
+  const std::string path = test::passwordKeyPath(agent.dataDirectory());
+  {
+    const NoRandomNumbers none;
+    EXPECT_FALSE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD));
+  }
+  EXPECT_EQ(agent.texts(LogLevel::Error),
+            (std::vector<std::wstring>{L"Key file " + test::wide(path) +
+                                       L": there are no random numbers to make it from"}));
+  EXPECT_TRUE(test::snapshot(agent.dataDirectory() + "/keystore").empty());
+  EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD)) << "there are some again";
+}
+
+TEST(WithoutRandomNumbers, AServerPasswordIsEmpty) {
+  const test::TestAgent agent;
+  test::writeFile(test::serverKeyPath(agent.dataDirectory()), std::string(32, 'k'), 0600);
+  {
+    const NoRandomNumbers none;
+    EXPECT_EQ(host::sealServerPassword("secret"), "");
+  }
+  EXPECT_NE(host::sealServerPassword("secret"), "");
+}
+
+TEST(SealedValueLength, OverWhatTheCipherTakesIsRefusedBeforeAnyByteIsLookedAt) {
+  host::Sealer sealer(SecretBytes(host::c_keySize, 'k'));
+  const unsigned char byte = 1;
+  Bytes sealed = {'o', 'l', 'd'};
+  EXPECT_FALSE(sealer.seal(&byte, std::size_t{INT_MAX}, sealed));
+  EXPECT_EQ(sealed, (Bytes{'o', 'l', 'd'}));
+  SecretBytes clear = {'o', 'l', 'd'};
+  EXPECT_FALSE(sealer.open(&byte, std::size_t{INT_MAX} + 1, clear));
+  EXPECT_EQ(clear, (SecretBytes{'o', 'l', 'd'}));
+}
+
+TEST(SealerKey, OfAnotherSizeMakesNoSealer) {
+  for (const std::size_t size : {std::size_t{0}, host::c_keySize - 1, host::c_keySize + 1}) {
+    EXPECT_THROW(host::Sealer(SecretBytes(size, 'k')), std::bad_alloc) << size;
+  }
+}
+
+TEST(KeyFileState, IsThatOfTheSameFileOnlyWhenNothingDiffers) {
+  host::KeyFileState state;
+  state.device = 1;
+  state.inode = 2;
+  state.size = 3;
+  state.changedNs = 4;
+  host::KeyFileState other = state;
+  other.settled = true;
+  EXPECT_TRUE(state.sameFile(other)) << "the moment of reading does not count";
+  ++(other = state).device;
+  EXPECT_FALSE(state.sameFile(other));
+  ++(other = state).inode;
+  EXPECT_FALSE(state.sameFile(other));
+  ++(other = state).size;
+  EXPECT_FALSE(state.sameFile(other));
+  ++(other = state).changedNs;
+  EXPECT_FALSE(state.sameFile(other));
+}
+
+}  // namespace

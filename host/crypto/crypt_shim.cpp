@@ -1,5 +1,6 @@
 #include "platform/crypto/crypt_shim.h"
 
+#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <mutex>
@@ -17,6 +18,10 @@ namespace {
 using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD;
 using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER;
 
+// The span of time over which this thread takes keys as unchanged; no two have one number. 0: none.
+thread_local std::uint64_t t_span = 0;
+thread_local unsigned int t_spanDepth = 0;
+
 // The encryption objects of one type that nobody uses at the moment. Making one costs several times
 // what a password costs, so they are kept for as long as the key file stays as it was.
 class Pool {
@@ -33,7 +38,9 @@ class Pool {
       m_dataDirectory = dataDirectory;
       m_path = keyFilePath(dataDirectory, m_keyName);
     }
-    if (!refreshKey()) return nullptr;
+    const bool isKept = t_span != 0 && t_span == m_span && !m_key.empty();
+    if (!isKept && !refreshKey()) return nullptr;
+    m_span = t_span;
     if (m_idle.empty()) return std::make_unique<Encryption>(m_type, m_key, m_generation);
     std::unique_ptr<Encryption> object = std::move(m_idle.back());
     m_idle.pop_back();
@@ -84,6 +91,7 @@ class Pool {
   SecretBytes m_key;     // empty: not loaded
   KeyFileState m_state;  // of the file that m_key was read from
   std::uint64_t m_generation = 0;
+  std::uint64_t m_span = 0;  // in which m_key was looked at last
   std::vector<std::unique_ptr<Encryption>> m_idle;
 };
 
@@ -126,6 +134,15 @@ void CryptShim::destroy_encryption_object(IEncryption* object) {
   std::unique_ptr<host::Encryption> owned(static_cast<host::Encryption*>(object));
   host::Pool* const pool = host::poolFor(owned->type());
   pool->giveBack(std::move(owned));
+}
+
+KeptKeys::KeptKeys() noexcept {
+  static std::atomic<std::uint64_t> last{0};
+  if (host::t_spanDepth++ == 0) host::t_span = ++last;
+}
+
+KeptKeys::~KeptKeys() {
+  if (--host::t_spanDepth == 0) host::t_span = 0;
 }
 
 }  // namespace crypto

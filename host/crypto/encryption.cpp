@@ -1,8 +1,6 @@
 #include "host/crypto/encryption.h"
 
-#include <utf8.h>
-
-#include <iterator>
+#include <algorithm>
 #include <string_view>
 
 #include "host/common/ascii.h"
@@ -13,12 +11,12 @@ namespace {
 
 // False for a text with a character that is no Unicode scalar value: it could not be given back.
 bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
-  utf8Bytes.reserve(text.size());
-  try {
-    utf8::utf32to8(text.begin(), text.end(), std::back_inserter(utf8Bytes));
-  } catch (const utf8::exception&) {
+  if (!std::all_of(text.begin(), text.end(),
+                   [](wchar_t c) { return isScalar(static_cast<std::uint32_t>(c)); })) {
     return false;
   }
+  utf8Bytes.resize(utf8Size(text.data(), text.size()));
+  writeUtf8(text.data(), text.size(), reinterpret_cast<char*>(utf8Bytes.data()));
   return true;
 }
 

@@ -49,6 +49,18 @@ class PLATFORM_API CryptShim {
   void destroy_encryption_object(IEncryption* object);
 };
 
+// For the work on one document, whose passwords are many: as long as one lives, the service takes
+// the keys that it gave this thread objects of as unchanged, so that it need not look at a key file
+// for every password. A key that is replaced meanwhile may be noticed only afterwards. Other
+// threads are not affected. Several may live at once; each goes in the thread that made it.
+class PLATFORM_API KeptKeys {
+ public:
+  KeptKeys() noexcept;
+  ~KeptKeys();
+  KeptKeys(const KeptKeys&) = delete;
+  KeptKeys& operator=(const KeptKeys&) = delete;
+};
+
 }  // namespace crypto
 }  // namespace ZQ
 }  // namespace korvel_com

@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/host_crypto/encryption_object.h"
@@ -228,6 +229,59 @@ TEST_F(KeyFile, ReplacedWithinOneStepOfTheFileSystemsClockIsNoticed) {
   const std::wstring underA = encrypted(L"secret");
   test::writeFile(m_path, std::string(32, 'b'), 0600);
   EXPECT_FALSE(decrypts(underA));
+}
+
+TEST_F(KeyFile, IsLookedAtOnceWhileKeysAreKept) {
+  test::writeFile(m_path, std::string(32, 'a'), 0600);
+  const test::FaultyFileSystem files;
+  {
+    const korvel_com::ZQ::crypto::KeptKeys kept;
+    const std::wstring underA = encrypted(L"secret");
+    const std::size_t callsToRead = files.calls().size();
+    for (int i = 0; i < 100; ++i) ASSERT_TRUE(decrypts(underA));
+    EXPECT_EQ(files.calls().size(), callsToRead);
+  }
+  const std::size_t callsToRead = files.calls().size();
+  EXPECT_TRUE(canEncrypt());
+  EXPECT_GT(files.calls().size(), callsToRead) << "still kept";
+}
+
+TEST_F(KeyFile, ReplacedWhileKeysAreKeptIsNoticedAfterwards) {
+  test::writeFile(m_path, std::string(32, 'a'), 0600);
+  std::wstring underA;
+  {
+    const korvel_com::ZQ::crypto::KeptKeys outer;
+    {
+      const korvel_com::ZQ::crypto::KeptKeys inner;
+      underA = encrypted(L"secret");
+    }
+    test::writeFile(m_path, std::string(32, 'b'), 0600);
+    EXPECT_TRUE(decrypts(underA));
+    bool elsewhere = true;
+    std::thread([&] { elsewhere = decrypts(underA); }).join();
+    EXPECT_FALSE(elsewhere) << "kept for another thread";
+  }
+  EXPECT_FALSE(decrypts(underA));
+  test::writeFile(m_path, std::string(32, 'a'), 0600);
+  const korvel_com::ZQ::crypto::KeptKeys later;
+  EXPECT_TRUE(decrypts(underA)) << "kept from before";
+}
+
+TEST_F(KeyFile, OfAnotherAgentIsNotTheOneThatIsKept) {
+  const korvel_com::ZQ::crypto::KeptKeys kept;
+  const std::wstring text = encrypted(L"secret");
+  const test::TestAgent other;
+  EXPECT_FALSE(decrypts(text));
+}
+
+TEST_F(KeyFile, ThatCannotBeHadIsLookedForAgainWhileKeysAreKept) {
+  test::writeFile(m_path, "short", 0600);
+  const korvel_com::ZQ::crypto::KeptKeys kept;
+  EXPECT_FALSE(canEncrypt());
+  EXPECT_FALSE(canEncrypt());
+  EXPECT_EQ(m_agent.texts(LogLevel::Error).size(), 2u);
+  test::writeFile(m_path, std::string(32, 'a'), 0600);
+  EXPECT_TRUE(canEncrypt());
 }
 
 TEST_F(KeyFile, RemovedWhileRunningIsNoLongerUsed) {

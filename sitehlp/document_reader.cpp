@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "platform/common/astring.h"
+#include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/list_builder.h"
 #include "sitehlp/locks.h"
@@ -73,6 +74,7 @@ int readList(std::wstring text, bool useDecryptData, PolicySettings& policySetti
     std::wstring().swap(text);  // the tree holds all of it
     const Element root = document->GetRoot();
     if (inspect) inspect(root);
+    const korvel_com::ZQ::crypto::KeptKeys keys;
     walkRoot(root, useDecryptData, policySettings, list, result);
   } catch (const AdvXMLParser::ParsingException&) {
     return c_errorParse;

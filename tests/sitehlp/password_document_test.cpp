@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/sitehlp/password_fixture.h"
+#include "tests/support/faulty_file_system.h"
 
 namespace {
 
@@ -30,6 +32,22 @@ TEST_F(PasswordInDocument, EveryKindOfSiteComesBackClear) {
   EXPECT_STREQ(decode("<UNCSite>" + password + "</UNCSite>")->unc.szPassword, L"secret \u65E5");
   EXPECT_STREQ(decode("<LocalSite>" + password + "</LocalSite>")->local.szPassword,
                L"secret \u65E5");
+}
+
+TEST_F(PasswordInDocument, IsRecoveredWithOneLookAtTheKeyForTheWholeList) {
+  const std::string site = "<FTPSite>" + child("Password", sealed(L"secret")) + "</FTPSite>";
+  const auto callsToRead = [&](const std::string& sites) {
+    const std::wstring file = store(test::documentWithSites(sites));
+    const test::FaultyFileSystem files;
+    const Read result = readPath(file);
+    for (const sitehlp::tag_Site* record = result.list.get(); record; record = record->pNext) {
+      EXPECT_STREQ(record->ftp.szPassword, L"secret");
+    }
+    return files.calls();
+  };
+  callsToRead(site);  // makes the lock files
+  const std::vector<test::FileCall> one = callsToRead(site);
+  EXPECT_EQ(callsToRead(site + site + site), one);
 }
 
 TEST_F(PasswordInDocument, EveryProxyPasswordComesBackClear) {

@@ -3,6 +3,7 @@
 #include "host/xml/limits.h"
 #include "host/xml/text_encoding.h"
 #include "host/xml/xml_name.h"
+#include "platform/common/anxml.h"
 #include "tests/host_xml/documents.h"
 
 namespace {
@@ -10,6 +11,20 @@ namespace {
 using namespace AdvXMLParser;
 using test::parse;
 using test::repeated;
+
+TEST(RareInput, ADocumentToEditMayBeginWithWhiteSpaceOfAnyKind) {
+  const test::TempDir directory;
+  const std::string path = directory.file("list");
+  for (const std::string space : {" ", "\t", "\n", "\r", "\r\n \t"}) {
+    test::writeFile(path, space + "<r/>" + space);
+    AnXml xml;
+    EXPECT_TRUE(xml.useExistingFile(AString(test::wide(path)), L"r", nullptr, nullptr));
+    test::writeFile(path, space + "r" + space);
+    EXPECT_FALSE(xml.useExistingFile(AString(test::wide(path)), nullptr, nullptr, nullptr));
+    test::writeFile(path, space);
+    EXPECT_FALSE(xml.useExistingFile(AString(test::wide(path)), nullptr, nullptr, nullptr));
+  }
+}
 
 TEST(RareInput, ANullHandleHasNoNameAndAnotherOneItsOwnAlone) {
   const wchar_t* const names[] = {L"", L"a"};

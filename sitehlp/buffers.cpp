@@ -6,15 +6,13 @@
 #include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
-#include "sitehlp/xmlschema/sitelist.h"
+#include "sitehlp/versions.h"
 
 namespace sitehlp {
 
-using AdvXMLParser::Attribute;
 using AdvXMLParser::Element;
 using korvel_com::ZQ::crypto::AnObjectBuffer;
 using korvel_com::ZQ::crypto::KeyConf;
-using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
 
@@ -80,15 +78,11 @@ int CSitesHelper::AdjustPwd(AnObjectBuffer<unsigned char>& buffer) {
   } catch (const AdvXMLParser::ReadWriteException& e) {
     return e.GetErrorCode();
   }
-  const int result = readList(
-      std::move(text), m_bUseDecryptData == 1, m_policySettings, list.out(),
-      [&](const Element& root) {
-        globalVersion = root.GetAttribute(WX_XML_SITELISTS_GLOBAL_VERSION).GetValue();
-        localVersion = root.GetAttribute(WX_XML_SITELISTS_LOCAL_VERSION).GetValue();
-        const Attribute typeAttribute = root.GetAttribute(WX_XML_SITELISTS_TYPE);
-        type = typeAttribute.IsNull() ? WX_XML_SITELIST_TYPE_CLIENT : typeAttribute.GetValue();
-        readCertificates(root, certificates);
-      });
+  const int result = readList(std::move(text), m_bUseDecryptData == 1, m_policySettings, list.out(),
+                              [&](const Element& root) {
+                                readVersions(root, globalVersion, localVersion, type);
+                                readCertificates(root, certificates);
+                              });
   // Bytes that are no document must not replace the stored list with an empty one.
   if (result != c_success && result != c_errorGeneral) return result;
   CreateSiteList(list.get(), serverSiteListPath(), globalVersion, localVersion, type, certificates);

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 #include "platform/common/astring.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
@@ -29,12 +31,12 @@ void readPolicies(const Element& policies, PolicySettings& policySettings) {
 }
 
 void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySettings,
-              tag_Site** list, int& result) {
+              const TakeSite& take, int& result) {
   for (const Element child : root.Elements()) {
     if (child.HasName(WX_XML_POLICIES)) {
       readPolicies(child, policySettings);
     } else if (child.HasName(WX_XML_SITELIST)) {
-      buildList(child, useDecryptData, list, result);
+      readSites(child, useDecryptData, take, result);
       return;
     }
   }
@@ -64,8 +66,8 @@ void parseDocument(const std::wstring& text, DocumentPtr& document) {
   document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
 }
 
-int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
-             tag_Site** list, const std::function<void(const Element&)>& inspect) {
+int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+              const TakeSite& take, const Inspect& inspect) {
   int result = c_success;
   try {
     DocumentPtr document;
@@ -75,13 +77,23 @@ int readList(std::wstring text, bool useDecryptData, PolicySettings& policySetti
     const Element root = document->GetRoot();
     if (inspect) inspect(root);
     const korvel_com::ZQ::crypto::KeptKeys keys;
-    walkRoot(root, useDecryptData, policySettings, list, result);
+    walkRoot(root, useDecryptData, policySettings, take, result);
   } catch (const AdvXMLParser::ParsingException&) {
     return c_errorParse;
   } catch (const AdvXMLParser::ReadWriteException& e) {
     return e.GetErrorCode();
   }
   return result;
+}
+
+int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+             tag_Site** list, const Inspect& inspect) {
+  tag_Site** link = list;
+  const auto append = [&link](tag_Site* site) {
+    *link = site;
+    link = &site->pNext;
+  };
+  return readSites(std::move(text), useDecryptData, policySettings, append, inspect);
 }
 
 }  // namespace sitehlp

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/xml/advxmlparser.h"
-#include "sitehlp/site.h"
+#include "sitehlp/list_contents.h"
 
 namespace sitehlp {
 
@@ -28,13 +28,19 @@ int readDocumentText(const std::wstring& path, bool useLock, std::wstring& text)
 // AdvXMLParser::Parser throws.
 void parseDocument(const std::wstring& text, DocumentPtr& document);
 
+using Inspect = std::function<void(const AdvXMLParser::Element&)>;
+
 // Parses a text and turns the children of its root, up to and with the first "SiteList", into
-// policy settings and a list. `inspect`, when given, sees the root first. Returns the result of the
-// site element decoded last (0 or -1), -5 for a text that is no well-formed document, or the error
-// code of a ReadWriteException. `*list` holds what was built, also when something else is thrown.
+// policy settings and records, each of which `take` becomes the owner of. `inspect`, when given,
+// sees the root first. Returns the result of the site element decoded last (0 or -1), -5 for a text
+// that is no well-formed document, or the error code of a ReadWriteException.
+int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+              const TakeSite& take, const Inspect& inspect = nullptr);
+
+// The same with the records as a list. `*list` holds what was built, also when something else is
+// thrown.
 int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
-             tag_Site** list,
-             const std::function<void(const AdvXMLParser::Element&)>& inspect = nullptr);
+             tag_Site** list, const Inspect& inspect = nullptr);
 
 }  // namespace sitehlp
 

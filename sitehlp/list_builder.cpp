@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "platform/common/text.h"
@@ -20,6 +21,11 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 namespace {
 
 constexpr std::int32_t c_fallbackOrder = 65535;
+
+struct ReleaseRecord {
+  void operator()(tag_Site* record) const { releaseRecord(record); }
+};
+using RecordOwner = std::unique_ptr<tag_Site, ReleaseRecord>;
 
 std::int32_t kindOf(SiteElement element) {
   switch (element) {
@@ -81,14 +87,12 @@ void readSite(const Element& element, bool useDecryptData, tag_Site& site, int& 
 
 }  // namespace
 
-void buildList(const Element& siteList, bool useDecryptData, tag_Site** list, int& result) {
-  tag_Site** link = list;
+void readSites(const Element& siteList, bool useDecryptData, const TakeSite& take, int& result) {
   for (const Element element : siteList.Elements()) {
-    tag_Site* const site = static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site)));
+    RecordOwner site(static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site))));
     if (!site) throw std::bad_alloc();
-    *link = site;
-    link = &site->pNext;
     readSite(element, useDecryptData, *site, result);
+    take(site.release());
   }
 }
 

@@ -2,14 +2,14 @@
 #define SITEHLP_LIST_BUILDER_H
 
 #include "platform/xml/advxmlparser.h"
-#include "sitehlp/site.h"
+#include "sitehlp/list_contents.h"
 
 namespace sitehlp {
 
-// Builds the list of a "SiteList" element, one record per child element in document order. `*list`
-// is the head from the first record on, and `result` that of the element decoded last, so that both
-// hold what was done when something is thrown.
-void buildList(const AdvXMLParser::Element& siteList, bool useDecryptData, tag_Site** list,
+// Reads a "SiteList" element: one record per child element in document order, each of which `take`
+// becomes the owner of as soon as it is decoded. `result` is that of the element decoded last, also
+// when something is thrown.
+void readSites(const AdvXMLParser::Element& siteList, bool useDecryptData, const TakeSite& take,
                int& result);
 
 }  // namespace sitehlp

@@ -1,3 +1,5 @@
+#include "sitehlp/versions.h"
+
 #include "platform/common/log.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
@@ -28,6 +30,21 @@ int queryRoot(const std::wstring& text, Query query) {
 
 }  // namespace
 
+void readVersions(const Element& root, std::wstring& globalVersion, std::wstring& localVersion,
+                  std::wstring& type) {
+  globalVersion = root.GetAttribute(WX_XML_SITELISTS_GLOBAL_VERSION).GetValue();
+  localVersion = root.GetAttribute(WX_XML_SITELISTS_LOCAL_VERSION).GetValue();
+  const Attribute typeAttribute = root.GetAttribute(WX_XML_SITELISTS_TYPE);
+  type = typeAttribute.IsNull() ? WX_XML_SITELIST_TYPE_CLIENT : typeAttribute.GetValue();
+}
+
+bool readFipsMode(const Element& root, std::wstring& fipsMode) {
+  const Attribute attribute = root.GetAttribute(WX_XML_SITELISTS_FIPSMODE);
+  if (attribute.IsNull()) return false;
+  fipsMode = attribute.GetValue();
+  return true;
+}
+
 int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
                                       std::wstring& localVersion, std::wstring& type) {
   const ADetailTrace trace(c_component, L"Getting Sitelist versions");
@@ -38,10 +55,7 @@ int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& gl
   localVersion.clear();
   if (readResult != c_success) return readResult;
   return queryRoot(text, [&](const Element& root) {
-    globalVersion = root.GetAttribute(WX_XML_SITELISTS_GLOBAL_VERSION).GetValue();
-    localVersion = root.GetAttribute(WX_XML_SITELISTS_LOCAL_VERSION).GetValue();
-    const Attribute typeAttribute = root.GetAttribute(WX_XML_SITELISTS_TYPE);
-    type = typeAttribute.IsNull() ? WX_XML_SITELIST_TYPE_CLIENT : typeAttribute.GetValue();
+    readVersions(root, globalVersion, localVersion, type);
     return c_success;
   });
 }
@@ -58,10 +72,7 @@ int CSitesHelper::GetSitelistFipsMode(const std::wstring& path, std::wstring& fi
   const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
   if (readResult != c_success) return readResult;
   return queryRoot(text, [&](const Element& root) {
-    const Attribute attribute = root.GetAttribute(WX_XML_SITELISTS_FIPSMODE);
-    if (attribute.IsNull()) return c_errorGeneral;
-    fipsMode = attribute.GetValue();
-    return c_success;
+    return readFipsMode(root, fipsMode) ? c_success : c_errorGeneral;
   });
 }
 

@@ -23,6 +23,9 @@ struct Context {
   std::optional<Report> report;          // what the action has to tell, also when it fails
 };
 
+// The form that the output is to have.
+Format formatOf(const Context& context);
+
 }  // namespace tool
 
 #endif

@@ -201,9 +201,9 @@ void Diff::compareCertificates(const SiteList& before, const SiteList& after) {
 }
 
 void Diff::comparePolicies(const SiteList& before, const SiteList& after) {
-  for (const auto& [name, value] : after.policies) {
-    const auto old = before.policies.find(name);
-    if (old == before.policies.end()) {
+  for (const auto& [name, value] : after.policySettings) {
+    const auto old = before.policySettings.find(name);
+    if (old == before.policySettings.end()) {
       addRow("policy", "added", {}, narrow(name), {}, {}, narrow(value));
     } else if (old->second == value) {
       ++section("policy").unchanged;
@@ -211,8 +211,8 @@ void Diff::comparePolicies(const SiteList& before, const SiteList& after) {
       addRow("policy", "changed", {}, narrow(name), {}, narrow(old->second), narrow(value));
     }
   }
-  for (const auto& [name, value] : before.policies) {
-    if (after.policies.count(name) == 0) {
+  for (const auto& [name, value] : before.policySettings) {
+    if (after.policySettings.count(name) == 0) {
       addRow("policy", "removed", {}, narrow(name), {}, narrow(value), {});
     }
   }

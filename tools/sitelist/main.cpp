@@ -31,12 +31,6 @@ std::string fullPath(const std::string& directory) {
   return path;
 }
 
-Format formatOf(const Context& context) {
-  if (context.json || context.format == "json") return Format::Json;
-  if (context.format == "csv") return Format::Csv;
-  return context.format == "xml" ? Format::Xml : Format::Table;
-}
-
 void print(const Context& context, const Ending& ending) {
   const Report* const report = context.report ? &*context.report : nullptr;
   switch (formatOf(context)) {

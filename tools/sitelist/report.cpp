@@ -4,6 +4,19 @@
 
 namespace tool {
 
+void RowWriter::add(const Record& row) {
+  switch (m_format) {
+    case Format::Json:
+      return appendJsonRow(m_report.writtenRows, row);
+    case Format::Xml:
+      return appendXmlRow(m_report.writtenRows, m_report.rowName, row);
+    case Format::Csv:
+      return appendCsvRow(m_report.writtenRows, m_report.columns, row);
+    case Format::Table:
+      break;
+  }
+}
+
 std::string textOf(const Scalar& value) {
   if (const bool* const flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
   if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);

@@ -30,11 +30,25 @@ struct Report {
   std::string rowName;               // of a single row, in XML
   std::vector<std::string> columns;  // every name that a row may have
   std::vector<Record> rows;          // a row leaves out what does not apply to it
+  std::string writtenRows;           // those behind them that have the form asked for already
   // The form for people.
   std::function<void(std::ostream&, const Screen&)> table;
 };
 
 enum class Format { Table, Json, Csv, Xml };
+
+// Writes rows into `Report::writtenRows` as they come, so that there need not be more than one of
+// them at a time. The form for people has none.
+class RowWriter {
+ public:
+  RowWriter(Format format, Report& report) : m_format(format), m_report(report) {}
+  bool isNeeded() const { return m_format != Format::Table; }
+  void add(const Record& row);
+
+ private:
+  Format m_format;
+  Report& m_report;
+};
 
 // How a command ended.
 struct Ending {
@@ -49,6 +63,11 @@ void printXml(std::ostream& out, const Report* report, const Ending& ending);
 // The rows or, in a report without rows, name and value of every fact. One line each, whatever the
 // texts hold.
 void printCsv(std::ostream& out, const Report& report);
+
+// Each appends one row to those that `rows` holds.
+void appendJsonRow(std::string& rows, const Record& row);
+void appendXmlRow(std::string& rows, const std::string& name, const Record& row);
+void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row);
 
 // What a failure tells programs.
 Record factsOf(const Failure& failure);

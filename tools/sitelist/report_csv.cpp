@@ -26,6 +26,14 @@ const Scalar* find(const Record& record, const std::string& name) {
 
 }  // namespace
 
+void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row) {
+  for (const std::string& column : columns) {
+    if (&column != columns.data()) rows += ',';
+    if (const Scalar* const value = find(row, column)) rows += cell(textOf(*value));
+  }
+  rows += '\n';
+}
+
 void printCsv(std::ostream& out, const Report& report) {
   if (report.rowsName.empty()) {
     out << "field,value\n";
@@ -37,13 +45,9 @@ void printCsv(std::ostream& out, const Report& report) {
     out << (&column == report.columns.data() ? "" : ",") << column;
   }
   out << '\n';
-  for (const Record& row : report.rows) {
-    for (const std::string& column : report.columns) {
-      if (&column != report.columns.data()) out << ',';
-      if (const Scalar* const value = find(row, column)) out << cell(textOf(*value));
-    }
-    out << '\n';
-  }
+  std::string rows;
+  for (const Record& row : report.rows) appendCsvRow(rows, report.columns, row);
+  out << rows << report.writtenRows;
 }
 
 }  // namespace tool

@@ -26,35 +26,41 @@ std::string escaped(const std::string& raw) {
 }
 
 // A value that is null, unlike an empty text, has no element.
-void print(std::ostream& out, const Record& record, const char* indent) {
+void append(std::string& text, const Record& record, const char* indent) {
   for (const auto& [name, value] : record) {
     if (std::holds_alternative<std::monostate>(value)) continue;
-    out << indent << '<' << name << '>' << escaped(textOf(value)) << "</" << name << ">\n";
+    text.append(indent).append("<").append(name).append(">");
+    text.append(escaped(textOf(value))).append("</").append(name).append(">\n");
   }
 }
 
 }  // namespace
+
+void appendXmlRow(std::string& rows, const std::string& name, const Record& row) {
+  rows.append("    <").append(name).append(">\n");
+  append(rows, row, "      ");
+  rows.append("    </").append(name).append(">\n");
+}
 
 void printXml(std::ostream& out, const Report* report, const Ending& ending) {
   out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\""
       << c_schemaVersion << "\" command=\"" << ending.command << "\" status=\"" << ending.status
       << "\">\n";
   if (report) {
-    print(out, report->facts, "  ");
+    std::string facts;
+    append(facts, report->facts, "  ");
+    out << facts;
     if (!report->rowsName.empty()) {
-      out << "  <" << report->rowsName << ">\n";
-      for (const Record& row : report->rows) {
-        out << "    <" << report->rowName << ">\n";
-        print(out, row, "      ");
-        out << "    </" << report->rowName << ">\n";
-      }
-      out << "  </" << report->rowsName << ">\n";
+      std::string rows;
+      for (const Record& row : report->rows) appendXmlRow(rows, report->rowName, row);
+      out << "  <" << report->rowsName << ">\n"
+          << rows << report->writtenRows << "  </" << report->rowsName << ">\n";
     }
   }
   if (ending.failure) {
-    out << "  <error>\n";
-    print(out, factsOf(*ending.failure), "    ");
-    out << "  </error>\n";
+    std::string error;
+    append(error, factsOf(*ending.failure), "    ");
+    out << "  <error>\n" << error << "  </error>\n";
   }
   out << "</sitelist>\n";
 }

@@ -1,13 +1,12 @@
 #ifndef TOOLS_SITELIST_SITE_LIST_H
 #define TOOLS_SITELIST_SITE_LIST_H
 
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "sitehlp/list_contents.h"
 #include "sitehlp/sites_helper.h"
 
 namespace tool {
@@ -20,16 +19,10 @@ struct FreeSites {
 using Sites = std::unique_ptr<sitehlp::tag_Site, FreeSites>;
 
 // All that the library reads from one site list file.
-struct SiteList {
+struct SiteList : sitehlp::ListContents {
   std::string path;
   int result = 0;  // of reading the sites
   Sites sites;
-  std::wstring globalVersion;
-  std::wstring localVersion;
-  std::wstring type;
-  std::optional<std::wstring> fipsMode;
-  std::vector<std::wstring> certificates;
-  std::map<std::wstring, std::wstring> policies;
 };
 
 // Reads what can be read; `result` tells how that went. Takes the lock of the agent that is served.

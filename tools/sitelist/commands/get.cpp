@@ -71,8 +71,8 @@ Scalar siteValue(const SiteList& list, const Options& options) {
 }
 
 Scalar policyValue(const SiteList& list, const std::string& name) {
-  const auto setting = list.policies.find(wide(name));
-  if (setting != list.policies.end()) return narrow(setting->second);
+  const auto setting = list.policySettings.find(wide(name));
+  if (setting != list.policySettings.end()) return narrow(setting->second);
   throw missing(list, "there is no policy setting \"" + shown(name) + "\"",
                 "`sitelist policies` prints them all");
 }

@@ -24,7 +24,7 @@ int list(Context& context, const Options& options) {
   report.rowsName = "policies";
   report.rowName = "policy";
   report.columns = {"name", "value"};
-  for (const auto& [name, value] : sites.policies) {
+  for (const auto& [name, value] : sites.policySettings) {
     report.rows.push_back({{"name", narrow(name)}, {"value", narrow(value)}});
   }
   report.table = [rows = report.rows](std::ostream& out, const Screen&) {
@@ -34,7 +34,7 @@ int list(Context& context, const Options& options) {
   };
   context.report = std::move(report);
   if (sites.result != 0) throw libraryFailure(agent.path(), sites.result);
-  if (!sites.policies.empty()) return exitSuccess;
+  if (!sites.policySettings.empty()) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no policy settings\n";
   return exitNegative;
 }
@@ -44,7 +44,7 @@ int set(Context& context, const Options& options) {
   const std::string path = ownListPath(context);
   SiteList sites = readWholeSiteList(path);
   refuseLostPasswords(path);
-  sites.policies[wide(options.name)] = wide(options.value);
+  sites.policySettings[wide(options.name)] = wide(options.value);
   writeSiteList(sites, path);
   std::cerr << "sitelist: set " << shown(options.name) << " in " << shown(path) << '\n';
   return exitSuccess;

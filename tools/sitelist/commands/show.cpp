@@ -80,20 +80,31 @@ void printForPeople(std::ostream& out, const Screen& screen, Options options,
   }
 }
 
-Report reportOf(const std::shared_ptr<const SiteList>& list, const Options& options) {
-  Report report;
-  report.facts = listFacts(*list);
-  report.facts.emplace_back("result", std::int64_t{list->result});
-  report.rowsName = "sites";
-  report.rowName = "site";
-  report.columns = siteFieldNames();
-  for (const tag_Site* site : select(list->sites.get(), options.selection)) {
-    report.rows.push_back(recordOf(*site, options.showSecrets));
+struct Counts {
+  std::size_t read = 0;
+  std::size_t selected = 0;
+};
+
+// The sites in the order of the list, each of which is let go before the next one is read.
+Counts readInPassing(SiteList& list, const Options& options, RowWriter& rows) {
+  Counts counts;
+  list.result = sitehlp::readListContents(wide(list.path), list, [&](tag_Site* taken) {
+    const Sites site(taken);
+    ++counts.read;
+    if (!isSelected(*site, options.selection)) return;
+    ++counts.selected;
+    rows.add(recordOf(*site, options.showSecrets));
+  });
+  return counts;
+}
+
+Counts readAll(SiteList& list, const Options& options, RowWriter& rows) {
+  list = readSiteList(list.path);
+  const std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
+  if (rows.isNeeded()) {
+    for (const tag_Site* site : sites) rows.add(recordOf(*site, options.showSecrets));
   }
-  report.table = [list, options](std::ostream& out, const Screen& screen) {
-    printForPeople(out, screen, options, *list);
-  };
-  return report;
+  return {list.sites ? 1U : 0U, sites.size()};
 }
 
 std::vector<std::string> split(const std::string& list) {
@@ -110,12 +121,27 @@ int show(Context& context, Options options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
   const AgentForReading agent(context, options.file);
-  const auto list = std::make_shared<const SiteList>(readSiteList(agent.path()));
-  context.report = reportOf(list, options);
+  const Format format = formatOf(context);
+  Report report;
+  report.rowsName = "sites";
+  report.rowName = "site";
+  report.columns = siteFieldNames();
+  RowWriter rows(format, report);
+  const auto list = std::make_shared<SiteList>();
+  list->path = agent.path();
+  const bool needsAll = format == Format::Table || !options.selection.sort.empty();
+  const Counts counts =
+      needsAll ? readAll(*list, options, rows) : readInPassing(*list, options, rows);
+  report.facts = listFacts(*list);
+  report.facts.emplace_back("result", std::int64_t{list->result});
+  report.table = [list, options](std::ostream& out, const Screen& screen) {
+    printForPeople(out, screen, options, *list);
+  };
+  context.report = std::move(report);
   if (list->result != 0) throw libraryFailure(agent.path(), list->result);
-  if (!context.report->rows.empty()) return exitSuccess;
+  if (counts.selected != 0) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": "
-            << (list->sites ? "no site matches" : "the list has no sites") << '\n';
+            << (counts.read != 0 ? "no site matches" : "the list has no sites") << '\n';
   return exitNegative;
 }
 

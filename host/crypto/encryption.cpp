@@ -35,10 +35,18 @@ bool fromWideBase64(const std::wstring& text, std::vector<unsigned char>& bytes)
 
 }  // namespace
 
+Sealer& Encryption::sealer() {
+  if (!m_sealer) {
+    m_sealer.emplace(m_key);
+    m_key = SecretBytes();
+  }
+  return *m_sealer;
+}
+
 int Encryption::decrypt_buffer(const Buffer& in, Buffer& out) {
   SecretBytes clear;
   if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER ||
-      !m_sealer.open(in.data(), in.length(), clear)) {
+      !sealer().open(in.data(), in.length(), clear)) {
     return 0;
   }
   out.assign(static_cast<unsigned int>(clear.size()), clear.data());
@@ -49,7 +57,7 @@ int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
   SecretBytes clear;
   std::vector<unsigned char> sealed;
   if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toSecretUtf8(in, clear) ||
-      !m_sealer.seal(clear.data(), clear.size(), sealed)) {
+      !sealer().seal(clear.data(), clear.size(), sealed)) {
     return 0;
   }
   const std::string text = toBase64(sealed);
@@ -60,8 +68,8 @@ int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
 int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
   std::vector<unsigned char> sealed;
   SecretBytes clear;
-  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !fromWideBase64(in, sealed) ||
-      !m_sealer.open(sealed.data(), sealed.size(), clear)) {
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || in.empty() ||
+      !fromWideBase64(in, sealed) || !sealer().open(sealed.data(), sealed.size(), clear)) {
     return 0;
   }
   std::wstring result;

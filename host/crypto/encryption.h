@@ -2,6 +2,7 @@
 #define HOST_CRYPTO_ENCRYPTION_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "host/crypto/sealed_value.h"
@@ -18,7 +19,7 @@ class Encryption final : public korvel_com::ZQ::crypto::IEncryption {
 
   // `generation` tells the service which state of the key file the object belongs to.
   Encryption(Type type, const SecretBytes& key, std::uint64_t generation)
-      : m_type(type), m_generation(generation), m_sealer(key) {}
+      : m_type(type), m_generation(generation), m_key(key) {}
 
   Type type() const { return m_type; }
   std::uint64_t generation() const { return m_generation; }
@@ -28,9 +29,13 @@ class Encryption final : public korvel_com::ZQ::crypto::IEncryption {
   int decrypt_string(const std::wstring& in, std::wstring& out) override;
 
  private:
+  Sealer& sealer();
+
   Type m_type;
   std::uint64_t m_generation;
-  Sealer m_sealer;
+  SecretBytes m_key;  // until the sealer has it
+  std::optional<Sealer>
+      m_sealer;  // made at first use: the first one of a process starts the cipher
 };
 
 }  // namespace host

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/agent.h"
+#include "host/crypto/cipher.h"
 #include "host/crypto/key_file.h"
 
 namespace host {
@@ -21,9 +22,9 @@ constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
 constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
 
-// Looking the algorithm up by name is the dearest step of all; once per process is enough.
+// Finding the algorithm is the dearest step of all; once per process is enough.
 const EVP_CIPHER* algorithm() {
-  static EVP_CIPHER* const cipher = EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr);
+  static EVP_CIPHER* const cipher = findCipher().release();
   return cipher;
 }
 

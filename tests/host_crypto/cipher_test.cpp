@@ -1,0 +1,67 @@
+#include "host/crypto/cipher.h"
+
+#include <gtest/gtest.h>
+#include <openssl/provider.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using host::CipherPtr;
+using Bytes = std::basic_string<unsigned char>;
+
+// Ciphertext and tag.
+Bytes sealed(const EVP_CIPHER* cipher, const Bytes& clear) {
+  const Bytes key(32, 7);
+  const Bytes nonce(12, 9);
+  Bytes out(clear.size() + 16, 0);
+  int done = 0;
+  EVP_CIPHER_CTX* const context = EVP_CIPHER_CTX_new();
+  EXPECT_EQ(EVP_CipherInit_ex2(context, cipher, key.data(), nonce.data(), 1, nullptr), 1);
+  EXPECT_EQ(EVP_CipherUpdate(context, nullptr, &done, key.data(), 1), 1);
+  EXPECT_EQ(
+      EVP_CipherUpdate(context, out.data(), &done, clear.data(), static_cast<int>(clear.size())),
+      1);
+  EXPECT_EQ(EVP_CipherFinal_ex(context, out.data() + clear.size(), &done), 1);
+  EXPECT_EQ(EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_GET_TAG, 16, out.data() + clear.size()), 1);
+  EVP_CIPHER_CTX_free(context);
+  return out;
+}
+
+bool isOfFipsProvider(const EVP_CIPHER* cipher) {
+  const OSSL_PROVIDER* const provider = EVP_CIPHER_get0_provider(cipher);
+  return provider && std::string(OSSL_PROVIDER_get0_name(provider)) == "fips";
+}
+
+TEST(Cipher, MakesWhatTheOneFoundByNameMakes) {
+  const CipherPtr found = host::findCipher();
+  const CipherPtr byName(EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr));
+  ASSERT_TRUE(found && byName);
+  for (const std::size_t size : {1, 15, 16, 17, 4096}) {
+    const Bytes clear(size, 'x');
+    EXPECT_EQ(sealed(found.get(), clear), sealed(byName.get(), clear)) << size;
+  }
+}
+
+// Most machines have no FIPS provider; then there is no cipher, rather than one of another
+// provider.
+TEST(Cipher, IsTheOneOfTheFipsProviderOrNoneWhenTheConfigurationAsksForFips) {
+  ASSERT_EQ(EVP_default_properties_enable_fips(nullptr, 1), 1);
+  const CipherPtr found = host::findCipher();
+  EXPECT_TRUE(!found || isOfFipsProvider(found.get()));
+  ASSERT_EQ(EVP_default_properties_enable_fips(nullptr, 0), 1);
+  EXPECT_TRUE(host::findCipher());
+}
+
+TEST(CipherDeathTest, IsNoneWhenTheConfigurationLeavesTheDefaultProviderOut) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        const bool isAlone = OSSL_PROVIDER_load(nullptr, "null") != nullptr;
+        std::_Exit(isAlone && !host::findCipher() ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 namespace tool {
@@ -28,7 +29,7 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   const auto found = hints.find(&option);
   if (found == hints.end()) return info;
   info.choices = found->second.choices;
-  info.suggestions = found->second.suggestions;
+  if (found->second.suggestions) info.suggestions = found->second.suggestions();
   if (found->second.completes != Completion::Nothing) info.completes = found->second.completes;
   return info;
 }
@@ -71,8 +72,8 @@ Option& Option::choices(const std::vector<std::string>& values) {
   return *this;
 }
 
-Option& Option::suggests(const std::vector<std::string>& values) {
-  (*m_hints)[m_option].suggestions = values;
+Option& Option::suggests(std::function<std::vector<std::string>()> values) {
+  (*m_hints)[m_option].suggestions = std::move(values);
   return *this;
 }
 
@@ -122,6 +123,12 @@ void Command::callback(std::function<void()> function) { m_app->callback(std::mo
 
 void Command::fallthrough() { m_app->fallthrough(); }
 
+bool Command::has_subcommand(const std::string& name) const {
+  const CLI::App& app = *m_app;
+  return !app.get_subcommands([&](const CLI::App* each) { return each->get_name() == name; })
+              .empty();
+}
+
 bool Command::parsed() const { return m_app->parsed(); }
 
 CommandLine::CommandLine(const std::string& description, const std::string& name)
@@ -151,7 +158,7 @@ std::string CommandLine::commandName() const {
   return name;
 }
 
-CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& error) {
+CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& text) {
   for (CLI::App* command : m_app->get_subcommands({})) command->fallthrough();
   std::reverse(arguments.begin(), arguments.end());
   try {
@@ -159,12 +166,14 @@ CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std:
     return Outcome::Parsed;
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) {
-      m_app->exit(e);
+      std::ostringstream answer;
+      m_app->exit(e, answer);
+      text = answer.str();
       return Outcome::Answered;
     }
     const std::vector<std::string> left = m_app->remaining();
     const bool isNoCommand = m_app->get_subcommands().empty() && !left.empty() && left[0][0] != '-';
-    error = isNoCommand ? "there is no command \"" + left[0] + "\"" : e.what();
+    text = isNoCommand ? "there is no command \"" + left[0] + "\"" : e.what();
     return Outcome::Wrong;
   }
 }

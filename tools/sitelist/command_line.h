@@ -19,7 +19,7 @@ namespace tool {
 // What the parser does not keep of its options.
 struct OptionHints {
   std::vector<std::string> choices;
-  std::vector<std::string> suggestions;
+  std::function<std::vector<std::string>()> suggestions;
   Completion completes = Completion::Nothing;
 };
 using HintTable = std::map<const CLI::Option*, OptionHints>;
@@ -38,7 +38,8 @@ class Option {
   // An empty value is wrong usage.
   Option& not_empty();
   // Words that the completion of a shell offers as the value, among others that there may be.
-  Option& suggests(const std::vector<std::string>& values);
+  // They are asked for only when the command line is described.
+  Option& suggests(std::function<std::vector<std::string>()> values);
   // What else it offers, if not what the name of the value says: files for FILE and PATH,
   // directories for DIR, also behind a "_".
   Option& completes(Completion what);
@@ -65,6 +66,7 @@ class Command {
   void callback(std::function<void()> function);
   // Options that this command does not know are looked for in the one above.
   void fallthrough();
+  bool has_subcommand(const std::string& name) const;
   // Whether the command line named this command.
   bool parsed() const;
 
@@ -90,8 +92,8 @@ class CommandLine {
   CommandInfo describe() const;
   // The command that was asked for, with those above it: "policies set".
   std::string commandName() const;
-  // Answered: a help or version text was printed. Wrong: `error` says why.
-  Outcome parse(std::vector<std::string> arguments, std::string& error);
+  // Answered: `text` is the help or the version that was asked for. Wrong: `text` says why.
+  Outcome parse(std::vector<std::string> arguments, std::string& text);
 
  private:
   static constexpr std::size_t c_nameColumns = 22;  // of options and commands in help texts

@@ -83,16 +83,24 @@ void lookForFormat(const std::vector<std::string>& arguments, Context& context) 
 }
 
 int run(Context& context, std::vector<std::string> arguments) {
-  const std::unique_ptr<CommandLine> line = makeCommandLine(context);
-  context.meshCommand = takeMeshCommand(arguments);
-  std::string error;
-  const std::vector<std::string> given = arguments;
-  switch (line->parse(std::move(arguments), error)) {
+  const std::vector<std::string> meshCommand = takeMeshCommand(arguments);
+  std::string text;
+  std::unique_ptr<CommandLine> line = makeCommandLineFor(arguments, context);
+  CommandLine::Outcome outcome = line->parse(arguments, text);
+  if (outcome != CommandLine::Outcome::Parsed || !context.action) {
+    line.reset();
+    context = Context();
+    line = makeCommandLine(context);
+    outcome = line->parse(arguments, text);
+  }
+  context.meshCommand = meshCommand;
+  switch (outcome) {
     case CommandLine::Outcome::Answered:
+      std::cout << text;
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
-      lookForFormat(given, context);
-      return fail(context, Failure(exitUsage, shown(error) + c_seeHelp));
+      lookForFormat(arguments, context);
+      return fail(context, Failure(exitUsage, shown(text) + c_seeHelp));
     case CommandLine::Outcome::Parsed:
       break;
   }

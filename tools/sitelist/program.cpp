@@ -1,5 +1,8 @@
 #include "tools/sitelist/program.h"
 
+#include <algorithm>
+#include <stdexcept>
+
 #include "tools/sitelist/command.h"
 #include "tools/sitelist/exit_status.h"
 
@@ -8,33 +11,42 @@ namespace {
 
 constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
 
-void addCommands(Command& app, Context& context) {
-  addInit(app, context);
-  addShow(app, context);
-  addGet(app, context);
-  addExplain(app, context);
-  addDiff(app, context);
-  addVersions(app, context);
-  addServers(app, context);
-  addCerts(app, context);
-  addPolicies(app, context);
-  addValidate(app, context);
-  addExplainRule(app, context);
-  addImport(app, context);
-  addInstall(app, context);
-  addMerge(app, context);
-  addRewrite(app, context);
-  addEdit(app, context);
-  addModify(app, context);
-  addDeriveServerList(app, context);
-  addFromBuffer(app, context);
-  addServerList(app, context);
-  addProtect(app, context);
+struct Entry {
+  const char* name;
+  void (*add)(Command& app, Context& context);
+};
+
+constexpr Entry c_commands[] = {
+    {"init", addInit},
+    {"show", addShow},
+    {"get", addGet},
+    {"explain", addExplain},
+    {"diff", addDiff},
+    {"versions", addVersions},
+    {"servers", addServers},
+    {"certs", addCerts},
+    {"policies", addPolicies},
+    {"validate", addValidate},
+    {"explain-rule", addExplainRule},
+    {"import", addImport},
+    {"install", addInstall},
+    {"merge", addMerge},
+    {"rewrite", addRewrite},
+    {"edit", addEdit},
+    {"modify", addModify},
+    {"derive-server-list", addDeriveServerList},
+    {"from-buffer", addFromBuffer},
+    {"server-list", addServerList},
+    {"protect", addProtect},
+};
+
+void add(const Entry& entry, Command& app, Context& context) {
+  entry.add(app, context);
+  if (!app.has_subcommand(entry.name)) throw std::logic_error("a command has another name");
 }
 
-}  // namespace
-
-std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
+// The options that all commands have.
+std::unique_ptr<CommandLine> makeProgram(Context& context) {
   auto line =
       std::make_unique<CommandLine>("Looks after the site list of an endpoint agent.", "sitelist");
   Command app = line->program();
@@ -55,7 +67,25 @@ std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
   line->version("sitelist " SITELIST_VERSION);
   app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
              c_exitStatusHelp);
-  addCommands(app, context);
+  return line;
+}
+
+}  // namespace
+
+std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
+  auto line = makeProgram(context);
+  Command app = line->program();
+  for (const Entry& entry : c_commands) add(entry, app, context);
+  return line;
+}
+
+std::unique_ptr<CommandLine> makeCommandLineFor(const std::vector<std::string>& words,
+                                                Context& context) {
+  auto line = makeProgram(context);
+  Command app = line->program();
+  for (const Entry& entry : c_commands) {
+    if (std::find(words.begin(), words.end(), entry.name) != words.end()) add(entry, app, context);
+  }
   return line;
 }
 

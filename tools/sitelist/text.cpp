@@ -7,6 +7,7 @@
 #include <xlocale.h>
 #endif
 
+#include <algorithm>
 #include <cstdio>
 
 #include "platform/common/astring.h"
@@ -75,9 +76,11 @@ std::wstring caseFolded(const std::wstring& text) {
   return folded;
 }
 
-// Without a Unicode locale on the machine every character counts as one column.
+// Without a Unicode locale on the machine every character counts as one column, as those of ASCII
+// do anyway: looking for the locale takes a while.
 std::size_t columnsOf(const std::wstring& text) {
-  if (!unicodeLocale()) return text.size();
+  const bool isAscii = std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
+  if (isAscii || !unicodeLocale()) return text.size();
   const InUnicode inUnicode;
   std::size_t columns = 0;
   for (const wchar_t c : text) {

@@ -71,7 +71,7 @@ void addValues(Command& command, Options& options) {
       .add_option("FIELD=VALUE", options.assignments,
                   "A field as `sitelist show --json` names it, and its value")
       .type_name("")
-      .suggests(suggestedFields(false));
+      .suggests([] { return suggestedFields(false); });
   command.add_flag("--password-stdin", options.isPasswordFromInput,
                    "Set the password to the first line of standard input");
   command
@@ -84,7 +84,7 @@ void addValues(Command& command, Options& options) {
       .add_option("--password-field", options.passwordField,
                   "The field that the password goes to\n(default: password)")
       .type_name("FIELD")
-      .suggests(suggestedFields(true));
+      .suggests([] { return suggestedFields(true); });
 }
 
 int enable(Context& context, const Options& options, bool isEnabled) {
@@ -226,7 +226,9 @@ void addMoves(Command& edit, Edits& edits, Options& options) {
                   "first, last, a position counted from 1,\nor before or after another site")
       .required()
       .type_name("")
-      .suggests({"first", "last", "before", "after"});
+      .suggests([] {
+        return std::vector<std::string>{"first", "last", "before", "after"};
+      });
   command.add_option("OTHER", options.other, "The other site")
       .type_name("")
       .completes(Completion::Site);

@@ -108,7 +108,7 @@ void addExplainRule(Command& app, Context& context) {
   const auto options = std::make_shared<Options>();
   command.add_option("NAME", options->name, "A rule, as `validate` names it (default: all of them)")
       .type_name("")
-      .suggests(ruleNames());
+      .suggests(ruleNames);
   command.footer(
       "Examples:\n"
       "  sitelist explain-rule\n"

@@ -129,7 +129,7 @@ void addGet(Command& app, Context& context) {
                   "with --site any field of the site's JSON form")
       .required()
       .type_name("")
-      .suggests(fieldNames());
+      .suggests(fieldNames);
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command.add_option("--site", options->site, "A value of the site of this name")
       .type_name("NAME")

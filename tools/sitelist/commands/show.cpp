@@ -157,13 +157,13 @@ void addShow(Command& app, Context& context) {
                   "Columns of the table, with commas between them: order,\nkind, type, name, "
                   "address, path, state, or any field\nof the JSON form")
       .type_name("LIST")
-      .suggests(columnNames())
+      .suggests(columnNames)
       .completes(Completion::List);
   command
       .add_option("--sort", options->selection.sort,
                   "Sort by this column; -COLUMN for the descending order")
       .type_name("COLUMN")
-      .suggests(columnNames());
+      .suggests(columnNames);
   command
       .add_repeated("--filter", options->selection.filters,
                     "Only sites whose kind, type or name matches; * and ? stand\nfor any "

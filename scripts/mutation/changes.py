@@ -25,6 +25,7 @@ class Change:
     def __init__(self, path, text, number, count, new, kind, what):
         self.path, self.number, self.count, self.new = path, number, count, new
         self.kind, self.what = kind, what
+        self.block = block_of(text, number)
         before = [line.strip() for line in text[:number] if line.strip()]
         self.key = (path, before[-1] if before else '',
                     tuple(line.strip() for line in text[number:number + count]),
@@ -41,6 +42,23 @@ class Change:
 
     def applied(self, text):
         return text[:self.number] + self.new + text[self.number + self.count:]
+
+
+def block_of(text, number):
+    """The first and the last line of the function that a line is in; None for data."""
+    start = number
+    while start > 0 and not text[start][:1].isalnum():
+        start -= 1
+    until_body = masked('\n'.join(text[start:number + 1]))
+    end = number
+    while '{' not in until_body and ';' not in until_body and end + 1 < len(text):
+        end += 1
+        until_body += text[end]
+    if '{' not in until_body.split(';')[0]:
+        return None
+    while end + 1 < len(text) and not text[end].startswith('}') and (end > start or '}' not in text[end]):
+        end += 1
+    return start, end
 
 
 def without_comment(line):

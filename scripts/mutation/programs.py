@@ -131,13 +131,19 @@ class Tests:
     def in_order(self, change):
         """Lists of tests, the likeliest to notice first."""
         numbers = self.places.get(change.path, {})
-        if numbers:
+        if change.block:  # a test that does not come into the function cannot notice
+            start, end = change.block
+            possible = set().union(*(tests for number, tests in numbers.items()
+                                     if start < number <= end + 1))
+        elif numbers and change.path.endswith('.cpp'):
             possible = set().union(*numbers.values())
-        else:  # only data: used anywhere
+        else:
+            possible = set()
+        if not possible:
             possible = set(self.time)
         first = sorted(numbers)
         at = bisect.bisect_right(first, change.number + change.count)
-        likely = sorted(numbers[first[at - 1]] if at else [], key=lambda test: (self.time[test], test))
+        likely = sorted(possible.intersection(numbers[first[at - 1]]) if at else [], key=lambda test: (self.time[test], test))
         total, quick = 0, []
         for test in likely:
             total += self.time[test]

@@ -1,3 +1,5 @@
+#include <openssl/crypto.h>
+
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -138,6 +140,9 @@ int runAndCatch(std::vector<std::string> arguments) {
 }  // namespace tool
 
 int main(int argc, char** argv) {
+  // No message of libcrypto is printed, and making its table of them takes longer than a
+  // decryption.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS, nullptr);
   int status = tool::exitInternal;
   try {
     status = tool::runAndCatch(std::vector<std::string>(argv + 1, argv + argc));

@@ -102,9 +102,11 @@ std::wstring cellOf(const tag_Site& site, const std::string& column, bool showSe
   if (column == "address") return addressOf(site);
   if (column == "path") return pathOf(site);
   if (column == "state") return site.bEnabled ? L"on" : L"off";
-  const Record record = recordOf(site, showSecrets);
-  const Scalar* const value = find(record, column);
-  return value ? wide(textOf(*value)) : L"";
+  if (column == "kind") return wide(kindOf(site));
+  for (const Field& field : fieldsOf(site)) {
+    if (field.name == column) return wide(textOf(scalarOf(field, showSecrets)));
+  }
+  return L"";
 }
 
 }  // namespace tool

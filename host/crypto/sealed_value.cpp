@@ -1,7 +1,5 @@
 #include "host/crypto/sealed_value.h"
 
-#include <openssl/rand.h>
-
 #include <algorithm>
 #include <climits>
 #include <new>
@@ -16,7 +14,6 @@ namespace {
 
 constexpr unsigned char c_version = 1;
 constexpr std::size_t c_versionSize = 1;
-constexpr std::size_t c_nonceSize = 12;
 constexpr std::size_t c_tagSize = 16;
 constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
@@ -46,7 +43,7 @@ bool Sealer::seal(const unsigned char* clear, std::size_t length,
   unsigned char* const body = result.data() + c_headSize;
   EVP_CIPHER_CTX* const context = m_context.get();
   int done = 0;
-  if (RAND_bytes(nonce, c_nonceSize) != 1 ||
+  if (!m_nonces.next(nonce) ||
       EVP_CipherInit_ex2(context, nullptr, nullptr, nonce, 1, nullptr) != 1 ||
       EVP_CipherUpdate(context, nullptr, &done, result.data(), c_versionSize) != 1 ||
       (length > 0 &&

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/crypto/nonces.h"
 #include "host/crypto/secret.h"
 #include "platform/export.h"
 
@@ -41,6 +42,7 @@ class Sealer {
     void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
   };
   std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;
+  Nonces m_nonces;
 };
 
 // Sealed values as base64 text, standard alphabet with padding. Decoding takes exactly what

@@ -1,36 +1,99 @@
 #ifndef SITEHLP_ELEMENT_WRITER_H
 #define SITEHLP_ELEMENT_WRITER_H
 
+#include <cstddef>
+#include <cwchar>
 #include <string>
 
 #include "platform/xml/advxmlparser.h"
-#include "sitehlp/site.h"
+#include "sitehlp/number.h"
 
-// Steps that the writers of all records share.
 namespace sitehlp {
 
-void setAttribute(AdvXMLParser::Element& element, const wchar_t* name, const std::wstring& value);
+// Where the writers of records put their elements, in document order. An element gets its
+// attributes before anything is put into it.
+class ElementWriter {
+ public:
+  ElementWriter() = default;
+  virtual ~ElementWriter() = default;
+  ElementWriter(const ElementWriter&) = delete;
+  ElementWriter& operator=(const ElementWriter&) = delete;
 
-// A new element with text: into `parent`, or behind `anchor` as its sibling.
-AdvXMLParser::Element addInto(AdvXMLParser::Element& parent, const wchar_t* name,
-                              const std::wstring& text);
-AdvXMLParser::Element addAfter(AdvXMLParser::Element& anchor, const wchar_t* name,
-                               const std::wstring& text);
+  virtual void open(const wchar_t* name) = 0;
+  virtual void addAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) = 0;
+  virtual void addText(const wchar_t* text, std::size_t length) = 0;
+  virtual void close() = 0;
 
-// A "Password"-like element behind `anchor` with the protected form of `clear`, marked as
-// encrypted. A password that cannot be protected is written as empty.
-AdvXMLParser::Element addPasswordAfter(AdvXMLParser::Element& anchor, const wchar_t* name,
-                                       const wchar_t* clear);
+  void addAttribute(const wchar_t* name, const wchar_t* value) {
+    addAttribute(name, value, std::wcslen(value));
+  }
+  void addAttribute(const wchar_t* name, const std::wstring& value) {
+    addAttribute(name, value.data(), value.size());
+  }
+  void addAttribute(const wchar_t* name, const Decimal& number) {
+    addAttribute(name, number.data(), number.size());
+  }
 
-// A new element for a record: into the anchor at position 0, behind it at any other.
-AdvXMLParser::Element addSiteElement(AdvXMLParser::Element& anchor, int position,
-                                     const wchar_t* name);
+  // An element with text and nothing else.
+  void addElement(const wchar_t* name, const wchar_t* text, std::size_t length) {
+    open(name);
+    addText(text, length);
+    close();
+  }
+  void addElement(const wchar_t* name, const wchar_t* text) {
+    addElement(name, text, std::wcslen(text));
+  }
+  void addElement(const wchar_t* name, const std::wstring& text) {
+    addElement(name, text.data(), text.size());
+  }
+  void addElement(const wchar_t* name, const Decimal& number) {
+    addElement(name, number.data(), number.size());
+  }
+};
 
-// The attributes "Type", "Name" and, but for a mirror, "Order".
-void setIdentity(AdvXMLParser::Element& element, const tag_Site& site, const wchar_t* name);
+// Writes the text of a document.
+class TextElementWriter final : public ElementWriter {
+ public:
+  explicit TextElementWriter(AdvXMLParser::DocumentWriter& document) : m_document(document) {}
 
-// "host:port"
-std::wstring formatAddress(const wchar_t* host, unsigned int port);
+  using ElementWriter::addAttribute;
+  void open(const wchar_t* name) override { m_document.Open(name); }
+  void addAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) override {
+    m_document.AddAttribute(name, value, length);
+  }
+  void addText(const wchar_t* text, std::size_t length) override {
+    m_document.AddText(text, length);
+  }
+  void close() override { m_document.Close(); }
+
+ private:
+  AdvXMLParser::DocumentWriter& m_document;
+};
+
+// Adds one element with all that is in it to a tree.
+class TreeElementWriter final : public ElementWriter {
+ public:
+  // At position 0 into the anchor, at any other behind it.
+  TreeElementWriter(const AdvXMLParser::Element& anchor, int position)
+      : m_anchor(anchor), m_isInto(position == 0) {}
+
+  using ElementWriter::addAttribute;
+  void open(const wchar_t* name) override;
+  void addAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) override;
+  void addText(const wchar_t* text, std::size_t length) override;
+  void close() override { --m_depth; }
+
+  // What was opened first.
+  const AdvXMLParser::Element& added() const { return m_open[0]; }
+
+ private:
+  static constexpr std::size_t c_deepest = 4;  // a host in the list of a configuration in its list
+
+  AdvXMLParser::Element m_anchor;
+  bool m_isInto;
+  AdvXMLParser::Element m_open[c_deepest];
+  std::size_t m_depth = 0;
+};
 
 }  // namespace sitehlp
 

@@ -1,7 +1,31 @@
 #ifndef SITEHLP_NUMBER_H
 #define SITEHLP_NUMBER_H
 
+#include <cstddef>
+
 namespace sitehlp {
+
+constexpr std::size_t c_longestNumber = 11;  // "-2147483648"
+
+// Writes the decimal text of a number, without a terminator, and returns its end.
+wchar_t* writeDecimal(unsigned int number, wchar_t* out);
+wchar_t* writeDecimal(int number, wchar_t* out);
+
+// The decimal text of a number, without a terminator and without memory of its own.
+class Decimal {
+ public:
+  template <typename Number>
+  explicit Decimal(Number number) : m_end(writeDecimal(number, m_text)) {}
+  Decimal(const Decimal&) = delete;
+  Decimal& operator=(const Decimal&) = delete;
+
+  const wchar_t* data() const { return m_text; }
+  std::size_t size() const { return static_cast<std::size_t>(m_end - m_text); }
+
+ private:
+  wchar_t m_text[c_longestNumber];
+  wchar_t* m_end;
+};
 
 // The number at the start of a narrow text: white space and a sign are accepted, reading stops at
 // the first character that is no digit, and a text without a number gives 0. What does not fit into

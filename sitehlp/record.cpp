@@ -3,10 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <limits>
 
 #include "platform/common/log.h"
 #include "platform/common/text.h"
+#include "sitehlp/number.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -91,20 +91,32 @@ int CSitesHelper::FreeSiteListMemory(tag_Site* head) {
 
 // Not std::to_wstring, which goes through the formatting of the C library and takes ten times as
 // long.
-std::wstring CSitesHelper::ConvertToStr(unsigned int value) {
-  wchar_t digits[std::numeric_limits<unsigned int>::digits10 + 1];
-  wchar_t* const end = digits + sizeof digits / sizeof digits[0];
-  wchar_t* first = end;
+wchar_t* writeDecimal(unsigned int number, wchar_t* out) {
+  wchar_t digits[c_longestNumber];
+  std::size_t count = 0;
   do {
-    *--first = static_cast<wchar_t>(L'0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  return std::wstring(first, end);
+    digits[count++] = static_cast<wchar_t>(L'0' + number % 10);
+    number /= 10;
+  } while (number != 0);
+  while (count > 0) *out++ = digits[--count];
+  return out;
+}
+
+wchar_t* writeDecimal(int number, wchar_t* out) {
+  const auto magnitude = static_cast<unsigned int>(number);
+  if (number >= 0) return writeDecimal(magnitude, out);
+  *out++ = L'-';
+  return writeDecimal(0U - magnitude, out);
+}
+
+std::wstring CSitesHelper::ConvertToStr(unsigned int value) {
+  const Decimal text(value);
+  return std::wstring(text.data(), text.size());
 }
 
 std::wstring CSitesHelper::ConvertToStr(int value) {
-  const auto magnitude = static_cast<unsigned int>(value);
-  return value < 0 ? L'-' + ConvertToStr(0U - magnitude) : ConvertToStr(magnitude);
+  const Decimal text(value);
+  return std::wstring(text.data(), text.size());
 }
 
 std::wstring CSitesHelper::ConvertToStr(bool value) { return value ? L"1" : L"0"; }

@@ -1,20 +1,23 @@
+#include "sitehlp/site_writers.h"
+
 #include <cwchar>
+#include <string>
 
 #include "platform/common/log.h"
 #include "platform/common/text.h"
-#include "sitehlp/element_writer.h"
+#include "sitehlp/password.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
 
-using AdvXMLParser::Element;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
 
 constexpr const wchar_t* c_localServer = L"127.0.0.1";
+constexpr const wchar_t* c_encrypted = L"Encrypted";
 
 void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to) {
   for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from)) {
@@ -26,6 +29,34 @@ template <std::size_t N>
 const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
   helper.FormatEnvSymbols(field, N);
   return field;
+}
+
+// The attributes "Type", "Name" and, but for a mirror, "Order".
+void addIdentity(ElementWriter& writer, const tag_Site& site, const wchar_t* name) {
+  writer.addAttribute(WX_XML_SITE_TYPE,
+                      site.szType[0] != L'\0' ? site.szType : STR_SITE_TYPE_REPOSITORY);
+  writer.addAttribute(WX_XML_SITE_NAME, name);
+  if (wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) != 0) {
+    writer.addAttribute(WX_XML_SITE_ORDER, Decimal(site.iOrder));
+  }
+}
+
+// "host:port", of a host that was formatted.
+template <std::size_t N>
+void addAddress(ElementWriter& writer, const wchar_t* name, const wchar_t (&host)[N],
+                std::uint32_t port) {
+  wchar_t address[N + 1 + c_longestNumber];
+  const std::size_t length = std::wcslen(host);
+  std::wmemcpy(address, host, length);
+  wchar_t* end = address + length;
+  *end++ = L':';
+  end = writeDecimal(port, end);
+  writer.addAttribute(name, address, static_cast<std::size_t>(end - address));
+}
+
+template <typename... Fields>
+void expect(const Fields&... fields) {
+  (__builtin_prefetch(&fields), ...);
 }
 
 }  // namespace
@@ -46,107 +77,156 @@ int CSitesHelper::FormatEnvSymbols(wchar_t* buffer, unsigned int capacity) {
   return 0;
 }
 
-int CSitesHelper::AddHTTPSite(tag_Site* site, int position) {
+void writePassword(ElementWriter& writer, const wchar_t* name, const wchar_t* clear) {
+  std::wstring in = clear;
+  const WipeAtExit<std::wstring> wipe(in);
+  std::wstring out;
+  EncryptDecryptPassword(in, out, true);
+  writer.open(name);
+  writer.addAttribute(c_encrypted, L"1");
+  writer.addText(out.data(), out.size());
+  writer.close();
+}
+
+void writeHttpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   const ADetailTrace trace(c_component, L"Adding HTTP site");
-  tag_HttpSite& http = site->http;
+  tag_HttpSite& http = site.http;
   const wchar_t* const name =
       http.szElement[0] != L'\0' ? http.szElement : WX_XML_SITELIST_HTTP_SITE;
-  Element element = addSiteElement(*m_pSiteListElement, position, name);
-  setIdentity(element, *site, http.szName);
-  setAttribute(element, WX_XML_SITE_ENABLED, ConvertToStr(site->bEnabled));
-  setAttribute(element, WX_XML_SITE_LOCAL, ConvertToStr(site->bLocal));
-  const wchar_t* const server = formatField(*this, http.szServer);
-  if (http.uSecurePort != 0) {
-    setAttribute(element, WX_XML_SSL_PORT, ConvertToStr(http.uSecurePort));
-  }
-  setAttribute(element, WX_XML_SITE_SERVER, formatAddress(server, http.uServerPort));
+  writer.open(name);
+  addIdentity(writer, site, http.szName);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+  formatField(helper, http.szServer);
+  if (http.uSecurePort != 0) writer.addAttribute(WX_XML_SSL_PORT, Decimal(http.uSecurePort));
+  addAddress(writer, WX_XML_SITE_SERVER, http.szServer, http.uServerPort);
 
   const bool isVesta = wcsicmp(name, WX_XML_SITELIST_VESTA_SITE) == 0;
   const bool isKeystone = wcsicmp(name, WX_XML_SITELIST_KEYSTONE_SITE) == 0;
   if (isVesta || isKeystone) {
     // The management server gets both addresses even when they are empty.
-    const wchar_t* const netbios = formatField(*this, http.szServerName);
-    if (isVesta || netbios[0] != L'\0') {
-      setAttribute(element, WX_XML_SERVER_NETBIOS_NAME,
-                   formatAddress(netbios, http.uServerNamePort));
+    formatField(helper, http.szServerName);
+    if (isVesta || http.szServerName[0] != L'\0') {
+      addAddress(writer, WX_XML_SERVER_NETBIOS_NAME, http.szServerName, http.uServerNamePort);
     }
-    const wchar_t* const ip = formatField(*this, http.szServerIP);
-    if (isVesta || ip[0] != L'\0') {
-      setAttribute(element, WX_XML_SITE_SERVER_IP, formatAddress(ip, http.uServerIPPort));
+    formatField(helper, http.szServerIP);
+    if (isVesta || http.szServerIP[0] != L'\0') {
+      addAddress(writer, WX_XML_SITE_SERVER_IP, http.szServerIP, http.uServerIPPort);
     }
   }
   if (isVesta && http.szVersion[0] != L'\0') {
-    setAttribute(element, WX_XML_SITE_SERVER_VERSION, formatField(*this, http.szVersion));
+    writer.addAttribute(WX_XML_SITE_SERVER_VERSION, formatField(helper, http.szVersion));
   }
 
-  Element child =
-      addInto(element, WX_XML_SITE_RELATIVEPATH, formatField(*this, http.szRelativePath));
-  child = addAfter(child, WX_XML_HTTPSITE_USE_AUTH, ConvertToStr(http.iUseAuth));
-  child = addAfter(child, WX_XML_SITE_USER_NAME, http.szUserName);
-  addPasswordAfter(child, WX_XML_SITE_PASSWORD, http.szPassword);
-  *m_pSiteListElement = element;
-  return 0;
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, http.szRelativePath));
+  writer.addElement(WX_XML_HTTPSITE_USE_AUTH, Decimal(http.iUseAuth));
+  writer.addElement(WX_XML_SITE_USER_NAME, http.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, http.szPassword);
+  writer.close();
 }
 
-int CSitesHelper::AddFTPSite(tag_Site* site, int position) {
+void writeFtpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   const ADetailTrace trace(c_component, L"Adding FTP site");
-  tag_FtpSite& ftp = site->ftp;
-  Element element = addSiteElement(*m_pSiteListElement, position, WX_XML_SITELIST_FTP_SITE);
-  setIdentity(element, *site, ftp.szName);
-  setAttribute(element, WX_XML_SITE_SERVER,
-               formatAddress(formatField(*this, ftp.szServer), ftp.uServerPort));
-  setAttribute(element, WX_XML_SITE_ENABLED, ConvertToStr(site->bEnabled));
-  if (ftp.uSecurePort != 0) {
-    setAttribute(element, WX_XML_SSL_PORT, ConvertToStr(ftp.uSecurePort));
-  }
-  setAttribute(element, WX_XML_SITE_LOCAL, ConvertToStr(site->bLocal));
+  tag_FtpSite& ftp = site.ftp;
+  writer.open(WX_XML_SITELIST_FTP_SITE);
+  addIdentity(writer, site, ftp.szName);
+  formatField(helper, ftp.szServer);
+  addAddress(writer, WX_XML_SITE_SERVER, ftp.szServer, ftp.uServerPort);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  if (ftp.uSecurePort != 0) writer.addAttribute(WX_XML_SSL_PORT, Decimal(ftp.uSecurePort));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
 
-  Element child =
-      addInto(element, WX_XML_SITE_RELATIVEPATH, formatField(*this, ftp.szRelativePath));
-  child = addAfter(child, WX_XML_SITE_USER_NAME, ftp.szUserName);
-  addPasswordAfter(child, WX_XML_SITE_PASSWORD, ftp.szPassword);
-  *m_pSiteListElement = element;
-  return 0;
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, ftp.szRelativePath));
+  writer.addElement(WX_XML_SITE_USER_NAME, ftp.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, ftp.szPassword);
+  writer.close();
 }
 
-int CSitesHelper::AddUNCSite(tag_Site* site, int position) {
+void writeUncSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   const ADetailTrace trace(c_component, L"Adding UNC site");
-  tag_UncSite& unc = site->unc;
-  Element element = addSiteElement(*m_pSiteListElement, position, WX_XML_SITELIST_UNC_SITE);
-  setIdentity(element, *site, unc.szName);
-  setAttribute(element, WX_XML_SITE_SERVER, formatField(*this, unc.szServer));
-  setAttribute(element, WX_XML_SITE_ENABLED, ConvertToStr(site->bEnabled));
-  setAttribute(element, WX_XML_SITE_LOCAL, ConvertToStr(site->bLocal));
+  tag_UncSite& unc = site.unc;
+  writer.open(WX_XML_SITELIST_UNC_SITE);
+  addIdentity(writer, site, unc.szName);
+  writer.addAttribute(WX_XML_SITE_SERVER, formatField(helper, unc.szServer));
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
 
-  Element child = addInto(element, WX_XML_UNCSITE_SHARENAME, unc.szShareName);
-  child = addAfter(child, WX_XML_SITE_RELATIVEPATH, formatField(*this, unc.szRelativePath));
-  child = addAfter(child, WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
-                   ConvertToStr(unc.iUseLoggedonUserAccount));
-  child = addAfter(child, WX_XML_SITE_DOMAIN_NAME, formatField(*this, unc.szDomainName));
-  child = addAfter(child, WX_XML_SITE_USER_NAME, unc.szUserName);
-  addPasswordAfter(child, WX_XML_SITE_PASSWORD, unc.szPassword);
-  *m_pSiteListElement = element;
-  return 0;
+  writer.addElement(WX_XML_UNCSITE_SHARENAME, unc.szShareName);
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, unc.szRelativePath));
+  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(unc.iUseLoggedonUserAccount));
+  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, unc.szDomainName));
+  writer.addElement(WX_XML_SITE_USER_NAME, unc.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, unc.szPassword);
+  writer.close();
 }
 
-int CSitesHelper::AddLocalSite(tag_Site* site, int position) {
+void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   const ADetailTrace trace(c_component, L"Adding local site");
-  tag_LocalSite& local = site->local;
-  Element element = addSiteElement(*m_pSiteListElement, position, WX_XML_SITELIST_LOCAL_SITE);
-  setIdentity(element, *site, local.szName);
-  setAttribute(element, WX_XML_SITE_ENABLED, ConvertToStr(site->bEnabled));
-  setAttribute(element, WX_XML_SITE_LOCAL, ConvertToStr(site->bLocal));
-  setAttribute(element, WX_XML_SITE_SERVER, c_localServer);
+  tag_LocalSite& local = site.local;
+  writer.open(WX_XML_SITELIST_LOCAL_SITE);
+  addIdentity(writer, site, local.szName);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+  writer.addAttribute(WX_XML_SITE_SERVER, c_localServer);
 
-  Element child =
-      addInto(element, WX_XML_SITE_RELATIVEPATH, formatField(*this, local.szRelativePath));
-  child = addAfter(child, WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
-                   ConvertToStr(local.iUseLoggedonUserAccount));
-  child = addAfter(child, WX_XML_SITE_DOMAIN_NAME, formatField(*this, local.szDomainName));
-  child = addAfter(child, WX_XML_SITE_USER_NAME, local.szUserName);
-  addPasswordAfter(child, WX_XML_SITE_PASSWORD, local.szPassword);
-  *m_pSiteListElement = element;
-  return 0;
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, local.szRelativePath));
+  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(local.iUseLoggedonUserAccount));
+  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, local.szDomainName));
+  writer.addElement(WX_XML_SITE_USER_NAME, local.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, local.szPassword);
+  writer.close();
+}
+
+bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  switch (site.eSiteKind) {
+    case SITE_KIND_HTTP:
+      writeHttpSite(helper, site, writer);
+      return true;
+    case SITE_KIND_FTP:
+      writeFtpSite(helper, site, writer);
+      return true;
+    case SITE_KIND_UNC:
+      writeUncSite(helper, site, writer);
+      return true;
+    case SITE_KIND_LOCAL:
+      writeLocalSite(helper, site, writer);
+      return true;
+    case SITE_KIND_PROXY:
+      writeProxySite(helper, site, writer);
+      return true;
+    default:
+      return false;
+  }
+}
+
+void expectHead(const tag_Site& site) { expect(site, site.pNext); }
+
+void expectRecord(const tag_Site& site) {
+  switch (site.eSiteKind) {
+    case SITE_KIND_HTTP: {
+      const tag_HttpSite& http = site.http;
+      return expect(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
+                    http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
+                    http.szPassword, http.szVersion, http.uSecurePort);
+    }
+    case SITE_KIND_FTP: {
+      const tag_FtpSite& ftp = site.ftp;
+      return expect(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
+                    ftp.uServerPort);
+    }
+    case SITE_KIND_UNC: {
+      const tag_UncSite& unc = site.unc;
+      return expect(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName, unc.szUserName,
+                    unc.szPassword, unc.iUseLoggedonUserAccount);
+    }
+    case SITE_KIND_LOCAL: {
+      const tag_LocalSite& local = site.local;
+      return expect(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
+                    local.szPassword, local.iUseLoggedonUserAccount);
+    }
+    default:
+      return;
+  }
 }
 
 }  // namespace sitehlp

@@ -153,8 +153,8 @@ class SITEHLP_API CSitesHelper {
                      const std::wstring& localVersion, const std::wstring& type,
                      const std::vector<std::wstring>& certificates);
 
-  // The writers of one record each, used by CreateSiteList on the document that it is making:
-  // position 0 puts the element into the anchor element, any other behind it. Always 0.
+  // The writers of one record each, on a tree, as CreateSiteList writes it: position 0 puts the
+  // element into the anchor element, any other behind it. It is the anchor then. Always 0.
   int AddHTTPSite(tag_Site* site, int position);
   // As AddHTTPSite.
   int AddFTPSite(tag_Site* site, int position);
@@ -369,8 +369,8 @@ class SITEHLP_API CSitesHelper {
   std::wstring m_strGlobalVersion;  // of its own file when it was made
   std::wstring m_strSiteListType;   // of its own file; "Client" without one
   std::wstring m_strReserved;       // not used
-  // The anchor that the writers of records chain their elements through; of meaning only while a
-  // list is written.
+  // The anchor that the writers of one record each chain their elements through; whoever calls
+  // them sets it.
   AdvXMLParser::Element* m_pSiteListElement;
   std::map<std::wstring, std::wstring> m_policySettings;  // as read last, and as set since
   std::int32_t m_iManagedOverride;                        // as SetManagedOverride was told

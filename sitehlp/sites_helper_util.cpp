@@ -2,8 +2,6 @@
 
 #include "platform/common/log.h"
 #include "platform/config/mesh_service.h"
-#include "platform/xml/advxmlparser.h"
-#include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
 
 namespace sitehlp {
@@ -15,10 +13,10 @@ SitesHelperUtil* SitesHelperUtil::getInstance() {
   return m_ptr;
 }
 
-void SitesHelperUtil::writeMeshServiceSiteList(std::wstring text) {
+void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document) {
   try {
     const std::wstring path = MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath();
-    AdvXMLParser::WriteBufferToFile(path, text, c_encoding, nullptr, nullptr);
+    AdvXMLParser::WriteUtf8ToFile(path, document.Data(), document.Size());
     logInfo(c_component, L"Command to mesh service to load new sitelist.");
     MeshServiceStartupControl* const control =
         MeshServiceStartupControl::GetInstance(nullptr, nullptr);

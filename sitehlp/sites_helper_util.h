@@ -1,7 +1,7 @@
 #ifndef SITEHLP_SITES_HELPER_UTIL_H
 #define SITEHLP_SITES_HELPER_UTIL_H
 
-#include <string>
+#include "platform/xml/advxmlparser.h"
 
 namespace sitehlp {
 
@@ -11,8 +11,9 @@ class SitesHelperUtil {
  public:
   static SitesHelperUtil* getInstance();
 
-  // Writes the mesh service's copy and has the service load it. Failures are logged only.
-  void writeMeshServiceSiteList(std::wstring text);
+  // Writes the mesh service's copy of a document and has the service load it.
+  // Failures are logged only.
+  void writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document);
 
  private:
   static SitesHelperUtil* m_ptr;

@@ -2,19 +2,19 @@
 #include <cwchar>
 
 #include "platform/common/log.h"
+#include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/element_writer.h"
 #include "sitehlp/locks.h"
 #include "sitehlp/record.h"
+#include "sitehlp/site_writers.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/sites_helper_util.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
 
-using AdvXMLParser::Document;
-using AdvXMLParser::Element;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
@@ -45,37 +45,47 @@ const std::wstring& firstNonEmpty(const std::wstring& a, const std::wstring& b,
   return !b.empty() ? b : otherwise;
 }
 
-void addCertificates(Element& root, const std::vector<std::wstring>& certificates) {
+void writeCertificates(ElementWriter& writer, const std::vector<std::wstring>& certificates) {
   if (certificates.empty()) return;
-  Element bundle = root.AddElementInto(WX_XML_CABUNDLE);
+  writer.open(WX_XML_CABUNDLE);
   for (const std::wstring& certificate : certificates) {
-    addInto(bundle, WX_XML_CACERTIFICATE, certificate);
+    writer.addElement(WX_XML_CACERTIFICATE, certificate);
   }
+  writer.close();
 }
 
-void addPolicies(Element& root, const PolicySettings& policySettings) {
+void writePolicies(ElementWriter& writer, const PolicySettings& policySettings) {
   if (policySettings.empty()) return;
-  Element policies = root.AddElementInto(WX_XML_POLICIES);
+  writer.open(WX_XML_POLICIES);
   for (const auto& [name, value] : policySettings) {
-    Element setting = addInto(policies, L"Setting", value);
-    setAttribute(setting, L"name", name);
+    writer.open(L"Setting");
+    writer.addAttribute(L"name", name);
+    writer.addText(value.data(), value.size());
+    writer.close();
   }
+  writer.close();
 }
 
-int addSite(CSitesHelper& helper, tag_Site* site, int position) {
-  switch (site->eSiteKind) {
-    case SITE_KIND_HTTP:
-      return helper.AddHTTPSite(site, position);
-    case SITE_KIND_FTP:
-      return helper.AddFTPSite(site, position);
-    case SITE_KIND_UNC:
-      return helper.AddUNCSite(site, position);
-    case SITE_KIND_LOCAL:
-      return helper.AddLocalSite(site, position);
-    case SITE_KIND_PROXY:
-      return helper.AddProxySite(site, position);
-    default:
-      return c_errorGeneral;
+void expectNext(const tag_Site& site) {
+  const tag_Site* const next = site.pNext;
+  if (!next) return;
+  expectRecord(*next);
+  if (next->pNext) expectHead(*next->pNext);
+}
+
+// Writes "SiteList" with the records. `result` is that of the last record, also when an exception
+// ends the writing.
+void writeSites(CSitesHelper& helper, tag_Site* list, ElementWriter& writer, int& result) {
+  // All passwords of a list are under one key.
+  const korvel_com::ZQ::crypto::KeptKeys kept;
+  writer.open(WX_XML_SITELIST);
+  writer.addAttribute(WX_XML_SITELIST_DEFAULT, L"1");
+  writer.addAttribute(WX_XML_SITE_NAME, L"SomeGUID");
+  for (tag_Site* site = list; site; site = site->pNext) {
+    expectNext(*site);
+    result = writeSite(helper, *site, writer) ? c_success : c_errorGeneral;
+    // What follows a first record of no known kind stands behind the list that it is not in.
+    if (site == list && result != c_success) writer.close();
   }
 }
 
@@ -90,37 +100,29 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
   try {
     const std::wstring& target = path.empty() ? m_strSiteListFile : path;
     const std::wstring local = localVersion.empty() ? makeLocalVersion(target) : localVersion;
-    const Document document(WX_XML_SITELISTS);
-    Element root = document.GetRoot();
-    setAttribute(root, WX_XML_NAMESPACE, WX_XML_SITELISTS_NAMESPACE);
-    setAttribute(root, WX_XML_SITELISTS_GLOBAL_VERSION,
-                 firstNonEmpty(globalVersion, m_strGlobalVersion, local));
-    setAttribute(root, WX_XML_SITELISTS_LOCAL_VERSION, local);
-    setAttribute(root, WX_XML_SITELISTS_TYPE,
-                 firstNonEmpty(type, m_strSiteListType, WX_XML_SITELIST_TYPE_CLIENT));
-    addCertificates(root, certificates);
-    addPolicies(root, m_policySettings);
-    Element anchor = root.AddElementInto(WX_XML_SITELIST);
-    setAttribute(anchor, WX_XML_SITELIST_DEFAULT, L"1");
-    setAttribute(anchor, WX_XML_SITE_NAME, L"SomeGUID");
-    m_pSiteListElement = &anchor;
-    int position = 0;
-    for (tag_Site* site = list; site; site = site->pNext) {
-      result = addSite(*this, site, position);
-      ++position;
-    }
-    const std::wstring text = document.GenerateXML(false);
+    AdvXMLParser::DocumentWriter document(WX_XML_SITELISTS);
+    TextElementWriter writer(document);
+    writer.addAttribute(WX_XML_NAMESPACE, WX_XML_SITELISTS_NAMESPACE);
+    writer.addAttribute(WX_XML_SITELISTS_GLOBAL_VERSION,
+                        firstNonEmpty(globalVersion, m_strGlobalVersion, local));
+    writer.addAttribute(WX_XML_SITELISTS_LOCAL_VERSION, local);
+    writer.addAttribute(WX_XML_SITELISTS_TYPE,
+                        firstNonEmpty(type, m_strSiteListType, WX_XML_SITELIST_TYPE_CLIENT));
+    writeCertificates(writer, certificates);
+    writePolicies(writer, m_policySettings);
+    writeSites(*this, list, writer, result);
+    document.Finish();
 
     InterProcessWriteLock lock(c_siteListLock);
     lock.lock(c_waitForEver);
     try {
-      AdvXMLParser::WriteBufferToFile(target, text, c_encoding, nullptr, nullptr);
+      AdvXMLParser::WriteUtf8ToFile(target, document.Data(), document.Size());
     } catch (...) {
       // The mesh service is told all the same: it serves the list that the caller wanted.
       result = c_errorWrite;
     }
     lock.unlock();
-    SitesHelperUtil::getInstance()->writeMeshServiceSiteList(text);
+    SitesHelperUtil::getInstance()->writeMeshServiceSiteList(document);
   } catch (...) {
     // Nothing was written; the caller gets the result so far.
   }

@@ -39,6 +39,13 @@ void ReadBufferFromFile(const std::wstring& path, std::wstring& text, UTF_ENCODI
   if (!ConvertBufferToUnicode(asBytes(bytes), bytes.size(), text, encoding)) failAsInvalid(name);
 }
 
+bool WriteUtf8ToFile(const std::wstring& path, const char* utf8, std::size_t size) {
+  const std::string name = host::toUtf8(path);
+  const int error = host::replaceFile(name, utf8, size, host::c_modeOfNewDocument);
+  if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
+  return true;
+}
+
 bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_ENCODINGS encoding,
                        TextCallback before, TextCallback after) {
   std::string bytes;
@@ -51,10 +58,7 @@ bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_E
     bytes = host::encodeText(text, encoding);
   }
   if (after) bytes = after(bytes);
-  const std::string name = host::toUtf8(path);
-  const int error = host::replaceFile(name, bytes.data(), bytes.size(), host::c_modeOfNewDocument);
-  if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
-  return true;
+  return WriteUtf8ToFile(path, bytes.data(), bytes.size());
 }
 
 bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::wstring& text,

@@ -13,12 +13,6 @@ void require(bool done) {
   if (!done) throw std::bad_alloc();
 }
 
-bool isXmlCharacter(wchar_t character) {
-  const auto c = static_cast<std::uint32_t>(character);
-  if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
-  return isScalar(c) && c != 0xFFFE && c != 0xFFFF;
-}
-
 bool isPlain(wchar_t character) {
   return (character >= 0x20 && character < 0x80) || character == L'\n' || character == L'\t' ||
          character == L'\r';
@@ -36,6 +30,12 @@ pugi::xml_node copyAlone(pugi::xml_node source, pugi::xml_node parent) {
 }
 
 }  // namespace
+
+bool isXmlCharacter(wchar_t character) {
+  const auto c = static_cast<std::uint32_t>(character);
+  if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
+  return isScalar(c) && c != 0xFFFE && c != 0xFFFF;
+}
 
 pugi::xml_node appendNode(pugi::xml_node parent, pugi::xml_node_type type, const char* name) {
   pugi::xml_node node = parent.append_child(type);

@@ -9,6 +9,9 @@
 // Changes to a tree. Texts are UTF-8 of characters that XML can carry. All throw std::bad_alloc.
 namespace host {
 
+// Whether XML 1.0 can carry a character.
+bool isXmlCharacter(wchar_t character);
+
 // The UTF-8 form of a text, with U+FFFD in place of every character that XML 1.0 cannot carry.
 // Short plain ones, which nearly all names and values are, need no memory of their own.
 class XmlText {

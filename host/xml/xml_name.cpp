@@ -1,6 +1,8 @@
 #include "host/xml/xml_name.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cwchar>
 
 #include "host/common/encoding.h"
@@ -12,15 +14,27 @@ namespace {
 
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
+constexpr unsigned char c_first = 1;  // may be the first of a name
+constexpr unsigned char c_other = 2;  // may be another
+
+constexpr std::array<unsigned char, 0x80> placesInNames() {
+  std::array<unsigned char, 0x80> places{};
+  for (std::size_t c = 'A'; c <= 'Z'; ++c) places[c] = places[c | 0x20] = c_first | c_other;
+  places['_'] = places[':'] = c_first | c_other;
+  for (std::size_t c = '0'; c <= '9'; ++c) places[c] = c_other;
+  places['-'] = places['.'] = c_other;
+  return places;
+}
+constexpr std::array<unsigned char, 0x80> c_places = placesInNames();
+
 // Of the plain characters; which ones beyond ASCII a name may have is for the parser to say that
 // will read it.
-bool canStart(wchar_t c) {
-  return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z') || c == L'_' || c == L':';
+bool fits(wchar_t c, unsigned char place) {
+  const auto at = static_cast<std::uint32_t>(c);
+  return at < c_places.size() && (c_places[at] & place) != 0;
 }
-
-bool canFollow(wchar_t c) {
-  return canStart(c) || (c >= L'0' && c <= L'9') || c == L'-' || c == L'.';
-}
+bool canStart(wchar_t c) { return fits(c, c_first); }
+bool canFollow(wchar_t c) { return fits(c, c_other); }
 
 bool isAccepted(const std::string& name) {
   const std::string document = "<" + name + "/>";
@@ -48,16 +62,20 @@ std::string repaired(const wchar_t* wide) {
 
 }  // namespace
 
-XmlName::XmlName(const wchar_t* name) {
+std::size_t writePlainName(const wchar_t* name, char* out, std::size_t capacity) {
+  if (!canStart(name[0])) return 0;
   std::size_t length = 0;
-  if (canStart(name[0])) {
-    while (length < sizeof m_short - 1 && canFollow(name[length])) {
-      m_short[length] = static_cast<char>(name[length]);
-      ++length;
-    }
+  while (length < capacity - 1 && canFollow(name[length])) {
+    out[length] = static_cast<char>(name[length]);
+    ++length;
   }
+  return name[length] == L'\0' ? length : 0;
+}
+
+XmlName::XmlName(const wchar_t* name) {
+  const std::size_t length = writePlainName(name, m_short, sizeof m_short);
   m_short[length] = '\0';
-  if (length != 0 && name[length] == L'\0') return;
+  if (length != 0) return;
   m_long = repaired(name);
   m_text = m_long.c_str();
 }

@@ -1,9 +1,14 @@
 #ifndef HOST_XML_XML_NAME_H
 #define HOST_XML_XML_NAME_H
 
+#include <cstddef>
 #include <string>
 
 namespace host {
+
+// Writes a plain name of less than `capacity` characters, without a terminator, and returns its
+// length. 0 when the name is another, and `out` is then unspecified.
+std::size_t writePlainName(const wchar_t* name, char* out, std::size_t capacity);
 
 // The UTF-8 form of the name of a new element or attribute, with "_" in place of what a name cannot
 // have there: a document with a broken name would be lost as a whole. Short plain names, which

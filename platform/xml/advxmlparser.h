@@ -106,6 +106,9 @@ PLATFORM_API bool WriteBufferToFile(const std::wstring& path, const std::wstring
                                     UTF_ENCODINGS encoding, TextCallback before,
                                     TextCallback after);
 
+// As WriteBufferToFile, with a text that is UTF-8 already; it is written as it is.
+PLATFORM_API bool WriteUtf8ToFile(const std::wstring& path, const char* utf8, std::size_t size);
+
 // The conversion of ReadBufferFromFile on bytes in memory. True when they were converted; false
 // when they are not valid in the encoding found, and then both outputs are as they were. `data` may
 // be null when `length` is 0. Throws std::bad_alloc, and ReadWriteException (LIMIT_EXCEEDED).
@@ -282,6 +285,40 @@ class PLATFORM_API Document {
   explicit Document(std::unique_ptr<DocumentTree> tree);
 
   std::unique_ptr<DocumentTree> m_tree;
+};
+
+// Writes a new document straight to text, element by element, where a tree would only be made to be
+// turned into text once. The text is that of a Document with the same content, without indentation,
+// in UTF-8. One object is used by one thread at a time. Adding may throw std::bad_alloc; the text
+// is then of no use.
+class PLATFORM_API DocumentWriter {
+ public:
+  // Begins with an XML declaration and this root, which is open. Names of elements are not copied:
+  // each stays as it is until its element is closed.
+  explicit DocumentWriter(const wchar_t* rootName);
+  ~DocumentWriter();
+  DocumentWriter(const DocumentWriter&) = delete;
+  DocumentWriter& operator=(const DocumentWriter&) = delete;
+
+  // Opens a new element at the end of the one that is open.
+  void Open(const wchar_t* name);
+  // Adds an attribute to the element that was opened last, before anything is put into it. It has
+  // no other of that name.
+  void AddAttribute(const wchar_t* name, const wchar_t* value, std::size_t length);
+  // Adds text at the end of the open element.
+  void AddText(const wchar_t* text, std::size_t length);
+  // Closes the open element; the one around it is open then.
+  void Close();
+  // Closes all that is open. Nothing may be added afterwards.
+  void Finish();
+
+  // What was written so far; valid until more is added.
+  const char* Data() const;
+  std::size_t Size() const;  // in bytes
+
+ private:
+  struct State;
+  std::unique_ptr<State> m_state;
 };
 
 // Makes documents of text. It has no state.

@@ -98,9 +98,11 @@ TEST_F(RareValues, AnUnknownChildOfAShareIsPassedOver) {
 }
 
 TEST_F(RareValues, AnAttributeOfNoElementIsNotWritten) {
-  AdvXMLParser::Element none;
-  sitehlp::setAttribute(none, L"Name", L"value");
-  EXPECT_TRUE(none.IsNull());
+  sitehlp::TreeElementWriter writer(AdvXMLParser::Element(), 0);
+  writer.open(L"HttpSite");
+  writer.addAttribute(L"Name", L"value");
+  writer.close();
+  EXPECT_TRUE(writer.added().IsNull());
   EXPECT_THAT(messages(), IsEmpty());
 }
 

@@ -1,0 +1,209 @@
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "host/common/encoding.h"
+#include "host/xml/tree_edit.h"
+#include "host/xml/xml_name.h"
+#include "platform/xml/advxmlparser.h"
+
+namespace AdvXMLParser {
+namespace {
+
+constexpr std::size_t c_firstCapacity = 16384;
+constexpr std::size_t c_longestPlainName = 64;
+constexpr std::size_t c_markup = 8;  // more than what stands around a name or a value
+constexpr std::size_t c_nameRoom = c_longestPlainName + c_markup;
+// What is escaped at once; no character takes more bytes than "&quot;".
+constexpr std::size_t c_piece = 128;
+constexpr std::size_t c_pieceRoom = c_piece * 6 + c_markup;
+
+constexpr unsigned int c_inText = 1;
+constexpr unsigned int c_inValue = 2;
+
+// Where a character below 0x80 cannot stand as it is.
+constexpr std::array<unsigned char, 0x80> specialPlaces() {
+  std::array<unsigned char, 0x80> places{};
+  for (std::size_t c = 0; c < 0x20; ++c) places[c] = c_inText | c_inValue;
+  places['\t'] = places['\n'] = places['"'] = c_inValue;
+  places['>'] = c_inText;
+  places['&'] = places['<'] = c_inText | c_inValue;
+  return places;
+}
+constexpr std::array<unsigned char, 0x80> c_specialPlaces = specialPlaces();
+
+const char* escapeOf(std::uint32_t character) {
+  switch (character) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#09;";
+    case '\n':
+      return "&#10;";
+    case '\r':
+      return "&#13;";
+    default:
+      return nullptr;
+  }
+}
+
+char* writeSpecial(wchar_t character, char* out) {
+  if (const char* const escape = escapeOf(static_cast<std::uint32_t>(character))) {
+    const std::size_t size = std::strlen(escape);
+    std::memcpy(out, escape, size);
+    return out + size;
+  }
+  const wchar_t carried =
+      host::isXmlCharacter(character) ? character : static_cast<wchar_t>(host::c_replacement);
+  return host::writeUtf8(&carried, 1, out);
+}
+
+// The text so far, with room behind it. It grows in place where it can, which no string does.
+class Buffer {
+ public:
+  Buffer() = default;
+  ~Buffer() { std::free(m_data); }
+  Buffer(const Buffer&) = delete;
+  Buffer& operator=(const Buffer&) = delete;
+
+  const char* data() const { return m_data; }
+  std::size_t size() const { return m_size; }
+
+  // Where the next `size` bytes may be written.
+  char* room(std::size_t size) {
+    if (m_capacity - m_size < size) grow(size);
+    return m_data + m_size;
+  }
+  void setEnd(const char* end) { m_size = static_cast<std::size_t>(end - m_data); }
+
+ private:
+  void grow(std::size_t size) {
+    const std::size_t capacity = std::max({c_firstCapacity, 2 * m_capacity, m_size + size});
+    char* const data = static_cast<char*>(std::realloc(m_data, capacity));
+    if (!data) throw std::bad_alloc();
+    m_data = data;
+    m_capacity = capacity;
+  }
+
+  char* m_data = nullptr;
+  std::size_t m_size = 0;
+  std::size_t m_capacity = 0;
+};
+
+char* put(const char* text, std::size_t size, char* out) {
+  std::memcpy(out, text, size);
+  return out + size;
+}
+
+}  // namespace
+
+struct DocumentWriter::State {
+  // Writes behind `out`, for which there is room for a plain name and `more` bytes; so there is
+  // afterwards, behind the end that is returned, for `more`.
+  char* putName(const wchar_t* name, char* out, std::size_t more) {
+    const std::size_t length = host::writePlainName(name, out, c_longestPlainName);
+    if (length != 0) return out + length;
+    const host::XmlName repaired(name);
+    const std::size_t size = std::strlen(repaired.c_str());
+    text.setEnd(out);
+    return put(repaired.c_str(), size, text.room(size + more));
+  }
+
+  // Writes behind `out`, for which there is room for a piece and as many bytes more as there are
+  // behind the end that is returned.
+  char* putEscaped(const wchar_t* from, std::size_t length, unsigned int place, char* out) {
+    for (;;) {
+      const wchar_t* const end = from + std::min(c_piece, length);
+      length -= static_cast<std::size_t>(end - from);
+      for (; from != end; ++from) {
+        const auto c = static_cast<std::uint32_t>(*from);
+        if (c < c_specialPlaces.size() && (c_specialPlaces[c] & place) == 0) {
+          *out++ = static_cast<char>(c);
+        } else {
+          out = writeSpecial(*from, out);
+        }
+      }
+      if (length == 0) return out;
+      text.setEnd(out);
+      out = text.room(c_pieceRoom);
+    }
+  }
+
+  char* endStartTag(char* out) {
+    if (isInStartTag) *out++ = '>';
+    isInStartTag = false;
+    return out;
+  }
+
+  Buffer text;
+  std::vector<const wchar_t*> open;
+  bool isInStartTag = false;  // of the innermost
+};
+
+DocumentWriter::DocumentWriter(const wchar_t* rootName) : m_state(std::make_unique<State>()) {
+  constexpr char c_declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+  constexpr std::size_t c_size = sizeof c_declaration - 1;
+  m_state->text.setEnd(put(c_declaration, c_size, m_state->text.room(c_size)));
+  Open(rootName);
+}
+
+DocumentWriter::~DocumentWriter() = default;
+
+void DocumentWriter::Open(const wchar_t* name) {
+  State& state = *m_state;
+  state.open.push_back(name);
+  char* out = state.endStartTag(state.text.room(c_nameRoom));
+  *out++ = '<';
+  state.text.setEnd(state.putName(name, out, 0));
+  state.isInStartTag = true;
+}
+
+void DocumentWriter::AddAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) {
+  State& state = *m_state;
+  char* out = state.text.room(c_nameRoom + c_pieceRoom);
+  *out++ = ' ';
+  out = put("=\"", 2, state.putName(name, out, c_pieceRoom));
+  out = state.putEscaped(value, length, c_inValue, out);
+  *out++ = '"';
+  state.text.setEnd(out);
+}
+
+void DocumentWriter::AddText(const wchar_t* text, std::size_t length) {
+  State& state = *m_state;
+  char* const out = state.endStartTag(state.text.room(c_pieceRoom));
+  state.text.setEnd(state.putEscaped(text, length, c_inText, out));
+}
+
+// The name is made again: it is short, and what was written a moment ago is slow to read back.
+void DocumentWriter::Close() {
+  State& state = *m_state;
+  char* out = state.text.room(c_nameRoom);
+  if (state.isInStartTag) {
+    out = put("/>", 2, out);
+    state.isInStartTag = false;
+  } else {
+    out = state.putName(state.open.back(), put("</", 2, out), 1);
+    *out++ = '>';
+  }
+  state.text.setEnd(out);
+  state.open.pop_back();
+}
+
+void DocumentWriter::Finish() {
+  while (!m_state->open.empty()) Close();
+}
+
+const char* DocumentWriter::Data() const { return m_state->text.data(); }
+
+std::size_t DocumentWriter::Size() const { return m_state->text.size(); }
+
+}  // namespace AdvXMLParser

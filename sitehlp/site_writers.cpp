@@ -25,9 +25,18 @@ void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to)
   }
 }
 
+constexpr const wchar_t* c_formatScope = L"Formatting environment symbols";
+
+// As FormatEnvSymbols, but a text that has nothing to be replaced is not touched, and neither is
+// what stands behind it: to clear memory that nothing else needs was the dearest part of writing.
 template <std::size_t N>
 const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
-  helper.FormatEnvSymbols(field, N);
+  const std::size_t length = ::wcsnlen(field, N);
+  if (length == N || std::wmemchr(field, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
+    helper.FormatEnvSymbols(field, N);
+  } else {
+    const ADetailTrace trace(c_component, c_formatScope);
+  }
   return field;
 }
 
@@ -62,7 +71,7 @@ void expect(const Fields&... fields) {
 }  // namespace
 
 int CSitesHelper::FormatEnvSymbols(wchar_t* buffer, unsigned int capacity) {
-  const ADetailTrace trace(c_component, L"Formatting environment symbols");
+  const ADetailTrace trace(c_component, c_formatScope);
   if (!buffer || buffer[0] == L'\0') return 0;
   const std::size_t length = ::wcsnlen(buffer, capacity);
   if (std::wmemchr(buffer, c_agentEnvMacroStartDelimiterExpanded[0], length)) {

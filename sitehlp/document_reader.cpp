@@ -86,6 +86,15 @@ int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySett
   return result;
 }
 
+int readSitesOfFile(const std::wstring& path, bool useDecryptData, PolicySettings& policySettings,
+                    const TakeSite& take, const Inspect& inspect) {
+  if (path.empty()) return c_errorNoPath;
+  std::wstring text = c_noDocument;
+  const int readResult = readDocumentText(path, true, text);
+  if (readResult != c_success) return readResult;
+  return readSites(std::move(text), useDecryptData, policySettings, take, inspect);
+}
+
 int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
              tag_Site** list, const Inspect& inspect) {
   tag_Site** link = list;

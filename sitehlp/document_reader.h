@@ -37,8 +37,13 @@ using Inspect = std::function<void(const AdvXMLParser::Element&)>;
 int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
               const TakeSite& take, const Inspect& inspect = nullptr);
 
-// The same with the records as a list. `*list` holds what was built, also when something else is
-// thrown.
+// The same for a file that must exist, under the read lock "SiteListLock". Returns -2 for an empty
+// path, what readDocumentText returned when that is not 0, or what its text gives.
+int readSitesOfFile(const std::wstring& path, bool useDecryptData, PolicySettings& policySettings,
+                    const TakeSite& take, const Inspect& inspect = nullptr);
+
+// The same as readSites with the records as a list. `*list` holds what was built, also when
+// something else is thrown.
 int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
              tag_Site** list, const Inspect& inspect = nullptr);
 

@@ -7,10 +7,9 @@
 namespace sitehlp {
 namespace {
 
-// A management server that knows the 2048-bit set says its version.
 bool hasVersionedServer(const tag_Site* sites) {
   for (; sites; sites = sites->pNext) {
-    if (isServerSite(*sites) && sites->http.szVersion[0] != L'\0') return true;
+    if (isVersionedServer(*sites)) return true;
   }
   return false;
 }

@@ -6,7 +6,6 @@
 #include "sitehlp/certificates.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
-#include "sitehlp/result_codes.h"
 #include "sitehlp/versions.h"
 
 namespace sitehlp {
@@ -16,11 +15,7 @@ using AdvXMLParser::Element;
 int readListContents(const std::wstring& path, ListContents& contents, const TakeSite& take) {
   const ADetailTrace trace(c_component, L"Reading Sitelist");
   contents = ListContents();
-  if (path.empty()) return c_errorNoPath;
-  std::wstring text = c_noDocument;
-  const int readResult = readDocumentText(path, true, text);
-  if (readResult != c_success) return readResult;
-  return readSites(std::move(text), false, contents.policySettings, take, [&](const Element& root) {
+  return readSitesOfFile(path, false, contents.policySettings, take, [&](const Element& root) {
     readVersions(root, contents.globalVersion, contents.localVersion, contents.type);
     std::wstring fipsMode;
     if (readFipsMode(root, fipsMode)) contents.fipsMode = std::move(fipsMode);

@@ -66,13 +66,15 @@ int CSitesHelper::SmartReadSiteList(const std::wstring& path, tag_Site** list) {
   return result;
 }
 
+void logFailedRead(int result) { logError(c_component, AString(L"Failed hr=").append(result)); }
+
 int CSitesHelper::MustReadSiteList(const std::wstring& path, tag_Site** list) {
   if (path.empty()) {
     logInternalError(c_component, L"path is empty");
     return c_errorGeneral;
   }
   const int result = ReadSiteList(path, list, true);
-  if (result < 0 || !*list) logError(c_component, AString(L"Failed hr=").append(result));
+  if (result < 0 || !*list) logFailedRead(result);
   return result;
 }
 

@@ -65,6 +65,10 @@ bool isServerSite(const tag_Site& record) {
          wcsicmp(record.http.szElement, WX_XML_SITELIST_VESTA_SITE) == 0;
 }
 
+bool isVersionedServer(const tag_Site& record) {
+  return isServerSite(record) && record.http.szVersion[0] != L'\0';
+}
+
 bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, L"fallback") == 0; }
 
 void CSitesHelper::CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity) {

@@ -29,6 +29,9 @@ class WipeAtExit {
 // Wipes the passwords of one record and releases it. Its successors are not touched.
 void releaseRecord(tag_Site* record) noexcept;
 
+// The error line for a list that had to be read and was not, or has no records.
+void logFailedRead(int result);
+
 // Owns a list until it is handed on.
 class ListOwner {
  public:
@@ -47,6 +50,9 @@ class ListOwner {
 
 // A server site: the management server, of the HTTP family.
 bool isServerSite(const tag_Site& record);
+
+// One that says its version, and so knows the 2048-bit key set.
+bool isVersionedServer(const tag_Site& record);
 
 // Whether the record's type is "fallback", in any case.
 bool isFallback(const tag_Site& record);

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "platform/common/log.h"
+#include "sitehlp/document_reader.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/number.h"
 #include "sitehlp/record.h"
@@ -69,6 +70,29 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
   }
 }
 
+// What MustReadSiteList does, but of all the records only the one is kept that decides which key
+// files come with the list, a versioned server or else the first: memory for the others, of which
+// there may be thousands, would cost more than all the rest.
+int mustReadDecidingSite(const std::wstring& path, bool useDecryptData,
+                         PolicySettings& policySettings, ListOwner& deciding) {
+  const auto take = [&deciding](tag_Site* site) {
+    const tag_Site* const kept = deciding.get();
+    if (kept && (isVersionedServer(*kept) || !isVersionedServer(*site))) {
+      releaseRecord(site);
+      return;
+    }
+    if (kept) releaseRecord(deciding.release());
+    *deciding.out() = site;
+  };
+  int result = c_success;
+  {
+    const ADetailTrace trace(c_component, L"Reading Sitelist");
+    result = readSitesOfFile(path, useDecryptData, policySettings, take);
+  }
+  if (result < 0 || !deciding.get()) logFailedRead(result);
+  return result;
+}
+
 }  // namespace
 
 bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceRepositories,
@@ -87,8 +111,12 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
   }
   if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
   if (replaceServerSites) doReplacePyxSite(targetRoot, sourceRoot);
+  m_strCurrentFile = sourcePath;
   ListOwner incoming;
-  if (MustReadSiteList(sourcePath, incoming.out()) < 0) return false;
+  if (mustReadDecidingSite(m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, incoming) <
+      0) {
+    return false;
+  }
   if (!createDirectoriesAndCopyKeyFiles(sourcePath, incoming.get(), keyDir.str())) return false;
   return writeLocked(target, m_strSiteListFile);
 }

@@ -133,6 +133,25 @@ TEST_F(Modify, theKeyDirectoryServesASourceWithoutVersionedServer) {
   EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "public");
 }
 
+TEST_F(Modify, aVersionedServerAnywhereInTheSourceBringsItsKeyFiles) {
+  const std::string others[] = {server("plain"), httpElement("b"), server("last")};
+  for (std::size_t place = 0; place <= std::size(others); ++place) {
+    target(document(httpElement("a")));
+    std::string sites;
+    for (std::size_t i = 0; i < std::size(others); ++i) {
+      if (i == place) sites += server("versioned", c_versioned);
+      sites += others[i];
+    }
+    if (place == std::size(others)) sites += server("versioned", c_versioned);
+    source(document(sites));
+    incomingKeys();
+    writeFile(keyDir.file("srpubkey.bin"), "of the key directory");
+    EXPECT_TRUE(modify(false, false, keyDir.path())) << place;
+    EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "srpubkey.bin") << place;
+    EXPECT_EQ(readFile(agent.etc("req2048seckey.bin")), "req2048seckey.bin") << place;
+  }
+}
+
 TEST_F(Modify, aSourceWithoutSitesIsGoodEnough) {
   target(document(server("old")));
   source(document(""));

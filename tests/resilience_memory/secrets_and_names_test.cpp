@@ -18,20 +18,22 @@ using test::FailingAllocations;
 // Does something with its first allocation failing, then its second, and so on until none is left
 // to fail. `work` says whether it was done; how often it was not.
 int refusals(const std::function<bool()>& work) {
+  EXPECT_TRUE(work());  // once before, so that what is made once is there
+  bool failed = true;
+  bool done = false;
   int refused = 0;
-  for (unsigned long n = 0;; ++n) {
+  for (unsigned long n = 0; failed; ++n) {
     const FailingAllocations failing(n, false);
-    bool done = false;
+    done = false;
     try {
       done = work();
     } catch (const std::bad_alloc&) {
     }
-    if (failing.failed() == 0) {
-      EXPECT_TRUE(done);
-      return refused;
-    }
-    refused += !done;
+    failed = failing.failed() != 0;
+    refused += failed && !done;
   }
+  EXPECT_TRUE(done);
+  return refused;
 }
 
 TEST(Shortage, LeavesTheOutputOfAPasswordThatIsNotProtectedAsItWas) {

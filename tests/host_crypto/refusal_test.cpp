@@ -12,6 +12,7 @@
 #include "host/crypto/key_file.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
+#include "tests/support/faulty_file_system.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -95,6 +96,20 @@ TEST(SealedValueLength, OverWhatTheCipherTakesIsRefusedBeforeAnyByteIsLookedAt) 
   SecretBytes clear = {'o', 'l', 'd'};
   EXPECT_FALSE(sealer.open(&byte, std::size_t{INT_MAX} + 1, clear));
   EXPECT_EQ(clear, (SecretBytes{'o', 'l', 'd'}));
+}
+
+TEST(KeyMaking, LeavesAKeyAloneThatAnotherProcessMadeAMomentBefore) {
+  const test::TestAgent agent;
+  const std::string path = test::passwordKeyPath(agent.dataDirectory());
+  const std::string other(32, 'o');
+  test::FaultyFileSystem files;
+  files.beforeEach([&](test::FileCall call) {
+    if (call == test::FileCall::Link) test::writeFile(path, other, 0600);
+  });
+  EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD));
+  EXPECT_EQ(test::readFile(path), other);
+  EXPECT_EQ(test::snapshot(agent.dataDirectory() + "/keystore").size(), 1U);
+  EXPECT_TRUE(agent.texts(LogLevel::Error).empty());
 }
 
 TEST(SealerKey, OfAnotherSizeMakesNoSealer) {

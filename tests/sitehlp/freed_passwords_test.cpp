@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "tests/sitehlp/password_fixture.h"
 
@@ -48,6 +49,9 @@ void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 
 namespace {
+
+using namespace std::string_literals;
+using sitehlp::tag_Site;
 
 class FreedPasswords : public test::PasswordTest {
  protected:
@@ -91,12 +95,21 @@ TEST_F(FreedPasswords, AreWipedWhateverTheirLength) {
   }
 }
 
-TEST_F(FreedPasswords, LeaveNothingInAFieldThatAnEmptyOneComesInto) {
-  for (const wchar_t* const first : {L"p", L"password"}) {
-    const auto site = decode("<HttpSite><Password Encrypted=\"1\">" + sealedUtf8(first) +
-                             "</Password><Password Encrypted=\"1\">" + sealedUtf8(L"") +
-                             "</Password></HttpSite>");
-    EXPECT_STREQ(site->http.szPassword, L"");
+TEST_F(FreedPasswords, LeaveNothingInAFieldThatAShorterOneComesInto) {
+  std::vector<std::wstring> passwords = {L"p"};
+  for (wchar_t first = L'!'; first <= L'~'; ++first) passwords.push_back(first + L"assword"s);
+  for (const std::wstring& second : {L""s, L"x"s}) {
+    std::string elements;
+    for (const std::wstring& first : passwords) {
+      elements += "<HttpSite><Password Encrypted=\"1\">" + sealedUtf8(first) +
+                  "</Password><Password Encrypted=\"1\">" + sealedUtf8(second) +
+                  "</Password></HttpSite>";
+    }
+    const Read sites = read(test::documentWithSites(elements));
+    ASSERT_EQ(test::lengthOf(sites.list.get()), static_cast<int>(passwords.size()));
+    for (const tag_Site* site = sites.list.get(); site; site = site->pNext) {
+      EXPECT_EQ(std::wstring(site->http.szPassword), second);
+    }
   }
 }
 

@@ -18,6 +18,9 @@ namespace {
 
 constexpr const wchar_t* c_scratchSiteList = L"/Library/Korvel/orb/scratch/etc/SiteList.xml";
 
+// What a text holds before a document was read into it: no markup.
+constexpr const wchar_t* c_noDocument = L"invalid";
+
 std::wstring serverSiteListPath() {
   return IConfiguration::GetConfiguration()->GetFrameworkDataDirectory() + L"/" +
          c_serverSitelistName;

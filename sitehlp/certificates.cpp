@@ -23,7 +23,7 @@ bool readCertificates(const Element& root, std::vector<std::wstring>& certificat
 int CSitesHelper::GetCaCertificates(const std::wstring& path,
                                     std::vector<std::wstring>& certificates) {
   const ADetailTrace trace(c_component, L"Getting Certificates");
-  std::wstring text = c_noDocument;
+  std::string text;
   const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
   if (readResult != c_success) return readResult;
   try {

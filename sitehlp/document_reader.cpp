@@ -5,10 +5,12 @@
 #include <utility>
 
 #include "platform/common/astring.h"
+#include "platform/common/log.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/list_builder.h"
 #include "sitehlp/locks.h"
+#include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -42,38 +44,15 @@ void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySe
   }
 }
 
-}  // namespace
-
-int readDocumentText(const std::wstring& path, bool useLock, std::wstring& text) {
-  if (::access(ACharString(path).c_str(), F_OK) != 0) return c_errorFileMissing;
-  AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
-  try {
-    if (!useLock) {
-      AdvXMLParser::ReadBufferFromFile(path, text, encoding, nullptr);
-      return c_success;
-    }
-    InterProcessReadLock lock(c_siteListLock);
-    lock.lock(c_waitForEver);
-    AdvXMLParser::ReadBufferFromFile(path, text, encoding, nullptr);
-    lock.unlock();
-    return c_success;
-  } catch (...) {
-    return c_errorRead;
-  }
-}
-
-void parseDocument(const std::wstring& text, DocumentPtr& document) {
-  document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
-}
-
-int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
-              const TakeSite& take, const Inspect& inspect) {
+template <typename Text>
+int readSites(Text text, bool useDecryptData, PolicySettings& policySettings, const TakeSite& take,
+              const Inspect& inspect) {
   int result = c_success;
   try {
     DocumentPtr document;
     parseDocument(text, document);
     if (!document) return c_errorParse;
-    std::wstring().swap(text);  // the tree holds all of it
+    Text().swap(text);  // the tree holds all of it
     const Element root = document->GetRoot();
     if (inspect) inspect(root);
     const korvel_com::ZQ::crypto::KeptKeys keys;
@@ -86,17 +65,9 @@ int readSites(std::wstring text, bool useDecryptData, PolicySettings& policySett
   return result;
 }
 
-int readSitesOfFile(const std::wstring& path, bool useDecryptData, PolicySettings& policySettings,
-                    const TakeSite& take, const Inspect& inspect) {
-  if (path.empty()) return c_errorNoPath;
-  std::wstring text = c_noDocument;
-  const int readResult = readDocumentText(path, true, text);
-  if (readResult != c_success) return readResult;
-  return readSites(std::move(text), useDecryptData, policySettings, take, inspect);
-}
-
-int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
-             tag_Site** list, const Inspect& inspect) {
+template <typename Text>
+int readListOf(Text text, bool useDecryptData, PolicySettings& policySettings, tag_Site** list,
+               const Inspect& inspect) {
   tag_Site** link = list;
   const auto append = [&link](tag_Site* site) {
     *link = site;
@@ -104,5 +75,54 @@ int readList(std::wstring text, bool useDecryptData, PolicySettings& policySetti
   };
   return readSites(std::move(text), useDecryptData, policySettings, append, inspect);
 }
+
+}  // namespace
+
+int readDocumentText(const std::wstring& path, bool useLock, std::string& text) {
+  if (::access(ACharString(path).c_str(), F_OK) != 0) return c_errorFileMissing;
+  AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
+  try {
+    if (!useLock) {
+      AdvXMLParser::ReadUtf8FromFile(path, text, encoding);
+      return c_success;
+    }
+    InterProcessReadLock lock(c_siteListLock);
+    lock.lock(c_waitForEver);
+    AdvXMLParser::ReadUtf8FromFile(path, text, encoding);
+    lock.unlock();
+    return c_success;
+  } catch (...) {
+    return c_errorRead;
+  }
+}
+
+void parseDocument(const std::string& utf8, DocumentPtr& document) {
+  document.reset(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size()));
+}
+
+void parseDocument(const std::wstring& text, DocumentPtr& document) {
+  document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
+}
+
+int readSitesOfFile(const std::wstring& path, bool useDecryptData, PolicySettings& policySettings,
+                    const TakeSite& take, const Inspect& inspect) {
+  if (path.empty()) return c_errorNoPath;
+  std::string text;
+  const int readResult = readDocumentText(path, true, text);
+  if (readResult != c_success) return readResult;
+  return readSites(std::move(text), useDecryptData, policySettings, take, inspect);
+}
+
+int readList(std::string utf8, bool useDecryptData, PolicySettings& policySettings, tag_Site** list,
+             const Inspect& inspect) {
+  return readListOf(std::move(utf8), useDecryptData, policySettings, list, inspect);
+}
+
+int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+             tag_Site** list, const Inspect& inspect) {
+  return readListOf(std::move(text), useDecryptData, policySettings, list, inspect);
+}
+
+void logFailedRead(int result) { logError(c_component, AString(L"Failed hr=").append(result)); }
 
 }  // namespace sitehlp

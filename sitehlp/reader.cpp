@@ -29,7 +29,7 @@ int CSitesHelper::ReadSiteList(const std::wstring& path, tag_Site** list, bool u
   const ADetailTrace trace(c_component, L"Reading Sitelist");
   m_strCurrentFile = path.empty() ? m_strSiteListFile : path;
   if (m_strCurrentFile.empty()) return c_errorNoPath;
-  std::wstring text = c_noDocument;
+  std::string text;
   const int readResult = readDocumentText(m_strCurrentFile, useLock, text);
   if (readResult != c_success) return readResult;
   ListOwner sites;
@@ -65,8 +65,6 @@ int CSitesHelper::SmartReadSiteList(const std::wstring& path, tag_Site** list) {
   lock.unlock();
   return result;
 }
-
-void logFailedRead(int result) { logError(c_component, AString(L"Failed hr=").append(result)); }
 
 int CSitesHelper::MustReadSiteList(const std::wstring& path, tag_Site** list) {
   if (path.empty()) {

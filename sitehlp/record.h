@@ -29,9 +29,6 @@ class WipeAtExit {
 // Wipes the passwords of one record and releases it. Its successors are not touched.
 void releaseRecord(tag_Site* record) noexcept;
 
-// The error line for a list that had to be read and was not, or has no records.
-void logFailedRead(int result);
-
 // Owns a list until it is handed on.
 class ListOwner {
  public:

@@ -16,7 +16,7 @@ namespace {
 
 // Parses a text and shows its root to `query`, whose result it returns; -1 when there is no root.
 template <typename Query>
-int queryRoot(const std::wstring& text, Query query) {
+int queryRoot(const std::string& text, Query query) {
   try {
     DocumentPtr document;
     parseDocument(text, document);
@@ -48,7 +48,7 @@ bool readFipsMode(const Element& root, std::wstring& fipsMode) {
 int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
                                       std::wstring& localVersion, std::wstring& type) {
   const ADetailTrace trace(c_component, L"Getting Sitelist versions");
-  std::wstring text = c_noDocument;
+  std::string text;
   const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
   if (readResult == c_errorFileMissing) return readResult;
   globalVersion.clear();
@@ -68,7 +68,7 @@ int CSitesHelper::GetGlobalSitelistVersion(std::wstring& globalVersion) {
 
 int CSitesHelper::GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode) {
   const ADetailTrace trace(c_component, L"Getting Sitelist fips mode");
-  std::wstring text = c_noDocument;
+  std::string text;
   const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
   if (readResult != c_success) return readResult;
   return queryRoot(text, [&](const Element& root) {

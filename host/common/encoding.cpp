@@ -44,6 +44,22 @@ bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
   return true;
 }
 
+bool isUtf8(const char* bytes, std::size_t length) {
+  const char* const end = bytes + length;
+  try {
+    while (bytes != end) {
+      const auto left = static_cast<std::size_t>(end - bytes);
+      const std::size_t ascii = asciiBlocks(bytes, left);
+      const char* const blockEnd = bytes + std::min(left, ascii + c_asciiBlock);
+      bytes += ascii;
+      while (bytes < blockEnd) utf8::next(bytes, end);
+    }
+  } catch (const utf8::exception&) {
+    return false;
+  }
+  return true;
+}
+
 std::wstring toWide(const char* utf8, std::size_t length) {
   std::wstring wide;
   if (!appendWide(utf8, length, wide)) {

@@ -19,6 +19,9 @@ constexpr bool isScalar(std::uint32_t value) {
 // Appends the wide form of valid UTF-8. False, with `out` as it was, when the bytes are not valid.
 bool appendWide(const char* utf8, std::size_t length, std::wstring& out);
 
+// Whether the bytes are valid UTF-8.
+bool isUtf8(const char* bytes, std::size_t length);
+
 // The wide form of any bytes; each invalid sequence becomes one U+FFFD.
 std::wstring toWide(const char* utf8, std::size_t length);
 

@@ -3,34 +3,18 @@
 #include "host/common/encoding.h"
 #include "host/fs/files.h"
 #include "host/xml/document_tree.h"
-#include "host/xml/limits.h"
-#include "host/xml/text_encoding.h"
 #include "host/xml/text_file.h"
 #include "host/xml/tree_text.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace {
 
-// Bytes in UTF-8 become a tree as they are; wide text would take four times the memory.
-std::unique_ptr<AdvXMLParser::DocumentTree> parseBytes(const std::string& bytes) {
-  const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
-  const host::FoundEncoding found = host::findEncoding(data, bytes.size(), AdvXMLParser::UTF_8);
-  const std::size_t length = bytes.size() - found.markLength;
-  if (found.encoding == AdvXMLParser::UTF_8) {
-    return AdvXMLParser::parseUtf8(bytes.data() + found.markLength, length);
-  }
-  std::wstring text;
-  if (!host::decodeText(data + found.markLength, length, found.encoding, text)) return nullptr;
-  return AdvXMLParser::parseTree(text.data(), text.size());
-}
-
 std::unique_ptr<AdvXMLParser::DocumentTree> readTree(const std::wstring& path) {
-  std::string bytes;
-  if (host::readRegularFile(host::toUtf8(path), host::c_maxDocumentBytes, bytes) != 0) {
-    return nullptr;
-  }
+  std::string utf8;
+  AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
   try {
-    return parseBytes(bytes);
+    AdvXMLParser::ReadUtf8FromFile(path, utf8, encoding);
+    return AdvXMLParser::parseUtf8(utf8.data(), utf8.size());
   } catch (const AdvXMLParser::ReadWriteException&) {
     return nullptr;
   } catch (const AdvXMLParser::ParsingException&) {

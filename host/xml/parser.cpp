@@ -59,10 +59,17 @@ std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end) {
   return std::make_unique<DocumentTree>(std::move(utf8), size, standalone);
 }
 
+void requireWithinLimit(std::size_t size) {
+  if (size <= host::c_maxDocumentBytes) return;
+  throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
+                           "document over the limit: number of bytes");
+}
+
 }  // namespace
 
 std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length) {
   if (!beginsAsMarkup(utf8, utf8 + length)) return nullptr;
+  requireWithinLimit(length);
   TreeText text(length);
   char* const end = std::copy_n(utf8, length, text.data());
   return checkedTree(std::move(text), end);
@@ -71,10 +78,7 @@ std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length) {
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
   if (!beginsAsMarkup(text, text + length)) return nullptr;
   const std::size_t size = host::utf8Size(text, length);
-  if (size > host::c_maxDocumentBytes) {
-    throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
-                             "document over the limit: number of bytes");
-  }
+  requireWithinLimit(size);
   TreeText utf8(size);
   char* end = utf8.data();
   if (size == length) {  // nothing beyond ASCII
@@ -90,6 +94,11 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
 
 Document* Parser::Parse(const wchar_t* text, std::size_t length) {
   std::unique_ptr<DocumentTree> tree = parseTree(text, length);
+  return tree ? new Document(std::move(tree)) : nullptr;
+}
+
+Document* Parser::ParseUtf8(const char* utf8, std::size_t length) {
+  std::unique_ptr<DocumentTree> tree = parseUtf8(utf8, length);
   return tree ? new Document(std::move(tree)) : nullptr;
 }
 

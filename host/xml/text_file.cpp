@@ -26,15 +26,39 @@ const unsigned char* asBytes(const std::string& bytes) {
   return reinterpret_cast<const unsigned char*>(bytes.data());
 }
 
+std::string readBytes(const std::string& path) {
+  std::string bytes;
+  const int error = host::readRegularFile(path, host::c_maxDocumentBytes, bytes);
+  if (error == EFBIG) fail(ReadWriteException::LIMIT_EXCEEDED, path, error);
+  if (error != 0) fail(ReadWriteException::READ_FAILED, path, error);
+  return bytes;
+}
+
 }  // namespace
+
+void ReadUtf8FromFile(const std::wstring& path, std::string& utf8, UTF_ENCODINGS& encoding) {
+  const std::string name = host::toUtf8(path);
+  std::string bytes = readBytes(name);
+  const host::FoundEncoding found = host::findEncoding(asBytes(bytes), bytes.size(), encoding);
+  const std::size_t length = bytes.size() - found.markLength;
+  if (found.encoding == UTF_8) {
+    if (!host::isUtf8(bytes.data() + found.markLength, length)) failAsInvalid(name);
+    bytes.erase(0, found.markLength);
+  } else {
+    std::wstring text;
+    if (!host::decodeText(asBytes(bytes) + found.markLength, length, found.encoding, text)) {
+      failAsInvalid(name);
+    }
+    bytes = host::toUtf8(text);
+  }
+  utf8 = std::move(bytes);
+  encoding = found.encoding;
+}
 
 void ReadBufferFromFile(const std::wstring& path, std::wstring& text, UTF_ENCODINGS& encoding,
                         TextCallback callback) {
   const std::string name = host::toUtf8(path);
-  std::string bytes;
-  const int error = host::readRegularFile(name, host::c_maxDocumentBytes, bytes);
-  if (error == EFBIG) fail(ReadWriteException::LIMIT_EXCEEDED, name, error);
-  if (error != 0) fail(ReadWriteException::READ_FAILED, name, error);
+  std::string bytes = readBytes(name);
   if (callback) bytes = callback(bytes);
   if (!ConvertBufferToUnicode(asBytes(bytes), bytes.size(), text, encoding)) failAsInvalid(name);
 }

@@ -95,6 +95,11 @@ using TextCallback = std::string (*)(const std::string&);
 PLATFORM_API void ReadBufferFromFile(const std::wstring& path, std::wstring& text,
                                      UTF_ENCODINGS& encoding, TextCallback callback);
 
+// The same with the text as UTF-8, for a document that is only parsed: wide text would take four
+// times the memory.
+PLATFORM_API void ReadUtf8FromFile(const std::wstring& path, std::string& utf8,
+                                   UTF_ENCODINGS& encoding);
+
 // Creates or replaces the file with the text in the given encoding; the 16- and 32-bit forms get a
 // byte order mark. Another process, and a process that starts after this one died at any moment,
 // sees the old file or the new one, never a mixture; the old file's mode and owner are kept, a new
@@ -330,6 +335,8 @@ class PLATFORM_API Parser {
   // document is over a limit, or std::bad_alloc. Never opens a file or a connection, whatever the
   // document says. Any thread.
   Document* Parse(const wchar_t* text, std::size_t length);
+  // The same for `length` bytes of UTF-8; bytes that are none are not well formed.
+  Document* ParseUtf8(const char* utf8, std::size_t length);
 };
 
 }  // namespace AdvXMLParser

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "host/xml/limits.h"
 #include "tests/host_xml/documents.h"
 
 namespace {
@@ -24,6 +25,16 @@ void expectRefusedAt(const std::wstring& text, unsigned long line, unsigned long
   }
 }
 
+std::string limitOf(const std::string& bytes) {
+  try {
+    const test::DocumentPtr document(Parser().ParseUtf8(bytes.data(), bytes.size()));
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::LIMIT_EXCEEDED);
+    return e.what();
+  }
+  return "none";
+}
+
 TEST(Parser, givesNothingForATextWithoutMarkup) {
   EXPECT_EQ(Parser().Parse(nullptr, 0), nullptr);
   for (const wchar_t* text : {L"", L" ", L" \t\r\n", L"invalid", L"  text <a/>", L"&lt;a/>",
@@ -39,6 +50,38 @@ TEST(Parser, readsExactlyTheGivenLength) {
   ASSERT_NE(document, nullptr);
   EXPECT_EQ(document->GetRoot().GetName(), L"a");
   EXPECT_THROW(Parser().Parse(text, 3), ParsingException);
+}
+
+TEST(Parser, readsBytesAsItReadsText) {
+  const std::string bytes = "<a b='\xE2\x82\xAC'>\r\n\xF0\x9F\x98\x80</a>rest";
+  const test::DocumentPtr document(Parser().ParseUtf8(bytes.data(), bytes.size() - 4));
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->GenerateXML(false),
+            parse(test::wide(bytes.substr(0, bytes.size() - 4)))->GenerateXML(false));
+  EXPECT_EQ(document->GetRoot().GetValue(), L"\n\x1F600");
+  EXPECT_THROW(Parser().ParseUtf8(bytes.data(), bytes.size()), ParsingException);
+}
+
+TEST(Parser, givesNothingForBytesWithoutMarkup) {
+  EXPECT_EQ(Parser().ParseUtf8(nullptr, 0), nullptr);
+  for (const std::string bytes : {" \t\r\n", "invalid", "  text <a/>", "\xEF\xBB\xBF<a/>"}) {
+    EXPECT_EQ(Parser().ParseUtf8(bytes.data(), bytes.size()), nullptr) << bytes;
+  }
+}
+
+TEST(Parser, refusesBytesThatAreNoUtf8) {
+  for (const std::string bytes : {"<a>\xFF</a>", "<a>\xC0\xBC</a>", "<a/>\xE2\x82"}) {
+    EXPECT_THROW(Parser().ParseUtf8(bytes.data(), bytes.size()), ParsingException) << bytes;
+  }
+}
+
+TEST(Parser, hasALimitForBytes) {
+  std::string bytes = "<a/>";
+  bytes.resize(host::c_maxDocumentBytes, ' ');
+  // Only the size is at fault: the white space is too long for a token, but one byte more is
+  // refused before that is seen.
+  EXPECT_EQ(limitOf(bytes), "document over the limit: length of a text");
+  EXPECT_EQ(limitOf(bytes + " "), "document over the limit: number of bytes");
 }
 
 TEST(Parser, tellsWhereAndWhyATextIsNotWellFormed) {

@@ -19,21 +19,39 @@ class TextFile : public testing::Test {
  protected:
   std::wstring path(const std::string& name) const { return wide(m_directory.file(name)); }
 
-  // Reads with a preset text and returns what the file system error was.
+  // Reads in one form and the other with preset results, and returns what the file system error
+  // was.
   int expectReadFails(const std::string& name, int errorCode) {
     std::wstring text = L"invalid";
+    std::string utf8 = "invalid";
     UTF_ENCODINGS encoding = UTF_16BE;
+    const int systemError =
+        errorOf(name, errorCode, [&] { ReadBufferFromFile(path(name), text, encoding, nullptr); });
+    EXPECT_EQ(errorOf(name, errorCode, [&] { ReadUtf8FromFile(path(name), utf8, encoding); }),
+              systemError);
+    EXPECT_EQ(text, L"invalid");
+    EXPECT_EQ(utf8, "invalid");
+    EXPECT_EQ(encoding, UTF_16BE);
+    return systemError;
+  }
+
+  template <typename Read>
+  int errorOf(const std::string& name, int errorCode, Read readIt) {
     try {
-      ReadBufferFromFile(path(name), text, encoding, nullptr);
+      readIt();
       ADD_FAILURE() << "read";
     } catch (const ReadWriteException& e) {
       EXPECT_EQ(e.GetErrorCode(), errorCode);
-      EXPECT_EQ(text, L"invalid");
-      EXPECT_EQ(encoding, UTF_16BE);
       EXPECT_NE(std::string(e.what()).find(m_directory.file(name)), std::string::npos) << e.what();
       return e.GetSystemError();
     }
     return -1;
+  }
+
+  std::string readUtf8(const std::string& name, UTF_ENCODINGS& encoding) {
+    std::string utf8 = "invalid";
+    ReadUtf8FromFile(path(name), utf8, encoding);
+    return utf8;
   }
 
   std::wstring read(const std::string& name, UTF_ENCODINGS* found = nullptr) {
@@ -54,6 +72,46 @@ TEST_F(TextFile, isReadInTheEncodingThatItHas) {
     UTF_ENCODINGS found;
     EXPECT_EQ(read("list", &found), L"<a>\x20AC\x1F600</a>");
     EXPECT_EQ(found, encoding);
+  }
+}
+
+TEST_F(TextFile, isReadAsUtf8WhateverEncodingItHas) {
+  for (const UTF_ENCODINGS encoding : {UTF_16LE, UTF_16BE, UTF_32LE, UTF_32BE, UTF_8}) {
+    EXPECT_TRUE(
+        WriteBufferToFile(path("list"), L"<a>\x20AC\x1F600</a>", encoding, nullptr, nullptr));
+    UTF_ENCODINGS found = encoding == UTF_8 ? UTF_16LE : UTF_8;
+    EXPECT_EQ(readUtf8("list", found), "<a>\xE2\x82\xAC\xF0\x9F\x98\x80</a>");
+    EXPECT_EQ(found, encoding);
+  }
+}
+
+TEST_F(TextFile, isReadAsUtf8WithoutItsMark) {
+  UTF_ENCODINGS found = UTF_16LE;
+  test::writeFile(m_directory.file("list"), "\xEF\xBB\xBF<a/>");
+  EXPECT_EQ(readUtf8("list", found), "<a/>");
+  EXPECT_EQ(found, UTF_8);
+}
+
+TEST_F(TextFile, isReadAsUtf8ByTheHintWhenItsBytesDoNotTell) {
+  UTF_ENCODINGS hint = UTF_16BE;
+  test::writeFile(m_directory.file("list"), "\x4E\x2D");
+  EXPECT_EQ(readUtf8("list", hint), "\xE4\xB8\xAD");
+  EXPECT_EQ(hint, UTF_16BE);
+}
+
+// What is not valid shows wherever it stands, also between long runs of plain characters.
+TEST_F(TextFile, ofInvalidBytesCannotBeReadWhereverTheyStand) {
+  const std::string sequences[] = {"\x80",         "\xC3",         "\xC0\xBC",
+                                   "\xE2\x82",     "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                                   "\xF0\x9F\x98", "\xFF"};
+  for (const std::string& bad : sequences) {
+    for (std::size_t before = 0; before < 40; ++before) {
+      for (const std::size_t after : {0u, 1u, 17u, 40u}) {
+        test::writeFile(m_directory.file("list"),
+                        "<" + std::string(before, 'a') + bad + std::string(after, 'b'));
+        expectReadFails("list", ReadWriteException::INVALID_ENCODING);
+      }
+    }
   }
 }
 

@@ -1,6 +1,7 @@
 #include "host/crypto/sealed_value.h"
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <new>
 #include <utility>
@@ -19,9 +20,15 @@ constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
 constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
 
-// Finding the algorithm is the dearest step of all; once per process is enough.
+// Finding the algorithm is the dearest step of all; once per process is enough. Null when it is not
+// to be had now, for want of memory.
 const EVP_CIPHER* algorithm() {
-  static EVP_CIPHER* const cipher = findCipher().release();
+  static std::atomic<const EVP_CIPHER*> found{nullptr};
+  const EVP_CIPHER* cipher = found.load(std::memory_order_acquire);
+  if (cipher) return cipher;
+  CipherPtr own = findCipher();
+  // Another thread may have been faster.
+  if (found.compare_exchange_strong(cipher, own.get())) return own.release();
   return cipher;
 }
 

@@ -1,65 +1,17 @@
-#include <algorithm>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "tools/sitelist/report.h"
-#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {
 
-bool isPlain(char c) { return c >= 0x20 && c < 0x7F && c != '"' && c != '\\'; }
-
-void appendUnit(std::string& out, std::uint32_t unit) {
-  out += "\\u";
-  for (int shift = 12; shift >= 0; shift -= 4) out += "0123456789abcdef"[unit >> shift & 0xF];
-}
-
-// The letter that stands for a character behind a backslash, or 0.
-char shortEscape(wchar_t c) {
-  switch (c) {
-    case L'"':
-    case L'\\':
-      return static_cast<char>(c);
-    case L'\b':
-      return 'b';
-    case L'\f':
-      return 'f';
-    case L'\n':
-      return 'n';
-    case L'\r':
-      return 'r';
-    case L'\t':
-      return 't';
-  }
-  return '\0';
-}
-
-// Down to ASCII: what a document holds does nothing to a terminal.
-void append(std::string& out, wchar_t c) {
-  const auto code = static_cast<std::uint32_t>(c);
-  if (code < 0x80 && isPlain(static_cast<char>(code))) {
-    out += static_cast<char>(code);
-  } else if (const char letter = shortEscape(c)) {
-    out += '\\';
-    out += letter;
-  } else if (code < 0x10000) {
-    appendUnit(out, code);
-  } else {
-    appendUnit(out, 0xD800 + ((code - 0x10000) >> 10));
-    appendUnit(out, 0xDC00 + (code & 0x3FF));
-  }
-}
-
+// Down to ASCII: what a document holds does nothing to a terminal. What the command line or a file
+// name brought need not be UTF-8, all else already is.
 void append(std::string& out, const std::string& text) {
-  out += '"';
-  if (std::all_of(text.begin(), text.end(), isPlain)) {
-    out += text;
-  } else {
-    // What the command line or a file name brought need not be UTF-8; all else already is.
-    for (const wchar_t c : wide(text)) append(out, c);
-  }
-  out += '"';
+  using nlohmann::json;
+  out += json(text).dump(-1, ' ', true, json::error_handler_t::replace);
 }
 
 void append(std::string& out, const Scalar& value) {
@@ -71,8 +23,7 @@ void append(std::string& out, const Scalar& value) {
 void appendName(std::string& out, const char* indent, const std::string& name, bool isFirst) {
   out += isFirst ? "\n" : ",\n";
   out += indent;
-  append(out, name);
-  out += ": ";
+  out += '"' + name + "\": ";  // the names are the tool's own
 }
 
 void appendMembers(std::string& out, const char* indent, const Record& record) {

@@ -13,13 +13,12 @@
 #include "tests/import/documents.h"
 #include "tests/import/records.h"
 #include "tests/support/child_process.h"
-#include "tests/support/test_agent.h"
 
 namespace test {
 namespace {
 
 // Part of the size that a document of records has, whose memory is many times that.
-constexpr std::size_t c_fewer = 16;
+constexpr std::size_t c_fewer = 32;
 
 constexpr std::size_t c_stackBytes = std::size_t{256} << 10;
 
@@ -234,34 +233,44 @@ CHILD_PROCESS(readHostileList) {
 
 }  // namespace
 
-HostileFigures readHostileDocuments(std::size_t bytes, const Progress& progress) {
-  HostileFigures figures;
-  TestAgent agent;
-  writeFile(agent.dataDirectory() + "/small.xml",
+HostileReader::HostileReader() {
+  writeFile(m_agent.dataDirectory() + "/small.xml",
             document(httpElement("small") + proxyElement("p")));
+}
+
+bool HostileReader::read(const HostileFamily& family, std::size_t bytes, HostileResult& result,
+                         Faults& faults) {
+  result.family = family.name;
+  {
+    const std::string document = family.make(family.makesRecords ? bytes / c_fewer : bytes);
+    result.bytes = document.size();
+    writeFile(m_agent.dataDirectory() + "/SiteList.xml", document);
+  }
+  ChildProcess child("readHostileList", {m_agent.dataDirectory()});
+  std::istringstream answer(child.receive());
+  std::size_t peak = 0;
+  if (!(answer >> result.readCode >> result.derived >> peak >> result.seconds)) {
+    faults.add(family.name, "crashed: " + std::to_string(child.wait()));
+    return false;
+  }
+  if (child.wait() != 0) {
+    faults.add(family.name, "does not end well");
+    return false;
+  }
+  if (family.makesRecords) {
+    const std::size_t records = result.bytes / std::string("<HttpSite/>").size();
+    peak -= std::min(peak, records * sizeof(sitehlp::tag_Site));
+  }
+  result.peakFactor = static_cast<double>(peak) / static_cast<double>(result.bytes);
+  return true;
+}
+
+HostileFigures readHostileDocuments(std::size_t bytes) {
+  HostileFigures figures;
+  HostileReader reader;
   for (const HostileFamily& family : hostileFamilies()) {
     HostileResult result;
-    result.family = family.name;
-    {
-      const std::string document = family.make(family.makesRecords ? bytes / c_fewer : bytes);
-      result.bytes = document.size();
-      writeFile(agent.dataDirectory() + "/SiteList.xml", document);
-    }
-    ChildProcess child("readHostileList", {agent.dataDirectory()});
-    std::istringstream answer(child.receive());
-    std::size_t peak = 0;
-    if (!(answer >> result.readCode >> result.derived >> peak >> result.seconds)) {
-      figures.faults.add(family.name, "crashed: " + std::to_string(child.wait()));
-      continue;
-    }
-    if (child.wait() != 0) figures.faults.add(family.name, "does not end well");
-    if (family.makesRecords) {
-      const std::size_t records = result.bytes / std::string("<HttpSite/>").size();
-      peak -= std::min(peak, records * sizeof(sitehlp::tag_Site));
-    }
-    result.peakFactor = static_cast<double>(peak) / static_cast<double>(result.bytes);
-    figures.results.push_back(result);
-    if (progress) progress(figures.results.size());
+    if (reader.read(family, bytes, result, figures.faults)) figures.results.push_back(result);
   }
   return figures;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/resilience/experiment.h"
+#include "tests/support/test_agent.h"
 
 namespace test {
 
@@ -34,8 +35,19 @@ struct HostileFigures {
   Faults faults;
 };
 
-// Lets a process of its own, on a stack of 256 KiB, read and edit a document of each family.
-HostileFigures readHostileDocuments(std::size_t bytes, const Progress& progress = nullptr);
+// Lets a process of its own, on a stack of 256 KiB, read and edit documents of a family.
+class HostileReader {
+ public:
+  HostileReader();
+  // One document. False, with a fault, when the process did not end well.
+  bool read(const HostileFamily& family, std::size_t bytes, HostileResult& result, Faults& faults);
+
+ private:
+  TestAgent m_agent;
+};
+
+// One document of each family.
+HostileFigures readHostileDocuments(std::size_t bytes);
 
 }  // namespace test
 

@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
+#include <openssl/provider.h>
+#include <openssl/rand.h>
 
 #include <functional>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "host/crypto/sealed_value.h"
 #include "host/xml/xml_name.h"
 #include "platform/crypto/crypt_shim.h"
 #include "tests/resilience_memory/every_allocation.h"
+#include "tests/support/child_process.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -62,6 +66,49 @@ TEST(Shortage, LeavesTheOutputOfAPasswordThatIsNotProtectedAsItWas) {
   EXPECT_NE(object->decrypt_string(text, again), 0);
   EXPECT_EQ(again, clear);
   service->destroy_encryption_object(object);
+}
+
+// Seals for the first time in this process while an allocation fails, and then again. Tells whether
+// one failed and whether both attempts ended well.
+CHILD_PROCESS(sealForTheFirstTime) {
+  // What libcrypto itself makes once is not to fail.
+  unsigned char random = 0;
+  if (RAND_bytes(&random, 1) != 1 || OSSL_PROVIDER_available(nullptr, "default") != 1) return 1;
+  const SecretBytes key(host::c_keySize, 'k');
+  std::vector<unsigned char> sealed;
+  const auto seal = [&] { return host::Sealer(key).seal(key.data(), key.size(), sealed); };
+  bool first = false;
+  bool failed = false;
+  {
+    const FailingAllocations failing(std::stoul(args[0]), false);
+    try {
+      first = seal();
+    } catch (const std::bad_alloc&) {
+    }
+    failed = failing.failed() != 0;
+  }
+  bool second = false;
+  try {
+    second = seal();
+  } catch (const std::bad_alloc&) {
+  }
+  channel.send(std::string(failed ? "failed" : "all there") + (first ? " done" : " refused") +
+               (second ? " done" : " refused"));
+  return 0;
+}
+
+TEST(Shortage, OfAMomentLeavesTheCipherForLater) {
+  unsigned long refused = 0;
+  std::string answer;
+  for (unsigned long n = 0; answer.rfind("all there", 0) != 0; ++n) {
+    test::ChildProcess child("sealForTheFirstTime", {std::to_string(n)});
+    answer = child.receive();
+    ASSERT_EQ(child.wait(), 0);
+    refused += answer == "failed refused done";
+    EXPECT_EQ(answer.substr(answer.rfind(' ')), " done") << "allocation " << n << ": " << answer;
+  }
+  EXPECT_EQ(answer, "all there done done");
+  EXPECT_GT(refused, 0U);
 }
 
 TEST(Shortage, MakesNoSealerThatDoesNotWork) {

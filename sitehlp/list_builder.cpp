@@ -58,10 +58,10 @@ void readProxyConfigList(const Element& element, const SiteAttributes& attribute
                          bool useDecryptData, tag_Site& site, int& result) {
   bool hasChild = false;
   for (const Element child : element.Elements()) {
-    hasChild = true;
     const SiteElement kind = classify(child);
     result = kind == SiteElement::None ? c_errorGeneral : c_success;
-    std::memset(&site.proxy, 0, recordSize(kind));
+    if (hasChild) std::memset(&site.proxy, 0, recordSize(kind));
+    hasChild = true;
     decodeSite(kind, child, SiteAttributes(child), useDecryptData, &site.proxy);
   }
   if (!hasChild && !attributes.useIeConfig.IsNull()) {

@@ -42,38 +42,92 @@ void decodeExclusions(const Element& element, tag_ProxySite& site) {
   }
 }
 
+// The children that proxy elements have.
+enum class ProxyChild {
+  AllowUserToConfigure,
+  BypassLocalAddress,
+  ExclusionList,
+  FtpUseAuth,
+  HttpUseAuth,
+  HttpUser,
+  HttpPassword,
+  FtpUser,
+  FtpPassword,
+  AlternateFtpUseAuth,
+  AlternateHttpUseAuth,
+  AlternateHttpUser,
+  AlternateHttpPassword,
+  AlternateFtpUser,
+  AlternateFtpPassword,
+  None,
+};
+
+ProxyChild proxyChildOf(const Element& element) {
+  static const wchar_t* const names[] = {
+      WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, WX_XML_PROXY_BYPASSLOCALADDR,
+      WX_XML_PROXY_EXCLUSIONLIST,          WX_XML_PROXY_FTP_USEAUTH,
+      WX_XML_PROXY_HTTP_USEAUTH,           WX_XML_HTTP_PROXY_PROXYUSERNAME,
+      WX_XML_HTTP_PROXY_PROXYPASSWORD,     WX_XML_FTP_PROXY_PROXYUSERNAME,
+      WX_XML_FTP_PROXY_PROXYPASSWORD,      WX_XML_PROXY_ALT_FTP_USEAUTH,
+      WX_XML_PROXY_ALT_HTTP_USEAUTH,       WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME,
+      WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, WX_XML_FTP_PROXY_ALT_PROXYUSERNAME,
+      WX_XML_FTP_PROXY_ALT_PROXYPASSWORD,
+  };
+  constexpr std::size_t count = sizeof names / sizeof names[0];
+  static_assert(count == static_cast<std::size_t>(ProxyChild::None));
+  return static_cast<ProxyChild>(element.FindName(names, count));
+}
+
 void decodeChild(const Element& child, bool useDecryptData, tag_ProxySite& site) {
-  if (child.HasName(WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY)) {
-    site.bAllowUserToConfigureProxy = readFlag(child);
-  } else if (child.HasName(WX_XML_PROXY_BYPASSLOCALADDR)) {
-    site.bBypassLocalAddress = readFlag(child);
-  } else if (child.HasName(WX_XML_PROXY_EXCLUSIONLIST)) {
-    decodeExclusions(child, site);
-  } else if (child.HasName(WX_XML_PROXY_FTP_USEAUTH)) {
-    site.bFtpUseAuth = readFlag(child);
-  } else if (child.HasName(WX_XML_PROXY_HTTP_USEAUTH)) {
-    site.bHttpUseAuth = readFlag(child);
-  } else if (child.HasName(WX_XML_HTTP_PROXY_PROXYUSERNAME)) {
-    setField(site.szHttpProxyUser, child);
-  } else if (child.HasName(WX_XML_HTTP_PROXY_PROXYPASSWORD)) {
-    // The one password that is always in the agent's own protection.
-    setPassword(site.szHttpProxyPassword, child, false);
-  } else if (child.HasName(WX_XML_FTP_PROXY_PROXYUSERNAME)) {
-    setField(site.szFtpProxyUser, child);
-  } else if (child.HasName(WX_XML_FTP_PROXY_PROXYPASSWORD)) {
-    setPassword(site.szFtpProxyPassword, child, useDecryptData);
-  } else if (child.HasName(WX_XML_PROXY_ALT_FTP_USEAUTH)) {
-    site.bAlternateFtpUseAuth = readFlag(child);
-  } else if (child.HasName(WX_XML_PROXY_ALT_HTTP_USEAUTH)) {
-    site.bAlternateHttpUseAuth = readFlag(child);
-  } else if (child.HasName(WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME)) {
-    setField(site.szAlternateHttpProxyUser, child);
-  } else if (child.HasName(WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD)) {
-    setPassword(site.szAlternateHttpProxyPassword, child, useDecryptData);
-  } else if (child.HasName(WX_XML_FTP_PROXY_ALT_PROXYUSERNAME)) {
-    setField(site.szAlternateFtpProxyUser, child);
-  } else if (child.HasName(WX_XML_FTP_PROXY_ALT_PROXYPASSWORD)) {
-    setPassword(site.szAlternateFtpProxyPassword, child, useDecryptData);
+  switch (proxyChildOf(child)) {
+    case ProxyChild::AllowUserToConfigure:
+      site.bAllowUserToConfigureProxy = readFlag(child);
+      break;
+    case ProxyChild::BypassLocalAddress:
+      site.bBypassLocalAddress = readFlag(child);
+      break;
+    case ProxyChild::ExclusionList:
+      decodeExclusions(child, site);
+      break;
+    case ProxyChild::FtpUseAuth:
+      site.bFtpUseAuth = readFlag(child);
+      break;
+    case ProxyChild::HttpUseAuth:
+      site.bHttpUseAuth = readFlag(child);
+      break;
+    case ProxyChild::HttpUser:
+      setField(site.szHttpProxyUser, child);
+      break;
+    case ProxyChild::HttpPassword:
+      // The one password that is always in the agent's own protection.
+      setPassword(site.szHttpProxyPassword, child, false);
+      break;
+    case ProxyChild::FtpUser:
+      setField(site.szFtpProxyUser, child);
+      break;
+    case ProxyChild::FtpPassword:
+      setPassword(site.szFtpProxyPassword, child, useDecryptData);
+      break;
+    case ProxyChild::AlternateFtpUseAuth:
+      site.bAlternateFtpUseAuth = readFlag(child);
+      break;
+    case ProxyChild::AlternateHttpUseAuth:
+      site.bAlternateHttpUseAuth = readFlag(child);
+      break;
+    case ProxyChild::AlternateHttpUser:
+      setField(site.szAlternateHttpProxyUser, child);
+      break;
+    case ProxyChild::AlternateHttpPassword:
+      setPassword(site.szAlternateHttpProxyPassword, child, useDecryptData);
+      break;
+    case ProxyChild::AlternateFtpUser:
+      setField(site.szAlternateFtpProxyUser, child);
+      break;
+    case ProxyChild::AlternateFtpPassword:
+      setPassword(site.szAlternateFtpProxyPassword, child, useDecryptData);
+      break;
+    case ProxyChild::None:
+      break;
   }
 }
 

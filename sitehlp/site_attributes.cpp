@@ -37,10 +37,9 @@ SiteAttributes::SiteAttributes(const AdvXMLParser::Element& element) {
   };
   constexpr std::size_t count = sizeof members / sizeof members[0];
   static_assert(sizeof names / sizeof names[0] == count);
-  for (const AdvXMLParser::Attribute attribute : element.Attributes()) {
-    const std::size_t found = attribute.FindName(names, count);
-    if (found != count) this->*members[found] = attribute;
-  }
+  AdvXMLParser::Attribute found[count];
+  element.FindAttributes(names, count, found);
+  for (std::size_t i = 0; i < count; ++i) this->*members[i] = found[i];
 }
 
 }  // namespace sitehlp

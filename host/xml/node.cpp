@@ -14,8 +14,11 @@ using host::asAttribute;
 using host::asNode;
 
 pugi::xml_node elementFrom(pugi::xml_node node) {
-  while (node && node.type() != pugi::node_element) node = node.next_sibling();
-  return node;
+  for (;;) {
+    const pugi::xml_node_type type = node.type();
+    if (type == pugi::node_element || type == pugi::node_null) return node;
+    node = node.next_sibling();
+  }
 }
 
 std::wstring wide(const char* utf8) { return host::toWide(utf8, std::strlen(utf8)); }
@@ -26,10 +29,6 @@ std::wstring Attribute::GetName() const { return wide(asAttribute(m_handle).name
 
 bool Attribute::HasName(const wchar_t* name) const {
   return !IsNull() && host::equals(asAttribute(m_handle).name(), name);
-}
-
-std::size_t Attribute::FindName(const wchar_t* const* names, std::size_t count) const {
-  return IsNull() ? count : host::findName(asAttribute(m_handle).name(), names, count);
 }
 
 std::wstring Attribute::GetValue() const { return wide(GetNarrowValue()); }
@@ -72,6 +71,17 @@ void NodeContainer::AddText(const std::wstring& text) {
 
 Attribute Element::GetAttribute(const wchar_t* name) const {
   return Attribute(host::findAttribute(asNode(m_handle), name).internal_object());
+}
+
+void Element::FindAttributes(const wchar_t* const* names, std::size_t count,
+                             Attribute* found) const {
+  pugi::xml_attribute attribute = asNode(m_handle).first_attribute();
+  // Only a null attribute has no name.
+  for (const char* name; *(name = attribute.name()) != '\0';
+       attribute = attribute.next_attribute()) {
+    const std::size_t at = host::findName(name, names, count);
+    if (at != count) found[at] = Attribute(attribute.internal_object());
+  }
 }
 
 AttributeRange Element::Attributes() const {

@@ -143,11 +143,8 @@ class PLATFORM_API Attribute : public Node {
 
   std::wstring GetName() const;             // may throw std::bad_alloc
   bool HasName(const wchar_t* name) const;  // false for a null handle
-  // The position of the name among `count` others; `count` when it is not there.
-  std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
-
-  std::wstring GetValue() const;  // may throw std::bad_alloc
-  bool IsEmpty() const;           // no attribute, or an empty value
+  std::wstring GetValue() const;            // may throw std::bad_alloc
+  bool IsEmpty() const;                     // no attribute, or an empty value
   // The value as UTF-8, for reading numbers. Points into the tree; never null.
   const char* GetNarrowValue() const;
   // Writes the value and a terminator when they fit into `capacity` characters and returns true;
@@ -169,7 +166,7 @@ class PLATFORM_API NodeContainer : public Node {
  public:
   std::wstring GetName() const;             // may throw std::bad_alloc
   bool HasName(const wchar_t* name) const;  // false for a null handle
-  // As Attribute::FindName.
+  // The position of the name among `count` others; `count` when it is not there.
   std::size_t FindName(const wchar_t* const* names, std::size_t count) const;
 
   std::wstring GetValue() const;  // may throw std::bad_alloc
@@ -194,6 +191,9 @@ class PLATFORM_API Element : public NodeContainer {
 
   // The attribute of that name; a null handle when there is none.
   Attribute GetAttribute(const wchar_t* name) const;
+  // Puts each attribute whose name is among `count` given ones into the same place of `found`; the
+  // other places stay as they are.
+  void FindAttributes(const wchar_t* const* names, std::size_t count, Attribute* found) const;
   // The attributes in document order.
   AttributeRange Attributes() const;
 

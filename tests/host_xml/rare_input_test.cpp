@@ -33,7 +33,10 @@ TEST(RareInput, ANullHandleHasNoNameAndAnotherOneItsOwnAlone) {
   const test::DocumentPtr document = parse(std::string("<r a=''/>"));
   EXPECT_TRUE(document->GetRoot().GetAttribute(L"a").HasName(L"a"));
   EXPECT_FALSE(document->GetRoot().GetAttribute(L"a").HasName(L"b"));
-  EXPECT_EQ(Attribute().FindName(names, 2), 2U);
+  Attribute found[2] = {document->GetRoot().GetAttribute(L"a"), Attribute()};
+  Element().FindAttributes(names, 2, found);
+  EXPECT_FALSE(found[0].IsNull());
+  EXPECT_TRUE(found[1].IsNull());
   EXPECT_EQ(Element().FindName(names, 2), 2U);
 }
 
@@ -41,11 +44,11 @@ TEST(RareInput, ANameBeyondAsciiIsFoundAmongOthers) {
   const test::DocumentPtr document = parse(std::wstring(L"<Größe é='1' ä='2'/>"));
   const wchar_t* const names[] = {L"Grö", L"GröSSe", L"é", L"Größe", L"ä"};
   EXPECT_EQ(document->GetRoot().FindName(names, 5), 3U);
-  std::vector<std::size_t> found;
-  for (const Attribute attribute : document->GetRoot().Attributes()) {
-    found.push_back(attribute.FindName(names, 5));
-  }
-  EXPECT_EQ(found, (std::vector<std::size_t>{2, 4}));
+  Attribute found[5];
+  document->GetRoot().FindAttributes(names, 5, found);
+  std::vector<std::wstring> values;
+  for (const Attribute& attribute : found) values.push_back(attribute.GetValue());
+  EXPECT_EQ(values, (std::vector<std::wstring>{L"", L"", L"1", L"", L"2"}));
 }
 
 TEST(RareInput, ACarriageReturnAtTheVeryEndIsALineEndLikeAnyOther) {

@@ -53,36 +53,23 @@ class Checker {
   }
 
   Standalone check(const char* utf8, std::size_t size) {
-    // In pieces, so that a token over the limit is refused before all of it is looked at.
-    std::size_t done = 0;
-    do {
-      const std::size_t piece = std::min(size - done, c_maxTokenBytes);
-      feed(utf8 + done, piece, done + piece == size);
-      done += piece;
-      if (done < size) checkPending(done);
-    } while (done < size);
-    return m_standalone;
-  }
-
- private:
-  void feed(const char* utf8, std::size_t size, bool isLast) {
-    const XML_Status status =
-        XML_Parse(m_parser.get(), utf8, static_cast<int>(size), isLast ? XML_TRUE : XML_FALSE);
+    // All of it in one call: after each that is not the last, expat counts the lines so far.
+    const XML_Status status = XML_Parse(m_parser.get(), utf8, static_cast<int>(size), XML_TRUE);
     if (m_failure) std::rethrow_exception(m_failure);
-    if (status == XML_STATUS_OK) return;
+    if (status == XML_STATUS_OK) return m_standalone;
     const XML_Error error = XML_GetErrorCode(m_parser.get());
     if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    if (error == XML_ERROR_UNCLOSED_TOKEN) {
+      // Negative: nothing has come before it.
+      const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));
+      if (size - static_cast<std::size_t>(start) > c_maxTokenBytes) {
+        refuseAsTooLarge("length of a token");
+      }
+    }
     refuse(XML_ErrorString(error));
   }
 
-  // The token that is not at its end yet.
-  void checkPending(std::size_t fed) const {
-    const XML_Index start = XML_GetCurrentByteIndex(m_parser.get());
-    if (start >= 0 && fed - static_cast<std::size_t>(start) > c_maxTokenBytes) {
-      refuseAsTooLarge("length of a token");
-    }
-  }
-
+ private:
   static Checker& from(void* self) { return *static_cast<Checker*>(self); }
 
   static void onDeclaration(void* self, const char*, const char*, int standalone) {

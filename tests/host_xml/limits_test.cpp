@@ -149,8 +149,17 @@ TEST(ChildLimit, countsTheChildrenOfOneElement) {
   EXPECT_NE(parse("<r>" + half + half + "</r>"), nullptr);
 }
 
-TEST(TokenLimit, refusesATagManyTimesTheLimitBeforeItsEnd) {
-  overLimit("<r>" + std::string(2 * host::c_maxTokenBytes, ' ').replace(0, 2, "<a"));
+TEST(TokenLimit, refusesATokenThatHasNoEndAndIsTooLong) {
+  for (const std::string before : {"", "<r>", "<r>text\n", "<!--c-->\n"}) {
+    for (const std::string begin : {"<a", "<a b='", "<!--", "<?p "}) {
+      SCOPED_TRACE(before + begin);
+      std::string token = begin;
+      token.resize(host::c_maxTokenBytes, ' ');
+      EXPECT_THROW(parse(before + token), ParsingException);
+      overLimit(before + token + " ");
+      overLimit(before + token + std::string(host::c_maxTokenBytes, ' '));
+    }
+  }
 }
 
 // Comments of four-byte characters make a document of `size` bytes out of few characters.

@@ -16,11 +16,6 @@ Cost rewriting(const Edit& edit, Rewrite rewrite) {
                     [edit, rewrite] { rewrite(edit.bytes, edit.target); });
 }
 
-void rewriteChecked(const std::string& bytes, const std::string& path) {
-  parseWithExpat(bytes);
-  rewriteWithPugixml(bytes, path);
-}
-
 void addModifyRow(std::size_t sourceCount, const char* against, double bound, Rewrite rewrite) {
   addRow({"modifySiteList, 1000 sites by " + std::to_string(sourceCount), against, bound, 60, [=] {
             const Edit edit = modifyOf(sitesFile(1000), sitesFile(sourceCount, 1));

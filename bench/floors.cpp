@@ -100,6 +100,11 @@ void rewriteWithPugixml(const std::string& bytes, const std::string& path) {
   writeAtomically(path, print(document));
 }
 
+void rewriteChecked(const std::string& bytes, const std::string& path) {
+  parseWithExpat(bytes);
+  rewriteWithPugixml(bytes, path);
+}
+
 void rewriteWithLibxml2(const std::string& bytes, const std::string& path) {
   const LibxmlDocument document(bytes);
   xmlChar* text = nullptr;

@@ -21,6 +21,8 @@ void parseWithPugixml(const std::string& bytes);
 
 // pugixml: parses a document without checks, prints it and replaces the file with it.
 void rewriteWithPugixml(const std::string& bytes, const std::string& path);
+// The same after expat has checked it.
+void rewriteChecked(const std::string& bytes, const std::string& path);
 // The same with libxml2, which checks.
 void rewriteWithLibxml2(const std::string& bytes, const std::string& path);
 

@@ -3,15 +3,12 @@
 #include "bench/check.h"
 #include "bench/edits.h"
 #include "bench/floors.h"
+#include "bench/memory.h"
 #include "bench/row.h"
 #include "bench/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
 #include "sitehlp/sites_helper.h"
-
-#if defined(__GLIBC__)
-#include <malloc.h>
-#endif
 
 namespace bench {
 
@@ -27,20 +24,9 @@ constexpr double c_bound = 11;
 // What an operation costs with a list of that many elements.
 using CostOfSize = std::function<Cost(std::size_t)>;
 
-// Starts with no memory left over from before, as a new process does. Otherwise the allocator keeps
-// the memory of a short list from run to run, gives that of a long one back, and the ratio tells
-// its threshold.
-Cost withNewMemory(const Cost& cost) {
-  return [cost] {
-#if defined(__GLIBC__)
-    ::malloc_trim(0);
-#endif
-    return cost();
-  };
-}
-
-void addGrowthRow(const std::string& name, const CostOfSize& cost, int samples = 9) {
-  addRow({name + ", 10000 elements", "the same with 1000", c_bound, samples, [cost] {
+void addGrowthRow(const std::string& name, const CostOfSize& cost, int samples = 9,
+                  double bound = c_bound) {
+  addRow({name + ", 10000 elements", "the same with 1000", bound, samples, [cost] {
             return Measurement{withNewMemory(cost(c_large)), withNewMemory(cost(c_small))};
           }});
 }
@@ -139,6 +125,7 @@ Cost askingServers(std::size_t count) {
     for (int i = 0; i < 3; ++i) CSitesHelper(true).needToUpdateInMemSiteList();
     tag_Site* list = nullptr;
     check(helper->SmartReadSiteList(std::wstring(), &list) == 0 && list, "cannot read the list");
+    letMemoryGo();  // that of the list that was kept before
     kept = count;
   };
   return timedAfter(keepList, [helper] {
@@ -166,13 +153,30 @@ Cost importing(std::size_t count) {
   });
 }
 
-Cost modifying(std::size_t count) { return modifyOf(sitesFile(count), sitesFile(count, 1)).cost(); }
-
-Cost modifyingServers(std::size_t count) {
-  return modifyOf(serversFile(c_large, 1), serversFile(count, 2)).cost();
+Cost editing(const Edit& edit) {
+  const auto restore = [edit] {
+    edit.restore();
+    letMemoryGo();
+  };
+  return timedAfter(restore, edit.perform);
 }
 
-Cost deriving(std::size_t count) { return deriveOf(sitesFile(count)).cost(); }
+Cost modifying(std::size_t count) {
+  return editing(modifyOf(sitesFile(count), sitesFile(count, 1)));
+}
+
+Cost modifyingServers(std::size_t count) {
+  return editing(modifyOf(serversFile(c_large, 1), serversFile(count, 2)));
+}
+
+// What is below the edits, for comparison.
+Cost rewriting(std::size_t count) {
+  return timed([bytes = readFile(sitesFile(count)), path = inEtc("rewritten.xml")] {
+    rewriteChecked(bytes, path);
+  });
+}
+
+Cost deriving(std::size_t count) { return editing(deriveOf(sitesFile(count))); }
 
 }  // namespace
 
@@ -191,6 +195,7 @@ void addGrowthRows() {
   addGrowthRow("modifySiteList", modifying);
   addGrowthRow("modifySiteList, 10000 servers by as many other servers as", modifyingServers);
   addGrowthRow("createServerSiteListFromSiteList", deriving);
+  addGrowthRow("expat, empty handlers + pugixml: parse, print, atomic write", rewriting, 9, 0);
 }
 
 }  // namespace bench

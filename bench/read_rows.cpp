@@ -1,5 +1,6 @@
 #include "bench/check.h"
 #include "bench/floors.h"
+#include "bench/memory.h"
 #include "bench/row.h"
 #include "bench/row_groups.h"
 #include "bench/sample_agent.h"
@@ -39,33 +40,44 @@ std::function<void()> parsingAndFillingOf(const std::string& path) {
   };
 }
 
-void addRowOfMany(std::size_t count, int samples) {
-  addRow({"ReadSiteList, " + std::to_string(count) + " sites",
-          "expat, empty handlers + records allocated, filled, freed", 1.3, samples, [count] {
-            const std::string path = sitesFile(count);
-            return Measurement{timed(readingOf(path)), timed(parsingAndFillingOf(path))};
+void addRowsOfMany(std::size_t count, int samples) {
+  const auto prepare = [count] {
+    const std::string path = sitesFile(count);
+    return Measurement{timed(readingOf(path)), timed(parsingAndFillingOf(path))};
+  };
+  const std::string name = "ReadSiteList, " + std::to_string(count) + " sites";
+  const char* const floor = "expat, empty handlers + records allocated, filled, freed";
+  addRow(
+      {name + ", in new memory", floor, 1.3, samples, [prepare] {
+         const Measurement measurement = prepare();
+         return Measurement{withNewMemory(measurement.subject), withNewMemory(measurement.floor)};
+       }});
+  addRow({name + ", in memory kept", floor, 1.3, samples, [prepare] {
+            keepFreedMemory();
+            return prepare();
+          }});
+}
+
+// One list again and again, so small that what it needs stays with the process.
+void addRowOf12(const char* against, double bound,
+                std::function<void()> (*floorOf)(const std::string&)) {
+  addRow({"ReadSiteList, 12 sites", against, bound, 400, [floorOf] {
+            keepFreedMemory();
+            const std::string path = sitesFile(12);
+            return Measurement{timed(readingOf(path), 8), timed(floorOf(path), 8)};
           }});
 }
 
 }  // namespace
 
 void addReadRows() {
-  addRow(
-      {"ReadSiteList, 12 sites", "expat, empty handlers", 2.0, 400, [] {
-         const std::string path = sitesFile(12);
-         return Measurement{timed(readingOf(path), 8), timed(parsingOf(path, parseWithExpat), 8)};
-       }});
-  addRow(
-      {"ReadSiteList, 12 sites", "libxml2, tree", 0, 400, [] {
-         const std::string path = sitesFile(12);
-         return Measurement{timed(readingOf(path), 8), timed(parsingOf(path, parseWithLibxml2), 8)};
-       }});
-  addRow({"ReadSiteList, 12 sites", "expat + records allocated, filled, freed", 0, 400, [] {
-            const std::string path = sitesFile(12);
-            return Measurement{timed(readingOf(path), 8), timed(parsingAndFillingOf(path), 8)};
-          }});
-  addRowOfMany(1000, 60);
-  addRowOfMany(10000, 11);
+  addRowOf12("expat, empty handlers", 2.0,
+             [](const std::string& path) { return parsingOf(path, parseWithExpat); });
+  addRowOf12("libxml2, tree", 0,
+             [](const std::string& path) { return parsingOf(path, parseWithLibxml2); });
+  addRowOf12("expat + records allocated, filled, freed", 0, parsingAndFillingOf);
+  addRowsOfMany(1000, 60);
+  addRowsOfMany(10000, 11);
   addRow({"constructor with versions, 12 sites", "expat, empty handlers", 1.6, 400, [] {
             const std::string path = sitesFile(12);
             return Measurement{timed(

@@ -23,6 +23,22 @@ void addModifyRow(std::size_t sourceCount, const char* against, double bound, Re
           }});
 }
 
+// The edit needs both documents, so no less than this can do it.
+void addRowOfBothDocuments() {
+  addRow({"modifySiteList, 1000 sites by 1000", "the same, and expat + pugixml on the source", 0,
+          60, [] {
+            const std::string source = sitesFile(1000, 1);
+            const Edit edit = modifyOf(sitesFile(1000), source);
+            const Cost both = timedAfter([edit] { edit.restore(); },
+                                         [edit, bytes = readFile(source)] {
+                                           parseWithExpat(bytes);
+                                           parseWithPugixml(bytes);
+                                           rewriteChecked(edit.bytes, edit.target);
+                                         });
+            return Measurement{edit.cost(), both};
+          }});
+}
+
 void addDeriveRow(const char* against, double bound, Rewrite rewrite) {
   addRow({"createServerSiteListFromSiteList, 1000 sites", against, bound, 60, [=] {
             const Edit edit = deriveOf(sitesFile(1000));
@@ -38,6 +54,7 @@ void addEditRows() {
   constexpr const char* c_unchecked = "pugixml: parse unchecked, print, atomic write";
   addModifyRow(12, c_checked, 1.5, rewriteChecked);
   addModifyRow(1000, c_checked, 1.5, rewriteChecked);
+  addRowOfBothDocuments();
   addDeriveRow(c_checked, 1.5, rewriteChecked);
   addModifyRow(12, c_libxml2, 0, rewriteWithLibxml2);
   addDeriveRow(c_libxml2, 0, rewriteWithLibxml2);

@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "host/xml/limits.h"
 #include "platform/xml/advxmlparser.h"
@@ -35,10 +36,26 @@ unsigned long hashSalt() {
 // Of the documents whose parser stays with the thread: setting one up takes a tenth of what such a
 // document takes, and of a large one nothing that counts. A parser keeps memory that it needed.
 constexpr std::size_t c_smallDocument = std::size_t{64} << 10;
-thread_local ParserPtr t_keptParser;
+thread_local XML_Parser t_keptParser = nullptr;
+thread_local bool t_isEnding = false;
+
+struct FreeKeptParser {
+  ~FreeKeptParser() {
+    FreeParser()(t_keptParser);
+    t_keptParser = nullptr;
+    t_isEnding = true;  // what still parses now has its own
+  }
+};
+
+void keepParser(ParserPtr parser) {
+  // No memory is needed to make it new.
+  if (t_isEnding || !XML_ParserReset(parser.get(), nullptr)) return;
+  static thread_local const FreeKeptParser freeAtEnd;
+  const ParserPtr other(std::exchange(t_keptParser, parser.release()));
+}
 
 ParserPtr takeParser() {
-  ParserPtr parser = std::move(t_keptParser);
+  ParserPtr parser(std::exchange(t_keptParser, nullptr));
   if (!parser) parser.reset(XML_ParserCreate(nullptr));
   if (!parser || XML_SetEncoding(parser.get(), "UTF-8") != XML_STATUS_OK) throw std::bad_alloc();
   return parser;
@@ -64,8 +81,7 @@ class Checker {
   }
 
   ~Checker() {
-    // No memory is needed to make it new.
-    if (m_isSmall && XML_ParserReset(m_parser.get(), nullptr)) t_keptParser = std::move(m_parser);
+    if (m_isSmall) keepParser(std::move(m_parser));
   }
   Checker(const Checker&) = delete;
   Checker& operator=(const Checker&) = delete;

@@ -2,9 +2,11 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "host/xml/limits.h"
 #include "tests/host_xml/documents.h"
+#include "tests/support/child_process.h"
 
 namespace {
 
@@ -118,6 +120,58 @@ TEST(Parser, refusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
     EXPECT_THROW(parse(L"<" + bad + L"/>"), ParsingException);
   }
   EXPECT_THROW(parse(std::wstring(L"<a>\xD83D\xDE00</a>")), ParsingException);
+}
+
+// A thread keeps what it parsed a small document with.
+TEST(Parser, forgetsTheDocumentsThatCameBefore) {
+  const std::string good = "<?xml version='1.0' standalone='yes'?><r a='1'>\n<b/>&lt;</r>";
+  const std::wstring expected = parse(good)->GenerateXML(false);
+  const std::string large = "<r>" + test::repeated("<a b='c'>text</a>", 10000) + "</r>";
+  const std::string others[] = {"<r><a b='1'><c>text",
+                                "<r a='1' a='2'/>",
+                                "<!DOCTYPE r [<!ENTITY lt 'other'>]><r/>",
+                                "<?xml version='1.0' encoding='ISO-8859-1'?><r/>",
+                                "<?xml version='1.0' standalone='no'?><r xmlns:x='u'><x:a/></r>",
+                                "<r>\xFF</r>",
+                                test::repeated("<a>", host::c_maxDepth + 1),
+                                large,
+                                large + "<"};
+  for (const std::string& other : others) {
+    try {
+      Document* const document = Parser().ParseUtf8(other.data(), other.size());
+      delete document;
+    } catch (const std::exception&) {
+    }
+    EXPECT_EQ(parse(good)->GenerateXML(false), expected) << "after " << other.substr(0, 60);
+    expectRefusedAt(L"<r>\n&other;</r>", 2, 1, "undefined entity");
+  }
+}
+
+// Destroyed after all that belongs to the main thread.
+struct ParsesAtTheVeryEnd {
+  ~ParsesAtTheVeryEnd() {
+    for (int i = 0; i < 2; ++i) {
+      if (parse(std::string("<r>end</r>"))->GetRoot().GetValue() != L"end") std::_Exit(1);
+    }
+  }
+};
+
+CHILD_PROCESS(parseUntilTheVeryEnd) {
+  static const ParsesAtTheVeryEnd last;
+  return parse(std::string("<r>begin</r>"))->GetRoot().GetValue() == L"begin" ? 0 : 2;
+}
+
+TEST(Parser, worksWhileItsProcessEnds) {
+  EXPECT_EQ(test::ChildProcess("parseUntilTheVeryEnd", {}).wait(), 0);
+}
+
+TEST(Parser, worksOnThreadsThatEndAndOnOthers) {
+  for (int i = 0; i < 3; ++i) {
+    std::thread([] {
+      EXPECT_EQ(parse(std::string("<r>a</r>"))->GetRoot().GetValue(), L"a");
+    }).join();
+    EXPECT_EQ(parse(std::string("<r>b</r>"))->GetRoot().GetValue(), L"b");
+  }
 }
 
 TEST(Parser, reportsTheFirstFault) {

@@ -49,7 +49,8 @@ TreeText::TreeText(std::size_t size)
 
 DocumentTree::DocumentTree() { prependDeclaration(document); }
 
-DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone standalone) {
+DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone standalone)
+    : textSize(size) {
   text.data()[size] = '\0';
   // With the terminator as part of the text; without it the last character would be lost.
   const pugi::xml_parse_result parsed = document.load_buffer_inplace_own(
@@ -64,6 +65,8 @@ DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone sta
 
 std::string DocumentTree::toText(bool indent) const {
   TextWriter writer;
+  // Most edits change little: some room for that, and the text need not be moved as it grows.
+  writer.text.reserve(textSize + textSize / 8);
   document.save(writer, "  ", indent ? pugi::format_indent : pugi::format_raw, pugi::encoding_utf8);
   return std::move(writer.text);
 }

@@ -44,6 +44,7 @@ struct DocumentTree {
   std::string toText(bool indent) const;
 
   pugi::xml_document document;
+  std::size_t textSize = 0;  // of the text that it was made of
 };
 
 // The tree of a text, with the contract of Parser::Parse.

@@ -7,6 +7,7 @@
 
 using namespace sitehlp;
 using namespace test;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -71,6 +72,13 @@ TEST_F(Modify, tracesItsScopeAndLogsNothingOfItsOwn) {
   EXPECT_TRUE(tracedScope(agent, L"modifying site list", L"StSHlp"));
   EXPECT_THAT(libraryTraces(agent, L"StSHlp"), ElementsAre(L"modifying site list"));
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
+}
+
+TEST_F(Modify, tracesTheReadOfTheSourceAsAnyRead) {
+  usualLists();
+  EXPECT_TRUE(modify(true, true));
+  EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist"));
+  EXPECT_THAT(libraryTraces(agent), Contains(L"Reading Sitelist").Times(1));
 }
 
 TEST_F(Modify, eachFlagAsksForItsOwnEdit) {

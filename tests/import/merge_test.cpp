@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "tests/edit/lock_watch.h"
 #include "tests/import/documents.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
@@ -232,6 +233,18 @@ TEST_F(Merge, theCallersListsStayAsTheyWere) {
       EXPECT_THAT(recordsOf(second.head()), Not(Contains(record)));
     }
     result.clear();
+  }
+}
+
+TEST_F(Merge, theCurrentListIsReadUnderItsLock) {
+  current(httpElement("c") + serverElement("s"));
+  for (const bool useSecond : {false, true}) {
+    LockWatch files({"SiteList.xml"});
+    OpenHelper helper(wide(path));
+    files.seen.clear();  // of the constructor, which reads the versions
+    SiteChain merged;
+    EXPECT_EQ(helper.MergeSiteLists(nullptr, nullptr, useSecond, merged.address()), 0);
+    EXPECT_THAT(files.seen, ElementsAre("read SiteList.xml: reading")) << useSecond;
   }
 }
 

@@ -61,6 +61,11 @@ ParserPtr takeParser() {
   return parser;
 }
 
+// What expat gets at once: as much as nearly all documents have, because after each piece but the
+// last it goes through it again to count its lines, and little enough that a token over the limit
+// is refused before much of it has been looked at.
+constexpr std::size_t c_pieceBytes = 4 * c_maxTokenBytes;
+
 // Counts while expat parses. The handlers are what expat calls; no exception may pass through its
 // frames, so the first one is kept and stops the parser, which may still make a call or two.
 class Checker {
@@ -88,23 +93,38 @@ class Checker {
 
   Standalone check(const char* utf8, std::size_t size) {
     m_isSmall = size <= c_smallDocument;
-    // All of it in one call: after each that is not the last, expat counts the lines so far.
-    const XML_Status status = XML_Parse(m_parser.get(), utf8, static_cast<int>(size), XML_TRUE);
-    if (m_failure) std::rethrow_exception(m_failure);
-    if (status == XML_STATUS_OK) return m_standalone;
-    const XML_Error error = XML_GetErrorCode(m_parser.get());
-    if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-    if (error == XML_ERROR_UNCLOSED_TOKEN) {
-      // Negative: nothing has come before it.
-      const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));
-      if (size - static_cast<std::size_t>(start) > c_maxTokenBytes) {
-        refuseAsTooLarge("length of a token");
-      }
-    }
-    refuse(XML_ErrorString(error));
+    do {
+      const std::size_t piece = std::min(size - m_fed, c_pieceBytes);
+      feed(utf8 + m_fed, piece, m_fed + piece == size);
+    } while (m_fed < size);
+    return m_standalone;
   }
 
  private:
+  void feed(const char* utf8, std::size_t size, bool isLast) {
+    const XML_Status status =
+        XML_Parse(m_parser.get(), utf8, static_cast<int>(size), isLast ? XML_TRUE : XML_FALSE);
+    m_fed += size;
+    if (m_failure) std::rethrow_exception(m_failure);
+    if (status != XML_STATUS_OK) refuseBy(XML_GetErrorCode(m_parser.get()));
+    if (!isLast) requireTokenWithin();
+  }
+
+  [[noreturn]] void refuseBy(XML_Error error) const {
+    if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+    if (error == XML_ERROR_UNCLOSED_TOKEN) requireTokenWithin();
+    refuse(XML_ErrorString(error));
+  }
+
+  // The token that has no end in what was fed.
+  void requireTokenWithin() const {
+    // Negative: nothing has come before it.
+    const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));
+    if (m_fed - static_cast<std::size_t>(start) > c_maxTokenBytes) {
+      refuseAsTooLarge("length of a token");
+    }
+  }
+
   static Checker& from(void* self) { return *static_cast<Checker*>(self); }
 
   static void onDeclaration(void* self, const char*, const char*, int standalone) {
@@ -174,6 +194,7 @@ class Checker {
 
   ParserPtr m_parser;
   bool m_isSmall = false;
+  std::size_t m_fed = 0;  // in bytes
   std::size_t m_depth = 0;
   std::array<std::size_t, c_maxDepth + 1> m_children{};  // by the depth of the parent
   std::size_t m_textSize = 0;                            // of the run of text so far

@@ -149,6 +149,42 @@ TEST(ChildLimit, countsTheChildrenOfOneElement) {
   EXPECT_NE(parse("<r>" + half + half + "</r>"), nullptr);
 }
 
+// Comments of that many bytes together, each within the limit.
+std::string comments(std::size_t size) {
+  std::string text;
+  while (text.size() < size) {
+    const std::size_t left = size - text.size();
+    const std::size_t length = left < 1000000 + 7 ? left : 1000000;
+    text += "<!--" + std::string(length - 7, 'c') + "-->";
+  }
+  return text;
+}
+
+// A document of many megabytes is not looked at in one piece, and divided where a megabyte ends.
+TEST(LongDocument, isReadAsAShortOneWhereverItIsDivided) {
+  const std::string unit =
+      "<a b='\xE2\x82\xAC&amp;'>text \xF0\x9F\x98\x80<!--c--><![CDATA[<]]>&#65;<?p i?></a>\n";
+  for (const std::size_t megabytes : {4, 8}) {
+    for (std::size_t place = 0; place <= unit.size(); ++place) {
+      const std::string units = repeated(unit, 3);
+      const std::string filler = comments((megabytes << 20) - 3 - unit.size() - place);
+      const test::DocumentPtr document = parse("<r>" + filler + units + "</r>");
+      std::size_t seen = 0;
+      for (const Element a : document->GetRoot().Elements()) {
+        seen += a.GetValue() == L"text \x1F600<A" && a.GetAttribute(L"b").GetValue() == L"\x20AC&";
+      }
+      ASSERT_EQ(seen, 3u) << place;
+      if (place % 10 != 0) continue;
+      try {
+        parse("<r>" + filler + units + "&x;</r>");
+        FAIL() << "accepted";
+      } catch (const ParsingException& e) {
+        ASSERT_EQ(Place(e.GetLine(), e.GetColumn()), Place(4, 1)) << place;
+      }
+    }
+  }
+}
+
 TEST(TokenLimit, refusesATokenThatHasNoEndAndIsTooLong) {
   for (const std::string before : {"", "<r>", "<r>text\n", "<!--c-->\n"}) {
     for (const std::string begin : {"<a", "<a b='", "<!--", "<?p "}) {

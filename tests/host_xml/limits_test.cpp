@@ -198,6 +198,13 @@ TEST(TokenLimit, refusesATokenThatHasNoEndAndIsTooLong) {
   }
 }
 
+TEST(TokenLimit, isLookedAtBeforeAllOfALongTokenHasBeen) {
+  const std::string begin = "<r><a" + std::string(2 * host::c_maxTokenBytes, ' ');
+  // What is wrong comes long after the limit was passed, or too soon after it.
+  overLimit(begin + std::string(3 * host::c_maxTokenBytes, ' ') + "<");
+  EXPECT_THROW(parse(begin + "<"), ParsingException);
+}
+
 // Comments of four-byte characters make a document of `size` bytes out of few characters.
 std::wstring documentOfBytes(std::size_t size) {
   const std::size_t commentBytes = 7 + 4 * 200000;

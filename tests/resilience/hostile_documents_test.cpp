@@ -46,7 +46,7 @@ TEST(AHostileDocument, isReadOrRefusedWithinBoundsOfMemoryAndStack) {
     }
     EXPECT_EQ(result.derived, result.readCode == 0) << result.family;
   }
-  EXPECT_GT(most, 5) << "text alone takes four bytes for a character; the measure does not work";
+  EXPECT_GT(most, 5) << "a tree takes several times its text; the measure does not work";
 }
 
 }  // namespace

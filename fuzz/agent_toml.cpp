@@ -6,7 +6,9 @@ namespace {
 bool same(const host::AgentSettings& a, const host::AgentSettings& b) {
   return a.dataDirectory == b.dataDirectory && a.managed == b.managed &&
          a.cryptoKeySize == b.cryptoKeySize && a.meshSiteListPath == b.meshSiteListPath &&
-         a.meshLoadCommand == b.meshLoadCommand && a.logLevel == b.logLevel;
+         a.meshLoadCommand == b.meshLoadCommand &&
+         a.meshLoadTimeoutSeconds == b.meshLoadTimeoutSeconds &&
+         a.maxRecordMegabytes == b.maxRecordMegabytes && a.logLevel == b.logLevel;
 }
 
 }  // namespace

@@ -25,6 +25,10 @@ struct AgentSettings {
   // The program, by full path, and its arguments that make the mesh service load its copy. It is
   // started without a shell. Empty means that there is none, and every load fails.
   std::vector<std::string> meshLoadCommand;
+  // How long that program may run before it is ended, 1 to 86,400 seconds.
+  unsigned int meshLoadTimeoutSeconds = 60;
+  // How much memory the records of one site list may take, 1 to 1,048,576 megabytes of 2^20 bytes.
+  unsigned int maxRecordMegabytes = 1024;
   // The lowest level that reaches the log.
   LogLevel logLevel = LogLevel::Error;
 };

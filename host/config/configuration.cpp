@@ -1,5 +1,8 @@
 #include "platform/config/configuration.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "host/agent.h"
 #include "host/common/encoding.h"
 
@@ -13,6 +16,11 @@ class AgentConfiguration : public IConfiguration {
   }
 
   int IsManaged() const override { return host::agent().managed ? 1 : 0; }
+
+  std::size_t GetMaxRecordBytes() const override {
+    const std::uint64_t bytes = std::uint64_t{host::agent().maxRecordMegabytes} << 20;
+    return static_cast<std::size_t>(std::min<std::uint64_t>(bytes, SIZE_MAX));
+  }
 };
 
 }  // namespace

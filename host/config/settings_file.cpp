@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <sstream>
 #include <string_view>
 
@@ -15,6 +16,8 @@ namespace host {
 namespace {
 
 constexpr std::size_t c_maxSettingsBytes = std::size_t{1} << 20;
+constexpr std::int64_t c_maxLoadTimeoutSeconds = 86'400;
+constexpr std::int64_t c_maxRecordMegabytes = 1'048'576;
 constexpr const char* c_legacyKeySize = "legacy";
 constexpr const char* c_keySize2048 = "2048";
 
@@ -82,6 +85,14 @@ class SettingsReader {
     }
   }
 
+  void readMeshTimeout(const std::string& name, const toml::node& value) {
+    m_settings.meshLoadTimeoutSeconds = number(name, value, c_maxLoadTimeoutSeconds);
+  }
+
+  void readRecordMegabytes(const std::string& name, const toml::node& value) {
+    m_settings.maxRecordMegabytes = number(name, value, c_maxRecordMegabytes);
+  }
+
   void readLogLevel(const std::string& name, const toml::node& value) {
     const auto level = levelNamed(text(name, value));
     if (!level) fail(value, name + " must be detail, info, error, internal-error or off");
@@ -100,6 +111,14 @@ class SettingsReader {
       fail(value, name + " must not hold a zero character");
     }
     return result;
+  }
+
+  unsigned int number(const std::string& name, const toml::node& value,
+                      std::int64_t largest) const {
+    const std::string wanted = "a number from 1 to " + std::to_string(largest);
+    const auto result = as<std::int64_t>(name, value, wanted.c_str());
+    if (result < 1 || result > largest) fail(value, name + " must be " + wanted);
+    return static_cast<unsigned int>(result);
   }
 
   const toml::table& table(const std::string& name, const toml::node& value) const {
@@ -139,6 +158,8 @@ const std::vector<SettingsReader::Setting>& SettingsReader::settings() {
       {"", "crypto_key_size", &SettingsReader::readKeySize},
       {"mesh", "site_list_path", &SettingsReader::readMeshPath},
       {"mesh", "load_command", &SettingsReader::readMeshCommand},
+      {"mesh", "load_timeout_seconds", &SettingsReader::readMeshTimeout},
+      {"limits", "record_megabytes", &SettingsReader::readRecordMegabytes},
       {"log", "level", &SettingsReader::readLogLevel},
   };
   return all;
@@ -179,10 +200,12 @@ std::string formatAgentSettings(const AgentSettings& settings) {
     mesh.insert("site_list_path", settings.meshSiteListPath);
   }
   mesh.insert("load_command", std::move(command));
+  mesh.insert("load_timeout_seconds", settings.meshLoadTimeoutSeconds);
 
   const toml::table root{{"managed", settings.managed},
                          {"crypto_key_size", legacy ? c_legacyKeySize : c_keySize2048},
                          {"mesh", std::move(mesh)},
+                         {"limits", toml::table{{"record_megabytes", settings.maxRecordMegabytes}}},
                          {"log", toml::table{{"level", levelName(settings.logLevel)}}}};
   // Strings with escapes alone: in its other forms the formatter loses a line feed at the beginning
   // and does not notice quotes that end the string.

@@ -1,6 +1,7 @@
 #ifndef PLATFORM_CONFIG_CONFIGURATION_H
 #define PLATFORM_CONFIG_CONFIGURATION_H
 
+#include <cstddef>
 #include <string>
 
 #include "platform/export.h"
@@ -20,6 +21,9 @@ class PLATFORM_API IConfiguration {
 
   // 1 when the agent is under central management, else 0.
   virtual int IsManaged() const = 0;
+
+  // How many bytes the records of one list may take in memory; at least 1.
+  virtual std::size_t GetMaxRecordBytes() const = 0;
 };
 
 #endif

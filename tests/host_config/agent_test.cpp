@@ -46,6 +46,16 @@ TEST_F(Agent, IsManagedOrNot) {
   EXPECT_EQ(IConfiguration::GetConfiguration()->IsManaged(), 1);
 }
 
+TEST_F(Agent, LimitsTheMemoryOfAList) {
+  EXPECT_EQ(IConfiguration::GetConfiguration()->GetMaxRecordBytes(), std::size_t{1} << 30);
+  agent.settings.maxRecordMegabytes = 1;
+  agent.apply();
+  EXPECT_EQ(IConfiguration::GetConfiguration()->GetMaxRecordBytes(), std::size_t{1} << 20);
+  agent.settings.maxRecordMegabytes = 1048576;
+  agent.apply();
+  EXPECT_EQ(IConfiguration::GetConfiguration()->GetMaxRecordBytes(), std::size_t{1} << 40);
+}
+
 TEST_F(Agent, HasAKeySize) {
   EXPECT_EQ(KeyConf::getCryptoKeySize(), KEY_SIZE_2048);
   agent.settings.cryptoKeySize = KEY_SIZE_LEGACY;

@@ -50,6 +50,8 @@ void expectDefaults(const host::AgentSettings& settings) {
   EXPECT_EQ(settings.cryptoKeySize, defaults.cryptoKeySize);
   EXPECT_EQ(settings.meshSiteListPath, defaults.meshSiteListPath);
   EXPECT_EQ(settings.meshLoadCommand, defaults.meshLoadCommand);
+  EXPECT_EQ(settings.meshLoadTimeoutSeconds, defaults.meshLoadTimeoutSeconds);
+  EXPECT_EQ(settings.maxRecordMegabytes, defaults.maxRecordMegabytes);
   EXPECT_EQ(settings.logLevel, defaults.logLevel);
 }
 
@@ -72,6 +74,9 @@ crypto_key_size = "legacy"
 [mesh]
 site_list_path = "/mesh/list.xml"
 load_command = ["/bin/mesh", "load", "two words", ""]
+load_timeout_seconds = 5
+[limits]
+record_megabytes = 16
 [log]
 level = "detail"
 )");
@@ -80,6 +85,8 @@ level = "detail"
   EXPECT_EQ(settings.cryptoKeySize, KEY_SIZE_LEGACY);
   EXPECT_EQ(settings.meshSiteListPath, "/mesh/list.xml");
   EXPECT_THAT(settings.meshLoadCommand, ElementsAre("/bin/mesh", "load", "two words", ""));
+  EXPECT_EQ(settings.meshLoadTimeoutSeconds, 5U);
+  EXPECT_EQ(settings.maxRecordMegabytes, 16U);
   EXPECT_EQ(settings.logLevel, LogLevel::Detail);
 }
 
@@ -154,6 +161,21 @@ TEST_F(SettingsFile, RefusesValuesThatMeanNothing) {
   EXPECT_THAT(fault("mesh.load_command = [\"/a\", \"b\\u0000\"]"), HasSubstr("zero character"));
 }
 
+TEST_F(SettingsFile, TakesNumbersFromOneToTheirLimit) {
+  EXPECT_EQ(read("mesh.load_timeout_seconds = 1").meshLoadTimeoutSeconds, 1U);
+  EXPECT_EQ(read("mesh.load_timeout_seconds = 86400").meshLoadTimeoutSeconds, 86400U);
+  EXPECT_EQ(read("limits.record_megabytes = 1").maxRecordMegabytes, 1U);
+  EXPECT_EQ(read("limits.record_megabytes = 1048576").maxRecordMegabytes, 1048576U);
+  for (const char* value : {"0", "-1", "86401", "9223372036854775807", "60.0", "\"60\"", "true"}) {
+    EXPECT_EQ(fault(std::string("mesh.load_timeout_seconds = ") + value),
+              file + ":1:29: mesh.load_timeout_seconds must be a number from 1 to 86400");
+  }
+  for (const char* value : {"0", "-1", "1048577", "-9223372036854775808", "1e3"}) {
+    EXPECT_EQ(fault(std::string("limits.record_megabytes = ") + value),
+              file + ":1:27: limits.record_megabytes must be a number from 1 to 1048576");
+  }
+}
+
 TEST_F(SettingsFile, RefusesWhatIsNoToml) {
   EXPECT_THAT(fault("managed = true\nmanaged ="), StartsWith(file + ":2:"));
   EXPECT_THAT(fault("managed = true\nmanaged = true"), StartsWith(file + ":2:"));
@@ -216,12 +238,16 @@ TEST_F(SettingsFile, SaysWhatTheSettingsSay) {
   settings.meshLoadCommand = {"/bin/x",      "",    "two words", "'single'", "\"double\"",
                               "\t\x01\x7F",  "'''", "\"\"\"",    "C:\\new",  "# no comment",
                               "\xE2\x82\xAC"};
+  settings.meshLoadTimeoutSeconds = 7;
+  settings.maxRecordMegabytes = 3;
   settings.logLevel = LogLevel::InternalError;
   const host::AgentSettings back = read(host::formatAgentSettings(settings));
   EXPECT_EQ(back.managed, settings.managed);
   EXPECT_EQ(back.cryptoKeySize, settings.cryptoKeySize);
   EXPECT_EQ(back.meshSiteListPath, settings.meshSiteListPath);
   EXPECT_EQ(back.meshLoadCommand, settings.meshLoadCommand);
+  EXPECT_EQ(back.meshLoadTimeoutSeconds, settings.meshLoadTimeoutSeconds);
+  EXPECT_EQ(back.maxRecordMegabytes, settings.maxRecordMegabytes);
   EXPECT_EQ(back.logLevel, settings.logLevel);
   EXPECT_EQ(back.dataDirectory, dir.path());
 }

@@ -19,7 +19,7 @@ namespace {
 constexpr const wchar_t* c_scratchSiteList = L"/Library/Korvel/orb/scratch/etc/SiteList.xml";
 
 // What a text holds before a document was read into it: no markup.
-constexpr const wchar_t* c_noDocument = L"invalid";
+constexpr const char* c_noDocument = "invalid";
 
 std::wstring serverSiteListPath() {
   return IConfiguration::GetConfiguration()->GetFrameworkDataDirectory() + L"/" +
@@ -69,19 +69,20 @@ int CSitesHelper::CreateServerSiteList(AnObjectBuffer<unsigned char>& buffer,
 
 int CSitesHelper::AdjustPwd(AnObjectBuffer<unsigned char>& buffer) {
   const ADetailTrace trace(c_component, L"Reading Sitelist");
-  std::wstring text = c_noDocument;
-  AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
+  std::string text = c_noDocument;
+  AdvXMLParser::WrittenIn writtenIn{c_encoding};
   std::wstring globalVersion;
   std::wstring localVersion;
   std::wstring type;
   std::vector<std::wstring> certificates;
   ListOwner list;
   try {
-    AdvXMLParser::ConvertBufferToUnicode(buffer.data(), buffer.length(), text, encoding);
+    AdvXMLParser::ConvertBufferToUtf8(buffer.data(), buffer.length(), text, writtenIn);
   } catch (const AdvXMLParser::ReadWriteException& e) {
     return e.GetErrorCode();
   }
-  const int result = readList(std::move(text), m_bUseDecryptData == 1, m_policySettings, list.out(),
+  ListSource source(std::move(text), writtenIn);
+  const int result = readList(source, m_bUseDecryptData == 1, m_policySettings, list.out(),
                               [&](const Element& root) {
                                 readVersions(root, globalVersion, localVersion, type);
                                 readCertificates(root, certificates);

@@ -1,7 +1,6 @@
 #include "sitehlp/certificates.h"
 
 #include "platform/common/log.h"
-#include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -20,15 +19,12 @@ bool readCertificates(const Element& root, std::vector<std::wstring>& certificat
   return !bundle.IsNull();
 }
 
-int CSitesHelper::GetCaCertificates(const std::wstring& path,
-                                    std::vector<std::wstring>& certificates) {
+int queryCertificates(ListSource& source, std::vector<std::wstring>& certificates) {
   const ADetailTrace trace(c_component, L"Getting Certificates");
-  std::string text;
-  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  const int readResult = source.read(true);
   if (readResult != c_success) return readResult;
   try {
-    DocumentPtr document;
-    parseDocument(text, document);
+    const AdvXMLParser::Document* const document = source.document();
     if (document) readCertificates(document->GetRoot(), certificates);
     return c_success;
   } catch (const AdvXMLParser::ParsingException&) {
@@ -36,6 +32,12 @@ int CSitesHelper::GetCaCertificates(const std::wstring& path,
   } catch (const AdvXMLParser::ReadWriteException&) {
     return c_errorWrite;
   }
+}
+
+int CSitesHelper::GetCaCertificates(const std::wstring& path,
+                                    std::vector<std::wstring>& certificates) {
+  ListSource source(path.empty() ? m_strSiteListFile : path);
+  return queryCertificates(source, certificates);
 }
 
 }  // namespace sitehlp

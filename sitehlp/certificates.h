@@ -5,11 +5,15 @@
 #include <vector>
 
 #include "platform/xml/advxmlparser.h"
+#include "sitehlp/list_source.h"
 
 namespace sitehlp {
 
 // Appends the certificates of the first bundle under a root. Returns whether there is a bundle.
 bool readCertificates(const AdvXMLParser::Element& root, std::vector<std::wstring>& certificates);
+
+// What CSitesHelper::GetCaCertificates does with a file.
+int queryCertificates(ListSource& source, std::vector<std::wstring>& certificates);
 
 }  // namespace sitehlp
 

@@ -54,10 +54,13 @@ SiteChild childOf(const Element& element) {
 class Address {
  public:
   explicit Address(const Attribute& attribute) { set(attribute); }
+  Address(const Address&) = delete;
+  Address& operator=(const Address&) = delete;
 
-  // A port that cannot be read behind the ":" stays as it was.
+  // A port that cannot be read behind the ":" is 0, and never that of another address.
   void set(const Attribute& attribute) {
     m_text = m_buffer;
+    m_port = 0;
     if (!attribute.CopyValue(m_buffer, sizeof m_buffer / sizeof m_buffer[0])) {
       m_long = attribute.GetValue();
       m_text = m_long.c_str();

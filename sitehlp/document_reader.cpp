@@ -1,15 +1,9 @@
 #include "sitehlp/document_reader.h"
 
-#include <unistd.h>
-
-#include <utility>
-
 #include "platform/common/astring.h"
 #include "platform/common/log.h"
 #include "platform/crypto/crypt_shim.h"
-#include "platform/lock/interprocess_lock.h"
 #include "sitehlp/list_builder.h"
-#include "sitehlp/locks.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -17,7 +11,6 @@
 namespace sitehlp {
 
 using AdvXMLParser::Element;
-using korvel_com::orb::lock::InterProcessReadLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
@@ -44,15 +37,14 @@ void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySe
   }
 }
 
-template <typename Text>
-int readSites(Text text, bool useDecryptData, PolicySettings& policySettings, const TakeSite& take,
-              const Inspect& inspect) {
+// `open` gives the document, or null when there is no markup.
+template <typename Open>
+int readDocument(const Open& open, bool useDecryptData, PolicySettings& policySettings,
+                 const TakeSite& take, const Inspect& inspect) {
   int result = c_success;
   try {
-    DocumentPtr document;
-    parseDocument(text, document);
+    const AdvXMLParser::Document* const document = open();
     if (!document) return c_errorParse;
-    Text().swap(text);  // the tree holds all of it
     const Element root = document->GetRoot();
     if (inspect) inspect(root);
     const korvel_com::ZQ::crypto::KeptKeys keys;
@@ -65,62 +57,55 @@ int readSites(Text text, bool useDecryptData, PolicySettings& policySettings, co
   return result;
 }
 
-template <typename Text>
-int readListOf(Text text, bool useDecryptData, PolicySettings& policySettings, tag_Site** list,
-               const Inspect& inspect) {
-  tag_Site** link = list;
-  const auto append = [&link](tag_Site* site) {
+TakeSite appendTo(tag_Site** list) {
+  return [link = list](tag_Site* site) mutable {
     *link = site;
     link = &site->pNext;
   };
-  return readSites(std::move(text), useDecryptData, policySettings, append, inspect);
 }
 
 }  // namespace
 
-int readDocumentText(const std::wstring& path, bool useLock, std::string& text) {
-  if (::access(ACharString(path).c_str(), F_OK) != 0) return c_errorFileMissing;
-  AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
-  try {
-    if (!useLock) {
-      AdvXMLParser::ReadUtf8FromFile(path, text, encoding);
-      return c_success;
-    }
-    InterProcessReadLock lock(c_siteListLock);
-    lock.lock(c_waitForEver);
-    AdvXMLParser::ReadUtf8FromFile(path, text, encoding);
-    lock.unlock();
-    return c_success;
-  } catch (...) {
-    return c_errorRead;
-  }
+int readSites(ListSource& source, bool useDecryptData, PolicySettings& policySettings,
+              const TakeSite& take, const Inspect& inspect) {
+  return readDocument([&] { return source.document(); }, useDecryptData, policySettings, take,
+                      inspect);
 }
 
-void parseDocument(const std::string& utf8, DocumentPtr& document) {
-  document.reset(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size()));
-}
-
-void parseDocument(const std::wstring& text, DocumentPtr& document) {
-  document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
-}
-
-int readSitesOfFile(const std::wstring& path, bool useDecryptData, PolicySettings& policySettings,
-                    const TakeSite& take, const Inspect& inspect) {
-  if (path.empty()) return c_errorNoPath;
-  std::string text;
-  const int readResult = readDocumentText(path, true, text);
-  if (readResult != c_success) return readResult;
-  return readSites(std::move(text), useDecryptData, policySettings, take, inspect);
-}
-
-int readList(std::string utf8, bool useDecryptData, PolicySettings& policySettings, tag_Site** list,
-             const Inspect& inspect) {
-  return readListOf(std::move(utf8), useDecryptData, policySettings, list, inspect);
-}
-
-int readList(std::wstring text, bool useDecryptData, PolicySettings& policySettings,
+int readList(ListSource& source, bool useDecryptData, PolicySettings& policySettings,
              tag_Site** list, const Inspect& inspect) {
-  return readListOf(std::move(text), useDecryptData, policySettings, list, inspect);
+  return readSites(source, useDecryptData, policySettings, appendTo(list), inspect);
+}
+
+int readList(const std::wstring& text, bool useDecryptData, PolicySettings& policySettings,
+             tag_Site** list, const Inspect& inspect) {
+  DocumentPtr document;
+  const auto parse = [&] {
+    document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
+    return document.get();
+  };
+  return readDocument(parse, useDecryptData, policySettings, appendTo(list), inspect);
+}
+
+int mustReadList(ListSource& source, std::wstring& currentFile, bool useDecryptData,
+                 PolicySettings& policySettings, tag_Site** list) {
+  if (source.path().empty()) {
+    logInternalError(c_component, L"path is empty");
+    return c_errorGeneral;
+  }
+  int result = c_success;
+  {
+    const ADetailTrace trace(c_component, L"Reading Sitelist");
+    currentFile = source.path();
+    result = source.read(true);
+    if (result == c_success) {
+      ListOwner sites;
+      result = readList(source, useDecryptData, policySettings, sites.out());
+      *list = sites.release();
+    }
+  }
+  if (result < 0 || !*list) logFailedRead(result);
+  return result;
 }
 
 void logFailedRead(int result) { logError(c_component, AString(L"Failed hr=").append(result)); }

@@ -16,16 +16,14 @@ int toInt(const char* text) {
 bool toUnsigned(const wchar_t* text, unsigned int& number) {
   constexpr std::uint64_t c_limit = std::numeric_limits<unsigned int>::max();
   while (*text == L' ' || (*text >= L'\t' && *text <= L'\r')) ++text;
-  // A stream takes a sign, and "-" in front of an unsigned number wraps it around.
-  const bool negative = *text == L'-';
-  if (*text == L'-' || *text == L'+') ++text;
+  // A sign is not a digit: "-1" would otherwise wrap around to a port of another host.
   if (*text < L'0' || *text > L'9') return false;
   std::uint64_t value = 0;
   for (; *text >= L'0' && *text <= L'9'; ++text) {
     value = value * 10 + static_cast<std::uint64_t>(*text - L'0');
     if (value > c_limit) return false;
   }
-  number = static_cast<unsigned int>(negative ? 0 - value : value);
+  number = static_cast<unsigned int>(value);
   return true;
 }
 

@@ -1,8 +1,11 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
+#include "sitehlp/certificates.h"
+#include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/vendor_hosts.h"
+#include "sitehlp/versions.h"
 
 namespace sitehlp {
 namespace {
@@ -26,22 +29,58 @@ bool isVendorFtp(const tag_Site& site) {
          site.ftp.uServerPort == c_vendorFtpPort;
 }
 
+// The common part of import and install into the instance's own file `target`.
+int importFrom(CSitesHelper& helper, const std::wstring& target, ListSource& source,
+               tag_Site* sites, const std::wstring& keyDir) {
+  helper.AdjustSitesOrder(sites);
+  const std::wstring& srcPath = source.path();
+  std::wstring globalVersion;
+  std::wstring localVersion;
+  std::wstring type;
+  const int versionResult = queryVersions(source, globalVersion, localVersion, type);
+  if (versionResult < 0) {
+    logError(c_component,
+             AString(L"Get version failed hr=").append(static_cast<long>(versionResult)));
+    return versionResult;
+  }
+  logDetail(c_component,
+            AString(L"Import sitelist from ").append(srcPath).append(L" to ").append(target));
+  logDetail(
+      c_component,
+      AString(L"Original local version of ").append(srcPath).append(L" is ").append(localVersion));
+  std::vector<std::wstring> certificates;
+  queryCertificates(source, certificates);
+  // The keys first: the list must not name a server whose keys are missing.
+  if (!helper.createDirectoriesAndCopyKeyFiles(srcPath, sites, keyDir)) return c_errorGeneral;
+  const int writeResult =
+      helper.CreateSiteList(sites, target, globalVersion, localVersion, type, certificates);
+  if (writeResult < 0) {
+    logError(c_component, AString(L"CreateSiteList failed hr=").append(writeResult));
+    return c_errorGeneral;
+  }
+  return c_success;
+}
+
 }  // namespace
 
 int CSitesHelper::InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir) {
   const std::wstring description = L"InstallSiteList," + srcPath + L"," + keyDir;
   const ADetailTrace trace(c_component, description.c_str());
+  ListSource source(srcPath);
   ListOwner list;
-  const int readResult = MustReadSiteList(srcPath, list.out());
+  const int readResult =
+      mustReadList(source, m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, list.out());
   if (readResult < 0) return readResult;
-  return InternalImportSiteList(srcPath, list.get(), keyDir);
+  return importFrom(*this, m_strSiteListFile, source, list.get(), keyDir);
 }
 
 int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir) {
   const std::wstring description = L"ImportSiteList," + srcPath;
   const ADetailTrace trace(c_component, description.c_str());
+  ListSource source(srcPath);
   ListOwner list;
-  const int readResult = MustReadSiteList(srcPath, list.out());
+  const int readResult =
+      mustReadList(source, m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, list.out());
   if (readResult < 0) return readResult;
   std::wstring overwrite;
   if (GetPolicySetting(L"OverwriteClientSites", overwrite) && overwrite != L"0") {
@@ -51,38 +90,13 @@ int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring
   }
   const int checkResult = SourceSiteListCheck(list.get(), IsOrbManaged() != 0);
   if (checkResult < 0) return checkResult;
-  return InternalImportSiteList(srcPath, list.get(), keyDir);
+  return importFrom(*this, m_strSiteListFile, source, list.get(), keyDir);
 }
 
 int CSitesHelper::InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
                                          const std::wstring& keyDir) {
-  AdjustSitesOrder(sites);
-  std::wstring globalVersion;
-  std::wstring localVersion;
-  std::wstring type;
-  const int versionResult = GetSitelistVersions(srcPath, globalVersion, localVersion, type);
-  if (versionResult < 0) {
-    logError(c_component,
-             AString(L"Get version failed hr=").append(static_cast<long>(versionResult)));
-    return versionResult;
-  }
-  logDetail(
-      c_component,
-      AString(L"Import sitelist from ").append(srcPath).append(L" to ").append(m_strSiteListFile));
-  logDetail(
-      c_component,
-      AString(L"Original local version of ").append(srcPath).append(L" is ").append(localVersion));
-  std::vector<std::wstring> certificates;
-  GetCaCertificates(srcPath, certificates);
-  // The keys first: the list must not name a server whose keys are missing.
-  if (!createDirectoriesAndCopyKeyFiles(srcPath, sites, keyDir)) return c_errorGeneral;
-  const int writeResult =
-      CreateSiteList(sites, m_strSiteListFile, globalVersion, localVersion, type, certificates);
-  if (writeResult < 0) {
-    logError(c_component, AString(L"CreateSiteList failed hr=").append(writeResult));
-    return c_errorGeneral;
-  }
-  return c_success;
+  ListSource source(srcPath);
+  return importFrom(*this, m_strSiteListFile, source, sites, keyDir);
 }
 
 void CSitesHelper::AdjustSitesOrder(tag_Site* sites) {

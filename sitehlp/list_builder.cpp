@@ -4,11 +4,13 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 
 #include "platform/common/text.h"
 #include "sitehlp/decoder.h"
 #include "sitehlp/field.h"
 #include "sitehlp/record.h"
+#include "sitehlp/record_limits.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/value.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -27,17 +29,32 @@ struct ReleaseRecord {
 };
 using RecordOwner = std::unique_ptr<tag_Site, ReleaseRecord>;
 
-std::int32_t kindOf(SiteElement element) {
+// An element of unknown kind becomes an empty record of the first kind.
+SiteKind kindOf(SiteElement element) {
   switch (element) {
+    case SiteElement::Http:
+    case SiteElement::Vesta:
+    case SiteElement::Keystone:
+    case SiteElement::None:
+      return SITE_KIND_HTTP;
     case SiteElement::Ftp:
       return SITE_KIND_FTP;
     case SiteElement::Unc:
       return SITE_KIND_UNC;
     case SiteElement::Local:
       return SITE_KIND_LOCAL;
-    default:
-      return SITE_KIND_HTTP;
+    case SiteElement::Proxy:
+      break;
   }
+  return SITE_KIND_PROXY;
+}
+
+// What an element directly in a list is. Proxies are known only inside a list of their own, which
+// stands for them here.
+SiteElement classifySite(const Element& element) {
+  if (element.HasName(WX_XML_PROXY_CONFIG_LIST)) return SiteElement::Proxy;
+  const SiteElement kind = classify(element);
+  return kind == SiteElement::Proxy ? SiteElement::None : kind;
 }
 
 void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
@@ -69,17 +86,15 @@ void readProxyConfigList(const Element& element, const SiteAttributes& attribute
   }
 }
 
-void readSite(const Element& element, bool useDecryptData, tag_Site& site, int& result) {
+void readSite(const Element& element, SiteElement kind, bool useDecryptData, tag_Site& site,
+              int& result) {
   const SiteAttributes attributes(element);
   readCommonAttributes(attributes, site);
-  if (element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
-    site.eSiteKind = SITE_KIND_PROXY;
+  site.eSiteKind = kindOf(kind);
+  if (kind == SiteElement::Proxy) {
     readProxyConfigList(element, attributes, useDecryptData, site, result);
     return;
   }
-  SiteElement kind = classify(element);
-  if (kind == SiteElement::Proxy) kind = SiteElement::None;  // known only inside its list
-  site.eSiteKind = kindOf(kind);
   site.bVestaSite = kind == SiteElement::Vesta || kind == SiteElement::Keystone ? 1 : 0;
   result = kind == SiteElement::None ? c_errorGeneral : c_success;
   decodeSite(kind, element, attributes, useDecryptData, &site.http);
@@ -88,10 +103,16 @@ void readSite(const Element& element, bool useDecryptData, tag_Site& site, int& 
 }  // namespace
 
 void readSites(const Element& siteList, bool useDecryptData, const TakeSite& take, int& result) {
+  RecordLimits limits;
   for (const Element element : siteList.Elements()) {
+    const SiteElement kind = classifySite(element);
+    if (const char* const limit = limits.add(kind != SiteElement::None)) {
+      throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                             std::string("list over the limit: ") + limit);
+    }
     RecordOwner site(static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site))));
     if (!site) throw std::bad_alloc();
-    readSite(element, useDecryptData, *site, result);
+    readSite(element, kind, useDecryptData, *site, result);
     take(site.release());
   }
 }

@@ -6,16 +6,22 @@
 #include "sitehlp/certificates.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
+#include "sitehlp/sites_helper.h"
 #include "sitehlp/versions.h"
 
 namespace sitehlp {
 
 using AdvXMLParser::Element;
 
-int readListContents(const std::wstring& path, ListContents& contents, const TakeSite& take) {
+int CSitesHelper::ReadListContents(const std::wstring& path, ListContents& contents,
+                                   const TakeSite& take) {
   const ADetailTrace trace(c_component, L"Reading Sitelist");
   contents = ListContents();
-  return readSitesOfFile(path, false, contents.policySettings, take, [&](const Element& root) {
+  if (path.empty()) return c_errorNoPath;
+  ListSource source(path);
+  const int readResult = source.read(true);
+  if (readResult != c_success) return readResult;
+  return readSites(source, false, contents.policySettings, take, [&](const Element& root) {
     readVersions(root, contents.globalVersion, contents.localVersion, contents.type);
     std::wstring fipsMode;
     if (readFipsMode(root, fipsMode)) contents.fipsMode = std::move(fipsMode);

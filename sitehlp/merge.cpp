@@ -16,17 +16,8 @@ tag_Site* copyRecord(const tag_Site& source) {
 }
 
 bool isKept(const tag_Site& site, bool skipProxy) {
-  switch (site.eSiteKind) {
-    case SITE_KIND_HTTP:
-    case SITE_KIND_FTP:
-    case SITE_KIND_UNC:
-    case SITE_KIND_LOCAL:
-      return true;
-    case SITE_KIND_PROXY:
-      return !skipProxy;
-    default:
-      return false;
-  }
+  const std::optional<Kind> kind = kindOf(site);
+  return kind && !(skipProxy && *kind == Kind::Proxy);
 }
 
 // What MergeThisSiteList makes of the list into an empty result, without copies: the list was read
@@ -38,6 +29,24 @@ void handOn(ListOwner& list, tag_Site** tail, tag_Site** head) {
   while (last->pNext) last = last->pNext;
   *tail = last;
 }
+
+// Releases a result that is not kept, also when something is thrown, and leaves null behind.
+class Unfinished {
+ public:
+  explicit Unfinished(tag_Site** list) : m_list(list) {}
+  ~Unfinished() {
+    if (!m_list || !*m_list) return;
+    CSitesHelper::FreeSiteListMemory(*m_list);
+    *m_list = nullptr;
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  void keep() { m_list = nullptr; }
+
+ private:
+  tag_Site** m_list;
+};
 
 // Kinds that a fallback site is carried over with.
 bool isCarriedKind(const tag_Site& site) {
@@ -71,6 +80,7 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
   int result = c_success;
   tag_Site* tail = nullptr;
   ListOwner current;
+  Unfinished unfinished(finalList);
   if (!useSecond) {
     result = ReadSiteList(std::wstring(), current.out(), true);
     if (result >= 0 && current.get()) {
@@ -89,10 +99,7 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
       }
     }
   }
-  if (result < 0 && *finalList) {
-    FreeSiteListMemory(*finalList);
-    *finalList = nullptr;
-  }
+  if (result >= 0) unfinished.keep();
   return result;
 }
 

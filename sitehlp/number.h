@@ -33,8 +33,8 @@ class Decimal {
 // bits.
 int toInt(const char* text);
 
-// The unsigned decimal number at the start of a text, as a wide stream of the classic locale reads
-// it. Returns false, with `number` as it was, when there is none or when it does not fit.
+// The unsigned decimal number at the start of a text, behind white space. Returns false, with
+// `number` as it was, when there is none, also behind a sign, or when it does not fit.
 bool toUnsigned(const wchar_t* text, unsigned int& number);
 
 // The position of the last ":" in a text; null when there is none.

@@ -6,6 +6,7 @@
 #include "platform/config/configuration.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/locks.h"
+#include "sitehlp/process_state.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -76,6 +77,7 @@ void CSitesHelper::SetManagedOverride(std::int32_t managedOverride) {
 }
 
 void CSitesHelper::needToUpdateInMemSiteList() {
+  const CacheGuard guard;
   InterProcessWriteLock lock(smartSiteListLock);
   lock.lock(c_waitForEver);
   ++m_iChange;

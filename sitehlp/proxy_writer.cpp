@@ -51,6 +51,7 @@ void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
 
   writer.addElement(WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, Decimal(proxy.bAllowUserToConfigureProxy));
   writer.addElement(WX_XML_PROXY_BYPASSLOCALADDR, Decimal(proxy.bBypassLocalAddress));
+  proxy.szExclusionList[c_exclusionListCapacity - 1] = L'\0';
   helper.FormatEnvSymbols(proxy.szExclusionList, c_exclusionFormatCapacity);
   writeExclusions(writer, proxy.szExclusionList);
 

@@ -1,12 +1,16 @@
 #include <unistd.h>
 
+#include <utility>
+
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/locks.h"
+#include "sitehlp/process_state.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
+#include "sitehlp/smart_read.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
@@ -25,55 +29,54 @@ void logNumber(const wchar_t* text, int number) {
 
 }  // namespace
 
-int CSitesHelper::ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock) {
-  const ADetailTrace trace(c_component, L"Reading Sitelist");
-  m_strCurrentFile = path.empty() ? m_strSiteListFile : path;
-  if (m_strCurrentFile.empty()) return c_errorNoPath;
-  std::string text;
-  const int readResult = readDocumentText(m_strCurrentFile, useLock, text);
-  if (readResult != c_success) return readResult;
-  ListOwner sites;
-  const int result =
-      readList(std::move(text), m_bUseDecryptData == 1, m_policySettings, sites.out());
-  *list = sites.release();
-  return result;
-}
-
-int CSitesHelper::SmartReadSiteList(const std::wstring& path, tag_Site** list) {
+int smartRead(CSitesHelper& helper, const std::wstring& path, tag_Site** list) {
   const ADetailTrace trace(c_component, L"Smart read of Site List");
   InterProcessReadLock lock(smartSiteListLock);
   lock.lock(c_waitForEver);
   int result = c_success;
-  if (!m_pSiteList || m_iChange > c_changesServed) {
-    logNumber(L"Reading from FILE", m_iChange);
-    if (m_pSiteList) {
-      FreeSiteListMemory(m_pSiteList);
-      m_pSiteList = nullptr;
-    }
-    result = ReadSiteList(path, list, true);
+  tag_Site*& cached = CSitesHelper::m_pSiteList;
+  std::int32_t& changes = CSitesHelper::m_iChange;
+  if (!cached || changes > c_changesServed) {
+    logNumber(L"Reading from FILE", changes);
+    // Null first: a child of a fork at this moment must not find a list that is half released.
+    if (cached) CSitesHelper::FreeSiteListMemory(std::exchange(cached, nullptr));
+    result = helper.ReadSiteList(path, list, true);
     if (result < 0 || !*list) {
       logError(c_component,
                AString(L"Unable to read from SiteList file, error hr=").append(result));
     } else {
-      m_pSiteList = *list;
-      m_iChange = 1;
+      cached = *list;
+      changes = 1;
     }
   } else {
-    logNumber(L"Reading from memory", m_iChange);
-    *list = m_pSiteList;
+    logNumber(L"Reading from memory", changes);
+    *list = cached;
   }
   lock.unlock();
   return result;
 }
 
-int CSitesHelper::MustReadSiteList(const std::wstring& path, tag_Site** list) {
-  if (path.empty()) {
-    logInternalError(c_component, L"path is empty");
-    return c_errorGeneral;
-  }
-  const int result = ReadSiteList(path, list, true);
-  if (result < 0 || !*list) logFailedRead(result);
+int CSitesHelper::ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock) {
+  const ADetailTrace trace(c_component, L"Reading Sitelist");
+  m_strCurrentFile = path.empty() ? m_strSiteListFile : path;
+  if (m_strCurrentFile.empty()) return c_errorNoPath;
+  ListSource source(m_strCurrentFile);
+  const int readResult = source.read(useLock);
+  if (readResult != c_success) return readResult;
+  ListOwner sites;
+  const int result = readList(source, m_bUseDecryptData == 1, m_policySettings, sites.out());
+  *list = sites.release();
   return result;
+}
+
+int CSitesHelper::SmartReadSiteList(const std::wstring& path, tag_Site** list) {
+  const CacheGuard guard;
+  return smartRead(*this, path, list);
+}
+
+int CSitesHelper::MustReadSiteList(const std::wstring& path, tag_Site** list) {
+  ListSource source(path);
+  return mustReadList(source, m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, list);
 }
 
 bool CSitesHelper::GetSiteListBuffer(std::wstring& text) {

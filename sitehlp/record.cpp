@@ -21,20 +21,20 @@ void wipeField(wchar_t (&field)[N]) noexcept {
   wipeMemory(field, ::wcsnlen(field, N) * sizeof(wchar_t));
 }
 
+// A record may have been of another kind before, and its password then lies where that kind has it.
 void wipePasswords(tag_Site& record) noexcept {
-  switch (record.eSiteKind) {
-    case SITE_KIND_HTTP:
-      return wipeField(record.http.szPassword);
-    case SITE_KIND_FTP:
-      return wipeField(record.ftp.szPassword);
-    case SITE_KIND_UNC:
-      return wipeField(record.unc.szPassword);
-    case SITE_KIND_LOCAL:
-      return wipeField(record.local.szPassword);
-    default:
-      // A proxy record may hold any kind of site that stood in its list.
-      wipeMemory(&record.proxy, sizeof record.proxy);
+  if (record.eSiteKind == SITE_KIND_PROXY) {
+    // It may hold any kind of site that stood in its list.
+    return wipeMemory(&record.proxy, sizeof record.proxy);
   }
+  wipeField(record.http.szPassword);
+  wipeField(record.ftp.szPassword);
+  wipeField(record.unc.szPassword);
+  wipeField(record.local.szPassword);
+  wipeField(record.proxy.szHttpProxyPassword);
+  wipeField(record.proxy.szFtpProxyPassword);
+  wipeField(record.proxy.szAlternateHttpProxyPassword);
+  wipeField(record.proxy.szAlternateFtpProxyPassword);
 }
 
 }  // namespace
@@ -52,6 +52,11 @@ void releaseRecord(tag_Site* record) noexcept {
 
 ListOwner::~ListOwner() {
   if (m_head) CSitesHelper::FreeSiteListMemory(m_head);
+}
+
+std::optional<Kind> kindOf(const tag_Site& record) {
+  const auto isAKind = record.eSiteKind >= SITE_KIND_HTTP && record.eSiteKind <= SITE_KIND_PROXY;
+  return isAKind ? std::optional<Kind>(static_cast<Kind>(record.eSiteKind)) : std::nullopt;
 }
 
 tag_Site* ListOwner::release() {

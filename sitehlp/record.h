@@ -2,6 +2,8 @@
 #define SITEHLP_RECORD_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 
 #include "sitehlp/site.h"
 
@@ -26,7 +28,20 @@ class WipeAtExit {
   Text& m_text;
 };
 
-// Wipes the passwords of one record and releases it. Its successors are not touched.
+// A kind as the compiler checks it: a switch over it that leaves one out is a warning.
+enum class Kind : std::int32_t {
+  Http = SITE_KIND_HTTP,
+  Ftp = SITE_KIND_FTP,
+  Unc = SITE_KIND_UNC,
+  Local = SITE_KIND_LOCAL,
+  Proxy = SITE_KIND_PROXY,
+};
+
+// None when the record holds no kind of site.
+std::optional<Kind> kindOf(const tag_Site& record);
+
+// Wipes what passwords the record holds, of whatever kind it was, and releases it. Its
+// successors are not touched.
 void releaseRecord(tag_Site* record) noexcept;
 
 // Owns a list until it is handed on.

@@ -1,8 +1,10 @@
 #include <map>
 
 #include "platform/common/log.h"
+#include "sitehlp/process_state.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
+#include "sitehlp/smart_read.h"
 
 namespace sitehlp {
 namespace {
@@ -14,17 +16,26 @@ std::wstring plainAddress(const wchar_t* text) {
   return address.size() < 2 ? std::wstring() : address.substr(1, address.size() - 2);
 }
 
+// Copies the server sites of the instance's own list.
+int readServers(CSitesHelper& helper, ListOwner& servers) {
+  const CacheGuard guard;  // until they are copied: another thread may replace the cached list
+  tag_Site* list = nullptr;
+  const int result = smartRead(helper, std::wstring(), &list);
+  if (result < 0) {
+    if (list) CSitesHelper::FreeSiteListMemory(list);  // it did not become the cached one
+    return result;
+  }
+  return list ? helper.GetVestaSite(list, servers.out()) : result;
+}
+
 }  // namespace
 
 int CSitesHelper::GetPYXServerInfo(std::wstring& names, std::wstring& servers,
                                    std::wstring& serverIPs, std::wstring& netbiosNames, int& port,
                                    std::wstring& versions, bool allSites, bool nonSecurePort) {
   const ADetailTrace trace(c_component, L"Get PYX Server IP Address");
-  tag_Site* list = nullptr;  // the cached list, which stays the class's
-  const int readResult = SmartReadSiteList(std::wstring(), &list);
-  if (readResult < 0 || !list) return readResult;
   ListOwner chain;
-  const int result = GetVestaSite(list, chain.out());
+  const int result = readServers(*this, chain);
   if (result < 0 || !chain.get()) return result;
 
   for (std::wstring* output : {&names, &servers, &serverIPs, &netbiosNames, &versions}) {

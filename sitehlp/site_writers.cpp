@@ -32,6 +32,7 @@ constexpr const wchar_t* c_formatScope = L"Formatting environment symbols";
 template <std::size_t N>
 const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
   const std::size_t length = ::wcsnlen(field, N);
+  if (length == N) field[N - 1] = L'\0';  // it has no terminator, and must not be read beyond
   if (length == N || std::wmemchr(field, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
     helper.FormatEnvSymbols(field, N);
   } else {
@@ -72,16 +73,11 @@ void expect(const Fields&... fields) {
 
 int CSitesHelper::FormatEnvSymbols(wchar_t* buffer, unsigned int capacity) {
   const ADetailTrace trace(c_component, c_formatScope);
-  if (!buffer || buffer[0] == L'\0') return 0;
-  const std::size_t length = ::wcsnlen(buffer, capacity);
-  if (std::wmemchr(buffer, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
-    std::wstring text(buffer, length);
-    replaceAll(text, c_agentEnvMacroStartDelimiterExpanded, c_agentEnvMacroStartDelimiter);
-    replaceAll(text, c_agentEnvMacroEndDelimiterExpanded, c_agentEnvMacroEndDelimiter);
-    std::wcsncpy(buffer, text.c_str(), capacity);
-  } else {
-    std::wmemset(buffer + length, L'\0', capacity - length);
-  }
+  if (!buffer || capacity == 0 || buffer[0] == L'\0') return 0;
+  std::wstring text = buffer;
+  replaceAll(text, c_agentEnvMacroStartDelimiterExpanded, c_agentEnvMacroStartDelimiter);
+  replaceAll(text, c_agentEnvMacroEndDelimiterExpanded, c_agentEnvMacroEndDelimiter);
+  std::wcsncpy(buffer, text.c_str(), capacity);
   buffer[capacity - 1] = L'\0';
   return 0;
 }
@@ -187,54 +183,57 @@ void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
 }
 
 bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
-  switch (site.eSiteKind) {
-    case SITE_KIND_HTTP:
+  const std::optional<Kind> kind = kindOf(site);
+  if (!kind) return false;
+  switch (*kind) {
+    case Kind::Http:
       writeHttpSite(helper, site, writer);
-      return true;
-    case SITE_KIND_FTP:
+      break;
+    case Kind::Ftp:
       writeFtpSite(helper, site, writer);
-      return true;
-    case SITE_KIND_UNC:
+      break;
+    case Kind::Unc:
       writeUncSite(helper, site, writer);
-      return true;
-    case SITE_KIND_LOCAL:
+      break;
+    case Kind::Local:
       writeLocalSite(helper, site, writer);
-      return true;
-    case SITE_KIND_PROXY:
+      break;
+    case Kind::Proxy:
       writeProxySite(helper, site, writer);
-      return true;
-    default:
-      return false;
+      break;
   }
+  return true;
 }
 
 void expectHead(const tag_Site& site) { expect(site, site.pNext); }
 
 void expectRecord(const tag_Site& site) {
-  switch (site.eSiteKind) {
-    case SITE_KIND_HTTP: {
+  const std::optional<Kind> kind = kindOf(site);
+  if (!kind) return;
+  switch (*kind) {
+    case Kind::Http: {
       const tag_HttpSite& http = site.http;
       return expect(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
                     http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
                     http.szPassword, http.szVersion, http.uSecurePort);
     }
-    case SITE_KIND_FTP: {
+    case Kind::Ftp: {
       const tag_FtpSite& ftp = site.ftp;
       return expect(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
                     ftp.uServerPort);
     }
-    case SITE_KIND_UNC: {
+    case Kind::Unc: {
       const tag_UncSite& unc = site.unc;
       return expect(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName, unc.szUserName,
                     unc.szPassword, unc.iUseLoggedonUserAccount);
     }
-    case SITE_KIND_LOCAL: {
+    case Kind::Local: {
       const tag_LocalSite& local = site.local;
       return expect(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
                     local.szPassword, local.iUseLoggedonUserAccount);
     }
-    default:
-      return;
+    case Kind::Proxy:
+      return;  // rare, and its fields are too many to ask for at once
   }
 }
 

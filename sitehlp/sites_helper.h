@@ -11,6 +11,7 @@
 #include "platform/crypto/object_buffer.h"
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/export.h"
+#include "sitehlp/list_contents.h"
 #include "sitehlp/result_codes.h"
 #include "sitehlp/site.h"
 
@@ -133,6 +134,14 @@ class SITEHLP_API CSitesHelper {
   // Reads a file that must be named: -1 for an empty path, else as ReadSiteList under the lock. A
   // failure, and an empty list, is logged as an error.
   int MustReadSiteList(const std::wstring& path, tag_Site** list);
+
+  // Reads a site list file once, under the read lock "SiteListLock", for all that it holds: `take`
+  // gets each site in the order of the document, as soon as it is decoded, so that a list need not
+  // be in memory as a whole. `path` must be named. Returns what ReadSiteList returns; `contents` is
+  // filled when that is 0 or -1, before the first site is taken, and is empty otherwise. What
+  // `take` throws passes through. Needs no instance. Any thread.
+  static int ReadListContents(const std::wstring& path, ListContents& contents,
+                              const TakeSite& take);
 
   // The text of the instance's own file with the first "<CaBundle>" tag taken out. False when there
   // is no such file. Throws AdvXMLParser::ReadWriteException when it cannot be read.

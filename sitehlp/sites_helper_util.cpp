@@ -1,22 +1,29 @@
 #include "sitehlp/sites_helper_util.h"
 
+#include <memory>
+
 #include "platform/common/log.h"
 #include "platform/config/mesh_service.h"
+#include "sitehlp/caught.h"
 #include "sitehlp/record.h"
 
 namespace sitehlp {
 
-SitesHelperUtil* SitesHelperUtil::m_ptr = nullptr;
+std::atomic<SitesHelperUtil*> SitesHelperUtil::m_ptr{nullptr};
 
 SitesHelperUtil* SitesHelperUtil::getInstance() {
-  if (!m_ptr) m_ptr = new SitesHelperUtil;
-  return m_ptr;
+  SitesHelperUtil* instance = m_ptr.load(std::memory_order_acquire);
+  if (instance) return instance;
+  // Two threads may get here at once; without a lock, no child of a fork finds one that is held.
+  auto made = std::make_unique<SitesHelperUtil>();
+  return m_ptr.compare_exchange_strong(instance, made.get()) ? made.release() : instance;
 }
 
 void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document) {
+  std::wstring path;
   try {
-    const std::wstring path = MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath();
-    AdvXMLParser::WriteUtf8ToFile(path, document.Data(), document.Size());
+    path = MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath();
+    AdvXMLParser::WriteDocumentToFile(path, document);
     logInfo(c_component, L"Command to mesh service to load new sitelist.");
     MeshServiceStartupControl* const control =
         MeshServiceStartupControl::GetInstance(nullptr, nullptr);
@@ -25,6 +32,7 @@ void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWrite
     }
   } catch (...) {
     logError(c_component, L"Failed to write mesh service sitelist.");
+    logCaught(L"Mesh service's list not written: ", path);
   }
 }
 

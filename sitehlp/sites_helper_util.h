@@ -1,12 +1,14 @@
 #ifndef SITEHLP_SITES_HELPER_UTIL_H
 #define SITEHLP_SITES_HELPER_UTIL_H
 
+#include <atomic>
+
 #include "platform/xml/advxmlparser.h"
 
 namespace sitehlp {
 
-// Tells the mesh service of a new site list. One instance, made at first use and never released;
-// the first use must not be in two threads at once.
+// Tells the mesh service of a new site list. One instance, made at first use and never released.
+// Any thread.
 class SitesHelperUtil {
  public:
   static SitesHelperUtil* getInstance();
@@ -16,7 +18,7 @@ class SitesHelperUtil {
   void writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document);
 
  private:
-  static SitesHelperUtil* m_ptr;
+  static std::atomic<SitesHelperUtil*> m_ptr;
 };
 
 }  // namespace sitehlp

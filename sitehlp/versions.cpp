@@ -1,7 +1,6 @@
 #include "sitehlp/versions.h"
 
 #include "platform/common/log.h"
-#include "sitehlp/document_reader.h"
 #include "sitehlp/record.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -14,12 +13,11 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// Parses a text and shows its root to `query`, whose result it returns; -1 when there is no root.
+// Shows the root of a list to `query`, whose result it returns; -1 when there is no root.
 template <typename Query>
-int queryRoot(const std::string& text, Query query) {
+int queryRoot(ListSource& source, Query query) {
   try {
-    DocumentPtr document;
-    parseDocument(text, document);
+    const AdvXMLParser::Document* const document = source.document();
     return document ? query(document->GetRoot()) : c_errorGeneral;
   } catch (const AdvXMLParser::ParsingException&) {
     return c_errorGeneral;
@@ -45,19 +43,24 @@ bool readFipsMode(const Element& root, std::wstring& fipsMode) {
   return true;
 }
 
-int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
-                                      std::wstring& localVersion, std::wstring& type) {
+int queryVersions(ListSource& source, std::wstring& globalVersion, std::wstring& localVersion,
+                  std::wstring& type) {
   const ADetailTrace trace(c_component, L"Getting Sitelist versions");
-  std::string text;
-  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  const int readResult = source.read(true);
   if (readResult == c_errorFileMissing) return readResult;
   globalVersion.clear();
   localVersion.clear();
   if (readResult != c_success) return readResult;
-  return queryRoot(text, [&](const Element& root) {
+  return queryRoot(source, [&](const Element& root) {
     readVersions(root, globalVersion, localVersion, type);
     return c_success;
   });
+}
+
+int CSitesHelper::GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
+                                      std::wstring& localVersion, std::wstring& type) {
+  ListSource source(path.empty() ? m_strSiteListFile : path);
+  return queryVersions(source, globalVersion, localVersion, type);
 }
 
 int CSitesHelper::GetGlobalSitelistVersion(std::wstring& globalVersion) {
@@ -68,10 +71,10 @@ int CSitesHelper::GetGlobalSitelistVersion(std::wstring& globalVersion) {
 
 int CSitesHelper::GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode) {
   const ADetailTrace trace(c_component, L"Getting Sitelist fips mode");
-  std::string text;
-  const int readResult = readDocumentText(path.empty() ? m_strSiteListFile : path, true, text);
+  ListSource source(path.empty() ? m_strSiteListFile : path);
+  const int readResult = source.read(true);
   if (readResult != c_success) return readResult;
-  return queryRoot(text, [&](const Element& root) {
+  return queryRoot(source, [&](const Element& root) {
     return readFipsMode(root, fipsMode) ? c_success : c_errorGeneral;
   });
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/xml/advxmlparser.h"
+#include "sitehlp/list_source.h"
 
 namespace sitehlp {
 
@@ -13,6 +14,10 @@ void readVersions(const AdvXMLParser::Element& root, std::wstring& globalVersion
 
 // False, with `fipsMode` as it was, when the document does not say one.
 bool readFipsMode(const AdvXMLParser::Element& root, std::wstring& fipsMode);
+
+// What CSitesHelper::GetSitelistVersions does with a file.
+int queryVersions(ListSource& source, std::wstring& globalVersion, std::wstring& localVersion,
+                  std::wstring& type);
 
 }  // namespace sitehlp
 

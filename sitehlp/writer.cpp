@@ -4,10 +4,13 @@
 #include "platform/common/log.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
+#include "sitehlp/caught.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/element_writer.h"
 #include "sitehlp/locks.h"
+#include "sitehlp/process_state.h"
 #include "sitehlp/record.h"
+#include "sitehlp/record_limits.h"
 #include "sitehlp/site_writers.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/sites_helper_util.h"
@@ -20,11 +23,13 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
+constexpr const wchar_t* c_notWritten = L"Site list not written: ";
+
 // Fourteen digits; empty when the local time is not to be had.
 std::wstring localTimeStamp() {
   const std::time_t now = std::time(nullptr);
   std::tm local = {};
-  if (!::localtime_r(&now, &local)) return std::wstring();
+  if (!toLocalTime(now, local)) return std::wstring();
   wchar_t text[c_textCapacity];
   std::swprintf(text, c_textCapacity, L"%04d%02d%02d%02d%02d%02d", local.tm_year + 1900,
                 local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
@@ -73,6 +78,18 @@ void expectNext(const tag_Site& site) {
   if (next->pNext) expectHead(*next->pNext);
 }
 
+// Elements that a reader takes for sites of unknown kind, and records, which it has to hold: it
+// accepts no more of them.
+void refuseUnreadable(const tag_Site* list, AdvXMLParser::DocumentWriter& document) {
+  RecordLimits limits;
+  for (; list; list = list->pNext) {
+    if (const char* const limit = limits.add(!isWrittenAsUnknown(*list))) {
+      document.Refuse(limit);
+      return;
+    }
+  }
+}
+
 // Writes "SiteList" with the records. `result` is that of the last record, also when an exception
 // ends the writing.
 void writeSites(CSitesHelper& helper, tag_Site* list, ElementWriter& writer, int& result) {
@@ -112,19 +129,22 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
     writePolicies(writer, m_policySettings);
     writeSites(*this, list, writer, result);
     document.Finish();
+    refuseUnreadable(list, document);
 
     InterProcessWriteLock lock(c_siteListLock);
     lock.lock(c_waitForEver);
     try {
-      AdvXMLParser::WriteUtf8ToFile(target, document.Data(), document.Size());
+      AdvXMLParser::WriteDocumentToFile(target, document);
     } catch (...) {
       // The mesh service is told all the same: it serves the list that the caller wanted.
+      logCaught(c_notWritten, target);
       result = c_errorWrite;
     }
     lock.unlock();
     SitesHelperUtil::getInstance()->writeMeshServiceSiteList(document);
   } catch (...) {
     // Nothing was written; the caller gets the result so far.
+    logCaught(c_notWritten, path.empty() ? m_strSiteListFile : path);
   }
   return result;
 }

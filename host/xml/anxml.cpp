@@ -1,23 +1,26 @@
 #include "platform/common/anxml.h"
 
-#include "host/common/encoding.h"
-#include "host/fs/files.h"
+#include "host/common/failure_text.h"
 #include "host/xml/document_tree.h"
+#include "host/xml/readable.h"
 #include "host/xml/text_file.h"
 #include "host/xml/tree_text.h"
+#include "platform/common/log.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace {
 
-std::unique_ptr<AdvXMLParser::DocumentTree> readTree(const std::wstring& path) {
-  std::string utf8;
-  AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
+using AdvXMLParser::DocumentTree;
+using AdvXMLParser::ParsingException;
+using AdvXMLParser::ReadWriteException;
+using AdvXMLParser::WrittenIn;
+
+std::unique_ptr<DocumentTree> treeOf(const std::string& utf8, const WrittenIn& writtenIn) {
   try {
-    AdvXMLParser::ReadUtf8FromFile(path, utf8, encoding);
-    return AdvXMLParser::parseUtf8(utf8.data(), utf8.size());
-  } catch (const AdvXMLParser::ReadWriteException&) {
+    return AdvXMLParser::parseUtf8(utf8.data(), utf8.size(), &writtenIn);
+  } catch (const ReadWriteException&) {
     return nullptr;
-  } catch (const AdvXMLParser::ParsingException&) {
+  } catch (const ParsingException&) {
     return nullptr;
   }
 }
@@ -30,7 +33,19 @@ AnXml::~AnXml() = default;
 
 bool AnXml::useExistingFile(const AString& path, const wchar_t* rootName,
                             const wchar_t* namespaceAttribute, const wchar_t* namespaceValue) {
-  std::unique_ptr<AdvXMLParser::DocumentTree> tree = readTree(path.str());
+  std::string utf8;
+  WrittenIn writtenIn{AdvXMLParser::UTF_8};
+  try {
+    AdvXMLParser::ReadUtf8FromFile(path.str(), utf8, writtenIn);
+  } catch (const ReadWriteException&) {
+    return false;
+  }
+  return useText(utf8, writtenIn, rootName, namespaceAttribute, namespaceValue);
+}
+
+bool AnXml::useText(const std::string& utf8, const WrittenIn& writtenIn, const wchar_t* rootName,
+                    const wchar_t* namespaceAttribute, const wchar_t* namespaceValue) {
+  std::unique_ptr<DocumentTree> tree = treeOf(utf8, writtenIn);
   if (!tree || !host::isElement(tree->root(), rootName) ||
       !host::hasAttribute(tree->root(), namespaceAttribute, namespaceValue)) {
     return false;
@@ -42,6 +57,13 @@ bool AnXml::useExistingFile(const AString& path, const wchar_t* rootName,
 bool AnXml::writeFile(const AString& path, bool reserved1, bool reserved2) const {
   if (!m_tree || reserved1 || reserved2) return false;
   const std::string text = m_tree->toText(false);
-  return host::replaceFile(host::toUtf8(path.str()), text.data(), text.size(),
-                           host::c_modeOfNewDocument) == 0;
+  try {
+    host::requireReadable(m_tree->root(), text);
+    AdvXMLParser::writeDocumentBytes(path.str(), text.data(), text.size());
+    return true;
+  } catch (const ReadWriteException& failure) {
+    logError(host::c_logComponent,
+             AString(L"Cannot write the edited list: ").append(AString(failure.what())));
+    return false;
+  }
 }

@@ -50,8 +50,9 @@ struct DocumentTree {
 // The tree of a text, with the contract of Parser::Parse.
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length);
 
-// The same for bytes; whatever is not valid UTF-8 is a parsing exception, too.
-std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length);
+// The tree of bytes, with the contract of Parser::ParseUtf8.
+std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length,
+                                        const WrittenIn* writtenIn);
 
 }  // namespace AdvXMLParser
 

@@ -3,9 +3,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "host/common/encoding.h"
+#include "host/xml/limits.h"
+#include "host/xml/text_file.h"
 #include "host/xml/tree_edit.h"
 #include "host/xml/xml_name.h"
 #include "platform/xml/advxmlparser.h"
@@ -139,14 +142,40 @@ struct DocumentWriter::State {
   }
 
   char* endStartTag(char* out) {
-    if (isInStartTag) *out++ = '>';
-    isInStartTag = false;
+    if (!isInStartTag) return out;
+    *out++ = '>';
+    leaveStartTag(out);
     return out;
   }
 
+  void leaveStartTag(const char* end) {
+    isInStartTag = false;
+    const auto size = static_cast<std::size_t>(end - text.data()) - tagStart;
+    require(size <= host::c_maxTokenBytes, "length of a token");
+  }
+
+  // A parser counts what a text stands for, without escapes.
+  void countText(const wchar_t* from, std::size_t length, std::size_t written) {
+    textSize += written == length ? length : host::utf8Size(from, length);
+    require(textSize <= host::c_maxTokenBytes, "length of a text");
+  }
+
+  void require(bool isWithin, const char* what) {
+    if (!isWithin && overLimit.empty()) overLimit = what;
+  }
+
+  struct OpenElement {
+    const wchar_t* name;
+    std::size_t children = 0;
+  };
+
   Buffer text;
-  std::vector<const wchar_t*> open;
+  std::vector<OpenElement> open;
   bool isInStartTag = false;  // of the innermost
+  std::size_t tagStart = 0;
+  std::size_t attributes = 0;  // of the element opened last
+  std::size_t textSize = 0;    // of the run of text so far
+  std::string overLimit;       // empty while a reader accepts the document
 };
 
 DocumentWriter::DocumentWriter(const wchar_t* rootName) : m_state(std::make_unique<State>()) {
@@ -160,8 +189,15 @@ DocumentWriter::~DocumentWriter() = default;
 
 void DocumentWriter::Open(const wchar_t* name) {
   State& state = *m_state;
-  state.open.push_back(name);
+  if (!state.open.empty()) {
+    state.require(++state.open.back().children <= host::c_maxChildren, "number of child elements");
+  }
+  state.open.push_back({name});
+  state.require(state.open.size() <= host::c_maxDepth, "depth");
+  state.attributes = 0;
+  state.textSize = 0;
   char* out = state.endStartTag(state.text.room(c_nameRoom));
+  state.tagStart = static_cast<std::size_t>(out - state.text.data());
   *out++ = '<';
   state.text.setEnd(state.putName(name, out, 0));
   state.isInStartTag = true;
@@ -169,6 +205,7 @@ void DocumentWriter::Open(const wchar_t* name) {
 
 void DocumentWriter::AddAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) {
   State& state = *m_state;
+  state.require(++state.attributes <= host::c_maxAttributes, "number of attributes");
   char* out = state.text.room(c_nameRoom + c_pieceRoom);
   *out++ = ' ';
   out = put("=\"", 2, state.putName(name, out, c_pieceRoom));
@@ -180,7 +217,9 @@ void DocumentWriter::AddAttribute(const wchar_t* name, const wchar_t* value, std
 void DocumentWriter::AddText(const wchar_t* text, std::size_t length) {
   State& state = *m_state;
   char* const out = state.endStartTag(state.text.room(c_pieceRoom));
+  const auto start = static_cast<std::size_t>(out - state.text.data());
   state.text.setEnd(state.putEscaped(text, length, c_inText, out));
+  state.countText(text, length, state.text.size() - start);
 }
 
 // The name is made again: it is short, and what was written a moment ago is slow to read back.
@@ -189,11 +228,12 @@ void DocumentWriter::Close() {
   char* out = state.text.room(c_nameRoom);
   if (state.isInStartTag) {
     out = put("/>", 2, out);
-    state.isInStartTag = false;
+    state.leaveStartTag(out);
   } else {
-    out = state.putName(state.open.back(), put("</", 2, out), 1);
+    out = state.putName(state.open.back().name, put("</", 2, out), 1);
     *out++ = '>';
   }
+  state.textSize = 0;
   state.text.setEnd(out);
   state.open.pop_back();
 }
@@ -202,8 +242,19 @@ void DocumentWriter::Finish() {
   while (!m_state->open.empty()) Close();
 }
 
-const char* DocumentWriter::Data() const { return m_state->text.data(); }
+void DocumentWriter::Refuse(const char* what) { m_state->require(false, what); }
 
-std::size_t DocumentWriter::Size() const { return m_state->text.size(); }
+bool WriteDocumentToFile(const std::wstring& path, const DocumentWriter& document) {
+  DocumentWriter::State& state = *document.m_state;
+  state.require(state.text.size() <= host::c_maxDocumentBytes, "number of bytes");
+  if (!state.overLimit.empty()) {
+    throw ReadWriteException(
+        ReadWriteException::LIMIT_EXCEEDED, 0,
+        host::toUtf8(path) +
+            ": no reader would accept the new list, it is over the limit: " + state.overLimit);
+  }
+  writeDocumentBytes(path, state.text.data(), state.text.size());
+  return true;
+}
 
 }  // namespace AdvXMLParser

@@ -51,9 +51,9 @@ char* foldLineEnds(char* text, char* end) {
 }
 
 // The tree of bytes that may be anything.
-std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end) {
+std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end, const WrittenIn* writtenIn) {
   const host::Standalone standalone =
-      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()));
+      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()), writtenIn);
   end = foldLineEnds(utf8.data(), end);
   const auto size = static_cast<std::size_t>(end - utf8.data());
   return std::make_unique<DocumentTree>(std::move(utf8), size, standalone);
@@ -67,12 +67,13 @@ void requireWithinLimit(std::size_t size) {
 
 }  // namespace
 
-std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length) {
+std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length,
+                                        const WrittenIn* writtenIn) {
   if (!beginsAsMarkup(utf8, utf8 + length)) return nullptr;
   requireWithinLimit(length);
   TreeText text(length);
   char* const end = std::copy_n(utf8, length, text.data());
-  return checkedTree(std::move(text), end);
+  return checkedTree(std::move(text), end, writtenIn);
 }
 
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
@@ -89,7 +90,7 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
     // In place of what is no character; the parser then finds it and says where it is.
     if (validLength != length) *end++ = c_invalidByte;
   }
-  return checkedTree(std::move(utf8), end);
+  return checkedTree(std::move(utf8), end, nullptr);
 }
 
 Document* Parser::Parse(const wchar_t* text, std::size_t length) {
@@ -97,8 +98,8 @@ Document* Parser::Parse(const wchar_t* text, std::size_t length) {
   return tree ? new Document(std::move(tree)) : nullptr;
 }
 
-Document* Parser::ParseUtf8(const char* utf8, std::size_t length) {
-  std::unique_ptr<DocumentTree> tree = parseUtf8(utf8, length);
+Document* Parser::ParseUtf8(const char* utf8, std::size_t length, const WrittenIn* writtenIn) {
+  std::unique_ptr<DocumentTree> tree = parseUtf8(utf8, length, writtenIn);
   return tree ? new Document(std::move(tree)) : nullptr;
 }
 

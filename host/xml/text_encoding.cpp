@@ -1,6 +1,7 @@
 #include "host/xml/text_encoding.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "host/common/encoding.h"
 
@@ -61,6 +62,16 @@ std::size_t readScalar(const unsigned char* data, std::size_t available, UTF_ENC
   return 2;
 }
 
+// Encoding names are ASCII, and the locale of the process must not change what is equal.
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> upperCaseNames) {
+  const auto equals = [](char c, char upper) {
+    return (c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c) == upper;
+  };
+  return std::any_of(upperCaseNames.begin(), upperCaseNames.end(), [&](std::string_view other) {
+    return std::equal(name.begin(), name.end(), other.begin(), other.end(), equals);
+  });
+}
+
 }  // namespace
 
 FoundEncoding findEncoding(const unsigned char* data, std::size_t length, UTF_ENCODINGS hint) {
@@ -76,6 +87,24 @@ FoundEncoding findEncoding(const unsigned char* data, std::size_t length, UTF_EN
   }
   if (length >= 1 && isMarkupOrSpace(data[0])) return {UTF_8, 0};
   return {hint, 0};
+}
+
+bool agreesWith(std::string_view declared, const WrittenIn& writtenIn) {
+  switch (writtenIn.encoding) {
+    case UTF_16LE:
+      return isOneOf(declared, {"UTF-16", "UTF-16LE", "ISO-10646-UCS-2"});
+    case UTF_16BE:
+      return isOneOf(declared, {"UTF-16", "UTF-16BE", "ISO-10646-UCS-2"});
+    case UTF_32LE:
+      return isOneOf(declared, {"UTF-32", "UTF-32LE", "ISO-10646-UCS-4"});
+    case UTF_32BE:
+      return isOneOf(declared, {"UTF-32", "UTF-32BE", "ISO-10646-UCS-4"});
+    case UTF_8:
+      break;
+  }
+  if (writtenIn.hasMark) return isOneOf(declared, {"UTF-8"});
+  return !isOneOf(declared, {"UTF-16", "UTF-16LE", "UTF-16BE", "UTF-32", "UTF-32LE", "UTF-32BE",
+                             "ISO-10646-UCS-2", "ISO-10646-UCS-4"});
 }
 
 bool decodeText(const unsigned char* data, std::size_t length, UTF_ENCODINGS encoding,

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "platform/xml/advxmlparser.h"
 
@@ -11,12 +12,18 @@ namespace host {
 struct FoundEncoding {
   AdvXMLParser::UTF_ENCODINGS encoding;
   std::size_t markLength;  // of the byte order mark, 0 without one
+
+  AdvXMLParser::WrittenIn writtenIn() const { return {encoding, markLength != 0}; }
 };
 
 // Tells the encoding of a document from its first bytes: a byte order mark, or how "<" or white
 // space is written there. Where neither is found, it is `hint`.
 FoundEncoding findEncoding(const unsigned char* data, std::size_t length,
                            AdvXMLParser::UTF_ENCODINGS hint);
+
+// Whether a document that is written so may declare this encoding. Bytes without a mark may declare
+// any that has ASCII in it: they are read as UTF-8, or not at all.
+bool agreesWith(std::string_view declared, const AdvXMLParser::WrittenIn& writtenIn);
 
 // Appends the wide form of all bytes. False when they are not valid in the encoding; `text` is then
 // unspecified.

@@ -34,25 +34,49 @@ std::string readBytes(const std::string& path) {
   return bytes;
 }
 
+// In place, because nearly all documents are UTF-8. False when the bytes are not.
+bool stripToUtf8(std::string& bytes, std::size_t markLength) {
+  if (!host::isUtf8(bytes.data() + markLength, bytes.size() - markLength)) return false;
+  bytes.erase(0, markLength);
+  return true;
+}
+
+// `utf8` may be what holds the bytes.
+bool convertToUtf8(const unsigned char* data, std::size_t length, const host::FoundEncoding& found,
+                   std::string& utf8) {
+  std::wstring text;
+  if (!host::decodeText(data + found.markLength, length - found.markLength, found.encoding, text)) {
+    return false;
+  }
+  utf8 = host::toUtf8(text);
+  return true;
+}
+
+void requireWithinLimit(std::size_t length) {
+  if (length <= host::c_maxDocumentBytes) return;
+  throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
+                           "document over the limit: number of bytes");
+}
+
 }  // namespace
 
-void ReadUtf8FromFile(const std::wstring& path, std::string& utf8, UTF_ENCODINGS& encoding) {
+void writeDocumentBytes(const std::wstring& path, const char* bytes, std::size_t size) {
+  const std::string name = host::toUtf8(path);
+  const int error = host::replaceFile(name, bytes, size, host::c_modeOfNewDocument);
+  if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
+}
+
+void ReadUtf8FromFile(const std::wstring& path, std::string& utf8, WrittenIn& writtenIn) {
   const std::string name = host::toUtf8(path);
   std::string bytes = readBytes(name);
-  const host::FoundEncoding found = host::findEncoding(asBytes(bytes), bytes.size(), encoding);
-  const std::size_t length = bytes.size() - found.markLength;
-  if (found.encoding == UTF_8) {
-    if (!host::isUtf8(bytes.data() + found.markLength, length)) failAsInvalid(name);
-    bytes.erase(0, found.markLength);
-  } else {
-    std::wstring text;
-    if (!host::decodeText(asBytes(bytes) + found.markLength, length, found.encoding, text)) {
-      failAsInvalid(name);
-    }
-    bytes = host::toUtf8(text);
-  }
+  const host::FoundEncoding found =
+      host::findEncoding(asBytes(bytes), bytes.size(), writtenIn.encoding);
+  const bool valid = found.encoding == UTF_8
+                         ? stripToUtf8(bytes, found.markLength)
+                         : convertToUtf8(asBytes(bytes), bytes.size(), found, bytes);
+  if (!valid) failAsInvalid(name);
   utf8 = std::move(bytes);
-  encoding = found.encoding;
+  writtenIn = found.writtenIn();
 }
 
 void ReadBufferFromFile(const std::wstring& path, std::wstring& text, UTF_ENCODINGS& encoding,
@@ -61,13 +85,6 @@ void ReadBufferFromFile(const std::wstring& path, std::wstring& text, UTF_ENCODI
   std::string bytes = readBytes(name);
   if (callback) bytes = callback(bytes);
   if (!ConvertBufferToUnicode(asBytes(bytes), bytes.size(), text, encoding)) failAsInvalid(name);
-}
-
-bool WriteUtf8ToFile(const std::wstring& path, const char* utf8, std::size_t size) {
-  const std::string name = host::toUtf8(path);
-  const int error = host::replaceFile(name, utf8, size, host::c_modeOfNewDocument);
-  if (error != 0) fail(ReadWriteException::WRITE_FAILED, name, error);
-  return true;
 }
 
 bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_ENCODINGS encoding,
@@ -82,15 +99,13 @@ bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_E
     bytes = host::encodeText(text, encoding);
   }
   if (after) bytes = after(bytes);
-  return WriteUtf8ToFile(path, bytes.data(), bytes.size());
+  writeDocumentBytes(path, bytes.data(), bytes.size());
+  return true;
 }
 
 bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::wstring& text,
                             UTF_ENCODINGS& encoding) {
-  if (length > host::c_maxDocumentBytes) {
-    throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
-                             "document over the limit: number of bytes");
-  }
+  requireWithinLimit(length);
   const host::FoundEncoding found = host::findEncoding(data, length, encoding);
   std::wstring converted;
   if (!host::decodeText(data + found.markLength, length - found.markLength, found.encoding,
@@ -99,6 +114,15 @@ bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::
   }
   text = std::move(converted);
   encoding = found.encoding;
+  return true;
+}
+
+bool ConvertBufferToUtf8(const unsigned char* data, std::size_t length, std::string& utf8,
+                         WrittenIn& writtenIn) {
+  requireWithinLimit(length);
+  const host::FoundEncoding found = host::findEncoding(data, length, writtenIn.encoding);
+  if (!convertToUtf8(data, length, found, utf8)) return false;
+  writtenIn = found.writtenIn();
   return true;
 }
 

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/xml/limits.h"
+#include "host/xml/text_encoding.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace host {
@@ -91,7 +92,8 @@ class Checker {
   Checker(const Checker&) = delete;
   Checker& operator=(const Checker&) = delete;
 
-  Standalone check(const char* utf8, std::size_t size) {
+  Standalone check(const char* utf8, std::size_t size, const AdvXMLParser::WrittenIn* writtenIn) {
+    m_writtenIn = writtenIn;
     m_isSmall = size <= c_smallDocument;
     do {
       const std::size_t piece = std::min(size - m_fed, c_pieceBytes);
@@ -127,8 +129,13 @@ class Checker {
 
   static Checker& from(void* self) { return *static_cast<Checker*>(self); }
 
-  static void onDeclaration(void* self, const char*, const char*, int standalone) {
-    if (standalone >= 0) from(self).m_standalone = standalone ? Standalone::Yes : Standalone::No;
+  static void onDeclaration(void* self, const char*, const char* encoding, int standalone) {
+    Checker& checker = from(self);
+    if (standalone >= 0) checker.m_standalone = standalone ? Standalone::Yes : Standalone::No;
+    if (!encoding || !checker.m_writtenIn) return;
+    checker.stopUnless(agreesWith(encoding, *checker.m_writtenIn), [&] {
+      checker.refuse("the encoding declared is not the one that the document is written in");
+    });
   }
   static void onDoctype(void* self, const char*, const char*, const char*, int) {
     from(self).stopUnless(false, [&] { from(self).refuse("document type declaration"); });
@@ -193,6 +200,7 @@ class Checker {
   }
 
   ParserPtr m_parser;
+  const AdvXMLParser::WrittenIn* m_writtenIn = nullptr;
   bool m_isSmall = false;
   std::size_t m_fed = 0;  // in bytes
   std::size_t m_depth = 0;
@@ -204,8 +212,9 @@ class Checker {
 
 }  // namespace
 
-Standalone checkWellFormed(const char* utf8, std::size_t size) {
-  return Checker().check(utf8, size);
+Standalone checkWellFormed(const char* utf8, std::size_t size,
+                           const AdvXMLParser::WrittenIn* writtenIn) {
+  return Checker().check(utf8, size, writtenIn);
 }
 
 }  // namespace host

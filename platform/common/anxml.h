@@ -1,6 +1,7 @@
 #ifndef PLATFORM_COMMON_ANXML_H
 #define PLATFORM_COMMON_ANXML_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -9,7 +10,8 @@
 
 namespace AdvXMLParser {
 struct DocumentTree;
-}
+struct WrittenIn;
+}  // namespace AdvXMLParser
 
 // Documents that are edited node by node. Whatever an edit does not touch stays as it was: unknown
 // elements and attributes, comments, processing instructions, CDATA sections, white space.
@@ -34,12 +36,19 @@ class PLATFORM_API AnXml {
   bool useExistingFile(const AString& path, const wchar_t* rootName,
                        const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 
+  // The same with what AdvXMLParser::ReadUtf8FromFile read, for a file that is read once and used
+  // more often. Does not block.
+  bool useText(const std::string& utf8, const AdvXMLParser::WrittenIn& writtenIn,
+               const wchar_t* rootName, const wchar_t* namespaceAttribute,
+               const wchar_t* namespaceValue);
+
   // Creates or replaces the file with the document as UTF-8, with an XML declaration and without a
   // byte order mark. Another process, and a process that starts after this one died at any moment,
   // sees the old file or the new one, never a mixture; the old file's mode and owner are kept, a
   // new file is readable and writable by its owner and readable by its group. Both flags are
-  // reserved: nothing is written unless they are false. False when there is no document or the file
-  // could not be written; the old file is then as it was. Blocks on the file system.
+  // reserved: nothing is written unless they are false. False when there is no document, when no
+  // reader would accept it because it is over a limit, or when the file could not be written (both
+  // logged as an error); the old file is then as it was. Blocks on the file system.
   bool writeFile(const AString& path, bool reserved1, bool reserved2) const;
 
  private:

@@ -83,6 +83,12 @@ class PLATFORM_API ReadWriteException : public std::exception {
   std::string m_reason;
 };
 
+// How the bytes of a document were written, as found at their start.
+struct WrittenIn {
+  UTF_ENCODINGS encoding;  // before a read: the hint for what cannot be told from the bytes
+  bool hasMark = false;    // whether a byte order mark stood in front
+};
+
 // A function from raw narrow text to the narrow text to use in its place.
 using TextCallback = std::string (*)(const std::string&);
 
@@ -98,7 +104,7 @@ PLATFORM_API void ReadBufferFromFile(const std::wstring& path, std::wstring& tex
 // The same with the text as UTF-8, for a document that is only parsed: wide text would take four
 // times the memory.
 PLATFORM_API void ReadUtf8FromFile(const std::wstring& path, std::string& utf8,
-                                   UTF_ENCODINGS& encoding);
+                                   WrittenIn& writtenIn);
 
 // Creates or replaces the file with the text in the given encoding; the 16- and 32-bit forms get a
 // byte order mark. Another process, and a process that starts after this one died at any moment,
@@ -111,14 +117,15 @@ PLATFORM_API bool WriteBufferToFile(const std::wstring& path, const std::wstring
                                     UTF_ENCODINGS encoding, TextCallback before,
                                     TextCallback after);
 
-// As WriteBufferToFile, with a text that is UTF-8 already; it is written as it is.
-PLATFORM_API bool WriteUtf8ToFile(const std::wstring& path, const char* utf8, std::size_t size);
-
 // The conversion of ReadBufferFromFile on bytes in memory. True when they were converted; false
 // when they are not valid in the encoding found, and then both outputs are as they were. `data` may
 // be null when `length` is 0. Throws std::bad_alloc, and ReadWriteException (LIMIT_EXCEEDED).
 PLATFORM_API bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length,
                                          std::wstring& text, UTF_ENCODINGS& encoding);
+
+// The same with the text as UTF-8, as in ReadUtf8FromFile.
+PLATFORM_API bool ConvertBufferToUtf8(const unsigned char* data, std::size_t length,
+                                      std::string& utf8, WrittenIn& writtenIn);
 
 class AttributeRange;
 class ElementRange;
@@ -316,15 +323,21 @@ class PLATFORM_API DocumentWriter {
   void Close();
   // Closes all that is open. Nothing may be added afterwards.
   void Finish();
-
-  // What was written so far; valid until more is added.
-  const char* Data() const;
-  std::size_t Size() const;  // in bytes
+  // Marks the document as one that no reader accepts, because it is over the limit `what`.
+  // WriteDocumentToFile then refuses it. The writer does so itself for the limits of the parser.
+  void Refuse(const char* what);
 
  private:
+  friend PLATFORM_API bool WriteDocumentToFile(const std::wstring& path,
+                                               const DocumentWriter& document);
   struct State;
   std::unique_ptr<State> m_state;
 };
+
+// As WriteBufferToFile, with a finished document, as UTF-8. Also throws ReadWriteException
+// (LIMIT_EXCEEDED) when no reader would accept the document, and then leaves the old file as it
+// was.
+PLATFORM_API bool WriteDocumentToFile(const std::wstring& path, const DocumentWriter& document);
 
 // Makes documents of text. It has no state.
 class PLATFORM_API Parser {
@@ -335,8 +348,10 @@ class PLATFORM_API Parser {
   // document is over a limit, or std::bad_alloc. Never opens a file or a connection, whatever the
   // document says. Any thread.
   Document* Parse(const wchar_t* text, std::size_t length);
-  // The same for `length` bytes of UTF-8; bytes that are none are not well formed.
-  Document* ParseUtf8(const char* utf8, std::size_t length);
+  // The same for `length` bytes of UTF-8; bytes that are not UTF-8 are not well formed. With
+  // `writtenIn`, a document that declares an encoding in which its bytes cannot have been written
+  // is not well formed either.
+  Document* ParseUtf8(const char* utf8, std::size_t length, const WrittenIn* writtenIn = nullptr);
 };
 
 }  // namespace AdvXMLParser

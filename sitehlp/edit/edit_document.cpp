@@ -11,15 +11,16 @@ using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
-bool openSiteListDocument(AnXml& document, const AString& path) {
-  return document.useExistingFile(path, WX_XML_SITELISTS, WX_XML_NAMESPACE,
-                                  WX_XML_SITELISTS_NAMESPACE);
+bool openSiteListText(AnXml& document, const ListSource& source) {
+  return document.useText(source.utf8(), source.writtenIn(), WX_XML_SITELISTS, WX_XML_NAMESPACE,
+                          WX_XML_SITELISTS_NAMESPACE);
 }
 
 bool openLocked(AnXml& document, const AString& path) {
   InterProcessReadLock lock(c_siteListLock);
   lock.lock(c_waitForEver);
-  const bool opened = openSiteListDocument(document, path);
+  const bool opened = document.useExistingFile(path, WX_XML_SITELISTS, WX_XML_NAMESPACE,
+                                               WX_XML_SITELISTS_NAMESPACE);
   lock.unlock();
   return opened;
 }

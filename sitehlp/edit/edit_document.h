@@ -3,16 +3,17 @@
 
 #include "platform/common/anxml.h"
 #include "platform/common/astring.h"
+#include "sitehlp/list_source.h"
 
 namespace sitehlp {
 
 // The component that log lines and traces of document editing name.
 constexpr const wchar_t* c_editComponent = L"StSHlp";
 
-// Opens a file as a site list document.
-bool openSiteListDocument(AnXml& document, const AString& path);
+// Opens what was read of a list as a site list document.
+bool openSiteListText(AnXml& document, const ListSource& source);
 
-// The same, under the read lock "SiteListLock".
+// Opens a file as a site list document, under the read lock "SiteListLock".
 bool openLocked(AnXml& document, const AString& path);
 
 // Writes a document under the write lock "SiteListLock".

@@ -73,8 +73,8 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
 // What MustReadSiteList does, but of all the records only the one is kept that decides which key
 // files come with the list, a versioned server or else the first: memory for the others, of which
 // there may be thousands, would cost more than all the rest.
-int mustReadDecidingSite(const std::wstring& path, bool useDecryptData,
-                         PolicySettings& policySettings, ListOwner& deciding) {
+int mustReadDecidingSite(ListSource& source, bool useDecryptData, PolicySettings& policySettings,
+                         ListOwner& deciding) {
   const auto take = [&deciding](tag_Site* site) {
     const tag_Site* const kept = deciding.get();
     if (kept && (isVersionedServer(*kept) || !isVersionedServer(*site))) {
@@ -87,7 +87,7 @@ int mustReadDecidingSite(const std::wstring& path, bool useDecryptData,
   int result = c_success;
   {
     const ADetailTrace trace(c_component, L"Reading Sitelist");
-    result = readSitesOfFile(path, useDecryptData, policySettings, take);
+    result = readSites(source, useDecryptData, policySettings, take);
   }
   if (result < 0 || !deciding.get()) logFailedRead(result);
   return result;
@@ -100,8 +100,11 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
   const ADetailTrace trace(c_editComponent, L"modifying site list");
   AnXml target;
   if (!openLocked(target, m_strSiteListFile)) return false;
+  ListSource incomingFile(AString(sourcePath).str());
   AnXml source;
-  if (!openSiteListDocument(source, sourcePath)) return false;
+  if (incomingFile.read(false) != c_success || !openSiteListText(source, incomingFile)) {
+    return false;
+  }
   AnXmlNode targetRoot(&target);
   AnXmlNode sourceRoot(&source);
   AnXmlNode targetSiteList;
@@ -111,13 +114,13 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
   }
   if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
   if (replaceServerSites) doReplacePyxSite(targetRoot, sourceRoot);
-  m_strCurrentFile = sourcePath;
+  m_strCurrentFile = incomingFile.path();
   ListOwner incoming;
-  if (mustReadDecidingSite(m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, incoming) <
-      0) {
+  if (mustReadDecidingSite(incomingFile, m_bUseDecryptData == 1, m_policySettings, incoming) < 0) {
     return false;
   }
-  if (!createDirectoriesAndCopyKeyFiles(sourcePath, incoming.get(), keyDir.str())) return false;
+  if (!createDirectoriesAndCopyKeyFiles(m_strCurrentFile, incoming.get(), keyDir.str()))
+    return false;
   return writeLocked(target, m_strSiteListFile);
 }
 

@@ -191,11 +191,10 @@ TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
   usualLists();
   LockWatch files({"SiteList.xml", "incoming.xml"});
   EXPECT_TRUE(modify(true, true));
-  // The constructor reads the versions first. The source is opened twice: as a document without a
-  // lock, then as records.
+  // The constructor reads the versions first. The source is read once, as a document and as
+  // records.
   EXPECT_THAT(files.seen, ElementsAre("read SiteList.xml: reading", "read SiteList.xml: reading",
-                                      "read incoming.xml: none", "read incoming.xml: reading",
-                                      "write SiteList.xml: writing"));
+                                      "read incoming.xml: none", "write SiteList.xml: writing"));
 }
 
 TEST_F(Modify, aChangeMadeByAnotherWriterMeanwhileIsOverwritten) {

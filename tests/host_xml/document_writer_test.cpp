@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/host_xml/documents.h"
+#include "tests/support/memory_file_system.h"
 
 // Documents that are written without a tree: their text is that of a tree with the same content.
 namespace {
@@ -11,7 +12,11 @@ using namespace AdvXMLParser;
 
 std::string textOf(DocumentWriter& writer) {
   writer.Finish();
-  return std::string(writer.Data(), writer.Size());
+  test::MemoryFileSystem disk;
+  disk.put("/d/before", "");
+  EXPECT_TRUE(WriteDocumentToFile(L"/d/list", writer));
+  const std::string* const text = disk.find("/d/list");
+  return text ? *text : "";
 }
 
 std::string textOf(const Document& document) { return test::narrow(document.GenerateXML(false)); }

@@ -25,13 +25,16 @@ class TextFile : public testing::Test {
     std::wstring text = L"invalid";
     std::string utf8 = "invalid";
     UTF_ENCODINGS encoding = UTF_16BE;
+    WrittenIn writtenIn{UTF_16BE};
     const int systemError =
         errorOf(name, errorCode, [&] { ReadBufferFromFile(path(name), text, encoding, nullptr); });
-    EXPECT_EQ(errorOf(name, errorCode, [&] { ReadUtf8FromFile(path(name), utf8, encoding); }),
+    EXPECT_EQ(errorOf(name, errorCode, [&] { ReadUtf8FromFile(path(name), utf8, writtenIn); }),
               systemError);
     EXPECT_EQ(text, L"invalid");
     EXPECT_EQ(utf8, "invalid");
     EXPECT_EQ(encoding, UTF_16BE);
+    EXPECT_EQ(writtenIn.encoding, UTF_16BE);
+    EXPECT_FALSE(writtenIn.hasMark);
     return systemError;
   }
 
@@ -50,7 +53,9 @@ class TextFile : public testing::Test {
 
   std::string readUtf8(const std::string& name, UTF_ENCODINGS& encoding) {
     std::string utf8 = "invalid";
-    ReadUtf8FromFile(path(name), utf8, encoding);
+    WrittenIn writtenIn{encoding};
+    ReadUtf8FromFile(path(name), utf8, writtenIn);
+    encoding = writtenIn.encoding;
     return utf8;
   }
 

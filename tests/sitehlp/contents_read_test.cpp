@@ -13,7 +13,7 @@ class ContentsRead : public test::PasswordTest {
     const std::wstring file = store(test::documentWithSites(elements));
     agent.clearLog();
     sitehlp::ListContents contents;
-    EXPECT_EQ(sitehlp::readListContents(
+    EXPECT_EQ(sitehlp::CSitesHelper::ReadListContents(
                   file, contents, [this](sitehlp::tag_Site* site) { sites.emplace_back(site); }),
               0);
   }

@@ -30,14 +30,17 @@ Split split(const std::wstring& text) {
   return result;
 }
 
-// The same with a stream, and with a failed extraction leaving the port alone.
+// The same with a stream, and with a failed extraction leaving the port alone. A stream takes signs
+// and wraps negative numbers around; a port has no sign.
 Split expected(const std::wstring& text) {
   const std::size_t colon = text.rfind(L':');
   if (colon == std::wstring::npos) return {false, L"as it was", c_noPort};
   Split result{true, text.substr(0, colon), c_noPort};
   std::wistringstream stream(text.substr(colon + 1));
   unsigned int number = 0;
-  if (stream >> std::dec >> number) result.port = number;
+  stream >> std::ws;
+  const bool hasSign = stream.peek() == L'-' || stream.peek() == L'+';
+  if (!hasSign && stream >> std::dec >> number) result.port = number;
   return result;
 }
 
@@ -79,7 +82,12 @@ TEST(SplitHostAndPort, ReadsTheNumberAsAStreamDoes) {
   EXPECT_EQ(split(L"h:81 90"), (Split{true, L"h", 81}));
   EXPECT_EQ(split(L"h:0x1F"), (Split{true, L"h", 0}));
   EXPECT_EQ(split(L"h:0081"), (Split{true, L"h", 81}));
-  EXPECT_EQ(split(L"h:+81"), (Split{true, L"h", 81}));
+}
+
+TEST(SplitHostAndPort, SignIsNotADigit) {
+  EXPECT_EQ(split(L"h:-1"), (Split{true, L"h", c_noPort}));
+  EXPECT_EQ(split(L"h: -81"), (Split{true, L"h", c_noPort}));
+  EXPECT_EQ(split(L"h:+81"), (Split{true, L"h", c_noPort}));
 }
 
 TEST(SplitHostAndPort, KeepsThePortWhenThereIsNoNumber) {

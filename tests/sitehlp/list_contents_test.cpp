@@ -35,8 +35,8 @@ class Contents : public test::SitesHelperTest {
  protected:
   int readContents(const std::wstring& file) {
     sites.clear();
-    return sitehlp::readListContents(file, contents,
-                                     [this](tag_Site* site) { sites.emplace_back(site); });
+    return sitehlp::CSitesHelper::ReadListContents(
+        file, contents, [this](tag_Site* site) { sites.emplace_back(site); });
   }
 
   bool isEmpty() const {
@@ -87,12 +87,13 @@ TEST_F(Contents, SayClientAndNoFipsModeWhenTheListDoesNot) {
 
 TEST_F(Contents, AreThereBeforeTheFirstSite) {
   std::vector<std::wstring> seen;
-  EXPECT_EQ(sitehlp::readListContents(store(c_full), contents,
-                                      [&](tag_Site* site) {
-                                        const test::ListPtr owner(site);
-                                        seen.push_back(contents.globalVersion + contents.type +
-                                                       contents.policySettings[L"b"]);
-                                      }),
+  EXPECT_EQ(sitehlp::CSitesHelper::ReadListContents(store(c_full), contents,
+                                                    [&](tag_Site* site) {
+                                                      const test::ListPtr owner(site);
+                                                      seen.push_back(contents.globalVersion +
+                                                                     contents.type +
+                                                                     contents.policySettings[L"b"]);
+                                                    }),
             0);
   EXPECT_THAT(seen, ElementsAre(L"gServer2", L"gServer2", L"gServer2"));
 }
@@ -127,11 +128,12 @@ TEST_F(Contents, ComeFromOneReadOfTheFileUnderTheReadLock) {
     }
   };
   test::HookedFileSystem hooked(note, note);
-  EXPECT_EQ(sitehlp::readListContents(file, contents,
-                                      [&](tag_Site* site) {
-                                        const test::ListPtr owner(site);
-                                        taken.push_back(test::lockState(sitehlp::c_siteListLock));
-                                      }),
+  EXPECT_EQ(sitehlp::CSitesHelper::ReadListContents(file, contents,
+                                                    [&](tag_Site* site) {
+                                                      const test::ListPtr owner(site);
+                                                      taken.push_back(
+                                                          test::lockState(sitehlp::c_siteListLock));
+                                                    }),
             0);
   EXPECT_THAT(opened, ElementsAre(LockState::Read));
   EXPECT_THAT(taken, ElementsAre(LockState::Free, LockState::Free, LockState::Free));
@@ -139,11 +141,12 @@ TEST_F(Contents, ComeFromOneReadOfTheFileUnderTheReadLock) {
 
 TEST_F(Contents, WhatTheTakerThrowsEndsTheRead) {
   int count = 0;
-  EXPECT_THROW(sitehlp::readListContents(store(c_full), contents,
-                                         [&](tag_Site* site) {
-                                           const test::ListPtr owner(site);
-                                           if (++count == 2) throw std::runtime_error("enough");
-                                         }),
+  EXPECT_THROW(sitehlp::CSitesHelper::ReadListContents(store(c_full), contents,
+                                                       [&](tag_Site* site) {
+                                                         const test::ListPtr owner(site);
+                                                         if (++count == 2)
+                                                           throw std::runtime_error("enough");
+                                                       }),
                std::runtime_error);
   EXPECT_EQ(count, 2);
 }

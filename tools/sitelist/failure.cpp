@@ -124,9 +124,11 @@ template <typename GetText>
 std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
                                    std::unique_ptr<AdvXMLParser::Document>& document) {
   try {
-    AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
-    getText(text, encoding);
-    document.reset(AdvXMLParser::Parser().Parse(text.data(), text.size()));
+    std::string utf8;
+    AdvXMLParser::WrittenIn writtenIn{AdvXMLParser::UTF_8};
+    getText(utf8, writtenIn);
+    text = wide(utf8);
+    document.reset(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size(), &writtenIn));
     if (document) return std::nullopt;
     return notWellFormed(1, 1, "there is no markup in the file");
   } catch (const AdvXMLParser::ParsingException& e) {
@@ -162,8 +164,8 @@ Failure failureAt(const std::string& path, ExitStatus status, const std::string&
 std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
                                           std::unique_ptr<AdvXMLParser::Document>& document) {
   return parse(
-      [&](std::wstring& into, AdvXMLParser::UTF_ENCODINGS& encoding) {
-        AdvXMLParser::ReadBufferFromFile(wide(path), into, encoding, nullptr);
+      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
+        AdvXMLParser::ReadUtf8FromFile(wide(path), into, writtenIn);
       },
       text, document);
 }
@@ -178,9 +180,9 @@ std::optional<DocumentFault> findFaultInBytes(const std::string& bytes) {
   std::wstring text;
   std::unique_ptr<AdvXMLParser::Document> document;
   return parse(
-      [&](std::wstring& into, AdvXMLParser::UTF_ENCODINGS& encoding) {
+      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
         const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
-        if (!AdvXMLParser::ConvertBufferToUnicode(data, bytes.size(), into, encoding)) {
+        if (!AdvXMLParser::ConvertBufferToUtf8(data, bytes.size(), into, writtenIn)) {
           throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
                                    "the bytes are not valid in their encoding");
         }

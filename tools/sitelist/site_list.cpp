@@ -9,14 +9,15 @@ SiteList readSiteList(const std::string& path) {
   SiteList list;
   list.path = path;
   sitehlp::tag_Site* last = nullptr;
-  list.result = sitehlp::readListContents(wide(path), list, [&](sitehlp::tag_Site* site) {
-    if (last) {
-      last->pNext = site;
-    } else {
-      list.sites.reset(site);
-    }
-    last = site;
-  });
+  list.result =
+      sitehlp::CSitesHelper::ReadListContents(wide(path), list, [&](sitehlp::tag_Site* site) {
+        if (last) {
+          last->pNext = site;
+        } else {
+          list.sites.reset(site);
+        }
+        last = site;
+      });
   return list;
 }
 

@@ -88,13 +88,14 @@ struct Counts {
 // The sites in the order of the list, each of which is let go before the next one is read.
 Counts readInPassing(SiteList& list, const Options& options, RowWriter& rows) {
   Counts counts;
-  list.result = sitehlp::readListContents(wide(list.path), list, [&](tag_Site* taken) {
-    const Sites site(taken);
-    ++counts.read;
-    if (!isSelected(*site, options.selection)) return;
-    ++counts.selected;
-    rows.add(recordOf(*site, options.showSecrets));
-  });
+  list.result =
+      sitehlp::CSitesHelper::ReadListContents(wide(list.path), list, [&](tag_Site* taken) {
+        const Sites site(taken);
+        ++counts.read;
+        if (!isSelected(*site, options.selection)) return;
+        ++counts.selected;
+        rows.add(recordOf(*site, options.showSecrets));
+      });
   return counts;
 }
 

@@ -1,0 +1,45 @@
+#include "host/xml/readable.h"
+
+#include <iterator>
+
+#include "host/xml/limits.h"
+#include "host/xml/well_formed.h"
+#include "platform/xml/advxmlparser.h"
+
+namespace host {
+namespace {
+
+template <typename Range>
+bool hasMoreThan(std::size_t limit, const Range& range) {
+  return static_cast<std::size_t>(std::distance(range.begin(), range.end())) > limit;
+}
+
+// Whether the numbers of children and attributes, and the depth, are within the limits.
+class Counts : public pugi::xml_tree_walker {
+ public:
+  bool for_each(pugi::xml_node& node) override {
+    constexpr int c_depthOfChildren = 2;  // the walk counts the children of the root as 0
+    return static_cast<std::size_t>(depth() + c_depthOfChildren) <= c_maxDepth && check(node);
+  }
+
+  // False also ends the walk.
+  static bool check(pugi::xml_node node) {
+    return !hasMoreThan(c_maxAttributes, node.attributes()) &&
+           !hasMoreThan(c_maxChildren, node.children());
+  }
+};
+
+}  // namespace
+
+void requireReadable(pugi::xml_node root, const std::string& text) {
+  if (text.size() > c_maxDocumentBytes) {
+    throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                           "document over the limit: number of bytes");
+  }
+  // No token is longer than the whole. Counting costs far less than parsing again.
+  Counts counts;
+  if (text.size() <= c_maxTokenBytes && Counts::check(root) && root.traverse(counts)) return;
+  checkWellFormed(text.data(), text.size());
+}
+
+}  // namespace host

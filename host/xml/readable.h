@@ -1,0 +1,15 @@
+#ifndef HOST_XML_READABLE_H
+#define HOST_XML_READABLE_H
+
+#include <pugixml.hpp>
+#include <string>
+
+namespace host {
+
+// Checks that a parser accepts the text of a tree: an edit adds elements and attributes, and
+// escapes make a text longer. Throws ReadWriteException (LIMIT_EXCEEDED) or std::bad_alloc.
+void requireReadable(pugi::xml_node root, const std::string& text);
+
+}  // namespace host
+
+#endif

@@ -1,0 +1,38 @@
+#include "sitehlp/caught.h"
+
+#include <exception>
+
+#include "platform/common/log.h"
+#include "platform/xml/advxmlparser.h"
+
+namespace sitehlp {
+namespace {
+
+// Not that of the class: its lines are known by their texts and numbers to those who search logs.
+constexpr const wchar_t* c_causeComponent = L"Host";
+
+AString reasonOf(const std::wstring& path) {
+  try {
+    throw;
+  } catch (const AdvXMLParser::ReadWriteException& failure) {
+    return AString(failure.what());  // names the file
+  } catch (const std::bad_alloc&) {
+    return AString(path).append(L": not enough memory");
+  } catch (const std::exception& failure) {
+    return AString(path).append(L": ").append(AString(failure.what()));
+  } catch (...) {
+    return AString(path).append(L": unknown exception");
+  }
+}
+
+}  // namespace
+
+void logCaught(const wchar_t* what, const std::wstring& path) noexcept {
+  try {
+    logError(c_causeComponent, AString(what).append(reasonOf(path)));
+  } catch (...) {
+    // There is no memory for the line either.
+  }
+}
+
+}  // namespace sitehlp

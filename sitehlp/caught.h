@@ -1,0 +1,15 @@
+#ifndef SITEHLP_CAUGHT_H
+#define SITEHLP_CAUGHT_H
+
+#include <string>
+
+namespace sitehlp {
+
+// Logs the exception that is being handled and goes no further as one error line: `what` was not
+// done, with the file at `path`, and why. Call it in a handler. A line that cannot be built for
+// want of memory is dropped.
+void logCaught(const wchar_t* what, const std::wstring& path) noexcept;
+
+}  // namespace sitehlp
+
+#endif

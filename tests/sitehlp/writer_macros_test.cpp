@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <random>
 #include <regex>
 #include <string>
@@ -251,6 +252,20 @@ TEST_F(OneWriter, OtherPositionsPutTheElementBehindTheAnchor) {
       EXPECT_THAT(childrenOf(document.GetRoot()), ElementsAre(L"anchor", c_names[i]));
       EXPECT_EQ(helper.m_pSiteListElement->GetName(), c_names[i]);
       helper.m_pSiteListElement = nullptr;
+    }
+  }
+}
+
+TEST_F(OneWriter, WithoutAnAnchorWritesNothingAndLeavesTheRecordAlone) {
+  for (std::size_t i = 0; i < 5; ++i) {
+    for (const int position : {0, 1}) {
+      test::Probe fresh(true);
+      const test::ListPtr site(newSite(static_cast<sitehlp::SiteKind>(i)));
+      test::put(site->proxy.szExclusionList, L"a;b");
+      const tag_Site before = *site;
+      EXPECT_EQ((fresh.*c_writers[i])(site.get(), position), 0);
+      EXPECT_EQ(std::memcmp(site.get(), &before, sizeof before), 0);
+      EXPECT_EQ(fresh.m_pSiteListElement, nullptr);
     }
   }
 }

@@ -103,6 +103,19 @@ TEST_F(MergeCopy, aSecondCallGoesOnBehindTheTail) {
   EXPECT_EQ(tail, result.last());
 }
 
+TEST_F(MergeCopy, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
+  for (const bool isKept : {true, false}) {
+    SiteChain list{httpSite(L"a"), httpSite(L"b"), httpSite(L"c")};
+    tail = list.head();
+    const SiteChain cutOff(tail->pNext);
+    SiteChain source{isKept ? ftpSite(L"new") : proxySite(L"skipped")};
+    EXPECT_EQ(helper.MergeThisSiteList(source.head(), true, &tail, list.address()), 0);
+    EXPECT_EQ(tail, list.last());
+    EXPECT_EQ(nameOf(*tail), isKept ? L"new" : L"a");
+    EXPECT_THAT(namesOf(cutOff.head()), ElementsAre(L"b", L"c"));
+  }
+}
+
 TEST_F(MergeCopy, withoutATailTheFirstCopyOverwritesTheHead) {
   SiteChain former{httpSite(L"former")};
   tag_Site* head = former.head();

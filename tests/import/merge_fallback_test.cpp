@@ -140,6 +140,28 @@ TEST_F(MergeFallback, replacesAFallbackThatIsTheWholeResult) {
   EXPECT_EQ(result.head()->pNext, nullptr);
 }
 
+TEST_F(MergeFallback, leavesTheTailOnTheRecordThatItReplaced) {
+  SiteChain result{httpSite(L"a"), typed(httpSite(L"old"), L"fallback")};
+  tag_Site* const place = result.last();
+  tag_Site* tail = place;
+  EXPECT_EQ(helper.UpdateFallbackSite(newRecord(typed(ftpSite(L"new"), L"fallback")), &tail,
+                                      result.address()),
+            0);
+  EXPECT_EQ(tail, place);
+  EXPECT_EQ(nameOf(*tail), L"new");
+}
+
+TEST_F(MergeFallback, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
+  SiteChain result{httpSite(L"a"), httpSite(L"b"), httpSite(L"c")};
+  tag_Site* tail = result.head();
+  const SiteChain cutOff(tail->pNext);
+  tag_Site* const fallback = newRecord(typed(httpSite(L"new"), L"fallback"));
+  EXPECT_EQ(helper.UpdateFallbackSite(fallback, &tail, result.address()), 0);
+  EXPECT_THAT(namesOf(result.head()), ElementsAre(L"a", L"new"));
+  EXPECT_EQ(tail, fallback);
+  EXPECT_THAT(namesOf(cutOff.head()), ElementsAre(L"b", L"c"));
+}
+
 TEST_F(MergeFallback, goesBehindTheTailOfAResultWithoutFallback) {
   SiteChain result{httpSite(L"a"), httpSite(L"b")};
   SiteChain other{httpSite(L"behind")};

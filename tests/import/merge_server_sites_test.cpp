@@ -129,6 +129,40 @@ TEST_F(MergeServerSites, areFoundWhateverTheCaseOfTheElement) {
   EXPECT_THAT(updated(result), ElementsAre(L"a", L"new1", L"new2"));
 }
 
+TEST_F(MergeServerSites, leaveTheTailAloneWhenTheyBecomeAnEmptyResult) {
+  tag_Site marker = httpSite(L"marker");
+  for (tag_Site* const before : {static_cast<tag_Site*>(nullptr), &marker}) {
+    SiteChain result;
+    SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
+    tag_Site* const first = chain.head();
+    tag_Site* tail = before;
+    EXPECT_EQ(helper.UpdateVestaSite(chain.release(), &tail, result.address()), 0);
+    EXPECT_EQ(result.head(), first);
+    EXPECT_EQ(tail, before);
+  }
+}
+
+TEST_F(MergeServerSites, leaveTheTailBeforeThemWhenItsRecordStayed) {
+  SiteChain result{serverSite(L"s"), httpSite(L"a"), httpSite(L"b")};
+  SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
+  tag_Site* const before = result.last();
+  tag_Site* tail = before;
+  tag_Site* const first = chain.head();
+  EXPECT_EQ(helper.UpdateVestaSite(chain.release(), &tail, result.address()), 0);
+  EXPECT_EQ(tail, before);
+  EXPECT_EQ(tail->pNext, first);
+}
+
+TEST_F(MergeServerSites, moveTheTailToTheirEndWhenItsRecordWasRemoved) {
+  SiteChain result{httpSite(L"a"), serverSite(L"s")};
+  SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
+  tag_Site* const end = chain.last();
+  tag_Site* tail = result.last();
+  EXPECT_EQ(helper.UpdateVestaSite(chain.release(), &tail, result.address()), 0);
+  EXPECT_EQ(tail, end);
+  EXPECT_EQ(tail, result.last());
+}
+
 TEST_F(MergeServerSites, aResultWithoutServerSiteReceivesNoneAndTheChainStaysWithTheCaller) {
   SiteChain result{httpSite(L"a"), ftpSite(L"b")};
   SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};

@@ -62,7 +62,7 @@ if(TARGET sitelist)
     COMPONENT tool)
 endif()
 
-# All of platform/ is for everybody; of the other folders, the headers listed.
+# All of platform/ is for everybody; of the other folders, the headers listed, and the generated one.
 install(
   DIRECTORY platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
@@ -78,6 +78,10 @@ foreach(header IN LISTS installed_headers)
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
     COMPONENT development)
 endforeach()
+install(
+  FILES ${PROJECT_BINARY_DIR}/sitehlp/include/sitehlp/vendor_hosts.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/sitehlp
+  COMPONENT development)
 
 install(
   EXPORT sitehlpTargets

@@ -16,13 +16,6 @@ namespace sitehlp {
 using korvel_com::orb::lock::InterProcessWriteLock;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_TYPE_CLIENT;
 
-namespace {
-
-constexpr std::int32_t c_overrideManaged = -1;
-constexpr std::int32_t c_overrideNotManaged = -2;
-
-}  // namespace
-
 tag_Site* CSitesHelper::m_pSiteList = nullptr;
 std::int32_t CSitesHelper::m_iChange = 0;
 

@@ -50,19 +50,9 @@ void releaseRecord(tag_Site* record) noexcept {
   std::free(record);
 }
 
-ListOwner::~ListOwner() {
-  if (m_head) CSitesHelper::FreeSiteListMemory(m_head);
-}
-
 std::optional<Kind> kindOf(const tag_Site& record) {
   const auto isAKind = record.eSiteKind >= SITE_KIND_HTTP && record.eSiteKind <= SITE_KIND_PROXY;
   return isAKind ? std::optional<Kind>(static_cast<Kind>(record.eSiteKind)) : std::nullopt;
-}
-
-tag_Site* ListOwner::release() {
-  tag_Site* const head = m_head;
-  m_head = nullptr;
-  return head;
 }
 
 bool isServerSite(const tag_Site& record) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "sitehlp/site.h"
+#include "sitehlp/list.h"
 
 namespace sitehlp {
 
@@ -43,22 +43,6 @@ std::optional<Kind> kindOf(const tag_Site& record);
 // Wipes what passwords the record holds, of whatever kind it was, and releases it. Its
 // successors are not touched.
 void releaseRecord(tag_Site* record) noexcept;
-
-// Owns a list until it is handed on.
-class ListOwner {
- public:
-  ListOwner() = default;
-  ~ListOwner();
-  ListOwner(const ListOwner&) = delete;
-  ListOwner& operator=(const ListOwner&) = delete;
-
-  tag_Site* get() const { return m_head; }
-  tag_Site** out() { return &m_head; }
-  tag_Site* release();
-
- private:
-  tag_Site* m_head = nullptr;
-};
 
 // A server site: the management server, of the HTTP family.
 bool isServerSite(const tag_Site& record);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "platform/common/abuffer.h"
@@ -35,6 +36,11 @@ constexpr const wchar_t* c_agentEnvMacroEndDelimiter = L">";
 constexpr const wchar_t* c_agentEnvMacroStartDelimiterExpanded = L"%%lt%%";
 // Behind a macro in records.
 constexpr const wchar_t* c_agentEnvMacroEndDelimiterExpanded = L"%%gt%%";
+
+// What CSitesHelper::SetManagedOverride takes.
+constexpr std::int32_t c_overrideNone = 0;         // the agent's configuration decides
+constexpr std::int32_t c_overrideManaged = -1;     // under central management
+constexpr std::int32_t c_overrideNotManaged = -2;  // not under central management
 
 // Splits `text` at its last ":" into host and decimal port. Returns whether there is a ":"; without
 // one, `host` and `port` stay as they were. `port` also stays when no number in the range of an
@@ -68,8 +74,11 @@ class SITEHLP_API CSitesHelper {
   // The same, so that a wide literal is not taken for the bool. Null counts as an empty path.
   explicit CSitesHelper(const wchar_t* fullPath)
       : CSitesHelper(std::wstring(fullPath ? fullPath : L"")) {}
-  // A narrow path would be taken for the bool.
-  explicit CSitesHelper(const char*) = delete;
+  // Numbers and other pointers, such as a narrow path, would be taken for the bool.
+  template <typename Other,
+            typename = std::enable_if_t<std::is_scalar_v<Other> &&
+                                        !std::is_convertible_v<Other, std::wstring>>>
+  explicit CSitesHelper(Other) = delete;
   // The cached list stays.
   virtual ~CSitesHelper();
 
@@ -82,8 +91,8 @@ class SITEHLP_API CSitesHelper {
   // 1 when the agent is under central management, else 0.
   int IsOrbManaged();
 
-  // Sets what IsOrbManaged answers: -1 managed, -2 not managed, 0 ask the agent's configuration.
-  // Any other value asks, too.
+  // Sets what IsOrbManaged of this instance answers: c_overrideManaged, c_overrideNotManaged or
+  // c_overrideNone. Any other value counts as c_overrideNone.
   void SetManagedOverride(std::int32_t managedOverride);
 
   // Marks the cached list of this process as changed, under the write lock "SmartSiteListLock".

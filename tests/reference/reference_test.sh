@@ -46,12 +46,13 @@ case $1 in
     make_reference || fail "$(cat said)"
     [ ! -s said ] || fail "$(cat said)"
     shows index.html "what a call takes and gives"
-    shows classsitehlp_1_1CSitesHelper.html 'Returns 0; -1 when the last site element was of no known kind'
+    shows classsitehlp_1_1CSitesHelper.html '-1 when the last site element is of unknown kind'
     shows classsitehlp_1_1CSitesHelper.html 'the first "&lt;CaBundle&gt;" tag'
     shows classsitehlp_1_1CSitesHelper.html 'Component of their log lines: "StSHlp"'
     shows structsitehlp_1_1tag__Site.html 'position in the search order; 65535'
     shows classAString.html 'bytes that are not valid UTF-8 become U+FFFD'
     shows afile_8h.html 'Files by name.'
+    shows vendor__hosts_8h.html 'Host of the default vendor HTTP repository'
     # Every public header has its page, and no page points to one that is not there.
     for header in $(cat "$root/cmake/installed-headers.txt") $(cd "$root" && find platform -name '*.h'); do
       grep -lF "$header File Reference" html/*_8h.html >/dev/null ||

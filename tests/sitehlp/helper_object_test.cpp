@@ -3,6 +3,7 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "platform/lock/interprocess_lock.h"
@@ -155,12 +156,29 @@ TEST_F(HelperObject, FullPathIsNotTheAgentsSiteList) {
   expectNothingRemembered(object);
 }
 
-TEST_F(HelperObject, TakesNoNarrowPath) {
-  EXPECT_FALSE((std::is_constructible<CSitesHelper, const char*>::value));
-  EXPECT_TRUE((std::is_constructible<CSitesHelper, const wchar_t*>::value));
-  EXPECT_TRUE((std::is_constructible<CSitesHelper, std::wstring>::value));
-  EXPECT_TRUE((std::is_constructible<CSitesHelper, bool>::value));
-  EXPECT_FALSE((std::is_convertible<bool, CSitesHelper>::value));
+template <typename Argument>
+constexpr bool c_takes = std::is_constructible_v<CSitesHelper, Argument>;
+
+enum Plain { PLAIN };
+
+TEST_F(HelperObject, IsMadeOfABoolOrWideTextAndOfNothingThatBecomesABool) {
+  static_assert(c_takes<bool> && c_takes<const bool&>);
+  static_assert(c_takes<std::wstring> && c_takes<const std::wstring&>);
+  static_assert(c_takes<const wchar_t*> && c_takes<wchar_t*>);
+  static_assert(c_takes<const wchar_t(&)[2]> && c_takes<wchar_t(&)[2]>);
+  static_assert(c_takes<const CSitesHelper&> && c_takes<const Probe&>);
+
+  static_assert(!c_takes<int> && !c_takes<unsigned int> && !c_takes<long> && !c_takes<double>);
+  static_assert(!c_takes<char> && !c_takes<wchar_t> && !c_takes<Plain>);
+  static_assert(!c_takes<const char*> && !c_takes<char*> && !c_takes<const char(&)[2]>);
+  static_assert(!c_takes<const char16_t*> && !c_takes<const char32_t*>);
+  static_assert(!c_takes<AString*> && !c_takes<const AString*> && !c_takes<void*>);
+  static_assert(!c_takes<std::wstring*> && !c_takes<int CSitesHelper::*>);
+  static_assert(!c_takes<AString> && !c_takes<std::string>);
+
+  static_assert(!std::is_convertible_v<bool, CSitesHelper>);
+  wchar_t buffer[] = L"/no/such/file.xml";
+  EXPECT_EQ(Probe(buffer).m_strSiteListFile, L"/no/such/file.xml");
 }
 
 TEST_F(HelperObject, DestructionLeavesTheCachedListAlone) {
@@ -220,6 +238,12 @@ TEST_F(HelperObject, IsManagedOpensItsScope) {
   helper.IsOrbManaged();
   EXPECT_THAT(agent.log(),
               ElementsAre(detail(L"Enter: IsOrbManaged"), detail(L"Leave: IsOrbManaged")));
+}
+
+TEST_F(HelperObject, ManagedOverridesHaveNames) {
+  EXPECT_EQ(sitehlp::c_overrideNone, 0);
+  EXPECT_EQ(sitehlp::c_overrideManaged, -1);
+  EXPECT_EQ(sitehlp::c_overrideNotManaged, -2);
 }
 
 TEST_F(HelperObject, ManagedOverrideGoesBeforeTheConfiguration) {

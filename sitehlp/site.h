@@ -8,6 +8,12 @@
 // A record is plain data. It is allocated zero-filled with calloc (one block of sizeof(tag_Site))
 // and released with free, may be copied bytewise, and holds no pointer but pNext. Text fields are
 // zero-terminated wide text (UTF-32); a capacity counts characters and includes the terminator.
+//
+// A site element of unknown kind reads as a record of SITE_KIND_HTTP whose szElement is empty and
+// whose ports are 0. An element of known kind never leaves the szElement of such a record empty.
+//
+// A port that comes with an address is 80 when the address has no ":", also for FTP and for a
+// missing address. It is 0 when no number can be read behind the ":". A sign is not a digit.
 namespace sitehlp {
 
 // Which of the per-kind records a tag_Site holds.
@@ -27,20 +33,20 @@ constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of exclu
 
 // A site reached over HTTP: a repository, a management server or another agent.
 struct tag_HttpSite {
-  wchar_t szElement[c_textCapacity];        // the element that the site came from
+  wchar_t szElement[c_textCapacity];        // the element that the site came from; see above
   wchar_t szName[c_textCapacity];           // what people call the site
   wchar_t szServer[c_textCapacity];         // host; brackets of an IPv6 address stay
   wchar_t szServerIP[c_serverIpCapacity];   // its IP address, as szServer
-  std::uint32_t uServerPort;                // came with szServer
-  std::uint32_t uServerIPPort;              // came with szServerIP
-  std::uint32_t uServerNamePort;            // came with szServerName
+  std::uint32_t uServerPort;                // came with szServer; 80 or 0 without one, as above
+  std::uint32_t uServerIPPort;              // came with szServerIP; the same
+  std::uint32_t uServerNamePort;            // came with szServerName; the same
   wchar_t szRelativePath[c_pathCapacity];   // path below the server
   wchar_t szServerName[c_netbiosCapacity];  // NetBIOS name
   std::int32_t iUseAuth;                    // as written, not reduced to 0 or 1
   wchar_t szUserName[c_textCapacity];       // empty: no user
   wchar_t szPassword[c_textCapacity];       // clear
   wchar_t szVersion[c_textCapacity];        // of a management server; else empty
-  std::uint32_t uSecurePort;                // 0 when there is none
+  std::uint32_t uSecurePort;                // 0 when there is none, or none that can be read
 };
 
 // A repository reached over FTP.
@@ -50,8 +56,8 @@ struct tag_FtpSite {
   wchar_t szRelativePath[c_pathCapacity];  // path below the server
   wchar_t szUserName[c_textCapacity];      // empty: no user
   wchar_t szPassword[c_textCapacity];      // clear
-  std::uint32_t uServerPort;               // 80 when none was given
-  std::uint32_t uSecurePort;               // 0 when there is none
+  std::uint32_t uServerPort;               // came with szServer; 80 or 0 without one, as above
+  std::uint32_t uSecurePort;               // 0 when there is none, or none that can be read
 };
 
 // A repository on a UNC share.
@@ -87,7 +93,7 @@ struct tag_ProxySite {
   std::int32_t bAllowUserToConfigureProxy;    // 0 or 1: the user may change the proxies
   std::int32_t bBypassLocalAddress;           // 0 or 1: local addresses go without a proxy
   std::int32_t bUseIEConfig;                  // 0 or 1: the system's own proxy settings count
-  std::int32_t iExclusionCount;               // hosts in szExclusionList
+  std::int32_t iExclusionCount;               // hosts in szExclusionList when it was read
   wchar_t szExclusionList[c_exclusionListCapacity];      // host names with ";" between them
   std::int32_t bFtpUseAuth;                              // 0 or 1: the FTP proxy wants a user
   std::int32_t bHttpUseAuth;                             // 0 or 1: the HTTP proxy wants a user

@@ -1,22 +1,26 @@
 #include <host/agent.h>
-#include <sitehlp/sites_helper.h>
+#include <sitehlp/list.h>
 
 #include <iostream>
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 3) return 2;
-  host::AgentSettings agent;  // in a deployment beside the agent its own libraries know this
-  agent.dataDirectory = argv[1];
-  host::setAgent(agent);
+  // Beside the agent its own libraries know the settings.
+  host::setAgent(host::readAgentSettings(argv[1]));
 
   sitehlp::CSitesHelper helper(false);  // serves <data directory>/etc/SiteList.xml
-  const int result = helper.ImportSiteList(AString(argv[2]).str(), L"");
-  if (result != sitehlp::c_success) return std::cerr << "import: " << result << '\n', 1;
-
-  sitehlp::tag_Site* list = nullptr;
-  if (helper.ReadSiteList(L"", &list, true) != sitehlp::c_success) return 1;
-  for (const sitehlp::tag_Site* site = list; site; site = site->pNext) {
-    std::cout << site->iOrder << ' ' << ACharString(AString(site->szType)).str() << '\n';
+  int result = helper.ImportSiteList(AString(argv[2]).str(), L"");
+  sitehlp::ListOwner list;
+  if (result == sitehlp::c_success) result = helper.ReadSiteList(L"", list.out(), true);
+  if (result != sitehlp::c_success) {
+    std::cerr << argv[2] << ": " << sitehlp::resultText(result) << '\n';
+    return 1;
   }
-  return helper.FreeSiteListMemory(list);
+  for (const sitehlp::tag_Site& site : list) {
+    std::cout << site.iOrder << ' ' << ACharString(AString(site.szType)).str() << '\n';
+  }
+  return 0;
+} catch (const host::SettingsError& error) {
+  std::cerr << error.what() << '\n';
+  return 1;
 }

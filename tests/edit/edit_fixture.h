@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/common/anxml.h"
+#include "sitehlp/list.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/edit/canonical.h"
 #include "tests/import/documents.h"

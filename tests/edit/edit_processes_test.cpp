@@ -22,13 +22,10 @@ CHILD_PROCESS(readerOfEitherServer) {
   CSitesHelper helper(false);
   std::string answer = "ok";
   for (int i = 0; i < 150 && answer == "ok"; ++i) {
-    tag_Site* list = nullptr;
-    const int code = helper.ReadSiteList(L"", &list, true);
+    ListOwner list;
+    const int code = helper.ReadSiteList(L"", list.out(), true);
     std::wstring names;
-    for (const tag_Site* site = list; site; site = site->pNext) {
-      names += std::wstring(site->http.szName) + L" ";
-    }
-    CSitesHelper::FreeSiteListMemory(list);
+    for (const tag_Site& site : list) names += std::wstring(site.http.szName) + L" ";
     if (code != 0) answer = "error " + std::to_string(code);
     if (names != L"repository first " && names != L"repository second ") {
       answer = "neither list: " + narrow(names);

@@ -155,14 +155,13 @@ TEST_F(ModifyRepositories, theEditedListIsReadWithTheNewRepositories) {
   source(document(vendorHttp(R"(Name="sh" Order="1" Enabled="1")")));
   EXPECT_TRUE(modify(true, false));
   CSitesHelper helper{wide(own)};
-  tag_Site* list = nullptr;
-  ASSERT_EQ(helper.ReadSiteList(L"", &list, true), 0);
-  ASSERT_NE(list, nullptr);
-  ASSERT_NE(list->pNext, nullptr);
-  EXPECT_EQ(std::wstring(list->pNext->http.szName), L"sh");
-  EXPECT_EQ(list->pNext->iOrder, 2);
-  EXPECT_EQ(std::wstring(list->pNext->http.szServer), wide(VENDOR_HTTP_HOST));
-  CSitesHelper::FreeSiteListMemory(list);
+  ListOwner list;
+  ASSERT_EQ(helper.ReadSiteList(L"", list.out(), true), 0);
+  ASSERT_EQ(std::distance(list.begin(), list.end()), 2);
+  const tag_Site& edited = *std::next(list.begin());
+  EXPECT_EQ(std::wstring(edited.http.szName), L"sh");
+  EXPECT_EQ(edited.iOrder, 2);
+  EXPECT_EQ(std::wstring(edited.http.szServer), wide(VENDOR_HTTP_HOST));
 }
 
 }  // namespace

@@ -179,12 +179,12 @@ TEST_F(Modify, anotherHelperReadsTheEdit) {
   EXPECT_TRUE(modify(false, true));
   std::vector<std::wstring> certificates;
   CSitesHelper helper{wide(own)};
-  tag_Site* list = nullptr;
-  ASSERT_EQ(helper.ReadSiteList(L"", &list, true), 0);
-  ASSERT_NE(list->pNext, nullptr);
-  EXPECT_EQ(std::wstring(list->pNext->http.szName), L"new");
-  EXPECT_EQ(list->pNext->iOrder, 0);
-  CSitesHelper::FreeSiteListMemory(list);
+  ListOwner list;
+  ASSERT_EQ(helper.ReadSiteList(L"", list.out(), true), 0);
+  ASSERT_EQ(std::distance(list.begin(), list.end()), 2);
+  const tag_Site& edited = *std::next(list.begin());
+  EXPECT_EQ(std::wstring(edited.http.szName), L"new");
+  EXPECT_EQ(edited.iOrder, 0);
 }
 
 TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {

@@ -137,6 +137,17 @@ END
     cat sites
     [ -s agent/etc/SiteList.xml ] || fail "no list was installed"
     [ "$(wc -l <sites)" -gt 1 ] || fail "no sites were printed"
+    # A managed agent needs a management server, whoever imports.
+    mkdir managed
+    echo 'managed = true' >managed/agent.toml
+    ! ./build/first_import "$WORK/managed" "$examples/broken/no-server.xml" 2>said ||
+      fail "the settings of the agent do not count"
+    grep -F 'no management server' said || fail "no reason: $(cat said)"
+    [ ! -e managed/etc/SiteList.xml ] || fail "the list was installed"
+    echo 'managed = maybe' >managed/agent.toml
+    ! ./build/first_import "$WORK/managed" "$examples/incoming/SiteList.xml" 2>said ||
+      fail "settings that cannot be used do not count"
+    grep -F agent.toml said || fail "no reason: $(cat said)"
     ;;
   tool)
     "$TREE/bin/sitelist" --version | grep -F "$VERSION"

@@ -8,7 +8,8 @@
 #include <string>
 
 #include "host/agent.h"
-#include "sitehlp/sites_helper.h"
+#include "sitehlp/list.h"
+#include "sitehlp/vendor_hosts.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace names = korvel_com::orb::xmlschema::sitelist;
@@ -23,6 +24,32 @@ void expect(bool condition, const char* what) {
   ++failures;
 }
 
+sitehlp::tag_Site* newSite(sitehlp::SiteKind kind) {
+  auto* const site = static_cast<sitehlp::tag_Site*>(std::calloc(1, sizeof(sitehlp::tag_Site)));
+  if (!site) return nullptr;
+  site->eSiteKind = kind;
+  site->bEnabled = 1;
+  return site;
+}
+
+// Whether the library takes the hosts in the installed header for those of the vendor.
+bool vendorOrdersAreExchanged() {
+  sitehlp::ListOwner list(newSite(sitehlp::SITE_KIND_HTTP));
+  sitehlp::tag_Site* const http = list.get();
+  if (!http) return false;
+  sitehlp::tag_Site* const ftp = http->pNext = newSite(sitehlp::SITE_KIND_FTP);
+  if (!ftp) return false;
+  sitehlp::CSitesHelper helper(true);
+  helper.CopyWStr(http->http.szServer, sitehlp::c_vendorHttpHost, sitehlp::c_textCapacity);
+  http->http.uServerPort = 80;
+  http->iOrder = 2;
+  helper.CopyWStr(ftp->ftp.szServer, sitehlp::c_vendorFtpHost, sitehlp::c_textCapacity);
+  ftp->ftp.uServerPort = 21;
+  ftp->iOrder = 1;
+  helper.AdjustSitesOrder(http);
+  return http->iOrder == 1 && ftp->iOrder == 2;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -34,10 +61,9 @@ int main(int argc, char** argv) {
   settings.logLevel = LogLevel::Off;
   host::setAgent(settings);
 
-  auto* const site = static_cast<sitehlp::tag_Site*>(std::calloc(1, sizeof(sitehlp::tag_Site)));
+  sitehlp::ListOwner written(newSite(sitehlp::SITE_KIND_FTP));
+  sitehlp::tag_Site* const site = written.get();
   if (!site) return 2;
-  site->eSiteKind = sitehlp::SITE_KIND_FTP;
-  site->bEnabled = 1;
   sitehlp::CSitesHelper helper(L"");
   helper.CopyWStr(site->szType, names::STR_SITE_TYPE_REPOSITORY, sitehlp::c_textCapacity);
   helper.CopyWStr(site->ftp.szName, L"Depot", sitehlp::c_textCapacity);
@@ -47,14 +73,19 @@ int main(int argc, char** argv) {
   const std::wstring path(argv[1], argv[1] + std::strlen(argv[1]));
   const std::wstring file = path + L"/SiteList.xml";
   expect(helper.CreateSiteList(site, file, L"1", L"2", L"Client", {}) == 0, "writing");
-  helper.FreeSiteListMemory(site);
 
-  sitehlp::tag_Site* read = nullptr;
-  expect(helper.MustReadSiteList(file, &read) == 0, "reading");
-  expect(read && !read->pNext && read->eSiteKind == sitehlp::SITE_KIND_FTP, "one site");
-  expect(read && std::wcscmp(read->ftp.szName, L"Depot") == 0, "its name");
-  expect(read && std::wcscmp(read->ftp.szPassword, L"secret") == 0, "its password");
-  helper.FreeSiteListMemory(read);
+  sitehlp::ListOwner list;
+  const int result = helper.MustReadSiteList(file, list.out());
+  expect(result == sitehlp::c_success, sitehlp::resultText(result));
+  int count = 0;
+  for (const sitehlp::tag_Site& read : list) {
+    ++count;
+    expect(read.eSiteKind == sitehlp::SITE_KIND_FTP, "its kind");
+    expect(std::wcscmp(read.ftp.szName, L"Depot") == 0, "its name");
+    expect(std::wcscmp(read.ftp.szPassword, L"secret") == 0, "its password");
+  }
+  expect(count == 1, "one site");
+  expect(vendorOrdersAreExchanged(), "the vendor hosts");
 
   std::wstring name;
   unsigned int port = 0;

@@ -294,11 +294,11 @@ class SITEHLP_API CSitesHelper {
 
   // Puts a fallback site into the list and takes it over. It must not be a record of the list.
   //
-  //   `*head` is null: it becomes the list; `*tail` stays as it was.
-  //   It is of kind 0 or 1, and the list has a fallback site of any kind: its content replaces that
+  // - `*head` is null: it becomes the list; `*tail` stays as it was.
+  // - It is of kind 0 or 1, and the list has a fallback site of any kind: its content replaces that
   //   of the first one, which keeps its place; it is released; `*tail` stays as it was.
-  //   Otherwise, with a `*tail`: it is linked behind `*tail` and becomes `*tail`.
-  //   Otherwise, with a null `*tail`: nothing is done, and the record stays the caller's.
+  // - Otherwise, with a `*tail`: it is linked behind `*tail` and becomes `*tail`.
+  // - Otherwise, with a null `*tail`: nothing is done, and the record stays the caller's.
   //
   // Returns 0 in all of these cases. Returns -2 for a null argument and takes nothing over.
   int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
@@ -311,13 +311,13 @@ class SITEHLP_API CSitesHelper {
   // Replaces the server sites of a list by `chain`, which must not be a part of the list. A server
   // site directly behind a removed one stays.
   //
-  //   `*head` is null: the chain becomes the list; `*tail` stays as it was.
-  //   The list has a server site: these are released, and the chain goes to the end. `*tail` is the
+  // - `*head` is null: the chain becomes the list; `*tail` stays as it was.
+  // - The list has a server site: these are released, and the chain goes to the end. `*tail` is the
   //   last record when its own was released; otherwise it stays as it was, in front of the chain.
-  //   The list has none, with a `*tail`: the list stays as it is and the chain stays the caller's.
+  // - The list has none, with a `*tail`: the list stays as it is and the chain stays the caller's.
   //   `*tail` is the first record of the chain, and the last one of the chain is linked to what
   //   stood behind the old `*tail`.
-  //   The list has none, with a null `*tail`: nothing is done, and the chain stays the caller's.
+  // - The list has none, with a null `*tail`: nothing is done, and the chain stays the caller's.
   //
   // Returns 0 in all of these cases, or -2 for a null argument.
   int UpdateVestaSite(tag_Site* chain, tag_Site** tail, tag_Site** head);

@@ -46,7 +46,7 @@ case $1 in
     make_reference || fail "$(cat said)"
     [ ! -s said ] || fail "$(cat said)"
     shows index.html "what a call takes and gives"
-    shows classsitehlp_1_1CSitesHelper.html '-1 when the last site element is of unknown kind'
+    shows classsitehlp_1_1CSitesHelper.html 'when the last site element is of unknown kind'
     shows classsitehlp_1_1CSitesHelper.html 'the first "&lt;CaBundle&gt;" tag'
     shows classsitehlp_1_1CSitesHelper.html 'Component of their log lines: "StSHlp"'
     shows structsitehlp_1_1tag__Site.html 'position in the search order; 65535'

@@ -77,10 +77,10 @@ TEST_F(Import, aManagedAgentRefusesAListWhoseRulesFail) {
 
 TEST_F(Import, theOverrideDecidesWhetherTheServerIsChecked) {
   incomingList(document(httpElement("a")));
-  helper->SetManagedOverride(-1);
+  helper->SetManagedOverride(c_overrideManaged);
   EXPECT_EQ(import(), c_errorNoServerSite);
   manage();
-  helper->SetManagedOverride(-2);
+  helper->SetManagedOverride(c_overrideNotManaged);
   EXPECT_EQ(import(), 0);
 }
 

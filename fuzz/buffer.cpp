@@ -1,3 +1,5 @@
+#include <fcntl.h>
+
 #include "fuzz/stage.h"
 #include "host/common/encoding.h"
 #include "sitehlp/sites_helper.h"
@@ -7,7 +9,7 @@ using namespace sitehlp;
 // A text of any characters as a list. The first byte says how the others make characters.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
-  files.makeDirectory("/Library/Korvel/orb/scratch/etc", 0700);
+  files.makeDirectory(AT_FDCWD, "/Library/Korvel/orb/scratch/etc", 0700);
   fuzz::Input input(data, size);
   const bool wide = (input.byte() & 1) != 0;
   const std::string bytes = input.rest();

@@ -1,3 +1,5 @@
+#include <fcntl.h>
+
 #include <cstdlib>
 
 #include "fuzz/stage.h"
@@ -80,7 +82,7 @@ bool same(const tag_Site& a, const tag_Site& b) {
 
 // Records of any content: what is written is what is read.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  fuzz::Stage::clear().makeDirectory("/dev", 0700);
+  fuzz::Stage::clear().makeDirectory(AT_FDCWD, "/dev", 0700);
   fuzz::Input input(data, size);
   tag_Site* list = nullptr;
   tag_Site** link = &list;

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr std::size_t c_maxFileBytes = std::size_t{1} << 30;
-constexpr mode_t c_modeOfNewFile = 0600;
+constexpr mode_t c_modeOfNewCopy = 0600;
 constexpr mode_t c_modeOfNewDirectory = 0755;
 
 bool isAbsence(int error) { return error == ENOENT || error == ENOTDIR; }
@@ -36,12 +36,6 @@ bool read(const AString& path, Content& content) {
   const ACharString name(path);
   return succeeded("Cannot read", name.str(),
                    host::readRegularFile(name.str(), c_maxFileBytes, content.bytes));
-}
-
-bool replace(const AString& path, const void* data, std::size_t size) {
-  const ACharString name(path);
-  return succeeded("Cannot write", name.str(),
-                   host::replaceFile(name.str(), data, size, c_modeOfNewFile));
 }
 
 int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
@@ -67,7 +61,9 @@ bool AFile::readExisting(const AString& path, ABuffer& out) {
 }
 
 bool AFile::write(const AString& path, const ABuffer& data) {
-  return replace(path, data.data(), data.size());
+  const ACharString name(path);
+  return succeeded("Cannot write", name.str(),
+                   host::replaceSecretFile(name.str(), data.data(), data.size()));
 }
 
 bool AFiler::deleteFile(const AString& path) {
@@ -77,7 +73,11 @@ bool AFiler::deleteFile(const AString& path) {
 
 bool AFiler::copyFile(const AString& from, const AString& to) {
   Content content;
-  return read(from, content) && replace(to, content.bytes.data(), content.bytes.size());
+  if (!read(from, content)) return false;
+  const ACharString name(to);
+  return succeeded(
+      "Cannot write", name.str(),
+      host::replaceFile(name.str(), content.bytes.data(), content.bytes.size(), c_modeOfNewCopy));
 }
 
 bool AFiler::createDirectory(const AString& path) {
@@ -99,4 +99,22 @@ bool AFiler::getFileAccessibility(const AString& path, AFileAccess access, bool&
   exists = false;
   accessible = false;
   return false;
+}
+
+bool AFiler::getFileSize(const AString& path, unsigned long long& size) {
+  const ACharString name(path);
+  struct stat info;
+  const int error = -host::fileSystem().stat(AT_FDCWD, name.str(), true, info);
+  if (isAbsence(error) || !succeeded("Cannot tell the size of", name.str(), error)) return false;
+  if (!S_ISREG(info.st_mode)) return false;
+  size = static_cast<unsigned long long>(info.st_size);
+  return true;
+}
+
+bool AFiler::isSameFile(const AString& a, const AString& b) {
+  const ACharString name(a);
+  bool same = true;
+  const int error = host::wouldReplace(name.str(), ACharString(b).str(), same);
+  if (isAbsence(error)) return false;
+  return !succeeded("Cannot tell what would be replaced with", name.str(), error) || same;
 }

@@ -1,49 +1,60 @@
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 
-#include "host/fs/descriptor.h"
 #include "host/fs/files.h"
+#include "host/fs/owner.h"
+#include "host/fs/path_walk.h"
 
 namespace host {
 namespace {
 
-int checkDirectory(const std::string& path) {
+constexpr const char* c_cannotMake = "Cannot make directory";
+
+// Gives a directory that was just made its owner. Only root gives anything away, and another user
+// may have put another directory in the place of the new one. Nobody but root can move one there
+// that belongs to root and that others may not write to.
+int giveAway(int parent, const std::string& name) {
+  if (::geteuid() != 0) return 0;
+  const Descriptor made(fileSystem().open(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW, 0));
+  if (made.error()) return made.error();
   struct stat info;
-  if (const int failed = fileSystem().stat(AT_FDCWD, path, true, info)) return -failed;
-  return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
-}
-
-std::string parentOf(const std::string& path) {
-  const std::size_t nameEnd = path.find_last_not_of('/');
-  const std::size_t slash = nameEnd == std::string::npos ? nameEnd : path.rfind('/', nameEnd);
-  if (slash == std::string::npos) return ".";
-  return path.substr(0, slash + 1);
-}
-
-// Makes what was done to the names in the parent directory of `path` durable.
-int syncParent(const std::string& path) {
-  const Descriptor parent(fileSystem().open(AT_FDCWD, parentOf(path), O_RDONLY | O_DIRECTORY, 0));
-  return parent.error() ? parent.error() : -fileSystem().sync(parent.get());
+  if (const int failed = fileSystem().statOpen(made.get(), info)) return -failed;
+  if (info.st_uid != 0 || (info.st_mode & (S_IWGRP | S_IWOTH)) != 0) return EPERM;
+  return giveToOwnerOf(parent, made.get());
 }
 
 }  // namespace
 
 int removeFile(const std::string& path) {
-  const int error = -fileSystem().unlink(AT_FDCWD, path);
+  PathWalk parent;
+  int error = parent.enter(parentOf(path));
+  if (error == 0) error = -fileSystem().unlink(parent.directory(), nameOf(path));
   if (error == ENOENT || error == ENOTDIR) return 0;
-  return error ? error : syncParent(path);
+  if (error) return parent.reported("Cannot delete", path, error);
+  return -fileSystem().sync(parent.directory());
 }
 
 int makeDirectory(const std::string& path, mode_t mode) {
-  const int error = -fileSystem().makeDirectory(path, mode);
-  // Another process may have been faster; a file or a dangling link in its place is a failure.
-  if (error == EEXIST) return checkDirectory(path);
-  return error ? error : syncParent(path);
+  PathWalk parent;
+  if (const int error = parent.enter(parentOf(path))) {
+    return parent.reported(c_cannotMake, path, error);
+  }
+  const std::string name = nameOf(path);
+  int error = -fileSystem().makeDirectory(parent.directory(), name, mode);
+  if (error == EEXIST) {
+    // Another process may have been faster; a file or a dangling link in its place is a failure.
+    PathWalk there;
+    return there.reported(c_cannotMake, path, there.enter(path));
+  }
+  if (error == 0) error = giveAway(parent.directory(), name);
+  return error ? error : -fileSystem().sync(parent.directory());
 }
 
 int makeDirectories(const std::string& path, mode_t mode) {
-  int error = checkDirectory(path);
+  PathWalk there;
+  int error = there.reported(c_cannotMake, path, there.enter(path));
   if (error != ENOENT) return error;
   const std::string parent = parentOf(path);
   const bool isAlwaysThere = parent == "/" || parent == ".";

@@ -46,8 +46,10 @@ class PLATFORM_API FileSystem {
 
   // fstatat(2); with `follow`, of what a symbolic link points to.
   virtual int stat(int directory, const std::string& path, bool follow, struct stat& out) = 0;
-  // What a symbolic link says, in whole.
-  virtual int readLink(int directory, const std::string& path, std::string& target) = 0;
+  // What a symbolic link says, in whole, and what it is itself: both of the very same link, even
+  // when it is exchanged meanwhile. -EINVAL for anything else.
+  virtual int readLink(int directory, const std::string& path, std::string& target,
+                       struct stat& link) = 0;
   // The names in an open directory, without "." and "..".
   virtual int list(int directory, std::vector<std::string>& names) = 0;
   // Both names are in `directory`; a file that has the new name is replaced.
@@ -56,8 +58,8 @@ class PLATFORM_API FileSystem {
   virtual int link(int directory, const std::string& from, const std::string& to) = 0;
   // Removes a name; not that of a directory.
   virtual int unlink(int directory, const std::string& path) = 0;
-  // mkdir(2). A path that is not absolute counts from the current directory.
-  virtual int makeDirectory(const std::string& path, mode_t mode) = 0;
+  // mkdirat(2).
+  virtual int makeDirectory(int directory, const std::string& path, mode_t mode) = 0;
   // 0 when the effective user may use the file in the given way (R_OK, W_OK).
   virtual int access(const std::string& path, int mode) = 0;
 };

@@ -32,6 +32,51 @@ int flush(int fd) {
   return ::fsync(fd);
 }
 
+int readTarget(int directory, const char* path, std::string& target) {
+  std::string buffer(256, '\0');
+  for (;;) {
+    const ssize_t length =
+        retried([&] { return ::readlinkat(directory, path, buffer.data(), buffer.size()); });
+    if (length < 0) return static_cast<int>(length);
+    if (static_cast<std::size_t>(length) < buffer.size()) {
+      target.assign(buffer, 0, static_cast<std::size_t>(length));
+      return 0;
+    }
+    buffer.resize(2 * buffer.size());
+  }
+}
+
+// The owner and the target of one link, whatever happens to its name meanwhile.
+#ifdef O_PATH
+int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
+  const int fd =
+      retried([&] { return ::openat(directory, path, O_PATH | O_NOFOLLOW | O_CLOEXEC); });
+  if (fd < 0) return fd;
+  int result = retried([&] { return ::fstat(fd, &link); });
+  if (result == 0 && !S_ISLNK(link.st_mode)) result = -EINVAL;
+  if (result == 0) result = readTarget(fd, "", target);
+  ::close(fd);
+  return result;
+}
+#else
+// Without a descriptor of the link itself: asked again until nothing changed in between.
+int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
+  for (;;) {
+    struct stat after;
+    int result = retried([&] { return ::fstatat(directory, path, &link, AT_SYMLINK_NOFOLLOW); });
+    if (result == 0 && !S_ISLNK(link.st_mode)) result = -EINVAL;
+    if (result == 0) result = readTarget(directory, path, target);
+    if (result < 0) return result;
+    result = retried([&] { return ::fstatat(directory, path, &after, AT_SYMLINK_NOFOLLOW); });
+    if (result < 0) return result;
+    if (after.st_dev == link.st_dev && after.st_ino == link.st_ino && after.st_uid == link.st_uid &&
+        after.st_ctime == link.st_ctime) {
+      return 0;
+    }
+  }
+}
+#endif
+
 class PosixFileSystem : public FileSystem {
  public:
   int open(int directory, const std::string& path, int flags, mode_t mode) override {
@@ -78,19 +123,10 @@ class PosixFileSystem : public FileSystem {
     return retried([&] { return ::fstatat(directory, path.c_str(), &out, flags); });
   }
 
-  int readLink(int directory, const std::string& path, std::string& target) override {
+  int readLink(int directory, const std::string& path, std::string& target,
+               struct stat& link) override {
     if (!isPath(path)) return -EINVAL;
-    std::string buffer(256, '\0');
-    for (;;) {
-      const ssize_t length = retried(
-          [&] { return ::readlinkat(directory, path.c_str(), buffer.data(), buffer.size()); });
-      if (length < 0) return static_cast<int>(length);
-      if (static_cast<std::size_t>(length) < buffer.size()) {
-        target.assign(buffer, 0, static_cast<std::size_t>(length));
-        return 0;
-      }
-      buffer.resize(2 * buffer.size());
-    }
+    return readOneLink(directory, path.c_str(), target, link);
   }
 
   int list(int directory, std::vector<std::string>& names) override {
@@ -129,9 +165,9 @@ class PosixFileSystem : public FileSystem {
     return retried([&] { return ::unlinkat(directory, path.c_str(), 0); });
   }
 
-  int makeDirectory(const std::string& path, mode_t mode) override {
+  int makeDirectory(int directory, const std::string& path, mode_t mode) override {
     if (!isPath(path)) return -EINVAL;
-    return retried([&] { return ::mkdir(path.c_str(), mode); });
+    return retried([&] { return ::mkdirat(directory, path.c_str(), mode); });
   }
 
   int access(const std::string& path, int mode) override {

@@ -7,14 +7,15 @@
 
 #include <cerrno>
 #include <new>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace host {
 namespace {
 
-const std::string c_prefix = ".sitehlp-";
-const std::string c_suffix = ".tmp";
+constexpr std::string_view c_prefix = ".sitehlp-";
+constexpr std::string_view c_suffix = ".tmp";
 constexpr std::size_t c_randomBytes = 8;
 constexpr int c_attempts = 100;
 constexpr char c_hexDigits[] = "0123456789abcdef";

@@ -36,10 +36,12 @@ class PLATFORM_API AFile {
   // Reads an existing regular file whole into `out`. On failure `out` is left as it was.
   static bool readExisting(const AString& path, ABuffer& out);
 
-  // Creates or replaces the file with exactly these bytes. Another process, and a process that
-  // starts after this one died at any moment, sees the old file or the new one, never a mixture. On
-  // failure the old file is untouched. An existing file keeps its mode and owner; a new one is
-  // readable and writable by its owner alone.
+  // Creates or replaces the file with exactly these bytes, which may be a secret. Another process,
+  // and a process that starts after this one died at any moment, sees the old file or the new one,
+  // never a mixture. On failure the old file is untouched. Afterwards the file is readable and
+  // writable by its owner alone, whatever its mode was; the owner of an existing file stays. A
+  // symbolic link is followed, at the end of the path and before, only when it belongs to the
+  // effective user or to root; any other makes the call fail, with an error line that names it.
   static bool write(const AString& path, const ABuffer& data);
 };
 
@@ -53,14 +55,17 @@ class PLATFORM_API AFiler {
     accessWrite = 2   // whether it may be written
   };
 
-  // True when the file is gone afterwards: also when it was not there.
+  // True when the file is gone afterwards: also when it was not there. A symbolic link at the end
+  // of the path is removed itself; those before it are followed as AFile::write does.
   static bool deleteFile(const AString& path);
 
-  // Copies a regular file with the guarantees of AFile::write. False when `from` cannot be read.
+  // Copies a regular file with the guarantees of AFile::write, except that an existing file keeps
+  // its mode. False when `from` cannot be read.
   static bool copyFile(const AString& from, const AString& to);
 
   // Creates a directory and its missing parents. True also when the directory exists already; an
-  // empty path is the current directory, as in joinPath.
+  // empty path is the current directory, as in joinPath. Symbolic links are followed as
+  // AFile::write does.
   static bool createDirectory(const AString& path);
 
   // Asks whether the calling process may use the file in the given way. `exists` tells whether the
@@ -68,6 +73,17 @@ class PLATFORM_API AFiler {
   // false when the question cannot be answered; the outputs are then both false.
   static bool getFileAccessibility(const AString& path, AFileAccess access, bool& exists,
                                    bool& accessible);
+
+  // True, with the number of its bytes in `size`, when the path leads to an existing regular file,
+  // over links if need be. False otherwise; `size` is then left as it was.
+  static bool getFileSize(const AString& path, unsigned long long& size);
+
+  // Whether writing `a` would replace the file that `b` leads to: both, links at their ends
+  // followed, end at one name in one directory. Two names of one file (hard links) are not the same
+  // file, since a file is replaced by name. False when the directory of either is not there. True
+  // when it cannot be told for another reason, so that a caller that refuses to write over its
+  // source never does so by mistake; the reason goes to the detail log.
+  static bool isSameFile(const AString& a, const AString& b);
 };
 
 #endif

@@ -90,6 +90,15 @@ TEST_F(Files, NeverLogTheirContent) {
   EXPECT_THAT(reason(), testing::Not(HasSubstr("topsecret")));
 }
 
+TEST_F(Files, AreForTheirOwnerAloneWhateverTheirModeWas) {
+  for (const mode_t mode : {0644U, 0666U, 0400U, 0777U}) {
+    test::writeFile(path("f"), "old", mode);
+    EXPECT_TRUE(AFile::write(wpath("f"), buffer("new")));
+    EXPECT_EQ(modeOf(path("f")), 0600U) << mode;
+    EXPECT_EQ(test::readFile(path("f")), "new");
+  }
+}
+
 TEST_F(Files, Delete) {
   test::writeFile(path("f"), "x");
   EXPECT_TRUE(AFiler::deleteFile(wpath("f")));
@@ -150,6 +159,77 @@ TEST_F(Files, MakeDirectories) {
   test::writeFile(path("f"), "x");
   EXPECT_FALSE(AFiler::createDirectory(wpath("f")));
   EXPECT_EQ(reason(), "Cannot create directory " + path("f") + ": Not a directory");
+}
+
+TEST_F(Files, TellTheSizeOfRegularFilesAlone) {
+  test::writeFile(path("f"), "12345");
+  test::writeFile(path("empty"), "");
+  std::filesystem::create_symlink("f", path("link"));
+  std::filesystem::create_symlink("missing", path("dangling"));
+  std::filesystem::create_directory(path("d"));
+  ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+  unsigned long long size = 99;
+  EXPECT_TRUE(AFiler::getFileSize(wpath("f"), size));
+  EXPECT_EQ(size, 5U);
+  EXPECT_TRUE(AFiler::getFileSize(wpath("empty"), size));
+  EXPECT_EQ(size, 0U);
+  EXPECT_TRUE(AFiler::getFileSize(wpath("link"), size));
+  EXPECT_EQ(size, 5U);
+  for (const char* name : {"missing", "f/below", "dangling", "d", "pipe"}) {
+    size = 99;
+    EXPECT_FALSE(AFiler::getFileSize(wpath(name), size)) << name;
+    EXPECT_EQ(size, 99U) << name;
+  }
+  EXPECT_TRUE(agent.log().empty());
+  test::FaultyFileSystem files;
+  files.failEvery(FileCall::Stat, EIO);
+  EXPECT_FALSE(AFiler::getFileSize(wpath("f"), size));
+  EXPECT_EQ(reason(), "Cannot tell the size of " + path("f") + ": Input/output error");
+}
+
+TEST_F(Files, AreTheSameWhenWritingOneReplacesTheOther) {
+  test::writeFile(path("d/f"), "x");
+  std::filesystem::create_symlink("d", path("e"));
+  std::filesystem::create_symlink("f", path("d/link"));
+  std::filesystem::create_symlink(path("d/link"), path("chain"));
+  std::filesystem::create_symlink("d/new", path("dangling"));
+  for (const char* name : {"d/f", "e/f", "d/link", "e/link", "chain", "d/../e/./f"}) {
+    EXPECT_TRUE(AFiler::isSameFile(wpath(name), wpath("d/f"))) << name;
+    EXPECT_TRUE(AFiler::isSameFile(wpath("d/f"), wpath(name))) << name;
+    EXPECT_FALSE(AFiler::isSameFile(wpath(name), wpath("d/g"))) << name;
+  }
+  EXPECT_TRUE(AFiler::isSameFile(wpath("dangling"), wpath("e/new"))) << "neither is there";
+  EXPECT_TRUE(agent.log().empty());
+}
+
+TEST_F(Files, AreNotTheSameWhenTheyOnlyShareTheirNameOrTheirBytes) {
+  test::writeFile(path("d/f"), "x");
+  test::writeFile(path("e/f"), "x");
+  std::filesystem::create_hard_link(path("d/f"), path("d/other"));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("e/f")));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("d/other")));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("missing/f")));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("d/f/below"), wpath("d/f")));
+  EXPECT_TRUE(agent.log().empty());
+}
+
+TEST_F(Files, CountAsTheSameWhenThatCannotBeTold) {
+  test::writeFile(path("f"), "x");
+  std::filesystem::create_symlink("loop", path("loop"));
+  EXPECT_TRUE(AFiler::isSameFile(wpath("loop"), wpath("f")));
+  EXPECT_THAT(reason(), HasSubstr("Cannot tell what would be replaced with " + path("loop")));
+  EXPECT_TRUE(AFiler::isSameFile(wpath("f"), wpath("loop")));
+  agent.clearLog();
+  std::size_t unknown = 0;
+  for (std::size_t n = 0;; ++n) {
+    test::FaultyFileSystem files;
+    files.failCall(n, EIO);
+    const bool same = AFiler::isSameFile(wpath("f"), wpath("g"));
+    if (files.failed().empty()) break;
+    EXPECT_EQ(same, files.failed()[0] != FileCall::Close) << files.failed()[0];
+    unknown += same;
+  }
+  EXPECT_GT(unknown, 4U);
 }
 
 struct Answer {

@@ -36,11 +36,11 @@ TEST_F(PosixCalls, GiveTheNegatedErrnoOfAFailure) {
   const std::string missing = path("missing");
   EXPECT_EQ(files.open(AT_FDCWD, missing, O_RDONLY, 0), -ENOENT);
   EXPECT_EQ(files.stat(AT_FDCWD, missing, true, info), -ENOENT);
-  EXPECT_EQ(files.readLink(AT_FDCWD, missing, target), -ENOENT);
+  EXPECT_EQ(files.readLink(AT_FDCWD, missing, target, info), -ENOENT);
   EXPECT_EQ(files.rename(AT_FDCWD, missing, path("new")), -ENOENT);
   EXPECT_EQ(files.link(AT_FDCWD, missing, path("new")), -ENOENT);
   EXPECT_EQ(files.unlink(AT_FDCWD, missing), -ENOENT);
-  EXPECT_EQ(files.makeDirectory(missing + "/below", 0700), -ENOENT);
+  EXPECT_EQ(files.makeDirectory(AT_FDCWD, missing + "/below", 0700), -ENOENT);
   EXPECT_EQ(files.access(missing, R_OK), -ENOENT);
   EXPECT_THAT(names(), testing::IsEmpty());
 }
@@ -52,13 +52,13 @@ TEST_F(PosixCalls, RefuseAPathWithAZeroByte) {
   std::string target;
   EXPECT_EQ(files.open(AT_FDCWD, bad, O_RDONLY, 0), -EINVAL);
   EXPECT_EQ(files.stat(AT_FDCWD, bad, true, info), -EINVAL);
-  EXPECT_EQ(files.readLink(AT_FDCWD, bad, target), -EINVAL);
+  EXPECT_EQ(files.readLink(AT_FDCWD, bad, target, info), -EINVAL);
   EXPECT_EQ(files.rename(AT_FDCWD, bad, path("new")), -EINVAL);
   EXPECT_EQ(files.rename(AT_FDCWD, path("a"), bad), -EINVAL);
   EXPECT_EQ(files.link(AT_FDCWD, bad, path("new")), -EINVAL);
   EXPECT_EQ(files.link(AT_FDCWD, path("a"), bad), -EINVAL);
   EXPECT_EQ(files.unlink(AT_FDCWD, bad), -EINVAL);
-  EXPECT_EQ(files.makeDirectory(bad, 0700), -EINVAL);
+  EXPECT_EQ(files.makeDirectory(AT_FDCWD, bad, 0700), -EINVAL);
   EXPECT_EQ(files.access(bad, R_OK), -EINVAL);
   EXPECT_THAT(names(), UnorderedElementsAre("a"));
   EXPECT_EQ(test::readFile(path("a")), "x");
@@ -70,8 +70,11 @@ TEST_F(PosixCalls, TellWhatALinkSaysInWhole) {
     const std::string link = path("link" + std::to_string(length));
     std::filesystem::create_symlink(says, link);
     std::string target;
-    EXPECT_EQ(files.readLink(AT_FDCWD, link, target), 0);
+    struct stat info {};
+    EXPECT_EQ(files.readLink(AT_FDCWD, link, target, info), 0);
     EXPECT_EQ(target, says);
+    EXPECT_TRUE(S_ISLNK(info.st_mode));
+    EXPECT_EQ(info.st_uid, ::geteuid());
   }
 }
 

@@ -73,7 +73,7 @@ TEST_F(TheModelOfTheDisk, losesTheNameOfAFileWhoseDirectoryIsNotSynced) {
 TEST_F(TheModelOfTheDisk, losesWhatLiesInANewDirectoryThatItsParentDoesNotKeep) {
   model();
   test::RecordingFileSystem files;
-  files.makeDirectory(dir.file("d"), 0700);
+  files.makeDirectory(AT_FDCWD, dir.file("d"), 0700);
   const int directory = files.open(AT_FDCWD, dir.file("d"), O_RDONLY | O_DIRECTORY, 0);
   const int fd = files.open(directory, "g", O_WRONLY | O_CREAT | O_EXCL, 0600);
   files.sync(fd);

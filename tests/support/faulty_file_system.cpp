@@ -124,9 +124,10 @@ int FaultyFileSystem::stat(int directory, const std::string& path, bool follow, 
   return error ? -error : real().stat(directory, path, follow, out);
 }
 
-int FaultyFileSystem::readLink(int directory, const std::string& path, std::string& target) {
+int FaultyFileSystem::readLink(int directory, const std::string& path, std::string& target,
+                               struct stat& link) {
   const int error = fault(FileCall::ReadLink);
-  return error ? -error : real().readLink(directory, path, target);
+  return error ? -error : real().readLink(directory, path, target, link);
 }
 
 int FaultyFileSystem::list(int directory, std::vector<std::string>& names) {
@@ -149,9 +150,9 @@ int FaultyFileSystem::unlink(int directory, const std::string& path) {
   return error ? -error : real().unlink(directory, path);
 }
 
-int FaultyFileSystem::makeDirectory(const std::string& path, mode_t mode) {
+int FaultyFileSystem::makeDirectory(int directory, const std::string& path, mode_t mode) {
   const int error = fault(FileCall::MakeDirectory);
-  return error ? -error : real().makeDirectory(path, mode);
+  return error ? -error : real().makeDirectory(directory, path, mode);
 }
 
 int FaultyFileSystem::access(const std::string& path, int mode) {

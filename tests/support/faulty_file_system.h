@@ -43,12 +43,13 @@ class FaultyFileSystem : public host::FileSystem {
   int chown(int fd, uid_t owner, gid_t group) override;
   int statOpen(int fd, struct stat& out) override;
   int stat(int directory, const std::string& path, bool follow, struct stat& out) override;
-  int readLink(int directory, const std::string& path, std::string& target) override;
+  int readLink(int directory, const std::string& path, std::string& target,
+               struct stat& link) override;
   int list(int directory, std::vector<std::string>& names) override;
   int rename(int directory, const std::string& from, const std::string& to) override;
   int link(int directory, const std::string& from, const std::string& to) override;
   int unlink(int directory, const std::string& path) override;
-  int makeDirectory(const std::string& path, mode_t mode) override;
+  int makeDirectory(int directory, const std::string& path, mode_t mode) override;
   int access(const std::string& path, int mode) override;
 
  private:

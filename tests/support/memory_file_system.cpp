@@ -67,8 +67,11 @@ std::string MemoryFileSystem::full(int directory, const std::string& path) const
 
 bool MemoryFileSystem::isDirectory(const std::string& path) const {
   if (path == "/" || m_directories.count(path) != 0) return true;
-  const auto next = m_files.lower_bound(path + "/");
-  return next != m_files.end() && next->first.compare(0, path.size() + 1, path + "/") == 0;
+  const std::string start = path + "/";
+  const auto file = m_files.lower_bound(start);
+  if (file != m_files.end() && file->first.compare(0, start.size(), start) == 0) return true;
+  const auto directory = m_directories.lower_bound(start);
+  return directory != m_directories.end() && directory->compare(0, start.size(), start) == 0;
 }
 
 void MemoryFileSystem::describe(const File* file, struct stat& out) {
@@ -149,9 +152,9 @@ int MemoryFileSystem::stat(int directory, const std::string& path, bool, struct 
   return 0;
 }
 
-int MemoryFileSystem::readLink(int directory, const std::string& path, std::string&) {
-  struct stat unused;
-  const int error = stat(directory, path, false, unused);
+int MemoryFileSystem::readLink(int directory, const std::string& path, std::string&,
+                               struct stat& link) {
+  const int error = stat(directory, path, false, link);
   return error ? error : -EINVAL;
 }
 
@@ -193,8 +196,8 @@ int MemoryFileSystem::unlink(int directory, const std::string& path) {
   return 0;
 }
 
-int MemoryFileSystem::makeDirectory(const std::string& path, mode_t) {
-  const std::string name = withoutDoubleSlashes(path);
+int MemoryFileSystem::makeDirectory(int directory, const std::string& path, mode_t) {
+  const std::string name = full(directory, path);
   if (m_files.count(name) != 0) return -EEXIST;
   return m_directories.insert(name).second ? 0 : -EEXIST;
 }

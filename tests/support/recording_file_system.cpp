@@ -128,9 +128,10 @@ int RecordingFileSystem::stat(int directory, const std::string& path, bool follo
   return keep(about(FileCall::Stat, directory, path), m_behind.stat(directory, path, follow, out));
 }
 
-int RecordingFileSystem::readLink(int directory, const std::string& path, std::string& target) {
+int RecordingFileSystem::readLink(int directory, const std::string& path, std::string& target,
+                                  struct stat& link) {
   RecordedCall call = about(FileCall::ReadLink, directory, path);
-  const int result = m_behind.readLink(directory, path, target);
+  const int result = m_behind.readLink(directory, path, target, link);
   if (result >= 0) call.data = target;
   return keep(call, result);
 }
@@ -162,10 +163,10 @@ int RecordingFileSystem::unlink(int directory, const std::string& path) {
   return keep(about(FileCall::Unlink, directory, path), m_behind.unlink(directory, path));
 }
 
-int RecordingFileSystem::makeDirectory(const std::string& path, mode_t mode) {
-  RecordedCall call = about(FileCall::MakeDirectory, -1, path);
+int RecordingFileSystem::makeDirectory(int directory, const std::string& path, mode_t mode) {
+  RecordedCall call = about(FileCall::MakeDirectory, directory, path);
   call.mode = mode;
-  return keep(call, m_behind.makeDirectory(path, mode));
+  return keep(call, m_behind.makeDirectory(directory, path, mode));
 }
 
 int RecordingFileSystem::access(const std::string& path, int mode) {

@@ -18,40 +18,32 @@ using std::chrono::microseconds;
 constexpr microseconds c_firstPause{50};
 constexpr microseconds c_longestPause{5000};
 
-// How long the steps of one locking may wait together.
-class Patience {
- public:
-  explicit Patience(unsigned int milliseconds)
-      : m_forEver(milliseconds >= c_waitForEver),
-        m_end(Clock::now() + std::chrono::milliseconds(m_forEver ? 0 : milliseconds)) {}
-
-  int lock(int fd, int operation) const {
-    if (m_forEver) return -fileSystem().lock(fd, operation);
-    for (microseconds pause = c_firstPause;; pause = std::min(2 * pause, c_longestPause)) {
-      const int error = -fileSystem().lock(fd, operation | LOCK_NB);
-      if (error != EWOULDBLOCK) return error;
-      const Clock::duration left = m_end - Clock::now();
-      if (left <= Clock::duration::zero()) return error;
-      std::this_thread::sleep_for(std::min<Clock::duration>(pause, left));
-    }
-  }
-
- private:
-  bool m_forEver;
-  Clock::time_point m_end;
-};
-
 }  // namespace
 
-int lockFiles(const LockFiles& files, LockMode mode, unsigned int waitMilliseconds) {
+Patience::Patience(unsigned int milliseconds)
+    : m_isNone(milliseconds == 0),
+      m_forEver(milliseconds >= c_waitForEver),
+      m_end(Clock::now() + std::chrono::milliseconds(m_forEver ? 0 : milliseconds)) {}
+
+int Patience::lock(int fd, int operation) const {
+  if (m_forEver) return -fileSystem().lock(fd, operation);
+  for (microseconds pause = c_firstPause;; pause = std::min(2 * pause, c_longestPause)) {
+    const int error = -fileSystem().lock(fd, operation | LOCK_NB);
+    if (error != EWOULDBLOCK) return error;
+    const Clock::duration left = m_end - Clock::now();
+    if (left <= Clock::duration::zero()) return error;
+    std::this_thread::sleep_for(std::min<Clock::duration>(pause, left));
+  }
+}
+
+int lockFiles(const LockFiles& files, LockMode mode, const Patience& patience) {
   const int operation = mode == LockMode::Write ? LOCK_EX : LOCK_SH;
   // A writer that does not wait has no use for the gate, and would only turn readers away there.
-  if (mode == LockMode::Write && waitMilliseconds == 0) {
+  if (mode == LockMode::Write && patience.isNone()) {
     return -fileSystem().lock(files.main.fd, operation | LOCK_NB);
   }
   // A waiting writer holds the gate, so that new readers queue behind it; without that, readers
   // that take turns keep a writer out for ever.
-  const Patience patience(waitMilliseconds);
   int error = patience.lock(files.gate.fd, operation);
   if (error) return error;
   error = patience.lock(files.main.fd, operation);

@@ -6,15 +6,18 @@
 
 #include "host/common/failure_text.h"
 #include "host/lock/file_lock.h"
+#include "host/lock/lock_pool.h"
 #include "platform/common/log.h"
 
 namespace korvel_com {
 namespace orb {
 namespace lock {
 
+using host::LockFailure;
 using host::LockFiles;
 using host::LockMode;
 using host::LockPool;
+using host::Patience;
 
 // One lock object: its name and, while it is locked, its files.
 struct LockImpl {
@@ -25,11 +28,11 @@ struct LockImpl {
   void unlock() noexcept;
 
  private:
-  int tryFiles(LockMode mode, unsigned int waitMilliseconds);
+  int tryFiles(LockMode mode, const Patience& patience);
 
   std::string name;
   LockFiles* files = nullptr;
-  std::string failedPath;
+  LockFailure failure;
 };
 
 namespace {
@@ -41,30 +44,36 @@ constexpr int c_attempts = 100;
 // sees to that in fact, but only an atomic says so to the compiler.
 std::atomic<unsigned int> g_handOver{0};
 
+void logFailure(const LockFailure& failure, int error) {
+  const std::string reason = failure.reason.empty() ? host::errorText(error) : failure.reason;
+  const std::string text = "Cannot lock " + failure.path + ": " + reason +
+                           "; an operation that goes on is not protected from other processes";
+  logError(host::c_logComponent, AString(text.c_str()));
+}
+
 }  // namespace
 
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
   if (files && files->main.fd < 0) unlock();  // it was our parent's before the fork
   if (files) return true;
-  failedPath = name;
+  failure = LockFailure{name, std::string()};
   int error = EINVAL;
   if (!name.empty() && name.find('/') == std::string::npos) {
+    const Patience patience(waitMilliseconds);
     error = ESTALE;
     for (int attempt = 0; error == ESTALE && attempt < c_attempts; ++attempt) {
-      error = tryFiles(mode, waitMilliseconds);
+      error = tryFiles(mode, patience);
     }
   }
-  if (error && error != EWOULDBLOCK) {
-    logError(host::c_logComponent, host::failureText("Cannot lock", failedPath, error));
-  }
+  if (error && error != EWOULDBLOCK) logFailure(failure, error);
   return error == 0;
 }
 
-int LockImpl::tryFiles(LockMode mode, unsigned int waitMilliseconds) {
+int LockImpl::tryFiles(LockMode mode, const Patience& patience) {
   LockFiles* taken = nullptr;
-  int error = LockPool::instance().take(name, taken, failedPath);
+  int error = LockPool::instance().take(name, taken, failure);
   if (error) return error;
-  error = host::lockFiles(*taken, mode, waitMilliseconds);
+  error = host::lockFiles(*taken, mode, patience);
   // Somebody may have removed or exchanged the files since they were opened; the lock of a file
   // that others do not find is none.
   if (error == 0) error = taken->check();

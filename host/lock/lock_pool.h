@@ -1,30 +1,14 @@
 #ifndef HOST_LOCK_LOCK_POOL_H
 #define HOST_LOCK_LOCK_POOL_H
 
-#include <sys/types.h>
-
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "host/lock/lock_files.h"
+
 namespace host {
-
-// The two open files behind one lock. Each holder has files of its own, because a kernel lock
-// belongs to the open file: with a shared one, two threads would share the lock.
-struct LockFiles {
-  struct File {
-    std::string path;
-    int fd = -1;
-    dev_t device = 0;
-    ino_t inode = 0;
-  };
-  File main;
-  File gate;
-
-  // Whether the paths still lead to the files that are open. 0, ESTALE, or why it cannot be told.
-  int check() const;
-};
 
 // Keeps lock files open from one use to the next, since opening costs more than locking. Any
 // thread. In the child of a fork every file is closed: one that stayed open would keep the parent's
@@ -33,10 +17,9 @@ class LockPool {
  public:
   static LockPool& instance();
 
-  // Files for the lock `name` of the present agent that nobody else uses, and the path of the main
-  // one. 0 or an errno; `path` is then the one that it happened with. Throws std::bad_alloc, and
-  // then nothing is taken.
-  int take(const std::string& name, LockFiles*& files, std::string& path);
+  // Files for the lock `name` of the present agent that nobody else uses. Results and `failure` as
+  // of openLockFiles. Throws std::bad_alloc, and then nothing is taken.
+  int take(const std::string& name, LockFiles*& files, LockFailure& failure);
   // Takes back files that are not locked.
   void giveBack(LockFiles* files) noexcept;
   // Closes files, which unlocks them.

@@ -28,9 +28,17 @@ class PLATFORM_API InterProcessReadLock {
   InterProcessReadLock(const InterProcessReadLock&) = delete;
   InterProcessReadLock& operator=(const InterProcessReadLock&) = delete;
 
-  // Waits at most `waitMilliseconds`; 0 only tries, 0x7FFFFFFF waits for ever. True when the lock
-  // is held afterwards. False when the time ran out, and when the lock cannot be had at all (the
-  // lock's directory cannot be made, say), which is logged as an error and never waited for.
+  // Locks. Waits `waitMilliseconds` at most, whatever happens to the lock files meanwhile; 0 only
+  // tries, 0x7FFFFFFF waits for ever. Returns whether the lock is held afterwards. False without a
+  // log line: the time ran out. False with one error line that names the file and the reason: there
+  // is no such lock to be had. That is never waited for, and happens when
+  // - the lock's directory or its files cannot be made or opened,
+  // - a lock file is a symbolic link or not a regular file,
+  // - a symbolic link on the way to them belongs neither to the effective user nor to root,
+  // - the name is empty or holds a "/".
+  // Nothing is protected then. It is the caller's decision to go on all the same. The operations of
+  // the site list library do: files are replaced whole, so that a reader sees one whole list, but
+  // one of two writers at the same time may lose its change.
   bool lock(unsigned int waitMilliseconds);
   // Lets the lock go. Never fails.
   void unlock() noexcept;
@@ -48,7 +56,7 @@ class PLATFORM_API InterProcessWriteLock {
   InterProcessWriteLock(const InterProcessWriteLock&) = delete;
   InterProcessWriteLock& operator=(const InterProcessWriteLock&) = delete;
 
-  // As InterProcessReadLock::lock.
+  // As InterProcessReadLock::lock, a lock that cannot be had included.
   bool lock(unsigned int waitMilliseconds);
   // Lets the lock go. Never fails.
   void unlock() noexcept;

@@ -13,6 +13,8 @@
 #include "host/crypto/sealed_value.h"
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
+#include "host/fs/owner.h"
+#include "host/fs/path_walk.h"
 #include "host/fs/temp_file.h"
 #include "platform/common/log.h"
 
@@ -58,9 +60,20 @@ KeyFileState stateOf(const struct stat& status) {
   return state;
 }
 
+// Whether the file that is open has its name in a directory that this process's user alone can
+// change. Elsewhere somebody may have given the name to a file of ours that is something else.
+bool isInOwnDirectory(const struct stat& status, const std::string& path) {
+  PathWalk place;
+  struct stat directory;
+  if (place.find(path) != 0 || !place.found()) return false;
+  if (fileSystem().statOpen(place.directory(), directory) != 0) return false;
+  return place.found()->st_ino == status.st_ino && place.found()->st_dev == status.st_dev &&
+         directory.st_uid == ::geteuid() && (directory.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
 void makePrivate(int fd, const struct stat& status, const std::string& path) {
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
-  if (status.st_uid != ::geteuid()) {
+  if (status.st_uid != ::geteuid() || !isInOwnDirectory(status, path)) {
     logInfo(c_component, message(path, L"open to other users, and not ours to close"));
   } else if (fileSystem().chmod(fd, c_keyMode) == 0) {
     logInfo(c_component, message(path, L"was open to other users; its mode is 0600 now"));
@@ -73,6 +86,7 @@ void makePrivate(int fd, const struct stat& status, const std::string& path) {
 int publish(int directory, const std::string& name, const SecretBytes& key) {
   TempFile file(directory);
   int error = file.create();
+  if (error == 0) error = giveToOwnerOf(directory, file.fd());
   if (error == 0) error = file.writeAll(key.data(), key.size());
   if (error == 0) error = -fileSystem().sync(file.fd());
   if (error == 0) error = file.linkAs(name);
@@ -129,23 +143,24 @@ bool createKeyFile(const std::string& path) {
   const std::string directory = path.substr(0, slash);
   const int notMade = makeDirectory(directory, c_directoryMode);
   if (notMade) return fail(path, L"its directory cannot be made", notMade);
-  const Descriptor opened(fileSystem().open(AT_FDCWD, directory, O_RDONLY | O_DIRECTORY, 0));
-  if (opened.error()) return fail(path, L"its directory cannot be opened", opened.error());
+  PathWalk opened;
+  if (const int error = opened.enter(directory)) {
+    return fail(path, L"its directory cannot be opened", error);
+  }
 
   SecretBytes key(c_keySize);
   if (RAND_priv_bytes(key.data(), c_keySize) != 1) {
     return fail(path, L"there are no random numbers to make it from");
   }
-  int error = publish(opened.get(), path.substr(slash + 1), key);
-  if (error == 0) error = -fileSystem().sync(opened.get());
+  int error = publish(opened.directory(), path.substr(slash + 1), key);
+  if (error == 0) error = -fileSystem().sync(opened.directory());
   if (error) return fail(path, L"cannot be created", error);
   return true;
 }
 
 void cleanBesideKeyFile(const std::string& path) {
-  const Descriptor directory(
-      fileSystem().open(AT_FDCWD, path.substr(0, path.rfind('/')), O_RDONLY | O_DIRECTORY, 0));
-  if (directory.error() == 0) removeLeftOverTempFiles(directory.get());
+  PathWalk directory;
+  if (directory.enter(parentOf(path)) == 0) removeLeftOverTempFiles(directory.directory());
 }
 
 }  // namespace host

@@ -36,12 +36,14 @@ struct KeyFileState {
 int keyFileState(const std::string& path, KeyFileState& state);
 
 // Reads a key and the state of the file that it was read from. A file that others than its owner
-// may read loses these permissions when it belongs to this process's user. False, with an error
-// logged, when there is no such key: no file, no regular file, not the right size.
+// may use loses these permissions when it and its directory belong to this process's user and
+// nobody else may write in that directory. False, with an error logged, when there is no such key:
+// no file, no regular file, not the right size.
 bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state);
 
-// Makes a new random key with its directory. The file appears whole or not at all, and a key that
-// is there already, or that another process makes at the same moment, is left alone. False, with an
+// Makes a new random key with its directory, both for their owner alone. Links and owners are as
+// host/fs/files.h says. The file appears whole or not at all, and a key that is there already, or
+// that another process makes at the same moment, is left alone. False, with an
 // error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 

@@ -22,9 +22,15 @@ State& state() {
   return state;
 }
 
-void apply(AgentSettings settings) {
+// The settings with full paths.
+AgentSettings completed(AgentSettings settings) {
   settings.dataDirectory = fullDirectory(settings.dataDirectory);
+  requireUsableLength(settings.dataDirectory);
   settings.meshSiteListPath = pathFrom(settings.dataDirectory, settings.meshSiteListPath);
+  return settings;
+}
+
+void apply(AgentSettings settings) {
   setLogThreshold(settings.logLevel);
   state().settings = std::move(settings);
 }
@@ -32,9 +38,9 @@ void apply(AgentSettings settings) {
 void readDefaultAgent() {
   const AgentSettings defaults;
   try {
-    apply(readAgentSettings(defaults.dataDirectory));
+    apply(completed(readAgentSettings(defaults.dataDirectory)));
   } catch (const SettingsError& error) {
-    apply(defaults);
+    apply(completed(defaults));
     logError(c_logComponent, AString(error.what()));
   }
 }
@@ -46,8 +52,9 @@ SettingsError::SettingsError(const SettingsError&) noexcept = default;
 SettingsError::~SettingsError() = default;
 
 void setAgent(const AgentSettings& settings) {
+  AgentSettings full = completed(settings);
   std::call_once(state().once, [] {});
-  apply(settings);
+  apply(std::move(full));
   LockPool::instance().dropIdle();
 }
 

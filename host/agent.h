@@ -33,7 +33,8 @@ struct AgentSettings {
   LogLevel logLevel = LogLevel::Error;
 };
 
-// A settings file that cannot be used. what() names the file, the place and the reason.
+// Settings that cannot be used. what() names the file and the place, or the data directory, and the
+// reason.
 class PLATFORM_API SettingsError : public std::runtime_error {
  public:
   explicit SettingsError(const std::string& text);  // what() will say `text`
@@ -43,7 +44,9 @@ class PLATFORM_API SettingsError : public std::runtime_error {
 
 // Says which agent this process serves from now on; keys and locks that belonged to another agent
 // are let go. Meant to be called once, before the first site list operation; never while another
-// thread uses the library. Also sets the log threshold.
+// thread uses the library. Also sets the log threshold. Throws SettingsError for a data directory
+// of which <dataDirectory>/etc, as a full path, has more than 259 characters; the settings in force
+// then stay as they were. The library would cut such a path and use another directory.
 PLATFORM_API void setAgent(const AgentSettings& settings);
 
 // The settings in force. At the first use in a process that never called setAgent they come from
@@ -53,7 +56,8 @@ PLATFORM_API const AgentSettings& agent();
 
 // Reads <dataDirectory>/agent.toml. Settings that the file does not name keep their defaults, a
 // relative path counts from the data directory, and an unknown setting is an error. Without the
-// file the defaults are returned. Throws SettingsError.
+// file the defaults are returned. Throws SettingsError, also for a data directory that is too long
+// for setAgent.
 PLATFORM_API AgentSettings readAgentSettings(const std::string& dataDirectory);
 
 // The text of an agent.toml that says what `settings` say, except the data directory, which is the

@@ -176,6 +176,7 @@ std::vector<std::string> settingNames() {
 AgentSettings readAgentSettings(const std::string& dataDirectory) {
   AgentSettings settings;
   settings.dataDirectory = fullDirectory(dataDirectory);
+  requireUsableLength(settings.dataDirectory);
   const std::string file = pathFrom(settings.dataDirectory, "agent.toml");
   std::string bytes;
   const int error = readRegularFile(file, c_maxSettingsBytes, bytes);

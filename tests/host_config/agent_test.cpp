@@ -84,6 +84,40 @@ TEST_F(Agent, HasAFullDataDirectoryWithoutTrailingSeparator) {
   EXPECT_EQ(dataDirectory(), before + "/relative");
 }
 
+// A full path of so many characters.
+std::string longPath(std::size_t length, const std::string& unit) {
+  std::string path = "/" + std::string(length % 2 == 0 ? 1 : 2, 'x');
+  for (std::size_t characters = path.size(); characters < length; characters += 2) {
+    path += "/" + unit;
+  }
+  return path;
+}
+
+TEST_F(Agent, RefusesADataDirectoryThatTheLibraryWouldCut) {
+  for (const char* unit : {"a", "\xE2\x82\xAC"}) {
+    for (const std::size_t length : {254U, 255U}) {
+      agent.settings.dataDirectory = longPath(length, unit);
+      agent.apply();
+      EXPECT_EQ(dataDirectory(), agent.settings.dataDirectory);
+      EXPECT_EQ(host::readAgentSettings(longPath(length, unit)).dataDirectory,
+                longPath(length, unit));
+    }
+    const std::string last = dataDirectory();
+    for (const std::size_t length : {256U, 257U, 300U}) {
+      agent.settings.dataDirectory = longPath(length, unit);
+      EXPECT_THROW(agent.apply(), host::SettingsError) << length;
+      EXPECT_EQ(dataDirectory(), last) << "the settings in force stay";
+      try {
+        host::readAgentSettings(longPath(length, unit));
+        ADD_FAILURE() << length;
+      } catch (const host::SettingsError& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr(longPath(length, unit) + " is too long"));
+        EXPECT_THAT(error.what(), testing::HasSubstr(std::to_string(length + 4) + " characters"));
+      }
+    }
+  }
+}
+
 TEST_F(Agent, SetsTheLogThreshold) {
   for (const LogLevel level : {LogLevel::Off, LogLevel::Info, LogLevel::InternalError}) {
     agent.settings.logLevel = level;

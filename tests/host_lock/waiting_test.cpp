@@ -1,12 +1,15 @@
 #include <signal.h>
+#include <sys/file.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <future>
 #include <thread>
 #include <vector>
 
 #include "tests/host_lock/lock_fixture.h"
+#include "tests/support/faulty_file_system.h"
 
 namespace {
 
@@ -156,6 +159,41 @@ TEST_F(Waiting, ReadersGetInAmongWritersThatKeepComing) {
   }
   stop = true;
   for (std::thread& thread : writers) thread.join();
+}
+
+// A lock that is taken until the wait is over, is had then, but with a file that was exchanged
+// meanwhile, and is taken for ever from then on.
+class ExchangedAtTheEnd : public test::FaultyFileSystem {
+ public:
+  ExchangedAtTheEnd(std::string gate, milliseconds wait)
+      : m_gate(std::move(gate)), m_end(Clock::now() + wait) {}
+
+  int lock(int fd, int operation) override {
+    if ((operation & LOCK_NB) == 0) return FaultyFileSystem::lock(fd, operation);
+    if (m_exchanged) return ++m_lockings == 1 ? 0 : (++triesAfterwards, -EWOULDBLOCK);
+    if (Clock::now() < m_end) return -EWOULDBLOCK;
+    std::filesystem::rename(m_gate + ".new", m_gate);
+    m_exchanged = true;
+    return 0;
+  }
+
+  int triesAfterwards = 0;
+
+ private:
+  std::string m_gate;
+  Clock::time_point m_end;
+  bool m_exchanged = false;
+  int m_lockings = 0;  // behind the gate
+};
+
+TEST_F(Waiting, IsNotBegunAnewForFilesThatWereExchanged) {
+  ASSERT_TRUE(canWrite());
+  test::writeFile(gateFile() + ".new", "", 0600);
+  constexpr unsigned int c_wait = 50;
+  ExchangedAtTheEnd files(gateFile(), milliseconds(c_wait));
+  EXPECT_FALSE(InterProcessWriteLock(c_lockName).lock(c_wait));
+  EXPECT_EQ(files.triesAfterwards, 1);
+  EXPECT_TRUE(agent.log().empty());
 }
 
 }  // namespace

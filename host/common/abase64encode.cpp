@@ -1,9 +1,8 @@
 #include "platform/common/abase64encode.h"
 
-#include <openssl/crypto.h>
-
 #include <cstdint>
-#include <vector>
+
+#include "host/process/secret.h"
 
 namespace {
 
@@ -21,7 +20,7 @@ int valueOf(wchar_t c) {
 bool isWhiteSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
 
 // Decodes into `out`, which has room for all of it; false when the text is not valid.
-bool decodeInto(const std::wstring& text, std::vector<unsigned char>& out) {
+bool decodeInto(const std::wstring& text, host::SecretBytes& out) {
   std::uint32_t group = 0;
   std::size_t digits = 0;
   std::size_t padding = 0;
@@ -62,11 +61,7 @@ bool decodeInto(const std::wstring& text, std::vector<unsigned char>& out) {
 }  // namespace
 
 ABuffer ABase64Encode::decode(const AString& text) {
-  // Reserved whole, so that no outgrown copy of what may be a secret stays behind.
-  std::vector<unsigned char> bytes;
+  host::SecretBytes bytes;
   bytes.reserve(text.str().size() / 4 * 3 + 3);
-  ABuffer result;
-  if (decodeInto(text.str(), bytes)) result = ABuffer(bytes.data(), bytes.size());
-  OPENSSL_cleanse(bytes.data(), bytes.size());
-  return result;
+  return decodeInto(text.str(), bytes) ? ABuffer(bytes.data(), bytes.size()) : ABuffer();
 }

@@ -1,6 +1,6 @@
 #include "platform/common/abuffer.h"
 
-#include <openssl/crypto.h>
+#include "host/process/secret.h"
 
 ABuffer::ABuffer(const unsigned char* data, std::size_t size) {
   if (size > 0) m_bytes.assign(data, data + size);
@@ -22,4 +22,4 @@ ABuffer& ABuffer::operator=(ABuffer&& other) noexcept {
 
 ABuffer::~ABuffer() { wipe(); }
 
-void ABuffer::wipe() noexcept { OPENSSL_cleanse(m_bytes.data(), m_bytes.size()); }
+void ABuffer::wipe() noexcept { host::wipe(m_bytes.data(), m_bytes.size()); }

@@ -1,7 +1,6 @@
 #include "platform/common/afile.h"
 
 #include <fcntl.h>
-#include <openssl/crypto.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include "host/common/failure_text.h"
 #include "host/fs/file_system.h"
 #include "host/fs/files.h"
+#include "host/process/secret.h"
 #include "platform/common/log.h"
 
 namespace {
@@ -26,16 +26,11 @@ bool succeeded(const char* what, const std::string& path, int error) {
   return error == 0;
 }
 
-// The bytes of a file, wiped at the end: they may be a key.
-struct Content {
-  std::string bytes;
-  ~Content() { OPENSSL_cleanse(bytes.data(), bytes.size()); }
-};
-
-bool read(const AString& path, Content& content) {
+// The bytes may be a key.
+bool read(const AString& path, host::SecretText& content) {
   const ACharString name(path);
   return succeeded("Cannot read", name.str(),
-                   host::readRegularFile(name.str(), c_maxFileBytes, content.bytes));
+                   host::readRegularFile(name.str(), c_maxFileBytes, *content));
 }
 
 int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
@@ -54,9 +49,9 @@ int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists,
 }  // namespace
 
 bool AFile::readExisting(const AString& path, ABuffer& out) {
-  Content content;
+  host::SecretText content;
   if (!read(path, content)) return false;
-  out = ABuffer(reinterpret_cast<const unsigned char*>(content.bytes.data()), content.bytes.size());
+  out = ABuffer(reinterpret_cast<const unsigned char*>(content->data()), content->size());
   return true;
 }
 
@@ -72,12 +67,12 @@ bool AFiler::deleteFile(const AString& path) {
 }
 
 bool AFiler::copyFile(const AString& from, const AString& to) {
-  Content content;
+  host::SecretText content;
   if (!read(from, content)) return false;
   const ACharString name(to);
   return succeeded(
       "Cannot write", name.str(),
-      host::replaceFile(name.str(), content.bytes.data(), content.bytes.size(), c_modeOfNewCopy));
+      host::replaceFile(name.str(), content->data(), content->size(), c_modeOfNewCopy));
 }
 
 bool AFiler::createDirectory(const AString& path) {

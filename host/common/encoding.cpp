@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "host/common/ascii.h"
+#include "host/process/secret.h"
 
 namespace host {
 namespace {
@@ -38,6 +39,8 @@ bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
       }
     }
   } catch (const utf8::exception&) {
+    // What came before the fault may be part of a password.
+    wipe(out.data() + before, (out.size() - before) * sizeof(wchar_t));
     out.resize(before);
     return false;
   }
@@ -63,9 +66,10 @@ bool isUtf8(const char* bytes, std::size_t length) {
 std::wstring toWide(const char* utf8, std::size_t length) {
   std::wstring wide;
   if (!appendWide(utf8, length, wide)) {
-    std::string repaired;
-    utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(repaired));
-    appendWide(repaired.data(), repaired.size(), wide);
+    SecretText repaired;  // the text may be a password
+    repaired->reserve(3 * length);
+    utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(*repaired));
+    appendWide(repaired->data(), repaired->size(), wide);
   }
   return wide;
 }

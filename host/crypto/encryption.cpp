@@ -72,10 +72,9 @@ int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
       !fromWideBase64(in, sealed) || !sealer().open(sealed.data(), sealed.size(), clear)) {
     return 0;
   }
-  std::wstring result;
-  if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), result)) return 0;
-  out = result;
-  OPENSSL_cleanse(result.data(), result.size() * sizeof(wchar_t));
+  SecretWideText result;
+  if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), *result)) return 0;
+  out = *result;
   return 1;
 }
 

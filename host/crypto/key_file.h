@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/crypto/secret.h"
+#include "host/process/secret.h"
 
 // Key files: c_keySize bytes in a regular file of their own, <dataDirectory>/keystore/<name>.
 namespace host {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "host/crypto/fork_generation.h"
+#include "host/process/fork_generation.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
 #include "platform/crypto/object_buffer.h"
 
-#include <openssl/crypto.h>
+#include "host/process/secret.h"
 
 namespace korvel_com {
 namespace ZQ {
@@ -8,11 +8,11 @@ namespace crypto {
 
 ABuffer::ABuffer(unsigned int length, const unsigned char* data) : m_bytes(data, data + length) {}
 
-ABuffer::~ABuffer() { OPENSSL_cleanse(m_bytes.data(), m_bytes.size()); }
+ABuffer::~ABuffer() { host::wipe(m_bytes.data(), m_bytes.size()); }
 
 void ABuffer::assign(unsigned int length, const unsigned char* data) {
   std::vector<unsigned char> fresh(data, data + length);
-  OPENSSL_cleanse(m_bytes.data(), m_bytes.size());
+  host::wipe(m_bytes.data(), m_bytes.size());
   m_bytes = std::move(fresh);
 }
 

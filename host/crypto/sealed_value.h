@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/crypto/nonces.h"
-#include "host/crypto/secret.h"
+#include "host/process/secret.h"
 #include "platform/export.h"
 
 // A sealed value is what a clear value becomes under a 32-byte key with AES-256-GCM:

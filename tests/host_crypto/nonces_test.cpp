@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/crypto/fork_generation.h"
+#include "host/process/fork_generation.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/test_agent.h"
 

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "host/common/encoding.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/test_agent.h"
@@ -20,13 +22,15 @@ namespace {
 constexpr std::size_t c_head = alignof(std::max_align_t);
 std::atomic<bool> g_watching{false};
 std::atomic<int> g_found{0};
-std::atomic<bool> g_exhausted{false};
+constexpr int c_unlimited = INT_MIN;
+std::atomic<int> g_allocationsLeft{c_unlimited};
 unsigned char g_needle[64];
 std::size_t g_needleSize = 0;
 
 void* allocate(std::size_t size) {
+  const bool isExhausted = g_allocationsLeft != c_unlimited && g_allocationsLeft-- <= 0;
   unsigned char* const block =
-      g_exhausted ? nullptr : static_cast<unsigned char*>(std::malloc(size + c_head));
+      isExhausted ? nullptr : static_cast<unsigned char*>(std::malloc(size + c_head));
   if (!block) throw std::bad_alloc();
   std::memcpy(block, &size, sizeof size);
   return block + c_head;
@@ -80,6 +84,9 @@ void expectNoTraceOfTheSecret(Work work) {
   EXPECT_EQ(0, blocksGivenBackWith(wide.data(), 4 * sizeof(wchar_t), work)) << "as wide text";
 }
 
+// What the caller's own copy leaves behind is not the matter here.
+void wipe(std::wstring& text) { std::fill(text.begin(), text.end(), L' '); }
+
 TEST(CryptoMemory, WatchFindsWhatIsNotWiped) {
   EXPECT_EQ(1, blocksGivenBackWith(c_secret.data(), c_secret.size(), [] {
               const std::vector<char> copy(c_secret.begin(), c_secret.end());
@@ -115,6 +122,61 @@ TEST(CryptoMemory, HoldsNoPasswordAfterAServerBufferWasDecrypted) {
   EXPECT_NE(result, 0);
 }
 
+// The password that a server sealed may be anything.
+TEST(CryptoMemory, HoldsNoPasswordThatWasMadeValid) {
+  const std::string clear = c_secret + "\xFF\xFF\xFF" + c_secret;
+  const std::wstring expected = test::wide(c_secret) + L"\uFFFD\uFFFD\uFFFD" + test::wide(c_secret);
+  bool isRight = true;
+  expectNoTraceOfTheSecret([&] {
+    std::wstring result = host::toWide(clear.data(), clear.size());
+    isRight = isRight && result == expected;
+    wipe(result);
+  });
+  EXPECT_TRUE(isRight);
+}
+
+TEST(CryptoMemory, HoldsNoPasswordThatIsNoText) {
+  const test::TestAgent agent;
+  std::wstring text;
+  ASSERT_TRUE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)->encrypt_string(L"", text));
+  const std::string key = test::readFile(test::passwordKeyPath(agent.dataDirectory()));
+  const std::string clear = c_secret + "\xFF";
+  std::vector<unsigned char> sealed;
+  ASSERT_TRUE(
+      host::Sealer(host::SecretBytes(key.begin(), key.end()))
+          .seal(reinterpret_cast<const unsigned char*>(clear.data()), clear.size(), sealed));
+  const std::wstring in = test::wide(host::toBase64(sealed));
+  expectNoTraceOfTheSecret(
+      [&] { EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)->decrypt_string(in, text)); });
+}
+
+TEST(CryptoMemory, HoldsNoPasswordThatTheOutputHasNoRoomFor) {
+  const test::TestAgent agent;
+  const std::wstring clear = test::wide(c_secret);
+  std::wstring text;
+  ASSERT_TRUE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)->encrypt_string(clear, text));
+  const EncryptionObject object(ENCRYPTION_TYPE_PASSWORD);
+  std::wstring again;
+  ASSERT_TRUE(object->decrypt_string(text, again));
+  int refused = 0;
+  bool done = false;
+  expectNoTraceOfTheSecret([&] {
+    for (int before = 0; !done; ++before) {
+      std::wstring out;
+      g_allocationsLeft = before;
+      try {
+        done = object->decrypt_string(text, out) != 0;
+      } catch (const std::bad_alloc&) {
+        ++refused;
+      }
+      g_allocationsLeft = c_unlimited;
+      wipe(out);
+    }
+    done = false;
+  });
+  EXPECT_GT(refused, 3);
+}
+
 TEST(CryptoMemory, HoldsNoSecretThatABufferHeld) {
   expectNoTraceOfTheSecret([] {
     test::CryptoBuffer buffer = test::bufferOf(c_secret);
@@ -144,7 +206,7 @@ TEST(CryptoMemory, IsNotNeededToGiveAnObjectBack) {
     ASSERT_NE(object, nullptr);
   }
   std::size_t givenBack = 0;
-  g_exhausted = true;
+  g_allocationsLeft = 0;
   try {
     for (auto* object : objects) {
       service->destroy_encryption_object(object);
@@ -152,7 +214,7 @@ TEST(CryptoMemory, IsNotNeededToGiveAnObjectBack) {
     }
   } catch (const std::bad_alloc&) {
   }
-  g_exhausted = false;
+  g_allocationsLeft = c_unlimited;
   EXPECT_EQ(givenBack, objects.size());
 }
 

@@ -1,4 +1,4 @@
-#include "host/crypto/fork_generation.h"
+#include "host/process/fork_generation.h"
 
 #include <pthread.h>
 #include <sys/mman.h>

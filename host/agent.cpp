@@ -1,26 +1,20 @@
 #include "host/agent.h"
 
-#include <mutex>
+#include <atomic>
 #include <utility>
 
 #include "host/common/failure_text.h"
 #include "host/config/settings_path.h"
 #include "host/lock/lock_pool.h"
 #include "host/log_sink.h"
+#include "host/process/fork_lock.h"
+#include "host/process/lasting.h"
 
 namespace host {
 namespace {
 
-struct State {
-  std::once_flag once;
-  AgentSettings settings;
-};
-
-State& state() {
-  // Never destroyed: the agent is served until the very end of the process.
-  static State& state = *new State;
-  return state;
-}
+Lasting<AgentSettings> g_settings;
+std::atomic<bool> g_isKnown{false};
 
 // The settings with full paths.
 AgentSettings completed(AgentSettings settings) {
@@ -32,10 +26,13 @@ AgentSettings completed(AgentSettings settings) {
 
 void apply(AgentSettings settings) {
   setLogThreshold(settings.logLevel);
-  state().settings = std::move(settings);
+  g_settings.get() = std::move(settings);
+  g_isKnown.store(true, std::memory_order_release);
 }
 
 void readDefaultAgent() {
+  const ForkLock lock(Guarded::Settings);
+  if (g_isKnown.load(std::memory_order_acquire)) return;
   const AgentSettings defaults;
   try {
     apply(completed(readAgentSettings(defaults.dataDirectory)));
@@ -52,15 +49,13 @@ SettingsError::SettingsError(const SettingsError&) noexcept = default;
 SettingsError::~SettingsError() = default;
 
 void setAgent(const AgentSettings& settings) {
-  AgentSettings full = completed(settings);
-  std::call_once(state().once, [] {});
-  apply(std::move(full));
+  apply(completed(settings));
   LockPool::instance().dropIdle();
 }
 
 const AgentSettings& agent() {
-  std::call_once(state().once, readDefaultAgent);
-  return state().settings;
+  if (!g_isKnown.load(std::memory_order_acquire)) readDefaultAgent();
+  return g_settings.get();
 }
 
 }  // namespace host

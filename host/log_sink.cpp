@@ -4,13 +4,14 @@
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "host/common/encoding.h"
 #include "host/common/level_names.h"
+#include "host/process/fork_lock.h"
+#include "host/process/lasting.h"
 
 std::atomic<int> g_logThreshold{static_cast<int>(LogLevel::Error)};
 
@@ -25,34 +26,38 @@ std::string oneLine(std::wstring text) {
   return toUtf8(text);
 }
 
-void writeToStandardError(LogLevel level, const std::wstring& component, const std::wstring& text) {
-  // Never destroyed: destructors of the process may still log.
-  static spdlog::logger& logger = [&]() -> spdlog::logger& {
-    auto* made = new spdlog::logger("", std::make_shared<spdlog::sinks::stderr_sink_mt>());
-    made->set_level(spdlog::level::trace);
-    made->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
-    return *made;
-  }();
-  logger.info("{} {}: {}", levelName(level), oneLine(component), oneLine(text));
-}
+// One line a message, which a single write of the stream brings out.
+class StandardError {
+ public:
+  void operator()(LogLevel level, const std::wstring& component, const std::wstring& text) {
+    if (!m_logger) {
+      m_logger =
+          std::make_shared<spdlog::logger>("", std::make_shared<spdlog::sinks::stderr_sink_st>());
+      m_logger->set_level(spdlog::level::trace);
+      m_logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
+    }
+    m_logger->info("{} {}: {}", levelName(level), oneLine(component), oneLine(text));
+  }
 
-struct Output {
-  std::mutex mutex;
-  LogSink sink = writeToStandardError;
+ private:
+  std::shared_ptr<spdlog::logger> m_logger;
 };
 
-Output& output() {
-  static Output& output = *new Output;
-  return output;
-}
+struct Output {
+  LogSink sink = StandardError();
+};
+
+// Destructors of the process may still log.
+Lasting<Output> g_output;
 
 void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
              std::wstring_view text) noexcept {
   try {
     const std::wstring componentText = component ? component : L"";
     const std::wstring whole = std::wstring(prefix).append(text);
-    const std::lock_guard<std::mutex> guard(output().mutex);
-    output().sink(level, componentText, whole);
+    LogSink& sink = g_output.get().sink;
+    const ForkLock lock(Guarded::Log);
+    sink(level, componentText, whole);
   } catch (...) {
     // A log that fails must not disturb what it tells about.
   }
@@ -65,9 +70,10 @@ void logAt(LogLevel level, const wchar_t* component, const AString& text) noexce
 }  // namespace
 
 void setLogSink(LogSink sink) {
-  if (!sink) sink = writeToStandardError;
-  const std::lock_guard<std::mutex> guard(output().mutex);
-  output().sink.swap(sink);
+  if (!sink) sink = StandardError();
+  LogSink& present = g_output.get().sink;
+  const ForkLock lock(Guarded::Log);
+  present.swap(sink);
 }
 
 void setLogThreshold(LogLevel level) {

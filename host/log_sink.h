@@ -10,7 +10,8 @@
 namespace host {
 
 // Receives each message at or above the threshold. Calls come one at a time, from whichever thread
-// logged. A sink must not log; what it throws is dropped.
+// logged. A sink must neither log nor fork; what it
+// throws is dropped.
 using LogSink =
     std::function<void(LogLevel level, const std::wstring& component, const std::wstring& text)>;
 

@@ -5,6 +5,7 @@
 
 #include "host/agent.h"
 #include "host/common/encoding.h"
+#include "host/process/lasting.h"
 
 namespace {
 
@@ -23,9 +24,8 @@ class AgentConfiguration : public IConfiguration {
   }
 };
 
+host::Lasting<AgentConfiguration> g_configuration;
+
 }  // namespace
 
-IConfiguration* IConfiguration::GetConfiguration() {
-  static AgentConfiguration& configuration = *new AgentConfiguration;
-  return &configuration;
-}
+IConfiguration* IConfiguration::GetConfiguration() { return &g_configuration.get(); }

@@ -6,10 +6,15 @@
 #include "host/config/command.h"
 #include "platform/common/log.h"
 
-MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() {
-  static MeshServiceConfiguration configuration;
-  return &configuration;
-}
+namespace {
+
+// Without members, so there is nothing to make or to destroy.
+MeshServiceConfiguration g_configuration;
+MeshServiceStartupControl g_control;
+
+}  // namespace
+
+MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() { return &g_configuration; }
 
 std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
   const host::AgentSettings& settings = host::agent();
@@ -21,8 +26,7 @@ std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
 
 MeshServiceStartupControl* MeshServiceStartupControl::GetInstance(void* /*reserved1*/,
                                                                   void* /*reserved2*/) {
-  static MeshServiceStartupControl control;
-  return &control;
+  return &g_control;
 }
 
 int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {

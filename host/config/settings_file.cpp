@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <sstream>
@@ -28,13 +29,16 @@ class SettingsReader {
       : m_file(file), m_settings(settings) {}
 
   struct Setting {
-    std::string table;  // empty for a key at the top
-    std::string key;
+    std::string_view table;  // empty for a key at the top
+    std::string_view key;
     void (SettingsReader::*read)(const std::string& name, const toml::node& value);
 
-    std::string name() const { return table.empty() ? key : table + "." + key; }
+    std::string name() const {
+      return table.empty() ? std::string(key) : std::string(table).append(".").append(key);
+    }
   };
-  static const std::vector<Setting>& settings();
+  using Settings = std::array<Setting, 7>;
+  static const Settings& settings();
 
   void read(const toml::table& entries, const std::string& tableName = "") {
     for (const auto& [key, value] : entries) {
@@ -152,8 +156,8 @@ class SettingsReader {
   AgentSettings& m_settings;
 };
 
-const std::vector<SettingsReader::Setting>& SettingsReader::settings() {
-  static const std::vector<Setting> all = {
+const SettingsReader::Settings& SettingsReader::settings() {
+  static constexpr Settings all = {{
       {"", "managed", &SettingsReader::readManaged},
       {"", "crypto_key_size", &SettingsReader::readKeySize},
       {"mesh", "site_list_path", &SettingsReader::readMeshPath},
@@ -161,7 +165,7 @@ const std::vector<SettingsReader::Setting>& SettingsReader::settings() {
       {"mesh", "load_timeout_seconds", &SettingsReader::readMeshTimeout},
       {"limits", "record_megabytes", &SettingsReader::readRecordMegabytes},
       {"log", "level", &SettingsReader::readLogLevel},
-  };
+  }};
   return all;
 }
 

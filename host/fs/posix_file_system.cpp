@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "host/fs/file_system.h"
+#include "host/process/lasting.h"
 
 namespace host {
 namespace {
@@ -187,6 +188,7 @@ class PosixFileSystem : public FileSystem {
   }
 };
 
+Lasting<PosixFileSystem> g_posix;
 std::atomic<FileSystem*> g_replacement{nullptr};
 
 }  // namespace
@@ -194,9 +196,8 @@ std::atomic<FileSystem*> g_replacement{nullptr};
 FileSystem::~FileSystem() = default;
 
 FileSystem& posixFileSystem() {
-  // Never destroyed: locks may be let go while the process ends.
-  static FileSystem& posix = *new PosixFileSystem;
-  return posix;
+  // Locks may be let go while the process ends.
+  return g_posix.get();
 }
 
 FileSystem& fileSystem() {

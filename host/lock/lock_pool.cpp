@@ -1,34 +1,28 @@
 #include "host/lock/lock_pool.h"
 
-#include <pthread.h>
-
 #include <algorithm>
-#include <new>
 
 #include "host/agent.h"
+#include "host/process/fork_lock.h"
+#include "host/process/lasting.h"
 
 namespace host {
+namespace {
+
+Lasting<LockPool> g_pool;
+
+}  // namespace
 
 LockPool::Entry::~Entry() { files.close(); }
 
-LockPool::LockPool() {
-  if (::pthread_atfork(beforeFork, afterForkInParent, afterForkInChild) != 0) {
-    throw std::bad_alloc();
-  }
-}
-
-LockPool& LockPool::instance() {
-  // Never destroyed: locks may be used while the process ends.
-  static LockPool& pool = *new LockPool;
-  return pool;
-}
+LockPool& LockPool::instance() { return g_pool.get(); }
 
 int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& failure) {
   const std::string directory = agent().dataDirectory + "/locks";
   const std::string mainPath = directory + "/" + name + ".lock";
 
   // Held while opening too: a fork at that moment would give the child a file that nobody closes.
-  const std::lock_guard<std::mutex> guard(m_mutex);
+  const ForkLock lock(Guarded::LockFiles);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {
       failure.path = mainPath;
@@ -45,7 +39,7 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
 }
 
 void LockPool::giveBack(LockFiles* files) noexcept {
-  const std::lock_guard<std::mutex> guard(m_mutex);
+  const ForkLock lock(Guarded::LockFiles);
   for (const auto& entry : m_entries) {
     if (&entry->files != files) continue;
     if (!entry->outdated) {
@@ -57,16 +51,20 @@ void LockPool::giveBack(LockFiles* files) noexcept {
 }
 
 void LockPool::discard(LockFiles* files) noexcept {
-  const std::lock_guard<std::mutex> guard(m_mutex);
+  const ForkLock lock(Guarded::LockFiles);
   erase(files);
 }
 
 void LockPool::dropIdle() {
-  const std::lock_guard<std::mutex> guard(m_mutex);
+  const ForkLock lock(Guarded::LockFiles);
+  eraseIdle();
+  for (const auto& entry : m_entries) entry->outdated = true;
+}
+
+void LockPool::eraseIdle() {
   m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
                                  [](const auto& entry) { return entry->idle; }),
                   m_entries.end());
-  for (const auto& entry : m_entries) entry->outdated = true;
 }
 
 void LockPool::erase(const LockFiles* files) {
@@ -75,17 +73,12 @@ void LockPool::erase(const LockFiles* files) {
                   m_entries.end());
 }
 
-void LockPool::beforeFork() { instance().m_mutex.lock(); }
-
-void LockPool::afterForkInParent() { instance().m_mutex.unlock(); }
-
-void LockPool::afterForkInChild() {
+void LockPool::closeFilesOfParent() {
+  LockPool* const pool = g_pool.find();
+  if (!pool) return;
+  pool->eraseIdle();
   // The holders keep their entries, now without a file, and find out by that.
-  for (const auto& entry : instance().m_entries) {
-    entry->files.close();
-    entry->idle = false;
-  }
-  instance().m_mutex.unlock();
+  for (const auto& entry : pool->m_entries) entry->files.close();
 }
 
 }  // namespace host

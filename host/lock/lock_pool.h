@@ -2,7 +2,6 @@
 #define HOST_LOCK_LOCK_POOL_H
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,8 @@ namespace host {
 class LockPool {
  public:
   static LockPool& instance();
+  // For the child of a fork, while the mutex of the pool is held.
+  static void closeFilesOfParent();
 
   // Files for the lock `name` of the present agent that nobody else uses. Results and `failure` as
   // of openLockFiles. Throws std::bad_alloc, and then nothing is taken.
@@ -35,13 +36,9 @@ class LockPool {
     ~Entry();
   };
 
-  LockPool();
-  static void beforeFork();
-  static void afterForkInParent();
-  static void afterForkInChild();
+  void eraseIdle();
   void erase(const LockFiles* files);
 
-  std::mutex m_mutex;
   std::vector<std::unique_ptr<Entry>> m_entries;
 };
 

@@ -11,6 +11,9 @@ namespace host {
 // nothing may be kept. Any thread.
 std::uint64_t forkGeneration();
 
+// For the child of a fork.
+void forgetForkGeneration();
+
 }  // namespace host
 
 #endif

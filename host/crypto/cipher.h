@@ -4,16 +4,18 @@
 #include <openssl/evp.h>
 
 #include <memory>
+#include <string>
 
 namespace host {
 
 struct FreeCipher {
-  void operator()(EVP_CIPHER* cipher) const;
+  void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
 };
 using CipherPtr = std::unique_ptr<EVP_CIPHER, FreeCipher>;
 
-// AES-256-GCM as the configuration of libcrypto wants it; null when that has none.
-CipherPtr findCipher();
+// AES-256-GCM by its name, as the configuration of libcrypto has it. Null when that has none; then
+// `reason` says why. Throws std::bad_alloc. Wants a LibcryptoUse around it.
+CipherPtr findCipher(std::string& reason);
 
 }  // namespace host
 

@@ -5,6 +5,7 @@
 
 #include "host/common/ascii.h"
 #include "host/common/encoding.h"
+#include "host/crypto/key_span.h"
 
 namespace host {
 namespace {
@@ -35,18 +36,30 @@ bool fromWideBase64(const std::wstring& text, std::vector<unsigned char>& bytes)
 
 }  // namespace
 
-Sealer& Encryption::sealer() {
+Sealer* Encryption::sealer() {
   if (!m_sealer) {
     m_sealer.emplace(m_key);
+    if (reportRefusal(*m_sealer)) {
+      m_sealer.reset();
+      return nullptr;
+    }
     m_key = SecretBytes();
   }
-  return *m_sealer;
+  return &*m_sealer;
+}
+
+bool Encryption::open(const unsigned char* sealed, std::size_t length, SecretBytes& clear) {
+  Sealer* const own = sealer();
+  if (!own) return false;
+  const bool isOpen = own->open(sealed, length, clear);
+  if (!isOpen) reportUnopened(m_type);
+  return isOpen;
 }
 
 int Encryption::decrypt_buffer(const Buffer& in, Buffer& out) {
   SecretBytes clear;
-  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER ||
-      !sealer().open(in.data(), in.length(), clear)) {
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER || in.length() == 0 ||
+      !open(in.data(), in.length(), clear)) {
     return 0;
   }
   out.assign(static_cast<unsigned int>(clear.size()), clear.data());
@@ -56,10 +69,11 @@ int Encryption::decrypt_buffer(const Buffer& in, Buffer& out) {
 int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
   SecretBytes clear;
   std::vector<unsigned char> sealed;
-  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toSecretUtf8(in, clear) ||
-      !sealer().seal(clear.data(), clear.size(), sealed)) {
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || !toSecretUtf8(in, clear)) {
     return 0;
   }
+  Sealer* const own = sealer();
+  if (!own || !own->seal(clear.data(), clear.size(), sealed)) return 0;
   const std::string text = toBase64(sealed);
   out.assign(text.begin(), text.end());
   return 1;
@@ -68,12 +82,17 @@ int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
 int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
   std::vector<unsigned char> sealed;
   SecretBytes clear;
-  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || in.empty() ||
-      !fromWideBase64(in, sealed) || !sealer().open(sealed.data(), sealed.size(), clear)) {
+  if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || in.empty()) return 0;
+  if (!fromWideBase64(in, sealed)) {
+    reportUnopened(m_type);
     return 0;
   }
+  if (!open(sealed.data(), sealed.size(), clear)) return 0;
   SecretWideText result;
-  if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), *result)) return 0;
+  if (!appendWide(reinterpret_cast<const char*>(clear.data()), clear.size(), *result)) {
+    reportUnopened(m_type);
+    return 0;
+  }
   out = *result;
   return 1;
 }

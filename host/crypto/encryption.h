@@ -29,7 +29,10 @@ class Encryption final : public korvel_com::ZQ::crypto::IEncryption {
   int decrypt_string(const std::wstring& in, std::wstring& out) override;
 
  private:
-  Sealer& sealer();
+  // Null, with an error logged, when libcrypto does not offer the cipher.
+  Sealer* sealer();
+  // Reports what does not open.
+  bool open(const unsigned char* sealed, std::size_t length, SecretBytes& clear);
 
   Type m_type;
   std::uint64_t m_generation;

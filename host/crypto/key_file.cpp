@@ -7,9 +7,11 @@
 
 #include <cerrno>
 #include <ctime>
-#include <system_error>
 #include <utility>
 
+#include "host/common/failure_text.h"
+#include "host/crypto/key_span.h"
+#include "host/crypto/libcrypto.h"
 #include "host/crypto/sealed_value.h"
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
@@ -21,7 +23,6 @@
 namespace host {
 namespace {
 
-constexpr const wchar_t* c_component = L"Crypto";
 constexpr const char* c_keyDirectory = "/keystore/";
 constexpr mode_t c_keyMode = S_IRUSR | S_IWUSR;
 constexpr mode_t c_directoryMode = S_IRWXU;
@@ -33,14 +34,18 @@ AString message(const std::string& path, const wchar_t* text) {
 }
 
 bool fail(const std::string& path, const wchar_t* text) {
-  logError(c_component, message(path, text));
+  logErrorOnce(message(path, text));
   return false;
 }
 
 bool fail(const std::string& path, const wchar_t* text, int error) {
-  const std::string reason = std::generic_category().message(error);
-  logError(c_component, message(path, text).append(L": ").append(AString(reason.c_str())));
+  logErrorOnce(message(path, text).append(L": ").append(AString(errorText(error).c_str())));
   return false;
+}
+
+bool drawKey(SecretBytes& key) {
+  const LibcryptoUse use;
+  return RAND_priv_bytes(key.data(), static_cast<int>(key.size())) == 1;
 }
 
 std::int64_t toNs(const timespec& time) {
@@ -74,15 +79,17 @@ bool isInOwnDirectory(const struct stat& status, const std::string& path) {
 void makePrivate(int fd, const struct stat& status, const std::string& path) {
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
   if (status.st_uid != ::geteuid() || !isInOwnDirectory(status, path)) {
-    logInfo(c_component, message(path, L"open to other users, and not ours to close"));
+    logInfo(c_cryptoComponent, message(path, L"open to other users, and not ours to close"));
   } else if (fileSystem().chmod(fd, c_keyMode) == 0) {
-    logInfo(c_component, message(path, L"was open to other users; its mode is 0600 now"));
+    logInfo(c_cryptoComponent, message(path, L"was open to other users; its mode is 0600 now"));
   } else {
-    logInfo(c_component, message(path, L"open to other users, and its mode cannot be changed"));
+    logInfo(c_cryptoComponent,
+            message(path, L"open to other users, and its mode cannot be changed"));
   }
 }
 
-// Puts a complete new file under `name`, on the disk, or leaves alone what has that name.
+// Puts a complete new file under `name`, on the disk. EEXIST, and nothing changed, when something
+// has that name.
 int publish(int directory, const std::string& name, const SecretBytes& key) {
   TempFile file(directory);
   int error = file.create();
@@ -90,7 +97,7 @@ int publish(int directory, const std::string& name, const SecretBytes& key) {
   if (error == 0) error = file.writeAll(key.data(), key.size());
   if (error == 0) error = -fileSystem().sync(file.fd());
   if (error == 0) error = file.linkAs(name);
-  return error == EEXIST ? 0 : error;
+  return error;
 }
 
 }  // namespace
@@ -149,12 +156,20 @@ bool createKeyFile(const std::string& path) {
   }
 
   SecretBytes key(c_keySize);
-  if (RAND_priv_bytes(key.data(), c_keySize) != 1) {
+  if (!drawKey(key)) {
     return fail(path, L"there are no random numbers to make it from");
   }
   int error = publish(opened.directory(), path.substr(slash + 1), key);
-  if (error == 0) error = -fileSystem().sync(opened.directory());
+  const bool isNew = error == 0;
+  if (isNew || error == EEXIST) error = -fileSystem().sync(opened.directory());
   if (error) return fail(path, L"cannot be created", error);
+  if (isNew) {
+    logInfo(c_cryptoComponent,
+            AString(L"WARNING: ")
+                .append(message(path,
+                                L"there was none, so a new key was made. What was protected "
+                                L"under another one does not open with it")));
+  }
   return true;
 }
 

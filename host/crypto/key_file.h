@@ -43,8 +43,8 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
 
 // Makes a new random key with its directory, both for their owner alone. Links and owners are as
 // host/fs/files.h says. The file appears whole or not at all, and a key that is there already, or
-// that another process makes at the same moment, is left alone. False, with an
-// error logged, when there is no key afterwards.
+// that another process makes at the same moment, is left alone. A warning is logged when it is this
+// one. False, with an error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 
 // Removes what a process that died while it made this key has left beside it.

@@ -1,7 +1,8 @@
 #include "host/crypto/sealed_value.h"
 
+#include <openssl/err.h>
+
 #include <algorithm>
-#include <atomic>
 #include <climits>
 #include <new>
 #include <utility>
@@ -9,6 +10,8 @@
 #include "host/agent.h"
 #include "host/crypto/cipher.h"
 #include "host/crypto/key_file.h"
+#include "host/crypto/key_span.h"
+#include "host/crypto/libcrypto.h"
 
 namespace host {
 namespace {
@@ -20,38 +23,51 @@ constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
 constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
 
-// Finding the algorithm is the dearest step of all; once per process is enough. Null when it is not
-// to be had now, for want of memory.
-const EVP_CIPHER* algorithm() {
-  static std::atomic<const EVP_CIPHER*> found{nullptr};
-  const EVP_CIPHER* cipher = found.load(std::memory_order_acquire);
-  if (cipher) return cipher;
-  CipherPtr own = findCipher();
-  // Another thread may have been faster.
-  if (found.compare_exchange_strong(cipher, own.get())) return own.release();
-  return cipher;
+// Finding the cipher is the dearest step of all; once per process is enough. Guarded by
+// Guarded::Libcrypto, and null until it was found.
+const EVP_CIPHER* g_cipher = nullptr;
+
+const EVP_CIPHER* cipher(std::string& reason) {
+  if (!g_cipher) g_cipher = findCipher(reason).release();
+  return g_cipher;
 }
 
 }  // namespace
 
-Sealer::Sealer(const SecretBytes& key) : m_context(EVP_CIPHER_CTX_new()) {
-  if (!m_context || key.size() != c_keySize ||
-      EVP_CipherInit_ex2(m_context.get(), algorithm(), key.data(), nullptr, 1, nullptr) != 1) {
-    throw std::bad_alloc();
+Sealer::Sealer(const SecretBytes& key) {
+  const LibcryptoUse use;
+  const EVP_CIPHER* const found = cipher(m_refusal);
+  if (!found) return;
+  if (key.size() != c_keySize) {
+    m_refusal = "the key has a wrong size";
+    return;
   }
+  m_context.reset(EVP_CIPHER_CTX_new());
+  if (!m_context) throw std::bad_alloc();
+  ERR_clear_error();
+  if (EVP_CipherInit_ex2(m_context.get(), found, key.data(), nullptr, 1, nullptr) != 1) {
+    m_context.reset();
+    m_refusal = takeLibcryptoError();
+  }
+}
+
+Sealer::~Sealer() {
+  const LibcryptoUse use;
+  m_context.reset();
 }
 
 bool Sealer::seal(const unsigned char* clear, std::size_t length,
                   std::vector<unsigned char>& sealed) {
-  if (length > c_longest) return false;
+  if (!m_context || length > c_longest) return false;
   std::vector<unsigned char> result(c_overhead + length);
   result[0] = c_version;
   unsigned char* const nonce = result.data() + c_versionSize;
   unsigned char* const body = result.data() + c_headSize;
   EVP_CIPHER_CTX* const context = m_context.get();
+  if (!m_nonces.next(nonce)) return false;
+  const LibcryptoUse use;
   int done = 0;
-  if (!m_nonces.next(nonce) ||
-      EVP_CipherInit_ex2(context, nullptr, nullptr, nonce, 1, nullptr) != 1 ||
+  if (EVP_CipherInit_ex2(context, nullptr, nullptr, nonce, 1, nullptr) != 1 ||
       EVP_CipherUpdate(context, nullptr, &done, result.data(), c_versionSize) != 1 ||
       (length > 0 &&
        EVP_CipherUpdate(context, body, &done, clear, static_cast<int>(length)) != 1) ||
@@ -64,7 +80,8 @@ bool Sealer::seal(const unsigned char* clear, std::size_t length,
 }
 
 bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& clear) {
-  if (length < c_overhead || length - c_overhead > c_longest || sealed[0] != c_version) {
+  if (!m_context || length < c_overhead || length - c_overhead > c_longest ||
+      sealed[0] != c_version) {
     return false;
   }
   const std::size_t bodySize = length - c_overhead;
@@ -74,6 +91,7 @@ bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& 
   // One byte more than the value, so that an empty one has a place to be written to as well.
   SecretBytes result(bodySize + 1);
   EVP_CIPHER_CTX* const context = m_context.get();
+  const LibcryptoUse use;
   int done = 0;
   if (EVP_CipherInit_ex2(context, nullptr, nullptr, sealed + c_versionSize, 0, nullptr) != 1 ||
       EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_SET_TAG, c_tagSize, tag) != 1 ||
@@ -85,6 +103,14 @@ bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& 
   }
   result.resize(bodySize);
   clear = std::move(result);
+  return true;
+}
+
+bool reportRefusal(const Sealer& sealer) {
+  if (sealer.refusal().empty()) return false;
+  const std::string text = "AES-256-GCM is not available from libcrypto: " + sealer.refusal() +
+                           "; passwords cannot be protected or recovered";
+  logErrorOnce(AString(text.c_str()));
   return true;
 }
 
@@ -125,12 +151,14 @@ std::string sealServerPassword(const std::string& clear) {
   SecretBytes key;
   KeyFileState state;
   std::vector<unsigned char> sealed;
-  if (!readKeyFile(keyFilePath(agent().dataDirectory, c_serverKeyName), key, state) ||
-      !Sealer(key).seal(reinterpret_cast<const unsigned char*>(clear.data()), clear.size(),
-                        sealed)) {
+  if (!readKeyFile(keyFilePath(agent().dataDirectory, c_serverKeyName), key, state)) {
     return std::string();
   }
-  return toBase64(sealed);
+  Sealer sealer(key);
+  reportRefusal(sealer);
+  return sealer.seal(reinterpret_cast<const unsigned char*>(clear.data()), clear.size(), sealed)
+             ? toBase64(sealed)
+             : std::string();
 }
 
 }  // namespace host

@@ -29,6 +29,13 @@ class Sealer {
  public:
   // `key` holds c_keySize bytes. Throws std::bad_alloc.
   explicit Sealer(const SecretBytes& key);
+  ~Sealer();
+  Sealer(const Sealer&) = delete;
+  Sealer& operator=(const Sealer&) = delete;
+
+  // Why this one neither seals nor opens anything: libcrypto does not offer the cipher, or the key
+  // is not a key. Empty when it does.
+  const std::string& refusal() const { return m_refusal; }
 
   // Returns false, with `sealed` as it was, when the system has no random numbers to give or the
   // value is too long for the cipher (2 GiB).
@@ -41,9 +48,13 @@ class Sealer {
   struct Free {
     void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
   };
-  std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;
+  std::string m_refusal;
+  std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;  // null when there is a refusal
   Nonces m_nonces;
 };
+
+// Whether the sealer refuses all; then logs why, once in a span.
+bool reportRefusal(const Sealer& sealer);
 
 // Sealed values as base64 text, standard alphabet with padding. Decoding takes exactly what
 // encoding makes, so that no two texts stand for the same bytes; for any other text it returns

@@ -5,7 +5,6 @@
 #include <openssl/rand.h>
 
 #include <climits>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -112,9 +111,17 @@ TEST(KeyMaking, LeavesAKeyAloneThatAnotherProcessMadeAMomentBefore) {
   EXPECT_TRUE(agent.texts(LogLevel::Error).empty());
 }
 
-TEST(SealerKey, OfAnotherSizeMakesNoSealer) {
+TEST(SealerKey, OfAnotherSizeSealsAndOpensNothing) {
+  const unsigned char clear[] = "clear";
+  Bytes sealed;
+  ASSERT_TRUE(host::Sealer(SecretBytes(host::c_keySize, 'k')).seal(clear, sizeof clear, sealed));
   for (const std::size_t size : {std::size_t{0}, host::c_keySize - 1, host::c_keySize + 1}) {
-    EXPECT_THROW(host::Sealer(SecretBytes(size, 'k')), std::bad_alloc) << size;
+    host::Sealer sealer(SecretBytes(size, 'k'));
+    EXPECT_EQ(sealer.refusal(), "the key has a wrong size") << size;
+    Bytes none;
+    SecretBytes opened;
+    EXPECT_FALSE(sealer.seal(clear, sizeof clear, none)) << size;
+    EXPECT_FALSE(sealer.open(sealed.data(), sealed.size(), opened)) << size;
   }
 }
 

@@ -1,0 +1,69 @@
+#include "host/crypto/key_pool.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "host/crypto/key_span.h"
+
+namespace host {
+namespace {
+
+constexpr std::size_t c_idleLimit = 16;
+
+}  // namespace
+
+KeyPool::KeyPool(Encryption::Type type, Guarded guard, const char* keyName, bool createsKey)
+    : m_type(type), m_guard(guard), m_keyName(keyName), m_createsKey(createsKey) {
+  m_idle.reserve(c_idleLimit);  // giving back must not fail
+}
+
+std::unique_ptr<Encryption> KeyPool::take(const std::string& dataDirectory) {
+  const ForkLock lock(m_guard);
+  if (dataDirectory != m_dataDirectory) {
+    drop();
+    m_dataDirectory = dataDirectory;
+    m_path = keyFilePath(dataDirectory, m_keyName);
+  }
+  const std::uint64_t span = currentSpan();
+  const bool isKept = span != 0 && span == m_span && !m_key.empty();
+  if (!isKept && !refreshKey()) return nullptr;
+  m_span = span;
+  if (m_idle.empty()) return std::make_unique<Encryption>(m_type, m_key, m_generation);
+  std::unique_ptr<Encryption> object = std::move(m_idle.back());
+  m_idle.pop_back();
+  return object;
+}
+
+void KeyPool::giveBack(std::unique_ptr<Encryption> object) {
+  const ForkLock lock(m_guard);
+  if (object->generation() == m_generation && m_idle.size() < c_idleLimit) {
+    m_idle.push_back(std::move(object));
+  }
+}
+
+bool KeyPool::refreshKey() {
+  KeyFileState state;
+  const int error = keyFileState(m_path, state);
+  if (error == 0 && !m_key.empty() && m_state.settled && m_state.sameFile(state)) return true;
+  SecretBytes key;
+  if ((error == ENOENT && m_createsKey && !createKeyFile(m_path)) ||
+      !readKeyFile(m_path, key, m_state)) {
+    drop();
+    return false;
+  }
+  if (key != m_key) {
+    drop();
+    m_key = std::move(key);
+    // A key is made once, so its maker's death is followed by no other making that would clean.
+    if (m_createsKey) cleanBesideKeyFile(m_path);
+  }
+  return true;
+}
+
+void KeyPool::drop() {
+  m_idle.clear();
+  m_key = SecretBytes();
+  ++m_generation;
+}
+
+}  // namespace host

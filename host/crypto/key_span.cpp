@@ -1,0 +1,91 @@
+#include "host/crypto/key_span.h"
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/agent.h"
+#include "host/crypto/key_file.h"
+#include "platform/common/log.h"
+
+namespace host {
+namespace {
+
+using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD;
+using korvel_com::ZQ::crypto::EncryptionType;
+
+std::atomic<std::uint64_t> g_last{0};
+
+thread_local std::uint64_t t_span = 0;
+thread_local unsigned int t_depth = 0;
+thread_local unsigned long t_unopened = 0;        // under the agent's key
+thread_local unsigned long t_unopenedServer = 0;  // under the server's key
+
+// The errors that were logged in this span. Its end frees the memory.
+thread_local std::vector<std::wstring> t_logged;
+
+void logUnopened(unsigned long count, const char* keyName, const wchar_t* advice) {
+  if (count == 0) return;
+  const std::string path = keyFilePath(agent().dataDirectory, keyName);
+  AString text(std::to_wstring(count));
+  text.append(count == 1 ? L" protected password does not open"
+                         : L" protected passwords do not open")
+      .append(L" with the key file ")
+      .append(AString(path.c_str()))
+      .append(count == 1 ? L" and counts as empty. " : L" and count as empty. ")
+      .append(advice);
+  logError(c_cryptoComponent, text);
+}
+
+void logUnopened() {
+  const unsigned long own = std::exchange(t_unopened, 0);
+  const unsigned long server = std::exchange(t_unopenedServer, 0);
+  logUnopened(own, c_passwordKeyName,
+              L"Put back the key that they were protected under, or set the passwords again.");
+  logUnopened(server, c_serverKeyName, L"The server must send them under the key in that file.");
+}
+
+}  // namespace
+
+std::uint64_t currentSpan() { return t_span; }
+
+void logErrorOnce(const AString& text) {
+  if (t_span != 0) {
+    if (std::find(t_logged.begin(), t_logged.end(), text.str()) != t_logged.end()) return;
+    t_logged.push_back(text.str());
+  }
+  logError(c_cryptoComponent, text);
+}
+
+void reportUnopened(EncryptionType type) {
+  ++(type == ENCRYPTION_TYPE_PASSWORD ? t_unopened : t_unopenedServer);
+  if (t_span == 0) logUnopened();
+}
+
+}  // namespace host
+
+namespace korvel_com {
+namespace ZQ {
+namespace crypto {
+
+KeptKeys::KeptKeys() noexcept {
+  if (host::t_depth++ == 0) host::t_span = ++host::g_last;
+}
+
+KeptKeys::~KeptKeys() {
+  if (--host::t_depth != 0) return;
+  host::t_span = 0;
+  std::vector<std::wstring>().swap(host::t_logged);
+  try {
+    host::logUnopened();
+  } catch (const std::bad_alloc&) {
+    // A log that fails must not disturb what it tells about.
+  }
+}
+
+}  // namespace crypto
+}  // namespace ZQ
+}  // namespace korvel_com

@@ -3,7 +3,7 @@
 #include "host/agent.h"
 #include "host/common/encoding.h"
 #include "host/common/failure_text.h"
-#include "host/config/command.h"
+#include "host/process/command.h"
 #include "platform/common/log.h"
 
 namespace {
@@ -11,6 +11,11 @@ namespace {
 // Without members, so there is nothing to make or to destroy.
 MeshServiceConfiguration g_configuration;
 MeshServiceStartupControl g_control;
+
+void logLine(const std::string& line) {
+  logInfo(host::c_logComponent,
+          AString(L"Mesh service load command: ").append(host::toWide(line.data(), line.size())));
+}
 
 }  // namespace
 
@@ -30,12 +35,14 @@ MeshServiceStartupControl* MeshServiceStartupControl::GetInstance(void* /*reserv
 }
 
 int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {
-  const std::vector<std::string>& command = host::agent().meshLoadCommand;
+  const host::AgentSettings& settings = host::agent();
+  const std::vector<std::string>& command = settings.meshLoadCommand;
   if (command.empty()) {
     logError(host::c_logComponent, AString(L"No mesh service load command is configured"));
     return 0;
   }
-  const std::string failure = host::runCommand(command);
+  host::OutputLines output(logLine);
+  const std::string failure = host::runCommand(command, settings.meshLoadTimeoutSeconds, output);
   if (failure.empty()) return 1;
   const std::string text = "Mesh service load command " + command.front() + " failed: " + failure;
   logError(host::c_logComponent, AString(text.c_str()));

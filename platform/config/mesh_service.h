@@ -25,7 +25,8 @@ class PLATFORM_API MeshServiceStartupControl {
   static MeshServiceStartupControl* GetInstance(void* reserved1, void* reserved2);
 
   // Asks the mesh service to load its site list and waits for the answer. 1 on success, any other
-  // value on failure, which the implementation logs. May block as long as the command runs.
+  // value on failure, which the implementation logs. May block as long as the agent's settings let
+  // the command run. Works whatever the process does with SIGCHLD and with its children.
   int RunMeshServiceLoadSiteListCmd();
 };
 

@@ -3,10 +3,16 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
 #include <filesystem>
+#include <thread>
 
 #include "tests/support/test_agent.h"
 
@@ -35,6 +41,10 @@ class MeshService : public testing::Test {
   }
 
   std::string out() const { return agent.dataDirectory() + "/out"; }
+
+  static test::LogLine line(const std::wstring& text) {
+    return {LogLevel::Info, L"Host", L"Mesh service load command: " + text};
+  }
 
   std::string onlyError() {
     EXPECT_EQ(agent.log().size(), 1U);
@@ -93,13 +103,79 @@ TEST_F(MeshService, LogsNoArguments) {
   EXPECT_THAT(onlyError(), testing::Not(testing::HasSubstr("topsecret")));
 }
 
-TEST_F(MeshService, FailsWhenTheEndOfTheCommandIsLost) {
-  const auto before = ::signal(SIGCHLD, SIG_IGN);
-  EXPECT_EQ(loadWithScript("exit 0"), 0);
-  ::signal(SIGCHLD, before);
-  EXPECT_EQ(
-      onlyError(),
-      "Mesh service load command /bin/sh failed: it cannot be waited for: No child processes");
+// What the command's end is does not depend on what the process does with its children.
+TEST_F(MeshService, WorksInAProcessThatIgnoresTheEndOfChildren) {
+  for (const int flags : {0, SA_NOCLDWAIT}) {
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = flags ? SIG_DFL : SIG_IGN;
+    action.sa_flags = flags;
+    ASSERT_EQ(::sigaction(SIGCHLD, &action, &before), 0);
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(loadWithScript("exit 0"), 1);
+    EXPECT_EQ(loadWithScript("exit 3"), 0);
+    EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it ended with status 3");
+    ::sigaction(SIGCHLD, &before, nullptr);
+  }
+}
+
+TEST_F(MeshService, WorksBesideThreadsThatReapEveryChild) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> reapers;
+  for (int i = 0; i < 2; ++i) {
+    reapers.emplace_back([&] {
+      while (!done) {
+        if (::waitpid(-1, nullptr, 0) < 0) std::this_thread::yield();
+      }
+    });
+  }
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(loadWithScript("exit 0"), 1);
+  EXPECT_EQ(loadWithScript("exit 3"), 0);
+  done = true;
+  for (std::thread& reaper : reapers) reaper.join();
+  EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it ended with status 3");
+}
+
+TEST_F(MeshService, LeavesNoChildBehind) {
+  EXPECT_EQ(loadWithScript("exit 0"), 1);
+  EXPECT_EQ(loadWith({"/no/such/command"}), 0);
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(MeshService, FailsWhenTheEndOfTheCommandCannotBeKnown) {
+  EXPECT_EQ(loadWithScript("kill -KILL $PPID"), 0);
+  EXPECT_EQ(onlyError(),
+            "Mesh service load command /bin/sh failed: its end is not known, because the process "
+            "that waited for it was ended");
+}
+
+// The first one ends when it is asked to, the second only when it is killed.
+TEST_F(MeshService, EndsACommandThatRunsTooLongAndAllThatItStarted) {
+  agent.settings.meshLoadTimeoutSeconds = 1;
+  ASSERT_EQ(::mkfifo(out().c_str(), 0600), 0);
+  const int fifo = ::open(out().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  for (const char* script : {"exec 9>\"$1\"; echo begun; sleep 600 & sleep 600",
+                             "trap '' TERM; exec 9>\"$1\"; echo begun; sleep 600 & sleep 600"}) {
+    EXPECT_EQ(loadWithScript(script), 0);
+    EXPECT_THAT(agent.texts(LogLevel::Error),
+                ElementsAre(L"Mesh service load command /bin/sh failed: it ran longer than 1 "
+                            L"seconds and was ended"));
+    EXPECT_THAT(agent.texts(LogLevel::Info), ElementsAre(L"Mesh service load command: begun"));
+    pollfd end = {fifo, POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 60000), 1);
+    EXPECT_NE(end.revents & POLLHUP, 0) << "a process that it started still lives";
+  }
+  ::close(fifo);
+}
+
+TEST_F(MeshService, DoesNotWaitForWhatTheCommandLeavesRunning) {
+  ASSERT_EQ(::mkfifo(out().c_str(), 0600), 0);
+  EXPECT_EQ(loadWithScript("{ read line < \"$1\"; } & echo told; exit 0"), 1);
+  EXPECT_THAT(agent.texts(LogLevel::Info), ElementsAre(L"Mesh service load command: told"));
+  // It waits for this writer.
+  const int fifo = ::open(out().c_str(), O_WRONLY | O_CLOEXEC);
+  EXPECT_EQ(::write(fifo, "go\n", 3), 3);
+  ::close(fifo);
 }
 
 TEST_F(MeshService, GivesTheCommandNothingToRead) {
@@ -107,12 +183,25 @@ TEST_F(MeshService, GivesTheCommandNothingToRead) {
   EXPECT_EQ(test::readFile(out()), "");
 }
 
-TEST_F(MeshService, KeepsStandardOutputForTheCallersData) {
+TEST_F(MeshService, LogsWhatTheCommandPrints) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
-  EXPECT_EQ(loadWithScript("echo told; echo warned >&2"), 1);
+  EXPECT_EQ(loadWithScript("echo told; echo warned >&2; echo; printf 'no end'"), 1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "told\nwarned\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_THAT(agent.log(), ElementsAre(line(L"told"), line(L"warned"), line(L"no end")));
+}
+
+TEST_F(MeshService, LogsNoMoreThanTheFirstLinesOfWhatTheCommandPrints) {
+  EXPECT_EQ(loadWithScript("for i in `seq 100`; do echo line; done; exit 3"), 0);
+  const auto lines = agent.texts(LogLevel::Info);
+  ASSERT_EQ(lines.size(), 65U);
+  EXPECT_EQ(lines[63], L"Mesh service load command: line");
+  EXPECT_EQ(lines[64], L"Mesh service load command: (180 more bytes)");
+  EXPECT_EQ(loadWithScript("head -c 1000000 /dev/zero | tr '\\0' x"), 1);
+  EXPECT_THAT(agent.texts(LogLevel::Info),
+              ElementsAre(L"Mesh service load command: " + std::wstring(8192, L'x'),
+                          L"Mesh service load command: (991808 more bytes)"));
 }
 
 TEST_F(MeshService, HandsDownNoOtherDescriptor) {
@@ -123,6 +212,11 @@ TEST_F(MeshService, HandsDownNoOtherDescriptor) {
   ASSERT_LT(inheritable, 10) << "a shell takes a single digit only";
   EXPECT_EQ(loadWithScript(script), 1);
   ::close(inheritable);
+  for (const char* fd : {"3", "4", "5", "6", "7", "8", "9"}) {
+    EXPECT_EQ(
+        loadWithScript(std::string("if { true >&") + fd + "; } 2> /dev/null; then exit 1; fi"), 1)
+        << fd;
+  }
 }
 
 TEST_F(MeshService, HandsDownNoSignalSettings) {

@@ -1,0 +1,116 @@
+#include "host/process/supervisor.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+extern char** environ;
+
+namespace host {
+namespace {
+
+constexpr int c_report = 3;
+constexpr int c_firstOther = 4;
+constexpr unsigned int c_graceSeconds = 2;
+
+std::atomic<pid_t> g_program{0};
+std::atomic<int> g_alarms{0};
+static_assert(std::atomic<pid_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+
+void report(SupervisorReport::Kind kind, int value) {
+  const SupervisorReport text{kind, value};
+  // With nobody to read it, there is nobody to tell of that either.
+  if (::write(c_report, &text, sizeof text) < 0) ::_exit(1);
+}
+
+// Descriptors 0 to 3 are nothing to read, the output twice and the reports; there are no others.
+bool arrangeDescriptors(const SupervisorPlan& plan) {
+  if (::dup2(plan.report, c_report) < 0 || ::fcntl(c_report, F_SETFD, FD_CLOEXEC) < 0) return false;
+  ::close(0);
+  if (::open("/dev/null", O_RDONLY) != 0 || ::dup2(plan.output, 1) < 0 ||
+      ::dup2(plan.output, 2) < 0) {
+    return false;
+  }
+#ifdef __GLIBC__
+  ::closefrom(c_firstOther);
+#else
+  for (int fd = c_firstOther; fd < plan.descriptorLimit; ++fd) ::close(fd);
+#endif
+  return true;
+}
+
+void resetSignals() {
+  struct sigaction byDefault = {};
+  byDefault.sa_handler = SIG_DFL;
+  for (int number = 1; number < NSIG; ++number) ::sigaction(number, &byDefault, nullptr);
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void onAlarm(int) {
+  const int error = errno;
+  ::kill(-g_program, g_alarms++ == 0 ? SIGTERM : SIGKILL);
+  ::alarm(c_graceSeconds);
+  errno = error;
+}
+
+[[noreturn]] void become(const SupervisorPlan& plan) {
+  ::setpgid(0, 0);
+  ::execve(plan.argv[0], plan.argv, environ);
+  report(SupervisorReport::NotStarted, errno);
+  ::_exit(127);
+}
+
+void watchTime(pid_t program, unsigned int seconds) {
+  g_program = program;
+  struct sigaction action = {};
+  action.sa_handler = onAlarm;
+  ::sigaction(SIGALRM, &action, nullptr);
+  ::alarm(seconds);
+}
+
+// The program stays a zombie until the alarm is off, so that no signal reaches another process that
+// got its number.
+int waitFor(pid_t program) {
+  siginfo_t ended;
+  while (::waitid(P_PID, static_cast<id_t>(program), &ended, WEXITED | WNOWAIT) < 0 &&
+         errno == EINTR) {
+  }
+  ::alarm(0);
+  if (g_alarms > 0) ::kill(-program, SIGKILL);  // what else is in its group
+  int status = 0;
+  while (::waitpid(program, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+}  // namespace
+
+void supervise(const SupervisorPlan& plan) {
+  resetSignals();
+  ::setpgid(0, 0);  // a signal from the terminal must not end it before its program
+  if (!arrangeDescriptors(plan)) {
+    const int error = errno;
+    ::dup2(plan.report, c_report);
+    report(SupervisorReport::NotStarted, error);
+    ::_exit(1);
+  }
+  const pid_t program = ::fork();
+  if (program == 0) become(plan);
+  if (program < 0) {
+    report(SupervisorReport::NotStarted, errno);
+    ::_exit(1);
+  }
+  ::setpgid(program, program);  // here as well, because either process may come first
+  watchTime(program, plan.timeoutSeconds);
+  const int status = waitFor(program);
+  report(g_alarms > 0 ? SupervisorReport::TimedOut : SupervisorReport::Ended, status);
+  ::_exit(0);
+}
+
+}  // namespace host

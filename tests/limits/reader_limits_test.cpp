@@ -1,0 +1,145 @@
+#include <fstream>
+#include <limits>
+#include <sstream>
+
+#include "host/agent.h"
+#include "host/xml/limits.h"
+#include "tests/limits/limits_fixture.h"
+#include "tests/support/child_process.h"
+
+namespace {
+
+using namespace sitehlp;
+using namespace test;
+
+class ReaderLimits : public LimitsTest {
+ protected:
+  // The result for a list with these children; `count` tells the records that came with it.
+  int codeOf(const std::string& children) {
+    const std::string path = agent.dataDirectory() + "/many.xml";
+    writeFile(path, document(children));
+    return readCode(path);
+  }
+  void setRecordMegabytes(int megabytes) {
+    writeFile(agent.dataDirectory() + "/agent.toml",
+              "[limits]\nrecord_megabytes = " + std::to_string(megabytes) + "\n");
+    agent.settings = host::readAgentSettings(agent.dataDirectory());
+    agent.settings.logLevel = LogLevel::Off;
+    agent.apply();
+  }
+};
+
+TEST_F(ReaderLimits, TakeTheMostElementsThatAreNoSite) {
+  EXPECT_EQ(codeOf(repeated("<a/>", c_mostUnknown)), c_errorGeneral);
+  EXPECT_EQ(count, c_mostUnknown);
+  EXPECT_EQ(codeOf(repeated("<a/>", c_mostUnknown) + "<LocalSite/>"), c_success);
+  EXPECT_EQ(count, c_mostUnknown + 1);
+}
+
+TEST_F(ReaderLimits, RefuseOneMoreWhereverItStands) {
+  const std::string most = repeated("<a/>", c_mostUnknown);
+  EXPECT_EQ(codeOf(most + "<a/>"), c_overLimit);
+  EXPECT_LE(count, c_mostUnknown);
+  EXPECT_EQ(codeOf("<Odd/>" + repeated("<LocalSite/>", 10) + most + "<LocalSite/>"), c_overLimit);
+}
+
+// Outside of its list a "ProxyConfig" is no site either.
+TEST_F(ReaderLimits, CountAProxyOutsideOfItsListAsNoSite) {
+  EXPECT_EQ(codeOf(repeated("<ProxyConfig/>", c_mostUnknown) + "<a/>"), c_overLimit);
+}
+
+TEST_F(ReaderLimits, DoNotCountSitesAsUnknown) {
+  EXPECT_EQ(codeOf(repeated("<LocalSite/><ProxyConfigList/>", c_mostUnknown)), c_success);
+  EXPECT_EQ(count, 2 * c_mostUnknown);
+}
+
+TEST_F(ReaderLimits, HoldForAListFromMemory) {
+  std::wstring text = wide(document(repeated("<a/>", c_mostUnknown + 1) + "<LocalSite/>"));
+  EXPECT_EQ(CSitesHelper(wide(own)).CreateSiteListFromBuffer(text), c_overLimit);
+  const std::string bytes = narrow(text);
+  korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char> buffer(
+      static_cast<unsigned int>(bytes.size()),
+      reinterpret_cast<const unsigned char*>(bytes.data()));
+  EXPECT_EQ(CSitesHelper(wide(own)).AdjustPwd(buffer), c_overLimit);
+  EXPECT_FALSE(exists(agent.dataDirectory() + "/ServerSiteList.xml"));
+  expectNothingWritten();
+}
+
+TEST_F(ReaderLimits, FollowTheAgentsSetting) {
+  constexpr std::size_t c_fit = (std::size_t{1} << 20) / sizeof(tag_Site);
+  setRecordMegabytes(1);
+  EXPECT_EQ(codeOf(repeated("<LocalSite/>", c_fit)), c_success);
+  EXPECT_EQ(count, c_fit);
+  EXPECT_EQ(codeOf(repeated("<LocalSite/>", c_fit + 1)), c_overLimit);
+  EXPECT_LE(count, c_fit);
+  setRecordMegabytes(2);
+  EXPECT_EQ(codeOf(repeated("<LocalSite/>", c_fit + 1)), c_success);
+  EXPECT_EQ(count, c_fit + 1);
+}
+
+#if defined(__linux__) && !defined(MEMORY_IS_NOT_MEASURED)
+std::size_t mostMemory() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("VmHWM:", 0) == 0) return std::stoul(line.substr(6)) * 1024;
+  }
+  // More than any limit, so that a system that does not tell does not pass for a thrifty one.
+  return std::numeric_limits<std::size_t>::max();
+}
+#else
+std::size_t mostMemory() { return 0; }
+#endif
+
+// Reads the file; answers with the result, the records and the memory that it took at most.
+CHILD_PROCESS(readMany) {
+  host::AgentSettings settings;
+  settings.dataDirectory = args[0];
+  settings.logLevel = LogLevel::Off;
+  host::setAgent(settings);
+  const std::size_t before = mostMemory();
+  std::ostringstream answer;
+  {
+    SiteChain list;
+    const int code = CSitesHelper(true).ReadSiteList(wide(args[1]), list.address(), true);
+    answer << code << " " << lengthOf(list.head()) << " ";
+  }
+  answer << mostMemory() - before;
+  channel.send(answer.str());
+  return 0;
+}
+
+struct Reading {
+  int code = 1;
+  std::size_t records = 0;
+  std::size_t memory = 0;
+};
+
+class ReaderMemory : public ReaderLimits {
+ protected:
+  Reading readInChild(const std::string& children) {
+    const std::string path = agent.dataDirectory() + "/many.xml";
+    writeFile(path, document(children));
+    ChildProcess child("readMany", {agent.dataDirectory(), path});
+    std::istringstream answer(child.receive());
+    Reading reading;
+    answer >> reading.code >> reading.records >> reading.memory;
+    EXPECT_FALSE(answer.fail());
+    EXPECT_EQ(child.wait(), 0);
+    return reading;
+  }
+};
+
+TEST_F(ReaderMemory, OfAHundredKilobytesOfNonsenseIsLittle) {
+  const Reading reading = readInChild(repeated("<a/>", host::c_maxChildren));
+  EXPECT_EQ(reading.code, c_overLimit);
+  EXPECT_LE(reading.records, c_mostUnknown);
+  EXPECT_LT(reading.memory, std::size_t{64} << 20);
+}
+
+TEST_F(ReaderMemory, IsEnoughForTheMostSites) {
+  const Reading reading = readInChild(repeated("<LocalSite/>", host::c_maxChildren));
+  EXPECT_EQ(reading.code, c_success);
+  EXPECT_EQ(reading.records, host::c_maxChildren);
+}
+
+}  // namespace

@@ -65,9 +65,10 @@ KeyFileState stateOf(const struct stat& status) {
   return state;
 }
 
-// Whether the file that is open has its name in a directory that this process's user alone can
-// change. Elsewhere somebody may have given the name to a file of ours that is something else.
-bool isInOwnDirectory(const struct stat& status, const std::string& path) {
+// Whether the file that is open has no name but this, in a directory that this process's user alone
+// can change. Elsewhere somebody may have given the name to a file of ours that is something else.
+bool isOursAlone(const struct stat& status, const std::string& path) {
+  if (status.st_uid != ::geteuid() || status.st_nlink != 1) return false;
   PathWalk place;
   struct stat directory;
   if (place.find(path) != 0 || !place.found()) return false;
@@ -78,7 +79,7 @@ bool isInOwnDirectory(const struct stat& status, const std::string& path) {
 
 void makePrivate(int fd, const struct stat& status, const std::string& path) {
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
-  if (status.st_uid != ::geteuid() || !isInOwnDirectory(status, path)) {
+  if (!isOursAlone(status, path)) {
     logInfo(c_cryptoComponent, message(path, L"open to other users, and not ours to close"));
   } else if (fileSystem().chmod(fd, c_keyMode) == 0) {
     logInfo(c_cryptoComponent, message(path, L"was open to other users; its mode is 0600 now"));

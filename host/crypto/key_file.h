@@ -36,9 +36,9 @@ struct KeyFileState {
 int keyFileState(const std::string& path, KeyFileState& state);
 
 // Reads a key and the state of the file that it was read from. A file that others than its owner
-// may use loses these permissions when it and its directory belong to this process's user and
-// nobody else may write in that directory. False, with an error logged, when there is no such key:
-// no file, no regular file, not the right size.
+// may use loses these permissions when it has no other name, it and its directory belong to this
+// process's user, and nobody else may write in that directory. False, with an error logged, when
+// there is no such key: no file, no regular file, not the right size.
 bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state);
 
 // Makes a new random key with its directory, both for their owner alone. Links and owners are as

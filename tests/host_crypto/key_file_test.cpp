@@ -109,6 +109,30 @@ TEST_F(KeyFile, OpenToOthersIsClosedAndSaidSo) {
   }
 }
 
+TEST_F(KeyFile, OpenToOthersIsNotTouchedWhereItMayBeAnotherFileOfOurs) {
+  const std::string keystore = m_agent.dataDirectory() + "/keystore";
+  const std::string other = m_agent.dataDirectory() + "/other";
+  const auto expectUntouched = [&] {
+    m_agent.clearLog();
+    EXPECT_TRUE(canEncrypt());
+    EXPECT_EQ(modeOf(m_path), 0644u);
+    ASSERT_EQ(m_agent.messages().size(), 1u);
+    EXPECT_NE(m_agent.messages()[0].text.find(L"not ours to close"), std::wstring::npos);
+  };
+  test::writeFile(m_path, std::string(32, 'k'), 0644);
+  for (const mode_t mode : {0770, 0702}) {
+    ASSERT_EQ(::chmod(keystore.c_str(), mode), 0);
+    const std::string key(32, static_cast<char>(mode & 0x7f));
+    test::writeFile(m_path, key, 0644);  // a key that was not looked at yet
+    expectUntouched();
+  }
+  ASSERT_EQ(::chmod(keystore.c_str(), 0700), 0);
+  test::writeFile(other, std::string(32, 'o'), 0644);
+  ASSERT_EQ(::unlink(m_path.c_str()), 0);
+  ASSERT_EQ(::link(other.c_str(), m_path.c_str()), 0);
+  expectUntouched();
+}
+
 TEST_F(KeyFile, ThatOnlyItsOwnerMayReadIsNotTouched) {
   test::writeFile(m_path, std::string(32, 'k'), 0400);
   EXPECT_TRUE(canEncrypt());

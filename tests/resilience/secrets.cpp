@@ -106,17 +106,21 @@ namespace {
 class SwappingFileSystem : public WorkshopFileSystem {
  public:
   SwappingFileSystem(const Workshop& workshop, std::string outside, bool fileToo)
-      : WorkshopFileSystem(workshop), m_outside(std::move(outside)), m_fileToo(fileToo) {}
+      : WorkshopFileSystem(workshop),
+        m_roots(workshop.roots()),
+        m_outside(std::move(outside)),
+        m_fileToo(fileToo) {}
 
   unsigned long swaps() const { return m_swaps; }
 
   int open(int directory, const std::string& path, int flags, mode_t mode) override {
-    if (directory != AT_FDCWD) {
+    const std::string name = full(directory, path);
+    int fd = 0;
+    {
       const Swap swap(*this, directory, std::string());
-      return WorkshopFileSystem::open(directory, path, flags, mode);
+      fd = WorkshopFileSystem::open(directory, path, flags, mode);
     }
-    const int fd = WorkshopFileSystem::open(directory, path, flags, mode);
-    if (fd >= 0 && (flags & O_DIRECTORY) != 0) m_directories[fd] = real(path);
+    if (fd >= 0 && (flags & O_DIRECTORY) != 0) m_directories[fd] = name;
     return fd;
   }
   int close(int fd) override {
@@ -141,17 +145,25 @@ class SwappingFileSystem : public WorkshopFileSystem {
   }
 
  private:
-  // The path without the "/" at its end, where the workshop has it.
-  static std::string real(std::string path) {
-    while (path.size() > 1 && path.back() == '/') path.pop_back();
-    return path;
+  std::string full(int directory, const std::string& path) const {
+    const auto above = m_directories.find(directory);
+    if (above == m_directories.end() || (!path.empty() && path.front() == '/')) return path;
+    return above->second + (above->second.back() == '/' ? "" : "/") + path;
+  }
+
+  // Only what belongs to the workshop is ever moved.
+  bool mayMove(const std::string& path) const {
+    for (const std::string& root : m_roots) {
+      if (path == root || path.rfind(root + "/", 0) == 0) return fs::is_directory(path);
+    }
+    return false;
   }
 
   class Swap {
    public:
     Swap(SwappingFileSystem& files, int directory, const std::string& name) {
       const auto found = files.m_directories.find(directory);
-      if (found == files.m_directories.end() || !fs::is_directory(found->second)) return;
+      if (found == files.m_directories.end() || !files.mayMove(found->second)) return;
       m_path = found->second;
       // A link to a file outside in the place of the file that is about to be replaced.
       if (files.m_fileToo && !name.empty()) {
@@ -175,6 +187,7 @@ class SwappingFileSystem : public WorkshopFileSystem {
     std::string m_path;
   };
 
+  std::vector<std::string> m_roots;
   std::string m_outside;
   bool m_fileToo;
   unsigned long m_swaps = 0;

@@ -56,6 +56,33 @@ TEST(AProtectedPassword, isRefusedWithAnyBitFlippedAndTheOtherRecordsLoad) {
   EXPECT_GT(refused, 300u);
 }
 
+bool isSecret(const std::string& path) {
+  const std::filesystem::path file(path);
+  return file.extension() == ".key" || file.extension() == ".bin" ||
+         file.filename() == "ServerSiteList.xml";
+}
+
+TEST(FileModes, ofKeyFilesAreForTheOwnerAloneAfterEachWrite) {
+  Workshop workshop;
+  const Operation& import = writingOperation("import");
+  for (const mode_t mode : {0644, 0666, 0400, 0777}) {
+    workshop.reset(import);
+    std::size_t keys = 0;
+    for (const auto& [path, unused] : workshop.state()) {
+      if (std::filesystem::path(path).extension() == ".bin") ::chmod(path.c_str(), mode);
+    }
+    const WorkshopFileSystem files(workshop);
+    EXPECT_EQ(import.run(workshop), 0);
+    for (const auto& [path, now] : workshop.modes()) {
+      const std::filesystem::path file(path);
+      if (file.extension() != ".bin" || file.parent_path() != workshop.etcDirectory()) continue;
+      EXPECT_EQ(now, 0600u) << path;
+      ++keys;
+    }
+    EXPECT_EQ(keys, 4u);
+  }
+}
+
 TEST(FileModes, areNeverWiderBehindAnOperationThanBefore) {
   Workshop workshop;
   for (const mode_t mode : {0400, 0600, 0640, 0444, 0604}) {
@@ -70,9 +97,8 @@ TEST(FileModes, areNeverWiderBehindAnOperationThanBefore) {
         const mode_t allowed = known != before.end()                 ? known->second
                                : std::filesystem::is_directory(path) ? 0755
                                                                      : 0640;
-        // A key that others could read is given its own mode back, whatever its owner could do.
-        const bool isKey = std::filesystem::path(path).extension() == ".key";
-        EXPECT_EQ(now & ~(isKey ? allowed | 0600 : allowed), 0u)
+        // A secret is for its owner to read and write, whatever the owner could do before.
+        EXPECT_EQ(now & ~(isSecret(path) ? allowed | 0600 : allowed), 0u)
             << operation.name << " widens " << path << " to " << now;
       }
     }

@@ -104,13 +104,16 @@ TEST_F(HelperObject, DefaultFileWithoutTypeIsOfTypeClient) {
   EXPECT_EQ(object.m_strLocalVersion, L"");
 }
 
-TEST_F(HelperObject, DefaultDirectoryLongerThanTheBufferIsCut) {
-  while (agent.settings.dataDirectory.size() < 250) {
+TEST_F(HelperObject, DefaultDirectoryThatFillsTheBufferIsWholeAndALongerOneIsNone) {
+  while (agent.settings.dataDirectory.size() < 220) {
     agent.settings.dataDirectory += "/" + std::string(20, 'd');
   }
-  agent.settings.dataDirectory += std::string(300 - agent.settings.dataDirectory.size(), 'e');
+  agent.settings.dataDirectory += std::string(255 - agent.settings.dataDirectory.size(), 'e');
   agent.apply();
-  const std::wstring directory = test::wide(agent.settings.dataDirectory + "/etc").substr(0, 259);
+  const std::wstring directory = test::wide(agent.settings.dataDirectory + "/etc");
+  ASSERT_EQ(directory.size(), 259u);
+  agent.settings.dataDirectory += "e";
+  EXPECT_THROW(agent.apply(), host::SettingsError);
   const Probe object(false);
   EXPECT_EQ(object.m_strSiteListFile, directory + L"/SiteList.xml");
   expectNothingRemembered(object);

@@ -1,0 +1,128 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "tests/links/plants.h"
+#include "tests/links/two_users.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using test::Name;
+using test::Operation;
+using testing::IsEmpty;
+
+// Links in the agent's directories that the user who writes, or root, has put there.
+class OwnLinks : public testing::Test {
+ protected:
+  // Puts a link in the place of a name, to what it stood for.
+  void link(const Name& name) {
+    const std::string target = elsewhere.file("target");
+    fs::remove_all(target);
+    if (test::exists(name.path)) {
+      fs::copy(name.path, target, fs::copy_options::recursive);
+      fs::remove_all(name.path);
+    }
+    fs::create_symlink(target, name.path);
+  }
+
+  // What is wrong after the operation.
+  std::vector<std::string> runOver(const Name& name, const Operation& operation) {
+    std::vector<std::string> lines;
+    {
+      const test::WorkshopFileSystem files(workshop);
+      if (operation.run(workshop) != 0) lines.push_back("fails");
+    }
+    // A key file that would be left over is removed by name.
+    const bool isGone = !test::exists(name.path);
+    if (!isGone && !fs::is_symlink(name.path)) lines.push_back("the link is replaced");
+    return lines;
+  }
+
+  // The contents at the end, over the links.
+  test::State contents() const {
+    test::State state = workshop.state();
+    for (const Name& name : test::namesOf(workshop)) {
+      if (name.kind == Name::Kind::File && fs::is_symlink(name.path) && fs::exists(name.path)) {
+        state[name.path] = test::normalForm(name.path, test::readFile(name.path));
+      }
+    }
+    return state;
+  }
+
+  test::State withoutLinks(const Operation& operation) {
+    workshop.reset(operation);
+    const test::WorkshopFileSystem files(workshop);
+    EXPECT_EQ(operation.run(workshop), 0);
+    return workshop.state();
+  }
+
+  static bool mayBeLink(const Name& name) {
+    return name.kind == Name::Kind::File && name.path.find("password.key") == std::string::npos;
+  }
+
+  void cleanUp(const Name& name) {
+    if (fs::is_symlink(name.path)) fs::remove(name.path);
+  }
+
+  test::Workshop workshop;
+  test::TempDir elsewhere;
+};
+
+TEST_F(OwnLinks, AtTheEndOfAPathAreFollowedAndStay) {
+  unsigned long followed = 0;
+  for (const Operation& operation : test::writingOperations()) {
+    const test::State expected = withoutLinks(operation);
+    for (const Name& name : test::namesOf(workshop)) {
+      if (!mayBeLink(name)) continue;
+      SCOPED_TRACE(testing::Message() << operation.name << " over " << name.path);
+      workshop.reset(operation);
+      link(name);
+      EXPECT_THAT(runOver(name, operation), IsEmpty());
+      EXPECT_EQ(contents(), expected);
+      ++followed;
+      cleanUp(name);
+    }
+  }
+  EXPECT_EQ(followed, 9 * test::writingOperations().size());
+}
+
+TEST_F(OwnLinks, OnTheWayAreFollowed) {
+  for (const Operation& operation : test::writingOperations()) {
+    for (const Name& name : test::namesOf(workshop)) {
+      if (name.kind != Name::Kind::Directory || !test::exists(name.path)) continue;
+      SCOPED_TRACE(testing::Message() << operation.name << " through " << name.path);
+      workshop.reset(operation);
+      workshop.agent.apply();
+      if (!test::exists(name.path)) continue;  // the operation makes it
+      const std::string aside = elsewhere.file("directory");
+      fs::remove_all(aside);
+      fs::copy(name.path, aside, fs::copy_options::recursive);
+      fs::rename(name.path, name.path + ".aside");
+      fs::create_symlink(aside, name.path);
+      EXPECT_THAT(runOver(name, operation), IsEmpty());
+      EXPECT_TRUE(fs::is_symlink(name.path));
+      fs::remove(name.path);
+      fs::rename(name.path + ".aside", name.path);
+    }
+  }
+}
+
+TEST_F(OwnLinks, OfRootAreFollowedByTheAgentsUser) {
+  for (const Operation& operation : test::writingOperations()) {
+    for (const Name& name : test::namesOf(workshop)) {
+      if (!mayBeLink(name)) continue;
+      SCOPED_TRACE(testing::Message() << operation.name << " over " << name.path);
+      workshop.reset(operation);
+      workshop.agent.apply();
+      for (const std::string& root : workshop.roots()) test::giveToAgent(root);
+      link(name);  // of the user who runs the test
+      test::giveToAgent(elsewhere.path());
+      EXPECT_THAT(test::asAgentUser([&] { return runOver(name, operation); }), IsEmpty());
+      cleanUp(name);
+    }
+  }
+}
+
+}  // namespace

@@ -34,12 +34,12 @@ constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of exclu
 // A site reached over HTTP: a repository, a management server or another agent.
 struct tag_HttpSite {
   wchar_t szElement[c_textCapacity];        // the element that the site came from; see above
-  wchar_t szName[c_textCapacity];           // what people call the site
+  wchar_t szName[c_textCapacity];           // display name of the site
   wchar_t szServer[c_textCapacity];         // host; brackets of an IPv6 address stay
   wchar_t szServerIP[c_serverIpCapacity];   // its IP address, as szServer
-  std::uint32_t uServerPort;                // came with szServer; 80 or 0 without one, as above
-  std::uint32_t uServerIPPort;              // came with szServerIP; the same
-  std::uint32_t uServerNamePort;            // came with szServerName; the same
+  std::uint32_t uServerPort;                // port of szServer; 80 or 0 without one, as above
+  std::uint32_t uServerIPPort;              // port of szServerIP; the same
+  std::uint32_t uServerNamePort;            // port of szServerName; the same
   wchar_t szRelativePath[c_pathCapacity];   // path below the server
   wchar_t szServerName[c_netbiosCapacity];  // NetBIOS name
   std::int32_t iUseAuth;                    // as written, not reduced to 0 or 1
@@ -51,18 +51,18 @@ struct tag_HttpSite {
 
 // A repository reached over FTP.
 struct tag_FtpSite {
-  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szName[c_textCapacity];          // display name of the site
   wchar_t szServer[c_textCapacity];        // host; brackets of an IPv6 address stay
   wchar_t szRelativePath[c_pathCapacity];  // path below the server
   wchar_t szUserName[c_textCapacity];      // empty: no user
   wchar_t szPassword[c_textCapacity];      // clear
-  std::uint32_t uServerPort;               // came with szServer; 80 or 0 without one, as above
+  std::uint32_t uServerPort;               // port of szServer; 80 or 0 without one, as above
   std::uint32_t uSecurePort;               // 0 when there is none, or none that can be read
 };
 
 // A repository on a UNC share.
 struct tag_UncSite {
-  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szName[c_textCapacity];          // display name of the site
   wchar_t szServer[c_textCapacity];        // as written, no port
   wchar_t szRelativePath[c_pathCapacity];  // path below the server
   wchar_t szDomainName[c_textCapacity];    // of the user
@@ -74,7 +74,7 @@ struct tag_UncSite {
 
 // A repository in a local directory.
 struct tag_LocalSite {
-  wchar_t szName[c_textCapacity];          // what people call the site
+  wchar_t szName[c_textCapacity];          // display name of the site
   wchar_t szRelativePath[c_pathCapacity];  // the directory, which may begin with a macro
   wchar_t szDomainName[c_textCapacity];    // of the user
   wchar_t szUserName[c_textCapacity];      // empty: no user
@@ -84,8 +84,8 @@ struct tag_LocalSite {
 
 // The proxies that stand between the agent and its sites.
 struct tag_ProxySite {
-  wchar_t szElement[c_textCapacity];  // "HttpSite", "FTPSite", "FtpHttp" or empty: proxies given
-  wchar_t szName[c_textCapacity];     // what people call the proxies
+  wchar_t szElement[c_textCapacity];  // proxies set: "HttpSite", "FTPSite", "FtpHttp" or empty
+  wchar_t szName[c_textCapacity];     // display name of the proxies
   wchar_t szHttpProxyServer[c_textCapacity];  // host of the HTTP proxy
   std::int32_t iHttpProxyPort;                // its port; 0 when there is none
   wchar_t szFtpProxyServer[c_textCapacity];   // host of the FTP proxy

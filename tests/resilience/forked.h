@@ -8,7 +8,8 @@
 namespace test {
 
 // A copy of this process that runs a function and ends with its result, without cleaning up. Many
-// times as cheap as a ChildProcess, but only for tests without threads.
+// times as cheap as a ChildProcess. Of the threads there is only the one that forked: the function
+// must not need what belongs to another.
 class Forked {
  public:
   explicit Forked(const std::function<int()>& body);

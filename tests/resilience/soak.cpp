@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/resilience/faults.h"
+#include "tests/resilience/forks.h"
 #include "tests/resilience/hostile_documents.h"
 #include "tests/resilience/kills.h"
 #include "tests/resilience/load.h"
@@ -21,6 +22,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned long c_kills = 20000;
 constexpr unsigned long c_holderKills = 10000;
+constexpr unsigned long c_forks = 10000;
+constexpr unsigned int c_generations = 100;
 constexpr unsigned long c_swaps = 10000;
 constexpr unsigned long c_mixedOperations = 10000;
 constexpr int c_loadSeconds = 60;
@@ -84,6 +87,18 @@ void soakKills(Soak& soak) {
   const KillFigures moments = killAtAnyMoment(soak.part(c_kills), 2, soak.progress());
   std::printf("   at any moment: %lu kills, %lu left-overs\n", moments.kills, moments.leftOvers);
   soak.end(moments.faults);
+}
+
+void soakForks(Soak& soak) {
+  const ForkFigures forks = forkBesideThreads(soak.part(c_forks), soak.progress());
+  std::printf("   beside busy threads: %lu forks, %lu children hang\n", forks.forks, forks.hung);
+  soak.end(forks.faults);
+  const GenerationFigures generations = forkGenerations(c_generations);
+  std::printf("   heap of generation 1: %zu bytes, of generation %u: %zu bytes\n",
+              generations.heapOfFirst, c_generations, generations.heapOfLast);
+  soak.expect(generations.heapOfLast <= generations.heapOfFirst + 4096,
+              "generations keep at most 4 KB");
+  soak.end(generations.faults);
 }
 
 void soakPowerCuts(Soak& soak) {
@@ -186,9 +201,10 @@ struct Part {
   const char* name;
   void (*run)(Soak& soak);
 };
-constexpr Part c_parts[] = {{"faults", soakFaults},        {"kills", soakKills},
-                            {"power-cuts", soakPowerCuts}, {"hostile", soakHostile},
-                            {"secrets", soakSecrets},      {"load", soakLoad}};
+constexpr Part c_parts[] = {{"faults", soakFaults},   {"kills", soakKills},
+                            {"forks", soakForks},     {"power-cuts", soakPowerCuts},
+                            {"hostile", soakHostile}, {"secrets", soakSecrets},
+                            {"load", soakLoad}};
 
 CHILD_PROCESS(soak) {
   Soak all(args.empty() ? 100 : std::stoul(args[0]));

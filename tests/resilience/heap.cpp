@@ -1,0 +1,25 @@
+#include "tests/resilience/heap.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/allocator_interface.h>
+#elif defined(__APPLE__)
+#include <malloc/malloc.h>
+#else
+#include <malloc.h>
+#endif
+
+namespace test {
+
+std::size_t heapInUse() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return __sanitizer_get_current_allocated_bytes();
+#elif defined(__APPLE__)
+  malloc_statistics_t statistics;
+  ::malloc_zone_statistics(nullptr, &statistics);
+  return statistics.size_in_use;
+#else
+  return ::mallinfo2().uordblks;
+#endif
+}
+
+}  // namespace test

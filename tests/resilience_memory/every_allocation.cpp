@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
+#include <utility>
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
@@ -46,19 +48,30 @@ bool refuses() {
   return true;
 }
 
-const wchar_t* g_text = nullptr;  // null: no search
-std::size_t g_textBytes = 0;
+const std::vector<std::string>* g_needles = nullptr;  // null: no search
 std::size_t g_least = 0;
 std::size_t g_most = 0;
 unsigned long g_searched = 0;
 unsigned long g_found = 0;
 
 #ifdef WHOLE_PROCESS
-void search(const void* memory) {
-  const std::size_t size = ::malloc_usable_size(const_cast<void*>(memory));
-  if (size < g_least || size > g_most) return;
+bool holdsNeedle(void* memory) {
+  const std::size_t size = ::malloc_usable_size(memory);
+  if (size < g_least || size > g_most) return false;
   ++g_searched;
-  if (::memmem(memory, size, g_text, g_textBytes)) ++g_found;
+  for (const std::string& needle : *g_needles) {
+    if (::memmem(memory, size, needle.data(), needle.size())) return true;
+  }
+  return false;
+}
+
+// Leaves nothing of an earlier block behind the bytes that are used already.
+void* cover(void* memory, std::size_t used) {
+  constexpr int c_pattern = 0xA5;
+  if (!memory) return nullptr;
+  const std::size_t size = ::malloc_usable_size(memory);
+  if (size > used) std::memset(static_cast<char*>(memory) + used, c_pattern, size - used);
+  return memory;
 }
 #endif
 
@@ -77,16 +90,25 @@ unsigned long FailingAllocations::failed() const { return g_failed; }
 
 long blocksInUse() { return g_blocks.load(); }
 
-FreedBlocks::FreedBlocks(const std::wstring& text, std::size_t least, std::size_t most) {
-  g_textBytes = text.size() * sizeof(wchar_t);
+FreedBlocks::FreedBlocks(const std::wstring& text, std::size_t least, std::size_t most)
+    : m_needles(1, std::string(reinterpret_cast<const char*>(text.data()),
+                               text.size() * sizeof(wchar_t))) {
+  begin(least, most);
+}
+
+FreedBlocks::FreedBlocks(std::vector<std::string> needles) : m_needles(std::move(needles)) {
+  begin(0, std::numeric_limits<std::size_t>::max());
+}
+
+void FreedBlocks::begin(std::size_t least, std::size_t most) const {
   g_least = least;
   g_most = most;
   g_searched = 0;
   g_found = 0;
-  g_text = text.c_str();
+  g_needles = &m_needles;
 }
 
-FreedBlocks::~FreedBlocks() { g_text = nullptr; }
+FreedBlocks::~FreedBlocks() { g_needles = nullptr; }
 
 unsigned long FreedBlocks::searched() const { return g_searched; }
 unsigned long FreedBlocks::found() const { return g_found; }
@@ -99,24 +121,27 @@ extern "C" void* malloc(std::size_t size) {
   if (test::refuses()) return nullptr;
   void* const memory = __libc_malloc(size);
   if (memory) ++test::g_blocks;
-  return memory;
+  return test::cover(memory, 0);
 }
 extern "C" void* calloc(std::size_t count, std::size_t size) {
   if (test::refuses()) return nullptr;
   void* const memory = __libc_calloc(count, size);
   if (memory) ++test::g_blocks;
-  return memory;
+  return test::cover(memory, count * size);
 }
 extern "C" void* realloc(void* old, std::size_t size) {
   if (test::refuses()) return nullptr;
+  const std::size_t used = old ? ::malloc_usable_size(old) : 0;
+  const bool holds = old && test::g_needles && test::holdsNeedle(old);
   void* const memory = __libc_realloc(old, size);
+  if (holds && memory != old) ++test::g_found;
   if (!old && memory) ++test::g_blocks;
-  return memory;
+  return test::cover(memory, used);
 }
 extern "C" void free(void* memory) {
   if (!memory) return;
   --test::g_blocks;
-  if (test::g_text) test::search(memory);
+  if (test::g_needles && test::holdsNeedle(memory)) ++test::g_found;
   __libc_free(memory);
 }
 

@@ -27,9 +27,17 @@ AString reasonOf(const std::wstring& path) {
 
 }  // namespace
 
+void logCause(const std::wstring& text) noexcept {
+  try {
+    logError(c_causeComponent, text);
+  } catch (...) {
+    // There is no memory for the line.
+  }
+}
+
 void logCaught(const wchar_t* what, const std::wstring& path) noexcept {
   try {
-    logError(c_causeComponent, AString(what).append(reasonOf(path)));
+    logCause(AString(what).append(reasonOf(path)).str());
   } catch (...) {
     // There is no memory for the line either.
   }

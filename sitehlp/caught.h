@@ -10,6 +10,9 @@ namespace sitehlp {
 // want of memory is dropped.
 void logCaught(const wchar_t* what, const std::wstring& path) noexcept;
 
+// Logs one error line that tells why an operation failed, where its own lines do not.
+void logCause(const std::wstring& text) noexcept;
+
 }  // namespace sitehlp
 
 #endif

@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "platform/common/text.h"
@@ -16,9 +14,8 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
 namespace {
 
 bool isFilledFile(const AString& path) {
-  struct stat status = {};
-  return ::stat(ACharString(path).c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-         status.st_size != 0;
+  unsigned long long size = 0;
+  return AFiler::getFileSize(path, size) && size != 0;
 }
 
 // Logs a fault for every rule that fails and remembers that one did.

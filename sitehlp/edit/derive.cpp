@@ -1,5 +1,6 @@
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
+#include "sitehlp/caught.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -42,8 +43,15 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
                                      WX_XML_SITELIST_UNC_SITE, WX_XML_SITELIST_LOCAL_SITE}) {
     removeLocalSites(siteList, elementName);
   }
-  return writeLocked(
-      document, joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName));
+  const std::wstring targetPath =
+      joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);
+  // A link from one name to the other would have the client list lose its local sites.
+  if (AFiler::isSameFile(targetPath, sourcePath)) {
+    logCause(L"Server site list not written: " + targetPath + L" leads to " + sourcePath +
+             L", which it is made from; remove the link");
+    return false;
+  }
+  return writeLocked(document, targetPath);
 }
 
 }  // namespace sitehlp

@@ -166,4 +166,33 @@ TEST_F(DeriveServerList, aFailedWriteLeavesTheFormerResult) {
                                                               wide(to.file("not/there")).c_str()));
 }
 
+TEST_F(DeriveServerList, refusesATargetThatLeadsToItsSource) {
+  const std::string list = document(local("HttpSite", "1") + serverElement("s"));
+  client(list);
+  std::filesystem::create_symlink("SiteList.xml", from.file("ServerSiteList.xml"));
+  EXPECT_FALSE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
+  EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
+  // And over a chain of links into another directory.
+  std::filesystem::create_symlink(from.file("ServerSiteList.xml"), to.file("ServerSiteList.xml"));
+  EXPECT_FALSE(derive());
+  EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
+}
+
+TEST_F(DeriveServerList, refusesASourceThatLeadsToItsTarget) {
+  const std::string list = document(local("HttpSite", "1") + serverElement("s"));
+  writeFile(from.file("ServerSiteList.xml"), list);
+  std::filesystem::create_symlink("ServerSiteList.xml", from.file("SiteList.xml"));
+  EXPECT_FALSE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
+  EXPECT_EQ(readFile(from.file("ServerSiteList.xml")), list);
+}
+
+TEST_F(DeriveServerList, takesTheTargetThatIsASecondNameOfItsSourceForAnotherFile) {
+  const std::string list = document(local("HttpSite", "1") + serverElement("s"));
+  client(list);
+  std::filesystem::create_hard_link(from.file("SiteList.xml"), to.file("ServerSiteList.xml"));
+  EXPECT_TRUE(derive());
+  EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
+  EXPECT_EQ(result(), canonical(document(serverElement("s"))));
+}
+
 }  // namespace

@@ -128,4 +128,16 @@ TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
 }
 
+TEST_F(MergeWithoutMemory, anExceptionLeavesNoResult) {
+  writeFile(path, document(httpElement("own1") + httpElement("own2")));
+  const SiteChain second{httpSite(L"c"), httpSite(L"d")};
+  for (const int before : {2, 3}) {  // the copies can be made, the own list cannot be read
+    const FailingAllocation failing(sizeof(tag_Site), before);
+    EXPECT_THROW(helper.MergeSiteLists(nullptr, second.head(), true, result.address()),
+                 std::bad_alloc);
+    EXPECT_EQ(failing.failed(), 1);
+    EXPECT_EQ(result.head(), nullptr);
+  }
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
 #include "tests/import/site_cache.h"
+#include "tests/support/heap.h"
 #include "tests/support/test_agent.h"
 
 using namespace sitehlp;
@@ -185,6 +186,15 @@ TEST_F(ServerInfo, theCachedListIsServedAndKept) {
   EXPECT_EQ(info.names, L"first;second");
   EXPECT_EQ(CSitesHelper::m_pSiteList, cached);
   EXPECT_THAT(namesOf(cached), testing::ElementsAre(L"second", L"repository", L"first"));
+}
+
+TEST_F(ServerInfo, aListThatEndsWithAnUnknownElementIsReleasedEachTime) {
+  const std::string sites = server("s", "1", "10.0.0.1", R"(Server="s:80")") + "<Odd/>";
+  expectUntouched(ask(sites, true, false), c_errorGeneral);  // what is kept for good is there now
+  const std::size_t before = heapInUse();
+  for (int i = 0; i < 20; ++i) expectUntouched(askFile(true, false), c_errorGeneral);
+  EXPECT_LT(heapInUse(), before + sizeof(tag_Site));
+  EXPECT_EQ(CSitesHelper::m_pSiteList, nullptr);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/resilience/forked.h"
-#include "tests/resilience/heap.h"
+#include "tests/support/heap.h"
 #include "tests/resilience/workshop.h"
 
 namespace test {

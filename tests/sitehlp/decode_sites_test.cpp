@@ -115,6 +115,25 @@ TEST_F(DecodeSites, SecurePortIsReadAsAStreamDoes) {
   EXPECT_EQ(http(R"(SecurePort="")")->http.uSecurePort, 0u);
 }
 
+TEST_F(DecodeSites, PortWithASignIsNotRead) {
+  for (const char* port : {"-1", "+80", " -80", "-"}) {
+    const std::string text = port;
+    const auto site = http("Server=\"a:" + text + "\" SecurePort=\"" + text + "\"");
+    EXPECT_STREQ(site->http.szServer, L"a");
+    EXPECT_EQ(site->http.uServerPort, 0u) << text;
+    EXPECT_EQ(site->http.uSecurePort, 0u) << text;
+  }
+}
+
+TEST_F(DecodeSites, KeystoneNeverTakesThePortOfItsOtherName) {
+  for (const char* port : {"", "x", "-1", "4294967296"}) {
+    const auto site =
+        http("Server=\"a:7\" ServerDNS=\"d:" + std::string(port) + "\"", "", "KeystoneSite");
+    EXPECT_STREQ(site->http.szServer, L"d");
+    EXPECT_EQ(site->http.uServerPort, 0u) << port;
+  }
+}
+
 TEST_F(DecodeSites, KeystonePrefersTheDnsName) {
   const char* both = R"(Server="srv:81" ServerDNS="dns.example:82")";
   const auto site = http(both, "", "KeystoneSite");

@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "tests/sitehlp/password_fixture.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/rerooted_file_system.h"
 
 namespace {
 
@@ -208,6 +210,26 @@ TEST_F(PasswordInDocument, EmptyOneIsWrittenProtected) {
   const std::string value = text.substr(begin, text.find('<', begin) - begin);
   EXPECT_THAT(value, Not(IsEmpty()));
   EXPECT_EQ(unsealed(test::wide(value)), L"");
+}
+
+TEST_F(PasswordInDocument, OfATextIsRecoveredAsTheFlagSays) {
+  storeServerKey();
+  test::TempDir scratch;
+  std::filesystem::create_directories(scratch.file("etc"));
+  const test::RerootedFileSystem files("/Library/Korvel/orb/scratch", scratch.path());
+  const std::wstring text = test::wide(test::documentWithSites(
+      "<FTPSite Name=\"server\">" + child("Password", serverSealed("of the server")) +
+      "</FTPSite><FTPSite Name=\"own\">" + child("Password", sealed(L"of the agent")) +
+      "</FTPSite>"));
+  for (const std::int32_t flag : {0, 1}) {
+    helper.m_bUseDecryptData = flag;
+    ASSERT_EQ(helper.CreateSiteListFromBuffer(text), 0);
+    helper.m_bUseDecryptData = 0;
+    const Read back = readPath(test::wide(scratch.file("etc/SiteList.xml")));
+    ASSERT_EQ(test::lengthOf(back.list.get()), 2);
+    EXPECT_STREQ(back.list->ftp.szPassword, flag == 1 ? L"of the server" : L"");
+    EXPECT_STREQ(back.list->pNext->ftp.szPassword, flag == 1 ? L"" : L"of the agent");
+  }
 }
 
 }  // namespace

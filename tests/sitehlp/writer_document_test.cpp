@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <ctime>
+#include <set>
 #include <string>
 
 #include "tests/sitehlp/writer_fixture.h"
@@ -208,6 +210,21 @@ TEST_F(WriterDocument, SameListIsWrittenTheSameWay) {
     if (i == 0) first = outText();
   }
   EXPECT_EQ(outText(), first);
+}
+
+TEST_F(WriterDocument, StampFollowsAChangeOfTheTimeZone) {
+  const char* const former = std::getenv("TZ");
+  const std::string restored = former ? former : "";
+  std::set<std::string> days;
+  // Twenty-six hours apart: whatever the time is, the day differs.
+  for (const char* zone : {"AAA12", "BBB-14"}) {
+    ::setenv("TZ", zone, 1);
+    EXPECT_EQ(helper.CreateSiteList(nullptr, outPath(), L"", L"", L"", {}), 0);
+    days.insert(rootAttribute("LocalVersion").substr(0, 8));
+  }
+  EXPECT_EQ(days.size(), 2u);
+  former ? ::setenv("TZ", restored.c_str(), 1) : ::unsetenv("TZ");
+  ::tzset();
 }
 
 }  // namespace

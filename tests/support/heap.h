@@ -1,5 +1,5 @@
-#ifndef TESTS_RESILIENCE_HEAP_H
-#define TESTS_RESILIENCE_HEAP_H
+#ifndef TESTS_SUPPORT_HEAP_H
+#define TESTS_SUPPORT_HEAP_H
 
 #include <cstddef>
 

@@ -1,4 +1,4 @@
-#include "tests/resilience/heap.h"
+#include "tests/support/heap.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #include <sanitizer/allocator_interface.h>

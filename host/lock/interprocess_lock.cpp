@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include "host/common/failure_text.h"
 #include "host/lock/file_lock.h"
@@ -56,9 +57,10 @@ void logFailure(const LockFailure& failure, int error) {
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
   if (files && files->main.fd < 0) unlock();  // it was our parent's before the fork
   if (files) return true;
-  failure = LockFailure{name, std::string()};
   int error = EINVAL;
-  if (!name.empty() && name.find('/') == std::string::npos) {
+  if (name.empty() || name.find('/') != std::string::npos) {
+    failure.path = name;
+  } else {
     const Patience patience(waitMilliseconds);
     error = ESTALE;
     for (int attempt = 0; error == ESTALE && attempt < c_attempts; ++attempt) {
@@ -83,6 +85,8 @@ int LockImpl::tryFiles(LockMode mode, const Patience& patience) {
   } else if (error == EWOULDBLOCK) {
     LockPool::instance().giveBack(taken);
   } else {
+    failure.path = std::move(taken->main.path);
+    failure.reason.clear();
     LockPool::instance().discard(taken);
   }
   return error;

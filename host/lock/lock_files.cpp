@@ -107,7 +107,6 @@ int openLockFiles(const std::string& directory, const std::string& name, LockFil
   if (error == 0) error = openFile(walk.directory(), gateName, files.gate, failure);
   if (error) return error;
   removeLeftOverTempFiles(walk.directory());
-  failure.path = files.main.path;
   return 0;
 }
 

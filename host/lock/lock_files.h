@@ -35,8 +35,7 @@ struct LockFailure {
 // Opens the files of the lock `name` in the agent's lock directory, and makes what is missing for
 // the owner of the directory alone. A lock file must be a regular file and no symbolic link; on the
 // way to the directory, links are followed as for a write. 0; ESTALE when somebody removes what is
-// made here; or another errno. What is open is then open still. `failure.path` is the path of the
-// main file after 0.
+// made here; or another errno. After a failure `failure` says why, and what is open is open still.
 int openLockFiles(const std::string& directory, const std::string& name, LockFiles& files,
                   LockFailure& failure);
 

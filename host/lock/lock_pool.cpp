@@ -25,7 +25,6 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
   const ForkLock lock(Guarded::LockFiles);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {
-      failure.path = mainPath;
       entry->idle = false;
       files = &entry->files;
       return 0;

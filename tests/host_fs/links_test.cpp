@@ -100,6 +100,31 @@ TEST_F(Links, AreFollowedFortyTimesAndNoMore) {
   EXPECT_EQ(test::readFile(path("own/f")), "new");
 }
 
+// Some systems keep a link that says nothing, or let it go between two calls.
+class OddLinks : public test::FaultyFileSystem {
+ public:
+  int readLink(int directory, const std::string& name, std::string& target,
+               struct stat& link) override {
+    const int found = FaultyFileSystem::readLink(directory, name, target, link);
+    if (name == "gone") return -ENOENT;
+    if (name == "a-file-by-now") return -EINVAL;
+    if (name == "empty") target.clear();
+    return found;
+  }
+};
+
+TEST_F(Links, ThatSayNothingLeadNowhere) {
+  const OddLinks odd;
+  for (const char* name : {"empty", "gone", "a-file-by-now"}) link("own/f", name);
+  EXPECT_EQ(replace(path("empty"), "new"), ENOENT);
+  EXPECT_EQ(replace(path("empty/f"), "new"), ENOENT);
+  EXPECT_EQ(replace(path("gone"), "new"), ENOENT);
+  EXPECT_EQ(replace(path("gone/f"), "new"), ENOENT);
+  EXPECT_EQ(replace(path("a-file-by-now"), "new"), EINVAL);
+  EXPECT_EQ(replace(path("a-file-by-now/f"), "new"), ENOTDIR);
+  EXPECT_EQ(test::readFile(path("own/f")), "old");
+}
+
 TEST_F(Links, LeadADirectoryNowhereElse) {
   link("victim", "foreign");
   link("victim/new", "foreign-dangling");

@@ -118,6 +118,20 @@ TEST_F(LockLinks, OtherProcessesMayBeFasterWithTheFile) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(locks()), {}), 2);
 }
 
+TEST_F(LockLinks, TheirDirectoryMayBeRemovedWhileItIsMade) {
+  std::filesystem::remove(locks());
+  test::FaultyFileSystem files;
+  int removals = 0;
+  files.beforeEach([&](FileCall call) {
+    if (call != FileCall::Sync || removals == 3) return;
+    ++removals;
+    std::filesystem::remove(locks());
+  });
+  EXPECT_TRUE(canWrite());
+  EXPECT_EQ(removals, 3);
+  EXPECT_THAT(agent.texts(LogLevel::Error), IsEmpty());
+}
+
 // Root in the directory of another user; who is not root has no other user's directory.
 TEST_F(LockLinks, AreNotNeededByTheUserOfTheDirectoryAfterRoot) {
   uid_t owner = ::geteuid();

@@ -15,16 +15,15 @@ enum class Links {
   All              // any: for questions, which change nothing
 };
 
-// Follows a path from one open directory to the next. A directory that is exchanged meanwhile sends
-// the walk nowhere else, and every symbolic link on the way is looked at before it is followed. For
-// one thread.
+// Follows one path from one open directory to the next: by one call of enter or find. A directory
+// that is exchanged meanwhile sends the walk nowhere else, and every symbolic link on the way is
+// looked at before it is followed. For one thread.
 class PathWalk {
  public:
   explicit PathWalk(Links links = Links::OfCallerOrRoot) : m_links(links) {}
 
   // Opens the directory that `path` leads to, so that it can be read and synced. 0, or the errno of
-  // what failed; EPERM with a text in refusal() for a link that is not followed. Once an object,
-  // like find.
+  // what failed; EPERM with a text in refusal() for a link that is not followed.
   int enter(const std::string& path);
   // Finds the file that `path` leads to, links at its end included, whether it is there or not:
   // directory() and name() then say where it is, found() what it is. Results as of enter; a path
@@ -56,9 +55,9 @@ class PathWalk {
 };
 
 // The directory part of a path, with its separator; "." without one. Separators at the end of the
-// path belong to its name.
+// path do not count.
 std::string parentOf(const std::string& path);
-// The rest of the path, without the separators at its end.
+// The last name of a path, without the separators at its end.
 std::string nameOf(const std::string& path);
 
 }  // namespace host

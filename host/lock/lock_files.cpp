@@ -55,7 +55,7 @@ int openOld(int directory, const std::string& name, LockFiles::File& file) {
   return 0;
 }
 
-// The file has its owner before it has its name: nobody who may use it ever finds it closed to him.
+// The file gets its owner before its name, so that its owner never finds it closed.
 int makeNew(int directory, const std::string& name) {
   TempFile file(directory);
   int error = file.create();

@@ -16,8 +16,8 @@ using testing::IsEmpty;
 constexpr uid_t c_other = 65534;
 constexpr gid_t c_otherGroup = 65533;
 
-// A directory of another user, in which root works. Who is not root has no such directory, and
-// finds what he makes his own.
+// A directory of another user, in which root works. Another user than root works in a directory of
+// their own.
 class Owner : public test::FileTest {
  protected:
   Owner() {

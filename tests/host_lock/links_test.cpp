@@ -132,7 +132,7 @@ TEST_F(LockLinks, TheirDirectoryMayBeRemovedWhileItIsMade) {
   EXPECT_THAT(agent.texts(LogLevel::Error), IsEmpty());
 }
 
-// Root in the directory of another user; who is not root has no other user's directory.
+// Root in the directory of another user. Another user than root works in a directory of their own.
 TEST_F(LockLinks, AreNotNeededByTheUserOfTheDirectoryAfterRoot) {
   uid_t owner = ::geteuid();
   if (owner == 0) {

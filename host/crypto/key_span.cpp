@@ -1,11 +1,13 @@
 #include "host/crypto/key_span.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstddef>
+#include <functional>
 #include <new>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "host/agent.h"
 #include "host/crypto/key_file.h"
@@ -24,8 +26,16 @@ thread_local unsigned int t_depth = 0;
 thread_local unsigned long t_unopened = 0;        // under the agent's key
 thread_local unsigned long t_unopenedServer = 0;  // under the server's key
 
-// The errors that were logged in this span. Its end frees the memory.
-thread_local std::vector<std::wstring> t_logged;
+// The errors that were logged in this span, by their hash; more different ones than there is room
+// for would be logged again. An array, because a thread_local object with a destructor ends the
+// process when there is no memory for it.
+thread_local std::array<std::size_t, 8> t_logged;
+thread_local std::size_t t_loggedCount = 0;
+
+bool isLogged(std::size_t hash) {
+  const auto end = t_logged.begin() + static_cast<std::ptrdiff_t>(t_loggedCount);
+  return std::find(t_logged.begin(), end, hash) != end;
+}
 
 void logUnopened(unsigned long count, const char* keyName, const wchar_t* advice) {
   if (count == 0) return;
@@ -54,8 +64,9 @@ std::uint64_t currentSpan() { return t_span; }
 
 void logErrorOnce(const AString& text) {
   if (t_span != 0) {
-    if (std::find(t_logged.begin(), t_logged.end(), text.str()) != t_logged.end()) return;
-    t_logged.push_back(text.str());
+    const std::size_t hash = std::hash<std::wstring>()(text.str());
+    if (isLogged(hash)) return;
+    if (t_loggedCount < t_logged.size()) t_logged[t_loggedCount++] = hash;
   }
   logError(c_cryptoComponent, text);
 }
@@ -78,7 +89,7 @@ KeptKeys::KeptKeys() noexcept {
 KeptKeys::~KeptKeys() {
   if (--host::t_depth != 0) return;
   host::t_span = 0;
-  std::vector<std::wstring>().swap(host::t_logged);
+  host::t_loggedCount = 0;
   try {
     host::logUnopened();
   } catch (const std::bad_alloc&) {

@@ -2,24 +2,34 @@
 
 #include <openssl/crypto.h>
 #include <openssl/err.h>
+#include <pthread.h>
 
 #include <new>
 
 namespace host {
 namespace {
 
-bool g_isReady = false;  // guarded by Guarded::Libcrypto
+// All guarded by Guarded::Libcrypto.
+bool g_isReady = false;
+bool g_hasThreadEnd = false;
+pthread_key_t g_threadEnd;
+
+thread_local bool t_isKnown = false;
 
 // libcrypto frees what it keeps for a thread when that ends, under a lock of its own. Done here,
 // that happens under ours as well.
-struct ThreadEnd {
-  bool isUsed = false;
-  ~ThreadEnd() {
-    const ForkLock lock(Guarded::Libcrypto);
-    OPENSSL_thread_stop();
-  }
-};
-thread_local ThreadEnd t_end;
+void endThread(void*) {
+  const ForkLock lock(Guarded::Libcrypto);
+  OPENSSL_thread_stop();
+}
+
+// Ours comes before libcrypto's own key, because keys are worked off in the order of their making.
+// A thread_local object with a destructor would end the process when there is no memory for it.
+void prepareProcess() {
+  g_hasThreadEnd = ::pthread_key_create(&g_threadEnd, endThread) == 0;
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_LOAD_CONFIG, nullptr);
+  g_isReady = true;
+}
 
 std::string describe(unsigned long code, const char* data) {
   const char* const reason = ERR_reason_error_string(code);
@@ -31,10 +41,10 @@ std::string describe(unsigned long code, const char* data) {
 }  // namespace
 
 LibcryptoUse::LibcryptoUse() noexcept : m_lock(Guarded::Libcrypto) {
-  t_end.isUsed = true;
-  if (g_isReady) return;
-  OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_LOAD_CONFIG, nullptr);
-  g_isReady = true;
+  if (!g_isReady) prepareProcess();
+  if (!t_isKnown && g_hasThreadEnd) {
+    t_isKnown = ::pthread_setspecific(g_threadEnd, &t_isKnown) == 0;
+  }
 }
 
 std::string takeLibcryptoError() {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <exception>
 #include <memory>
 #include <new>
@@ -26,12 +27,14 @@ using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
 // What keeps others from making a document whose names all fall into one place of expat's tables.
 // Drawn once, where expat would draw it for every document; 0 lets expat do so.
+std::atomic<unsigned long> g_hashSalt{0};
+
 unsigned long hashSalt() {
-  static const unsigned long salt = [] {
-    unsigned long drawn = 0;
-    return ::getentropy(&drawn, sizeof drawn) == 0 ? drawn : 0;
-  }();
-  return salt;
+  unsigned long salt = g_hashSalt.load(std::memory_order_relaxed);
+  if (salt != 0) return salt;
+  unsigned long drawn = 0;
+  if (::getentropy(&drawn, sizeof drawn) != 0) return 0;
+  return g_hashSalt.compare_exchange_strong(salt, drawn) ? drawn : salt;
 }
 
 // Of the documents whose parser stays with the thread: setting one up takes a tenth of what such a

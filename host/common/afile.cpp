@@ -41,6 +41,8 @@ int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists,
   exists = true;
   if (access != AFiler::accessExist) {
     error = -host::fileSystem().access(path, access == AFiler::accessRead ? R_OK : W_OK);
+    exists = !isAbsence(error);  // it may have gone meanwhile
+    if (!exists) return 0;
   }
   accessible = error == 0;
   return error == EACCES || error == EPERM || error == EROFS ? 0 : error;

@@ -9,8 +9,8 @@
 namespace {
 
 // Without members, so there is nothing to make or to destroy.
-MeshServiceConfiguration g_configuration;
-MeshServiceStartupControl g_control;
+MeshServiceConfiguration g_meshConfiguration;
+MeshServiceStartupControl g_meshControl;
 
 void logLine(const std::string& line) {
   logInfo(host::c_logComponent,
@@ -19,7 +19,7 @@ void logLine(const std::string& line) {
 
 }  // namespace
 
-MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() { return &g_configuration; }
+MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() { return &g_meshConfiguration; }
 
 std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
   const host::AgentSettings& settings = host::agent();
@@ -31,7 +31,7 @@ std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
 
 MeshServiceStartupControl* MeshServiceStartupControl::GetInstance(void* /*reserved1*/,
                                                                   void* /*reserved2*/) {
-  return &g_control;
+  return &g_meshControl;
 }
 
 int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {

@@ -19,7 +19,7 @@ namespace {
 using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD;
 using korvel_com::ZQ::crypto::EncryptionType;
 
-std::atomic<std::uint64_t> g_last{0};
+std::atomic<std::uint64_t> g_lastSpan{0};
 
 thread_local std::uint64_t t_span = 0;
 thread_local unsigned int t_depth = 0;
@@ -83,7 +83,7 @@ namespace ZQ {
 namespace crypto {
 
 KeptKeys::KeptKeys() noexcept {
-  if (host::t_depth++ == 0) host::t_span = ++host::g_last;
+  if (host::t_depth++ == 0) host::t_span = ++host::g_lastSpan;
 }
 
 KeptKeys::~KeptKeys() {

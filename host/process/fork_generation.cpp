@@ -40,7 +40,7 @@ class Current {
 Lasting<Current> g_current;
 
 // The last number that this process or one before it took.
-Number g_last{0};
+Number g_lastGeneration{0};
 
 }  // namespace
 
@@ -49,7 +49,7 @@ std::uint64_t forkGeneration() {
   if (!current) return 0;
   std::uint64_t number = current->load(std::memory_order_acquire);
   if (number != 0) return number;
-  const std::uint64_t next = g_last.fetch_add(1) + 1;
+  const std::uint64_t next = g_lastGeneration.fetch_add(1) + 1;
   return current->compare_exchange_strong(number, next) ? next : number;
 }
 

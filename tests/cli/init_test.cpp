@@ -62,5 +62,13 @@ TEST_F(CliInit, AsksForTheMeshProgramsFullPath) {
   EXPECT_FALSE(exists(file("agent")));
 }
 
+TEST_F(CliInit, RefusesADirectoryWhoseListTheLibraryCouldNotName) {
+  const std::string tooLong = file(std::string(200, 'a') + "/" + std::string(200, 'b'));
+  const Output output = bare({"--agent-dir", tooLong, "init"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_THAT(output.err, HasSubstr("\n  next: name another directory with --agent-dir"));
+  EXPECT_FALSE(exists(file(std::string(200, 'a'))));
+}
+
 }  // namespace
 }  // namespace test

@@ -168,11 +168,11 @@ TEST_F(SettingsFile, TakesNumbersFromOneToTheirLimit) {
   EXPECT_EQ(read("limits.record_megabytes = 1048576").maxRecordMegabytes, 1048576U);
   for (const char* value : {"0", "-1", "86401", "9223372036854775807", "60.0", "\"60\"", "true"}) {
     EXPECT_EQ(fault(std::string("mesh.load_timeout_seconds = ") + value),
-              file + ":1:29: mesh.load_timeout_seconds must be a number from 1 to 86400");
+              file + ":1:29: mesh.load_timeout_seconds must be from 1 to 86400");
   }
   for (const char* value : {"0", "-1", "1048577", "-9223372036854775808", "1e3"}) {
     EXPECT_EQ(fault(std::string("limits.record_megabytes = ") + value),
-              file + ":1:27: limits.record_megabytes must be a number from 1 to 1048576");
+              file + ":1:27: limits.record_megabytes must be from 1 to 1048576");
   }
 }
 

@@ -67,13 +67,16 @@ std::string vendorSites(const std::string& path) {
          " Server=\"" VENDOR_FTP_HOST ":21\"><RelativePath>" + path + "</RelativePath></FTPSite>";
 }
 
-std::string proxies(const std::string& sealed) {
+// The password of the HTTP proxy is under the agent's own key in every document.
+std::string proxies(const std::string& ofHttpProxy, const std::string& ofOthers) {
   std::string text =
       R"(<ProxyConfigList><ProxyConfig Name="p" HttpProxyServer="p.example" HttpProxyPort="3128")"
       R"( FtpProxyServer="q.example" FtpProxyPort="3129"><HttpProxyUser>u</HttpProxyUser>)";
   for (const char* name : {"HttpProxyPassword", "FtpProxyPassword", "AlternateHttpProxyPassword",
                            "AlternateFtpProxyPassword"}) {
-    text += std::string("<") + name + " Encrypted=\"1\">" + sealed + "</" + name + ">";
+    const bool isOfHttpProxy = std::string(name) == "HttpProxyPassword";
+    text += std::string("<") + name + " Encrypted=\"1\">" +
+            (isOfHttpProxy ? ofHttpProxy : ofOthers) + "</" + name + ">";
   }
   return text +
          "<ExclusionList><ExclusionHost>x.example</ExclusionHost></ExclusionList>"
@@ -166,7 +169,7 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
 
   add(own(),
       document(vendorSites("old") + repositories("old", sealed, "1") +
-                   serverElement("oldserver", "5.0") + proxies(sealed),
+                   serverElement("oldserver", "5.0") + proxies(sealed, sealed),
                bundle("old"), versions("1"), policies("Policy", "old")),
       0640);
   for (const char* key : c_keys) {
@@ -176,7 +179,7 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   add(agent.dataDirectory() + "/etc\\agentfipsmode", "0");
   add(m_work.file("in\\agentfipsmode"), "1");
   add(incoming(), document(vendorSites("new") + serverElement("newserver", "5.1", "3") +
-                               repositories("new", sealed, "0") + proxies(sealed),
+                               repositories("new", sealed, "0") + proxies(sealed, sealed),
                            bundle("new") + policies("Policy", "new"), versions("2")));
   add(keyDirectory() + "/srpubkey.bin", "another srpubkey.bin");
   add(plainIncoming(), document(vendorSites("plain") + repositories("plain", sealed, "0"),
@@ -188,7 +191,7 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   m_incomingText = wide(readFile(incoming()));
 
   const std::string byServer = host::sealServerPassword(c_canary);
-  m_serverBuffer = document(repositories("served", byServer, "0") + proxies(sealed),
+  m_serverBuffer = document(repositories("served", byServer, "0") + proxies(sealed, byServer),
                             bundle("served"), versions("4"));
 }
 

@@ -27,13 +27,22 @@ const char* nameOf(LogLevel level) {
   }
 }
 
+// The tool names the sites whose passwords are lost, and says itself why a file cannot be read.
+bool isToldBetter(const std::wstring& component, const std::wstring& text) {
+  const bool isOfPasswords =
+      component == L"Crypto" && text.find(L" protected password") != std::wstring::npos;
+  return isOfPasswords || text.rfind(L"Site list not read: ", 0) == 0;
+}
+
 }  // namespace
 
 void recordLog(bool verbose) {
   g_verbose = verbose;
   host::setLogThreshold(verbose ? LogLevel::Detail : LogLevel::Info);
   host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& text) {
-    if (level >= LogLevel::Info) records().push_back({level, text});
+    if (level >= LogLevel::Info && !isToldBetter(component, text)) {
+      records().push_back({level, text});
+    }
     if (g_verbose) {
       std::cerr << nameOf(level) << ' ' << shown(component) << ": " << shown(text) << '\n';
     }

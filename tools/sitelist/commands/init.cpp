@@ -84,10 +84,15 @@ int init(Context& context, const Options& options) {
                     "edit this file to change its settings, or name another directory with "
                     "--agent-dir");
   }
+  try {
+    host::setAgent(settings);
+  } catch (const host::SettingsError& refusal) {
+    throw Failure(exitUsage, std::string(refusal.what()) +
+                                 "\n  next: name another directory with --agent-dir");
+  }
+  recordLog(context.verbose);
   for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);
   fs::permissions(directory + "/keystore", fs::perms::owner_all, error);
-  host::setAgent(settings);
-  recordLog(context.verbose);
   makeLocks(context);
   makePasswordKey(context);
   const std::string text = host::formatAgentSettings(settings);

@@ -48,12 +48,12 @@ constexpr Setting c_settings[] = {
      "How many seconds that program may run. One that runs longer is ended, which is logged as an "
      "error.",
      "mesh.load_timeout_seconds = 10", "mesh.load_timeout_seconds = 0",
-     "1:29: mesh.load_timeout_seconds must be a number from 1 to 86400"},
+     "1:29: mesh.load_timeout_seconds must be from 1 to 86400"},
     {"limits.record_megabytes", "a number from 1 to 1048576", "`1024`",
      "How many megabytes of memory the sites of one list may take. A list that takes more is not "
      "read.",
      "limits.record_megabytes = 256", "limits.record_megabytes = \"256\"",
-     "1:27: limits.record_megabytes must be a number from 1 to 1048576"},
+     "1:27: limits.record_megabytes must be from 1 to 1048576"},
     {"log.level", "a string", "`\"error\"`",
      "The lowest level that is logged: `detail`, `info`, `error`, `internal-error` or `off`.",
      "log.level = \"info\"", "log.level = 2", "1:13: log.level must be a string"},

@@ -5,7 +5,7 @@
 #include "host/common/ascii.h"
 #include "host/common/encoding.h"
 #include "host/xml/document_tree.h"
-#include "host/xml/limits.h"
+#include "host/xml/readable.h"
 #include "host/xml/well_formed.h"
 #include "platform/xml/advxmlparser.h"
 
@@ -59,18 +59,12 @@ std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end, const Writte
   return std::make_unique<DocumentTree>(std::move(utf8), size, standalone);
 }
 
-void requireWithinLimit(std::size_t size) {
-  if (size <= host::c_maxDocumentBytes) return;
-  throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
-                           "document over the limit: number of bytes");
-}
-
 }  // namespace
 
 std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length,
                                         const WrittenIn* writtenIn) {
   if (!beginsAsMarkup(utf8, utf8 + length)) return nullptr;
-  requireWithinLimit(length);
+  host::requireDocumentSize(length);
   TreeText text(length);
   char* const end = std::copy_n(utf8, length, text.data());
   return checkedTree(std::move(text), end, writtenIn);
@@ -79,7 +73,7 @@ std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length,
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length) {
   if (!beginsAsMarkup(text, text + length)) return nullptr;
   const std::size_t size = host::utf8Size(text, length);
-  requireWithinLimit(size);
+  host::requireDocumentSize(size);
   TreeText utf8(size);
   char* end = utf8.data();
   if (size == length) {  // nothing beyond ASCII

@@ -31,11 +31,14 @@ class Counts : public pugi::xml_tree_walker {
 
 }  // namespace
 
+void requireDocumentSize(std::size_t size) {
+  if (size <= c_maxDocumentBytes) return;
+  throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                         "document over the limit: number of bytes");
+}
+
 void requireReadable(pugi::xml_node root, const std::string& text) {
-  if (text.size() > c_maxDocumentBytes) {
-    throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
-                                           "document over the limit: number of bytes");
-  }
+  requireDocumentSize(text.size());
   // No token is longer than the whole. Counting costs far less than parsing again.
   Counts counts;
   if (text.size() <= c_maxTokenBytes && Counts::check(root) && root.traverse(counts)) return;

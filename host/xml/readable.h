@@ -1,10 +1,14 @@
 #ifndef HOST_XML_READABLE_H
 #define HOST_XML_READABLE_H
 
+#include <cstddef>
 #include <pugixml.hpp>
 #include <string>
 
 namespace host {
+
+// Throws ReadWriteException (LIMIT_EXCEEDED) for a document of more bytes than there may be.
+void requireDocumentSize(std::size_t size);
 
 // Checks that a parser accepts the text of a tree: an edit adds elements and attributes, and
 // escapes make a text longer. Throws ReadWriteException (LIMIT_EXCEEDED) or std::bad_alloc.

@@ -7,6 +7,7 @@
 #include "host/common/failure_text.h"
 #include "host/fs/files.h"
 #include "host/xml/limits.h"
+#include "host/xml/readable.h"
 #include "host/xml/text_encoding.h"
 #include "platform/xml/advxmlparser.h"
 
@@ -50,12 +51,6 @@ bool convertToUtf8(const unsigned char* data, std::size_t length, const host::Fo
   }
   utf8 = host::toUtf8(text);
   return true;
-}
-
-void requireWithinLimit(std::size_t length) {
-  if (length <= host::c_maxDocumentBytes) return;
-  throw ReadWriteException(ReadWriteException::LIMIT_EXCEEDED, 0,
-                           "document over the limit: number of bytes");
 }
 
 }  // namespace
@@ -105,7 +100,7 @@ bool WriteBufferToFile(const std::wstring& path, const std::wstring& text, UTF_E
 
 bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::wstring& text,
                             UTF_ENCODINGS& encoding) {
-  requireWithinLimit(length);
+  host::requireDocumentSize(length);
   const host::FoundEncoding found = host::findEncoding(data, length, encoding);
   std::wstring converted;
   if (!host::decodeText(data + found.markLength, length - found.markLength, found.encoding,
@@ -119,7 +114,7 @@ bool ConvertBufferToUnicode(const unsigned char* data, std::size_t length, std::
 
 bool ConvertBufferToUtf8(const unsigned char* data, std::size_t length, std::string& utf8,
                          WrittenIn& writtenIn) {
-  requireWithinLimit(length);
+  host::requireDocumentSize(length);
   const host::FoundEncoding found = host::findEncoding(data, length, writtenIn.encoding);
   if (!convertToUtf8(data, length, found, utf8)) return false;
   writtenIn = found.writtenIn();

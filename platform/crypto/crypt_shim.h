@@ -18,8 +18,11 @@ enum EncryptionType {
 
 // One use of a key. Each operation returns nonzero on success; on failure it returns 0 and leaves
 // `out` as it was. A value that was tampered with fails. An operation that the object's type does
-// not offer fails. One object is used by one thread at a time. None of the operations logs what it
-// was given or what it made.
+// not offer fails. One object is used by one thread at a time. Throws std::bad_alloc alone.
+//
+// An operation fails when the system does not offer the cipher. That is logged as an error, and so is
+// a protected value that is not empty and does not open: once for the work on one document (see
+// KeptKeys), else at every call. None of the operations logs what it was given or what it made.
 class PLATFORM_API IEncryption {
  public:
   virtual ~IEncryption() = default;
@@ -34,15 +37,18 @@ class PLATFORM_API IEncryption {
 };
 
 // The crypto service. It owns the encryption objects; a caller gives each back exactly once and
-// never deletes one. Any thread may make and give back objects.
+// never deletes one. Any thread may make and give back objects, and so may the child of a fork,
+// whatever the other threads of its parent were doing.
 class PLATFORM_API CryptShim {
  public:
   // The one service of this process; never null.
   static CryptShim* instance();
 
-  // A ready object, or null for an unknown type or when its key cannot be had (logged as an error,
-  // without the key). May create the agent's password key: once, readable by its owner alone, and
-  // the same one for several processes that start together.
+  // A ready object, or null for an unknown type or when its key cannot be had. The reason is logged
+  // as an error, once for the work on one document, without the key. Makes a missing password key of
+  // the agent: readable by its owner alone, and the same one for several processes that start
+  // together. A warning at info level says so, because what was protected under an earlier key does
+  // not open any more. Throws std::bad_alloc.
   IEncryption* create_encryption_object(EncryptionType type);
 
   // Takes an object back. Needs no memory, so that a destructor may do it. Null is allowed.
@@ -51,7 +57,8 @@ class PLATFORM_API CryptShim {
 
 // For the work on one document, whose passwords are many: as long as one lives, the service takes
 // the keys that it gave this thread objects of as unchanged, so that it need not look at a key file
-// for every password. A key that is replaced meanwhile may be noticed only afterwards. Other
+// for every password. A key that is replaced meanwhile may be noticed only afterwards. What goes
+// wrong is logged once; how many passwords do not open is logged when the last one goes. Other
 // threads are not affected. Several may live at once; each goes in the thread that made it.
 class PLATFORM_API KeptKeys {
  public:

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <functional>
+#include <cerrno>
 #include <string>
 #include <thread>
 #include <vector>
@@ -11,35 +9,19 @@
 #include "host/common/failure_text.h"
 #include "host/log_sink.h"
 #include "host/process/fork_generation.h"
-#include "host/process/fork_lock.h"
 #include "platform/config/configuration.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
+#include "tests/host_process/in_child.h"
 #include "tests/support/child_process.h"
 #include "tests/support/test_agent.h"
 
-// Processes that fork while their threads are at work.
+// Processes that fork while their threads are at work. AddressSanitizer cannot run them: its own
+// allocator is not taken around a fork, so a child may hang in there.
+#ifndef __SANITIZE_ADDRESS__
 namespace {
 
-using host::ForkLock;
-using host::Guarded;
-
-constexpr Guarded c_all[] = {Guarded::Settings,  Guarded::LockFiles, Guarded::PasswordKey,
-                             Guarded::ServerKey, Guarded::Libcrypto, Guarded::Log,
-                             Guarded::ErrorText};
-
-// The exit status of a child that does the work; a signal when it is not done in time.
-int inChild(const std::function<bool()>& work) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::alarm(60);
-    ::_exit(work() ? 0 : 1);
-  }
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
+using test::inChild;
 
 bool protectOne() {
   auto* const service = korvel_com::ZQ::crypto::CryptShim::instance();
@@ -69,56 +51,6 @@ bool readSettings() {
 bool doAll() {
   return readSettings() && protectOne() && logOne() && lockOne() && host::forkGeneration() != 0;
 }
-
-TEST(ForkLock, IsFreeInTheChildWhateverOtherThreadsHold) {
-  for (const Guarded what : c_all) {
-    std::atomic<bool> done{false};
-    std::thread holder([&] {
-      while (!done) const ForkLock lock(what);
-    });
-    for (int i = 0; i < 20; ++i) {
-      EXPECT_EQ(inChild([&] {
-                  for (const Guarded each : c_all) const ForkLock lock(each);
-                  return true;
-                }),
-                0);
-    }
-    done = true;
-    holder.join();
-  }
-}
-
-TEST(ForkLock, IsFreeInTheParentAfterAFork) {
-  EXPECT_EQ(inChild([] { return true; }), 0);
-  for (const Guarded what : c_all) const ForkLock lock(what);
-}
-
-TEST(ForkLock, KeepsOtherThreadsOut) {
-  int count = 0;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int turn = 0; turn < 10000; ++turn) {
-        const ForkLock lock(Guarded::Log);
-        ++count;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(count, 40000);
-}
-
-#ifndef NDEBUG
-TEST(ForkLockDeathTest, IsTakenInItsOrder) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(
-      {
-        const ForkLock later(Guarded::Log);
-        const ForkLock earlier(Guarded::Settings);
-      },
-      "order");
-}
-#endif
 
 TEST(Fork, LeavesTheChildAllThatTheHostDoes) {
   const test::TestAgent agent;
@@ -165,3 +97,5 @@ TEST(Fork, AtTheFirstUseOfEverythingLeavesTheChildAllOfIt) {
 }
 
 }  // namespace
+
+#endif

@@ -20,8 +20,8 @@ enum EncryptionType {
 // `out` as it was. A value that was tampered with fails. An operation that the object's type does
 // not offer fails. One object is used by one thread at a time. Throws std::bad_alloc alone.
 //
-// An operation fails when the system does not offer the cipher. That is logged as an error, and so is
-// a protected value that is not empty and does not open: once for the work on one document (see
+// An operation fails when the system does not offer the cipher. That is logged as an error, and so
+// is a protected value that is not empty and does not open: once for the work on one document (see
 // KeptKeys), else at every call. None of the operations logs what it was given or what it made.
 class PLATFORM_API IEncryption {
  public:
@@ -45,8 +45,8 @@ class PLATFORM_API CryptShim {
   static CryptShim* instance();
 
   // A ready object, or null for an unknown type or when its key cannot be had. The reason is logged
-  // as an error, once for the work on one document, without the key. Makes a missing password key of
-  // the agent: readable by its owner alone, and the same one for several processes that start
+  // as an error, once for the work on one document, without the key. Makes a missing password key
+  // of the agent: readable by its owner alone, and the same one for several processes that start
   // together. A warning at info level says so, because what was protected under an earlier key does
   // not open any more. Throws std::bad_alloc.
   IEncryption* create_encryption_object(EncryptionType type);

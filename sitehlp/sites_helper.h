@@ -189,11 +189,11 @@ class SITEHLP_API CSitesHelper {
   // before the call. A failure or an empty list is logged as an error.
   int MustReadSiteList(const std::wstring& path, tag_Site** list);
 
-  // Reads a site list file once, under the read lock "SiteListLock", for all that it holds: `take`
-  // gets each site in the order of the document, as soon as it is decoded, so that a list need not
-  // be in memory as a whole. `path` must be named. Returns what ReadSiteList returns; `contents` is
-  // filled when that is 0 or -1, before the first site is taken, and is empty otherwise. What
-  // `take` throws passes through. Needs no instance. Any thread.
+  // Reads all that a site list file holds, from one reading under the read lock "SiteListLock".
+  // `path` must not be empty. Fills `contents`, then gives each site to `take` in the order of the
+  // document, as soon as it is decoded: the list need not be in memory as a whole. Returns what
+  // ReadSiteList returns. `contents` is empty when the document could not be read or parsed. An
+  // exception of `take` passes through. Needs no instance. Any thread.
   static int ReadListContents(const std::wstring& path, ListContents& contents,
                               const TakeSite& take);
 

@@ -1,7 +1,8 @@
 #include "tests/support/heap.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
+// Its header comes with clang alone.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #elif defined(__APPLE__)
 #include <malloc/malloc.h>
 #else

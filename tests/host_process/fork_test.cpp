@@ -16,9 +16,10 @@
 #include "tests/support/child_process.h"
 #include "tests/support/test_agent.h"
 
-// Processes that fork while their threads are at work. AddressSanitizer cannot run them: its own
-// allocator is not taken around a fork, so a child may hang in there.
-#ifndef __SANITIZE_ADDRESS__
+// Processes that fork while their threads are at work. Builds with a sanitizer do without them: the
+// allocators of AddressSanitizer and ThreadSanitizer are not taken around a fork, so that a child
+// may hang in there.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 namespace {
 
 using test::inChild;
@@ -74,16 +75,18 @@ CHILD_PROCESS(forkAtFirstUse) {
   host::setAgent(settings);
   host::setLogSink([](LogLevel, const std::wstring&, const std::wstring&) {});
   std::atomic<bool> go{false};
+  std::atomic<bool> done{false};
   std::vector<std::thread> threads;
   for (bool (*work)() : {protectOne, logOne, lockOne, protectOne}) {
-    threads.emplace_back([&go, work] {
+    threads.emplace_back([&go, &done, work] {
       while (!go) std::this_thread::yield();
-      work();
+      while (!done) work();
     });
   }
   go = true;
   int status = 0;
   for (int i = 0; i < 4 && status == 0; ++i) status = inChild(doAll);
+  done = true;
   for (std::thread& thread : threads) thread.join();
   return status;
 }

@@ -6,9 +6,9 @@ namespace {
 
 using testing::IsEmpty;
 
-// AddressSanitizer cannot run this: its own allocator is not taken around a fork, so a child may
-// hang in there.
-#ifndef __SANITIZE_ADDRESS__
+// Builds with a sanitizer do without this: the allocators of AddressSanitizer and ThreadSanitizer
+// are not taken around a fork, so that a child may hang in there.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST(AChildOfFork, doesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing) {
   const test::ForkFigures figures = test::forkBesideThreads(200);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());

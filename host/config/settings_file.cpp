@@ -119,9 +119,10 @@ class SettingsReader {
 
   unsigned int number(const std::string& name, const toml::node& value,
                       std::int64_t largest) const {
-    const std::string wanted = "from 1 to " + std::to_string(largest);
-    const auto result = as<std::int64_t>(name, value, wanted.c_str());
-    if (result < 1 || result > largest) fail(value, name + " must be " + wanted);
+    const auto result = as<std::int64_t>(name, value, "a whole number");
+    if (result < 1 || result > largest) {
+      fail(value, name + " must be from 1 to " + std::to_string(largest));
+    }
     return static_cast<unsigned int>(result);
   }
 

@@ -17,8 +17,8 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/resilience/forked.h"
-#include "tests/support/heap.h"
 #include "tests/resilience/workshop.h"
+#include "tests/support/heap.h"
 
 namespace test {
 namespace {

@@ -1,6 +1,7 @@
 #include "sitehlp/decoder.h"
 
 #include <cstdlib>
+#include <iterator>
 #include <new>
 
 #include "platform/common/log.h"
@@ -35,20 +36,33 @@ enum class SiteChild {
   None,
 };
 
+// Filled when the library is loaded, as in the other tables of names: the guard of a static of a
+// function would stay held in the child of a fork at its first use.
+const wchar_t* const c_childNames[] = {
+    WX_XML_SITE_RELATIVEPATH,
+    WX_XML_HTTPSITE_USE_AUTH,
+    WX_XML_SITE_USER_NAME,
+    WX_XML_SITE_PASSWORD,
+    WX_XML_UNCSITE_SHARENAME,
+    WX_XML_SITE_DOMAIN_NAME,
+    WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
+};
+static_assert(std::size(c_childNames) == static_cast<std::size_t>(SiteChild::None));
+
 SiteChild childOf(const Element& element) {
-  static const wchar_t* const names[] = {
-      WX_XML_SITE_RELATIVEPATH,
-      WX_XML_HTTPSITE_USE_AUTH,
-      WX_XML_SITE_USER_NAME,
-      WX_XML_SITE_PASSWORD,
-      WX_XML_UNCSITE_SHARENAME,
-      WX_XML_SITE_DOMAIN_NAME,
-      WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
-  };
-  constexpr std::size_t count = sizeof names / sizeof names[0];
-  static_assert(count == static_cast<std::size_t>(SiteChild::None));
-  return static_cast<SiteChild>(element.FindName(names, count));
+  return static_cast<SiteChild>(element.FindName(c_childNames, std::size(c_childNames)));
 }
+
+const wchar_t* const c_elementNames[] = {
+    WX_XML_SITELIST_HTTP_SITE, WX_XML_SITELIST_VESTA_SITE, WX_XML_SITELIST_KEYSTONE_SITE,
+    WX_XML_SITELIST_FTP_SITE,  WX_XML_SITELIST_UNC_SITE,   WX_XML_SITELIST_LOCAL_SITE,
+    WX_XML_PROXY_CONFIG,
+};
+constexpr SiteElement c_elements[] = {
+    SiteElement::Http, SiteElement::Vesta, SiteElement::Keystone, SiteElement::Ftp,
+    SiteElement::Unc,  SiteElement::Local, SiteElement::Proxy,    SiteElement::None,
+};
+static_assert(std::size(c_elementNames) + 1 == std::size(c_elements));
 
 // A server address, split. The host points into the object or into its long text.
 class Address {
@@ -222,16 +236,7 @@ void decodeLocal(const Element& element, const SiteAttributes& attributes, bool 
 }  // namespace
 
 SiteElement classify(const Element& element) {
-  static const wchar_t* const names[] = {
-      WX_XML_SITELIST_HTTP_SITE, WX_XML_SITELIST_VESTA_SITE, WX_XML_SITELIST_KEYSTONE_SITE,
-      WX_XML_SITELIST_FTP_SITE,  WX_XML_SITELIST_UNC_SITE,   WX_XML_SITELIST_LOCAL_SITE,
-      WX_XML_PROXY_CONFIG,
-  };
-  constexpr SiteElement kinds[] = {
-      SiteElement::Http, SiteElement::Vesta, SiteElement::Keystone, SiteElement::Ftp,
-      SiteElement::Unc,  SiteElement::Local, SiteElement::Proxy,    SiteElement::None,
-  };
-  return kinds[element.FindName(names, sizeof names / sizeof names[0])];
+  return c_elements[element.FindName(c_elementNames, std::size(c_elementNames))];
 }
 
 std::size_t recordSize(SiteElement kind) {

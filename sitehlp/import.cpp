@@ -31,9 +31,8 @@ bool isVendorFtp(const tag_Site& site) {
 
 // The common part of import and install into the instance's own file `target`.
 int importFrom(CSitesHelper& helper, const std::wstring& target, ListSource& source,
-               tag_Site* sites, const std::wstring& keyDir) {
+               const std::wstring& srcPath, tag_Site* sites, const std::wstring& keyDir) {
   helper.AdjustSitesOrder(sites);
-  const std::wstring& srcPath = source.path();
   std::wstring globalVersion;
   std::wstring localVersion;
   std::wstring type;
@@ -71,7 +70,7 @@ int CSitesHelper::InstallSiteList(const std::wstring& srcPath, const std::wstrin
   const int readResult =
       mustReadList(source, m_strCurrentFile, m_bUseDecryptData == 1, m_policySettings, list.out());
   if (readResult < 0) return readResult;
-  return importFrom(*this, m_strSiteListFile, source, list.get(), keyDir);
+  return importFrom(*this, m_strSiteListFile, source, srcPath, list.get(), keyDir);
 }
 
 int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir) {
@@ -90,13 +89,13 @@ int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring
   }
   const int checkResult = SourceSiteListCheck(list.get(), IsOrbManaged() != 0);
   if (checkResult < 0) return checkResult;
-  return importFrom(*this, m_strSiteListFile, source, list.get(), keyDir);
+  return importFrom(*this, m_strSiteListFile, source, srcPath, list.get(), keyDir);
 }
 
 int CSitesHelper::InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
                                          const std::wstring& keyDir) {
-  ListSource source(srcPath);
-  return importFrom(*this, m_strSiteListFile, source, sites, keyDir);
+  ListSource source(srcPath.empty() ? m_strSiteListFile : srcPath);
+  return importFrom(*this, m_strSiteListFile, source, srcPath, sites, keyDir);
 }
 
 void CSitesHelper::AdjustSitesOrder(tag_Site* sites) {

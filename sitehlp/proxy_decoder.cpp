@@ -1,5 +1,7 @@
 #include "sitehlp/proxy_decoder.h"
 
+#include <iterator>
+
 #include "platform/common/log.h"
 #include "sitehlp/field.h"
 #include "sitehlp/value.h"
@@ -62,20 +64,20 @@ enum class ProxyChild {
   None,
 };
 
+const wchar_t* const c_proxyChildNames[] = {
+    WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, WX_XML_PROXY_BYPASSLOCALADDR,
+    WX_XML_PROXY_EXCLUSIONLIST,          WX_XML_PROXY_FTP_USEAUTH,
+    WX_XML_PROXY_HTTP_USEAUTH,           WX_XML_HTTP_PROXY_PROXYUSERNAME,
+    WX_XML_HTTP_PROXY_PROXYPASSWORD,     WX_XML_FTP_PROXY_PROXYUSERNAME,
+    WX_XML_FTP_PROXY_PROXYPASSWORD,      WX_XML_PROXY_ALT_FTP_USEAUTH,
+    WX_XML_PROXY_ALT_HTTP_USEAUTH,       WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME,
+    WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, WX_XML_FTP_PROXY_ALT_PROXYUSERNAME,
+    WX_XML_FTP_PROXY_ALT_PROXYPASSWORD,
+};
+static_assert(std::size(c_proxyChildNames) == static_cast<std::size_t>(ProxyChild::None));
+
 ProxyChild proxyChildOf(const Element& element) {
-  static const wchar_t* const names[] = {
-      WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, WX_XML_PROXY_BYPASSLOCALADDR,
-      WX_XML_PROXY_EXCLUSIONLIST,          WX_XML_PROXY_FTP_USEAUTH,
-      WX_XML_PROXY_HTTP_USEAUTH,           WX_XML_HTTP_PROXY_PROXYUSERNAME,
-      WX_XML_HTTP_PROXY_PROXYPASSWORD,     WX_XML_FTP_PROXY_PROXYUSERNAME,
-      WX_XML_FTP_PROXY_PROXYPASSWORD,      WX_XML_PROXY_ALT_FTP_USEAUTH,
-      WX_XML_PROXY_ALT_HTTP_USEAUTH,       WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME,
-      WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, WX_XML_FTP_PROXY_ALT_PROXYUSERNAME,
-      WX_XML_FTP_PROXY_ALT_PROXYPASSWORD,
-  };
-  constexpr std::size_t count = sizeof names / sizeof names[0];
-  static_assert(count == static_cast<std::size_t>(ProxyChild::None));
-  return static_cast<ProxyChild>(element.FindName(names, count));
+  return static_cast<ProxyChild>(element.FindName(c_proxyChildNames, std::size(c_proxyChildNames)));
 }
 
 void decodeChild(const Element& child, bool useDecryptData, tag_ProxySite& site) {

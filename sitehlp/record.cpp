@@ -27,10 +27,12 @@ void wipePasswords(tag_Site& record) noexcept {
     // It may hold any kind of site that stood in its list.
     return wipeMemory(&record.proxy, sizeof record.proxy);
   }
-  wipeField(record.http.szPassword);
-  wipeField(record.ftp.szPassword);
-  wipeField(record.unc.szPassword);
-  wipeField(record.local.szPassword);
+  // In full: a field of another kind may have put a zero into the password since.
+  wipeMemory(record.http.szPassword, sizeof record.http.szPassword);
+  wipeMemory(record.ftp.szPassword, sizeof record.ftp.szPassword);
+  wipeMemory(record.unc.szPassword, sizeof record.unc.szPassword);
+  wipeMemory(record.local.szPassword, sizeof record.local.szPassword);
+  // No other kind reaches as far as these.
   wipeField(record.proxy.szHttpProxyPassword);
   wipeField(record.proxy.szFtpProxyPassword);
   wipeField(record.proxy.szAlternateHttpProxyPassword);

@@ -19,15 +19,18 @@ const char* RecordLimits::add(bool isKnown) {
   return ++m_records > m_maxRecords ? "memory for records" : nullptr;
 }
 
-bool isWrittenAsUnknown(const tag_Site& record) {
-  if (record.eSiteKind != SITE_KIND_HTTP || record.http.szElement[0] == L'\0') return false;
+bool isKnownInList(const wchar_t* elementName) {
   const wchar_t* const known[] = {WX_XML_SITELIST_HTTP_SITE,     WX_XML_SITELIST_VESTA_SITE,
                                   WX_XML_SITELIST_KEYSTONE_SITE, WX_XML_SITELIST_FTP_SITE,
                                   WX_XML_SITELIST_UNC_SITE,      WX_XML_SITELIST_LOCAL_SITE,
                                   WX_XML_PROXY_CONFIG_LIST};
-  return std::none_of(std::begin(known), std::end(known), [&](const wchar_t* name) {
-    return std::wcscmp(record.http.szElement, name) == 0;
-  });
+  return std::any_of(std::begin(known), std::end(known),
+                     [&](const wchar_t* name) { return std::wcscmp(elementName, name) == 0; });
+}
+
+bool isWrittenAsUnknown(const tag_Site& record) {
+  return record.eSiteKind == SITE_KIND_HTTP && record.http.szElement[0] != L'\0' &&
+         !isKnownInList(record.http.szElement);
 }
 
 }  // namespace sitehlp

@@ -1,30 +1,37 @@
 #include "sitehlp/site_attributes.h"
 
+#include <iterator>
+
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
 
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
+namespace {
+
+const wchar_t* const c_attributeNames[] = {
+    WX_XML_SITE_TYPE,
+    WX_XML_SITE_NAME,
+    WX_XML_SITE_ORDER,
+    WX_XML_SITE_ENABLED,
+    WX_XML_SITE_LOCAL,
+    WX_XML_SITE_SERVER,
+    WX_XML_SSL_PORT,
+    WX_XML_SERVER_NETBIOS_NAME,
+    WX_XML_SITE_SERVER_IP,
+    WX_XML_SITE_SERVER_FQDN,
+    WX_XML_SITE_SERVER_VERSION,
+    WX_XML_PROXY_HTTP_PROXY_SERVER,
+    WX_XML_PROXY_HTTP_PROXY_PORT,
+    WX_XML_PROXY_FTP_PROXY_SERVER,
+    WX_XML_PROXY_FTP_PROXY_PORT,
+    WX_XML_PROXY_USE_IE_CONFIG,
+};
+
+}  // namespace
+
 SiteAttributes::SiteAttributes(const AdvXMLParser::Element& element) {
-  static const wchar_t* const names[] = {
-      WX_XML_SITE_TYPE,
-      WX_XML_SITE_NAME,
-      WX_XML_SITE_ORDER,
-      WX_XML_SITE_ENABLED,
-      WX_XML_SITE_LOCAL,
-      WX_XML_SITE_SERVER,
-      WX_XML_SSL_PORT,
-      WX_XML_SERVER_NETBIOS_NAME,
-      WX_XML_SITE_SERVER_IP,
-      WX_XML_SITE_SERVER_FQDN,
-      WX_XML_SITE_SERVER_VERSION,
-      WX_XML_PROXY_HTTP_PROXY_SERVER,
-      WX_XML_PROXY_HTTP_PROXY_PORT,
-      WX_XML_PROXY_FTP_PROXY_SERVER,
-      WX_XML_PROXY_FTP_PROXY_PORT,
-      WX_XML_PROXY_USE_IE_CONFIG,
-  };
   constexpr AdvXMLParser::Attribute SiteAttributes::*members[] = {
       &SiteAttributes::type,          &SiteAttributes::name,
       &SiteAttributes::order,         &SiteAttributes::enabled,
@@ -36,9 +43,9 @@ SiteAttributes::SiteAttributes(const AdvXMLParser::Element& element) {
       &SiteAttributes::ftpProxyPort,  &SiteAttributes::useIeConfig,
   };
   constexpr std::size_t count = sizeof members / sizeof members[0];
-  static_assert(sizeof names / sizeof names[0] == count);
+  static_assert(std::size(c_attributeNames) == count);
   AdvXMLParser::Attribute found[count];
-  element.FindAttributes(names, count, found);
+  element.FindAttributes(c_attributeNames, count, found);
   for (std::size_t i = 0; i < count; ++i) this->*members[i] = found[i];
 }
 

@@ -470,8 +470,9 @@ class SITEHLP_API CSitesHelper {
                      bool hasSr2048Pub, bool hasReq2048Sec, const ABuffer& sr2048Pub,
                      const ABuffer& req2048Sec, const AString& dir);
 
-  // Returns true when the file does not exist or the real user may write it. Logs an error when it
-  // may not be written, but not when that cannot be determined; returns false in both cases.
+  // Returns true when the file does not exist or the effective user may write it. Logs an error
+  // when it may not be written, but not when that cannot be determined; returns false in both
+  // cases.
   bool writable(const AString& path);
 
   // Installs the key files of an incoming list beside the instance's own file, which must be set,

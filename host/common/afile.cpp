@@ -8,6 +8,7 @@
 #include "host/common/failure_text.h"
 #include "host/fs/file_system.h"
 #include "host/fs/files.h"
+#include "host/fs/path_walk.h"
 #include "host/process/secret.h"
 #include "platform/common/log.h"
 
@@ -34,6 +35,13 @@ bool read(const AString& path, host::SecretText& content) {
 }
 
 int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
+  if (access == AFiler::accessWrite) {
+    host::PathWalk place;
+    if (place.find(path) == EPERM) {  // over a link that no write follows
+      exists = true;
+      return place.reported("Cannot write", path, 0);
+    }
+  }
   struct stat info;
   int error = -host::fileSystem().stat(AT_FDCWD, path, true, info);
   if (isAbsence(error)) return 0;

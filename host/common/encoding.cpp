@@ -68,7 +68,8 @@ std::wstring toWide(const char* utf8, std::size_t length) {
   if (!appendWide(utf8, length, wide)) {
     SecretText repaired;  // the text may be a password
     repaired->reserve(3 * length);
-    utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(*repaired));
+    // With the marker named, or the library keeps it in a static whose guard a fork may find held.
+    utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(*repaired), c_replacement);
     appendWide(repaired->data(), repaired->size(), wide);
   }
   return wide;

@@ -73,13 +73,7 @@ int Encryption::encrypt_string(const std::wstring& in, std::wstring& out) {
     return 0;
   }
   Sealer* const own = sealer();
-  if (!own) return 0;
-  if (!own->seal(clear.data(), clear.size(), sealed)) {
-    logErrorOnce(
-        L"A password cannot be protected: libcrypto gives no random numbers, or the "
-        L"password is too long; it is lost where it is written");
-    return 0;
-  }
+  if (!own || !own->seal(clear.data(), clear.size(), sealed)) return 0;
   const std::string text = toBase64(sealed);
   out.assign(text.begin(), text.end());
   return 1;

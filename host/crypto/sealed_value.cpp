@@ -32,6 +32,13 @@ const EVP_CIPHER* cipher(std::string& reason) {
   return g_cipher;
 }
 
+bool refuse(const std::string& reason) {
+  logErrorOnce(AString(
+      ("A password cannot be protected: " + reason + "; the list is written with an empty password")
+          .c_str()));
+  return false;
+}
+
 }  // namespace
 
 Sealer::Sealer(const SecretBytes& key) {
@@ -58,14 +65,16 @@ Sealer::~Sealer() {
 
 bool Sealer::seal(const unsigned char* clear, std::size_t length,
                   std::vector<unsigned char>& sealed) {
-  if (!m_context || length > c_longest) return false;
+  if (!m_context) return false;
+  if (length > c_longest) return refuse("it is too long");
   std::vector<unsigned char> result(c_overhead + length);
   result[0] = c_version;
   unsigned char* const nonce = result.data() + c_versionSize;
   unsigned char* const body = result.data() + c_headSize;
   EVP_CIPHER_CTX* const context = m_context.get();
-  if (!m_nonces.next(nonce)) return false;
+  if (!m_nonces.next(nonce)) return refuse("there are no random numbers");
   const LibcryptoUse use;
+  ERR_clear_error();
   int done = 0;
   if (EVP_CipherInit_ex2(context, nullptr, nullptr, nonce, 1, nullptr) != 1 ||
       EVP_CipherUpdate(context, nullptr, &done, result.data(), c_versionSize) != 1 ||
@@ -73,7 +82,7 @@ bool Sealer::seal(const unsigned char* clear, std::size_t length,
        EVP_CipherUpdate(context, body, &done, clear, static_cast<int>(length)) != 1) ||
       EVP_CipherFinal_ex(context, body + length, &done) != 1 ||
       EVP_CIPHER_CTX_ctrl(context, EVP_CTRL_AEAD_GET_TAG, c_tagSize, body + length) != 1) {
-    return false;
+    return refuse(takeLibcryptoError());
   }
   sealed = std::move(result);
   return true;

@@ -71,7 +71,8 @@ int readOneLink(int directory, const char* path, std::string& target, struct sta
     result = retried([&] { return ::fstatat(directory, path, &after, AT_SYMLINK_NOFOLLOW); });
     if (result < 0) return result;
     if (after.st_dev == link.st_dev && after.st_ino == link.st_ino && after.st_uid == link.st_uid &&
-        after.st_ctime == link.st_ctime) {
+        after.st_size == link.st_size && after.st_ctimespec.tv_sec == link.st_ctimespec.tv_sec &&
+        after.st_ctimespec.tv_nsec == link.st_ctimespec.tv_nsec) {
       return 0;
     }
   }

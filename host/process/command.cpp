@@ -1,5 +1,6 @@
 #include "host/process/command.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -10,6 +11,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
+#include <limits>
 
 #include "host/common/failure_text.h"
 #include "host/process/supervisor.h"
@@ -56,6 +59,22 @@ class Pipe {
   int m_write = -1;
 };
 
+// Above every descriptor of this process, with room for those that other threads open meanwhile.
+int descriptorLimit() {
+#ifdef __GLIBC__
+  return 0;  // the supervisor has a call that needs none
+#else
+  int highest = 256;
+  DIR* const descriptors = ::opendir("/dev/fd");
+  if (!descriptors) return std::numeric_limits<short>::max();
+  while (const dirent* const entry = ::readdir(descriptors)) {
+    highest = std::max(highest, std::atoi(entry->d_name));
+  }
+  ::closedir(descriptors);
+  return highest + 64;
+#endif
+}
+
 // Forks with all signals blocked, so that no handler of this process runs in the child.
 pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   sigset_t all;
@@ -68,6 +87,21 @@ pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
   return pid;
 }
+
+// Waits for a process, only so that no zombie stays; somebody else may have waited for it before.
+class WaitAtExit {
+ public:
+  explicit WaitAtExit(pid_t pid) : m_pid(pid) {}
+  ~WaitAtExit() {
+    while (::waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+  }
+  WaitAtExit(const WaitAtExit&) = delete;
+  WaitAtExit& operator=(const WaitAtExit&) = delete;
+
+ private:
+  pid_t m_pid;
+};
 
 // The number of bytes; 0 at the end or on failure.
 std::size_t readSome(int fd, void* data, std::size_t size) {
@@ -133,9 +167,10 @@ std::string runCommand(const std::vector<std::string>& words, unsigned int timeo
   if (error == 0) error = reports.open();
   if (error) return "it cannot be started: " + errorText(error);
   const SupervisorPlan plan = {argv.data(), timeoutSeconds, printed.writeEnd(), reports.writeEnd(),
-                               static_cast<int>(::sysconf(_SC_OPEN_MAX))};
+                               descriptorLimit()};
   const pid_t supervisor = startSupervisor(plan, error);
   if (supervisor < 0) return "it cannot be started: " + errorText(error);
+  const WaitAtExit wait(supervisor);
   printed.closeWriteEnd();
   reports.closeWriteEnd();
 
@@ -143,9 +178,6 @@ std::string runCommand(const std::vector<std::string>& words, unsigned int timeo
   output.end();
   SupervisorReport report = {};
   const bool isReported = readSome(reports.readEnd(), &report, sizeof report) == sizeof report;
-  // Only so that no zombie stays; somebody else may have waited for it before.
-  while (::waitpid(supervisor, nullptr, 0) < 0 && errno == EINTR) {
-  }
   return isReported ? describe(report, timeoutSeconds)
                     : "its end is not known, because the process that waited for it was ended";
 }

@@ -9,7 +9,7 @@ struct SupervisorPlan {
   unsigned int timeoutSeconds;
   int output;           // takes what the program prints; more than 3
   int report;           // takes the reports; more than 3
-  int descriptorLimit;  // no descriptor of the process is this or more
+  int descriptorLimit;  // no descriptor of the process is this or more; not used with glibc
 };
 
 // What a supervisor writes as a whole; only its first report counts.

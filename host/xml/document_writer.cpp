@@ -102,6 +102,15 @@ class Buffer {
   std::size_t m_capacity = 0;
 };
 
+// The size in UTF-8 of what a reader will get of a text.
+std::size_t carriedSize(const wchar_t* text, std::size_t length) {
+  // One byte in UTF-8, but written as U+FFFD, which has three.
+  const auto replaced = std::count_if(text, text + length, [](wchar_t c) {
+    return static_cast<std::uint32_t>(c) < 0x80 && !host::isXmlCharacter(c);
+  });
+  return host::utf8Size(text, length) + 2 * static_cast<std::size_t>(replaced);
+}
+
 char* put(const char* text, std::size_t size, char* out) {
   std::memcpy(out, text, size);
   return out + size;
@@ -156,7 +165,7 @@ struct DocumentWriter::State {
 
   // A parser counts what a text stands for, without escapes.
   void countText(const wchar_t* from, std::size_t length, std::size_t written) {
-    textSize += written == length ? length : host::utf8Size(from, length);
+    textSize += written == length ? length : carriedSize(from, length);
     require(textSize <= host::c_maxTokenBytes, "length of a text");
   }
 

@@ -1,10 +1,12 @@
 #include <utility>
 
 #include "platform/common/log.h"
+#include "sitehlp/caught.h"
 #include "sitehlp/document_reader.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/number.h"
 #include "sitehlp/record.h"
+#include "sitehlp/record_limits.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/vendor_hosts.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -70,6 +72,21 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
   }
 }
 
+// Servers that were added may make more records than a reader takes.
+bool isWithinRecordLimits(const AnXmlNode& siteList) {
+  RecordLimits limits;
+  AnXmlChildIndex sites(siteList, nullptr);
+  AnXmlNode site;
+  while (sites.moveNext(site)) {
+    if (const char* const limit = limits.add(isKnownInList(site.getName().c_str()))) {
+      logCause(L"Edited list not written: no reader would accept it, it is over the limit: " +
+               AString(limit).str());
+      return false;
+    }
+  }
+  return true;
+}
+
 // What MustReadSiteList does, but of all the records only the one is kept that decides which key
 // files come with the list, a versioned server or else the first: memory for the others, of which
 // there may be thousands, would cost more than all the rest.
@@ -113,7 +130,10 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
     return false;
   }
   if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
-  if (replaceServerSites) doReplacePyxSite(targetRoot, sourceRoot);
+  if (replaceServerSites) {
+    doReplacePyxSite(targetRoot, sourceRoot);
+    if (!isWithinRecordLimits(targetSiteList)) return false;
+  }
   m_strCurrentFile = incomingFile.path();
   ListOwner incoming;
   if (mustReadDecidingSite(incomingFile, m_bUseDecryptData == 1, m_policySettings, incoming) < 0) {

@@ -12,15 +12,16 @@
 // Help for programs that use the library. Everything here is inline.
 namespace sitehlp {
 
-// Stands on one record of a list, or behind the last one. `Site` is tag_Site or const tag_Site.
+// Stands on one record of a list, or behind the last one. `Site` is tag_Site or const tag_Site. The
+// types are those that standard algorithms need.
 template <typename Site>
 class SiteIterator {
  public:
-  using iterator_category = std::forward_iterator_tag;  // for the standard library
-  using value_type = tag_Site;                          // the same
-  using difference_type = std::ptrdiff_t;               // the same
-  using pointer = Site*;                                // the same
-  using reference = Site&;                              // the same
+  using iterator_category = std::forward_iterator_tag;  // forward, as often as wanted
+  using value_type = tag_Site;                          // a record
+  using difference_type = std::ptrdiff_t;               // a number of records
+  using pointer = Site*;                                // what operator-> returns
+  using reference = Site&;                              // what operator* returns
 
   explicit SiteIterator(Site* site = nullptr) : m_site(site) {}  // null: behind the last record
   Site& operator*() const { return *m_site; }                    // that record
@@ -109,7 +110,8 @@ inline const char* resultText(int code) {
       return "the list breaks a rule; the log names every fault";
     case c_errorRead:
     case ReadWriteException::READ_FAILED:
-      return "the file could not be read; check that it is a regular file that you may read";
+      return "the file could not be read or is too large; check that it is a regular file that "
+             "you may read";
     case c_errorWrite:
       return "the list could not be written, or is over a limit; check the directory and the log";
     case ReadWriteException::WRITE_FAILED:

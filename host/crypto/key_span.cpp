@@ -37,7 +37,8 @@ bool isLogged(std::size_t hash) {
   return std::find(t_logged.begin(), end, hash) != end;
 }
 
-void logUnopened(unsigned long count, const char* keyName, const wchar_t* advice) {
+void logUnopened(unsigned long count, const char* keyName, const wchar_t* adviceForOne,
+                 const wchar_t* adviceForMore) {
   if (count == 0) return;
   const std::string path = keyFilePath(agent().dataDirectory, keyName);
   AString text(std::to_wstring(count));
@@ -46,7 +47,7 @@ void logUnopened(unsigned long count, const char* keyName, const wchar_t* advice
       .append(L" with the key file ")
       .append(AString(path.c_str()))
       .append(count == 1 ? L" and counts as empty. " : L" and count as empty. ")
-      .append(advice);
+      .append(count == 1 ? adviceForOne : adviceForMore);
   logError(c_cryptoComponent, text);
 }
 
@@ -54,8 +55,10 @@ void logUnopened() {
   const unsigned long own = std::exchange(t_unopened, 0);
   const unsigned long server = std::exchange(t_unopenedServer, 0);
   logUnopened(own, c_passwordKeyName,
-              L"Put back the key that they were protected under, or set the passwords again.");
-  logUnopened(server, c_serverKeyName, L"The server must send them under the key in that file.");
+              L"Restore the key file that protected it, or set the password again.",
+              L"Restore the key file that protected them, or set the passwords again.");
+  logUnopened(server, c_serverKeyName, L"The server must send it under the key in that file.",
+              L"The server must send them under the key in that file.");
 }
 
 }  // namespace

@@ -143,7 +143,7 @@ std::string describe(const SupervisorReport& report, unsigned int timeoutSeconds
     return "it cannot be started: " + errorText(report.value);
   }
   if (report.kind == SupervisorReport::TimedOut) {
-    return "it ran longer than " + std::to_string(timeoutSeconds) + " seconds and was ended";
+    return "it exceeded the limit of " + std::to_string(timeoutSeconds) + " s and was ended";
   }
   if (WIFSIGNALED(report.value)) {
     return "it was ended by signal " + std::to_string(WTERMSIG(report.value));

@@ -158,8 +158,8 @@ TEST_F(MeshService, EndsACommandThatRunsTooLongAndAllThatItStarted) {
                              "trap '' TERM; exec 9>\"$1\"; echo begun; sleep 600 & sleep 600"}) {
     EXPECT_EQ(loadWithScript(script), 0);
     EXPECT_THAT(agent.texts(LogLevel::Error),
-                ElementsAre(L"Mesh service load command /bin/sh failed: it ran longer than 1 "
-                            L"seconds and was ended"));
+                ElementsAre(L"Mesh service load command /bin/sh failed: it exceeded the limit "
+                            L"of 1 s and was ended"));
     EXPECT_THAT(agent.texts(LogLevel::Info), ElementsAre(L"Mesh service load command: begun"));
     pollfd end = {fifo, POLLIN, 0};
     EXPECT_EQ(::poll(&end, 1, 60000), 1);

@@ -69,8 +69,8 @@ TEST_F(KeyReport, TellsOfEachPasswordThatDoesNotOpen) {
   EXPECT_FALSE(opens(text));
   EXPECT_THAT(m_agent.texts(LogLevel::Error),
               ElementsAre(L"1 protected password does not open with the key file " + m_path +
-                          L" and counts as empty. Put back the key that they were protected "
-                          L"under, or set the passwords again."));
+                          L" and counts as empty. Restore the key file that protected it, or set "
+                          L"the password again."));
   EXPECT_FALSE(opens(L"no base64"));
   EXPECT_EQ(m_agent.messages().size(), 2U);
 }
@@ -94,8 +94,8 @@ TEST_F(KeyReport, TellsOnceForAListHowManyPasswordsDoNotOpen) {
   }
   EXPECT_THAT(m_agent.texts(LogLevel::Error),
               ElementsAre(L"3 protected passwords do not open with the key file " + m_path +
-                          L" and count as empty. Put back the key that they were protected under, "
-                          L"or set the passwords again."));
+                          L" and count as empty. Restore the key file that protected them, or set "
+                          L"the passwords again."));
   EXPECT_EQ(m_agent.messages().size(), 1U);
   { const KeptKeys next; }
   EXPECT_EQ(m_agent.messages().size(), 1U) << "said again";

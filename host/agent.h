@@ -44,9 +44,9 @@ class PLATFORM_API SettingsError : public std::runtime_error {
 
 // Says which agent this process serves from now on; keys and locks that belonged to another agent
 // are let go. Meant to be called once, before the first site list operation; never while another
-// thread uses the library. Also sets the log threshold. Throws SettingsError for a data directory
-// of which <dataDirectory>/etc, as a full path, has more than 259 characters; the settings in force
-// then stay as they were. The library would cut such a path and use another directory.
+// thread uses the library. Also sets the log threshold. Throws SettingsError when the full path
+// <dataDirectory>/etc has more than 259 characters; the settings in force then stay as they were.
+// The library would cut such a path and use another directory.
 PLATFORM_API void setAgent(const AgentSettings& settings);
 
 // The settings in force. At the first use in a process that never called setAgent they come from

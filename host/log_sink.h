@@ -10,8 +10,7 @@
 namespace host {
 
 // Receives each message at or above the threshold. Calls come one at a time, from whichever thread
-// logged. A sink must neither log nor fork; what it
-// throws is dropped.
+// logged. A sink must neither log nor fork. Exceptions of a sink are dropped.
 using LogSink =
     std::function<void(LogLevel level, const std::wstring& component, const std::wstring& text)>;
 

@@ -8,7 +8,7 @@
 namespace sitehlp {
 namespace {
 
-// Not that of the class: its lines are known by their texts and numbers to those who search logs.
+// A component of its own, because people search logs for the fixed lines of the class.
 constexpr const wchar_t* c_causeComponent = L"Host";
 
 AString reasonOf(const std::wstring& path) {

@@ -17,7 +17,7 @@ class CacheGuard {
   CacheGuard& operator=(const CacheGuard&) = delete;
 };
 
-// The local time in the time zone in force now. False when it is not to be had.
+// The local time in the time zone in force now. Returns false when the system cannot convert it.
 bool toLocalTime(std::time_t time, std::tm& local);
 
 }  // namespace sitehlp

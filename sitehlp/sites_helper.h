@@ -65,18 +65,22 @@ SITEHLP_API int decrypt_data(const std::wstring& in, std::wstring& out);
 //
 // Threads: one instance is used by one thread at a time. Several threads, each with an instance of
 // its own, may run every operation at the same time; SmartReadSiteList has a restriction of its
-// own. A child of fork may use every operation at once.
+// own. A child of fork may call every operation immediately, whatever other threads did at the
+// fork.
 //
 // Locks: the inter-process lock "SiteListLock" guards site list files. It is held only while a file
 // is read or written. "SmartSiteListLock" guards the cached list. Where both are held, it is taken
 // first. A wait for a lock has no time limit. If a lock cannot be had, an error is logged and the
 // operation goes on without it.
 //
-// Files are replaced atomically. A symbolic link in a path that is written is followed only when it
-// belongs to the caller or to root; any other link makes the write fail. Whether a file exists is
-// asked with access(path, F_OK), which checks for the real user. Files are read and written as the
-// effective user. So a process whose two users differ may be told that a file does not exist
-// although it may read it.
+// Files are replaced atomically.
+//
+// Links: a symbolic link in a path that is written is followed only when it belongs to the
+// effective user or to root. Any other link makes the write fail.
+//
+// Users: whether a file exists is asked with access(path, F_OK), which checks for the real user.
+// Files are read and written as the effective user. A process whose real and effective users differ
+// may be told that a file does not exist although it may read it.
 //
 // Unless an operation says otherwise: results are the codes of sitehlp/result_codes.h, 0 for
 // success; outputs are unchanged on failure; an empty path means the instance's own site list file;
@@ -190,10 +194,10 @@ class SITEHLP_API CSitesHelper {
   int MustReadSiteList(const std::wstring& path, tag_Site** list);
 
   // Reads all that a site list file holds, from one reading under the read lock "SiteListLock".
-  // `path` must not be empty. Fills `contents`, then gives each site to `take` in the order of the
-  // document, as soon as it is decoded: the list need not be in memory as a whole. Returns what
-  // ReadSiteList returns. `contents` is empty when the document could not be read or parsed. An
-  // exception of `take` passes through. Needs no instance. Any thread.
+  // `path` must not be empty. Fills `contents`, then gives the sites to `take` in the order of the
+  // document. Each site is given to `take` before the next is decoded, so the whole list is never
+  // in memory. Returns what ReadSiteList returns. `contents` is empty when the document could not
+  // be read or parsed. An exception of `take` passes through. Needs no instance. Any thread.
   static int ReadListContents(const std::wstring& path, ListContents& contents,
                               const TakeSite& take);
 
@@ -214,7 +218,8 @@ class SITEHLP_API CSitesHelper {
   // name.
   //
   // Side effect: the records of `list` are modified. Expanded macros become "<" and ">" again. A
-  // proxy record keeps the first host of its exclusion list only; its iExclusionCount is unchanged.
+  // proxy record keeps the first host of its exclusion list only; its iExclusionCount is unchanged
+  // and no longer matches the list.
   //
   // A password that cannot be protected is written as an empty one. If the first record is of
   // unknown kind, all others are written behind the "SiteList" element, where no reader looks for

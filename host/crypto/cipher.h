@@ -14,7 +14,7 @@ struct FreeCipher {
 using CipherPtr = std::unique_ptr<EVP_CIPHER, FreeCipher>;
 
 // AES-256-GCM by its name, as the configuration of libcrypto has it. Null when that has none; then
-// `reason` says why. Throws std::bad_alloc. Wants a LibcryptoUse around it.
+// `reason` says why. Throws std::bad_alloc. The caller must hold a LibcryptoUse.
 CipherPtr findCipher(std::string& reason);
 
 }  // namespace host

@@ -19,7 +19,8 @@ class LibcryptoUse {
 };
 
 // What libcrypto says about the calls that failed in this thread, in one line; never empty. Forgets
-// it. Throws std::bad_alloc when they failed for want of memory. Wants a LibcryptoUse around it.
+// it. Throws std::bad_alloc when they failed for want of memory. The caller must hold a
+// LibcryptoUse.
 std::string takeLibcryptoError();
 
 }  // namespace host

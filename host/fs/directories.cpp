@@ -13,8 +13,9 @@ namespace {
 constexpr const char* c_cannotMake = "Cannot make directory";
 
 // Gives a directory that was just made its owner. Only root gives anything away, and another user
-// may have put another directory in the place of the new one. Nobody but root can move one there
-// that belongs to root and that others may not write to.
+// may have put another directory in the place of the new one. The owner of the parent may move
+// another directory of root there, but only from within the parent: whoever moves a directory out
+// of another one must be able to write to it.
 int giveAway(int parent, const std::string& name) {
   if (::geteuid() != 0) return 0;
   const Descriptor made(fileSystem().open(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW, 0));

@@ -13,7 +13,8 @@
 //
 // Where something is written, made or removed, a symbolic link is followed only when it belongs to
 // the effective user or to root, be it the last part of the path or one before. Any other one gives
-// EPERM and an error line that names the link. Reading follows every link.
+// EPERM and an error line that names the link. Reading follows symbolic links. A key in "keystore/"
+// must not be one: host/crypto/key_file.h reads it.
 //
 // What root makes gets the owner and group of the directory that it is made in.
 namespace host {

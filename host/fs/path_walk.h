@@ -15,9 +15,9 @@ enum class Links {
   All              // any: for questions, which change nothing
 };
 
-// Follows one path from one open directory to the next: by one call of enter or find. A directory
-// that is exchanged meanwhile sends the walk nowhere else, and every symbolic link on the way is
-// looked at before it is followed. For one thread.
+// Resolves one path directory by directory. Call enter or find once per object. A directory that is
+// exchanged meanwhile sends the walk nowhere else, and every symbolic link on the way is looked at
+// before it is followed. For one thread.
 class PathWalk {
  public:
   explicit PathWalk(Links links = Links::OfCallerOrRoot) : m_links(links) {}

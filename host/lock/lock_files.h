@@ -35,7 +35,8 @@ struct LockFailure {
 // Opens the files of the lock `name` in the agent's lock directory, and makes what is missing for
 // the owner of the directory alone. A lock file must be a regular file and no symbolic link; on the
 // way to the directory, links are followed as for a write. 0; ESTALE when somebody removes what is
-// made here; or another errno. After a failure `failure` says why, and what is open is open still.
+// made here; or another errno. After a failure `failure` says why. Files that were opened stay
+// open; the caller closes them.
 int openLockFiles(const std::string& directory, const std::string& name, LockFiles& files,
                   LockFailure& failure);
 

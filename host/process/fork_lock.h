@@ -15,8 +15,9 @@ enum class Guarded {
   ErrorText,    // the system's table of error texts
 };
 
-// Holds a mutex from its construction to its destruction. All of them are taken around every fork:
-// a child finds none held, and what they guard whole. A thread that holds one must not fork.
+// Holds a mutex from its construction to its destruction. All of them are taken around every fork.
+// In a child all are free and the guarded data is consistent. A thread that holds one must not
+// fork.
 class ForkLock {
  public:
   explicit ForkLock(Guarded what) noexcept;

@@ -21,8 +21,8 @@ struct FoundEncoding {
 FoundEncoding findEncoding(const unsigned char* data, std::size_t length,
                            AdvXMLParser::UTF_ENCODINGS hint);
 
-// Whether a document that is written so may declare this encoding. Bytes without a mark may declare
-// any that has ASCII in it: they are read as UTF-8, or not at all.
+// Returns whether `declared` agrees with the bytes. Bytes without a mark may declare any encoding
+// that extends ASCII; they are read as UTF-8.
 bool agreesWith(std::string_view declared, const AdvXMLParser::WrittenIn& writtenIn);
 
 // Appends the wide form of all bytes. False when they are not valid in the encoding; `text` is then

@@ -36,8 +36,7 @@ class PLATFORM_API AnXml {
   bool useExistingFile(const AString& path, const wchar_t* rootName,
                        const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 
-  // The same with what AdvXMLParser::ReadUtf8FromFile read, for a file that is read once and used
-  // more often. Does not block.
+  // As useExistingFile, for a text that AdvXMLParser::ReadUtf8FromFile has read. Does not block.
   bool useText(const std::string& utf8, const AdvXMLParser::WrittenIn& writtenIn,
                const wchar_t* rootName, const wchar_t* namespaceAttribute,
                const wchar_t* namespaceValue);

@@ -20,9 +20,10 @@ enum EncryptionType {
 // `out` as it was. A value that was tampered with fails. An operation that the object's type does
 // not offer fails. One object is used by one thread at a time. Throws std::bad_alloc alone.
 //
-// An operation fails when the system does not offer the cipher. That is logged as an error, and so
-// is a protected value that is not empty and does not open: once for the work on one document (see
-// KeptKeys), else at every call. None of the operations logs what it was given or what it made.
+// An operation fails when the system does not offer the cipher, or when a protected value does not
+// open. Both are logged as errors: once while a KeptKeys lives, otherwise at every call. An empty
+// protected value fails without a log line. None of the operations logs what it was given or what
+// it made.
 class PLATFORM_API IEncryption {
  public:
   virtual ~IEncryption() = default;

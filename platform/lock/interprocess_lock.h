@@ -29,9 +29,9 @@ class PLATFORM_API InterProcessReadLock {
   InterProcessReadLock& operator=(const InterProcessReadLock&) = delete;
 
   // Locks. Waits `waitMilliseconds` at most, whatever happens to the lock files meanwhile; 0 only
-  // tries, 0x7FFFFFFF waits for ever. Returns whether the lock is held afterwards. False without a
-  // log line: the time ran out. False with one error line that names the file and the reason: there
-  // is no such lock to be had. That is never waited for, and happens when
+  // tries, 0x7FFFFFFF waits for ever. Returns whether the lock is held afterwards. Returns false
+  // without a log line when the time ran out. Returns false with one error line, without waiting,
+  // when the lock cannot be opened:
   // - the lock's directory or its files cannot be made or opened,
   // - a lock file is a symbolic link or not a regular file,
   // - a symbolic link on the way to them belongs neither to the effective user nor to root,

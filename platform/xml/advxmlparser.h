@@ -85,8 +85,9 @@ class PLATFORM_API ReadWriteException : public std::exception {
 
 // How the bytes of a document were written, as found at their start.
 struct WrittenIn {
-  UTF_ENCODINGS encoding;  // before a read: the hint for what cannot be told from the bytes
-  bool hasMark = false;    // whether a byte order mark stood in front
+  // Input: the encoding assumed when the bytes do not show one. Output: the encoding found.
+  UTF_ENCODINGS encoding;
+  bool hasMark = false;  // whether a byte order mark stood in front
 };
 
 // A function from raw narrow text to the narrow text to use in its place.

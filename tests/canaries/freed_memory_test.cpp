@@ -200,6 +200,7 @@ TEST_F(FreedMemory, HoldsNothingWhateverFileCallFails) {
   EXPECT_GT(runs, 500U);
 }
 
+// Every fourth allocation of an operation fails in turn.
 TEST_F(FreedMemory, HoldsNothingWhateverAllocationFails) {
   for (const Step& step : operations()) tryEachAllocation(step, 4);
   EXPECT_GT(runs, 1000U);
@@ -318,6 +319,7 @@ TEST_F(FreedOddPasswords, AreGoneWhateverFileCallFails) {
   for (const Step& step : everyReading()) tryEachFileCall(step);
 }
 
+// Every seventh allocation of a read fails in turn.
 TEST_F(FreedOddPasswords, AreGoneWhateverAllocationFails) {
   for (const Step& step : everyReading()) tryEachAllocation(step, 7);
 }

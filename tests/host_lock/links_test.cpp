@@ -36,7 +36,7 @@ class LockLinks : public test::LockTest {
   test::TempDir elsewhere;
 };
 
-TEST_F(LockLinks, AreNeverLockFilesWhoeverTheyBelongTo) {
+TEST_F(LockLinks, AreNeverLockFilesEvenTheCallersOwn) {
   test::writeFile(elsewhere.file("there"), "victim's", 0644);
   for (const std::string& file : {mainFile(), gateFile()}) {
     for (const char* target : {"there", "new", "."}) {

@@ -13,9 +13,9 @@ struct LogRecord {
   std::wstring text;
 };
 
-// Keeps what is logged from information level on, but for what the tool tells better itself; with
-// `verbose` every message also goes to standard error as it comes. To be called again after the
-// agent was chosen, which sets the threshold.
+// Keeps log records from information level on, except those that the tool reports itself. With
+// `verbose` every message also goes to standard error as it comes. Call it again after setAgent,
+// which resets the threshold.
 void recordLog(bool verbose);
 
 // What was logged so far in this process.

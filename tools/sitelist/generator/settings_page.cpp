@@ -50,8 +50,8 @@ constexpr Setting c_settings[] = {
      "mesh.load_timeout_seconds = 10", "mesh.load_timeout_seconds = 0",
      "1:29: mesh.load_timeout_seconds must be from 1 to 86400"},
     {"limits.record_megabytes", "a whole number from 1 to 1048576", "`1024`",
-     "How many megabytes of memory the sites of one list may take. A list that takes more is not "
-     "read.",
+     "How many megabytes of memory the sites of one list may take. A list that takes more is "
+     "refused (-104).",
      "limits.record_megabytes = 256", "limits.record_megabytes = \"256\"",
      "1:27: limits.record_megabytes must be a whole number"},
     {"log.level", "a string", "`\"error\"`",

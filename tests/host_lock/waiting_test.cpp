@@ -161,17 +161,16 @@ TEST_F(Waiting, ReadersGetInAmongWritersThatKeepComing) {
   for (std::thread& thread : writers) thread.join();
 }
 
-// A lock that is taken until the wait is over, is had then, but with a file that was exchanged
-// meanwhile, and is taken for ever from then on.
+// A lock that is had at the first try, which lasts until the wait is over, but with a file that was
+// exchanged meanwhile, and is taken for ever from then on.
 class ExchangedAtTheEnd : public test::FaultyFileSystem {
  public:
-  ExchangedAtTheEnd(std::string gate, milliseconds wait)
-      : m_gate(std::move(gate)), m_end(Clock::now() + wait) {}
+  ExchangedAtTheEnd(std::string gate, milliseconds wait) : m_gate(std::move(gate)), m_wait(wait) {}
 
   int lock(int fd, int operation) override {
     if ((operation & LOCK_NB) == 0) return FaultyFileSystem::lock(fd, operation);
     if (m_exchanged) return ++m_lockings == 1 ? 0 : (++triesAfterwards, -EWOULDBLOCK);
-    if (Clock::now() < m_end) return -EWOULDBLOCK;
+    std::this_thread::sleep_for(m_wait);
     std::filesystem::rename(m_gate + ".new", m_gate);
     m_exchanged = true;
     return 0;
@@ -181,7 +180,7 @@ class ExchangedAtTheEnd : public test::FaultyFileSystem {
 
  private:
   std::string m_gate;
-  Clock::time_point m_end;
+  milliseconds m_wait;
   bool m_exchanged = false;
   int m_lockings = 0;  // behind the gate
 };

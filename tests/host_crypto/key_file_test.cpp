@@ -9,6 +9,7 @@
 
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/file_times.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -221,11 +222,7 @@ class FixedTimeFileSystem : public test::FaultyFileSystem {
 
  private:
   int fixed(int result, struct stat& info) const {
-#ifdef __APPLE__
-    info.st_ctimespec = {m_time, 0};
-#else
-    info.st_ctim = {m_time, 0};
-#endif
+    test::changedAt(info) = {m_time, 0};
     return result;
   }
 

@@ -4,29 +4,20 @@
 
 #include <filesystem>
 
+#include "tests/support/file_times.h"
+
 namespace fs = std::filesystem;
 
 namespace test {
 namespace {
 
-std::string text(const timespec& time) {
-  return std::to_string(time.tv_sec) + "." + std::to_string(time.tv_nsec);
-}
-
 std::string describe(const std::string& path, bool withChange) {
   struct stat info {};
   if (::lstat(path.c_str(), &info) != 0) return "gone";
-#ifdef __APPLE__
-  const timespec& written = info.st_mtimespec;
-  const timespec& changed = info.st_ctimespec;
-#else
-  const timespec& written = info.st_mtim;
-  const timespec& changed = info.st_ctim;
-#endif
   std::string all = "mode " + std::to_string(info.st_mode) + ", owner " +
                     std::to_string(info.st_uid) + ":" + std::to_string(info.st_gid) + ", written " +
-                    text(written);
-  if (withChange) all += ", changed " + text(changed);
+                    timeText(writtenAt(info));
+  if (withChange) all += ", changed " + timeText(changedAt(info));
   if (S_ISREG(info.st_mode)) all += ", bytes " + readFile(path);
   return all;
 }

@@ -20,6 +20,8 @@ constexpr const char* c_baseAlone =
 constexpr const char* c_fipsAlone =
     "openssl_conf = init\n[init]\nalg_section = all\n[all]\ndefault_properties = fips=yes\n";
 
+constexpr const char* c_doesNotOpen = "password does not open|passwords do not open";
+
 void leave(const Workshop&) {}
 
 void shortenKey(const Workshop& w) {
@@ -57,11 +59,13 @@ const std::vector<Situation>& situations() {
     std::vector<Situation> list(6);
     list[0] = {"noCipher", leave, c_baseAlone, "AES-256-GCM", "AES-256-GCM", true};
     list[1] = {"onlyFips", leave, c_fipsAlone, "AES-256-GCM", "AES-256-GCM", true};
-    list[2] = {"shortKey", shortenKey, "", "password.key", "password.key"};
-    list[3] = {"closedKey", closeKey, "", "password.key", "password.key", false, false, true};
+    list[2] = {"shortKey", shortenKey, "", "has not the size of a key",
+               "has not the size of a key"};
+    list[3] = {"closedKey",         closeKey, "",    "Permission denied",
+               "Permission denied", false,    false, true};
     // A new key protects what is written, and opens nothing of what was written before.
-    list[4] = {"missingKey", removeKey, "", "assword", nullptr, false, true};
-    list[5] = {"keyOfAnotherAgent", exchangeKey, "", "assword", nullptr};
+    list[4] = {"missingKey", removeKey, "", c_doesNotOpen, nullptr, false, true};
+    list[5] = {"keyOfAnotherAgent", exchangeKey, "", c_doesNotOpen, nullptr};
     return list;
   }();
   return all;

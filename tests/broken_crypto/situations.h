@@ -17,7 +17,8 @@ struct Situation {
   void (*prepare)(const Workshop& workshop);
   // What libcrypto is told; empty: the system's own configuration.
   const char* configuration = "";
-  // What an error line about a list that is read or written says; null when there is no such line.
+  // The pattern of what an error line about a list that is read or written says; null when there is
+  // no such line.
   const char* reasonToRead = nullptr;
   const char* reasonToWrite = nullptr;
   // Also holds for passwords under the server's key.

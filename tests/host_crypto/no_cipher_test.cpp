@@ -53,9 +53,15 @@ class NoCipher : public testing::TestWithParam<std::pair<const char*, const char
   std::vector<std::string> linesOf(const std::string& span) {
     const test::TempDir dir;
     test::writeFile(dir.file("openssl.cnf"), GetParam().second);
+    const char* const old = std::getenv("OPENSSL_CONF");
+    const std::string usual = old ? old : "";
     ::setenv("OPENSSL_CONF", dir.file("openssl.cnf").c_str(), 1);
     test::ChildProcess child("useCiphers", {span});
-    ::unsetenv("OPENSSL_CONF");
+    if (old) {
+      ::setenv("OPENSSL_CONF", usual.c_str(), 1);
+    } else {
+      ::unsetenv("OPENSSL_CONF");
+    }
     std::vector<std::string> lines;
     for (std::string line = child.receive(); !line.empty() && line != "end";
          line = child.receive()) {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/xml/limits.h"
 #include "tests/host_xml/documents.h"
 #include "tests/support/memory_file_system.h"
 
@@ -134,6 +135,58 @@ TEST(DocumentWriter, WritesElementsOfAnyDepthAndNumber) {
     element = element.AddElementInto(L"inner");
   }
   EXPECT_EQ(textOf(writer), textOf(document));
+}
+
+// --- Limits --------------------------------------------------------------------------------------
+
+// What a writer with this content writes, which a reader takes.
+std::string readableTextOf(DocumentWriter& writer) {
+  const std::string text = textOf(writer);
+  const test::DocumentPtr document(Parser().ParseUtf8(text.data(), text.size()));
+  EXPECT_NE(document, nullptr);
+  return text;
+}
+
+void expectOverLimit(DocumentWriter& writer) {
+  writer.Finish();
+  test::MemoryFileSystem disk;
+  disk.put("/d/list", "old");
+  try {
+    WriteDocumentToFile(L"/d/list", writer);
+    ADD_FAILURE() << "it is written";
+  } catch (const ReadWriteException& e) {
+    EXPECT_EQ(e.GetErrorCode(), ReadWriteException::LIMIT_EXCEEDED);
+  }
+  EXPECT_EQ(*disk.find("/d/list"), "old");
+}
+
+// The root is the first element of the depth.
+void openNested(DocumentWriter& writer, std::size_t depth) {
+  for (std::size_t i = 1; i < depth; ++i) writer.Open(L"e");
+}
+
+TEST(DocumentWriter, HoldsTheLimitOfTheDepth) {
+  DocumentWriter most(L"r");
+  openNested(most, host::c_maxDepth);
+  EXPECT_NE(readableTextOf(most), "");
+  DocumentWriter tooMany(L"r");
+  openNested(tooMany, host::c_maxDepth + 1);
+  expectOverLimit(tooMany);
+}
+
+void addAttributes(DocumentWriter& writer, std::size_t number) {
+  for (std::size_t i = 0; i < number; ++i) {
+    addAttribute(writer, (L"a" + std::to_wstring(i)).c_str(), L"v");
+  }
+}
+
+TEST(DocumentWriter, HoldsTheLimitOfTheAttributes) {
+  DocumentWriter most(L"r");
+  addAttributes(most, host::c_maxAttributes);
+  EXPECT_NE(readableTextOf(most), "");
+  DocumentWriter tooMany(L"r");
+  addAttributes(tooMany, host::c_maxAttributes + 1);
+  expectOverLimit(tooMany);
 }
 
 }  // namespace

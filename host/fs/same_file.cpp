@@ -4,6 +4,15 @@
 #include "host/fs/path_walk.h"
 
 namespace host {
+namespace {
+
+// Whether both are one file that has a single name. On a file system that ignores case that name
+// may have been written in two ways.
+bool haveOneName(const struct stat* a, const struct stat* b) {
+  return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino && a->st_nlink == 1;
+}
+
+}  // namespace
 
 int wouldReplace(const std::string& path, const std::string& other, bool& answer) {
   PathWalk first(Links::All);
@@ -15,7 +24,9 @@ int wouldReplace(const std::string& path, const std::string& other, bool& answer
   if (error == 0) error = -fileSystem().statOpen(first.directory(), a);
   if (error == 0) error = -fileSystem().statOpen(second.directory(), b);
   if (error) return error;
-  answer = first.name() == second.name() && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+  const bool isOneDirectory = a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+  answer = isOneDirectory &&
+           (first.name() == second.name() || haveOneName(first.found(), second.found()));
   return 0;
 }
 

@@ -202,6 +202,28 @@ TEST_F(Files, AreTheSameWhenWritingOneReplacesTheOther) {
   EXPECT_TRUE(agent.log().empty());
 }
 
+// A file system on which "F" is another way to write "f".
+class IgnoringCase : public test::FaultyFileSystem {
+ public:
+  int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
+    return FaultyFileSystem::stat(directory, path == "F" ? "f" : path, follow, out);
+  }
+  int readLink(int directory, const std::string& path, std::string& target,
+               struct stat& link) override {
+    return FaultyFileSystem::readLink(directory, path == "F" ? "f" : path, target, link);
+  }
+};
+
+TEST_F(Files, AreTheSameWhenOneNameIsWrittenInTwoWays) {
+  test::writeFile(path("d/f"), "x");
+  std::filesystem::create_symlink("d/F", path("link"));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("link"), wpath("d/f"))) << "F is not there";
+  const IgnoringCase files;
+  EXPECT_TRUE(AFiler::isSameFile(wpath("d/F"), wpath("d/f")));
+  EXPECT_TRUE(AFiler::isSameFile(wpath("link"), wpath("d/f")));
+  EXPECT_TRUE(AFiler::isSameFile(wpath("d/f"), wpath("link")));
+}
+
 TEST_F(Files, AreNotTheSameWhenTheyOnlyShareTheirNameOrTheirBytes) {
   test::writeFile(path("d/f"), "x");
   test::writeFile(path("e/f"), "x");

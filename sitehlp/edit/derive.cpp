@@ -47,8 +47,9 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
       joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);
   // A link from one name to the other would have the client list lose its local sites.
   if (AFiler::isSameFile(targetPath, sourcePath)) {
-    logCause(L"Server site list not written: " + targetPath + L" leads to " + sourcePath +
-             L", which it is made from; remove the link");
+    logCause(L"Server site list not written: " + targetPath + L" and " + sourcePath +
+             L" lead to the same file, or that cannot be told; remove the symbolic link between "
+             L"them");
     return false;
   }
   return writeLocked(document, targetPath);

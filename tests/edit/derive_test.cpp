@@ -27,6 +27,16 @@ class DeriveServerList : public testing::Test {
     return result();
   }
   std::string result() const { return canonical(readFile(to.file("ServerSiteList.xml"))); }
+  // The list in `target` is refused because its name and that of the source lead to one file.
+  void expectToldOfTheLink(const TempDir& target) {
+    EXPECT_THAT(
+        agent.texts(LogLevel::Error),
+        ElementsAre(L"Server site list not written: " + wide(target.file("ServerSiteList.xml")) +
+                    L" and " + wide(from.file("SiteList.xml")) +
+                    L" lead to the same file, or that cannot be told; remove the symbolic "
+                    L"link between them"));
+    agent.clearLog();
+  }
   static std::string local(const std::string& element, const std::string& value) {
     return "<" + element + " Name=\"n\" Local=\"" + value + "\"><A>a</A></" + element + ">";
   }
@@ -171,10 +181,12 @@ TEST_F(DeriveServerList, refusesATargetThatLeadsToItsSource) {
   client(list);
   std::filesystem::create_symlink("SiteList.xml", from.file("ServerSiteList.xml"));
   EXPECT_FALSE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
+  expectToldOfTheLink(from);
   EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
   // And over a chain of links into another directory.
   std::filesystem::create_symlink(from.file("ServerSiteList.xml"), to.file("ServerSiteList.xml"));
   EXPECT_FALSE(derive());
+  expectToldOfTheLink(to);
   EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
 }
 
@@ -183,6 +195,7 @@ TEST_F(DeriveServerList, refusesASourceThatLeadsToItsTarget) {
   writeFile(from.file("ServerSiteList.xml"), list);
   std::filesystem::create_symlink("ServerSiteList.xml", from.file("SiteList.xml"));
   EXPECT_FALSE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
+  expectToldOfTheLink(from);
   EXPECT_EQ(readFile(from.file("ServerSiteList.xml")), list);
 }
 

@@ -130,6 +130,8 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
     writeSites(*this, list, writer, result);
     document.Finish();
     refuseUnreadable(list, document);
+    // Made before the list is written: nothing behind that may end in the outer handler.
+    SitesHelperUtil* const meshService = SitesHelperUtil::getInstance();
 
     InterProcessWriteLock lock(c_siteListLock);
     lock.lock(c_waitForEver);
@@ -141,7 +143,7 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
       result = c_errorWrite;
     }
     lock.unlock();
-    SitesHelperUtil::getInstance()->writeMeshServiceSiteList(document);
+    meshService->writeMeshServiceSiteList(document);
   } catch (...) {
     // Nothing was written; the caller gets the result so far.
     logCaught(c_notWritten, path.empty() ? m_strSiteListFile : path);

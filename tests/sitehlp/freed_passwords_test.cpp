@@ -9,18 +9,19 @@
 #include <string>
 #include <vector>
 
+#include "tests/sitehlp/counted_new.h"
 #include "tests/sitehlp/password_fixture.h"
 
 // Looks into every block of memory that is given back, for as long as it is asked to.
 namespace {
 
-constexpr std::size_t c_head = alignof(std::max_align_t);
+constexpr std::size_t c_head = test::blockSizeOfNew(0);
 constexpr wchar_t c_secret[] = L"s3cret!s3cret!";
 std::atomic<bool> g_watching{false};
 std::atomic<int> g_found{0};
 
 void* allocate(std::size_t size) {
-  unsigned char* const block = static_cast<unsigned char*>(std::malloc(size + c_head));
+  unsigned char* const block = static_cast<unsigned char*>(std::malloc(test::blockSizeOfNew(size)));
   if (!block) throw std::bad_alloc();
   std::memcpy(block, &size, sizeof size);
   return block + c_head;

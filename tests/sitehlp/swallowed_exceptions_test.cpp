@@ -5,8 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "sitehlp/sites_helper_util.h"
+#include "tests/import/failing_allocation.h"
+#include "tests/sitehlp/counted_new.h"
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/writer_fixture.h"
+#include "tests/support/child_process.h"
 
 // An operation that answers with a code where something was thrown leaves one error line that says
 // what it was.
@@ -111,6 +115,30 @@ TEST_F(SwallowedException, WhileADocumentIsBuiltIsTold) {
   }
   EXPECT_THAT(causes(),
               ElementsAre(L"Site list not written: " + path("out.xml") + L": not enough memory"));
+}
+
+// The object that tells the mesh service is made once in a process. This is the first list of its
+// process, and there is no memory for that object.
+CHILD_PROCESS(writeWithoutMemoryToTellTheMeshService) {
+  const test::TestAgent agent;
+  const std::string list = agent.dataDirectory() + "/out.xml";
+  const test::FailingAllocation failing(test::blockSizeOfNew(sizeof(sitehlp::SitesHelperUtil)), 0);
+  const int code =
+      sitehlp::CSitesHelper(true).CreateSiteList(nullptr, test::wide(list), L"G", L"L", L"T", {});
+  const auto errors = agent.texts(LogLevel::Error);
+  channel.send(std::to_string(failing.failed()) + " refused, result " + std::to_string(code));
+  channel.send(test::exists(list) ? "written" : "not written");
+  channel.send(std::to_string(errors.size()) + " " +
+               (errors.empty() ? "" : test::narrow(errors[0]).substr(0, 23)));
+  return 0;
+}
+
+TEST_F(SwallowedException, SaysThatNothingIsWrittenOnlyWhereThatIsSo) {
+  test::ChildProcess child("writeWithoutMemoryToTellTheMeshService", {});
+  EXPECT_EQ(child.receive(), "1 refused, result 0");
+  EXPECT_EQ(child.receive(), "not written");
+  EXPECT_EQ(child.receive(), "1 Site list not written: ");
+  EXPECT_EQ(child.wait(), 0);
 }
 
 TEST_F(SwallowedException, DoesNotComeWithAFileThatIsMerelyMissing) {

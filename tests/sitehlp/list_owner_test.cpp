@@ -149,6 +149,12 @@ TEST(ResultText, IsOneLineOfItsOwnForEachCode) {
   }
 }
 
+TEST(ResultText, OfAFileThatCannotBeReadIsTheSameForBothCodes) {
+  const int code = AdvXMLParser::ReadWriteException::READ_FAILED;
+  EXPECT_STREQ(sitehlp::resultText(code), sitehlp::resultText(sitehlp::c_errorRead));
+  EXPECT_STRNE(sitehlp::resultText(code), sitehlp::resultText(-12345));
+}
+
 TEST(ResultText, SaysWhatToDoAboutEveryFailure) {
   for (int code = -200; code < 0; ++code) {
     EXPECT_NE(std::string(sitehlp::resultText(code)).find("; "), std::string::npos) << code;

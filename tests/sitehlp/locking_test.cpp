@@ -17,8 +17,11 @@ using sitehlp::CSitesHelper;
 using sitehlp::tag_Site;
 using test::LockState;
 using test::Probe;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::Pair;
+using testing::StartsWith;
 
 class Locking : public test::SitesHelperTest {
  protected:
@@ -177,6 +180,44 @@ TEST_F(Locking, VersionsAreReadUnderTheReadLock) {
     store("<a>\xFF</a>");
     EXPECT_EQ(helper.GetSitelistVersions(file, text, text, text), -10);
   });
+}
+
+// --- Without a lock
+// -------------------------------------------------------------------------------
+
+// A lock that cannot be had is told; the operation goes on.
+class NoLock : public test::SitesHelperTest {
+ protected:
+  NoLock() {
+    const std::string file = agent.dataDirectory() + "/locks/SiteListLock.lock";
+    agent.apply();  // lets the lock files go
+    std::filesystem::remove_all(file);
+    std::filesystem::create_directories(file);
+    agent.clearLog();
+  }
+  // The one error since the last question.
+  std::string error() {
+    const std::vector<std::wstring> errors = agent.texts(LogLevel::Error);
+    EXPECT_EQ(errors.size(), 1u);
+    agent.clearLog();
+    return errors.empty() ? "" : test::narrow(errors[0]);
+  }
+  std::string beginning() const {
+    return "Cannot lock " + agent.dataDirectory() + "/locks/SiteListLock.lock: ";
+  }
+  static constexpr const char* c_ending =
+      "; an operation that goes on is not protected from other processes";
+};
+
+TEST_F(NoLock, ReadAndWriteGoOnAndThatIsTold) {
+  const test::ListPtr list(test::newSite(sitehlp::SITE_KIND_HTTP));
+  EXPECT_EQ(helper.CreateSiteList(list.get(), path("out.xml"), L"G", L"L", L"T", {}), 0);
+  EXPECT_THAT(error(), AllOf(StartsWith(beginning()), EndsWith(c_ending)));
+  agent.apply();  // the error is told again
+  const Read result = readPath(path("out.xml"));
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(test::lengthOf(result.list.get()), 1);
+  EXPECT_THAT(error(), AllOf(StartsWith(beginning()), EndsWith(c_ending)));
 }
 
 // --- The cached list

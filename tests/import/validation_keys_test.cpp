@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/import/documents.h"
+#include "tests/import/key_file_system.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
 #include "tests/support/test_agent.h"
@@ -75,6 +76,18 @@ TEST_F(KeyValidation, anEmptyKeyFileCountsAsMissing) {
   key("req2048seckey.bin", "r");
   key("sr2048pubkey.bin", "p");
   EXPECT_TRUE(validate()) << "an empty file of a pair does not spoil the other";
+}
+
+TEST_F(KeyValidation, aKeyFileThatCannotBeExaminedCountsAsMissing) {
+  key("reqseckey.bin");
+  key("srpubkey.bin");
+  ASSERT_TRUE(validate());
+  KeyFileSystem files;
+  files.unanswerable = {incoming.file("srpubkey.bin")};
+  EXPECT_FALSE(validate());
+  EXPECT_THAT(libraryMessages(agent), ElementsAre(publicKeyFault));
+  key("sr2048pubkey.bin");
+  EXPECT_TRUE(validate());
 }
 
 TEST_F(KeyValidation, aServerWithoutVersionNeedsNoKeys) {

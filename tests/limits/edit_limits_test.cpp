@@ -1,0 +1,76 @@
+#include "host/xml/limits.h"
+#include "tests/limits/limits_fixture.h"
+
+// Edited lists that a reader would refuse are not written.
+namespace {
+
+using namespace sitehlp;
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string server(const std::string& name, const std::string& children = "") {
+  return "<VestaSite Type=\"master\" Name='" + name +
+         "' Server=\"s:80\" ServerName=\"s:80\" ServerIP=\"10.0.0.1:80\">" + children +
+         "</VestaSite>";
+}
+
+std::string withAttributes(const std::string& element, const std::string& prefix,
+                           std::size_t number) {
+  std::string text = "<" + element;
+  for (std::size_t i = 0; i < number; ++i) text += " " + prefix + std::to_string(i) + "=\"v\"";
+  return text + "/>";
+}
+
+class EditLimits : public LimitsTest {
+ protected:
+  EditLimits() {
+    agent.settings.logLevel = LogLevel::Error;
+    agent.apply();
+  }
+
+  // Adds the servers of another list to one with these children.
+  bool addServers(const std::string& children, const std::string& servers) {
+    writeFile(own, document(children));
+    writeFile(incoming, document(servers));
+    agent.clearLog();
+    return CSitesHelper(wide(own)).modifySiteList(wide(incoming).c_str(), false, true, L"");
+  }
+  void expectAdded(const std::string& children, const std::string& servers) {
+    EXPECT_TRUE(addServers(children, servers));
+    EXPECT_THAT(agent.texts(LogLevel::Error), IsEmpty());
+    EXPECT_EQ(readCode(own), c_success);
+    EXPECT_TRUE(readFile(own) != document(children)) << "nothing was added";
+  }
+  void expectRefused(const std::string& children, const std::string& servers,
+                     const std::wstring& limit) {
+    EXPECT_FALSE(addServers(children, servers));
+    EXPECT_THAT(agent.texts(LogLevel::Error),
+                ElementsAre(L"Cannot write the edited list: document over the limit: " + limit));
+    EXPECT_TRUE(readFile(own) == document(children)) << "the list is another one";
+  }
+
+  const TempDir work;
+  const std::string incoming = work.file("SiteList.xml");
+};
+
+TEST_F(EditLimits, HoldForTheSitesOfAList) {
+  expectAdded(repeated("<LocalSite/>", host::c_maxChildren - 1), server("new"));
+  expectRefused(repeated("<LocalSite/>", host::c_maxChildren), server("new"),
+                L"number of child elements");
+}
+
+// A quotation mark between apostrophes becomes "&quot;" when it is written.
+TEST_F(EditLimits, HoldForATagThatGrows) {
+  expectAdded("", server(std::string(host::c_maxTokenBytes / 8, '"')));
+  expectRefused("", server(std::string(host::c_maxTokenBytes / 6, '"')), L"length of a token");
+}
+
+// Elements of one name below a site become one, which has the attributes of all.
+TEST_F(EditLimits, HoldForTheAttributesOfElementsThatBecomeOne) {
+  const std::string most = withAttributes("Odd", "a", host::c_maxAttributes);
+  expectAdded("", server("new", most + withAttributes("Odd", "a", 1)));
+  expectRefused("", server("new", most + withAttributes("Odd", "b", 1)), L"number of attributes");
+}
+
+}  // namespace

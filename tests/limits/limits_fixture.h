@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -32,15 +33,21 @@ inline std::size_t lengthOf(const sitehlp::tag_Site* head) {
   return count;
 }
 
-// An agent with a list and a mesh copy, and what a file reads as.
+// An agent with a list and a mesh copy, whose mesh service leaves a mark when it is told to load,
+// and what a file reads as.
 class LimitsTest : public testing::Test {
  protected:
   LimitsTest() {
-    agent.settings.meshLoadCommand.clear();
+    agent.settings.meshLoadCommand = {"/bin/sh", "-c", "echo told > \"$1\"", "sh", mark};
     agent.settings.logLevel = LogLevel::Off;
     agent.apply();
+    putBack();
+  }
+
+  void putBack() {
     writeFile(own, c_oldList);
     writeFile(mesh, c_oldMesh);
+    std::remove(mark.c_str());
   }
 
   int readCode(const std::string& path) {
@@ -60,6 +67,7 @@ class LimitsTest : public testing::Test {
   void expectNothingWritten() {
     EXPECT_TRUE(readFile(own) == c_oldList) << "the old list is gone";
     EXPECT_TRUE(readFile(mesh) == c_oldMesh) << "the mesh service's copy is another one";
+    EXPECT_FALSE(exists(mark)) << "the mesh service is told";
   }
 
   const std::string c_oldList = document(httpElement("old"));
@@ -67,6 +75,7 @@ class LimitsTest : public testing::Test {
   TestAgent agent;
   const std::string own = agent.etc("SiteList.xml");
   const std::string mesh = agent.dataDirectory() + "/mesh/SiteList.xml";
+  const std::string mark = agent.dataDirectory() + "/told";
   std::size_t count = 0;  // records of the list read last
 };
 

@@ -50,6 +50,7 @@ class WriterLimits : public LimitsTest {
     EXPECT_EQ(versionsCode(own), c_success);
     EXPECT_EQ(certificatesCode(own), c_success);
     EXPECT_TRUE(readFile(mesh) == readFile(own));
+    EXPECT_TRUE(exists(mark)) << "the mesh service is not told";
   }
   void setPolicies(std::size_t number) {
     for (std::size_t i = 0; i < number; ++i) {
@@ -98,8 +99,7 @@ TEST_F(WriterLimits, CountTheBytesOfAValueAndNotItsCharactersOrTheirEscapes) {
   euros.append(host::c_maxTokenBytes % c_euroBytes, L'x');
   for (const std::wstring& value : {std::wstring(host::c_maxTokenBytes, L'x'),
                                     std::wstring(host::c_maxTokenBytes, L'&'), euros}) {
-    writeFile(own, c_oldList);
-    writeFile(mesh, c_oldMesh);
+    putBack();
     helper.SetPolicySetting(L"long", value + L'x');
     expectRefused(write());
     helper.SetPolicySetting(L"long", value);
@@ -128,8 +128,7 @@ TEST_F(WriterLimits, HoldForTheValueOfAnAttribute) {
                              Character{c_euro, c_euroBytes, c_euroBytes}}) {
     SCOPED_TRACE(c.written);
     const auto writeLong = [&](std::size_t length) {
-      writeFile(own, c_oldList);
-      writeFile(mesh, c_oldMesh);
+      putBack();
       return helper.CreateSiteList(nullptr, wide(own), std::wstring(length, c.character), L"L",
                                    L"Client", {});
     };
@@ -158,8 +157,7 @@ TEST_F(WriterLimits, HoldForTheWholeDocumentToTheByte) {
   certificates.back().append(room % c_escaped, L'x');
   ASSERT_LT(certificates.back().size(), host::c_maxTokenBytes);
 
-  writeFile(own, c_oldList);
-  writeFile(mesh, c_oldMesh);
+  putBack();
   certificates.back() += L'x';
   expectRefused(write(nullptr, certificates));
   certificates.back().pop_back();

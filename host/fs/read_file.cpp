@@ -1,34 +1,21 @@
 #include <fcntl.h>
-#include <openssl/crypto.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
+#include "host/process/secret.h"
 
 namespace host {
 namespace {
 
-// A text that is wiped wherever its memory is given back: the file may hold a key.
-class Buffer {
- public:
-  explicit Buffer(std::size_t size) : m_bytes(size, '\0') {}
-  Buffer(const Buffer&) = delete;
-  Buffer& operator=(const Buffer&) = delete;
-  ~Buffer() { OPENSSL_cleanse(m_bytes.data(), m_bytes.size()); }
-
-  void grow(std::size_t size) {
-    Buffer larger(size);
-    std::copy(m_bytes.begin(), m_bytes.end(), larger.m_bytes.begin());
-    m_bytes.swap(larger.m_bytes);
-  }
-
-  std::string& bytes() { return m_bytes; }
-
- private:
-  std::string m_bytes;
-};
+// The file may hold a key, so what a text leaves behind when it grows is wiped as well.
+void grow(SecretText& text, std::size_t size) {
+  SecretText larger(size);
+  std::copy(text->begin(), text->end(), larger->begin());
+  text->swap(*larger);
+}
 
 int checkRegular(int fd, std::size_t limit, std::size_t& size) {
   struct stat info;
@@ -52,20 +39,19 @@ int readRegularFile(const std::string& path, std::size_t limit, std::string& byt
   if (const int error = checkRegular(file.get(), limit, size)) return error;
 
   // One byte more than the size, so that the end shows without growing.
-  Buffer buffer(size + 1);
+  SecretText buffer(size + 1);
   std::size_t done = 0;
   for (;;) {
-    if (done == buffer.bytes().size()) buffer.grow(2 * done);
-    const ssize_t n =
-        fileSystem().read(file.get(), &buffer.bytes()[done], buffer.bytes().size() - done);
+    if (done == buffer->size()) grow(buffer, 2 * done);
+    const ssize_t n = fileSystem().read(file.get(), buffer->data() + done, buffer->size() - done);
     if (n < 0) return static_cast<int>(-n);
     if (n == 0) break;
     done += static_cast<std::size_t>(n);
     if (done > limit) return EFBIG;  // it grew meanwhile
   }
-  OPENSSL_cleanse(&buffer.bytes()[done], buffer.bytes().size() - done);
-  buffer.bytes().resize(done);
-  bytes.swap(buffer.bytes());
+  wipe(buffer->data() + done, buffer->size() - done);
+  buffer->resize(done);
+  bytes.swap(*buffer);
   return 0;
 }
 

@@ -89,9 +89,12 @@ TEST_F(OwnLinks, AtTheEndOfAPathAreFollowedAndStay) {
 }
 
 TEST_F(OwnLinks, OnTheWayAreFollowed) {
+  const std::string made = workshop.agent.dataDirectory() + "/fresh";
+  unsigned long followed = 0;
   for (const Operation& operation : test::writingOperations()) {
+    const test::State expected = withoutLinks(operation);
     for (const Name& name : test::namesOf(workshop)) {
-      if (name.kind != Name::Kind::Directory || !test::exists(name.path)) continue;
+      if (name.kind != Name::Kind::Directory || name.path == made) continue;
       SCOPED_TRACE(testing::Message() << operation.name << " through " << name.path);
       workshop.reset(operation);
       workshop.agent.apply();
@@ -99,17 +102,22 @@ TEST_F(OwnLinks, OnTheWayAreFollowed) {
       const std::string aside = elsewhere.file("directory");
       fs::remove_all(aside);
       fs::copy(name.path, aside, fs::copy_options::recursive);
-      fs::rename(name.path, name.path + ".aside");
+      fs::remove_all(name.path);
       fs::create_symlink(aside, name.path);
       EXPECT_THAT(runOver(name, operation), IsEmpty());
       EXPECT_TRUE(fs::is_symlink(name.path));
       fs::remove(name.path);
-      fs::rename(name.path + ".aside", name.path);
+      fs::copy(aside, name.path, fs::copy_options::recursive);
+      EXPECT_EQ(workshop.state(), expected);
+      ++followed;
     }
   }
+  // One operation makes the directory of the key anew.
+  EXPECT_EQ(followed, 6 * test::writingOperations().size() - 1);
 }
 
 TEST_F(OwnLinks, OfRootAreFollowedByTheAgentsUser) {
+  unsigned long followed = 0;
   for (const Operation& operation : test::writingOperations()) {
     for (const Name& name : test::namesOf(workshop)) {
       if (!mayBeLink(name)) continue;
@@ -120,9 +128,11 @@ TEST_F(OwnLinks, OfRootAreFollowedByTheAgentsUser) {
       link(name);  // of the user who runs the test
       test::giveToAgent(elsewhere.path());
       EXPECT_THAT(test::asAgentUser([&] { return runOver(name, operation); }), IsEmpty());
+      ++followed;
       cleanUp(name);
     }
   }
+  EXPECT_EQ(followed, 9 * test::writingOperations().size());
 }
 
 }  // namespace

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
+#include <vector>
+
+#include "tests/resilience_memory/every_allocation.h"
 
 namespace {
 
@@ -41,6 +45,38 @@ void expectAShortTextIsWiped(const Text& text) {
 TEST(Secret, WipesATextThatIsInTheObjectItself) {
   expectAShortTextIsWiped(std::string("hidden"));
   expectAShortTextIsWiped(std::wstring(L"pin"));
+}
+
+// What blocks hold when they are given back.
+const std::string c_hidden = "hidden where no short text can be";
+const std::vector<std::string> c_needles = {c_hidden};
+
+template <typename Bytes>
+unsigned long foundAfterGrowthAndEnd() {
+  const test::FreedBlocks freed(c_needles);
+  {
+    Bytes bytes(c_hidden.begin(), c_hidden.end());
+    bytes.reserve(10 * c_hidden.size());
+    EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), c_hidden.begin(), c_hidden.end()));
+  }
+  EXPECT_GE(freed.searched(), 2U);
+  return freed.found();
+}
+
+TEST(SecretBytes, AreWipedWhenTheyGrowAndWhenTheyDie) {
+  EXPECT_EQ(foundAfterGrowthAndEnd<std::vector<unsigned char>>(), 2U) << "the search is blind";
+  EXPECT_EQ(foundAfterGrowthAndEnd<host::SecretBytes>(), 0U);
+}
+
+TEST(Secret, WipesATextThatIsInMemoryOfItsOwn) {
+  const test::FreedBlocks freed(c_needles);
+  { const std::string plain = c_hidden; }
+  EXPECT_EQ(freed.found(), 1U) << "the search is blind";
+  {
+    host::SecretText secret(c_hidden.size());
+    secret->assign(c_hidden);
+  }
+  EXPECT_EQ(freed.found(), 1U);
 }
 
 TEST(Secret, HoldsATextOfTheSizeThatItIsMadeWith) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,12 +15,12 @@
 #include "platform/lock/interprocess_lock.h"
 #include "tests/host_process/in_child.h"
 #include "tests/support/child_process.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/test_agent.h"
 
-// Processes that fork while their threads are at work. Builds with a sanitizer do without them: the
-// allocators of AddressSanitizer and ThreadSanitizer are not taken around a fork, so that a child
-// may hang in there.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// Processes that fork while their threads are at work. Builds with a sanitizer do without the
+// threads: the allocators of AddressSanitizer and ThreadSanitizer are not taken around a fork, so
+// that a child may hang in there.
 namespace {
 
 using test::inChild;
@@ -53,12 +54,19 @@ bool doAll() {
   return readSettings() && protectOne() && logOne() && lockOne() && host::forkGeneration() != 0;
 }
 
+// The work of the threads beside the forks.
+std::vector<bool (*)()> besideForks(std::vector<bool (*)()> work) {
+  if (!TESTS_SANITIZED) return work;
+  std::printf("No threads run beside the forks with a sanitizer\n");
+  return {};
+}
+
 TEST(Fork, LeavesTheChildAllThatTheHostDoes) {
   const test::TestAgent agent;
   host::setLogSink([](LogLevel, const std::wstring&, const std::wstring&) {});  // keeps no lines
   std::atomic<bool> done{false};
   std::vector<std::thread> threads;
-  for (bool (*work)() : {protectOne, logOne, lockOne, readSettings}) {
+  for (bool (*work)() : besideForks({protectOne, logOne, lockOne, readSettings})) {
     threads.emplace_back([&done, work] {
       while (!done) work();
     });
@@ -77,7 +85,7 @@ CHILD_PROCESS(forkAtFirstUse) {
   std::atomic<bool> go{false};
   std::atomic<bool> done{false};
   std::vector<std::thread> threads;
-  for (bool (*work)() : {protectOne, logOne, lockOne, protectOne}) {
+  for (bool (*work)() : besideForks({protectOne, logOne, lockOne, protectOne})) {
     threads.emplace_back([&go, &done, work] {
       while (!go) std::this_thread::yield();
       while (!done) work();
@@ -100,5 +108,3 @@ TEST(Fork, AtTheFirstUseOfEverythingLeavesTheChildAllOfIt) {
 }
 
 }  // namespace
-
-#endif

@@ -2,13 +2,17 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
+
+#include "tests/support/sanitizer.h"
+
 namespace {
 
 using testing::IsEmpty;
 
 // Builds with a sanitizer do without this: the allocators of AddressSanitizer and ThreadSanitizer
 // are not taken around a fork, so that a child may hang in there.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !TESTS_SANITIZED
 TEST(AChildOfFork, doesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing) {
   const test::ForkFigures figures = test::forkBesideThreads(200);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
@@ -17,6 +21,7 @@ TEST(AChildOfFork, doesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing
 #endif
 
 TEST(AChildOfFork, keepsNothingOfItsForebears) {
+  if (TESTS_SANITIZED) std::printf("Forks beside threads are not tried with a sanitizer\n");
   const test::GenerationFigures figures = test::forkGenerations(100);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.heapOfFirst, 0u);

@@ -6,28 +6,16 @@
 #include <set>
 
 #include "platform/xml/advxmlparser.h"
+#include "tests/support/sanitizer.h"
 
 namespace {
 
 using AdvXMLParser::ReadWriteException;
 using testing::IsEmpty;
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define RESILIENCE_SANITIZED
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define RESILIENCE_SANITIZED
-#endif
-
 // A sanitizer rounds each allocation up and keeps what was freed: what it needs is no figure of the
 // library, and is not held against it.
-#ifdef RESILIENCE_SANITIZED
-constexpr bool c_measuresMemory = false;
-#else
-constexpr bool c_measuresMemory = true;
-#endif
+constexpr bool c_measuresMemory = TESTS_SANITIZED == 0;
 constexpr double c_mostMemory = 32;
 
 TEST(AHostileDocument, isReadOrRefusedWithinBoundsOfMemoryAndStack) {

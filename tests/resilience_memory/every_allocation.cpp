@@ -8,16 +8,9 @@
 #include <new>
 #include <utility>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define SANITIZED
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SANITIZED
-#endif
+#include "tests/support/sanitizer.h"
 
-#if defined(__GLIBC__) && !defined(SANITIZED)
+#if defined(__GLIBC__) && !TESTS_SANITIZED
 #define WHOLE_PROCESS
 #include <malloc.h>
 extern "C" void* __libc_malloc(std::size_t size);

@@ -1,6 +1,8 @@
 #include "tests/support/heap.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include "tests/support/sanitizer.h"
+
+#if TESTS_SANITIZED
 // Its header comes with clang alone.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #elif defined(__APPLE__)
@@ -12,7 +14,7 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 namespace test {
 
 std::size_t heapInUse() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if TESTS_SANITIZED
   return __sanitizer_get_current_allocated_bytes();
 #elif defined(__APPLE__)
   malloc_statistics_t statistics;

@@ -8,20 +8,9 @@
 
 #include "tests/import/records.h"
 #include "tests/support/child_process.h"
+#include "tests/support/heap.h"
+#include "tests/support/sanitizer.h"
 #include "tests/threads/operations.h"
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define SANITIZED
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SANITIZED
-#endif
-#if defined(__GLIBC__) && !defined(SANITIZED)
-#define HEAP_IS_MEASURED
-#include <malloc.h>
-#endif
 
 namespace test {
 namespace {
@@ -36,13 +25,7 @@ constexpr long c_heapNoise = 128 * 1024;
 constexpr long c_heapNoiseOfAll = 1024 * 1024;
 
 // Bytes in use; a sanitizer looks for leaks itself.
-long heapInUse() {
-#ifdef HEAP_IS_MEASURED
-  return static_cast<long>(::mallinfo2().uordblks);
-#else
-  return 0;
-#endif
-}
+long bytesInUse() { return TESTS_SANITIZED ? 0 : static_cast<long>(heapInUse()); }
 
 bool mayRunTogether(const SharedOperation& a, const SharedOperation& b) {
   const auto releasesBeside = [](const SharedOperation& one, const SharedOperation& other) {
@@ -62,14 +45,14 @@ class Pairs {
     const Outcomes ofA = outcomesOf(a, b);
     const Outcomes ofB = outcomesOf(b, a);
     start(a.writes || b.writes);
-    const long before = heapInUse();
+    const long before = bytesInUse();
     Side sides[] = {{a, ofA}, {b, ofB}};
     m_ready = 0;
     std::thread other([&] { work(sides[1], sides[0]); });
     work(sides[0], sides[1]);
     other.join();
     forgetCache();
-    const long left = heapInUse() - before;
+    const long left = bytesInUse() - before;
     if (left > c_heapNoise) tell("FAULT leaves " + std::to_string(left) + " bytes");
     for (const Side& side : sides) {
       if (!side.strange.empty()) {
@@ -173,9 +156,9 @@ CHILD_PROCESS(runPairsFrom) {
   for (std::size_t i = std::stoul(args[0]); i < pairs.size(); i += c_parts) {
     channel.send("PAIR " + std::to_string(i));
     runner.run(*pairs[i].a, *pairs[i].b);
-    if (before == 0) before = heapInUse();  // what is made once is there
+    if (before == 0) before = bytesInUse();  // what is made once is there
   }
-  const long left = heapInUse() - before;
+  const long left = bytesInUse() - before;
   if (left > c_heapNoiseOfAll) {
     channel.send("FAULT together all pairs leave " + std::to_string(left) + " bytes");
   }

@@ -79,10 +79,10 @@ class PLATFORM_API AFiler {
   static bool getFileSize(const AString& path, unsigned long long& size);
 
   // Whether writing `a` would replace the file that `b` leads to: both, links at their ends
-  // followed, end at one name in one directory. Two names of one file (hard links) are not the same
-  // file, since a file is replaced by name. False when the directory of either is not there. True
-  // when it cannot be told for another reason, so that a caller that refuses to write over its
-  // source never does so by mistake; the reason goes to the detail log.
+  // followed, end at one name, in any spelling of it, in one directory. Two names of one file (hard
+  // links) are not the same file, since a file is replaced by name. False when the directory of
+  // either is not there. True when it cannot be told for another reason, so that a caller that
+  // refuses to write over its source never does so by mistake; the reason goes to the detail log.
   static bool isSameFile(const AString& a, const AString& b);
 };
 

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/lock/interprocess_lock.h"
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 #include "tests/support/child_process.h"

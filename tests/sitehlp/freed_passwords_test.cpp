@@ -1,58 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
-#include "tests/sitehlp/counted_new.h"
 #include "tests/sitehlp/password_fixture.h"
-
-// Looks into every block of memory that is given back, for as long as it is asked to.
-namespace {
-
-constexpr std::size_t c_head = test::blockSizeOfNew(0);
-constexpr wchar_t c_secret[] = L"s3cret!s3cret!";
-std::atomic<bool> g_watching{false};
-std::atomic<int> g_found{0};
-
-void* allocate(std::size_t size) {
-  unsigned char* const block = static_cast<unsigned char*>(std::malloc(test::blockSizeOfNew(size)));
-  if (!block) throw std::bad_alloc();
-  std::memcpy(block, &size, sizeof size);
-  return block + c_head;
-}
-
-void release(void* memory) noexcept {
-  if (!memory) return;
-  unsigned char* const bytes = static_cast<unsigned char*>(memory);
-  if (g_watching) {
-    std::size_t size = 0;
-    std::memcpy(&size, bytes - c_head, sizeof size);
-    const auto* const needle = reinterpret_cast<const unsigned char*>(c_secret);
-    const auto* const end = needle + sizeof c_secret - sizeof c_secret[0];
-    g_found += std::search(bytes, bytes + size, needle, end) != bytes + size;
-  }
-  std::free(bytes - c_head);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* memory) noexcept { release(memory); }
-void operator delete[](void* memory) noexcept { release(memory); }
-void operator delete(void* memory, std::size_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
+#include "tests/sitehlp/searched_new.h"
 
 namespace {
 
 using namespace std::string_literals;
 using sitehlp::tag_Site;
+using test::SearchedDeletes;
+
+constexpr wchar_t c_secret[] = L"s3cret!s3cret!";
+constexpr std::size_t c_secretSize = sizeof c_secret - sizeof c_secret[0];
 
 class FreedPasswords : public test::PasswordTest {
  protected:
@@ -68,23 +29,24 @@ class FreedPasswords : public test::PasswordTest {
         store(test::documentWithSites("<HttpSite Name=\"h\"><Password Encrypted=\"1\">" +
                                       sealedUtf8(password) + "</Password></HttpSite>"));
     sitehlp::tag_Site* list = nullptr;
-    g_found = 0;
-    g_watching = true;
-    const int code = helper.ReadSiteList(file, &list, true);
-    g_watching = false;
+    int code = 0;
+    int found = 0;
+    {
+      const SearchedDeletes deletes(c_secret, c_secretSize);
+      code = helper.ReadSiteList(file, &list, true);
+      found = deletes.found();
+    }
     const test::ListPtr owner(list);
     EXPECT_EQ(code, 0);
     EXPECT_EQ(std::wstring(list->http.szPassword), password.substr(0, 259));
-    return g_found;
+    return found;
   }
 };
 
 TEST_F(FreedPasswords, AreLookedFor) {
-  g_found = 0;
-  g_watching = true;
+  const SearchedDeletes deletes(c_secret, c_secretSize);
   { const std::wstring copy = std::wstring(100, L'x') + c_secret; }
-  g_watching = false;
-  EXPECT_GT(g_found, 0);
+  EXPECT_GT(deletes.found(), 0);
 }
 
 TEST_F(FreedPasswords, AreWipedWhateverTheirLength) {

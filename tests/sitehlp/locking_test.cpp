@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/log_sink.h"
+#include "platform/lock/interprocess_lock.h"
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 

@@ -7,8 +7,8 @@
 
 #include "sitehlp/sites_helper_util.h"
 #include "tests/import/failing_allocation.h"
-#include "tests/sitehlp/counted_new.h"
 #include "tests/sitehlp/hooked_file_system.h"
+#include "tests/sitehlp/searched_new.h"
 #include "tests/sitehlp/writer_fixture.h"
 #include "tests/support/child_process.h"
 

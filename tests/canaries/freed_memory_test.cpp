@@ -235,6 +235,25 @@ TEST_F(FreedMemory, HoldsNothingOfARecordThatWasReadAndChanged) {
   }
 }
 
+// As a member of another kind may do, which lies in the same place.
+TEST_F(FreedMemory, HoldsNothingBehindAZeroInAPassword) {
+  const auto hide = [this](wchar_t (&field)[c_textCapacity]) {
+    setText(field, L"x" + clear);
+    field[0] = L'\0';
+  };
+  tryPlainly({"zero before a password",
+              [&] {
+                fillList();
+                for (tag_Site* site = list.head(); site; site = site->pNext) {
+                  if (site->eSiteKind == SITE_KIND_HTTP) hide(site->http.szPassword);
+                  if (site->eSiteKind == SITE_KIND_FTP) hide(site->ftp.szPassword);
+                  if (site->eSiteKind == SITE_KIND_UNC) hide(site->unc.szPassword);
+                  if (site->eSiteKind == SITE_KIND_LOCAL) hide(site->local.szPassword);
+                }
+              },
+              [&] { list.clear(); }});
+}
+
 // A password in every place that a document has for one.
 std::string everyPlace(const std::string& sealed) {
   const std::string password = "<Password Encrypted=\"1\">" + sealed + "</Password>";

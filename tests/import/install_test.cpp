@@ -45,6 +45,17 @@ TEST_F(Install, makesTheIncomingListTheAgentsOwn) {
   EXPECT_TRUE(sameContent(*gotRecords[3], *expectedRecords[3]));
 }
 
+TEST_F(Install, takesTheVersionsOfTheListInPlaceWhenNoFileIsNamed) {
+  SiteChain sites;
+  sites.add(httpSite(L"given"));
+  EXPECT_EQ(helper->InternalImportSiteList(L"", sites.head(), wide(keyDir.path())), 0);
+  EXPECT_THAT(installedNames(), ElementsAre(L"given"));
+  std::wstring global, local, type;
+  ASSERT_EQ(helper->GetSitelistVersions(wide(own), global, local, type), 0);
+  EXPECT_EQ(global, L"oldG");
+  EXPECT_EQ(local, L"oldL");
+}
+
 TEST_F(Install, tracesItsScopeWithBothPaths) {
   incomingList(document(httpElement("a")));
   EXPECT_EQ(install(), 0);

@@ -43,13 +43,13 @@ class EditLimits : public LimitsTest {
     EXPECT_TRUE(readFile(own) != document(children)) << "nothing was added";
   }
   void expectRefused(const std::string& children, const std::string& servers,
-                     const std::wstring& limit) {
+                     const std::wstring& line) {
     EXPECT_FALSE(addServers(children, servers));
-    EXPECT_THAT(agent.texts(LogLevel::Error),
-                ElementsAre(L"Cannot write the edited list: document over the limit: " + limit));
+    EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(line));
     EXPECT_TRUE(readFile(own) == document(children)) << "the list is another one";
   }
 
+  const std::wstring tooMuch = L"Cannot write the edited list: document over the limit: ";
   const TempDir work;
   const std::string incoming = work.file("SiteList.xml");
 };
@@ -57,20 +57,30 @@ class EditLimits : public LimitsTest {
 TEST_F(EditLimits, HoldForTheSitesOfAList) {
   expectAdded(repeated("<LocalSite/>", host::c_maxChildren - 1), server("new"));
   expectRefused(repeated("<LocalSite/>", host::c_maxChildren), server("new"),
-                L"number of child elements");
+                tooMuch + L"number of child elements");
 }
 
 // A quotation mark between apostrophes becomes "&quot;" when it is written.
 TEST_F(EditLimits, HoldForATagThatGrows) {
   expectAdded("", server(std::string(host::c_maxTokenBytes / 8, '"')));
-  expectRefused("", server(std::string(host::c_maxTokenBytes / 6, '"')), L"length of a token");
+  expectRefused("", server(std::string(host::c_maxTokenBytes / 6, '"')), tooMuch + L"length of a token");
 }
 
 // Elements of one name below a site become one, which has the attributes of all.
 TEST_F(EditLimits, HoldForTheAttributesOfElementsThatBecomeOne) {
   const std::string most = withAttributes("Odd", "a", host::c_maxAttributes);
   expectAdded("", server("new", most + withAttributes("Odd", "a", 1)));
-  expectRefused("", server("new", most + withAttributes("Odd", "b", 1)), L"number of attributes");
+  expectRefused("", server("new", most + withAttributes("Odd", "b", 1)), tooMuch + L"number of attributes");
+}
+
+TEST_F(EditLimits, HoldForTheMemoryOfTheRecordsThatAReaderMakes) {
+  agent.settings.maxRecordMegabytes = 1;
+  agent.apply();
+  const std::size_t most = (std::size_t{1} << 20) / sizeof(tag_Site);
+  expectAdded(repeated("<LocalSite/>", most - 2), server("a") + server("b"));
+  expectRefused(repeated("<LocalSite/>", most - 2), server("a") + server("b") + server("c"),
+                L"Edited list not written: no reader would accept it, it is over the limit: memory "
+                L"for records");
 }
 
 }  // namespace

@@ -111,6 +111,19 @@ TEST_F(WriterLimits, CountTheBytesOfAValueAndNotItsCharactersOrTheirEscapes) {
   }
 }
 
+// XML cannot hold U+0001, which has one byte. U+FFFD, with three, stands in its place.
+TEST_F(WriterLimits, CountWhatIsWrittenForACharacterThatXmlCannotHold) {
+  const std::size_t most = host::c_maxTokenBytes / 3;
+  helper.SetPolicySetting(L"odd", std::wstring(most + 1, L'\1'));
+  expectRefused(write());
+  helper.SetPolicySetting(L"odd", std::wstring(most, L'\1'));
+  expectReadable(write());
+  OpenHelper reader(true);
+  SiteChain list;
+  EXPECT_EQ(reader.ReadSiteList(wide(own), list.address(), true), 0);
+  EXPECT_TRUE(reader.m_policySettings[L"odd"] == std::wstring(most, L'\uFFFD'));
+}
+
 TEST_F(WriterLimits, HoldForACertificate) {
   expectRefused(write(nullptr, {L"good", std::wstring(host::c_maxTokenBytes + 1, L'c')}));
   expectReadable(write(nullptr, {L"good", std::wstring(host::c_maxTokenBytes, L'c')}));

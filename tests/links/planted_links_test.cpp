@@ -107,4 +107,28 @@ TEST_F(PlantedLinks, LeadRootToNothingOutsideTheAgentsDirectories) {
   std::printf("%lu combinations, %lu break out\n", tried, faults.count());
 }
 
+// The list comes last, but whether it can be written is known before the first key file.
+TEST_F(PlantedLinks, OverTheListInPlaceKeepTheKeyFilesToo) {
+  for (const Operation& operation : test::writingOperations()) {
+    const std::string called = operation.name;
+    if (called != "import" && called != "install") continue;
+    for (const Plant plant : {Plant::LinkToFile, Plant::DanglingLink, Plant::ChainOfLinks}) {
+      SCOPED_TRACE(testing::Message() << called << ", " << test::nameOf(plant));
+      workshop.reset(operation);
+      const Name own = {workshop.own(), Name::Kind::File, workshop.own()};
+      outside.prepare(c_foreignBytes, own.path);
+      for (const std::string& root : workshop.roots()) test::giveToAgent(root);
+      const test::State before = workshop.state();
+      {
+        const test::Planted planted(own, plant, outside);
+        const test::PlantedFileSystem files(workshop, own);
+        EXPECT_NE(operation.run(workshop), 0);
+      }
+      EXPECT_EQ(workshop.state(), before);
+      ++tried;
+    }
+  }
+  EXPECT_EQ(tried, 6U);
+}
+
 }  // namespace

@@ -22,6 +22,15 @@ namespace {
 
 constexpr int c_aboveFixed = 4;  // the supervisor puts what it keeps below
 
+// Two descriptors that, where the system can, no program inherits that another thread starts.
+int openEnds(int (&ends)[2]) {
+#ifdef __linux__
+  return ::pipe2(ends, O_CLOEXEC);
+#else
+  return ::pipe(ends);
+#endif
+}
+
 // A pipe whose ends no other program inherits.
 class Pipe {
  public:
@@ -36,7 +45,7 @@ class Pipe {
   // 0 or an errno.
   int open() {
     int ends[2] = {-1, -1};
-    if (::pipe(ends) != 0) return errno;
+    if (openEnds(ends) != 0) return errno;
     m_read = ::fcntl(ends[0], F_DUPFD_CLOEXEC, c_aboveFixed);
     m_write = m_read < 0 ? -1 : ::fcntl(ends[1], F_DUPFD_CLOEXEC, c_aboveFixed);
     const int error = m_write < 0 ? errno : 0;

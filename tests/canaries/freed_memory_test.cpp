@@ -237,7 +237,7 @@ TEST_F(FreedMemory, HoldsNothingOfARecordThatWasReadAndChanged) {
 
 // As a member of another kind may do, which lies in the same place.
 TEST_F(FreedMemory, HoldsNothingBehindAZeroInAPassword) {
-  const auto hide = [this](wchar_t (&field)[c_textCapacity]) {
+  const auto hide = [this](wchar_t(&field)[c_textCapacity]) {
     setText(field, L"x" + clear);
     field[0] = L'\0';
   };

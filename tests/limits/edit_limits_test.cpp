@@ -63,14 +63,16 @@ TEST_F(EditLimits, HoldForTheSitesOfAList) {
 // A quotation mark between apostrophes becomes "&quot;" when it is written.
 TEST_F(EditLimits, HoldForATagThatGrows) {
   expectAdded("", server(std::string(host::c_maxTokenBytes / 8, '"')));
-  expectRefused("", server(std::string(host::c_maxTokenBytes / 6, '"')), tooMuch + L"length of a token");
+  expectRefused("", server(std::string(host::c_maxTokenBytes / 6, '"')),
+                tooMuch + L"length of a token");
 }
 
 // Elements of one name below a site become one, which has the attributes of all.
 TEST_F(EditLimits, HoldForTheAttributesOfElementsThatBecomeOne) {
   const std::string most = withAttributes("Odd", "a", host::c_maxAttributes);
   expectAdded("", server("new", most + withAttributes("Odd", "a", 1)));
-  expectRefused("", server("new", most + withAttributes("Odd", "b", 1)), tooMuch + L"number of attributes");
+  expectRefused("", server("new", most + withAttributes("Odd", "b", 1)),
+                tooMuch + L"number of attributes");
 }
 
 TEST_F(EditLimits, HoldForTheMemoryOfTheRecordsThatAReaderMakes) {

@@ -141,8 +141,8 @@ int runAndCatch(std::vector<std::string> arguments) {
 
 int main(int argc, char** argv) {
   // No message of libcrypto is printed, and making its table of them takes longer than a
-  // decryption.
-  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS, nullptr);
+  // decryption. The libraries, too, leave its exit handler out.
+  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS | OPENSSL_INIT_NO_ATEXIT, nullptr);
   int status = tool::exitInternal;
   try {
     status = tool::runAndCatch(std::vector<std::string>(argv + 1, argv + argc));

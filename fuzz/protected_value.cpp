@@ -1,6 +1,6 @@
 #include "fuzz/stage.h"
 #include "host/common/encoding.h"
-#include "sitehlp/password.h"
+#include "sitehlp/common/password.h"
 #include "sitehlp/sites_helper.h"
 
 // A protected value of any text, and a clear one that comes back.

@@ -1,6 +1,6 @@
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
-#include "sitehlp/caught.h"
+#include "sitehlp/common/caught.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"

@@ -1,7 +1,7 @@
 #include "sitehlp/edit/edit_document.h"
 
 #include "platform/lock/interprocess_lock.h"
-#include "sitehlp/locks.h"
+#include "sitehlp/common/locks.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 

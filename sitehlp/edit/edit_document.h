@@ -3,7 +3,7 @@
 
 #include "platform/common/anxml.h"
 #include "platform/common/astring.h"
-#include "sitehlp/list_source.h"
+#include "sitehlp/read/list_source.h"
 
 namespace sitehlp {
 

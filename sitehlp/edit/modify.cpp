@@ -1,12 +1,13 @@
 #include <utility>
 
 #include "platform/common/log.h"
-#include "sitehlp/caught.h"
-#include "sitehlp/document_reader.h"
+#include "sitehlp/common/caught.h"
+#include "sitehlp/common/component.h"
+#include "sitehlp/common/number.h"
 #include "sitehlp/edit/edit_document.h"
-#include "sitehlp/number.h"
-#include "sitehlp/record.h"
-#include "sitehlp/record_limits.h"
+#include "sitehlp/read/document_reader.h"
+#include "sitehlp/records/record.h"
+#include "sitehlp/records/record_limits.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/vendor_hosts.h"
 #include "sitehlp/xmlschema/sitelist.h"

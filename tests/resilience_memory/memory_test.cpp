@@ -7,7 +7,7 @@
 #include <new>
 
 #include "platform/lock/interprocess_lock.h"
-#include "sitehlp/decoder.h"
+#include "sitehlp/read/decoder.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/import/records.h"
 #include "tests/resilience/workshop.h"

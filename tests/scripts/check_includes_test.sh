@@ -22,12 +22,14 @@ clean() {
   put sitehlp/helper.h '#include "platform/common/text.h"'
   put sitehlp/xmlschema/names.h '#include "sitehlp/helper.h"'
   put sitehlp/reader.h '#include <boost/scoped_ptr.hpp>'
-  put sitehlp/reader.cpp '#include <unistd.h>'
+  put sitehlp/read/reader.cpp '#include <unistd.h>'
   put host/agent.h '#include "platform/common/text.h"  // not pugi::xml_node'
   put host/fs/files.h '#include "host/agent.h"'
   put host/xml/tree.h '#include <pugixml.hpp>'
   put tools/sitelist/main.cpp '#include <CLI/CLI.hpp>'
-  put tools/sitelist/place.cpp '#include <expat.h>'
+  put tools/sitelist/model/place.cpp '#include <expat.h>'
+  put tools/sitelist/commands/show.cpp '#include "tools/sitelist/cli/text.h"'
+  put sitehlp/install/import.cpp '#include "sitehlp/read/reader.h"'
   put tools/sitelist/read.cpp '#include "sitehlp/helper.h"'
   put tests/one_test.cpp '#include "host/xml/tree.h"'
 }
@@ -56,7 +58,7 @@ refuses() {
 
 clean
 passes
-put sitehlp/reader.cpp '/* #include "host/agent.h" */'
+put sitehlp/read/reader.cpp '/* #include "host/agent.h" */'
 passes
 
 refuses platform/a.h '#include "host/agent.h"'
@@ -78,6 +80,9 @@ refuses sitehlp/helper.h 'boost::scoped_ptr<int> p;'
 refuses sitehlp/helper.h '#include "sitehlp/reader.h"'
 refuses sitehlp/xmlschema/names.h '#include <openssl/evp.h>'
 refuses sitehlp/xmlschema/names.h 'class A : public nlohmann::json {};'
+refuses sitehlp/read/reader.cpp '#include "sitehlp/write/writer.h"'
+refuses tools/sitelist/cli/text.cpp '#include "tools/sitelist/model/place.h"'
+refuses tools/sitelist/edit/move.cpp '#include "tools/sitelist/commands/command.h"'
 refuses host/agent.h '#include <spdlog/spdlog.h>'
 refuses host/agent.h '#include "host/xml/tree.h"'
 refuses host/fs/files.h '#include <expat.h>'

@@ -1,4 +1,4 @@
-#include "sitehlp/number.h"
+#include "sitehlp/common/number.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/crypto/sealed_value.h"
-#include "sitehlp/password.h"
+#include "sitehlp/common/password.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
 namespace test {

@@ -1,4 +1,4 @@
-#include "sitehlp/password.h"
+#include "sitehlp/common/password.h"
 
 #include <gmock/gmock.h>
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "sitehlp/element_writer.h"
+#include "sitehlp/write/element_writer.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
 // Values and lists that are longer than what they are usually read through, and other rare ones.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "sitehlp/sites_helper_util.h"
+#include "sitehlp/write/sites_helper_util.h"
 #include "tests/import/failing_allocation.h"
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/searched_new.h"

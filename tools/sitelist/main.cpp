@@ -6,11 +6,11 @@
 #include <iostream>
 #include <new>
 
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/log_record.h"
-#include "tools/sitelist/program.h"
-#include "tools/sitelist/report.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/program.h"
+#include "tools/sitelist/report/report.h"
 
 namespace tool {
 namespace {

@@ -2,11 +2,11 @@
 #include <iostream>
 
 #include "sitehlp/sites_helper.h"
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/edit_failure.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/edit/edit_failure.h"
 
 namespace tool {
 namespace {

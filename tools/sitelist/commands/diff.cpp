@@ -1,12 +1,12 @@
-#include "tools/sitelist/diff.h"
+#include "tools/sitelist/diff/diff.h"
 
 #include <iostream>
 #include <memory>
 
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
 
 namespace tool {
 namespace {

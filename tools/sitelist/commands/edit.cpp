@@ -2,13 +2,13 @@
 #include <set>
 #include <utility>
 
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/field_rules.h"
 #include "tools/sitelist/edit/operations.h"
 #include "tools/sitelist/edit/session.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/password.h"
 
 namespace tool {
 namespace {

@@ -1,13 +1,13 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/proxy_choice.h"
-#include "tools/sitelist/search_order.h"
-#include "tools/sitelist/site_report.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/explain/proxy_choice.h"
+#include "tools/sitelist/explain/search_order.h"
+#include "tools/sitelist/model/site_report.h"
 
 namespace tool {
 namespace {

@@ -3,12 +3,12 @@
 #include <ostream>
 #include <sstream>
 
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/near_names.h"
-#include "tools/sitelist/rules.h"
-#include "tools/sitelist/table.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/table.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/validate/rules.h"
 
 namespace tool {
 namespace {

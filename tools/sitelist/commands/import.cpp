@@ -1,4 +1,4 @@
-#include "tools/sitelist/incoming.h"
+#include "tools/sitelist/agent/incoming.h"
 
 namespace tool {
 

@@ -8,11 +8,11 @@
 #include "platform/crypto/crypt_shim.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/log_record.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
 
 namespace fs = std::filesystem;
 

@@ -1,10 +1,10 @@
 #include <ostream>
 
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/exit_status.h"
-#include "tools/sitelist/password.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password.h"
+#include "tools/sitelist/cli/exit_status.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
 
 namespace tool {
 namespace {

@@ -3,12 +3,12 @@
 #include "host/agent.h"
 #include "platform/crypto/object_buffer.h"
 #include "sitehlp/sites_helper.h"
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/input.h"
-#include "tools/sitelist/site_list.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 namespace {

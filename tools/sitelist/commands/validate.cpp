@@ -3,13 +3,13 @@
 #include <memory>
 #include <ostream>
 
-#include "tools/sitelist/agent_access.h"
-#include "tools/sitelist/command.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/input.h"
-#include "tools/sitelist/log_record.h"
-#include "tools/sitelist/text.h"
-#include "tools/sitelist/validation.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/validate/validation.h"
 
 namespace tool {
 namespace {

@@ -3,9 +3,9 @@
 
 #include "platform/common/text.h"
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/edit/operations.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {

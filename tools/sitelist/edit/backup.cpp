@@ -7,8 +7,8 @@
 
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/edit/edit_failure.h"
 #include "tools/sitelist/edit/element_edit.h"
-#include "tools/sitelist/edit_failure.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
 
 namespace tool {
 namespace {

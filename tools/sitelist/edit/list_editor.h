@@ -6,7 +6,7 @@
 
 #include "platform/common/anxml.h"
 #include "tools/sitelist/edit/wanted.h"
-#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 

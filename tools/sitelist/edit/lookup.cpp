@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {

@@ -1,7 +1,7 @@
 #include "tools/sitelist/edit/operations.h"
 
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {

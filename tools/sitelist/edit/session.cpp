@@ -7,12 +7,12 @@
 #include <iostream>
 
 #include "sitehlp/sites_helper.h"
-#include "tools/sitelist/diff.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/edit/backup.h"
-#include "tools/sitelist/edit_failure.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/log_record.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/edit/edit_failure.h"
 
 namespace fs = std::filesystem;
 

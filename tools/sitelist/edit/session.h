@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/lock/interprocess_lock.h"
-#include "tools/sitelist/agent_access.h"
+#include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/edit/operations.h"
 
 namespace tool {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "platform/common/astring.h"
-#include "tools/sitelist/failure.h"
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {

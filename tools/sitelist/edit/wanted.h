@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/sitelist/edit/field_rules.h"
-#include "tools/sitelist/site_list.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/sitelist/command_table.h"
+#include "tools/sitelist/cli/command_table.h"
 
 // What the completion scripts of all shells have in common.
 namespace tool {

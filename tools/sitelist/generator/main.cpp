@@ -5,8 +5,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/generator/pages.h"
-#include "tools/sitelist/program.h"
 
 // sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the completion scripts of
 // the tool below the directory. The date is that of the pages, as in "May 1, 2001"; the schema is

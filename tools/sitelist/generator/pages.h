@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/sitelist/command_table.h"
+#include "tools/sitelist/cli/command_table.h"
 
 namespace tool {
 

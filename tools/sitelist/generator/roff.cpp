@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstdio>
 
-#include "tools/sitelist/text.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {

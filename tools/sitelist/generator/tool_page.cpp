@@ -1,7 +1,7 @@
 #include <cctype>
 
 #include "host/agent.h"
-#include "tools/sitelist/exit_status.h"
+#include "tools/sitelist/cli/exit_status.h"
 #include "tools/sitelist/generator/manual_page.h"
 #include "tools/sitelist/generator/pages.h"
 #include "tools/sitelist/generator/roff.h"

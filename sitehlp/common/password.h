@@ -1,0 +1,14 @@
+#ifndef SITEHLP_COMMON_PASSWORD_H
+#define SITEHLP_COMMON_PASSWORD_H
+
+#include <string>
+
+namespace sitehlp {
+
+// Turns a clear password into its protected form (`encrypt`) or back. Returns nonzero on success;
+// on failure 0, with `out` as it was.
+int EncryptDecryptPassword(const std::wstring& in, std::wstring& out, bool encrypt);
+
+}  // namespace sitehlp
+
+#endif

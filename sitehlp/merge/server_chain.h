@@ -1,0 +1,14 @@
+#ifndef SITEHLP_MERGE_SERVER_CHAIN_H
+#define SITEHLP_MERGE_SERVER_CHAIN_H
+
+#include "sitehlp/site.h"
+
+namespace sitehlp {
+
+// What CSitesHelper::UpdateVestaSite does, for arguments that are not null. Returns whether `chain`
+// became part of the list; otherwise it stays the caller's.
+bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head);
+
+}  // namespace sitehlp
+
+#endif

@@ -1,0 +1,120 @@
+#include "sitehlp/read/list_builder.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "platform/common/text.h"
+#include "sitehlp/read/child_value.h"
+#include "sitehlp/read/decoder.h"
+#include "sitehlp/read/text_field.h"
+#include "sitehlp/records/record.h"
+#include "sitehlp/records/record_limits.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using AdvXMLParser::Element;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr std::int32_t c_fallbackOrder = 65535;
+
+struct ReleaseRecord {
+  void operator()(tag_Site* record) const { releaseRecord(record); }
+};
+using RecordOwner = std::unique_ptr<tag_Site, ReleaseRecord>;
+
+// An element of unknown kind becomes an empty record of the first kind.
+SiteKind kindOf(SiteElement element) {
+  switch (element) {
+    case SiteElement::Http:
+    case SiteElement::Vesta:
+    case SiteElement::Keystone:
+    case SiteElement::None:
+      return SITE_KIND_HTTP;
+    case SiteElement::Ftp:
+      return SITE_KIND_FTP;
+    case SiteElement::Unc:
+      return SITE_KIND_UNC;
+    case SiteElement::Local:
+      return SITE_KIND_LOCAL;
+    case SiteElement::Proxy:
+      break;
+  }
+  return SITE_KIND_PROXY;
+}
+
+// What an element directly in a list is. Proxies are known only inside a list of their own, which
+// stands for them here.
+SiteElement classifySite(const Element& element) {
+  if (element.HasName(WX_XML_PROXY_CONFIG_LIST)) return SiteElement::Proxy;
+  const SiteElement kind = classify(element);
+  return kind == SiteElement::Proxy ? SiteElement::None : kind;
+}
+
+void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
+  setField(site.szType, attributes.type);
+  site.bMirror = wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) == 0 ? 1 : 0;
+  site.bEnabled = readNumber(attributes.enabled) != 0 ? 1 : 0;
+  site.bLocal = readNumber(attributes.local) != 0 ? 1 : 0;
+  if (!attributes.order.IsNull()) {
+    site.iOrder = readNumber(attributes.order);
+  } else {
+    site.iOrder = isFallback(site) ? c_fallbackOrder : 0;
+  }
+}
+
+// Each child in turn is decoded over the site data, so the last one wins. Any site element may
+// stand there, and a smaller record leaves what a larger one before it left behind its own end.
+void readProxyConfigList(const Element& element, const SiteAttributes& attributes,
+                         bool useDecryptData, tag_Site& site, int& result) {
+  bool hasChild = false;
+  for (const Element child : element.Elements()) {
+    const SiteElement kind = classify(child);
+    result = kind == SiteElement::None ? c_errorGeneral : c_success;
+    if (hasChild) std::memset(&site.proxy, 0, recordSize(kind));
+    hasChild = true;
+    decodeSite(kind, child, SiteAttributes(child), useDecryptData, &site.proxy);
+  }
+  if (!hasChild && !attributes.useIeConfig.IsNull()) {
+    site.proxy.bUseIEConfig = readNumber(attributes.useIeConfig) != 0 ? 1 : 0;
+  }
+}
+
+void readSite(const Element& element, SiteElement kind, bool useDecryptData, tag_Site& site,
+              int& result) {
+  const SiteAttributes attributes(element);
+  readCommonAttributes(attributes, site);
+  site.eSiteKind = kindOf(kind);
+  if (kind == SiteElement::Proxy) {
+    readProxyConfigList(element, attributes, useDecryptData, site, result);
+    return;
+  }
+  site.bVestaSite = kind == SiteElement::Vesta || kind == SiteElement::Keystone ? 1 : 0;
+  result = kind == SiteElement::None ? c_errorGeneral : c_success;
+  decodeSite(kind, element, attributes, useDecryptData, &site.http);
+}
+
+}  // namespace
+
+void readSites(const Element& siteList, bool useDecryptData, const TakeSite& take, int& result) {
+  RecordLimits limits;
+  for (const Element element : siteList.Elements()) {
+    const SiteElement kind = classifySite(element);
+    if (const char* const limit = limits.add(kind != SiteElement::None)) {
+      throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                             std::string("list over the limit: ") + limit);
+    }
+    RecordOwner site(static_cast<tag_Site*>(std::calloc(1, sizeof(tag_Site))));
+    if (!site) throw std::bad_alloc();
+    readSite(element, kind, useDecryptData, *site, result);
+    take(site.release());
+  }
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,16 @@
+#ifndef SITEHLP_READ_PROXY_DECODER_H
+#define SITEHLP_READ_PROXY_DECODER_H
+
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/read/site_attributes.h"
+#include "sitehlp/site.h"
+
+namespace sitehlp {
+
+// Decodes a ProxyConfig element into a zero-filled record.
+void decodeProxy(const AdvXMLParser::Element& element, const SiteAttributes& attributes,
+                 bool useDecryptData, tag_ProxySite& site);
+
+}  // namespace sitehlp
+
+#endif

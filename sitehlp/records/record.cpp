@@ -1,0 +1,87 @@
+#include "sitehlp/records/record.h"
+
+#include <cstdlib>
+#include <cwchar>
+
+#include "platform/common/log.h"
+#include "platform/common/text.h"
+#include "sitehlp/common/component.h"
+#include "sitehlp/common/wipe.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+namespace {
+
+using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
+
+template <std::size_t N>
+void wipeField(wchar_t (&field)[N]) noexcept {
+  // Fields are zero behind their text, so the text is all there is to wipe.
+  wipeMemory(field, ::wcsnlen(field, N) * sizeof(wchar_t));
+}
+
+// A record may have been of another kind before, and its password then lies where that kind has it.
+void wipePasswords(tag_Site& record) noexcept {
+  if (record.eSiteKind == SITE_KIND_PROXY) {
+    // It may hold any kind of site that stood in its list.
+    return wipeMemory(&record.proxy, sizeof record.proxy);
+  }
+  // In full: a field of another kind may have put a zero into the password since.
+  wipeMemory(record.http.szPassword, sizeof record.http.szPassword);
+  wipeMemory(record.ftp.szPassword, sizeof record.ftp.szPassword);
+  wipeMemory(record.unc.szPassword, sizeof record.unc.szPassword);
+  wipeMemory(record.local.szPassword, sizeof record.local.szPassword);
+  // No other kind reaches as far as these.
+  wipeField(record.proxy.szHttpProxyPassword);
+  wipeField(record.proxy.szFtpProxyPassword);
+  wipeField(record.proxy.szAlternateHttpProxyPassword);
+  wipeField(record.proxy.szAlternateFtpProxyPassword);
+}
+
+}  // namespace
+
+void releaseRecord(tag_Site* record) noexcept {
+  wipePasswords(*record);
+  std::free(record);
+}
+
+std::optional<Kind> kindOf(const tag_Site& record) {
+  const auto isAKind = record.eSiteKind >= SITE_KIND_HTTP && record.eSiteKind <= SITE_KIND_PROXY;
+  return isAKind ? std::optional<Kind>(static_cast<Kind>(record.eSiteKind)) : std::nullopt;
+}
+
+bool isServerSite(const tag_Site& record) {
+  return record.eSiteKind == SITE_KIND_HTTP &&
+         wcsicmp(record.http.szElement, WX_XML_SITELIST_VESTA_SITE) == 0;
+}
+
+bool isVersionedServer(const tag_Site& record) {
+  return isServerSite(record) && record.http.szVersion[0] != L'\0';
+}
+
+bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, L"fallback") == 0; }
+
+void CSitesHelper::CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity) {
+  std::wcsncpy(dest, src, capacity);  // fills what the text leaves with zeros
+  if (dest[capacity - 1] == L'\0') return;
+  dest[capacity - 1] = L'\0';
+  if (!logEnabled(LogLevel::Detail)) return;
+  logDetail(c_component, AString(L"String ")
+                             .append(src)
+                             .append(L" is truncated to ")
+                             .append(dest)
+                             .append(L" in CopyWStr"));
+}
+
+int CSitesHelper::FreeSiteListMemory(tag_Site* head) {
+  const ADetailTrace trace(c_component, L"Free memory for Sitelist");
+  while (head) {
+    tag_Site* const next = head->pNext;
+    releaseRecord(head);
+    head = next;
+  }
+  return 0;
+}
+
+}  // namespace sitehlp

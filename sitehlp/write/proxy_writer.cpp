@@ -1,0 +1,75 @@
+#include <cwchar>
+
+#include "platform/common/log.h"
+#include "sitehlp/common/component.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/write/site_writers.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+// One less than the field holds; the agent's other readers of the record count on it.
+constexpr unsigned int c_exclusionFormatCapacity = 4000;
+
+void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serverName,
+               wchar_t (&server)[c_textCapacity], const wchar_t* portName, std::int32_t port) {
+  if (server[0] == L'\0') return;
+  helper.FormatEnvSymbols(server, c_textCapacity);
+  writer.addAttribute(serverName, server);
+  writer.addAttribute(portName, Decimal(static_cast<unsigned int>(port)));
+}
+
+// Splits the record's own buffer, which is left with its first host.
+void writeExclusions(ElementWriter& writer, wchar_t* hosts) {
+  writer.open(WX_XML_PROXY_EXCLUSIONLIST);
+  wchar_t* position = nullptr;
+  for (const wchar_t* host = std::wcstok(hosts, c_proxyParamDelimiter, &position); host;
+       host = std::wcstok(nullptr, c_proxyParamDelimiter, &position)) {
+    writer.addElement(WX_XML_PROXY_EXCLUSIONHOST, host);
+  }
+  writer.close();
+}
+
+}  // namespace
+
+void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const ADetailTrace trace(c_component, L"Adding Proxy site");
+  tag_ProxySite& proxy = site.proxy;
+  writer.open(WX_XML_PROXY_CONFIG_LIST);
+  writer.open(WX_XML_PROXY_CONFIG);
+  writer.addAttribute(WX_XML_SITE_NAME, proxy.szName);
+  if (proxy.bUseIEConfig != 0) writer.addAttribute(WX_XML_PROXY_USE_IE_CONFIG, L"1");
+  writer.addAttribute(WX_XML_SITE_LOCAL, L"1");
+  addServer(helper, writer, WX_XML_PROXY_HTTP_PROXY_SERVER, proxy.szHttpProxyServer,
+            WX_XML_PROXY_HTTP_PROXY_PORT, proxy.iHttpProxyPort);
+  addServer(helper, writer, WX_XML_PROXY_FTP_PROXY_SERVER, proxy.szFtpProxyServer,
+            WX_XML_PROXY_FTP_PROXY_PORT, proxy.iFtpProxyPort);
+
+  writer.addElement(WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, Decimal(proxy.bAllowUserToConfigureProxy));
+  writer.addElement(WX_XML_PROXY_BYPASSLOCALADDR, Decimal(proxy.bBypassLocalAddress));
+  proxy.szExclusionList[c_exclusionListCapacity - 1] = L'\0';
+  helper.FormatEnvSymbols(proxy.szExclusionList, c_exclusionFormatCapacity);
+  writeExclusions(writer, proxy.szExclusionList);
+
+  writer.addElement(WX_XML_PROXY_FTP_USEAUTH, Decimal(proxy.bFtpUseAuth));
+  writer.addElement(WX_XML_PROXY_HTTP_USEAUTH, Decimal(proxy.bHttpUseAuth));
+  writer.addElement(WX_XML_HTTP_PROXY_PROXYUSERNAME, proxy.szHttpProxyUser);
+  writePassword(writer, WX_XML_HTTP_PROXY_PROXYPASSWORD, proxy.szHttpProxyPassword);
+  writer.addElement(WX_XML_FTP_PROXY_PROXYUSERNAME, proxy.szFtpProxyUser);
+  writePassword(writer, WX_XML_FTP_PROXY_PROXYPASSWORD, proxy.szFtpProxyPassword);
+
+  writer.addElement(WX_XML_PROXY_ALT_FTP_USEAUTH, Decimal(proxy.bAlternateFtpUseAuth));
+  writer.addElement(WX_XML_PROXY_ALT_HTTP_USEAUTH, Decimal(proxy.bAlternateHttpUseAuth));
+  writer.addElement(WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME, proxy.szAlternateHttpProxyUser);
+  writePassword(writer, WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, proxy.szAlternateHttpProxyPassword);
+  writer.addElement(WX_XML_FTP_PROXY_ALT_PROXYUSERNAME, proxy.szAlternateFtpProxyUser);
+  writePassword(writer, WX_XML_FTP_PROXY_ALT_PROXYPASSWORD, proxy.szAlternateFtpProxyPassword);
+  writer.close();
+  writer.close();
+}
+
+}  // namespace sitehlp

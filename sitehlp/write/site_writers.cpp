@@ -1,0 +1,242 @@
+#include "sitehlp/write/site_writers.h"
+
+#include <cwchar>
+#include <string>
+
+#include "platform/common/log.h"
+#include "platform/common/text.h"
+#include "sitehlp/common/component.h"
+#include "sitehlp/common/password.h"
+#include "sitehlp/common/wipe.h"
+#include "sitehlp/records/record.h"
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+
+namespace sitehlp {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr const wchar_t* c_localServer = L"127.0.0.1";
+constexpr const wchar_t* c_encrypted = L"Encrypted";
+
+void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to) {
+  for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from)) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+constexpr const wchar_t* c_formatScope = L"Formatting environment symbols";
+
+// As FormatEnvSymbols, but a text that has nothing to be replaced is not touched, and neither is
+// what stands behind it: to clear memory that nothing else needs was the dearest part of writing.
+template <std::size_t N>
+const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
+  const std::size_t length = ::wcsnlen(field, N);
+  if (length == N) field[N - 1] = L'\0';  // it has no terminator, and must not be read beyond
+  if (length == N || std::wmemchr(field, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
+    helper.FormatEnvSymbols(field, N);
+  } else {
+    const ADetailTrace trace(c_component, c_formatScope);
+  }
+  return field;
+}
+
+// The attributes "Type", "Name" and, but for a mirror, "Order".
+void addIdentity(ElementWriter& writer, const tag_Site& site, const wchar_t* name) {
+  writer.addAttribute(WX_XML_SITE_TYPE,
+                      site.szType[0] != L'\0' ? site.szType : STR_SITE_TYPE_REPOSITORY);
+  writer.addAttribute(WX_XML_SITE_NAME, name);
+  if (wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) != 0) {
+    writer.addAttribute(WX_XML_SITE_ORDER, Decimal(site.iOrder));
+  }
+}
+
+// "host:port", of a host that was formatted.
+template <std::size_t N>
+void addAddress(ElementWriter& writer, const wchar_t* name, const wchar_t (&host)[N],
+                std::uint32_t port) {
+  wchar_t address[N + 1 + c_longestNumber];
+  const std::size_t length = std::wcslen(host);
+  std::wmemcpy(address, host, length);
+  wchar_t* end = address + length;
+  *end++ = L':';
+  end = writeDecimal(port, end);
+  writer.addAttribute(name, address, static_cast<std::size_t>(end - address));
+}
+
+template <typename... Fields>
+void expect(const Fields&... fields) {
+  (__builtin_prefetch(&fields), ...);
+}
+
+}  // namespace
+
+int CSitesHelper::FormatEnvSymbols(wchar_t* buffer, unsigned int capacity) {
+  const ADetailTrace trace(c_component, c_formatScope);
+  if (!buffer || capacity == 0 || buffer[0] == L'\0') return 0;
+  std::wstring text = buffer;
+  replaceAll(text, c_agentEnvMacroStartDelimiterExpanded, c_agentEnvMacroStartDelimiter);
+  replaceAll(text, c_agentEnvMacroEndDelimiterExpanded, c_agentEnvMacroEndDelimiter);
+  std::wcsncpy(buffer, text.c_str(), capacity);
+  buffer[capacity - 1] = L'\0';
+  return 0;
+}
+
+void writePassword(ElementWriter& writer, const wchar_t* name, const wchar_t* clear) {
+  std::wstring in = clear;
+  const WipeAtExit<std::wstring> wipe(in);
+  std::wstring out;
+  EncryptDecryptPassword(in, out, true);
+  writer.open(name);
+  writer.addAttribute(c_encrypted, L"1");
+  writer.addText(out.data(), out.size());
+  writer.close();
+}
+
+void writeHttpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const ADetailTrace trace(c_component, L"Adding HTTP site");
+  tag_HttpSite& http = site.http;
+  const wchar_t* const name =
+      http.szElement[0] != L'\0' ? http.szElement : WX_XML_SITELIST_HTTP_SITE;
+  writer.open(name);
+  addIdentity(writer, site, http.szName);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+  formatField(helper, http.szServer);
+  if (http.uSecurePort != 0) writer.addAttribute(WX_XML_SSL_PORT, Decimal(http.uSecurePort));
+  addAddress(writer, WX_XML_SITE_SERVER, http.szServer, http.uServerPort);
+
+  const bool isVesta = wcsicmp(name, WX_XML_SITELIST_VESTA_SITE) == 0;
+  const bool isKeystone = wcsicmp(name, WX_XML_SITELIST_KEYSTONE_SITE) == 0;
+  if (isVesta || isKeystone) {
+    // The management server gets both addresses even when they are empty.
+    formatField(helper, http.szServerName);
+    if (isVesta || http.szServerName[0] != L'\0') {
+      addAddress(writer, WX_XML_SERVER_NETBIOS_NAME, http.szServerName, http.uServerNamePort);
+    }
+    formatField(helper, http.szServerIP);
+    if (isVesta || http.szServerIP[0] != L'\0') {
+      addAddress(writer, WX_XML_SITE_SERVER_IP, http.szServerIP, http.uServerIPPort);
+    }
+  }
+  if (isVesta && http.szVersion[0] != L'\0') {
+    writer.addAttribute(WX_XML_SITE_SERVER_VERSION, formatField(helper, http.szVersion));
+  }
+
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, http.szRelativePath));
+  writer.addElement(WX_XML_HTTPSITE_USE_AUTH, Decimal(http.iUseAuth));
+  writer.addElement(WX_XML_SITE_USER_NAME, http.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, http.szPassword);
+  writer.close();
+}
+
+void writeFtpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const ADetailTrace trace(c_component, L"Adding FTP site");
+  tag_FtpSite& ftp = site.ftp;
+  writer.open(WX_XML_SITELIST_FTP_SITE);
+  addIdentity(writer, site, ftp.szName);
+  formatField(helper, ftp.szServer);
+  addAddress(writer, WX_XML_SITE_SERVER, ftp.szServer, ftp.uServerPort);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  if (ftp.uSecurePort != 0) writer.addAttribute(WX_XML_SSL_PORT, Decimal(ftp.uSecurePort));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, ftp.szRelativePath));
+  writer.addElement(WX_XML_SITE_USER_NAME, ftp.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, ftp.szPassword);
+  writer.close();
+}
+
+void writeUncSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const ADetailTrace trace(c_component, L"Adding UNC site");
+  tag_UncSite& unc = site.unc;
+  writer.open(WX_XML_SITELIST_UNC_SITE);
+  addIdentity(writer, site, unc.szName);
+  writer.addAttribute(WX_XML_SITE_SERVER, formatField(helper, unc.szServer));
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+
+  writer.addElement(WX_XML_UNCSITE_SHARENAME, unc.szShareName);
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, unc.szRelativePath));
+  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(unc.iUseLoggedonUserAccount));
+  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, unc.szDomainName));
+  writer.addElement(WX_XML_SITE_USER_NAME, unc.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, unc.szPassword);
+  writer.close();
+}
+
+void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const ADetailTrace trace(c_component, L"Adding local site");
+  tag_LocalSite& local = site.local;
+  writer.open(WX_XML_SITELIST_LOCAL_SITE);
+  addIdentity(writer, site, local.szName);
+  writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
+  writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
+  writer.addAttribute(WX_XML_SITE_SERVER, c_localServer);
+
+  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, local.szRelativePath));
+  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(local.iUseLoggedonUserAccount));
+  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, local.szDomainName));
+  writer.addElement(WX_XML_SITE_USER_NAME, local.szUserName);
+  writePassword(writer, WX_XML_SITE_PASSWORD, local.szPassword);
+  writer.close();
+}
+
+bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
+  const std::optional<Kind> kind = kindOf(site);
+  if (!kind) return false;
+  switch (*kind) {
+    case Kind::Http:
+      writeHttpSite(helper, site, writer);
+      break;
+    case Kind::Ftp:
+      writeFtpSite(helper, site, writer);
+      break;
+    case Kind::Unc:
+      writeUncSite(helper, site, writer);
+      break;
+    case Kind::Local:
+      writeLocalSite(helper, site, writer);
+      break;
+    case Kind::Proxy:
+      writeProxySite(helper, site, writer);
+      break;
+  }
+  return true;
+}
+
+void expectHead(const tag_Site& site) { expect(site, site.pNext); }
+
+void expectRecord(const tag_Site& site) {
+  const std::optional<Kind> kind = kindOf(site);
+  if (!kind) return;
+  switch (*kind) {
+    case Kind::Http: {
+      const tag_HttpSite& http = site.http;
+      return expect(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
+                    http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
+                    http.szPassword, http.szVersion, http.uSecurePort);
+    }
+    case Kind::Ftp: {
+      const tag_FtpSite& ftp = site.ftp;
+      return expect(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
+                    ftp.uServerPort);
+    }
+    case Kind::Unc: {
+      const tag_UncSite& unc = site.unc;
+      return expect(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName, unc.szUserName,
+                    unc.szPassword, unc.iUseLoggedonUserAccount);
+    }
+    case Kind::Local: {
+      const tag_LocalSite& local = site.local;
+      return expect(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
+                    local.szPassword, local.iUseLoggedonUserAccount);
+    }
+    case Kind::Proxy:
+      return;  // rare, and its fields are too many to ask for at once
+  }
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,33 @@
+#ifndef SITEHLP_WRITE_SITE_WRITERS_H
+#define SITEHLP_WRITE_SITE_WRITERS_H
+
+#include "sitehlp/site.h"
+#include "sitehlp/write/element_writer.h"
+
+namespace sitehlp {
+
+class CSitesHelper;
+
+// Each writes the element of a record of its kind, and turns expanded macros in the record back.
+void writeHttpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+void writeFtpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+void writeUncSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+
+// Writes the element of a record by its kind. False, with nothing written, when it is of none.
+bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
+
+// Asks for what writeSite will read of a record, so that the memory is there by then; first for its
+// head, then for the record of its kind. The fields lie so far apart that reading them is otherwise
+// most of the work.
+void expectHead(const tag_Site& site);
+void expectRecord(const tag_Site& site);
+
+// An element with the protected form of a clear password, marked as encrypted. A password that
+// cannot be protected is written as empty.
+void writePassword(ElementWriter& writer, const wchar_t* name, const wchar_t* clear);
+
+}  // namespace sitehlp
+
+#endif

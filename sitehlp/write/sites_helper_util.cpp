@@ -1,0 +1,39 @@
+#include "sitehlp/write/sites_helper_util.h"
+
+#include <memory>
+
+#include "platform/common/log.h"
+#include "platform/config/mesh_service.h"
+#include "sitehlp/common/caught.h"
+#include "sitehlp/common/component.h"
+
+namespace sitehlp {
+
+std::atomic<SitesHelperUtil*> SitesHelperUtil::m_ptr{nullptr};
+
+SitesHelperUtil* SitesHelperUtil::getInstance() {
+  SitesHelperUtil* instance = m_ptr.load(std::memory_order_acquire);
+  if (instance) return instance;
+  // Two threads may get here at once; without a lock, no child of a fork finds one that is held.
+  auto made = std::make_unique<SitesHelperUtil>();
+  return m_ptr.compare_exchange_strong(instance, made.get()) ? made.release() : instance;
+}
+
+void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document) {
+  std::wstring path;
+  try {
+    path = MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath();
+    AdvXMLParser::WriteDocumentToFile(path, document);
+    logInfo(c_component, L"Command to mesh service to load new sitelist.");
+    MeshServiceStartupControl* const control =
+        MeshServiceStartupControl::GetInstance(nullptr, nullptr);
+    if (control->RunMeshServiceLoadSiteListCmd() != 1) {
+      logError(c_component, L"Load new sitelist command failed.");
+    }
+  } catch (...) {
+    logError(c_component, L"Failed to write mesh service sitelist.");
+    logCaught(L"Mesh service's list not written: ", path);
+  }
+}
+
+}  // namespace sitehlp

@@ -1,0 +1,125 @@
+#include "tools/sitelist/agent/agent_access.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <system_error>
+
+#include "host/agent.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+constexpr std::size_t c_keyBytes = 32;  // of a password key
+
+host::AgentSettings settingsOf(const Context& context) {
+  try {
+    return host::readAgentSettings(context.agentDirectory);
+  } catch (const host::SettingsError& e) {
+    throw Failure(exitDocument,
+                  shown(std::string(e.what())) +
+                      "\n  next: mend the settings file, or move it away and run `sitelist init`",
+                  {context.agentDirectory + "/agent.toml", 0, 0, 0});
+  }
+}
+
+std::string makeTemporaryDirectory() {
+  std::string pattern = (fs::temp_directory_path() / "sitelist-XXXXXX").string();
+  if (!::mkdtemp(pattern.data())) {
+    throw failureAt(pattern, exitFile,
+                    "cannot make a temporary directory: " + std::generic_category().message(errno),
+                    "make room there, or set TMPDIR to another directory");
+  }
+  return pattern;
+}
+
+// The crypto service would make a key at first use, and see to it that it survives a power cut,
+// which takes longer than reading a list.
+void makeKeyThatOpensNothing(const std::string& directory) {
+  std::error_code error;
+  fs::create_directory(directory, error);
+  fs::permissions(directory, fs::perms::owner_all, error);
+  std::random_device random;
+  std::string key(c_keyBytes, '\0');
+  for (char& byte : key) byte = static_cast<char>(random());
+  const std::string file = directory + "/password.key";
+  std::ofstream(file, std::ios::binary) << key;
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, error);
+}
+
+}  // namespace
+
+std::string ownListPath(const Context& context) {
+  return context.agentDirectory + "/etc/SiteList.xml";
+}
+
+void serveAgent(const Context& context) {
+  std::error_code error;
+  if (!fs::is_directory(context.agentDirectory, error)) {
+    throw failureAt(context.agentDirectory, exitFile, "there is no agent data directory",
+                    "name the agent's with --agent-dir, or make one with `sitelist init`");
+  }
+  host::setAgent(settingsOf(context));
+  recordLog(context.verbose);
+}
+
+void requirePasswordKey(const Context& context) {
+  std::error_code error;
+  if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
+    throw failureAt(context.agentDirectory + "/keystore/password.key", exitCrypto,
+                    "the agent has no password key", "make the agent with `sitelist init`");
+  }
+}
+
+PrivateAgent::PrivateAgent(const Context& context, Relation relation)
+    : m_directory(makeTemporaryDirectory()) {
+  host::AgentSettings settings;
+  if (relation == InPlaceOfReal) settings = settingsOf(context);
+  settings.dataDirectory = m_directory;
+  settings.meshSiteListPath.clear();
+  settings.meshLoadCommand = {"/bin/sh", "-c", ":"};
+  std::error_code error;
+  fs::create_directory(m_directory + "/mesh", error);
+  const std::string keystore = context.agentDirectory + "/keystore";
+  if (relation == InPlaceOfReal && fs::exists(keystore + "/password.key", error)) {
+    fs::create_directory_symlink(keystore, m_directory + "/keystore", error);
+  } else {
+    makeKeyThatOpensNothing(m_directory + "/keystore");
+  }
+  host::setAgent(settings);
+  recordLog(context.verbose);
+}
+
+PrivateAgent::~PrivateAgent() {
+  std::error_code ignored;
+  fs::remove_all(m_directory, ignored);
+}
+
+AgentForReading::AgentForReading(const Context& context, const std::string& file)
+    : m_path(file.empty() ? ownListPath(context) : file) {
+  if (file.empty()) {
+    serveAgent(context);
+  } else {
+    m_private.emplace(context);
+  }
+}
+
+AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
+  // Passwords are written under the agent's key, so it must be there to stay.
+  serveAgent(context);
+  std::error_code error;
+  if (fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error)) {
+    return;
+  }
+  requirePasswordKey(context);
+  m_private.emplace(context);
+  if (file.empty()) m_path = m_private->directory() + "/SiteList.xml";
+}
+
+}  // namespace tool

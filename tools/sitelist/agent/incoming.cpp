@@ -1,0 +1,124 @@
+#include "tools/sitelist/agent/incoming.h"
+
+#include <filesystem>
+#include <iostream>
+
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_list.h"
+#include "tools/sitelist/validate/validation.h"
+
+namespace tool {
+namespace {
+
+bool begins(const std::wstring& text, const wchar_t* start) { return text.rfind(start, 0) == 0; }
+
+bool wasLogged(const wchar_t* start) {
+  for (const LogRecord& record : logRecords()) {
+    if (begins(record.text, start)) return true;
+  }
+  return false;
+}
+
+bool hasVersionedServer(const std::string& path) {
+  const SiteList list = readSiteList(path);
+  for (const sitehlp::tag_Site* site = list.sites.get(); site; site = site->pNext) {
+    if (std::string(kindOf(*site)) == "server" && site->http.szVersion[0]) return true;
+  }
+  return false;
+}
+
+// Names every fault.
+Failure refusal(const std::string& file, int code) {
+  std::string text =
+      shown(file) + ": the list is refused, and nothing was changed (" + formatCode(code) + ")";
+  for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
+  return Failure(exitNegative, text + "\n  next: mend these faults", {file, code});
+}
+
+}  // namespace
+
+void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
+  const std::string directory = std::filesystem::path(ownList).parent_path().string();
+  std::error_code error;
+  if (wasLogged(L"CreateSiteList failed hr=")) {
+    throw libraryFailure(ownList, code, exitFile, "the list could not be written",
+                         "check that you may write there and that there is room");
+  }
+  if (wasLogged(L"Can't write ") || !std::filesystem::is_directory(directory, error)) {
+    throw libraryFailure(directory, code, exitFile, "the agent's files could not be written",
+                         "check that you may write there; nothing was changed");
+  }
+  throw libraryFailure(
+      options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
+      hasVersionedServer(options.file)
+          ? "put srpubkey.bin and reqseckey.bin, or sr2048pubkey.bin and req2048seckey.bin,\n"
+            "  beside the list, none of them empty"
+          : "put srpubkey.bin, not empty, into the directory that --keys names, or leave --keys "
+            "out");
+}
+
+void failIncoming(const IncomingOptions& options, const std::string& ownList, int code) {
+  const auto document = findDocumentFault(options.file);
+  if (code == sitehlp::c_errorValidation || code == sitehlp::c_errorNoServerSite ||
+      code == sitehlp::c_errorNoPath) {
+    throw refusal(options.file, code);
+  }
+  if (code == sitehlp::c_errorGeneral && !document && readSiteList(options.file).result == 0) {
+    failOwnFiles(options, ownList, code);
+  }
+  throw libraryFailure(options.file, code);
+}
+
+namespace {
+
+void reportNotes() {
+  for (const LogRecord& record : logRecords()) {
+    if (begins(record.text, L"WARNING: ") || begins(record.text, L"Exchanged orders ")) {
+      std::cerr << "sitelist: " << shown(record.text) << '\n';
+    }
+  }
+}
+
+}  // namespace
+
+void warnOfLostPasswords(const IncomingOptions& options) {
+  for (const std::string& name : sitesWithLostPasswords(options.file)) {
+    std::cerr << "sitelist: " << shown(options.file)
+              << ": the agent's key does not open the password of " << name
+              << (options.dryRun ? "; it would be empty\n" : "; it is now empty\n");
+  }
+}
+
+void addIncomingOptions(Command& command, IncomingOptions& options) {
+  command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
+  command
+      .add_option("--keys", options.keyDirectory,
+                  "Where the server's public key is, for a list whose server\nhas no version")
+      .type_name("DIR");
+  command.add_flag(
+      "--dry-run", options.dryRun,
+      "Say what would change in the agent's list, key files and\nFIPS marker, and write nothing");
+}
+
+int takeIncoming(Context& context, const IncomingOptions& options) {
+  if (options.dryRun) return previewIncoming(context, options);
+  serveAgent(context);
+  const std::string ownList = ownListPath(context);
+  sitehlp::CSitesHelper helper(wide(ownList));
+  const int result = options.isChecked
+                         ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))
+                         : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
+  reportNotes();
+  if (result != 0) failIncoming(options, ownList, result);
+  warnOfLostPasswords(options);
+  const SiteList now = readSiteList(ownList);
+  std::cerr << "sitelist: " << shown(ownList) << " now holds " << countEntries(now.sites.get())
+            << ", global version " << shown(now.globalVersion) << '\n';
+  return exitSuccess;
+}
+
+}  // namespace tool

@@ -1,0 +1,42 @@
+#ifndef TOOLS_SITELIST_AGENT_PASSWORD_H
+#define TOOLS_SITELIST_AGENT_PASSWORD_H
+
+#include <array>
+#include <string>
+
+#include "sitehlp/site.h"
+#include "tools/sitelist/report/context.h"
+
+namespace tool {
+
+// A clear password that a site list can carry, in memory that is wiped.
+class Password {
+ public:
+  Password() = default;
+  ~Password();
+  Password(const Password&) = delete;
+  Password& operator=(const Password&) = delete;
+
+  // Takes the first line of a file or, without a name, of standard input, which a terminal does not
+  // show. Fails when it cannot be read, is no UTF-8, or is too long.
+  void read(const std::string& file);
+
+  const std::wstring& text() const { return m_text; }
+
+ private:
+  static constexpr std::size_t c_maxCharacters = sitehlp::c_textCapacity - 1;
+
+  void readLine(int descriptor, const std::string& source);
+  void convert(const std::string& source);
+
+  std::array<char, 4 * c_maxCharacters + 4> m_bytes = {};
+  std::size_t m_size = 0;
+  std::wstring m_text;
+};
+
+// The form in which a site list carries it, by the key of the agent served. Fails without the key.
+std::wstring protect(const Context& context, const Password& password);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,181 @@
+#include "tools/sitelist/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
+namespace tool {
+namespace {
+
+// What the name of a value says of it.
+Completion completionByName(const std::string& valueName) {
+  const std::string word = valueName.substr(valueName.rfind('_') + 1);
+  if (word == "FILE" || word == "PATH") return Completion::File;
+  return word == "DIR" ? Completion::Directory : Completion::Nothing;
+}
+
+OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
+  OptionInfo info;
+  for (const std::string& name : option.get_snames()) info.names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames()) info.names.push_back("--" + name);
+  info.isFlag = option.get_items_expected_max() == 0;
+  info.valueName = option.get_positional() ? option.get_name(true) : option.get_type_name();
+  info.help = option.get_description();
+  info.isRequired = option.get_required();
+  info.isRepeatable = option.get_items_expected_max() > 1 ||
+                      option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
+  info.completes = completionByName(info.valueName);
+  const auto found = hints.find(&option);
+  if (found == hints.end()) return info;
+  info.choices = found->second.choices;
+  if (found->second.suggestions) info.suggestions = found->second.suggestions();
+  if (found->second.completes != Completion::Nothing) info.completes = found->second.completes;
+  return info;
+}
+
+CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
+  CommandInfo info;
+  info.name = app.get_name();
+  info.description = app.get_description();
+  info.footer = app.get_footer();
+  for (const CLI::Option* option : app.get_options()) {
+    (option->get_positional() ? info.arguments : info.options)
+        .push_back(describeOption(*option, hints));
+  }
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    info.commands.push_back(describeCommand(*command, hints));
+  }
+  return info;
+}
+
+}  // namespace
+
+Option& Option::required() {
+  m_option->required();
+  return *this;
+}
+
+Option& Option::type_name(const std::string& name) {
+  m_option->type_name(name);
+  return *this;
+}
+
+Option& Option::choices(const std::vector<std::string>& values) {
+  (*m_hints)[m_option].choices = values;
+  m_option->check([values](const std::string& value) {
+    if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
+    std::string known;
+    for (const std::string& each : values) known += (known.empty() ? "" : ", ") + each;
+    return "\"" + value + "\" is none of " + known;
+  });
+  return *this;
+}
+
+Option& Option::suggests(std::function<std::vector<std::string>()> values) {
+  (*m_hints)[m_option].suggestions = std::move(values);
+  return *this;
+}
+
+Option& Option::completes(Completion what) {
+  (*m_hints)[m_option].completes = what;
+  return *this;
+}
+
+Option& Option::not_empty() {
+  m_option->check([](const std::string& value) {
+    return value.empty() ? std::string("the value is empty") : std::string();
+  });
+  return *this;
+}
+
+// With at most one command at each level, a word behind it is an argument, also when it is the name
+// of another command.
+Command Command::add_subcommand(const std::string& name, const std::string& description) {
+  m_app->require_subcommand(0, 1);
+  return Command(m_app->add_subcommand(name, description), m_hints);
+}
+
+Option Command::add_option(const std::string& name, std::string& value, const std::string& help) {
+  return Option(m_app->add_option(name, value, help), m_hints);
+}
+
+Option Command::add_option(const std::string& name, std::vector<std::string>& values,
+                           const std::string& help) {
+  return Option(m_app->add_option(name, values, help), m_hints);
+}
+
+Option Command::add_repeated(const std::string& name, std::vector<std::string>& values,
+                             const std::string& help) {
+  return Option(m_app->add_option(name, values, help)
+                    ->expected(1)
+                    ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll),
+                m_hints);
+}
+
+Option Command::add_flag(const std::string& name, bool& value, const std::string& help) {
+  return Option(m_app->add_flag(name, value, help), m_hints);
+}
+
+void Command::footer(const std::string& text) { m_app->footer(text); }
+
+void Command::callback(std::function<void()> function) { m_app->callback(std::move(function)); }
+
+void Command::fallthrough() { m_app->fallthrough(); }
+
+bool Command::has_subcommand(const std::string& name) const {
+  const CLI::App& app = *m_app;
+  return !app.get_subcommands([&](const CLI::App* each) { return each->get_name() == name; })
+              .empty();
+}
+
+bool Command::parsed() const { return m_app->parsed(); }
+
+CommandLine::CommandLine(const std::string& description, const std::string& name)
+    : m_app(std::make_unique<CLI::App>(description, name)) {
+  m_app->fallthrough();
+  m_app->get_formatter()->column_width(c_nameColumns);
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::program() { return Command(m_app.get(), &m_hints); }
+
+void CommandLine::version(const std::string& text) {
+  m_app->set_version_flag("--version", text, "Print the version and exit");
+}
+
+std::string CommandLine::help() const { return m_app->help(); }
+
+CommandInfo CommandLine::describe() const { return describeCommand(*m_app, m_hints); }
+
+std::string CommandLine::commandName() const {
+  std::string name;
+  for (const CLI::App* app = m_app.get(); !app->get_subcommands().empty();) {
+    app = app->get_subcommands().front();
+    name += (name.empty() ? "" : " ") + app->get_name();
+  }
+  return name;
+}
+
+CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& text) {
+  for (CLI::App* command : m_app->get_subcommands({})) command->fallthrough();
+  std::reverse(arguments.begin(), arguments.end());
+  try {
+    m_app->parse(arguments);
+    return Outcome::Parsed;
+  } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) {
+      std::ostringstream answer;
+      m_app->exit(e, answer);
+      text = answer.str();
+      return Outcome::Answered;
+    }
+    const std::vector<std::string> left = m_app->remaining();
+    const bool isNoCommand = m_app->get_subcommands().empty() && !left.empty() && left[0][0] != '-';
+    text = isNoCommand ? "there is no command \"" + left[0] + "\"" : e.what();
+    return Outcome::Wrong;
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,58 @@
+#ifndef TOOLS_SITELIST_CLI_EXIT_STATUS_H
+#define TOOLS_SITELIST_CLI_EXIT_STATUS_H
+
+namespace tool {
+
+enum ExitStatus : int {
+  exitSuccess = 0,
+  exitNegative = 1,
+  exitUsage = 2,
+  exitDocument = 3,
+  exitFile = 4,
+  exitCrypto = 5,
+  exitConflict = 6,
+  exitNotFound = 7,
+  exitInternal = 70,
+};
+
+constexpr const char* c_exitStatusHelp =
+    "Exit status:\n"
+    "   0  done\n"
+    "   1  the answer is no: lists differ, a rule failed, something expires, or\n"
+    "      there is nothing of the kind\n"
+    "   2  wrong usage\n"
+    "   3  invalid document\n"
+    "   4  a file is missing, or cannot be read or written\n"
+    "   5  a key or the cryptography failed\n"
+    "   6  a conflict with what is there, or the list is locked\n"
+    "   7  what was named is not there\n"
+    "  70  a bug in the tool\n";
+
+// What stands for a status in the output for programs.
+constexpr const char* nameOf(ExitStatus status) {
+  switch (status) {
+    case exitSuccess:
+      return "done";
+    case exitNegative:
+      return "negative";
+    case exitUsage:
+      return "usage";
+    case exitDocument:
+      return "invalid-document";
+    case exitFile:
+      return "file";
+    case exitCrypto:
+      return "crypto";
+    case exitConflict:
+      return "conflict";
+    case exitNotFound:
+      return "not-found";
+    case exitInternal:
+      break;
+  }
+  return "internal";
+}
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,222 @@
+#include "tools/sitelist/cli/failure.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "platform/xml/advxmlparser.h"
+#include "sitehlp/result_codes.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace tool {
+namespace {
+
+using AdvXMLParser::ReadWriteException;
+
+struct Meaning {
+  int code;
+  ExitStatus status;
+  const char* meaning;
+  const char* next;
+};
+
+constexpr const char* c_nextMark = "\n  next: ";
+constexpr const char* c_mendDocument =
+    "mend the document at that place, or have it sent again by the server";
+constexpr const char* c_checkFile = "check that it is a regular file that you may read";
+
+constexpr Meaning c_meanings[] = {
+    {sitehlp::c_errorGeneral, exitDocument, "the last site of the list is of no known kind",
+     "check the names of the elements in the document's \"SiteList\""},
+    {sitehlp::c_errorNoPath, exitUsage, "no path, or an empty list, was given",
+     "name a file that holds a site list"},
+    {sitehlp::c_errorNoMemory, exitInternal, "a record could not be allocated",
+     "free memory and try again"},
+    {sitehlp::c_errorFileMissing, exitFile, "the file does not exist",
+     "check the path; the agent's own list comes into being with `sitelist import`"},
+    {sitehlp::c_errorParse, exitDocument, "the document is not well formed", c_mendDocument},
+    {sitehlp::c_errorNoServerSite, exitNegative, "the list has no management server",
+     "add a complete \"VestaSite\", or use a list that has one"},
+    {sitehlp::c_errorValidation, exitNegative, "the list breaks a rule",
+     "mend the faults; `sitelist validate` names them all"},
+    {sitehlp::c_errorRead, exitFile, "the file could not be read", c_checkFile},
+    {sitehlp::c_errorWrite, exitFile, "the file could not be written",
+     "check that its directory exists, that you may write there and that there is room"},
+    {ReadWriteException::READ_FAILED, exitFile, "the file could not be read", c_checkFile},
+    {ReadWriteException::WRITE_FAILED, exitFile, "the file could not be written",
+     "check that its directory exists, that you may write there and that there is room"},
+    {ReadWriteException::INVALID_ENCODING, exitDocument,
+     "the bytes are not valid in the document's encoding", c_mendDocument},
+    {ReadWriteException::LIMIT_EXCEEDED, exitDocument, "the document is over a limit",
+     "no real list is that large or deep; find out where it came from"},
+};
+
+const Meaning& meaningOf(int code) {
+  for (const Meaning& known : c_meanings) {
+    if (known.code == code) return known;
+  }
+  static constexpr Meaning unknown = {0, exitInternal, "an unknown failure",
+                                      "run again with --verbose"};
+  return unknown;
+}
+
+DocumentFault faultOf(const ReadWriteException& e) {
+  DocumentFault fault;
+  fault.code = e.GetErrorCode();
+  fault.status = meaningOf(e.GetErrorCode()).status;
+  fault.rule = e.GetErrorCode() == ReadWriteException::INVALID_ENCODING ? "invalid-encoding"
+               : e.GetErrorCode() == ReadWriteException::LIMIT_EXCEEDED ? "over-limit"
+                                                                        : "unreadable-file";
+  fault.line = e.GetLine();
+  fault.column = e.GetColumn();
+  fault.reason = shown(std::string(e.what()));
+  if (e.GetSystemError() != 0 &&
+      fault.reason.find(std::strerror(e.GetSystemError())) == std::string::npos) {
+    fault.reason += std::string(": ") + std::strerror(e.GetSystemError());
+  }
+  return fault;
+}
+
+std::string compose(const std::string& path, int code, const std::string& meaning,
+                    const std::string& detail, const std::string& next) {
+  return shown(path) + ": " + meaning + " (" + formatCode(code) + ")\n" + detail +
+         (c_nextMark + 1) + next;
+}
+
+FailurePlace placeOf(const std::string& path, int code) {
+  FailurePlace place;
+  place.file = path;
+  place.code = code;
+  return place;
+}
+
+FailurePlace placeOf(const std::string& path, int code, const DocumentFault& fault) {
+  FailurePlace place = placeOf(path, code);
+  place.line = fault.line;
+  place.column = fault.column;
+  return place;
+}
+
+std::string describe(const DocumentFault& fault) {
+  std::string text = "  ";
+  if (fault.line != 0) {
+    text +=
+        "line " + std::to_string(fault.line) + ", column " + std::to_string(fault.column) + ": ";
+  }
+  return text + fault.reason + "\n";
+}
+
+DocumentFault notWellFormed(unsigned long line, unsigned long column, const std::string& reason) {
+  return {exitDocument, "not-well-formed", line, column, reason, sitehlp::c_errorParse};
+}
+
+// A fault that was found says more than the code, which may stand for several.
+Failure documentFailure(const std::string& name, const DocumentFault& fault, int code) {
+  const Meaning& known = meaningOf(fault.code);
+  return Failure(fault.status, compose(name, code, known.meaning, describe(fault), known.next),
+                 placeOf(name, code, fault));
+}
+
+// Parses the text that `getText` gives; tells what stops it from being a document.
+template <typename GetText>
+std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
+                                   std::unique_ptr<AdvXMLParser::Document>& document) {
+  try {
+    std::string utf8;
+    AdvXMLParser::WrittenIn writtenIn{AdvXMLParser::UTF_8};
+    getText(utf8, writtenIn);
+    text = wide(utf8);
+    document.reset(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size(), &writtenIn));
+    if (document) return std::nullopt;
+    return notWellFormed(1, 1, "there is no markup in the file");
+  } catch (const AdvXMLParser::ParsingException& e) {
+    return notWellFormed(e.GetLine(), e.GetColumn(), shown(e.GetReason()));
+  } catch (const ReadWriteException& e) {
+    return faultOf(e);
+  }
+}
+
+}  // namespace
+
+Failure::Failure(ExitStatus status, const std::string& text, FailurePlace place)
+    : std::runtime_error(text), m_status(status), m_place(std::move(place)) {}
+Failure::Failure(const Failure&) = default;
+Failure::~Failure() = default;
+
+std::string Failure::message() const {
+  const std::string text = what();
+  return text.substr(0, text.find(c_nextMark));
+}
+
+std::string Failure::next() const {
+  const std::string text = what();
+  const std::size_t at = text.find(c_nextMark);
+  return at == std::string::npos ? "" : text.substr(at + std::strlen(c_nextMark));
+}
+
+Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
+                  const std::string& next) {
+  return Failure(status, shown(path) + ": " + text + c_nextMark + next, placeOf(path, 0));
+}
+
+std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
+                                          std::unique_ptr<AdvXMLParser::Document>& document) {
+  return parse(
+      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
+        AdvXMLParser::ReadUtf8FromFile(wide(path), into, writtenIn);
+      },
+      text, document);
+}
+
+std::optional<DocumentFault> findDocumentFault(const std::string& path) {
+  std::wstring text;
+  std::unique_ptr<AdvXMLParser::Document> document;
+  return readDocument(path, text, document);
+}
+
+std::optional<DocumentFault> findFaultInBytes(const std::string& bytes) {
+  std::wstring text;
+  std::unique_ptr<AdvXMLParser::Document> document;
+  return parse(
+      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
+        const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
+        if (!AdvXMLParser::ConvertBufferToUtf8(data, bytes.size(), into, writtenIn)) {
+          throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0,
+                                   "the bytes are not valid in their encoding");
+        }
+      },
+      text, document);
+}
+
+std::string formatCode(int code) {
+  char text[40];
+  std::snprintf(text, sizeof(text), "%d, 0x%08X", code, static_cast<std::uint32_t>(code));
+  return text;
+}
+
+Failure libraryFailure(const std::string& path, int code) {
+  const Meaning& known = meaningOf(code);
+  const bool isAboutReading = code != sitehlp::c_errorFileMissing &&
+                              (known.status == exitDocument || known.status == exitFile) &&
+                              code != sitehlp::c_errorWrite;
+  if (isAboutReading) {
+    if (const auto fault = findDocumentFault(path)) return documentFailure(path, *fault, code);
+  }
+  return Failure(known.status, compose(path, code, known.meaning, "", known.next),
+                 placeOf(path, code));
+}
+
+Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
+  const Meaning& known = meaningOf(code);
+  if (const auto fault = findFaultInBytes(bytes)) return documentFailure(name, *fault, code);
+  return libraryFailure(name, code, known.status, known.meaning, known.next);
+}
+
+Failure libraryFailure(const std::string& path, int code, ExitStatus status,
+                       const std::string& meaning, const std::string& next) {
+  return Failure(status, compose(path, code, meaning, "", next), placeOf(path, code));
+}
+
+}  // namespace tool

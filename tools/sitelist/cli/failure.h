@@ -1,0 +1,79 @@
+#ifndef TOOLS_SITELIST_CLI_FAILURE_H
+#define TOOLS_SITELIST_CLI_FAILURE_H
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "tools/sitelist/cli/exit_status.h"
+
+namespace AdvXMLParser {
+class Document;
+}
+
+namespace tool {
+
+// Where a failure comes from, as far as it is known.
+struct FailurePlace {
+  std::string file;
+  int code = 0;  // of the library
+  unsigned long line = 0;
+  unsigned long column = 0;  // both 0 where no place in a document is meant
+};
+
+// The end of a command: what() is the message and, behind "\n  next: ", what to do about it; both
+// are made of printable text.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitStatus status, const std::string& text, FailurePlace place = {});
+  Failure(const Failure&);
+  ~Failure() override;
+
+  ExitStatus status() const { return m_status; }
+  const FailurePlace& place() const { return m_place; }
+  std::string message() const;
+  std::string next() const;  // empty when there is no advice
+
+ private:
+  ExitStatus m_status;
+  FailurePlace m_place;
+};
+
+// A failure that is about a file or directory: "PATH: TEXT", and what to do next.
+Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
+                  const std::string& next);
+
+// Why a file cannot be read as a document.
+struct DocumentFault {
+  ExitStatus status;  // exitDocument or exitFile
+  const char* rule;   // the fault's name in the output of `validate`
+  unsigned long line = 0;
+  unsigned long column = 0;  // both 0 where no place in the document is meant
+  std::string reason;
+  int code = 0;  // of the library or the parser, for this fault
+};
+
+// Reads and parses a file; tells what stops it from being a document.
+std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
+                                          std::unique_ptr<AdvXMLParser::Document>& document);
+// Reads and parses a file to see why an operation of the library refused it. Nothing when it can be
+// read now.
+std::optional<DocumentFault> findDocumentFault(const std::string& path);
+// The same for the bytes of a document.
+std::optional<DocumentFault> findFaultInBytes(const std::string& bytes);
+
+// A result code in both its forms: "-5, 0xFFFFFFFB".
+std::string formatCode(int code);
+
+// The failure of an operation of the library on a file.
+Failure libraryFailure(const std::string& path, int code);
+// The same for a document that was handed over as bytes.
+Failure libraryFailure(const std::string& name, const std::string& bytes, int code);
+// The same with a meaning, advice and exit status of its own in place of the code's.
+Failure libraryFailure(const std::string& path, int code, ExitStatus status,
+                       const std::string& meaning, const std::string& next);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,67 @@
+#include "tools/sitelist/cli/near_names.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tool {
+namespace {
+
+constexpr std::size_t c_longest = 64;  // no name is longer
+constexpr std::size_t c_mostNames = 3;
+
+std::string lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return text;
+}
+
+// How many letters have to be put in, taken out or replaced.
+std::size_t distance(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+    }
+  }
+  return row[b.size()];
+}
+
+}  // namespace
+
+std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& known) {
+  std::vector<std::pair<std::size_t, std::string>> found;
+  const std::string wanted = lower(name.substr(0, c_longest));
+  for (const std::string& each : known) {
+    const std::string candidate = lower(each);
+    const std::size_t letters = distance(wanted, candidate);
+    const bool isPart = wanted.size() >= 3 && candidate.find(wanted) != std::string::npos;
+    if (letters <= std::max<std::size_t>(1, wanted.size() / 4) || isPart) {
+      found.emplace_back(letters, each);
+    }
+  }
+  std::stable_sort(found.begin(), found.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  const bool isOnlyCase = !found.empty() && found.front().first == 0;
+  const std::size_t most = isOnlyCase ? 1 : c_mostNames;
+  if (found.size() > most) found.resize(most);
+  std::vector<std::string> names;
+  for (auto& [letters, each] : found) names.push_back(std::move(each));
+  return names;
+}
+
+std::string suggestion(const std::string& name, const std::vector<std::string>& known) {
+  const std::vector<std::string> names = nearNames(name, known);
+  std::string text;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    text += i == 0 ? "" : i + 1 == names.size() ? " or " : ", ";
+    text += names[i];
+  }
+  return text.empty() ? "" : "; did you mean " + text + "?";
+}
+
+}  // namespace tool

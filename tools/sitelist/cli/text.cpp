@@ -1,0 +1,93 @@
+#include "tools/sitelist/cli/text.h"
+
+#include <locale.h>
+#include <wchar.h>
+#include <wctype.h>
+#if __has_include(<xlocale.h>)
+#include <xlocale.h>
+#endif
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform/common/astring.h"
+
+namespace tool {
+namespace {
+
+bool isHarmful(wchar_t c) {
+  return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x61C || c == 0x200E || c == 0x200F ||
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
+}
+
+locale_t openUnicodeLocale() {
+  for (const char* name : {"C.UTF-8", "UTF-8", "en_US.UTF-8"}) {
+    if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr)) return found;
+  }
+  return nullptr;
+}
+
+// Null when the machine has none.
+locale_t unicodeLocale() {
+  static const locale_t locale = openUnicodeLocale();
+  return locale;
+}
+
+// Gives this thread the Unicode locale, if there is one; the process keeps its own.
+class InUnicode {
+ public:
+  InUnicode() : m_before(::uselocale(unicodeLocale())) {}
+  ~InUnicode() { ::uselocale(m_before); }
+  InUnicode(const InUnicode&) = delete;
+  InUnicode& operator=(const InUnicode&) = delete;
+
+ private:
+  locale_t m_before;
+};
+
+}  // namespace
+
+std::wstring wide(const std::string& utf8) { return AString(utf8.c_str()).str(); }
+std::string narrow(const std::wstring& text) { return ACharString(text).str(); }
+
+std::wstring printable(const std::wstring& text) {
+  std::wstring result;
+  for (const wchar_t c : text) {
+    if (isHarmful(c)) {
+      char escape[16];
+      std::snprintf(escape, sizeof(escape), "\\u%04X", static_cast<unsigned>(c));
+      result += wide(escape);
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string shown(const std::wstring& text) { return narrow(printable(text)); }
+std::string shown(const std::string& utf8) { return shown(wide(utf8)); }
+
+// First to upper case, for what has two lower ones, as sigma has.
+std::wstring caseFolded(const std::wstring& text) {
+  const InUnicode inUnicode;
+  std::wstring folded = text;
+  for (wchar_t& c : folded)
+    c = static_cast<wchar_t>(::towlower(::towupper(static_cast<wint_t>(c))));
+  return folded;
+}
+
+// Without a Unicode locale on the machine every character counts as one column, as those of ASCII
+// do anyway: looking for the locale takes a while.
+std::size_t columnsOf(const std::wstring& text) {
+  const bool isAscii = std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
+  if (isAscii || !unicodeLocale()) return text.size();
+  const InUnicode inUnicode;
+  std::size_t columns = 0;
+  for (const wchar_t c : text) {
+    const int width = ::wcwidth(c);
+    columns += width < 0 ? 1U : static_cast<std::size_t>(width);
+  }
+  return columns;
+}
+
+}  // namespace tool

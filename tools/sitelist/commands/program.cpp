@@ -1,0 +1,92 @@
+#include "tools/sitelist/commands/program.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "tools/sitelist/cli/exit_status.h"
+#include "tools/sitelist/commands/command.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
+
+struct Entry {
+  const char* name;
+  void (*add)(Command& app, Context& context);
+};
+
+constexpr Entry c_commands[] = {
+    {"init", addInit},
+    {"show", addShow},
+    {"get", addGet},
+    {"explain", addExplain},
+    {"diff", addDiff},
+    {"versions", addVersions},
+    {"servers", addServers},
+    {"certs", addCerts},
+    {"policies", addPolicies},
+    {"validate", addValidate},
+    {"explain-rule", addExplainRule},
+    {"import", addImport},
+    {"install", addInstall},
+    {"merge", addMerge},
+    {"rewrite", addRewrite},
+    {"edit", addEdit},
+    {"modify", addModify},
+    {"derive-server-list", addDeriveServerList},
+    {"from-buffer", addFromBuffer},
+    {"server-list", addServerList},
+    {"protect", addProtect},
+};
+
+void add(const Entry& entry, Command& app, Context& context) {
+  entry.add(app, context);
+  if (!app.has_subcommand(entry.name)) throw std::logic_error("a command has another name");
+}
+
+// The options that all commands have.
+std::unique_ptr<CommandLine> makeProgram(Context& context) {
+  auto line =
+      std::make_unique<CommandLine>("Looks after the site list of an endpoint agent.", "sitelist");
+  Command app = line->program();
+  context.agentDirectory = c_defaultAgentDirectory;
+  app.add_option("--agent-dir", context.agentDirectory,
+                 "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
+      .type_name("DIR");
+  app.add_option("--format", context.format,
+                 "Form of the output: table (the default), json, csv or xml")
+      .type_name("FORM")
+      .choices({"table", "json", "csv", "xml"});
+  app.add_flag("--json", context.json, "The same as --format json");
+  app.add_option("--color", context.color,
+                 "Colour in tables: auto (the default), always or never;\nauto heeds NO_COLOR")
+      .type_name("WHEN")
+      .choices({"auto", "always", "never"});
+  app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
+  line->version("sitelist " SITELIST_VERSION);
+  app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
+             c_exitStatusHelp);
+  return line;
+}
+
+}  // namespace
+
+std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
+  auto line = makeProgram(context);
+  Command app = line->program();
+  for (const Entry& entry : c_commands) add(entry, app, context);
+  return line;
+}
+
+std::unique_ptr<CommandLine> makeCommandLineFor(const std::vector<std::string>& words,
+                                                Context& context) {
+  auto line = makeProgram(context);
+  Command app = line->program();
+  for (const Entry& entry : c_commands) {
+    if (std::find(words.begin(), words.end(), entry.name) != words.end()) add(entry, app, context);
+  }
+  return line;
+}
+
+}  // namespace tool

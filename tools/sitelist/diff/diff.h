@@ -1,0 +1,58 @@
+#ifndef TOOLS_SITELIST_DIFF_DIFF_H
+#define TOOLS_SITELIST_DIFF_DIFF_H
+
+#include <string>
+#include <vector>
+
+#include "tools/sitelist/model/site_list.h"
+#include "tools/sitelist/report/report.h"
+
+namespace tool {
+
+// What happens to a file that comes with a list.
+struct FileChange {
+  std::string name;
+  std::string change;  // "added", "changed", "removed" or "unchanged"
+};
+
+// In what one list differs from another.
+class Diff {
+ public:
+  Diff(const SiteList& before, const SiteList& after, bool showSecrets);
+
+  // To be told with the lists' own differences.
+  void add(const std::vector<FileChange>& files);
+
+  bool isEmpty() const { return m_rows.empty(); }
+  // One row for every change, for a changed site one for every field. `title` and `end` are the
+  // first and the last line for people; an empty one is left out.
+  Report report(const std::string& title, const std::string& end) const;
+
+ private:
+  struct Section {
+    std::string name;  // as in the rows
+    std::size_t unchanged = 0;
+    bool isUsed = false;
+  };
+
+  Section& section(const std::string& name);
+  void addRow(const std::string& section, const std::string& change, Scalar kind,
+              const std::string& name, Scalar field, Scalar before, Scalar after);
+  void compareVersions(const SiteList& before, const SiteList& after);
+  void compareSites(const std::string& section, const std::vector<const sitehlp::tag_Site*>& before,
+                    const std::vector<const sitehlp::tag_Site*>& after);
+  void compareFields(const std::string& section, const sitehlp::tag_Site& before,
+                     const sitehlp::tag_Site& after);
+  void compareCertificates(const SiteList& before, const SiteList& after);
+  void comparePolicies(const SiteList& before, const SiteList& after);
+
+  std::string m_before;
+  std::string m_after;
+  bool m_showSecrets;
+  std::vector<Record> m_rows;
+  std::vector<Section> m_sections;
+};
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef TOOLS_SITELIST_DIFF_DIFF_TEXT_H
+#define TOOLS_SITELIST_DIFF_DIFF_TEXT_H
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "tools/sitelist/report/report.h"
+
+namespace tool {
+
+// A section of a diff that has something to tell, and how many things in it did not change.
+struct DiffSection {
+  std::string name;
+  std::size_t unchanged;
+};
+
+// Prints the rows of a diff for people.
+void printDiff(std::ostream& out, const Screen& screen, const std::string& title,
+               const std::vector<Record>& rows, const std::vector<DiffSection>& sections);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,94 @@
+#include "tools/sitelist/explain/proxy_choice.h"
+
+#include <algorithm>
+
+#include "tools/sitelist/cli/pattern.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace tool {
+namespace {
+
+using sitehlp::tag_Site;
+
+// A name without a domain, or this machine itself.
+bool isLocalAddress(const std::wstring& host) {
+  const std::wstring name = caseFolded(host);
+  if (name == L"localhost" || name == L"::1" || name == L"[::1]" || name.rfind(L"127.", 0) == 0) {
+    return true;
+  }
+  return name.find_first_of(L".:") == std::wstring::npos;
+}
+
+std::string serverAndPort(const wchar_t* server, std::int32_t port) {
+  return *server ? narrow(server) + ":" + std::to_string(port) : "";
+}
+
+}  // namespace
+
+ProxyChoice::ProxyChoice(const tag_Site* list) {
+  for (; list && !m_settings; list = list->pNext) {
+    if (list->eSiteKind == sitehlp::SITE_KIND_PROXY) m_settings = &list->proxy;
+  }
+}
+
+const char* ProxyChoice::mode() const {
+  if (!m_settings) return "none";
+  if (m_settings->bUseIEConfig) return "system";
+  return httpProxy().empty() && ftpProxy().empty() ? "none" : "manual";
+}
+
+std::string ProxyChoice::httpProxy() const {
+  if (!m_settings) return "";
+  return serverAndPort(m_settings->szHttpProxyServer, m_settings->iHttpProxyPort);
+}
+
+std::string ProxyChoice::ftpProxy() const {
+  if (!m_settings) return "";
+  return serverAndPort(m_settings->szFtpProxyServer, m_settings->iFtpProxyPort);
+}
+
+std::vector<std::wstring> ProxyChoice::exclusions() const {
+  std::vector<std::wstring> hosts;
+  if (!m_settings) return hosts;
+  const std::wstring list = m_settings->szExclusionList;
+  for (std::size_t at = 0; at < list.size();) {
+    const std::size_t end = std::min(list.find(L';', at), list.size());
+    if (end > at) hosts.push_back(list.substr(at, end - at));
+    at = end + 1;
+  }
+  return hosts;
+}
+
+Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
+                           const char* protocol) const {
+  if (!m_settings) return {true, "", "the list has no proxy settings"};
+  if (m_settings->bUseIEConfig) {
+    return {false, "system settings", "the list leaves the proxy to the system's own settings"};
+  }
+  if (proxy.empty()) {
+    return {true, "", std::string("the proxy settings name no proxy for ") + protocol};
+  }
+  for (const std::wstring& pattern : exclusions()) {
+    if (matchesPattern(host, pattern)) {
+      return {true, "", "excluded from the proxy by \"" + shown(pattern) + "\""};
+    }
+  }
+  if (m_settings->bBypassLocalAddress && isLocalAddress(host)) {
+    return {true, "", "a local address, and those bypass the proxy"};
+  }
+  return {false, proxy, std::string("the proxy for ") + protocol + "; no exclusion matches"};
+}
+
+Route ProxyChoice::routeTo(const tag_Site& site) const {
+  switch (site.eSiteKind) {
+    case sitehlp::SITE_KIND_HTTP:
+      return routeOverHttp(site.http.szServer);
+    case sitehlp::SITE_KIND_FTP:
+      return routeOverFtp(site.ftp.szServer);
+    case sitehlp::SITE_KIND_UNC:
+      return {true, "", "a file share is not reached over a proxy"};
+  }
+  return {true, "", "a local path needs no network"};
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+#ifndef TOOLS_SITELIST_EXPLAIN_SEARCH_ORDER_H
+#define TOOLS_SITELIST_EXPLAIN_SEARCH_ORDER_H
+
+#include <string>
+#include <vector>
+
+#include "sitehlp/site.h"
+
+namespace tool {
+
+// A site's place in the agent's search.
+struct SearchPlace {
+  const sitehlp::tag_Site* site;
+  int number;          // from 1; 0: the agent does not try it
+  std::string reason;  // printable
+};
+
+// The repositories of a list, first those that the agent tries, in that order, then the others.
+std::vector<SearchPlace> searchOrder(const sitehlp::tag_Site* list);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,90 @@
+#include "tools/sitelist/model/certificate.h"
+
+#include <openssl/bio.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+
+#include <cstdio>
+#include <ctime>
+#include <memory>
+
+#include "platform/common/abase64encode.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace tool {
+namespace {
+
+struct Free {
+  void operator()(BIO* bio) const { BIO_free_all(bio); }
+  void operator()(X509* certificate) const { X509_free(certificate); }
+};
+using Bio = std::unique_ptr<BIO, Free>;
+using Handle = std::unique_ptr<X509, Free>;
+
+int noPassphrase(char*, int, int, void*) { return -1; }
+
+Handle parse(const std::wstring& text) {
+  const std::string narrowed = narrow(text);
+  const Bio pem(BIO_new_mem_buf(narrowed.data(), static_cast<int>(narrowed.size())));
+  Handle certificate(PEM_read_bio_X509(pem.get(), nullptr, noPassphrase, nullptr));
+  if (!certificate) {
+    const ABuffer der = ABase64Encode::decode(text);
+    const unsigned char* position = der.data();
+    certificate.reset(d2i_X509(nullptr, &position, static_cast<long>(der.size())));
+    if (certificate && position != der.data() + der.size()) certificate.reset();
+  }
+  ERR_clear_error();
+  return certificate;
+}
+
+std::string nameText(const X509_NAME* name) {
+  const Bio memory(BIO_new(BIO_s_mem()));
+  X509_NAME_print_ex(memory.get(), name, 0, XN_FLAG_ONELINE & ~ASN1_STRFLGS_ESC_MSB);
+  char* text = nullptr;
+  const long size = BIO_get_mem_data(memory.get(), &text);
+  return shown(std::string(text, static_cast<std::size_t>(size)));
+}
+
+std::string timeText(const ASN1_TIME* time) {
+  std::tm parts = {};
+  char text[32];
+  if (ASN1_TIME_to_tm(time, &parts) != 1 ||
+      std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S UTC", &parts) == 0) {
+    return "unknown";
+  }
+  return text;
+}
+
+std::string fingerprintOf(const X509* certificate) {
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned int size = 0;
+  std::string text;
+  if (X509_digest(certificate, EVP_sha256(), digest, &size) != 1) return "unknown";
+  for (unsigned int i = 0; i < size; ++i) {
+    char pair[4];
+    std::snprintf(pair, sizeof(pair), "%s%02X", i == 0 ? "" : ":", digest[i]);
+    text += pair;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::optional<Certificate> readCertificate(const std::wstring& text) {
+  const Handle handle = parse(text);
+  if (!handle) return std::nullopt;
+  Certificate certificate;
+  certificate.subject = nameText(X509_get_subject_name(handle.get()));
+  certificate.issuer = nameText(X509_get_issuer_name(handle.get()));
+  certificate.fingerprint = fingerprintOf(handle.get());
+  certificate.notBefore = timeText(X509_get0_notBefore(handle.get()));
+  certificate.notAfter = timeText(X509_get0_notAfter(handle.get()));
+  int seconds = 0;
+  ASN1_TIME_diff(&certificate.daysLeft, &seconds, nullptr, X509_get0_notAfter(handle.get()));
+  certificate.isExpired = certificate.daysLeft < 0 || seconds < 0;
+  return certificate;
+}
+
+}  // namespace tool

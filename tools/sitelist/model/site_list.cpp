@@ -1,0 +1,51 @@
+#include "tools/sitelist/model/site_list.h"
+
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace tool {
+
+SiteList readSiteList(const std::string& path) {
+  SiteList list;
+  list.path = path;
+  sitehlp::tag_Site* last = nullptr;
+  list.result =
+      sitehlp::CSitesHelper::ReadListContents(wide(path), list, [&](sitehlp::tag_Site* site) {
+        if (last) {
+          last->pNext = site;
+        } else {
+          list.sites.reset(site);
+        }
+        last = site;
+      });
+  return list;
+}
+
+SiteList readWholeSiteList(const std::string& path) {
+  SiteList list = readSiteList(path);
+  if (list.result != 0) throw libraryFailure(path, list.result);
+  return list;
+}
+
+void writeSiteList(SiteList& list, const std::string& path) {
+  sitehlp::CSitesHelper helper(true);
+  for (const auto& [name, value] : list.policySettings) helper.SetPolicySetting(name, value);
+  const int result = helper.CreateSiteList(list.sites.get(), wide(path), list.globalVersion,
+                                           list.localVersion, list.type, list.certificates);
+  if (result != 0) throw libraryFailure(path, result);
+}
+
+SiteList asWritten(SiteList& list, const std::string& scratch) {
+  writeSiteList(list, scratch);
+  SiteList written = readSiteList(scratch);
+  written.path = list.path;
+  return written;
+}
+
+std::string countEntries(const sitehlp::tag_Site* sites) {
+  std::size_t count = 0;
+  for (; sites; sites = sites->pNext) ++count;
+  return std::to_string(count) + (count == 1 ? " entry" : " entries");
+}
+
+}  // namespace tool

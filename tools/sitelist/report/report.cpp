@@ -1,0 +1,48 @@
+#include "tools/sitelist/report/report.h"
+
+#include "tools/sitelist/cli/failure.h"
+
+namespace tool {
+
+void RowWriter::add(const Record& row) {
+  switch (m_format) {
+    case Format::Json:
+      return appendJsonRow(m_report.writtenRows, row);
+    case Format::Xml:
+      return appendXmlRow(m_report.writtenRows, m_report.rowName, row);
+    case Format::Csv:
+      return appendCsvRow(m_report.writtenRows, m_report.columns, row);
+    case Format::Table:
+      break;
+  }
+}
+
+std::string textOf(const Scalar& value) {
+  if (const bool* const flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+  if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
+  if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  return "";
+}
+
+Record factsOf(const Failure& failure) {
+  const auto orNull = [](const std::string& text) {
+    return text.empty() ? Scalar() : Scalar(text);
+  };
+  const FailurePlace& place = failure.place();
+  Record facts = {{"status", std::int64_t{failure.status()}},
+                  {"name", std::string(nameOf(failure.status()))},
+                  {"message", failure.message()},
+                  {"next", orNull(failure.next())},
+                  {"file", orNull(place.file)},
+                  {"line", Scalar()},
+                  {"column", Scalar()},
+                  {"code", Scalar()}};
+  if (place.line != 0) {
+    facts[5].second = static_cast<std::int64_t>(place.line);
+    facts[6].second = static_cast<std::int64_t>(place.column);
+  }
+  if (place.code != 0) facts[7].second = std::int64_t{place.code};
+  return facts;
+}
+
+}  // namespace tool

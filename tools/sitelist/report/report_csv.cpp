@@ -1,0 +1,53 @@
+#include <ostream>
+
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/report/report.h"
+
+namespace tool {
+namespace {
+
+std::string cell(const std::string& raw) {
+  const std::string text = shown(raw);
+  if (text.find_first_of("\",") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+const Scalar* find(const Record& record, const std::string& name) {
+  for (const auto& [key, value] : record) {
+    if (key == name) return &value;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row) {
+  for (const std::string& column : columns) {
+    if (&column != columns.data()) rows += ',';
+    if (const Scalar* const value = find(row, column)) rows += cell(textOf(*value));
+  }
+  rows += '\n';
+}
+
+void printCsv(std::ostream& out, const Report& report) {
+  if (report.rowsName.empty()) {
+    out << "field,value\n";
+    for (const auto& [name, value] : report.facts)
+      out << name << ',' << cell(textOf(value)) << '\n';
+    return;
+  }
+  for (const std::string& column : report.columns) {
+    out << (&column == report.columns.data() ? "" : ",") << column;
+  }
+  out << '\n';
+  std::string rows;
+  for (const Record& row : report.rows) appendCsvRow(rows, report.columns, row);
+  out << rows << report.writtenRows;
+}
+
+}  // namespace tool

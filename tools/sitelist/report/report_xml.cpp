@@ -1,0 +1,68 @@
+#include <cstdint>
+#include <ostream>
+
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/report/report.h"
+
+namespace tool {
+namespace {
+
+// Characters beyond ASCII become references: what a document holds does nothing to a terminal. What
+// XML cannot carry, which only file names and messages can hold, becomes U+FFFD.
+std::string escaped(const std::string& raw) {
+  std::string text;
+  for (const wchar_t c : wide(raw)) {
+    const auto code = static_cast<std::uint32_t>(c);
+    const bool isCarried = code >= 0x20
+                               ? code != 0xFFFE && code != 0xFFFF && (code & 0xFFFFF800) != 0xD800
+                               : code == '\t' || code == '\n' || code == '\r';
+    if (isCarried && code >= 0x20 && code < 0x7F && code != '<' && code != '>' && code != '&') {
+      text += static_cast<char>(code);
+    } else {
+      text += "&#" + std::to_string(isCarried ? code : 0xFFFD) + ";";
+    }
+  }
+  return text;
+}
+
+// A value that is null, unlike an empty text, has no element.
+void append(std::string& text, const Record& record, const char* indent) {
+  for (const auto& [name, value] : record) {
+    if (std::holds_alternative<std::monostate>(value)) continue;
+    text.append(indent).append("<").append(name).append(">");
+    text.append(escaped(textOf(value))).append("</").append(name).append(">\n");
+  }
+}
+
+}  // namespace
+
+void appendXmlRow(std::string& rows, const std::string& name, const Record& row) {
+  rows.append("    <").append(name).append(">\n");
+  append(rows, row, "      ");
+  rows.append("    </").append(name).append(">\n");
+}
+
+void printXml(std::ostream& out, const Report* report, const Ending& ending) {
+  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\""
+      << c_schemaVersion << "\" command=\"" << ending.command << "\" status=\"" << ending.status
+      << "\">\n";
+  if (report) {
+    std::string facts;
+    append(facts, report->facts, "  ");
+    out << facts;
+    if (!report->rowsName.empty()) {
+      std::string rows;
+      for (const Record& row : report->rows) appendXmlRow(rows, report->rowName, row);
+      out << "  <" << report->rowsName << ">\n"
+          << rows << report->writtenRows << "  </" << report->rowsName << ">\n";
+    }
+  }
+  if (ending.failure) {
+    std::string error;
+    append(error, factsOf(*ending.failure), "    ");
+    out << "  <error>\n" << error << "  </error>\n";
+  }
+  out << "</sitelist>\n";
+}
+
+}  // namespace tool

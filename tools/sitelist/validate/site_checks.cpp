@@ -1,0 +1,159 @@
+#include "tools/sitelist/validate/site_checks.h"
+
+#include <map>
+#include <utility>
+
+#include "platform/common/text.h"
+#include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/validate/element_checks.h"
+#include "tools/sitelist/validate/value_checks.h"
+
+namespace tool {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+constexpr int c_fallbackOrder = 65535;
+
+// As the record has it.
+std::wstring cut(const std::wstring& text) { return text.substr(0, sitehlp::c_textCapacity - 1); }
+
+bool isType(const PlacedElement& site, const wchar_t* type) {
+  return wcsicmp(cut(site.attribute(WX_XML_SITE_TYPE)).c_str(), type) == 0;
+}
+
+int orderOf(const PlacedElement& site) {
+  if (!site.element.GetAttribute(WX_XML_SITE_ORDER).IsNull()) {
+    return numberIn(site.attribute(WX_XML_SITE_ORDER));
+  }
+  return isType(site, L"fallback") ? c_fallbackOrder : 0;
+}
+
+bool hasAddress(const PlacedElement& site, const std::string& kind) {
+  const bool hasDnsName =
+      kind == "agent" && !site.element.GetAttribute(WX_XML_SITE_SERVER_FQDN).IsNull();
+  const std::wstring address =
+      site.attribute(hasDnsName ? WX_XML_SITE_SERVER_FQDN : WX_XML_SITE_SERVER);
+  return kind == "local" || !(kind == "unc" ? address : hostOf(address)).empty();
+}
+
+// Sees all sites of a list, one after the other.
+class SiteChecks {
+ public:
+  explicit SiteChecks(Faults& faults) : m_faults(faults) {}
+
+  // `isComplete`: other rules ask whether it has a name and an address.
+  void check(const PlacedElement& site, const std::string& kind, bool isComplete) {
+    const std::wstring name = cut(site.attribute(WX_XML_SITE_NAME));
+    if (name.empty()) {
+      if (!isComplete) m_faults.add("site-without-name", site.place, "the site has no \"Name\"");
+    } else {
+      checkUnique(site, kind, name);
+    }
+    if (!isComplete && !hasAddress(site, kind)) {
+      m_faults.add("site-without-address", site.place,
+                   "the site" + (name.empty() ? "" : " " + quoted(name)) + " has no \"Server\"");
+    }
+    const bool isEnabled = numberIn(site.attribute(WX_XML_SITE_ENABLED)) != 0;
+    if (isEnabled && !isType(site, STR_SITE_TYPE_MIRROR)) checkOrder(site);
+  }
+
+ private:
+  void checkUnique(const PlacedElement& site, const std::string& kind, const std::wstring& name) {
+    const auto [other, isNew] = m_names.emplace(std::make_pair(kind, name), &site);
+    if (isNew) return;
+    m_faults.add(
+        "duplicate-name", site.place,
+        quoted(name) + " is also the name of the " + kind + " site" + inLine(other->second->place));
+  }
+
+  void checkOrder(const PlacedElement& site) {
+    const int order = orderOf(site);
+    const auto [other, isNew] = m_orders.emplace(order, &site);
+    if (isNew) return;
+    m_faults.add("duplicate-order", site.place,
+                 "the order " + std::to_string(order) + " is also that of the site " +
+                     quoted(other->second->attribute(WX_XML_SITE_NAME)) +
+                     inLine(other->second->place));
+  }
+
+  Faults& m_faults;
+  std::map<std::pair<std::string, std::wstring>, const PlacedElement*> m_names;
+  std::map<int, const PlacedElement*> m_orders;
+};
+
+void checkProxies(const PlacedElement& list, const ElementForm& form,
+                  const PlacedElement* unknownSite, Faults& faults) {
+  checkAttributes(list, form, faults);
+  const PlacedElement* before = nullptr;
+  for (const PlacedElement& child : list.children) {
+    if (&child == unknownSite) continue;
+    if (!child.element.HasName(WX_XML_PROXY_CONFIG)) {
+      addUnknownChild(child, form, faults);
+      continue;
+    }
+    if (before) {
+      faults.add("second-proxy-config", child.place,
+                 "this \"ProxyConfig\" takes the place of the one" + inLine(before->place));
+    }
+    before = &child;
+    checkElement(child, *formOf(child.element), faults);
+    checkProxy(child, faults);
+  }
+}
+
+void addUnknownElement(const PlacedElement& element, Faults& faults) {
+  const std::vector<std::string> known = {"VestaSite", "KeystoneSite", "HttpSite",       "FTPSite",
+                                          "UNCSite",   "LocalSite",    "ProxyConfigList"};
+  const std::wstring name = element.element.GetName();
+  faults.add("unknown-element", element.place,
+             quoted(name) + " is no kind of site" + suggestion(narrow(name), known));
+}
+
+}  // namespace
+
+// The library's result is that of what it decoded last, and it decodes the children of a proxy list
+// in place of the list.
+const PlacedElement* findUnknownSite(const PlacedElement& root) {
+  const PlacedElement* const list = root.child(WX_XML_SITELIST);
+  if (!list) return nullptr;
+  for (auto site = list->children.rbegin(); site != list->children.rend(); ++site) {
+    if (!site->element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
+      const ElementForm* const form = formOf(site->element);
+      return form && form->kind ? nullptr : &*site;
+    }
+    if (site->children.empty()) continue;
+    const PlacedElement& last = site->children.back();
+    if (last.element.HasName(WX_XML_PROXY_CONFIG)) return nullptr;
+    const ElementForm* const form = formOf(last.element);
+    const bool isSite = form && form->kind && !last.element.HasName(WX_XML_PROXY_CONFIG_LIST);
+    return isSite ? nullptr : &last;
+  }
+  return nullptr;
+}
+
+void checkSites(const PlacedElement& root, const PlacedElement& list, bool isServerChecked,
+                Faults& faults) {
+  const PlacedElement* const unknownSite = findUnknownSite(root);
+  const PlacedElement* const server =
+      isServerChecked ? list.child(WX_XML_SITELIST_VESTA_SITE) : nullptr;
+  checkAttributes(list, *formOf(list.element), faults);
+  SiteChecks checks(faults);
+  for (const PlacedElement& site : list.children) {
+    if (&site == unknownSite) continue;
+    const ElementForm* const form = formOf(site.element);
+    if (!form || !form->kind) {
+      addUnknownElement(site, faults);
+    } else if (site.element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
+      checkProxies(site, *form, unknownSite, faults);
+    } else {
+      checkElement(site, *form, faults);
+      checks.check(site, form->kind, &site == server);
+    }
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,117 @@
+#include "tools/sitelist/validate/validation.h"
+
+#include <unistd.h>
+
+#include "sitehlp/sites_helper.h"
+#include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_list.h"
+#include "tools/sitelist/validate/document_checks.h"
+#include "tools/sitelist/validate/site_checks.h"
+
+namespace tool {
+namespace {
+
+using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST;
+using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
+
+// How the library words a broken rule: what the log line begins with and what it ends with. A rule
+// without an end is one whose line ends with a value, or is the whole line.
+struct Wording {
+  const char* rule;
+  const wchar_t* begin;
+  const wchar_t* end;
+  bool isWhole;
+};
+
+constexpr Wording c_wordings[] = {
+    {"no-sites", L"no sites in site list", L"", true},
+    {"no-server", L"Failed to get VESTA site hr=", L"", false},
+    {"server-not-local", L"must not be local", L"", true},
+    {"server-kind-http", L"type must be HTTP site not ", L"", false},
+    {"server-type-master", L"site type must be master not ", L"", false},
+    {"server-element", L"proto type must be VestaSite not ", L"", false},
+    {"server-name", L"name cannot be empty", L"", true},
+    {"server-address", L"server name cannot be empty", L"", true},
+    {"server-ip-address", L"VESTA IP address cannot be empty", L"", true},
+    {"server-computer-name", L"computer name cannot be empty", L"", true},
+    {"server-path", L"path cannot be empty", L"", true},
+    {"server-request-key", L"", L"req2048seckey.bin is invalid", false},
+    {"server-public-key", L"", L"sr2048pubkey.bin is invalid", false},
+};
+
+bool endsWith(const std::wstring& text, const std::wstring& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+bool isWordedAs(const std::wstring& text, const Wording& wording) {
+  if (wording.isWhole) return text == wording.begin;
+  return text.rfind(wording.begin, 0) == 0 && endsWith(text, wording.end);
+}
+
+// Where the fault is: in the server that was checked or, for what is missing, where it would be.
+Place placeOf(const std::string& rule, const PlacedElement& root) {
+  const PlacedElement* const list = root.child(WX_XML_SITELIST);
+  if (!list) return root.place;
+  const PlacedElement* const server = list->child(WX_XML_SITELIST_VESTA_SITE);
+  return server && rule.rfind("server-", 0) == 0 ? server->place : list->place;
+}
+
+void addBrokenRules(const PlacedElement& root, bool isBesideKeys, Faults& faults) {
+  for (const LogRecord& record : logRecords()) {
+    for (const Wording& wording : c_wordings) {
+      if (!isWordedAs(record.text, wording)) continue;
+      const Place place = placeOf(wording.rule, root);
+      const bool isKeyRule = endsWith(wording.end, L"key.bin is invalid");
+      if (!isKeyRule || isBesideKeys) {
+        faults.add(wording.rule, place, narrow(record.text));
+      } else if (!faults.has("key-files-unchecked")) {
+        faults.add("key-files-unchecked", place,
+                   "the server has a version, but there is no directory in which to look for its "
+                   "key files");
+      }
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
+  Faults faults;
+  if (::access(source.path.c_str(), F_OK) != 0) {
+    faults.add("missing-file", {}, "the file does not exist");
+    return faults.take();
+  }
+  PlacedDocument document;
+  if (const auto fault = document.read(source.path)) {
+    faults.add(fault->rule, {fault->line, fault->column}, fault->reason);
+    return faults.take();
+  }
+  clearLogRecords();
+  sitehlp::CSitesHelper helper(true);
+  sitehlp::tag_Site* list = nullptr;
+  const int read = helper.ReadSiteList(wide(source.path), &list, false);
+  const Sites sites(list);
+  const PlacedElement* const unknownSite = findUnknownSite(document.root());
+  if (read == sitehlp::c_errorGeneral && unknownSite) {
+    faults.add("unknown-site", unknownSite->place, "the last site of the list is of no known kind");
+  } else if (read != 0) {
+    throw libraryFailure(source.path, read);
+  }
+  const int checked = helper.SourceSiteListCheck(sites.get(), checkServer);
+  addBrokenRules(document.root(), source.isBesideKeys, faults);
+  if (checked != 0 && faults.empty()) throw libraryFailure(source.path, checked);
+  checkDocument(document.root(), checkServer, faults);
+  return faults.take();
+}
+
+std::vector<Fault> brokenRules(const std::string& path) {
+  Faults faults;
+  PlacedDocument document;
+  if (!document.read(path)) addBrokenRules(document.root(), true, faults);
+  return faults.take();
+}
+
+}  // namespace tool

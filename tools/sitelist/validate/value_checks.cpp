@@ -1,0 +1,138 @@
+#include "tools/sitelist/validate/value_checks.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+#include "platform/common/abase64encode.h"
+#include "platform/common/text.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace tool {
+namespace {
+
+constexpr long c_maxPort = 65535;
+// Version byte, nonce and tag of a protected value, which is longer by what it protects.
+constexpr std::size_t c_leastProtectedSize = 1 + 12 + 16;
+constexpr unsigned char c_protectedVersion = 1;
+
+bool isSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
+
+std::wstring trimmed(const std::wstring& text) {
+  const auto first = std::find_if_not(text.begin(), text.end(), isSpace);
+  const auto last = std::find_if_not(text.rbegin(), text.rend(), isSpace).base();
+  return first < last ? std::wstring(first, last) : std::wstring();
+}
+
+// Whether the text is a decimal number within the bounds, and nothing else.
+bool isNumber(const std::wstring& text, long least, long most) {
+  const std::wstring digits = trimmed(text);
+  const std::size_t sign = !digits.empty() && (digits[0] == L'-' || digits[0] == L'+') ? 1 : 0;
+  if (digits.size() == sign || digits.find_first_not_of(L"0123456789", sign) != digits.npos) {
+    return false;
+  }
+  const long number = std::strtol(narrow(digits).c_str(), nullptr, 10);
+  return number >= least && number <= most;
+}
+
+void checkLength(const ValueForm& form, const std::wstring& text, const Place& place,
+                 Faults& faults) {
+  if (text.size() < form.capacity) return;
+  faults.add("text-cut", place,
+             "\"" + narrow(form.name) + "\" has " + std::to_string(text.size()) +
+                 " characters and is cut to " + std::to_string(form.capacity - 1));
+}
+
+// Several colons are right in an IPv6 address in brackets, with a port behind it.
+bool isAmbiguous(const std::wstring& address) {
+  if (std::count(address.begin(), address.end(), L':') < 2) return false;
+  const std::wstring host = hostOf(address);
+  return host.front() != L'[' || host.back() != L']';
+}
+
+void checkPort(const std::wstring& name, const std::wstring& port, const Place& place,
+               Faults& faults) {
+  if (isNumber(port, 0, c_maxPort)) return;
+  faults.add(
+      "port-number", place,
+      "the port " + quoted(port) + " of \"" + narrow(name) + "\" is no number from 0 to 65535");
+}
+
+void checkAddress(const ValueForm& form, const std::wstring& value, const Place& place,
+                  Faults& faults) {
+  std::wstring host = hostOf(value);
+  if (isAmbiguous(value)) {
+    faults.add("ambiguous-address", place,
+               "\"" + narrow(form.name) + "\" is " + quoted(value) +
+                   ", which is read as the host " + quoted(host) + "; write [ADDRESS]:PORT");
+  } else if (host.size() != value.size()) {
+    checkPort(form.name, value.substr(host.size() + 1), place, faults);
+  }
+  if (form.form == Form::ComputerName) convertFqdnToNetbios(host);
+  checkLength(form, host, place, faults);
+}
+
+void checkFlag(const ValueForm& form, const std::wstring& value, const Place& place,
+               Faults& faults) {
+  if (isNumber(value, 0, 1)) return;
+  faults.add("flag-value", place,
+             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which counts as " +
+                 (numberIn(value) != 0 ? "1" : "0"));
+}
+
+void checkOrder(const ValueForm& form, const std::wstring& value, const Place& place,
+                Faults& faults) {
+  using Limits = std::numeric_limits<int>;
+  if (isNumber(value, Limits::min(), Limits::max())) return;
+  faults.add("order-number", place,
+             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which counts as " +
+                 std::to_string(numberIn(value)));
+}
+
+// The value is not repeated: it may be a clear password.
+void checkPassword(const ValueForm& form, const std::wstring& value, const Place& place,
+                   Faults& faults) {
+  const ABuffer bytes = ABase64Encode::decode(value);
+  const bool isOneWord = std::none_of(value.begin(), value.end(), isSpace);
+  if (isOneWord && bytes.size() >= c_leastProtectedSize && bytes.data()[0] == c_protectedVersion) {
+    return;
+  }
+  faults.add("password-form", place,
+             "\"" + narrow(form.name) + "\" is not in protected form and reads as empty");
+}
+
+}  // namespace
+
+// As the library does it where the number does not fit, too.
+int numberIn(const std::wstring& text) {
+  return static_cast<int>(std::strtol(narrow(text).c_str(), nullptr, 10));
+}
+
+std::wstring hostOf(const std::wstring& address) { return address.substr(0, address.rfind(L':')); }
+
+// An empty value is as good as none, but for an order.
+void checkValue(const ValueForm& form, const std::wstring& value, const Place& place,
+                Faults& faults) {
+  if (value.empty() && form.form != Form::Order) return;
+  switch (form.form) {
+    case Form::Text:
+      return checkLength(form, value, place, faults);
+    case Form::Address:
+    case Form::ComputerName:
+      return checkAddress(form, value, place, faults);
+    case Form::Flag:
+      return checkFlag(form, value, place, faults);
+    case Form::Port:
+      return checkPort(form.name, value, place, faults);
+    case Form::Order:
+      return checkOrder(form, value, place, faults);
+    case Form::Password:
+      return checkPassword(form, value, place, faults);
+    case Form::Elements:
+    case Form::Any:
+    case Form::Unread:
+      return;
+  }
+}
+
+}  // namespace tool

@@ -318,3 +318,7 @@ GROUPS = {
     "usage": USAGE,
 }
 ALL = [case for cases in GROUPS.values() for case in cases]
+# What the name of a case begins with.
+COMMANDS = ("show", "get", "explain", "explain-rule", "diff", "versions", "servers", "certs", "policies",
+            "protect", "init", "import", "install", "modify", "merge", "rewrite", "derive-server-list",
+            "server-list", "from-buffer", "validate", "edit", "usage")

@@ -82,7 +82,7 @@ def status_problems(tool, cases):
 def smallest_of_each_kind(golden):
     """A document of every command with a row, without one, and with an error."""
     chosen = {}
-    for path in sorted(golden.glob("*.json"), key=lambda path: (path.stat().st_size, path.name)):
+    for path in sorted(golden.glob("*/*/json"), key=lambda path: (path.stat().st_size, path)):
         document = json.loads(path.read_text())
         has_rows = any(isinstance(value, list) and value for value in document.values())
         one_row = {k: v[:1] if isinstance(v, list) else v for k, v in document.items()}

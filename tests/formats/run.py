@@ -1,16 +1,18 @@
 #!/usr/bin/env python3
 """Runs the tool on fixed documents in every form and looks at everything that it prints.
 
-  run.py --tool SITELIST GROUP...               the cases of these groups, against golden/
+  run.py --tool SITELIST GROUP...               the cases of these groups, against their folders
   run.py --tool SITELIST contract               schema, commands and exit statuses
-  run.py --tool SITELIST --update [GROUP...]    writes golden/ anew
+  run.py --tool SITELIST --update [GROUP...]    writes the folders anew
 
-A golden file is named after its case and form; where there is nothing to print, there is none.
-Messages, the same in every form, are in CASE.err.
+Each case has a folder, COMMAND/CASE/: its command line in cmd, and what is printed in a file for
+each form, if anything is. Messages, the same in every form, are in err.
 """
 
 import argparse
 import difflib
+import os
+import shlex
 import sys
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
@@ -22,7 +24,6 @@ import forms
 from world import World
 
 HERE = Path(__file__).resolve().parent
-GOLDEN = HERE / "golden"
 SOURCE = HERE.parent.parent
 
 
@@ -31,8 +32,14 @@ def run_case(world, case, form):
     return world.run(["--format", form, *case.arguments], case.stdin, directory), directory
 
 
-def golden_name(case, kind):
-    return GOLDEN / f"{case.name}.{kind}"
+def folder(case):
+    command = max((name for name in cases.COMMANDS if f"{case.name}-".startswith(f"{name}-")), key=len)
+    return HERE / command / (case.name[len(command) + 1:] or "plain")
+
+
+def command_line(case):
+    words = ["sitelist", *(os.fsdecode(word) for word in case.arguments)]
+    return shlex.join(words).encode(errors="backslashreplace").decode() + "\n"
 
 
 class Run:
@@ -67,27 +74,30 @@ class Run:
         if "json" in texts:
             report = checks.check_json(case, texts["json"], texts["err"], self.validator)
             checks.check_others(case, report, texts)
+        texts["cmd"] = command_line(case)
         for kind, text in texts.items():
-            self.golden(golden_name(case, kind), text)
+            self.golden(folder(case) / kind, text)
 
     def golden(self, path, text):
         if self.update:
+            path.parent.mkdir(parents=True, exist_ok=True)
             path.write_bytes(text.encode()) if text else path.unlink(missing_ok=True)
             return
         expected = path.read_bytes().decode() if path.exists() else ""
         if path.exists() and not expected:
-            self.problems.append(f"{path.name}: an empty golden file")
+            self.problems.append(f"{path.relative_to(HERE)}: an empty golden file")
         if text != expected:
-            lines = difflib.unified_diff(expected.splitlines(), text.splitlines(), "golden", "now", lineterm="")
+            lines = difflib.unified_diff(expected.splitlines(), text.splitlines(), "stored", "now", lineterm="")
             shown = "\n".join(line[:200] for line in list(lines)[:60])
-            self.problems.append(f"{path.name} is not as golden/ has it\n{shown}")
+            self.problems.append(f"{path.relative_to(HERE)} is not what is printed\n{shown}")
 
 
 def find_stale(update):
-    known = {f"{case.name}.{kind}" for case in cases.ALL for kind in (*case.forms, "err")}
-    stale = [path for path in GOLDEN.iterdir() if path.name not in known]
+    known = {folder(case) / kind for case in cases.ALL for kind in (*case.forms, "err", "cmd")}
+    stale = [path for command in HERE.iterdir() if command.is_dir() and command.name != "__pycache__"
+             for path in command.rglob("*") if path.is_file() and path not in known]
     if not update:
-        return [f"{path.name}: a golden file of no case" for path in stale]
+        return [f"{path.relative_to(HERE)}: a golden file of no case" for path in stale]
     for path in stale:
         path.unlink()
     return []
@@ -114,14 +124,13 @@ def main():
     parser.add_argument("--update", action="store_true")
     parser.add_argument("groups", nargs="*", choices=[*cases.GROUPS, "contract", []])
     arguments = parser.parse_args()
-    GOLDEN.mkdir(exist_ok=True)
     groups = arguments.groups or list(cases.GROUPS)
     chosen = [case for name in groups if name != "contract" for case in cases.GROUPS[name]]
     problems = find_stale(arguments.update)
     if chosen:
         problems += run_groups(arguments, chosen)
     if "contract" in groups:
-        problems += contract.problems(GOLDEN, arguments.tool, cases.ALL)
+        problems += contract.problems(HERE, arguments.tool, cases.ALL)
     for problem in problems:
         print(problem, file=sys.stderr)
     print(f"{len(chosen)} cases, {len(problems)} problems")

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "host/common/ascii.h"
+#include "host/common/base64.h"
 #include "host/common/encoding.h"
 #include "host/crypto/key_span.h"
 

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/crypto/nonces.h"
@@ -55,12 +54,6 @@ class Sealer {
 
 // Whether the sealer refuses all; then logs why, once in a span.
 bool reportRefusal(const Sealer& sealer);
-
-// Sealed values as base64 text, standard alphabet with padding. Decoding takes exactly what
-// encoding makes, so that no two texts stand for the same bytes; for any other text it returns
-// false and leaves `bytes` as it was.
-std::string toBase64(const std::vector<unsigned char>& bytes);
-bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes);
 
 // What a management server does to a password before it sends it: `clear` (UTF-8) sealed under the
 // server key of the agent in force, as base64 text. Empty when the key cannot be had. Any thread.

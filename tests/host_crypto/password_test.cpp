@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 
+#include "host/common/base64.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/test_agent.h"

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/common/base64.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/test_agent.h"

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "host/common/base64.h"
 #include "host/common/encoding.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"

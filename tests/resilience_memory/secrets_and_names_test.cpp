@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/common/base64.h"
 #include "host/crypto/sealed_value.h"
 #include "host/xml/xml_name.h"
 #include "platform/crypto/crypt_shim.h"

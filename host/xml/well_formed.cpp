@@ -11,7 +11,6 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <utility>
 
 #include "host/xml/limits.h"
 #include "host/xml/text_encoding.h"
@@ -37,31 +36,9 @@ unsigned long hashSalt() {
   return g_hashSalt.compare_exchange_strong(salt, drawn) ? drawn : salt;
 }
 
-// Of the documents whose parser stays with the thread: setting one up takes a tenth of what such a
-// document takes, and of a large one nothing that counts. A parser keeps memory that it needed.
-constexpr std::size_t c_smallDocument = std::size_t{64} << 10;
-thread_local XML_Parser t_keptParser = nullptr;
-thread_local bool t_isEnding = false;
-
-struct FreeKeptParser {
-  ~FreeKeptParser() {
-    FreeParser()(t_keptParser);
-    t_keptParser = nullptr;
-    t_isEnding = true;  // what still parses now has its own
-  }
-};
-
-void keepParser(ParserPtr parser) {
-  // No memory is needed to make it new.
-  if (t_isEnding || !XML_ParserReset(parser.get(), nullptr)) return;
-  static thread_local const FreeKeptParser freeAtEnd;
-  const ParserPtr other(std::exchange(t_keptParser, parser.release()));
-}
-
-ParserPtr takeParser() {
-  ParserPtr parser(std::exchange(t_keptParser, nullptr));
-  if (!parser) parser.reset(XML_ParserCreate(nullptr));
-  if (!parser || XML_SetEncoding(parser.get(), "UTF-8") != XML_STATUS_OK) throw std::bad_alloc();
+ParserPtr makeParser() {
+  ParserPtr parser(XML_ParserCreate("UTF-8"));
+  if (!parser) throw std::bad_alloc();
   return parser;
 }
 
@@ -74,7 +51,7 @@ constexpr std::size_t c_pieceBytes = 4 * c_maxTokenBytes;
 // frames, so the first one is kept and stops the parser, which may still make a call or two.
 class Checker {
  public:
-  Checker() : m_parser(takeParser()) {
+  Checker() : m_parser(makeParser()) {
     XML_Parser const parser = m_parser.get();
     XML_SetHashSalt(parser, hashSalt());
     XML_SetUserData(parser, this);
@@ -89,15 +66,11 @@ class Checker {
     XML_SetDefaultHandlerExpand(parser, onText);
   }
 
-  ~Checker() {
-    if (m_isSmall) keepParser(std::move(m_parser));
-  }
   Checker(const Checker&) = delete;
   Checker& operator=(const Checker&) = delete;
 
   Standalone check(const char* utf8, std::size_t size, const AdvXMLParser::WrittenIn* writtenIn) {
     m_writtenIn = writtenIn;
-    m_isSmall = size <= c_smallDocument;
     do {
       const std::size_t piece = std::min(size - m_fed, c_pieceBytes);
       feed(utf8 + m_fed, piece, m_fed + piece == size);
@@ -204,7 +177,6 @@ class Checker {
 
   ParserPtr m_parser;
   const AdvXMLParser::WrittenIn* m_writtenIn = nullptr;
-  bool m_isSmall = false;
   std::size_t m_fed = 0;  // in bytes
   std::size_t m_depth = 0;
   std::array<std::size_t, c_maxDepth + 1> m_children{};  // by the depth of the parent

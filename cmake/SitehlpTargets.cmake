@@ -16,6 +16,7 @@ function(sitehlp_target_defaults target)
             -Wconversion
             -Wno-sign-conversion
             -Wnon-virtual-dtor
+            $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>
             $<$<BOOL:${SITEHLP_WARNINGS_AS_ERRORS}>:-Werror>)
   if(SITEHLP_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${SITEHLP_SANITIZE}

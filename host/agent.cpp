@@ -31,7 +31,7 @@ void apply(AgentSettings settings) {
 }
 
 void readDefaultAgent() {
-  const ForkLock lock(Guarded::Settings);
+  const ForkLock lock(c_settingsMutex);
   if (g_isKnown.load(std::memory_order_acquire)) return;
   const AgentSettings defaults;
   try {

@@ -44,7 +44,7 @@ class StandardError {
 };
 
 struct Output {
-  LogSink sink = StandardError();
+  LogSink sink HOST_GUARDED_BY(c_logMutex) = StandardError();
 };
 
 // Destructors of the process may still log.
@@ -55,9 +55,9 @@ void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
   try {
     const std::wstring componentText = component ? component : L"";
     const std::wstring whole = std::wstring(prefix).append(text);
-    LogSink& sink = g_output.get().sink;
-    const ForkLock lock(Guarded::Log);
-    sink(level, componentText, whole);
+    Output& output = g_output.get();
+    const ForkLock lock(c_logMutex);
+    output.sink(level, componentText, whole);
   } catch (...) {
     // A log that fails must not disturb what it tells about.
   }
@@ -71,9 +71,9 @@ void logAt(LogLevel level, const wchar_t* component, const AString& text) noexce
 
 void setLogSink(LogSink sink) {
   if (!sink) sink = StandardError();
-  LogSink& present = g_output.get().sink;
-  const ForkLock lock(Guarded::Log);
-  present.swap(sink);
+  Output& output = g_output.get();
+  const ForkLock lock(c_logMutex);
+  output.sink.swap(sink);
 }
 
 void setLogThreshold(LogLevel level) {

@@ -10,7 +10,7 @@ const wchar_t* const c_logComponent = L"Host";
 
 std::string errorText(int error) {
   // The system takes a lock of its own when it translates the text.
-  const ForkLock lock(Guarded::ErrorText);
+  const ForkLock lock(c_errorTextMutex);
   return std::generic_category().message(error);
 }
 

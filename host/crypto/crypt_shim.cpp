@@ -13,12 +13,10 @@ using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD;
 using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER;
 
 struct PasswordPool : KeyPool {
-  PasswordPool()
-      : KeyPool(ENCRYPTION_TYPE_PASSWORD, Guarded::PasswordKey, c_passwordKeyName, true) {}
+  PasswordPool() : KeyPool(ENCRYPTION_TYPE_PASSWORD, c_passwordKeyMutex, c_passwordKeyName, true) {}
 };
 struct ServerPool : KeyPool {
-  ServerPool()
-      : KeyPool(ENCRYPTION_TYPE_SERVER_BUFFER, Guarded::ServerKey, c_serverKeyName, false) {}
+  ServerPool() : KeyPool(ENCRYPTION_TYPE_SERVER_BUFFER, c_serverKeyMutex, c_serverKeyName, false) {}
 };
 
 // Other objects may still need passwords while the process ends.

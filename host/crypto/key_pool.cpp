@@ -12,13 +12,14 @@ constexpr std::size_t c_idleLimit = 16;
 
 }  // namespace
 
-KeyPool::KeyPool(Encryption::Type type, Guarded guard, const char* keyName, bool createsKey)
-    : m_type(type), m_guard(guard), m_keyName(keyName), m_createsKey(createsKey) {
+KeyPool::KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName,
+                 bool createsKey)
+    : m_type(type), m_mutex(mutex), m_keyName(keyName), m_createsKey(createsKey) {
   m_idle.reserve(c_idleLimit);  // giving back must not fail
 }
 
 std::unique_ptr<Encryption> KeyPool::take(const std::string& dataDirectory) {
-  const ForkLock lock(m_guard);
+  const ForkLock lock(m_mutex);
   if (dataDirectory != m_dataDirectory) {
     drop();
     m_dataDirectory = dataDirectory;
@@ -35,7 +36,7 @@ std::unique_ptr<Encryption> KeyPool::take(const std::string& dataDirectory) {
 }
 
 void KeyPool::giveBack(std::unique_ptr<Encryption> object) {
-  const ForkLock lock(m_guard);
+  const ForkLock lock(m_mutex);
   if (object->generation() == m_generation && m_idle.size() < c_idleLimit) {
     m_idle.push_back(std::move(object));
   }

@@ -17,8 +17,8 @@ namespace host {
 // was. Any thread.
 class KeyPool {
  public:
-  // `guard` is the mutex of this pool alone. With `createsKey`, a missing key is made anew.
-  KeyPool(Encryption::Type type, Guarded guard, const char* keyName, bool createsKey);
+  // `mutex` is that of this pool alone. With `createsKey`, a missing key is made anew.
+  KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName, bool createsKey);
 
   // An object with the key of the agent in this directory; null, with an error logged, when the key
   // cannot be had. Throws std::bad_alloc.
@@ -27,20 +27,20 @@ class KeyPool {
   void giveBack(std::unique_ptr<Encryption> object);
 
  private:
-  bool refreshKey();
-  void drop();
+  bool refreshKey() HOST_REQUIRES(m_mutex);
+  void drop() HOST_REQUIRES(m_mutex);
 
   const Encryption::Type m_type;
-  const Guarded m_guard;
+  const ForkMutex& m_mutex;
   const char* const m_keyName;
   const bool m_createsKey;
-  std::string m_dataDirectory;
-  std::string m_path;
-  SecretBytes m_key;     // empty: not loaded
-  KeyFileState m_state;  // of the file that m_key was read from
-  std::uint64_t m_generation = 0;
-  std::uint64_t m_span = 0;  // in which m_key was looked at last
-  std::vector<std::unique_ptr<Encryption>> m_idle;
+  std::string m_dataDirectory HOST_GUARDED_BY(m_mutex);
+  std::string m_path HOST_GUARDED_BY(m_mutex);
+  SecretBytes m_key HOST_GUARDED_BY(m_mutex);     // empty: not loaded
+  KeyFileState m_state HOST_GUARDED_BY(m_mutex);  // of the file that m_key was read from
+  std::uint64_t m_generation HOST_GUARDED_BY(m_mutex) = 0;
+  std::uint64_t m_span HOST_GUARDED_BY(m_mutex) = 0;  // in which m_key was looked at last
+  std::vector<std::unique_ptr<Encryption>> m_idle HOST_GUARDED_BY(m_mutex);
 };
 
 }  // namespace host

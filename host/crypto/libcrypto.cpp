@@ -9,23 +9,22 @@
 namespace host {
 namespace {
 
-// All guarded by Guarded::Libcrypto.
-bool g_isReady = false;
-bool g_hasThreadEnd = false;
-pthread_key_t g_threadEnd;
+bool g_isReady HOST_GUARDED_BY(c_libcryptoMutex) = false;
+bool g_hasThreadEnd HOST_GUARDED_BY(c_libcryptoMutex) = false;
+pthread_key_t g_threadEnd HOST_GUARDED_BY(c_libcryptoMutex);
 
 thread_local bool t_isKnown = false;
 
 // libcrypto frees what it keeps for a thread when that ends, under a lock of its own. Done here,
 // that happens under ours as well.
 void endThread(void*) {
-  const ForkLock lock(Guarded::Libcrypto);
+  const ForkLock lock(c_libcryptoMutex);
   OPENSSL_thread_stop();
 }
 
 // Ours comes before libcrypto's own key, because keys are worked off in the order of their making.
 // A thread_local object with a destructor would end the process when there is no memory for it.
-void prepareProcess() {
+void prepareProcess() HOST_REQUIRES(c_libcryptoMutex) {
   g_hasThreadEnd = ::pthread_key_create(&g_threadEnd, endThread) == 0;
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_LOAD_CONFIG, nullptr);
   g_isReady = true;
@@ -40,12 +39,15 @@ std::string describe(unsigned long code, const char* data) {
 
 }  // namespace
 
-LibcryptoUse::LibcryptoUse() noexcept : m_lock(Guarded::Libcrypto) {
+// The compiler does not follow a lock that is a member.
+LibcryptoUse::LibcryptoUse() noexcept HOST_NOT_CHECKED : m_lock(c_libcryptoMutex) {
   if (!g_isReady) prepareProcess();
   if (!t_isKnown && g_hasThreadEnd) {
     t_isKnown = ::pthread_setspecific(g_threadEnd, &t_isKnown) == 0;
   }
 }
+
+LibcryptoUse::~LibcryptoUse() HOST_NOT_CHECKED = default;
 
 std::string takeLibcryptoError() {
   std::string text = "no reason given";

@@ -24,11 +24,11 @@ constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
 constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
 
-// Finding the cipher is the dearest step of all; once per process is enough. Guarded by
-// Guarded::Libcrypto, and null until it was found.
-const EVP_CIPHER* g_cipher = nullptr;
+// Finding the cipher is the dearest step of all; once per process is enough. Null until it was
+// found.
+const EVP_CIPHER* g_cipher HOST_GUARDED_BY(c_libcryptoMutex) = nullptr;
 
-const EVP_CIPHER* cipher(std::string& reason) {
+const EVP_CIPHER* cipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex) {
   if (!g_cipher) g_cipher = findCipher(reason).release();
   return g_cipher;
 }

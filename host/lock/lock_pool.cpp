@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "host/agent.h"
-#include "host/process/fork_lock.h"
 #include "host/process/lasting.h"
 
 namespace host {
@@ -22,7 +21,7 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
   const std::string mainPath = directory + "/" + name + ".lock";
 
   // Held while opening too: a fork at that moment would give the child a file that nobody closes.
-  const ForkLock lock(Guarded::LockFiles);
+  const ForkLock lock(c_lockFilesMutex);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {
       entry->idle = false;
@@ -38,7 +37,7 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
 }
 
 void LockPool::giveBack(LockFiles* files) noexcept {
-  const ForkLock lock(Guarded::LockFiles);
+  const ForkLock lock(c_lockFilesMutex);
   for (const auto& entry : m_entries) {
     if (&entry->files != files) continue;
     if (!entry->outdated) {
@@ -50,12 +49,12 @@ void LockPool::giveBack(LockFiles* files) noexcept {
 }
 
 void LockPool::discard(LockFiles* files) noexcept {
-  const ForkLock lock(Guarded::LockFiles);
+  const ForkLock lock(c_lockFilesMutex);
   erase(files);
 }
 
 void LockPool::dropIdle() {
-  const ForkLock lock(Guarded::LockFiles);
+  const ForkLock lock(c_lockFilesMutex);
   eraseIdle();
   for (const auto& entry : m_entries) entry->outdated = true;
 }

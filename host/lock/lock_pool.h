@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/lock/lock_files.h"
+#include "host/process/fork_lock.h"
 
 namespace host {
 
@@ -16,7 +17,7 @@ class LockPool {
  public:
   static LockPool& instance();
   // For the child of a fork, while the mutex of the pool is held.
-  static void closeFilesOfParent();
+  static void closeFilesOfParent() HOST_REQUIRES(c_lockFilesMutex);
 
   // Files for the lock `name` of the present agent that nobody else uses. Results and `failure` as
   // of openLockFiles. Throws std::bad_alloc, and then nothing is taken.
@@ -36,10 +37,10 @@ class LockPool {
     ~Entry();
   };
 
-  void eraseIdle();
-  void erase(const LockFiles* files);
+  void eraseIdle() HOST_REQUIRES(c_lockFilesMutex);
+  void erase(const LockFiles* files) HOST_REQUIRES(c_lockFilesMutex);
 
-  std::vector<std::unique_ptr<Entry>> m_entries;
+  std::vector<std::unique_ptr<Entry>> m_entries HOST_GUARDED_BY(c_lockFilesMutex);
 };
 
 }  // namespace host

@@ -3,7 +3,6 @@
 #include <pthread.h>
 
 #include <cassert>
-#include <cstddef>
 #include <cstdlib>
 
 #include "host/lock/lock_pool.h"
@@ -12,13 +11,11 @@
 namespace host {
 namespace {
 
-constexpr std::size_t c_count = static_cast<std::size_t>(Guarded::ErrorText) + 1;
-
 // Never destroyed, and there before any code runs.
 struct Mutex {
   pthread_mutex_t system = PTHREAD_MUTEX_INITIALIZER;
 };
-Mutex g_mutexes[c_count];
+Mutex g_mutexes[c_forkMutexCount];
 
 #ifndef NDEBUG
 // One bit for each mutex that this thread holds.
@@ -41,14 +38,14 @@ void unlock(std::size_t index) {
 }
 
 void beforeFork() {
-  for (std::size_t index = 0; index < c_count; ++index) lock(index);
+  for (std::size_t index = 0; index < c_forkMutexCount; ++index) lock(index);
 }
 
 void afterFork() {
-  for (std::size_t index = c_count; index > 0; --index) unlock(index - 1);
+  for (std::size_t index = c_forkMutexCount; index > 0; --index) unlock(index - 1);
 }
 
-void afterForkInChild() {
+void afterForkInChild() HOST_NOT_CHECKED {
   forgetForkGeneration();
   LockPool::closeFilesOfParent();
   afterFork();
@@ -62,8 +59,8 @@ void afterForkInChild() {
 
 }  // namespace
 
-ForkLock::ForkLock(Guarded what) noexcept : m_what(what) { lock(static_cast<std::size_t>(what)); }
+ForkLock::ForkLock(const ForkMutex& mutex) noexcept : m_place(mutex.place()) { lock(m_place); }
 
-ForkLock::~ForkLock() { unlock(static_cast<std::size_t>(m_what)); }
+ForkLock::~ForkLock() { unlock(m_place); }
 
 }  // namespace host

@@ -1,32 +1,48 @@
 #ifndef HOST_PROCESS_FORK_LOCK_H
 #define HOST_PROCESS_FORK_LOCK_H
 
+#include <cstddef>
+
+#include "host/process/thread_safety.h"
+
 namespace host {
 
-// What the mutexes of this library guard, one mutex each. A thread that holds one takes only later
-// ones.
-enum class Guarded {
-  Settings,     // which agent the process serves, until it is known
-  LockFiles,    // the open lock files
-  PasswordKey,  // the agent's password key and the idle objects that use it
-  ServerKey,    // the same of the server key
-  Libcrypto,    // every call that may take a lock inside libcrypto
-  Log,          // the sink
-  ErrorText,    // the system's table of error texts
+// A mutex that is taken around every fork.
+class HOST_MUTEX ForkMutex {
+ public:
+  explicit constexpr ForkMutex(std::size_t place) : m_place(place) {}
+  ForkMutex(const ForkMutex&) = delete;
+  ForkMutex& operator=(const ForkMutex&) = delete;
+
+  constexpr std::size_t place() const { return m_place; }
+
+ private:
+  std::size_t m_place;
 };
+
+// All of them, each with what it guards, in their order: a thread that holds one takes only later
+// ones.
+inline constexpr ForkMutex c_settingsMutex(0);  // which agent the process serves, until it is known
+inline constexpr ForkMutex c_lockFilesMutex(1);    // the open lock files
+inline constexpr ForkMutex c_passwordKeyMutex(2);  // the agent's password key and its idle objects
+inline constexpr ForkMutex c_serverKeyMutex(3);    // the same of the server key
+inline constexpr ForkMutex c_libcryptoMutex(4);    // every call that may take a lock in libcrypto
+inline constexpr ForkMutex c_logMutex(5);          // the sink
+inline constexpr ForkMutex c_errorTextMutex(6);    // the system's table of error texts
+constexpr std::size_t c_forkMutexCount = 7;
 
 // Holds a mutex from its construction to its destruction. All of them are taken around every fork.
 // In a child all are free and the guarded data is consistent. A thread that holds one must not
 // fork.
-class ForkLock {
+class HOST_SCOPED_LOCK ForkLock {
  public:
-  explicit ForkLock(Guarded what) noexcept;
-  ~ForkLock();
+  explicit ForkLock(const ForkMutex& mutex) noexcept HOST_ACQUIRES(mutex);
+  ~ForkLock() HOST_RELEASES();
   ForkLock(const ForkLock&) = delete;
   ForkLock& operator=(const ForkLock&) = delete;
 
  private:
-  Guarded m_what;
+  const std::size_t m_place;
 };
 
 }  // namespace host

@@ -11,22 +11,24 @@
 namespace {
 
 using host::ForkLock;
-using host::Guarded;
+using host::ForkMutex;
 using test::inChild;
 
-constexpr Guarded c_all[] = {Guarded::Settings,  Guarded::LockFiles, Guarded::PasswordKey,
-                             Guarded::ServerKey, Guarded::Libcrypto, Guarded::Log,
-                             Guarded::ErrorText};
+const ForkMutex* const c_all[] = {&host::c_settingsMutex,    &host::c_lockFilesMutex,
+                                  &host::c_passwordKeyMutex, &host::c_serverKeyMutex,
+                                  &host::c_libcryptoMutex,   &host::c_logMutex,
+                                  &host::c_errorTextMutex};
+static_assert(sizeof c_all / sizeof *c_all == host::c_forkMutexCount);
 
 TEST(ForkLock, IsFreeInTheChildWhateverOtherThreadsHold) {
-  for (const Guarded what : c_all) {
+  for (const ForkMutex* const mutex : c_all) {
     std::atomic<bool> done{false};
     std::thread holder([&] {
-      while (!done) const ForkLock lock(what);
+      while (!done) const ForkLock lock(*mutex);
     });
     for (int i = 0; i < 20; ++i) {
       EXPECT_EQ(inChild([&] {
-                  for (const Guarded each : c_all) const ForkLock lock(each);
+                  for (const ForkMutex* const each : c_all) const ForkLock lock(*each);
                   return true;
                 }),
                 0);
@@ -38,7 +40,7 @@ TEST(ForkLock, IsFreeInTheChildWhateverOtherThreadsHold) {
 
 TEST(ForkLock, IsFreeInTheParentAfterAFork) {
   EXPECT_EQ(inChild([] { return true; }), 0);
-  for (const Guarded what : c_all) const ForkLock lock(what);
+  for (const ForkMutex* const mutex : c_all) const ForkLock lock(*mutex);
 }
 
 TEST(ForkLock, KeepsOtherThreadsOut) {
@@ -47,7 +49,7 @@ TEST(ForkLock, KeepsOtherThreadsOut) {
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
       for (int turn = 0; turn < 10000; ++turn) {
-        const ForkLock lock(Guarded::Log);
+        const ForkLock lock(host::c_logMutex);
         ++count;
       }
     });
@@ -61,8 +63,8 @@ TEST(ForkLockDeathTest, IsTakenInItsOrder) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_DEATH(
       {
-        const ForkLock later(Guarded::Log);
-        const ForkLock earlier(Guarded::Settings);
+        const ForkLock later(host::c_logMutex);
+        const ForkLock earlier(host::c_settingsMutex);
       },
       "order");
 }

@@ -1,0 +1,19 @@
+#ifndef HOST_PROCESS_THREAD_SAFETY_H
+#define HOST_PROCESS_THREAD_SAFETY_H
+
+// What clang checks with -Wthread-safety: which mutex guards a variable, and who must hold it.
+#if defined(__clang__)
+#define HOST_THREAD_SAFETY(attribute) __attribute__((attribute))
+#else
+#define HOST_THREAD_SAFETY(attribute)
+#endif
+
+#define HOST_MUTEX HOST_THREAD_SAFETY(capability("mutex"))
+#define HOST_SCOPED_LOCK HOST_THREAD_SAFETY(scoped_lockable)
+#define HOST_GUARDED_BY(mutex) HOST_THREAD_SAFETY(guarded_by(mutex))
+#define HOST_REQUIRES(mutex) HOST_THREAD_SAFETY(requires_capability(mutex))
+#define HOST_ACQUIRES(mutex) HOST_THREAD_SAFETY(acquire_capability(mutex))
+#define HOST_RELEASES() HOST_THREAD_SAFETY(release_capability())
+#define HOST_NOT_CHECKED HOST_THREAD_SAFETY(no_thread_safety_analysis)
+
+#endif

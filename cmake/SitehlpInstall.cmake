@@ -111,7 +111,7 @@ install(
 
 # With the folders of the source tree, so that the links from one text to another hold.
 install(
-  FILES LICENSE README.md CHANGELOG.md SECURITY.md
+  FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
   DESTINATION ${doc_dir}
   COMPONENT documentation)
 install(

@@ -9,7 +9,7 @@ endif()
 set(reference_dir ${CMAKE_CURRENT_BINARY_DIR}/reference)
 file(STRINGS cmake/installed-headers.txt reference_input)
 list(APPEND reference_input platform docs/reference.md docs/versioning.md docs/site-list-format.md
-     docs/guide-first-import.md docs/guide-another-platform.md)
+     docs/guide-first-import.md docs/guide-another-platform.md docs/glossary.md)
 list(TRANSFORM reference_input PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
 list(APPEND reference_input ${PROJECT_BINARY_DIR}/sitehlp/include/sitehlp/vendor_hosts.h)
 list(TRANSFORM reference_input REPLACE "(.+)" "\"\\1\"")

@@ -5,10 +5,10 @@
 
 int main(int argc, char** argv) try {
   if (argc != 3) return 2;
-  // Beside the agent its own libraries know the settings.
+  // Not needed in a process that links the agent's own libraries.
   host::setAgent(host::readAgentSettings(argv[1]));
 
-  sitehlp::CSitesHelper helper(false);  // serves <data directory>/etc/SiteList.xml
+  sitehlp::CSitesHelper helper(false);  // uses <data directory>/etc/SiteList.xml
   int result = helper.ImportSiteList(AString(argv[2]).str(), L"");
   sitehlp::ListOwner list;
   if (result == sitehlp::c_success) result = helper.ReadSiteList(L"", list.out(), true);

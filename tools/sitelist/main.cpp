@@ -5,10 +5,12 @@
 #include <filesystem>
 #include <iostream>
 #include <new>
+#include <string_view>
 
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/complete.h"
 #include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/report/report.h"
 
@@ -140,6 +142,10 @@ int runAndCatch(std::vector<std::string> arguments) {
 }  // namespace tool
 
 int main(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == tool::c_completeCommand) {
+    tool::complete(argc - 2, argv + 2);
+    return tool::exitSuccess;
+  }
   // No message of libcrypto is printed, and making its table of them takes longer than a
   // decryption. The libraries, too, leave its exit handler out.
   OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS | OPENSSL_INIT_NO_ATEXIT, nullptr);

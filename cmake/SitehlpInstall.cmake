@@ -48,16 +48,16 @@ if(TARGET sitelist)
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man5
     COMPONENT tool)
   install(
-    FILES ${generated}/completion/sitelist.bash
+    FILES tools/sitelist/completion/sitelist.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME sitelist
     COMPONENT tool)
   install(
-    FILES ${generated}/completion/_sitelist
+    FILES tools/sitelist/completion/_sitelist
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
     COMPONENT tool)
   install(
-    FILES ${generated}/completion/sitelist.fish
+    FILES tools/sitelist/completion/sitelist.fish
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tool)
 endif()

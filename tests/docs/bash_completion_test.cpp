@@ -19,7 +19,7 @@ class BashCompletion : public CompletionTest {
     const Output output =
         shell(tool() +
                   "; exec bash --norc -c 'source \"$1\"; shift; COMP_WORDS=(\"$@\")"
-                  "; COMP_CWORD=$(($# - 1)); _sitelist sitelist \"${@: -1}\""
+                  "; COMP_CWORD=$(($# - 1)); last=${@: -1}; _sitelist sitelist \"${last#=}\""
                   "; ((${#COMPREPLY[@]} == 0)) || printf \"%s\\n\" "
                   "\"${COMPREPLY[@]}\"' bash \"$@\"",
               arguments);
@@ -126,6 +126,34 @@ TEST_F(BashTerminal, CompletesNamesOfSitesAndRunsNothingOfThem) {
   bash.listed("sitelist --agent-dir \"$(touch hacked)\" get server --site M");
   bash.listed("sitelist --agent-dir agent get server --site ");
   EXPECT_FALSE(exists(file("hacked")));
+}
+
+TEST_F(BashTerminal, ReadsANameBackAsItIs) {
+  for (const auto& [typed, name] : setSpecialNames()) {
+    for (const char* option : {"--site ", "--site="}) {
+      const std::string end = option[6] == '=' ? "[--site=" + name + ']' : "[--site][" + name + ']';
+      EXPECT_EQ(bash.completed("sitelist --agent-dir agent get server " + (option + typed)),
+                "[sitelist][--agent-dir][agent][get][server]" + end);
+    }
+  }
+  EXPECT_FALSE(exists(file("hacked")));
+}
+
+TEST_F(BashTerminal, FindsTheAgentAndTheListThatTheLineNames) {
+  const std::string end = "[--site][Main depot]";
+  EXPECT_EQ(bash.completed("sitelist get server --agent-dir ~/agent --site Ma"),
+            "[sitelist][get][server][--agent-dir][" + file("/agent") + ']' + end);
+  EXPECT_EQ(bash.completed("sitelist get server --agent-dir \\a\"g\"'ent' --site Ma"),
+            "[sitelist][get][server][--agent-dir][agent]" + end);
+  EXPECT_EQ(bash.completed("sitelist edit --file 'lists/other.xml' disable de"),
+            "[sitelist][edit][--file][lists/other.xml][disable][depot]");
+}
+
+TEST_F(BashTerminal, AsksTheProgramThatIsCalled) {
+  makeOtherTool();
+  EXPECT_EQ(bash.completed("./sitelist o"), "[./sitelist][other]");
+  EXPECT_EQ(bash.completed("~/sitelist o"), "[" + file("/sitelist") + "][other]");
+  EXPECT_EQ(bash.completed("lists/sitelist inc"), "[lists/sitelist][inc]") << "there is none";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/docs/completion_fixture.h"
 
+#include <filesystem>
 #include <sstream>
 
 #include "tests/cli/documents.h"
@@ -32,6 +33,43 @@ CompletionTest::CompletionTest() {
 std::string CompletionTest::tool() {
   const std::string path = SITELIST_TOOL;
   return "PATH='" + path.substr(0, path.rfind('/')) + "':$PATH";
+}
+
+std::vector<std::pair<std::string, std::string>> CompletionTest::setSpecialNames() {
+  setOwnList(document(httpSite("Main depot") + httpSite("a:b c") + httpSite("x@y z") +
+                      httpSite("k=v w") + httpSite("!bang") + httpSite("back\\slash") +
+                      httpSite("semi;colon") + httpSite("star*") + httpSite("%percent %n") +
+                      httpSite("#hash") + httpSite("~home") + httpSite("&amp;amp") +
+                      httpSite("[br]") + httpSite("`touch hacked`") + httpSite("ends.") +
+                      httpSite("C&#9;D") + httpSite("C&#10;touch hacked")));
+  return {{"M'ai", "Main depot"},
+          {"M\"ai", "Main depot"},
+          {"a", "a:b c"},
+          {"a:", "a:b c"},
+          {"a:b\\ ", "a:b c"},
+          {"x", "x@y z"},
+          {"x@", "x@y z"},
+          {"x@y", "x@y z"},
+          {"k", "k=v w"},
+          {"k=", "k=v w"},
+          {"\\!", "!bang"},
+          {"back", "back\\slash"},
+          {"semi", "semi;colon"},
+          {"star", "star*"},
+          {"%", "%percent %n"},
+          {"\\#", "#hash"},
+          {"\\~", "~home"},
+          {"'~", "~home"},
+          {"\\&", "&amp"},
+          {"\\[", "[br]"},
+          {"'`", "`touch hacked`"},
+          {"end", "ends."},
+          {"C", "C"}};
+}
+
+void CompletionTest::makeOtherTool() {
+  const std::string path = write("sitelist", "#!/bin/sh\nprintf 'other\\n:nothing\\n'\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
 }
 
 }  // namespace test

@@ -2,6 +2,7 @@
 #define TESTS_DOCS_COMPLETION_FIXTURE_H
 
 #include <set>
+#include <utility>
 
 #include "tests/cli/cli_fixture.h"
 #include "tests/docs/terminal.h"
@@ -10,7 +11,7 @@ namespace test {
 
 using Words = std::vector<std::string>;
 
-const std::string c_scripts = std::string(GENERATED_DIR) + "/completion/";
+const std::string c_scripts = std::string(TEST_SOURCE_DIR) + "/tools/sitelist/completion/";
 
 Words splitLines(const std::string& text);
 // Those of the words that are long options, without a description behind a tabulator.
@@ -24,6 +25,12 @@ class CompletionTest : public CliTest {
 
   // Shell commands that make the tool the one that is built.
   static std::string tool();
+
+  // Gives the agent sites with special characters in their names. Returns pairs of a typed prefix
+  // and the only name that it may become.
+  std::vector<std::pair<std::string, std::string>> setSpecialNames();
+  // Puts a program "sitelist" into the directory that offers one word, "other".
+  void makeOtherTool();
 };
 
 // A shell on a terminal, where what it makes of a line can be seen.

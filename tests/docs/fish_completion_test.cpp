@@ -100,5 +100,37 @@ TEST_F(FishCompletion, OffersNamesOfSites) {
   EXPECT_FALSE(exists(file("hacked")));
 }
 
+TEST_F(FishCompletion, OffersNamesAsTheyAre) {
+  std::set<std::string> names;
+  for (const auto& [typed, name] : setSpecialNames()) names.insert(name);
+  names.erase("C");
+  const Words found = words("sitelist --agent-dir agent get server --site ");
+  EXPECT_EQ(std::set<std::string>(found.begin(), found.end()), names);
+  EXPECT_FALSE(exists(file("hacked")));
+}
+
+TEST_F(FishCompletion, CompletesQuotedWords) {
+  const std::string start = "sitelist --agent-dir agent get server --site";
+  for (const char* typed : {" 'Ma", " \"Ma", " Main\\ d", " depot"}) {
+    EXPECT_THAT(words(start + typed), ElementsAre("Main depot")) << typed;
+  }
+  EXPECT_THAT(words(start + "=Ma"), ElementsAre("--site=Main depot"));
+  EXPECT_THAT(words("sitelist merge --first=lists/o"), ElementsAre("--first=lists/other.xml"));
+  EXPECT_THAT(words("sitelist --agent-dir=l"), ElementsAre("--agent-dir=lists/"));
+}
+
+TEST_F(FishCompletion, FindsTheAgentAndTheListThatTheLineNames) {
+  EXPECT_THAT(words("sitelist get server --agent-dir ~/agent --site Ma"),
+              ElementsAre("Main depot"));
+  EXPECT_THAT(words("sitelist edit --file 'lists/other.xml' disable de"), ElementsAre("depot"));
+}
+
+TEST_F(FishCompletion, AsksTheProgramThatIsCalled) {
+  makeOtherTool();
+  EXPECT_THAT(words("./sitelist o"), ElementsAre("other"));
+  EXPECT_THAT(words("~/sitelist o"), ElementsAre("other"));
+  EXPECT_THAT(words("lists/sitelist inc"), IsEmpty()) << "there is none";
+}
+
 }  // namespace
 }  // namespace test

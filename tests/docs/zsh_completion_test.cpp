@@ -80,5 +80,33 @@ TEST_F(ZshTerminal, CompletesNamesOfSitesAndRunsNothingOfThem) {
   EXPECT_FALSE(exists(file("hacked")));
 }
 
+TEST_F(ZshTerminal, ReadsANameBackAsItIs) {
+  for (const auto& [typed, name] : setSpecialNames()) {
+    for (const char* option : {"--site ", "--site="}) {
+      const std::string end = option[6] == '=' ? "[--site=" + name + ']' : "[--site][" + name + ']';
+      EXPECT_EQ(zsh.completed("sitelist --agent-dir agent get server " + (option + typed)),
+                "[sitelist][--agent-dir][agent][get][server]" + end);
+    }
+  }
+  EXPECT_FALSE(exists(file("hacked")));
+}
+
+TEST_F(ZshTerminal, FindsTheAgentAndTheListThatTheLineNames) {
+  const std::string end = "[--site][Main depot]";
+  EXPECT_EQ(zsh.completed("sitelist get server --agent-dir ~/agent --site Ma"),
+            "[sitelist][get][server][--agent-dir][" + file("/agent") + ']' + end);
+  EXPECT_EQ(zsh.completed("sitelist get server --agent-dir \\a\"g\"'ent' --site Ma"),
+            "[sitelist][get][server][--agent-dir][agent]" + end);
+  EXPECT_EQ(zsh.completed("sitelist edit --file 'lists/other.xml' disable de"),
+            "[sitelist][edit][--file][lists/other.xml][disable][depot]");
+}
+
+TEST_F(ZshTerminal, AsksTheProgramThatIsCalled) {
+  makeOtherTool();
+  EXPECT_EQ(zsh.completed("./sitelist o"), "[./sitelist][other]");
+  EXPECT_EQ(zsh.completed("~/sitelist o"), "[" + file("/sitelist") + "][other]");
+  EXPECT_EQ(zsh.completed("lists/sitelist inc"), "[lists/sitelist][inc]") << "there is none";
+}
+
 }  // namespace
 }  // namespace test

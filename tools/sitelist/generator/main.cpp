@@ -8,9 +8,9 @@
 #include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/generator/pages.h"
 
-// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the completion scripts of
-// the tool below the directory. The date is that of the pages, as in "May 1, 2001"; the schema is
-// the file with the JSON Schema of what the tool prints.
+// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages of the tool below the
+// directory. The date is that of the pages, as in "May 1, 2001"; the schema is the file with the
+// JSON Schema of what the tool prints.
 
 namespace tool {
 namespace {
@@ -38,9 +38,6 @@ void generate(const std::filesystem::path& directory, const std::string& date,
   write(directory / "man/sitelist.1", toolPage(program, date));
   write(directory / "man/sitelist.json.5", schemaPage(read(schema), date));
   write(directory / "man/agent.toml.5", settingsPage(date));
-  write(directory / "completion/sitelist.bash", bashScript(program));
-  write(directory / "completion/_sitelist", zshScript(program));
-  write(directory / "completion/sitelist.fish", fishScript(program));
 }
 
 }  // namespace

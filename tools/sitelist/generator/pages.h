@@ -13,11 +13,6 @@ std::string settingsPage(const std::string& date);
 // `schema` is the text of the JSON Schema of what the tool prints.
 std::string schemaPage(const std::string& schema, const std::string& date);
 
-// Scripts that complete the command line in a shell.
-std::string bashScript(const CommandInfo& program);
-std::string zshScript(const CommandInfo& program);
-std::string fishScript(const CommandInfo& program);
-
 }  // namespace tool
 
 #endif

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "tools/sitelist/generator/completion.h"
 #include "tools/sitelist/generator/manual_page.h"
 #include "tools/sitelist/generator/pages.h"
 #include "tools/sitelist/generator/roff.h"

@@ -9,7 +9,7 @@
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/read/text_field.h"
 
-// Values of child elements that are not plain text.
+// Values that are not plain text.
 namespace sitehlp {
 
 inline int readNumber(const AdvXMLParser::Attribute& attribute) {
@@ -17,6 +17,12 @@ inline int readNumber(const AdvXMLParser::Attribute& attribute) {
 }
 
 int readNumber(const AdvXMLParser::Element& element);
+
+// 0 when there is none that can be read.
+unsigned int readUnsignedPort(const AdvXMLParser::Attribute& attribute);
+
+// 0 or 1. A value that does not fit a text field is cut like that of one.
+int readFlag(const AdvXMLParser::Element& element);
 
 // The clear form of a protected password; empty when it cannot be recovered.
 std::wstring recoverPassword(const AdvXMLParser::Element& element, bool useDecryptData);

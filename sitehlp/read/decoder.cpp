@@ -8,9 +8,8 @@
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/common/number.h"
-#include "sitehlp/common/password.h"
 #include "sitehlp/common/wipe.h"
-#include "sitehlp/read/child_value.h"
+#include "sitehlp/read/field_reader.h"
 #include "sitehlp/read/proxy_decoder.h"
 #include "sitehlp/read/text_field.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -25,33 +24,15 @@ namespace {
 
 constexpr unsigned int c_defaultPort = 80;
 
-// The children that site elements have.
-enum class SiteChild {
-  RelativePath,
-  UseAuth,
-  UserName,
-  Password,
-  ShareName,
-  DomainName,
-  UseLoggedonUserAccount,
-  None,
-};
+const ChildReader<c_httpFields> c_httpChildren;
+const ChildReader<c_ftpFields> c_ftpChildren;
+const ChildReader<c_uncFields> c_uncChildren;
+const ChildReader<c_localFields> c_localChildren;
 
-// Filled when the library is loaded, as in the other tables of names: the guard of a static of a
-// function would stay held in the child of a fork at its first use.
-const wchar_t* const c_childNames[] = {
-    WX_XML_SITE_RELATIVEPATH,
-    WX_XML_HTTPSITE_USE_AUTH,
-    WX_XML_SITE_USER_NAME,
-    WX_XML_SITE_PASSWORD,
-    WX_XML_UNCSITE_SHARENAME,
-    WX_XML_SITE_DOMAIN_NAME,
-    WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT,
-};
-static_assert(std::size(c_childNames) == static_cast<std::size_t>(SiteChild::None));
-
-SiteChild childOf(const Element& element) {
-  return static_cast<SiteChild>(element.FindName(c_childNames, std::size(c_childNames)));
+template <typename Children, typename Record>
+void readChildren(const Children& children, const Element& element, bool useDecryptData,
+                  Record& site) {
+  for (const Element child : element.Elements()) children.read(child, useDecryptData, site);
 }
 
 const wchar_t* const c_elementNames[] = {
@@ -106,18 +87,6 @@ class Address {
   unsigned int m_port = 0;
 };
 
-unsigned int readUnsignedPort(const Attribute& attribute) {
-  unsigned int port = 0;
-  wchar_t text[64];
-  if (attribute.IsNull()) return port;
-  if (attribute.CopyValue(text, sizeof text / sizeof text[0])) {
-    toUnsigned(text, port);
-  } else {
-    toUnsigned(attribute.GetValue().c_str(), port);
-  }
-  return port;
-}
-
 void storeNetbiosName(const Address& address, tag_HttpSite& site) {
   if (!address.hasHost()) return;
   std::wstring name = address.host();
@@ -133,105 +102,47 @@ void decodeHttp(SiteElement kind, const Element& element, const SiteAttributes& 
                               : kind == SiteElement::Keystone ? WX_XML_SITELIST_KEYSTONE_SITE
                                                               : WX_XML_SITELIST_HTTP_SITE;
   setField(site.szElement, name, std::wcslen(name));
-  Address server(attributes.server);
-  if (kind == SiteElement::Vesta) setField(site.szVersion, attributes.version);
-  if (kind == SiteElement::Keystone && !attributes.serverDns.IsNull()) {
-    server.set(attributes.serverDns);
+  Address server(attributes.get<&WX_XML_SITE_SERVER>());
+  if (kind == SiteElement::Vesta) {
+    setField(site.szVersion, attributes.get<&WX_XML_SITE_SERVER_VERSION>());
   }
+  const Attribute& serverDns = attributes.get<&WX_XML_SITE_SERVER_FQDN>();
+  if (kind == SiteElement::Keystone && !serverDns.IsNull()) server.set(serverDns);
   server.storeHost(site.szServer);
   site.uServerPort = server.port();
-  setField(site.szName, attributes.name);
-  const Address netbios(attributes.serverName);
+  setField(site.szName, attributes.get<&WX_XML_SITE_NAME>());
+  const Address netbios(attributes.get<&WX_XML_SERVER_NETBIOS_NAME>());
   storeNetbiosName(netbios, site);
-  site.uSecurePort = readUnsignedPort(attributes.securePort);
   site.uServerNamePort = netbios.port();
-  const Address ip(attributes.serverIp);
+  const Address ip(attributes.get<&WX_XML_SITE_SERVER_IP>());
   ip.storeHost(site.szServerIP);
   site.uServerIPPort = ip.port();
-  for (const Element child : element.Elements()) {
-    switch (childOf(child)) {
-      case SiteChild::RelativePath:
-        setField(site.szRelativePath, child);
-        break;
-      case SiteChild::UseAuth:
-        site.iUseAuth = readNumber(child);
-        break;
-      case SiteChild::UserName:
-        setField(site.szUserName, child);
-        break;
-      case SiteChild::Password:
-        setPassword(site.szPassword, child, useDecryptData);
-        break;
-      default:
-        break;
-    }
-  }
+  readAttributes<c_httpFields>(attributes, site);
+  readChildren(c_httpChildren, element, useDecryptData, site);
 }
 
 void decodeFtp(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
                tag_FtpSite& site) {
-  const Address server(attributes.server);
+  const Address server(attributes.get<&WX_XML_SITE_SERVER>());
   server.storeHost(site.szServer);
   site.uServerPort = server.port();
-  site.uSecurePort = readUnsignedPort(attributes.securePort);
-  setField(site.szName, attributes.name);
-  for (const Element child : element.Elements()) {
-    switch (childOf(child)) {
-      case SiteChild::RelativePath:
-        setField(site.szRelativePath, child);
-        break;
-      case SiteChild::UserName:
-        setField(site.szUserName, child);
-        break;
-      case SiteChild::Password:
-        setPassword(site.szPassword, child, useDecryptData);
-        break;
-      default:
-        break;
-    }
-  }
-}
-
-// The children that UNC and local sites have in common.
-template <typename Record>
-void decodeSharedChild(SiteChild kind, const Element& child, bool useDecryptData, Record& site) {
-  switch (kind) {
-    case SiteChild::RelativePath:
-      return setField(site.szRelativePath, child);
-    case SiteChild::DomainName:
-      return setField(site.szDomainName, child);
-    case SiteChild::UserName:
-      return setField(site.szUserName, child);
-    case SiteChild::Password:
-      return setPassword(site.szPassword, child, useDecryptData);
-    case SiteChild::UseLoggedonUserAccount:
-      site.iUseLoggedonUserAccount = readNumber(child);
-      return;
-    default:
-      return;
-  }
+  setField(site.szName, attributes.get<&WX_XML_SITE_NAME>());
+  readAttributes<c_ftpFields>(attributes, site);
+  readChildren(c_ftpChildren, element, useDecryptData, site);
 }
 
 void decodeUnc(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
                tag_UncSite& site) {
-  setField(site.szServer, attributes.server);
-  setField(site.szName, attributes.name);
-  for (const Element child : element.Elements()) {
-    const SiteChild kind = childOf(child);
-    if (kind == SiteChild::ShareName) {
-      setField(site.szShareName, child);
-    } else {
-      decodeSharedChild(kind, child, useDecryptData, site);
-    }
-  }
+  readAttributes<c_uncFields>(attributes, site);
+  setField(site.szName, attributes.get<&WX_XML_SITE_NAME>());
+  readChildren(c_uncChildren, element, useDecryptData, site);
 }
 
 void decodeLocal(const Element& element, const SiteAttributes& attributes, bool useDecryptData,
                  tag_LocalSite& site) {
-  setField(site.szName, attributes.name);
-  for (const Element child : element.Elements()) {
-    decodeSharedChild(childOf(child), child, useDecryptData, site);
-  }
+  setField(site.szName, attributes.get<&WX_XML_SITE_NAME>());
+  readAttributes<c_localFields>(attributes, site);
+  readChildren(c_localChildren, element, useDecryptData, site);
 }
 
 }  // namespace

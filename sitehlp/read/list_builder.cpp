@@ -7,9 +7,8 @@
 #include <string>
 
 #include "platform/common/text.h"
-#include "sitehlp/read/child_value.h"
 #include "sitehlp/read/decoder.h"
-#include "sitehlp/read/text_field.h"
+#include "sitehlp/read/field_reader.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/records/record_limits.h"
 #include "sitehlp/sites_helper.h"
@@ -58,14 +57,10 @@ SiteElement classifySite(const Element& element) {
 }
 
 void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
-  setField(site.szType, attributes.type);
+  readAttributes<fields::c_head>(attributes, site);
   site.bMirror = wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) == 0 ? 1 : 0;
-  site.bEnabled = readNumber(attributes.enabled) != 0 ? 1 : 0;
-  site.bLocal = readNumber(attributes.local) != 0 ? 1 : 0;
-  if (!attributes.order.IsNull()) {
-    site.iOrder = readNumber(attributes.order);
-  } else {
-    site.iOrder = isFallback(site) ? c_fallbackOrder : 0;
+  if (attributes.get<&WX_XML_SITE_ORDER>().IsNull() && isFallback(site)) {
+    site.iOrder = c_fallbackOrder;
   }
 }
 
@@ -81,8 +76,9 @@ void readProxyConfigList(const Element& element, const SiteAttributes& attribute
     hasChild = true;
     decodeSite(kind, child, SiteAttributes(child), useDecryptData, &site.proxy);
   }
-  if (!hasChild && !attributes.useIeConfig.IsNull()) {
-    site.proxy.bUseIEConfig = readNumber(attributes.useIeConfig) != 0 ? 1 : 0;
+  if (!hasChild) {
+    site.proxy.bUseIEConfig =
+        readNumber(attributes.get<&WX_XML_PROXY_USE_IE_CONFIG>()) != 0 ? 1 : 0;
   }
 }
 

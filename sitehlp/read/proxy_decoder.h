@@ -7,6 +7,9 @@
 
 namespace sitehlp {
 
+// Adds the hosts of an ExclusionList element to those of the record.
+void readExclusions(const AdvXMLParser::Element& element, tag_ProxySite& site);
+
 // Decodes a ProxyConfig element into a zero-filled record.
 void decodeProxy(const AdvXMLParser::Element& element, const SiteAttributes& attributes,
                  bool useDecryptData, tag_ProxySite& site);

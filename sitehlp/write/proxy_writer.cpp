@@ -3,6 +3,7 @@
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/sites_helper.h"
+#include "sitehlp/write/field_writer.h"
 #include "sitehlp/write/site_writers.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -23,8 +24,12 @@ void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serve
   writer.addAttribute(portName, Decimal(static_cast<unsigned int>(port)));
 }
 
-// Splits the record's own buffer, which is left with its first host.
-void writeExclusions(ElementWriter& writer, wchar_t* hosts) {
+}  // namespace
+
+void writeExclusions(CSitesHelper& helper, wchar_t (&hosts)[c_exclusionListCapacity],
+                     ElementWriter& writer) {
+  hosts[c_exclusionListCapacity - 1] = L'\0';
+  helper.FormatEnvSymbols(hosts, c_exclusionFormatCapacity);
   writer.open(WX_XML_PROXY_EXCLUSIONLIST);
   wchar_t* position = nullptr;
   for (const wchar_t* host = std::wcstok(hosts, c_proxyParamDelimiter, &position); host;
@@ -33,8 +38,6 @@ void writeExclusions(ElementWriter& writer, wchar_t* hosts) {
   }
   writer.close();
 }
-
-}  // namespace
 
 void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   const ADetailTrace trace(c_component, L"Adding Proxy site");
@@ -49,25 +52,7 @@ void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
   addServer(helper, writer, WX_XML_PROXY_FTP_PROXY_SERVER, proxy.szFtpProxyServer,
             WX_XML_PROXY_FTP_PROXY_PORT, proxy.iFtpProxyPort);
 
-  writer.addElement(WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, Decimal(proxy.bAllowUserToConfigureProxy));
-  writer.addElement(WX_XML_PROXY_BYPASSLOCALADDR, Decimal(proxy.bBypassLocalAddress));
-  proxy.szExclusionList[c_exclusionListCapacity - 1] = L'\0';
-  helper.FormatEnvSymbols(proxy.szExclusionList, c_exclusionFormatCapacity);
-  writeExclusions(writer, proxy.szExclusionList);
-
-  writer.addElement(WX_XML_PROXY_FTP_USEAUTH, Decimal(proxy.bFtpUseAuth));
-  writer.addElement(WX_XML_PROXY_HTTP_USEAUTH, Decimal(proxy.bHttpUseAuth));
-  writer.addElement(WX_XML_HTTP_PROXY_PROXYUSERNAME, proxy.szHttpProxyUser);
-  writePassword(writer, WX_XML_HTTP_PROXY_PROXYPASSWORD, proxy.szHttpProxyPassword);
-  writer.addElement(WX_XML_FTP_PROXY_PROXYUSERNAME, proxy.szFtpProxyUser);
-  writePassword(writer, WX_XML_FTP_PROXY_PROXYPASSWORD, proxy.szFtpProxyPassword);
-
-  writer.addElement(WX_XML_PROXY_ALT_FTP_USEAUTH, Decimal(proxy.bAlternateFtpUseAuth));
-  writer.addElement(WX_XML_PROXY_ALT_HTTP_USEAUTH, Decimal(proxy.bAlternateHttpUseAuth));
-  writer.addElement(WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME, proxy.szAlternateHttpProxyUser);
-  writePassword(writer, WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, proxy.szAlternateHttpProxyPassword);
-  writer.addElement(WX_XML_FTP_PROXY_ALT_PROXYUSERNAME, proxy.szAlternateFtpProxyUser);
-  writePassword(writer, WX_XML_FTP_PROXY_ALT_PROXYPASSWORD, proxy.szAlternateFtpProxyPassword);
+  writeChildren<c_proxyFields>(helper, proxy, writer);
   writer.close();
   writer.close();
 }

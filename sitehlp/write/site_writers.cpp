@@ -10,6 +10,7 @@
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/sites_helper.h"
+#include "sitehlp/write/field_writer.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
@@ -25,22 +26,6 @@ void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to)
   for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from)) {
     text.replace(at, from.size(), to);
   }
-}
-
-constexpr const wchar_t* c_formatScope = L"Formatting environment symbols";
-
-// As FormatEnvSymbols, but a text that has nothing to be replaced is not touched, and neither is
-// what stands behind it: to clear memory that nothing else needs was the dearest part of writing.
-template <std::size_t N>
-const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
-  const std::size_t length = ::wcsnlen(field, N);
-  if (length == N) field[N - 1] = L'\0';  // it has no terminator, and must not be read beyond
-  if (length == N || std::wmemchr(field, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
-    helper.FormatEnvSymbols(field, N);
-  } else {
-    const ADetailTrace trace(c_component, c_formatScope);
-  }
-  return field;
 }
 
 // The attributes "Type", "Name" and, but for a mirror, "Order".
@@ -125,10 +110,7 @@ void writeHttpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) 
     writer.addAttribute(WX_XML_SITE_SERVER_VERSION, formatField(helper, http.szVersion));
   }
 
-  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, http.szRelativePath));
-  writer.addElement(WX_XML_HTTPSITE_USE_AUTH, Decimal(http.iUseAuth));
-  writer.addElement(WX_XML_SITE_USER_NAME, http.szUserName);
-  writePassword(writer, WX_XML_SITE_PASSWORD, http.szPassword);
+  writeChildren<c_httpFields>(helper, http, writer);
   writer.close();
 }
 
@@ -143,9 +125,7 @@ void writeFtpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   if (ftp.uSecurePort != 0) writer.addAttribute(WX_XML_SSL_PORT, Decimal(ftp.uSecurePort));
   writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
 
-  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, ftp.szRelativePath));
-  writer.addElement(WX_XML_SITE_USER_NAME, ftp.szUserName);
-  writePassword(writer, WX_XML_SITE_PASSWORD, ftp.szPassword);
+  writeChildren<c_ftpFields>(helper, ftp, writer);
   writer.close();
 }
 
@@ -158,12 +138,7 @@ void writeUncSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   writer.addAttribute(WX_XML_SITE_ENABLED, Decimal(site.bEnabled));
   writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
 
-  writer.addElement(WX_XML_UNCSITE_SHARENAME, unc.szShareName);
-  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, unc.szRelativePath));
-  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(unc.iUseLoggedonUserAccount));
-  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, unc.szDomainName));
-  writer.addElement(WX_XML_SITE_USER_NAME, unc.szUserName);
-  writePassword(writer, WX_XML_SITE_PASSWORD, unc.szPassword);
+  writeChildren<c_uncFields>(helper, unc, writer);
   writer.close();
 }
 
@@ -176,11 +151,7 @@ void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
   writer.addAttribute(WX_XML_SITE_LOCAL, Decimal(site.bLocal));
   writer.addAttribute(WX_XML_SITE_SERVER, c_localServer);
 
-  writer.addElement(WX_XML_SITE_RELATIVEPATH, formatField(helper, local.szRelativePath));
-  writer.addElement(WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Decimal(local.iUseLoggedonUserAccount));
-  writer.addElement(WX_XML_SITE_DOMAIN_NAME, formatField(helper, local.szDomainName));
-  writer.addElement(WX_XML_SITE_USER_NAME, local.szUserName);
-  writePassword(writer, WX_XML_SITE_PASSWORD, local.szPassword);
+  writeChildren<c_localFields>(helper, local, writer);
   writer.close();
 }
 

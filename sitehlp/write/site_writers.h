@@ -28,6 +28,11 @@ void expectRecord(const tag_Site& site);
 // cannot be protected is written as empty.
 void writePassword(ElementWriter& writer, const wchar_t* name, const wchar_t* clear);
 
+// The excluded hosts of a proxy, in an element of their own. Splits the record's own buffer, which
+// is left with its first host.
+void writeExclusions(CSitesHelper& helper, wchar_t (&hosts)[c_exclusionListCapacity],
+                     ElementWriter& writer);
+
 }  // namespace sitehlp
 
 #endif

@@ -7,6 +7,7 @@
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/common/wipe.h"
+#include "sitehlp/fields.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -21,6 +22,14 @@ void wipeField(wchar_t (&field)[N]) noexcept {
   wipeMemory(field, ::wcsnlen(field, N) * sizeof(wchar_t));
 }
 
+template <const auto& Table, typename Record, typename Wipe>
+void eachPassword(Record& record, const Wipe& wipe) noexcept {
+  eachField<Table>([&](auto at) {
+    constexpr const auto& row = decltype(at)::row;
+    if constexpr (row.form == FieldForm::Password) wipe(record.*row.member);
+  });
+}
+
 // A record may have been of another kind before, and its password then lies where that kind has it.
 void wipePasswords(tag_Site& record) noexcept {
   if (record.eSiteKind == SITE_KIND_PROXY) {
@@ -28,15 +37,13 @@ void wipePasswords(tag_Site& record) noexcept {
     return wipeMemory(&record.proxy, sizeof record.proxy);
   }
   // In full: a field of another kind may have put a zero into the password since.
-  wipeMemory(record.http.szPassword, sizeof record.http.szPassword);
-  wipeMemory(record.ftp.szPassword, sizeof record.ftp.szPassword);
-  wipeMemory(record.unc.szPassword, sizeof record.unc.szPassword);
-  wipeMemory(record.local.szPassword, sizeof record.local.szPassword);
+  const auto wipeInFull = [](auto& password) { wipeMemory(password, sizeof password); };
+  eachPassword<c_httpFields>(record.http, wipeInFull);
+  eachPassword<c_ftpFields>(record.ftp, wipeInFull);
+  eachPassword<c_uncFields>(record.unc, wipeInFull);
+  eachPassword<c_localFields>(record.local, wipeInFull);
   // No other kind reaches as far as these.
-  wipeField(record.proxy.szHttpProxyPassword);
-  wipeField(record.proxy.szFtpProxyPassword);
-  wipeField(record.proxy.szAlternateHttpProxyPassword);
-  wipeField(record.proxy.szAlternateFtpProxyPassword);
+  eachPassword<c_proxyFields>(record.proxy, [](auto& password) { wipeField(password); });
 }
 
 }  // namespace

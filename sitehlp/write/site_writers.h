@@ -19,8 +19,9 @@ void writeProxySite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
 bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
 
 // Asks for what writeSite will read of a record, so that the memory is there by then; first for its
-// head, then for the record of its kind. The fields lie so far apart that reading them is otherwise
-// most of the work.
+// head, then for the record of its kind. The fields lie so far apart that a long list takes a
+// quarter longer to write without this. What is asked for was chosen by measurement: with every row
+// of the tables, writing takes a tenth longer. A field that is missing there is only read later.
 void expectHead(const tag_Site& site);
 void expectRecord(const tag_Site& site);
 

@@ -52,6 +52,7 @@ struct FieldRow {
   using RecordType = Record;
   // In characters, the terminator included; 0 for a number.
   static constexpr std::size_t capacity = std::is_array_v<Value> ? std::extent_v<Value> : 0;
+  static constexpr std::size_t size = sizeof(Value);  // in bytes
 
   const char* name;               // that people and programs see
   const wchar_t* const* xmlName;  // of the attribute or child element; null for FieldPlace::None
@@ -345,6 +346,24 @@ inline constexpr auto c_proxyFields = std::tuple{
                       FieldForm::Password, &tag_ProxySite::szAlternateFtpProxyPassword, 4,
                       "Password of the second account for the FTP proxy."),
 };
+
+namespace fields {
+
+// The bytes that the rows of the record itself take: its members leave no gaps.
+template <typename Record, typename... Rows>
+constexpr std::size_t sizeOf(const std::tuple<Rows...>&) {
+  return ((std::is_same_v<typename Rows::RecordType, Record> ? Rows::size : 0) + ...);
+}
+
+// A member without a row is not compiled.
+static_assert(sizeOf<tag_Site>(c_head) + sizeof(tag_Site::eSiteKind) == offsetof(tag_Site, pNext));
+static_assert(sizeOf<tag_HttpSite>(c_serverFields) == sizeof(tag_HttpSite));
+static_assert(sizeOf<tag_FtpSite>(c_ftpFields) == sizeof(tag_FtpSite));
+static_assert(sizeOf<tag_UncSite>(c_uncFields) == sizeof(tag_UncSite));
+static_assert(sizeOf<tag_LocalSite>(c_localFields) == sizeof(tag_LocalSite));
+static_assert(sizeOf<tag_ProxySite>(c_proxyFields) == sizeof(tag_ProxySite));
+
+}  // namespace fields
 
 // One row as a constant of the compiler.
 template <const auto& Table, std::size_t Index>

@@ -104,23 +104,23 @@ using Place = FieldPlace;
 // What every kind of site has. The tables below say where among its own fields a kind has them.
 inline constexpr auto c_enabled =
     field("enabled", &xml::WX_XML_SITE_ENABLED, Place::Attribute, Form::Flag, &tag_Site::bEnabled,
-          Written::Always, L"1", 1, "Whether the site may be used.");
+          Written::Always, L"1", 0, "Whether the site may be used.");
 inline constexpr auto c_local =
     field("local", &xml::WX_XML_SITE_LOCAL, Place::Attribute, Form::Flag, &tag_Site::bLocal,
-          Written::Always, L"0", 1, "Whether it is known to this agent alone.");
+          Written::Always, L"0", 0, "Whether it is known to this agent alone.");
 inline constexpr auto c_order =
     field("order", &xml::WX_XML_SITE_ORDER, Place::Attribute, Form::Number, &tag_Site::iOrder,
-          Written::Always, L"", 1, "Place in the search order; 65535 for a fallback without one.");
+          Written::Always, L"", 0, "Place in the search order; 65535 for a fallback without one.");
 inline constexpr auto c_type =
     field("type", &xml::WX_XML_SITE_TYPE, Place::Attribute, Form::Text, &tag_Site::szType,
-          Written::Always, L"repository", 1,
+          Written::Always, L"repository", 0,
           "Role, as the document has it: master, repository, mirror, fallback, remediation, or "
           "another text.");
 inline constexpr std::tuple c_head{
     c_enabled,
     field("vestaSite", nullptr, Place::None, Form::Flag, &tag_Site::bVestaSite, Written::Never, L"",
-          1, "Whether it speaks the agent-to-server protocol: a server or an agent."),
-    field("mirror", nullptr, Place::None, Form::Flag, &tag_Site::bMirror, Written::Never, L"", 1,
+          0, "Whether it speaks the agent-to-server protocol: a server or an agent."),
+    field("mirror", nullptr, Place::None, Form::Flag, &tag_Site::bMirror, Written::Never, L"", 0,
           "Whether its type is mirror."),
     c_local,
     c_order,

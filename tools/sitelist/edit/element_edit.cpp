@@ -58,7 +58,7 @@ void writeAddress(AnXmlNode& element, const Wanted& wanted) {
   element.tryGetValue(name, value);
   const std::wstring& old = value.str();
   const std::size_t colon = old.rfind(L':');
-  if (wanted.rule->place == Spot::Port) {
+  if (wanted.rule->place == FieldPlace::Port) {
     element.setValue(name, old.substr(0, colon) + L":" + wanted.text);
   } else {
     const std::wstring port = colon == std::wstring::npos ? c_defaultPort : old.substr(colon);
@@ -98,18 +98,20 @@ void writeField(const AnXmlNode& site, const Wanted& wanted) {
   const FieldRule& rule = *wanted.rule;
   AnXmlNode holder = fieldHolder(site);
   switch (rule.place) {
-    case Spot::Attribute:
+    case FieldPlace::Attribute:
       return holder.setValue(rule.xmlName, wanted.text);
-    case Spot::Host:
-    case Spot::Port:
+    case FieldPlace::Host:
+    case FieldPlace::Port:
       return writeAddress(holder, wanted);
-    case Spot::Child: {
+    case FieldPlace::Child: {
       AnXmlNode child = lastChild(holder, rule.xmlName);
       if (rule.form == FieldForm::Password) child.setValue(c_encrypted, L"1");
       return child.setValue(c_elementText, wanted.text);
     }
-    case Spot::ExclusionHosts:
+    case FieldPlace::ExclusionHosts:
       return writeHosts(holder, wanted.text);
+    case FieldPlace::None:
+      return;  // has no rule
   }
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <tuple>
 
-#include "sitehlp/site.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace tool {
@@ -13,181 +13,64 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 using Rules = std::vector<FieldRule>;
 
-constexpr std::int64_t c_maxText = sitehlp::c_textCapacity - 1;
-constexpr std::int64_t c_maxPath = sitehlp::c_pathCapacity - 1;
-constexpr std::int64_t c_maxNetbios = sitehlp::c_netbiosCapacity - 1;
-constexpr std::int64_t c_maxServerIp = sitehlp::c_serverIpCapacity - 1;
 constexpr std::int64_t c_maxNumber = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t c_maxPort = 65535;
 
-FieldRule attribute(const char* name, const wchar_t* xmlName, const wchar_t* initial = L"") {
-  return {name, FieldForm::Text, Spot::Attribute, xmlName, initial, c_maxText};
+template <typename Row>
+std::int64_t limitOf(const Row& row) {
+  if (sitehlp::isText(row.form)) return static_cast<std::int64_t>(row.capacity) - 1;
+  if (sitehlp::isPort(row.form)) return c_maxPort;
+  return row.form == FieldForm::Number ? c_maxNumber : 0;
 }
 
-FieldRule flagAttribute(const char* name, const wchar_t* xmlName, const wchar_t* initial) {
-  return {name, FieldForm::Flag, Spot::Attribute, xmlName, initial};
+// A management server has its NetBIOS name and IP address always, agents and plain HTTP sites only
+// when they are known.
+Presence presenceOf(sitehlp::Written written, bool isServer) {
+  const bool isAlways =
+      written == sitehlp::Written::Always || (written == sitehlp::Written::ByElement && isServer);
+  return isAlways ? Presence::Always : Presence::WhenGiven;
 }
 
-FieldRule portAttribute(const char* name, const wchar_t* xmlName) {
-  return {name,      FieldForm::PortOrNone, Spot::Attribute, xmlName, L"0",
-          c_maxPort, Presence::WhenGiven};
-}
-
-FieldRule child(const char* name, const wchar_t* xmlName, std::int64_t limit = c_maxText) {
-  return {name, FieldForm::Text, Spot::Child, xmlName, L"", limit};
-}
-
-FieldRule flagChild(const char* name, const wchar_t* xmlName) {
-  return {name, FieldForm::Flag, Spot::Child, xmlName, L"0"};
-}
-
-FieldRule numberChild(const char* name, const wchar_t* xmlName) {
-  return {name, FieldForm::Number, Spot::Child, xmlName, L"0", c_maxNumber};
-}
-
-FieldRule password(const char* name, const wchar_t* xmlName) {
-  return {name, FieldForm::Password, Spot::Child, xmlName, L"", c_maxText};
-}
-
-FieldRule whenGiven(FieldRule rule) {
-  rule.presence = Presence::WhenGiven;
-  return rule;
-}
-
-void append(Rules& rules, const Rules& more) {
-  rules.insert(rules.end(), more.begin(), more.end());
-}
-
-Rules identity(const wchar_t* type) {
-  return {attribute("type", WX_XML_SITE_TYPE, type),
-          attribute("name", WX_XML_SITE_NAME),
-          {"order", FieldForm::Number, Spot::Attribute, WX_XML_SITE_ORDER, L"", c_maxNumber}};
-}
-
-const FieldRule& enabled() {
-  static const FieldRule rule = flagAttribute("enabled", WX_XML_SITE_ENABLED, L"1");
-  return rule;
-}
-
-const FieldRule& local() {
-  static const FieldRule rule = flagAttribute("local", WX_XML_SITE_LOCAL, L"0");
-  return rule;
-}
-
-const FieldRule& securePort() {
-  static const FieldRule rule = portAttribute("securePort", WX_XML_SSL_PORT);
-  return rule;
-}
-
-Rules httpRules(const wchar_t* type, Presence others) {
-  Rules rules = identity(type);
-  append(rules, {enabled(),
-                 local(),
-                 securePort(),
-                 {"server", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
-                 {"serverPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER, L"80", c_maxPort},
-                 {"serverName", FieldForm::NetbiosName, Spot::Host, WX_XML_SERVER_NETBIOS_NAME, L"",
-                  c_maxNetbios, others},
-                 {"serverNamePort", FieldForm::Port, Spot::Port, WX_XML_SERVER_NETBIOS_NAME, L"80",
-                  c_maxPort, others},
-                 {"serverIP", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER_IP, L"",
-                  c_maxServerIp, others},
-                 {"serverIPPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER_IP, L"80",
-                  c_maxPort, others}});
+template <typename Table>
+Rules rulesOf(const Table& table, bool isServer = false) {
+  Rules rules;
+  const auto add = [&](const auto& row) {
+    if (row.place == FieldPlace::None) return;
+    rules.push_back({row.name, row.form, row.place, *row.xmlName, row.initial, limitOf(row),
+                     presenceOf(row.written, isServer)});
+  };
+  std::apply([&](const auto&... rows) { (add(rows), ...); }, table);
   return rules;
 }
 
-Rules httpChildren() {
-  return {child("relativePath", WX_XML_SITE_RELATIVEPATH, c_maxPath),
-          numberChild("useAuth", WX_XML_HTTPSITE_USE_AUTH),
-          child("userName", WX_XML_SITE_USER_NAME), password("password", WX_XML_SITE_PASSWORD)};
+// An attribute that is no field, behind one that is.
+Rules withAttribute(Rules rules, const std::string& before, const wchar_t* xmlName,
+                    const wchar_t* value) {
+  const auto found = std::find_if(rules.begin(), rules.end(),
+                                  [&](const FieldRule& rule) { return before == rule.name; });
+  rules.insert(found + 1, {nullptr, FieldForm::Text, FieldPlace::Attribute, xmlName, value});
+  return rules;
 }
 
 Rules serverRules() {
-  Rules rules = httpRules(STR_SITE_TYPE_MASTER, Presence::Always);
-  rules.push_back(whenGiven(attribute("version", WX_XML_SITE_SERVER_VERSION)));
-  append(rules, httpChildren());
+  Rules rules = rulesOf(sitehlp::c_serverFields, true);
+  for (FieldRule& rule : rules) {
+    if (rule.xmlName == WX_XML_SITE_TYPE) rule.initial = STR_SITE_TYPE_MASTER;
+  }
   return rules;
-}
-
-// Agents and plain HTTP sites have their NetBIOS name and IP address only when they are known.
-Rules repositoryRules() {
-  Rules rules = httpRules(STR_SITE_TYPE_REPOSITORY, Presence::WhenGiven);
-  append(rules, httpChildren());
-  return rules;
-}
-
-Rules ftpRules() {
-  Rules rules = identity(STR_SITE_TYPE_REPOSITORY);
-  append(rules, {{"server", FieldForm::Text, Spot::Host, WX_XML_SITE_SERVER, L"", c_maxText},
-                 {"serverPort", FieldForm::Port, Spot::Port, WX_XML_SITE_SERVER, L"21", c_maxPort},
-                 enabled(),
-                 securePort(),
-                 local(),
-                 child("relativePath", WX_XML_SITE_RELATIVEPATH, c_maxPath),
-                 child("userName", WX_XML_SITE_USER_NAME),
-                 password("password", WX_XML_SITE_PASSWORD)});
-  return rules;
-}
-
-Rules accountChildren() {
-  return {child("relativePath", WX_XML_SITE_RELATIVEPATH, c_maxPath),
-          numberChild("useLoggedonUserAccount", WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT),
-          child("domainName", WX_XML_SITE_DOMAIN_NAME), child("userName", WX_XML_SITE_USER_NAME),
-          password("password", WX_XML_SITE_PASSWORD)};
-}
-
-Rules uncRules() {
-  Rules rules = identity(STR_SITE_TYPE_REPOSITORY);
-  append(rules, {attribute("server", WX_XML_SITE_SERVER), enabled(), local(),
-                 child("shareName", WX_XML_UNCSITE_SHARENAME)});
-  append(rules, accountChildren());
-  return rules;
-}
-
-Rules localRules() {
-  Rules rules = identity(STR_SITE_TYPE_REPOSITORY);
-  append(rules, {enabled(), local(), attribute(nullptr, WX_XML_SITE_SERVER, L"127.0.0.1")});
-  append(rules, accountChildren());
-  return rules;
-}
-
-Rules proxyRules() {
-  return {
-      attribute("name", WX_XML_SITE_NAME),
-      whenGiven(flagAttribute("useIEConfig", WX_XML_PROXY_USE_IE_CONFIG, L"0")),
-      attribute(nullptr, WX_XML_SITE_LOCAL, L"1"),
-      whenGiven(attribute("httpProxyServer", WX_XML_PROXY_HTTP_PROXY_SERVER)),
-      portAttribute("httpProxyPort", WX_XML_PROXY_HTTP_PROXY_PORT),
-      whenGiven(attribute("ftpProxyServer", WX_XML_PROXY_FTP_PROXY_SERVER)),
-      portAttribute("ftpProxyPort", WX_XML_PROXY_FTP_PROXY_PORT),
-      flagChild("allowUserToConfigureProxy", WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY),
-      flagChild("bypassLocalAddress", WX_XML_PROXY_BYPASSLOCALADDR),
-      {"exclusionList", FieldForm::Hosts, Spot::ExclusionHosts, WX_XML_PROXY_EXCLUSIONLIST, L""},
-      flagChild("ftpUseAuth", WX_XML_PROXY_FTP_USEAUTH),
-      flagChild("httpUseAuth", WX_XML_PROXY_HTTP_USEAUTH),
-      child("httpProxyUser", WX_XML_HTTP_PROXY_PROXYUSERNAME),
-      password("httpProxyPassword", WX_XML_HTTP_PROXY_PROXYPASSWORD),
-      child("ftpProxyUser", WX_XML_FTP_PROXY_PROXYUSERNAME),
-      password("ftpProxyPassword", WX_XML_FTP_PROXY_PROXYPASSWORD),
-      flagChild("alternateFtpUseAuth", WX_XML_PROXY_ALT_FTP_USEAUTH),
-      flagChild("alternateHttpUseAuth", WX_XML_PROXY_ALT_HTTP_USEAUTH),
-      child("alternateHttpProxyUser", WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME),
-      password("alternateHttpProxyPassword", WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD),
-      child("alternateFtpProxyUser", WX_XML_FTP_PROXY_ALT_PROXYUSERNAME),
-      password("alternateFtpProxyPassword", WX_XML_FTP_PROXY_ALT_PROXYPASSWORD),
-  };
 }
 
 const std::vector<KindRules>& allRules() {
   static const std::vector<KindRules> rules = {
       {"server", WX_XML_SITELIST_VESTA_SITE, serverRules()},
-      {"agent", WX_XML_SITELIST_KEYSTONE_SITE, repositoryRules()},
-      {"http", WX_XML_SITELIST_HTTP_SITE, repositoryRules()},
-      {"ftp", WX_XML_SITELIST_FTP_SITE, ftpRules()},
-      {"unc", WX_XML_SITELIST_UNC_SITE, uncRules()},
-      {"local", WX_XML_SITELIST_LOCAL_SITE, localRules()},
-      {"proxy", WX_XML_PROXY_CONFIG_LIST, proxyRules()},
+      {"agent", WX_XML_SITELIST_KEYSTONE_SITE, rulesOf(sitehlp::c_httpFields)},
+      {"http", WX_XML_SITELIST_HTTP_SITE, rulesOf(sitehlp::c_httpFields)},
+      {"ftp", WX_XML_SITELIST_FTP_SITE, rulesOf(sitehlp::c_ftpFields)},
+      {"unc", WX_XML_SITELIST_UNC_SITE, rulesOf(sitehlp::c_uncFields)},
+      {"local", WX_XML_SITELIST_LOCAL_SITE,
+       withAttribute(rulesOf(sitehlp::c_localFields), "local", WX_XML_SITE_SERVER, L"127.0.0.1")},
+      {"proxy", WX_XML_PROXY_CONFIG_LIST,
+       withAttribute(rulesOf(sitehlp::c_proxyFields), "useIEConfig", WX_XML_SITE_LOCAL, L"1")},
   };
   return rules;
 }

@@ -5,28 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "sitehlp/fields.h"
+
 namespace tool {
 
-// What the value of a field is.
-enum class FieldForm {
-  Text,
-  NetbiosName,  // a text that reading cuts at the first dot
-  Flag,
-  Number,
-  Port,
-  PortOrNone,  // 0 is none
-  Hosts,       // names with ";" between them
-  Password,
-};
-
-// Where the value stands below the element of the site.
-enum class Spot {
-  Attribute,
-  Host,  // in an attribute, in front of the last ":"
-  Port,  // behind it
-  Child,
-  ExclusionHosts,
-};
+using sitehlp::FieldForm;
+using sitehlp::FieldPlace;
 
 // Whether a new site has the attribute or child element without being given a value, too.
 enum class Presence { Always, WhenGiven };
@@ -35,7 +19,7 @@ enum class Presence { Always, WhenGiven };
 struct FieldRule {
   const char* name;  // null: an attribute that is written and never read
   FieldForm form;
-  Spot place;
+  FieldPlace place;
   const wchar_t* xmlName;
   const wchar_t* initial;  // what a new site has
   std::int64_t limit = 0;  // the most characters or the greatest number

@@ -1,80 +1,28 @@
+#include <algorithm>
 #include <cwchar>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
+#include "sitehlp/fields.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 namespace {
 
+using sitehlp::FieldForm;
 using sitehlp::tag_Site;
 
 // Flags hold 0 or 1; a number stays as the document has it.
-Field flag(const char* name, std::int32_t value) { return {name, value != 0}; }
-Field number(const char* name, std::int64_t value) { return {name, value}; }
-Field text(const char* name, const wchar_t* value) { return {name, value}; }
-Field secret(const char* name, const wchar_t* value) { return {name, value, true}; }
-
-void add(std::vector<Field>& fields, const sitehlp::tag_HttpSite& site) {
-  fields.insert(
-      fields.end(),
-      {text("element", site.szElement), text("name", site.szName), text("server", site.szServer),
-       number("serverPort", site.uServerPort), text("serverIP", site.szServerIP),
-       number("serverIPPort", site.uServerIPPort), text("serverName", site.szServerName),
-       number("serverNamePort", site.uServerNamePort), number("securePort", site.uSecurePort),
-       text("relativePath", site.szRelativePath), number("useAuth", site.iUseAuth),
-       text("userName", site.szUserName), secret("password", site.szPassword),
-       text("version", site.szVersion)});
-}
-
-void add(std::vector<Field>& fields, const sitehlp::tag_FtpSite& site) {
-  fields.insert(fields.end(),
-                {text("name", site.szName), text("server", site.szServer),
-                 number("serverPort", site.uServerPort), number("securePort", site.uSecurePort),
-                 text("relativePath", site.szRelativePath), text("userName", site.szUserName),
-                 secret("password", site.szPassword)});
-}
-
-void add(std::vector<Field>& fields, const sitehlp::tag_UncSite& site) {
-  fields.insert(fields.end(),
-                {text("name", site.szName), text("server", site.szServer),
-                 text("shareName", site.szShareName), text("relativePath", site.szRelativePath),
-                 text("domainName", site.szDomainName), text("userName", site.szUserName),
-                 secret("password", site.szPassword),
-                 number("useLoggedonUserAccount", site.iUseLoggedonUserAccount)});
-}
-
-void add(std::vector<Field>& fields, const sitehlp::tag_LocalSite& site) {
-  fields.insert(fields.end(),
-                {text("name", site.szName), text("relativePath", site.szRelativePath),
-                 text("domainName", site.szDomainName), text("userName", site.szUserName),
-                 secret("password", site.szPassword),
-                 number("useLoggedonUserAccount", site.iUseLoggedonUserAccount)});
-}
-
-void add(std::vector<Field>& fields, const sitehlp::tag_ProxySite& site) {
-  fields.insert(fields.end(),
-                {text("element", site.szElement),
-                 text("name", site.szName),
-                 flag("useIEConfig", site.bUseIEConfig),
-                 flag("allowUserToConfigureProxy", site.bAllowUserToConfigureProxy),
-                 flag("bypassLocalAddress", site.bBypassLocalAddress),
-                 number("exclusionCount", site.iExclusionCount),
-                 text("exclusionList", site.szExclusionList),
-                 text("httpProxyServer", site.szHttpProxyServer),
-                 number("httpProxyPort", site.iHttpProxyPort),
-                 flag("httpUseAuth", site.bHttpUseAuth),
-                 text("httpProxyUser", site.szHttpProxyUser),
-                 secret("httpProxyPassword", site.szHttpProxyPassword),
-                 flag("alternateHttpUseAuth", site.bAlternateHttpUseAuth),
-                 text("alternateHttpProxyUser", site.szAlternateHttpProxyUser),
-                 secret("alternateHttpProxyPassword", site.szAlternateHttpProxyPassword),
-                 text("ftpProxyServer", site.szFtpProxyServer),
-                 number("ftpProxyPort", site.iFtpProxyPort),
-                 flag("ftpUseAuth", site.bFtpUseAuth),
-                 text("ftpProxyUser", site.szFtpProxyUser),
-                 secret("ftpProxyPassword", site.szFtpProxyPassword),
-                 flag("alternateFtpUseAuth", site.bAlternateFtpUseAuth),
-                 text("alternateFtpProxyUser", site.szAlternateFtpProxyUser),
-                 secret("alternateFtpProxyPassword", site.szAlternateFtpProxyPassword)});
+template <typename Row, typename Value>
+Field fieldOf(const Row& row, const Value& value) {
+  if constexpr (std::is_array_v<Value>) {
+    return {row.name, value, row.form == FieldForm::Password};
+  } else if (row.form == FieldForm::Flag) {
+    return {row.name, value != 0};
+  } else {
+    return {row.name, static_cast<std::int64_t>(value)};
+  }
 }
 
 }  // namespace
@@ -98,44 +46,25 @@ const char* kindOf(const tag_Site& site) {
 }
 
 const wchar_t* nameOf(const tag_Site& site) {
-  switch (site.eSiteKind) {
-    case sitehlp::SITE_KIND_HTTP:
-      return site.http.szName;
-    case sitehlp::SITE_KIND_FTP:
-      return site.ftp.szName;
-    case sitehlp::SITE_KIND_UNC:
-      return site.unc.szName;
-    case sitehlp::SITE_KIND_LOCAL:
-      return site.local.szName;
-    case sitehlp::SITE_KIND_PROXY:
-      return site.proxy.szName;
-  }
-  return L"";
+  const wchar_t* name = L"";
+  sitehlp::eachFieldOf(site, [&](const auto& row, const auto& value) {
+    if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
+      if (row.name == std::string_view("name")) name = value;
+    }
+  });
+  return name;
 }
 
 std::vector<Field> fieldsOf(const tag_Site& site) {
-  std::vector<Field> fields = {
-      flag("enabled", site.bEnabled), flag("vestaSite", site.bVestaSite),
-      flag("mirror", site.bMirror),   flag("local", site.bLocal),
-      number("order", site.iOrder),   text("type", site.szType),
-  };
-  switch (site.eSiteKind) {
-    case sitehlp::SITE_KIND_HTTP:
-      add(fields, site.http);
-      break;
-    case sitehlp::SITE_KIND_FTP:
-      add(fields, site.ftp);
-      break;
-    case sitehlp::SITE_KIND_UNC:
-      add(fields, site.unc);
-      break;
-    case sitehlp::SITE_KIND_LOCAL:
-      add(fields, site.local);
-      break;
-    case sitehlp::SITE_KIND_PROXY:
-      add(fields, site.proxy);
-      break;
-  }
+  std::vector<std::pair<int, Field>> shown;
+  sitehlp::eachFieldOf(site, [&](const auto& row, const auto& value) {
+    shown.emplace_back(row.shown, fieldOf(row, value));
+  });
+  std::stable_sort(shown.begin(), shown.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<Field> fields;
+  fields.reserve(shown.size());
+  for (auto& [place, field] : shown) fields.push_back(std::move(field));
   return fields;
 }
 

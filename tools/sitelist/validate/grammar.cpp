@@ -1,7 +1,9 @@
 #include "tools/sitelist/validate/grammar.h"
 
 #include <algorithm>
+#include <tuple>
 
+#include "sitehlp/fields.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace tool {
@@ -10,6 +12,8 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
+using sitehlp::FieldForm;
+using sitehlp::FieldPlace;
 using Values = std::vector<ValueForm>;
 
 Values operator+(Values all, const Values& more) {
@@ -17,31 +21,76 @@ Values operator+(Values all, const Values& more) {
   return all;
 }
 
+// Two children are flags whose number a record keeps.
+template <typename Row>
+Form numberForm(const Row& row) {
+  if (row.xmlName == &WX_XML_SITE_ORDER) return Form::Order;
+  const bool isFlag = row.xmlName == &WX_XML_HTTPSITE_USE_AUTH ||
+                      row.xmlName == &WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT;
+  return isFlag ? Form::Flag : Form::Any;
+}
+
+template <typename Row>
+Form valueForm(const Row& row) {
+  switch (row.form) {
+    case FieldForm::Text:
+    case FieldForm::MacroText:
+      return Form::Text;
+    case FieldForm::Address:
+      return Form::Address;
+    case FieldForm::NetbiosName:
+      return Form::ComputerName;
+    case FieldForm::Flag:
+      return Form::Flag;
+    case FieldForm::Number:
+      return numberForm(row);
+    case FieldForm::Port:
+    case FieldForm::PortOrNone:
+      return Form::Port;
+    case FieldForm::Hosts:
+      return Form::Elements;
+    case FieldForm::Password:
+      return Form::Password;
+  }
+  return Form::Unread;
+}
+
+// The fields of a table that stand in such a place. The port of an address goes with its host.
+template <typename Table, typename IsThere>
+Values valuesOf(const Table& table, IsThere isThere) {
+  Values values;
+  const auto add = [&](const auto& row) {
+    if (!isThere(row.place) || row.place == FieldPlace::Port) return;
+    values.push_back({*row.xmlName, valueForm(row)});
+    if (row.capacity != 0) values.back().capacity = row.capacity;
+  };
+  std::apply([&](const auto&... rows) { (add(rows), ...); }, table);
+  return values;
+}
+
+template <typename Table>
+Values attributesOf(const Table& table) {
+  return valuesOf(table, sitehlp::isInAttribute);
+}
+
+template <typename Table>
+Values childrenOf(const Table& table) {
+  return valuesOf(table, sitehlp::isChild);
+}
+
 // In the order of docs/site-list-format.md.
 std::vector<ElementForm> makeForms() {
-  const Values common = {{WX_XML_SITE_TYPE, Form::Text},    {WX_XML_SITE_NAME, Form::Text},
-                         {WX_XML_SITE_ORDER, Form::Order},  {WX_XML_SITE_ENABLED, Form::Flag},
-                         {WX_XML_SITE_LOCAL, Form::Flag},   {WX_XML_SITE_ID, Form::Unread},
-                         {WX_XML_SERVER_PORT, Form::Unread}};
   const Values replication = {{WX_XML_HTTPSITE_REPLICATION_UNC, Form::Unread},
                               {WX_XML_SITE_REPLICATION_USER_NAME, Form::Unread},
                               {WX_XML_SITE_REPLICATION_DOMAIN_NAME, Form::Unread},
                               {WX_XML_SITE_REPLICATION_PASSWORD, Form::Unread}};
-  const Values attributes = common + replication;
-  const Values http =
-      attributes +
-      Values{{WX_XML_SITE_SERVER, Form::Address},
-             {WX_XML_SERVER_NETBIOS_NAME, Form::ComputerName, sitehlp::c_netbiosCapacity},
-             {WX_XML_SITE_SERVER_IP, Form::Address, sitehlp::c_serverIpCapacity},
-             {WX_XML_SSL_PORT, Form::Port}};
-  const Values children =
-      replication + Values{{WX_XML_SITE_RELATIVEPATH, Form::Text, sitehlp::c_pathCapacity},
-                           {WX_XML_SITE_USER_NAME, Form::Text},
-                           {WX_XML_SITE_PASSWORD, Form::Password}};
-  const Values httpChildren = children + Values{{WX_XML_HTTPSITE_USE_AUTH, Form::Flag}};
-  const Values fileChildren =
-      children + Values{{WX_XML_SITE_DOMAIN_NAME, Form::Text},
-                        {WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Form::Flag}};
+  const Values reserved =
+      Values{{WX_XML_SITE_ID, Form::Unread}, {WX_XML_SERVER_PORT, Form::Unread}};
+  const auto site = [&](const wchar_t* name, const char* kind, const auto& table,
+                        const Values& attributes = {}, const Values& children = {}) {
+    return ElementForm{name, kind, attributesOf(table) + reserved + replication + attributes,
+                       childrenOf(table) + replication + children};
+  };
   const Values passive = {{WX_XML_FTPSITE_PASSIVE, Form::Unread}};
   return {
       {WX_XML_CABUNDLE, nullptr, {}, {{WX_XML_CACERTIFICATE, Form::Elements}}},
@@ -51,48 +100,23 @@ std::vector<ElementForm> makeForms() {
        nullptr,
        {{WX_XML_SITELIST_DEFAULT, Form::Unread}, {WX_XML_SITE_NAME, Form::Unread}},
        {}},
-      {WX_XML_SITELIST_HTTP_SITE, "http", http, httpChildren},
-      {WX_XML_SITELIST_VESTA_SITE, "server",
-       http + Values{{WX_XML_SITE_SERVER_VERSION, Form::Text}}, httpChildren},
-      {WX_XML_SITELIST_KEYSTONE_SITE, "agent",
-       http + Values{{WX_XML_SITE_SERVER_FQDN, Form::Address}}, httpChildren},
-      {WX_XML_SITELIST_FTP_SITE, "ftp",
-       attributes + passive +
-           Values{{WX_XML_SITE_SERVER, Form::Address}, {WX_XML_SSL_PORT, Form::Port}},
-       children + passive},
-      {WX_XML_SITELIST_UNC_SITE, "unc", attributes + Values{{WX_XML_SITE_SERVER, Form::Text}},
-       fileChildren + Values{{WX_XML_UNCSITE_SHARENAME, Form::Text}}},
-      {WX_XML_SITELIST_LOCAL_SITE, "local", attributes + Values{{WX_XML_SITE_SERVER, Form::Unread}},
-       fileChildren},
+      site(WX_XML_SITELIST_HTTP_SITE, "http", sitehlp::c_httpFields),
+      site(WX_XML_SITELIST_VESTA_SITE, "server", sitehlp::c_serverFields),
+      site(WX_XML_SITELIST_KEYSTONE_SITE, "agent", sitehlp::c_httpFields,
+           {{WX_XML_SITE_SERVER_FQDN, Form::Address}}),
+      site(WX_XML_SITELIST_FTP_SITE, "ftp", sitehlp::c_ftpFields, passive, passive),
+      site(WX_XML_SITELIST_UNC_SITE, "unc", sitehlp::c_uncFields),
+      site(WX_XML_SITELIST_LOCAL_SITE, "local", sitehlp::c_localFields,
+           {{WX_XML_SITE_SERVER, Form::Unread}}),
+      // What stands in the list itself is read like the attributes of any site.
       {WX_XML_PROXY_CONFIG_LIST,
        "proxy",
-       common + Values{{WX_XML_PROXY_USE_IE_CONFIG, Form::Flag}},
+       attributesOf(sitehlp::fields::c_head) + reserved +
+           Values{{WX_XML_SITE_NAME, Form::Text}, {WX_XML_PROXY_USE_IE_CONFIG, Form::Flag}},
        {{WX_XML_PROXY_CONFIG, Form::Elements}}},
-      {WX_XML_PROXY_CONFIG,
-       nullptr,
-       {{WX_XML_SITE_NAME, Form::Text},
-        {WX_XML_SITE_LOCAL, Form::Unread},
-        {WX_XML_PROXY_USE_IE_CONFIG, Form::Flag},
-        {WX_XML_PROXY_HTTP_PROXY_SERVER, Form::Text},
-        {WX_XML_PROXY_HTTP_PROXY_PORT, Form::Port},
-        {WX_XML_PROXY_FTP_PROXY_SERVER, Form::Text},
-        {WX_XML_PROXY_FTP_PROXY_PORT, Form::Port}},
-       {{WX_XML_PROXY_ALLOWUSERTOCONFIGPROXY, Form::Flag},
-        {WX_XML_PROXY_BYPASSLOCALADDR, Form::Flag},
-        {WX_XML_PROXY_ADDRLIST, Form::Unread},
-        {WX_XML_PROXY_EXCLUSIONLIST, Form::Elements},
-        {WX_XML_PROXY_FTP_USEAUTH, Form::Flag},
-        {WX_XML_PROXY_HTTP_USEAUTH, Form::Flag},
-        {WX_XML_HTTP_PROXY_PROXYUSERNAME, Form::Text},
-        {WX_XML_HTTP_PROXY_PROXYPASSWORD, Form::Password},
-        {WX_XML_FTP_PROXY_PROXYUSERNAME, Form::Text},
-        {WX_XML_FTP_PROXY_PROXYPASSWORD, Form::Password},
-        {WX_XML_PROXY_ALT_FTP_USEAUTH, Form::Flag},
-        {WX_XML_PROXY_ALT_HTTP_USEAUTH, Form::Flag},
-        {WX_XML_HTTP_PROXY_ALT_PROXYUSERNAME, Form::Text},
-        {WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD, Form::Password},
-        {WX_XML_FTP_PROXY_ALT_PROXYUSERNAME, Form::Text},
-        {WX_XML_FTP_PROXY_ALT_PROXYPASSWORD, Form::Password}}},
+      {WX_XML_PROXY_CONFIG, nullptr,
+       attributesOf(sitehlp::c_proxyFields) + Values{{WX_XML_SITE_LOCAL, Form::Unread}},
+       childrenOf(sitehlp::c_proxyFields) + Values{{WX_XML_PROXY_ADDRLIST, Form::Unread}}},
       {WX_XML_PROXY_EXCLUSIONLIST, nullptr, {}, {{WX_XML_PROXY_EXCLUSIONHOST, Form::Elements}}},
   };
 }

@@ -34,11 +34,11 @@ install(
 if(TARGET sitelist)
   set_target_properties(sitelist PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
   install(TARGETS sitelist RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  set(generated ${PROJECT_BINARY_DIR}/generated)
   install(
-    FILES tools/sitelist/sitelist.schema.json
+    FILES ${generated}/sitelist.schema.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/sitehlp
     COMPONENT tool)
-  set(generated ${PROJECT_BINARY_DIR}/generated)
   install(
     FILES ${generated}/man/sitelist.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1

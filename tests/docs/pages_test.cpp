@@ -129,8 +129,7 @@ void gatherNames(const nlohmann::json& schema, std::set<std::string>& names,
 TEST_F(ManualPages, JsonPageHasEveryNameAndWordOfTheSchema) {
   std::set<std::string> names;
   std::set<std::string> words;
-  gatherNames(nlohmann::json::parse(
-                  readFile(std::string(TEST_SOURCE_DIR) + "/tools/sitelist/sitelist.schema.json")),
+  gatherNames(nlohmann::json::parse(readFile(std::string(GENERATED_DIR) + "/sitelist.schema.json")),
               names, words);
   EXPECT_GT(names.size(), 50U);
   const std::string source = readFile(pagePath("sitelist.json.5"));

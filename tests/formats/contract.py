@@ -4,16 +4,19 @@ import copy
 import json
 import re
 import subprocess
-from pathlib import Path
 
 import jsonschema
 
 STATUSES = {0, 1, 2, 3, 4, 5, 6, 7, 70}
-FILE = Path(__file__).resolve().parents[2] / "tools/sitelist/sitelist.schema.json"
 
 
-def validator():
-    schema = json.loads(FILE.read_text())
+def schema_file(tool):
+    """The schema that is installed with the tool, beside which it was built."""
+    return tool.parents[1] / "generated/sitelist.schema.json"
+
+
+def validator(tool):
+    schema = json.loads(schema_file(tool).read_text())
     jsonschema.Draft7Validator.check_schema(schema)
     return jsonschema.Draft7Validator(schema)
 
@@ -91,7 +94,7 @@ def smallest_of_each_kind(golden):
 
 
 def problems(golden, tool, cases):
-    check = validator()
+    check = validator(tool)
     found = [f"{place} forbids nothing" for place in open_objects(check.schema)]
     documents = smallest_of_each_kind(golden)
     for key, document in documents.items():

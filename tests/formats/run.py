@@ -107,7 +107,7 @@ def run_groups(arguments, chosen):
     world = World(arguments.tool, SOURCE)
     try:
         before = world.snapshot()
-        run = Run(world, contract.validator(), arguments.update)
+        run = Run(world, contract.validator(arguments.tool), arguments.update)
         with ThreadPoolExecutor(2) as pool:
             list(pool.map(run.case, chosen))
         changed = sorted(name for name, _ in before.items() ^ world.snapshot().items())

@@ -8,9 +8,9 @@
 #include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/generator/pages.h"
 
-// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages of the tool below the
-// directory. The date is that of the pages, as in "May 1, 2001"; the schema is the file with the
-// JSON Schema of what the tool prints.
+// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the JSON Schema of the tool
+// below the directory. The date is that of the pages, as in "May 1, 2001"; the schema is the file
+// with the JSON Schema of what the tool prints, without the fields of a site.
 
 namespace tool {
 namespace {
@@ -35,8 +35,10 @@ void generate(const std::filesystem::path& directory, const std::string& date,
               const std::string& schema) {
   Context context;
   const CommandInfo program = makeCommandLine(context)->describe();
+  const std::string whole = completeSchema(schema);
+  write(directory / "sitelist.schema.json", whole);
   write(directory / "man/sitelist.1", toolPage(program, date));
-  write(directory / "man/sitelist.json.5", schemaPage(read(schema), date));
+  write(directory / "man/sitelist.json.5", schemaPage(whole, date));
   write(directory / "man/agent.toml.5", settingsPage(date));
 }
 
@@ -49,7 +51,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    tool::generate(argv[1], argv[2], argv[3]);
+    tool::generate(argv[1], argv[2], tool::read(argv[3]));
   } catch (const std::exception& e) {
     std::cerr << "sitelist-generator: " << e.what() << '\n';
     return 1;

@@ -20,8 +20,7 @@ std::wstring withPort(const wchar_t* host, unsigned port, unsigned securePort) {
 std::vector<std::string> namesOfAllKinds() {
   std::vector<std::string> names = {"kind"};
   const auto site = std::make_unique<tag_Site>();
-  for (const int kind : {sitehlp::SITE_KIND_HTTP, sitehlp::SITE_KIND_FTP, sitehlp::SITE_KIND_UNC,
-                         sitehlp::SITE_KIND_LOCAL, sitehlp::SITE_KIND_PROXY}) {
+  for (const sitehlp::SiteKind kind : c_allKinds) {
     site->eSiteKind = kind;
     for (const Field& field : fieldsOf(*site)) {
       if (std::find(names.begin(), names.end(), field.name) == names.end()) {

@@ -315,6 +315,75 @@ TEST_F(FieldTables, EveryRowIsWrittenInTheOrderOfTheTableAndNothingElse) {
   }
 }
 
+// The lines of the format document that belong to an element, the first of them without its name.
+std::string documented(const std::string& element) {
+  const std::string page =
+      test::readFile(std::string(TEST_SOURCE_DIR) + "/docs/site-list-format.md");
+  const std::regex start("\n" + element + " +(?:= <" + element + " )?");
+  std::smatch found;
+  EXPECT_TRUE(std::regex_search(page, found, start)) << element;
+  const std::string rest = found.suffix();
+  static const std::regex c_next("\n(?! )");
+  std::smatch next;
+  std::regex_search(rest, next, c_next);
+  return next.prefix();
+}
+
+// The word of the format document for what is written in such a form.
+std::string wordOf(const Kind& kind, const Row& row) {
+  switch (row.form) {
+    case FieldForm::Address:
+    case FieldForm::NetbiosName:
+      return "address";
+    case FieldForm::Flag:
+      return "flag";
+    case FieldForm::Number:
+      return "number";
+    case FieldForm::PortOrNone:
+      return kind.isProxy() ? "number" : "port";
+    default:
+      return row.place == FieldPlace::Attribute ? "text" : "";
+  }
+}
+
+TEST_F(FieldTables, FormatDocumentHasTheRowsOfEveryKind) {
+  for (const Kind& kind : kinds()) {
+    SCOPED_TRACE(kind.element);
+    std::string text = documented(kind.element);
+    const bool isLikeHttp = text.find("as HttpSite") == 0;
+    const std::string whole = isLikeHttp ? documented("HttpSite") : text;
+    if (isLikeHttp) text += whole;
+    using Names = std::map<std::string, std::string>;
+    Names attributes;
+    static const std::regex c_attribute(R"_(\[(\w+)(?: (\w+)|(="1"))?\])_");
+    for (std::sregex_iterator at(text.begin(), text.end(), c_attribute), end; at != end; ++at) {
+      attributes[(*at)[1]] = (*at)[3].matched ? "fixed" : (*at)[2].str();
+    }
+    Names children;
+    const std::string below = std::regex_replace(whole, std::regex(R"_(\[[^\]]*\]>?)_"), "");
+    static const std::regex c_child(R"_((\w+)(?:\((\w+)\))?)_");
+    for (std::sregex_iterator at(below.begin(), below.end(), c_child), end; at != end; ++at) {
+      children[(*at)[1]] = (*at)[2];
+    }
+    // What is no field.
+    EXPECT_EQ(attributes.erase("ServerDNS"), kind.element == "KeystoneSite" ? 1U : 0U);
+    EXPECT_EQ(attributes.erase("Local"), kind.isProxy() ? 1U : 0U);
+    Names expectedAttributes;
+    Names expectedChildren;
+    for (const Row& row : kind.rows) {
+      const bool isCommon = row.name == "type" || row.name == "name" || row.name == "order" ||
+                            row.name == "enabled" || row.name == "local";
+      if (isCommon && !kind.isProxy()) continue;
+      if (isChild(row.place)) expectedChildren[row.xmlName] = wordOf(kind, row);
+      if (isInAttribute(row.place) && row.place != FieldPlace::Port) {
+        expectedAttributes[row.xmlName] = isCommon ? "" : wordOf(kind, row);
+      }
+    }
+    EXPECT_EQ(attributes, expectedAttributes);
+    EXPECT_EQ(children, expectedChildren);
+  }
+}
+
 TEST_F(FieldTables, NoKindHasANameTwice) {
   for (const Kind& kind : kinds()) {
     std::set<std::string> names;

@@ -3,10 +3,13 @@
 
 #include <cstring>
 #include <random>
+#include <set>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "sitehlp/fields.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
 namespace test {
@@ -15,98 +18,14 @@ using Fields = std::vector<std::pair<const char*, std::wstring>>;
 
 // Every field of a record by its name, as text.
 inline Fields fieldsOf(const sitehlp::tag_Site& site) {
-  Fields fields;
-  const auto text = [&](const char* name, const wchar_t* value) {
-    fields.push_back({name, value});
-  };
-  const auto number = [&](const char* name, long long value) {
-    fields.push_back({name, std::to_wstring(value)});
-  };
-  number("bEnabled", site.bEnabled);
-  number("bVestaSite", site.bVestaSite);
-  number("bMirror", site.bMirror);
-  number("bLocal", site.bLocal);
-  number("iOrder", site.iOrder);
-  number("eSiteKind", site.eSiteKind);
-  text("szType", site.szType);
-  const auto& http = site.http;
-  const auto& ftp = site.ftp;
-  const auto& unc = site.unc;
-  const auto& local = site.local;
-  const auto& proxy = site.proxy;
-#define TEXT(RECORD, FIELD) text(#FIELD, RECORD.FIELD)
-#define NUMBER(RECORD, FIELD) number(#FIELD, RECORD.FIELD)
-  switch (site.eSiteKind) {
-    case sitehlp::SITE_KIND_HTTP:
-      TEXT(http, szElement);
-      TEXT(http, szName);
-      TEXT(http, szServer);
-      TEXT(http, szServerIP);
-      NUMBER(http, uServerPort);
-      NUMBER(http, uServerIPPort);
-      NUMBER(http, uServerNamePort);
-      TEXT(http, szRelativePath);
-      TEXT(http, szServerName);
-      NUMBER(http, iUseAuth);
-      TEXT(http, szUserName);
-      TEXT(http, szPassword);
-      TEXT(http, szVersion);
-      NUMBER(http, uSecurePort);
-      break;
-    case sitehlp::SITE_KIND_FTP:
-      TEXT(ftp, szName);
-      TEXT(ftp, szServer);
-      TEXT(ftp, szRelativePath);
-      TEXT(ftp, szUserName);
-      TEXT(ftp, szPassword);
-      NUMBER(ftp, uServerPort);
-      NUMBER(ftp, uSecurePort);
-      break;
-    case sitehlp::SITE_KIND_UNC:
-      TEXT(unc, szName);
-      TEXT(unc, szServer);
-      TEXT(unc, szRelativePath);
-      TEXT(unc, szDomainName);
-      TEXT(unc, szUserName);
-      TEXT(unc, szPassword);
-      NUMBER(unc, iUseLoggedonUserAccount);
-      TEXT(unc, szShareName);
-      break;
-    case sitehlp::SITE_KIND_LOCAL:
-      TEXT(local, szName);
-      TEXT(local, szRelativePath);
-      TEXT(local, szDomainName);
-      TEXT(local, szUserName);
-      TEXT(local, szPassword);
-      NUMBER(local, iUseLoggedonUserAccount);
-      break;
-    default:
-      TEXT(proxy, szElement);
-      TEXT(proxy, szName);
-      TEXT(proxy, szHttpProxyServer);
-      NUMBER(proxy, iHttpProxyPort);
-      TEXT(proxy, szFtpProxyServer);
-      NUMBER(proxy, iFtpProxyPort);
-      NUMBER(proxy, bAllowUserToConfigureProxy);
-      NUMBER(proxy, bBypassLocalAddress);
-      NUMBER(proxy, bUseIEConfig);
-      NUMBER(proxy, iExclusionCount);
-      TEXT(proxy, szExclusionList);
-      NUMBER(proxy, bFtpUseAuth);
-      NUMBER(proxy, bHttpUseAuth);
-      TEXT(proxy, szHttpProxyUser);
-      TEXT(proxy, szHttpProxyPassword);
-      TEXT(proxy, szFtpProxyUser);
-      TEXT(proxy, szFtpProxyPassword);
-      NUMBER(proxy, bAlternateFtpUseAuth);
-      NUMBER(proxy, bAlternateHttpUseAuth);
-      TEXT(proxy, szAlternateHttpProxyUser);
-      TEXT(proxy, szAlternateHttpProxyPassword);
-      TEXT(proxy, szAlternateFtpProxyUser);
-      TEXT(proxy, szAlternateFtpProxyPassword);
-  }
-#undef TEXT
-#undef NUMBER
+  Fields fields = {{"kind", std::to_wstring(site.eSiteKind)}};
+  sitehlp::eachFieldOf(site, [&](const auto& row, const auto& value) {
+    if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
+      fields.push_back({row.name, value});
+    } else {
+      fields.push_back({row.name, std::to_wstring(value)});
+    }
+  });
   return fields;
 }
 
@@ -135,6 +54,7 @@ class SiteGenerator {
   sitehlp::tag_Site* site() {
     sitehlp::tag_Site* made = newSite(static_cast<sitehlp::SiteKind>(below(5)));
     if (made->eSiteKind == sitehlp::SITE_KIND_PROXY) {
+      fillFields(*made, made->proxy);
       proxy(made->proxy);
       return made;
     }
@@ -154,34 +74,13 @@ class SiteGenerator {
         made->iOrder = number();
     }
     // A mirror has no order, and a fallback without one counts as the last.
-    if (made->eSiteKind == sitehlp::SITE_KIND_HTTP) http(*made);
-    if (made->eSiteKind == sitehlp::SITE_KIND_FTP) {
-      fill(made->ftp.szName);
-      fill(made->ftp.szServer);
-      fill(made->ftp.szRelativePath);
-      fill(made->ftp.szUserName);
-      fill(made->ftp.szPassword);
-      made->ftp.uServerPort = port();
-      made->ftp.uSecurePort = port();
+    if (made->eSiteKind == sitehlp::SITE_KIND_HTTP) {
+      fillFields(*made, made->http);
+      http(*made);
     }
-    if (made->eSiteKind == sitehlp::SITE_KIND_UNC) {
-      fill(made->unc.szName);
-      fill(made->unc.szServer);
-      fill(made->unc.szRelativePath);
-      fill(made->unc.szDomainName);
-      fill(made->unc.szUserName);
-      fill(made->unc.szPassword);
-      fill(made->unc.szShareName);
-      made->unc.iUseLoggedonUserAccount = number();
-    }
-    if (made->eSiteKind == sitehlp::SITE_KIND_LOCAL) {
-      fill(made->local.szName);
-      fill(made->local.szRelativePath);
-      fill(made->local.szDomainName);
-      fill(made->local.szUserName);
-      fill(made->local.szPassword);
-      made->local.iUseLoggedonUserAccount = number();
-    }
+    if (made->eSiteKind == sitehlp::SITE_KIND_FTP) fillFields(*made, made->ftp);
+    if (made->eSiteKind == sitehlp::SITE_KIND_UNC) fillFields(*made, made->unc);
+    if (made->eSiteKind == sitehlp::SITE_KIND_LOCAL) fillFields(*made, made->local);
     return made;
   }
 
@@ -231,19 +130,40 @@ class SiteGenerator {
     }
   }
 
+  // Fields that may have any value, whatever the others have.
+  template <typename Row>
+  static bool isFree(const Row& row) {
+    if (row.place == sitehlp::FieldPlace::None || row.form == sitehlp::FieldForm::Hosts)
+      return false;
+    if (row.written == sitehlp::Written::ByElement) return false;
+    static const std::set<std::string> c_bound = {"version", "httpProxyServer", "httpProxyPort",
+                                                  "ftpProxyServer", "ftpProxyPort"};
+    return c_bound.count(row.name) == 0;
+  }
+
+  // Fills the free fields of the kind's own record.
+  template <typename Record>
+  void fillFields(sitehlp::tag_Site& site, Record&) {
+    sitehlp::eachFieldOf(site, [&](const auto& row, auto& value) {
+      using Row = std::decay_t<decltype(row)>;
+      if constexpr (std::is_same_v<typename Row::RecordType, Record>) {
+        if (!isFree(row)) return;
+        if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
+          fill(value);
+        } else if constexpr (std::is_unsigned_v<std::remove_reference_t<decltype(value)>>) {
+          value = port();
+        } else {
+          value = row.form == sitehlp::FieldForm::Flag ? flag() : number();
+        }
+      }
+    });
+  }
+
   void http(sitehlp::tag_Site& site) {
     static const wchar_t* const c_elements[] = {L"HttpSite", L"VestaSite", L"KeystoneSite"};
     const std::size_t element = below(3);
     put(site.http.szElement, c_elements[element]);
     site.bVestaSite = element == 0 ? 0 : 1;
-    fill(site.http.szName);
-    fill(site.http.szServer);
-    site.http.uServerPort = port();
-    fill(site.http.szRelativePath);
-    site.http.iUseAuth = number();
-    fill(site.http.szUserName);
-    fill(site.http.szPassword);
-    site.http.uSecurePort = port();
     site.http.uServerNamePort = 80;
     site.http.uServerIPPort = 80;
     if (element == 0) return;
@@ -259,7 +179,6 @@ class SiteGenerator {
   }
 
   void proxy(sitehlp::tag_ProxySite& data) {
-    fill(data.szName);
     const bool http = below(2);
     const bool ftp = below(2);
     if (http) {
@@ -271,22 +190,7 @@ class SiteGenerator {
       data.iFtpProxyPort = number() & 0x7FFFFFFF;
     }
     put(data.szElement, http && ftp ? L"FtpHttp" : http ? L"HttpSite" : ftp ? L"FTPSite" : L"");
-    data.bAllowUserToConfigureProxy = flag();
-    data.bBypassLocalAddress = flag();
-    data.bUseIEConfig = flag();
     exclusions(data);
-    data.bFtpUseAuth = flag();
-    data.bHttpUseAuth = flag();
-    fill(data.szHttpProxyUser);
-    fill(data.szHttpProxyPassword);
-    fill(data.szFtpProxyUser);
-    fill(data.szFtpProxyPassword);
-    data.bAlternateFtpUseAuth = flag();
-    data.bAlternateHttpUseAuth = flag();
-    fill(data.szAlternateHttpProxyUser);
-    fill(data.szAlternateHttpProxyPassword);
-    fill(data.szAlternateFtpProxyUser);
-    fill(data.szAlternateFtpProxyPassword);
   }
 
   void exclusions(sitehlp::tag_ProxySite& data) {

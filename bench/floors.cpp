@@ -8,13 +8,14 @@
 #include <cstring>
 #include <cwchar>
 #include <pugixml.hpp>
+#include <type_traits>
 
 #include "bench/check.h"
-#include "bench/record_fields.h"
 #include "bench/row.h"
 #include "host/fs/files.h"
 #include "host/xml/text_file.h"
 #include "platform/lock/interprocess_lock.h"
+#include "sitehlp/fields.h"
 
 namespace bench {
 
@@ -173,14 +174,15 @@ std::string TreeRecipe::buildAndPrint() const {
 RecordRecipe::RecordRecipe(const tag_Site* list) {
   for (; list; list = list->pNext) {
     m_kinds.push_back(list->eSiteKind);
-    visitFields(
-        *list,
-        [this](const auto& field) {
-          const std::size_t length = std::wcslen(field);
-          m_lengths.push_back(static_cast<std::uint32_t>(length));
-          m_texts.append(field, length);
-        },
-        [this](auto number) { m_numbers.push_back(static_cast<std::int32_t>(number)); });
+    sitehlp::eachFieldOf(*list, [this](const auto&, const auto& value) {
+      if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
+        const std::size_t length = std::wcslen(value);
+        m_lengths.push_back(static_cast<std::uint32_t>(length));
+        m_texts.append(value, length);
+      } else {
+        m_numbers.push_back(static_cast<std::int32_t>(value));
+      }
+    });
   }
 }
 
@@ -195,16 +197,16 @@ tag_Site* RecordRecipe::build() const {
     *link = record;
     link = &record->pNext;
     record->eSiteKind = kind;
-    visitFields(
-        *record,
-        [&](auto& field) {
-          std::wmemcpy(field, text, *length);
-          std::wmemset(field + *length, L'\0', sizeof field / sizeof field[0] - *length);
-          text += *length++;
-        },
-        [&](auto& number) {
-          number = static_cast<std::remove_reference_t<decltype(number)>>(*value++);
-        });
+    sitehlp::eachFieldOf(*record, [&](const auto&, auto& field) {
+      using Field = std::remove_reference_t<decltype(field)>;
+      if constexpr (std::is_array_v<Field>) {
+        std::wmemcpy(field, text, *length);
+        std::wmemset(field + *length, L'\0', std::extent_v<Field> - *length);
+        text += *length++;
+      } else {
+        field = static_cast<Field>(*value++);
+      }
+    });
   }
   return head;
 }

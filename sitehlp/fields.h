@@ -389,6 +389,9 @@ constexpr void eachField(Visit&& visit) {
                       std::make_index_sequence<std::tuple_size_v<std::decay_t<decltype(Table)>>>());
 }
 
+inline constexpr SiteKind c_siteKinds[] = {SITE_KIND_HTTP, SITE_KIND_FTP, SITE_KIND_UNC,
+                                           SITE_KIND_LOCAL, SITE_KIND_PROXY};
+
 // Calls visit(row, value) for every field of a record by its kind, those common to all kinds first.
 // `Site` is tag_Site or const tag_Site. A record of no kind has only the common ones.
 template <typename Site, typename Visit>
@@ -406,7 +409,7 @@ void eachFieldOf(Site& site, Visit&& visit) {
     std::apply([&](const auto&... rows) { visitAll(record, rows...); }, table);
   };
   visitTable(site, fields::c_head);
-  switch (site.eSiteKind) {
+  switch (static_cast<SiteKind>(site.eSiteKind)) {
     case SITE_KIND_HTTP:
       return visitTable(site.http, c_serverFields);
     case SITE_KIND_FTP:

@@ -54,8 +54,16 @@ void releaseRecord(tag_Site* record) noexcept {
 }
 
 std::optional<Kind> kindOf(const tag_Site& record) {
-  const auto isAKind = record.eSiteKind >= SITE_KIND_HTTP && record.eSiteKind <= SITE_KIND_PROXY;
-  return isAKind ? std::optional<Kind>(static_cast<Kind>(record.eSiteKind)) : std::nullopt;
+  const auto kind = static_cast<Kind>(record.eSiteKind);
+  switch (kind) {
+    case Kind::Http:
+    case Kind::Ftp:
+    case Kind::Unc:
+    case Kind::Local:
+    case Kind::Proxy:
+      return kind;
+  }
+  return std::nullopt;
 }
 
 bool isServerSite(const tag_Site& record) {

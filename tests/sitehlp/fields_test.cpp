@@ -384,6 +384,21 @@ TEST_F(FieldTables, FormatDocumentHasTheRowsOfEveryKind) {
   }
 }
 
+TEST_F(FieldTables, EveryKindIsListed) {
+  for (std::int32_t kind = -3; kind < 100; ++kind) {
+    tag_Site* const site = test::newSite(static_cast<sitehlp::SiteKind>(kind));
+    const test::ListPtr owner(site);
+    const bool isKnown = valuesOf(*site).count("name") != 0;
+    EXPECT_EQ(std::count(std::begin(sitehlp::c_siteKinds), std::end(sitehlp::c_siteKinds), kind),
+              isKnown ? 1 : 0)
+        << kind;
+    EXPECT_EQ(std::any_of(kinds().begin(), kinds().end(),
+                          [&](const Kind& each) { return each.kind == kind; }),
+              isKnown)
+        << kind;
+  }
+}
+
 TEST_F(FieldTables, NoKindHasANameTwice) {
   for (const Kind& kind : kinds()) {
     std::set<std::string> names;

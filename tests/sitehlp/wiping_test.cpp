@@ -2,8 +2,10 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
+#include "sitehlp/fields.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
 #if defined(__APPLE__)
@@ -66,6 +68,26 @@ class Wiping : public test::SitesHelperTest {
     return text;
   }
 };
+
+TEST_F(Wiping, EveryFieldThatIsAPasswordIsGone) {
+  for (const sitehlp::SiteKind kind : sitehlp::c_siteKinds) {
+    const auto eachPassword = [](auto& site, auto visit) {
+      sitehlp::eachFieldOf(site, [&](const auto& row, auto& value) {
+        if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
+          if (row.form == sitehlp::FieldForm::Password) visit(value);
+        }
+      });
+    };
+    tag_Site* const site = test::newSite(kind);
+    int passwords = 0;
+    eachPassword(*site, [&](auto& password) {
+      test::put(password, secret());
+      ++passwords;
+    });
+    EXPECT_GT(passwords, 0) << kind;
+    eachPassword(*released(site), [](const auto& password) { expectWiped(password); });
+  }
+}
 
 TEST_F(Wiping, PasswordOfEveryKindIsGone) {
   tag_Site* http = test::newSite(sitehlp::SITE_KIND_HTTP);

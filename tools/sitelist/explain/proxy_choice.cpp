@@ -80,13 +80,16 @@ Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
 }
 
 Route ProxyChoice::routeTo(const tag_Site& site) const {
-  switch (site.eSiteKind) {
+  switch (static_cast<sitehlp::SiteKind>(site.eSiteKind)) {
     case sitehlp::SITE_KIND_HTTP:
       return routeOverHttp(site.http.szServer);
     case sitehlp::SITE_KIND_FTP:
       return routeOverFtp(site.ftp.szServer);
     case sitehlp::SITE_KIND_UNC:
       return {true, "", "a file share is not reached over a proxy"};
+    case sitehlp::SITE_KIND_LOCAL:
+    case sitehlp::SITE_KIND_PROXY:
+      break;
   }
   return {true, "", "a local path needs no network"};
 }

@@ -30,7 +30,7 @@ Json schemaOf(const Row& row) {
 std::string completeSchema(const std::string& schema) {
   std::map<std::string, Json> fields;
   const auto site = std::make_unique<sitehlp::tag_Site>();
-  for (const sitehlp::SiteKind kind : c_allKinds) {
+  for (const sitehlp::SiteKind kind : sitehlp::c_siteKinds) {
     site->eSiteKind = kind;
     sitehlp::eachFieldOf(
         *site, [&](const auto& row, const auto&) { fields.emplace(row.name, schemaOf(row)); });

@@ -28,7 +28,7 @@ Field fieldOf(const Row& row, const Value& value) {
 }  // namespace
 
 const char* kindOf(const tag_Site& site) {
-  switch (site.eSiteKind) {
+  switch (static_cast<sitehlp::SiteKind>(site.eSiteKind)) {
     case sitehlp::SITE_KIND_HTTP:
       if (std::wcscmp(site.http.szElement, L"VestaSite") == 0) return "server";
       if (std::wcscmp(site.http.szElement, L"KeystoneSite") == 0) return "agent";

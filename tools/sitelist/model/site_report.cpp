@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "sitehlp/fields.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -17,10 +18,16 @@ std::wstring withPort(const wchar_t* host, unsigned port, unsigned securePort) {
   return text;
 }
 
+std::wstring pathOnShare(const sitehlp::tag_UncSite& site) {
+  const std::wstring share = site.szShareName;
+  const std::wstring path = site.szRelativePath;
+  return share.empty() || path.empty() ? share + path : share + L"\\" + path;
+}
+
 std::vector<std::string> namesOfAllKinds() {
   std::vector<std::string> names = {"kind"};
   const auto site = std::make_unique<tag_Site>();
-  for (const sitehlp::SiteKind kind : c_allKinds) {
+  for (const sitehlp::SiteKind kind : sitehlp::c_siteKinds) {
     site->eSiteKind = kind;
     for (const Field& field : fieldsOf(*site)) {
       if (std::find(names.begin(), names.end(), field.name) == names.end()) {
@@ -76,31 +83,34 @@ std::wstring orderOf(const tag_Site& site) {
 }
 
 std::wstring addressOf(const tag_Site& site) {
-  switch (site.eSiteKind) {
+  switch (static_cast<sitehlp::SiteKind>(site.eSiteKind)) {
     case sitehlp::SITE_KIND_HTTP:
       return withPort(site.http.szServer, site.http.uServerPort, site.http.uSecurePort);
     case sitehlp::SITE_KIND_FTP:
       return withPort(site.ftp.szServer, site.ftp.uServerPort, site.ftp.uSecurePort);
     case sitehlp::SITE_KIND_UNC:
       return site.unc.szServer;
+    case sitehlp::SITE_KIND_LOCAL:
+    case sitehlp::SITE_KIND_PROXY:
+      break;
   }
   return L"";
 }
 
 std::wstring pathOf(const tag_Site& site) {
-  switch (site.eSiteKind) {
+  switch (static_cast<sitehlp::SiteKind>(site.eSiteKind)) {
     case sitehlp::SITE_KIND_HTTP:
       return site.http.szRelativePath;
     case sitehlp::SITE_KIND_FTP:
       return site.ftp.szRelativePath;
+    case sitehlp::SITE_KIND_UNC:
+      return pathOnShare(site.unc);
     case sitehlp::SITE_KIND_LOCAL:
       return site.local.szRelativePath;
     case sitehlp::SITE_KIND_PROXY:
-      return L"";
+      break;
   }
-  const std::wstring share = site.unc.szShareName;
-  const std::wstring path = site.unc.szRelativePath;
-  return share.empty() || path.empty() ? share + path : share + L"\\" + path;
+  return L"";
 }
 
 bool hasSecurePort(const tag_Site& site) {

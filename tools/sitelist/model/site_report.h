@@ -17,10 +17,6 @@ Record recordOf(const sitehlp::tag_Site& site, bool showSecrets);
 Scalar scalarOf(const Field& field, bool showSecrets);
 const Scalar* find(const Record& record, const std::string& name);
 
-constexpr sitehlp::SiteKind c_allKinds[] = {sitehlp::SITE_KIND_HTTP, sitehlp::SITE_KIND_FTP,
-                                            sitehlp::SITE_KIND_UNC, sitehlp::SITE_KIND_LOCAL,
-                                            sitehlp::SITE_KIND_PROXY};
-
 // The names of the fields of all kinds, "kind" first.
 const std::vector<std::string>& siteFieldNames();
 

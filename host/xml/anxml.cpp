@@ -62,8 +62,12 @@ bool AnXml::writeFile(const AString& path, bool reserved1, bool reserved2) const
     AdvXMLParser::writeDocumentBytes(path.str(), text.data(), text.size());
     return true;
   } catch (const ReadWriteException& failure) {
-    logError(host::c_logComponent,
-             AString(L"Cannot write the edited list: ").append(AString(failure.what())));
+    AString line(L"Cannot write the edited list ");
+    // The reason of a failed write begins with the path.
+    if (failure.GetErrorCode() == ReadWriteException::LIMIT_EXCEEDED) {
+      line.append(path).append(L": ");
+    }
+    logError(host::c_logComponent, line.append(AString(failure.what())));
     return false;
   }
 }

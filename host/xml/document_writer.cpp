@@ -259,8 +259,7 @@ bool WriteDocumentToFile(const std::wstring& path, const DocumentWriter& documen
   if (!state.overLimit.empty()) {
     throw ReadWriteException(
         ReadWriteException::LIMIT_EXCEEDED, 0,
-        host::toUtf8(path) +
-            ": no reader would accept the new list, it is over the limit: " + state.overLimit);
+        host::toUtf8(path) + ": the new list is over the limit: " + state.overLimit);
   }
   writeDocumentBytes(path, state.text.data(), state.text.size());
   return true;

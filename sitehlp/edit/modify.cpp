@@ -74,13 +74,13 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
 }
 
 // Servers that were added may make more records than a reader takes.
-bool isWithinRecordLimits(const AnXmlNode& siteList) {
+bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
   RecordLimits limits;
   AnXmlChildIndex sites(siteList, nullptr);
   AnXmlNode site;
   while (sites.moveNext(site)) {
     if (const char* const limit = limits.add(isKnownInList(site.getName().c_str()))) {
-      logCause(L"Edited list not written: no reader would accept it, it is over the limit: " +
+      logCause(L"Cannot write the edited list " + path + L": list over the limit: " +
                AString(limit).str());
       return false;
     }
@@ -133,7 +133,7 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
   if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
   if (replaceServerSites) {
     doReplacePyxSite(targetRoot, sourceRoot);
-    if (!isWithinRecordLimits(targetSiteList)) return false;
+    if (!isWithinRecordLimits(targetSiteList, m_strSiteListFile)) return false;
   }
   m_strCurrentFile = incomingFile.path();
   ListOwner incoming;

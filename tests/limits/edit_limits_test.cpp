@@ -1,4 +1,5 @@
 #include "host/xml/limits.h"
+#include "platform/common/anxml.h"
 #include "tests/limits/limits_fixture.h"
 
 // Edited lists that a reader would refuse are not written.
@@ -49,7 +50,8 @@ class EditLimits : public LimitsTest {
     EXPECT_TRUE(readFile(own) == document(children)) << "the list is another one";
   }
 
-  const std::wstring tooMuch = L"Cannot write the edited list: document over the limit: ";
+  const std::wstring notWritten = L"Cannot write the edited list " + wide(own) + L": ";
+  const std::wstring tooMuch = notWritten + L"document over the limit: ";
   const TempDir work;
   const std::string incoming = work.file("SiteList.xml");
 };
@@ -81,8 +83,20 @@ TEST_F(EditLimits, HoldForTheMemoryOfTheRecordsThatAReaderMakes) {
   const std::size_t most = (std::size_t{1} << 20) / sizeof(tag_Site);
   expectAdded(repeated("<LocalSite/>", most - 2), server("a") + server("b"));
   expectRefused(repeated("<LocalSite/>", most - 2), server("a") + server("b") + server("c"),
-                L"Edited list not written: no reader would accept it, it is over the limit: memory "
-                L"for records");
+                notWritten + L"list over the limit: memory for records");
+}
+
+// The reason of a failed call names the file as well.
+TEST_F(EditLimits, LeaveTheNameOfTheFileOnceInTheLineOfAFailedWrite) {
+  writeFile(own, document(""));
+  AnXml list;
+  ASSERT_TRUE(list.useExistingFile(wide(own), L"ns:SiteLists", nullptr, nullptr));
+  const std::string directory = work.file("missing");
+  agent.clearLog();
+  EXPECT_FALSE(list.writeFile(wide(directory + "/SiteList.xml"), false, false));
+  EXPECT_THAT(agent.texts(LogLevel::Error),
+              ElementsAre(L"Cannot write the edited list " + wide(directory) +
+                          L"/SiteList.xml: No such file or directory"));
 }
 
 }  // namespace

@@ -9,13 +9,13 @@
 
 namespace host {
 
-// Receives each message at or above the threshold. Calls come one at a time, from whichever thread
-// logged. A sink must neither log nor fork. Exceptions of a sink are dropped.
+// Receives each message at or above the threshold. It is called by one thread at a time: the thread
+// that logs. A sink must neither log nor fork. An exception that a sink throws is dropped.
 using LogSink =
     std::function<void(LogLevel level, const std::wstring& component, const std::wstring& text)>;
 
-// Replaces the sink of this process. An empty function brings back the default, which writes one
-// line per message to standard error: time, level, component, text. Any thread.
+// Replaces the sink of this process. An empty function restores the default, which writes one line
+// per message to standard error: time, level, component, text. Any thread.
 PLATFORM_API void setLogSink(LogSink sink);
 
 // Sets the lowest level that is delivered. Any thread.

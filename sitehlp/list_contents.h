@@ -11,18 +11,18 @@
 
 namespace sitehlp {
 
-// What a site list file holds beside its sites, as the queries of CSitesHelper tell it one by one.
+// What a site list file has besides its sites: what the queries of CSitesHelper return one by one.
 struct ListContents {
-  std::wstring globalVersion;                           // as GetSitelistVersions tells it
-  std::wstring localVersion;                            // the same
-  std::wstring type;                                    // the same
-  std::optional<std::wstring> fipsMode;                 // none when the list does not say it
-  std::vector<std::wstring> certificates;               // as GetCaCertificates tells them
+  std::wstring globalVersion;                           // as in GetSitelistVersions
+  std::wstring localVersion;                            // as in GetSitelistVersions
+  std::wstring type;                                    // as in GetSitelistVersions
+  std::optional<std::wstring> fipsMode;                 // no value when the list has none
+  std::vector<std::wstring> certificates;               // as in GetCaCertificates
   std::map<std::wstring, std::wstring> policySettings;  // by name
 };
 
-// Becomes the owner of one record, whose pNext is null, and gives it to
-// CSitesHelper::FreeSiteListMemory in the end.
+// A function that receives one record, whose pNext is null. It then owns the record and must
+// release it with CSitesHelper::FreeSiteListMemory.
 using TakeSite = std::function<void(tag_Site*)>;
 
 }  // namespace sitehlp

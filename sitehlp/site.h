@@ -3,20 +3,20 @@
 
 #include <cstdint>
 
-// The in-memory form of a site list: records chained through pNext, an empty list is a null head.
+// The in-memory form of a site list: records chained through pNext. An empty list is a null head.
 //
-// A record is plain data. It is allocated zero-filled with calloc (one block of sizeof(tag_Site))
-// and released with free, may be copied bytewise, and holds no pointer but pNext. Text fields are
-// zero-terminated wide text (UTF-32); a capacity counts characters and includes the terminator.
+// A record is plain data and may be copied bytewise. It is one block of sizeof(tag_Site) bytes,
+// allocated zero-filled with calloc and released with free. Its only pointer is pNext. Text fields
+// are zero-terminated wide text (UTF-32). A capacity counts characters and includes the terminator.
 //
-// A site element of unknown kind reads as a record of SITE_KIND_HTTP whose szElement is empty and
-// whose ports are 0. An element of known kind never leaves the szElement of such a record empty.
+// A site element of unknown kind is read as a record of SITE_KIND_HTTP whose szElement is empty and
+// whose ports are 0. Every other record of SITE_KIND_HTTP that was read has a szElement.
 //
-// A port that comes with an address is 80 when the address has no ":", also for FTP and for a
-// missing address. It is 0 when no number can be read behind the ":". A sign is not a digit.
+// The port of an address is 80 when the address has no ":" or is missing, also for FTP. It is 0
+// when no number can be read after the ":". A sign is not a digit.
 namespace sitehlp {
 
-// Which of the per-kind records a tag_Site holds.
+// The kind of record that a tag_Site holds.
 enum SiteKind : std::int32_t {
   SITE_KIND_HTTP = 0,   // HttpSite, VestaSite, KeystoneSite
   SITE_KIND_FTP = 1,    // FTPSite
@@ -33,43 +33,43 @@ constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of exclu
 
 // A site reached over HTTP: a repository, a management server or another agent.
 struct tag_HttpSite {
-  wchar_t szElement[c_textCapacity];        // the element that the site came from; see above
+  wchar_t szElement[c_textCapacity];        // name of the element of the site; see above
   wchar_t szName[c_textCapacity];           // display name of the site
-  wchar_t szServer[c_textCapacity];         // host; brackets of an IPv6 address stay
-  wchar_t szServerIP[c_serverIpCapacity];   // its IP address, as szServer
-  std::uint32_t uServerPort;                // port of szServer; 80 or 0 without one, as above
-  std::uint32_t uServerIPPort;              // port of szServerIP; the same
-  std::uint32_t uServerNamePort;            // port of szServerName; the same
+  wchar_t szServer[c_textCapacity];         // host; an IPv6 address keeps its brackets
+  wchar_t szServerIP[c_serverIpCapacity];   // IP address, in the form of szServer
+  std::uint32_t uServerPort;                // port of szServer; default as above
+  std::uint32_t uServerIPPort;              // port of szServerIP; default as above
+  std::uint32_t uServerNamePort;            // port of szServerName; default as above
   wchar_t szRelativePath[c_pathCapacity];   // path below the server
   wchar_t szServerName[c_netbiosCapacity];  // NetBIOS name
-  std::int32_t iUseAuth;                    // as written, not reduced to 0 or 1
+  std::int32_t iUseAuth;                    // the number in the document, not reduced to 0 or 1
   wchar_t szUserName[c_textCapacity];       // empty: no user
   wchar_t szPassword[c_textCapacity];       // clear
   wchar_t szVersion[c_textCapacity];        // of a management server; else empty
-  std::uint32_t uSecurePort;                // 0 when there is none, or none that can be read
+  std::uint32_t uSecurePort;                // 0 when missing or unreadable
 };
 
 // A repository reached over FTP.
 struct tag_FtpSite {
   wchar_t szName[c_textCapacity];          // display name of the site
-  wchar_t szServer[c_textCapacity];        // host; brackets of an IPv6 address stay
+  wchar_t szServer[c_textCapacity];        // host; an IPv6 address keeps its brackets
   wchar_t szRelativePath[c_pathCapacity];  // path below the server
   wchar_t szUserName[c_textCapacity];      // empty: no user
   wchar_t szPassword[c_textCapacity];      // clear
-  std::uint32_t uServerPort;               // port of szServer; 80 or 0 without one, as above
-  std::uint32_t uSecurePort;               // 0 when there is none, or none that can be read
+  std::uint32_t uServerPort;               // port of szServer; default as above
+  std::uint32_t uSecurePort;               // 0 when missing or unreadable
 };
 
 // A repository on a UNC share.
 struct tag_UncSite {
   wchar_t szName[c_textCapacity];          // display name of the site
-  wchar_t szServer[c_textCapacity];        // as written, no port
+  wchar_t szServer[c_textCapacity];        // host, as in the document; no port is split off
   wchar_t szRelativePath[c_pathCapacity];  // path below the server
   wchar_t szDomainName[c_textCapacity];    // of the user
   wchar_t szUserName[c_textCapacity];      // empty: no user
   wchar_t szPassword[c_textCapacity];      // clear
-  std::int32_t iUseLoggedonUserAccount;    // as written
-  wchar_t szShareName[c_textCapacity];     // the share on the server
+  std::int32_t iUseLoggedonUserAccount;    // the number in the document
+  wchar_t szShareName[c_textCapacity];     // share on the server
 };
 
 // A repository in a local directory.
@@ -79,45 +79,45 @@ struct tag_LocalSite {
   wchar_t szDomainName[c_textCapacity];    // of the user
   wchar_t szUserName[c_textCapacity];      // empty: no user
   wchar_t szPassword[c_textCapacity];      // clear
-  std::int32_t iUseLoggedonUserAccount;    // as written
+  std::int32_t iUseLoggedonUserAccount;    // the number in the document
 };
 
-// The proxies that stand between the agent and its sites.
+// The proxies between the agent and its sites.
 struct tag_ProxySite {
-  wchar_t szElement[c_textCapacity];  // proxies set: "HttpSite", "FTPSite", "FtpHttp" or empty
+  wchar_t szElement[c_textCapacity];  // which are set: "HttpSite", "FTPSite", "FtpHttp" or empty
   wchar_t szName[c_textCapacity];     // display name of the proxies
-  wchar_t szHttpProxyServer[c_textCapacity];  // host of the HTTP proxy
-  std::int32_t iHttpProxyPort;                // its port; 0 when there is none
-  wchar_t szFtpProxyServer[c_textCapacity];   // host of the FTP proxy
-  std::int32_t iFtpProxyPort;                 // its port; 0 when there is none
-  std::int32_t bAllowUserToConfigureProxy;    // 0 or 1: the user may change the proxies
-  std::int32_t bBypassLocalAddress;           // 0 or 1: local addresses go without a proxy
-  std::int32_t bUseIEConfig;                  // 0 or 1: the system's own proxy settings count
-  std::int32_t iExclusionCount;               // hosts in szExclusionList when it was read
-  wchar_t szExclusionList[c_exclusionListCapacity];      // host names with ";" between them
-  std::int32_t bFtpUseAuth;                              // 0 or 1: the FTP proxy wants a user
-  std::int32_t bHttpUseAuth;                             // 0 or 1: the HTTP proxy wants a user
-  wchar_t szHttpProxyUser[c_textCapacity];               // user of the HTTP proxy
-  wchar_t szHttpProxyPassword[c_textCapacity];           // clear
-  wchar_t szFtpProxyUser[c_textCapacity];                // user of the FTP proxy
-  wchar_t szFtpProxyPassword[c_textCapacity];            // clear
-  std::int32_t bAlternateFtpUseAuth;                     // 0 or 1: the FTP proxy has a second user
-  std::int32_t bAlternateHttpUseAuth;                    // 0 or 1: the HTTP proxy has a second user
-  wchar_t szAlternateHttpProxyUser[c_textCapacity];      // second user of the HTTP proxy
+  wchar_t szHttpProxyServer[c_textCapacity];         // host of the HTTP proxy
+  std::int32_t iHttpProxyPort;                       // its port; 0 when there is none
+  wchar_t szFtpProxyServer[c_textCapacity];          // host of the FTP proxy
+  std::int32_t iFtpProxyPort;                        // its port; 0 when there is none
+  std::int32_t bAllowUserToConfigureProxy;           // 0 or 1: the user may change the proxies
+  std::int32_t bBypassLocalAddress;                  // 0 or 1: local addresses do not use a proxy
+  std::int32_t bUseIEConfig;                         // 0 or 1: use the system's own proxy settings
+  std::int32_t iExclusionCount;                      // number of hosts in szExclusionList when read
+  wchar_t szExclusionList[c_exclusionListCapacity];  // host names separated by ";"
+  std::int32_t bFtpUseAuth;                          // 0 or 1: the FTP proxy wants a user
+  std::int32_t bHttpUseAuth;                         // 0 or 1: the HTTP proxy wants a user
+  wchar_t szHttpProxyUser[c_textCapacity];           // user of the HTTP proxy
+  wchar_t szHttpProxyPassword[c_textCapacity];       // clear
+  wchar_t szFtpProxyUser[c_textCapacity];            // user of the FTP proxy
+  wchar_t szFtpProxyPassword[c_textCapacity];        // clear
+  std::int32_t bAlternateFtpUseAuth;                 // 0 or 1: the FTP proxy has a second user
+  std::int32_t bAlternateHttpUseAuth;                // 0 or 1: the HTTP proxy has a second user
+  wchar_t szAlternateHttpProxyUser[c_textCapacity];  // second user of the HTTP proxy
   wchar_t szAlternateHttpProxyPassword[c_textCapacity];  // clear
   wchar_t szAlternateFtpProxyUser[c_textCapacity];       // second user of the FTP proxy
   wchar_t szAlternateFtpProxyPassword[c_textCapacity];   // clear
 };
 
-// One entry of a list: what every kind has, and the record of its kind.
+// One entry of a list: the fields of every kind, and the record of its kind.
 struct tag_Site {
-  std::int32_t bEnabled;    // 0 or 1
-  std::int32_t bVestaSite;  // 1 for VestaSite and KeystoneSite, else 0
-  std::int32_t bMirror;     // 1 when szType is "mirror" in any case
-  std::int32_t bLocal;      // 0 or 1
-  std::int32_t iOrder;      // position in the search order; 65535: a fallback without an order
-  std::int32_t eSiteKind;   // a SiteKind
-  wchar_t szType[c_textCapacity];  // "master", "repository", "mirror", "fallback" or any other
+  std::int32_t bEnabled;           // 0 or 1
+  std::int32_t bVestaSite;         // 1 for VestaSite and KeystoneSite, else 0
+  std::int32_t bMirror;            // 1 when szType is "mirror" in any case
+  std::int32_t bLocal;             // 0 or 1
+  std::int32_t iOrder;             // position in the search order; 65535: fallback without an order
+  std::int32_t eSiteKind;          // a SiteKind
+  wchar_t szType[c_textCapacity];  // "master", "repository", "mirror", "fallback" or another text
   tag_Site* pNext;                 // null at the end
   union {
     tag_HttpSite http;    // SITE_KIND_HTTP

@@ -10,14 +10,14 @@
 
 #include "platform/export.h"
 
-// Every system call that the host makes on the agent's files, so that one object can stand between
-// the host and the disk. All calls may come from any thread.
+// The system calls that the host makes on the agent's files. Another object can take the place of
+// the system, for example to inject faults. Any thread may make any of these calls.
 namespace host {
 
-// One call a member. A result is 0 or more, or the negated errno of the failure. No call is ever
-// interrupted by a signal. A path that is not absolute counts from `directory`, an open directory
-// or AT_FDCWD; a path with a zero byte in it gives -EINVAL. Descriptors are closed when another
-// program is started.
+// Each member does one operation. Its result is 0 or more, or the negated errno of the failure.
+// No call gives -EINTR. A path that is not absolute is relative to `directory`, an open directory
+// or AT_FDCWD. A path with a zero byte gives -EINVAL. Descriptors are closed when another program
+// is started.
 class PLATFORM_API FileSystem {
  public:
   FileSystem() = default;
@@ -25,17 +25,17 @@ class PLATFORM_API FileSystem {
   FileSystem& operator=(const FileSystem&) = delete;
   virtual ~FileSystem();
 
-  // A new descriptor. `flags` are those of open(2).
+  // openat(2). Returns a new descriptor.
   virtual int open(int directory, const std::string& path, int flags, mode_t mode) = 0;
-  // The number of bytes read, which may be fewer than asked for; 0 is the end.
+  // read(2). Returns the number of bytes read, which may be fewer than `size`; 0 at the end.
   virtual ssize_t read(int fd, void* data, std::size_t size) = 0;
-  // The number of bytes written, which may be fewer than asked for.
+  // write(2). Returns the number of bytes written, which may be fewer than `size`.
   virtual ssize_t write(int fd, const void* data, std::size_t size) = 0;
-  // Returns once the file or directory is on stable storage.
+  // Returns when the file or directory is on stable storage.
   virtual int sync(int fd) = 0;
-  // The descriptor is gone in any case.
+  // close(2). The descriptor is closed even on failure.
   virtual int close(int fd) = 0;
-  // flock(2); waits for ever unless `operation` has LOCK_NB.
+  // flock(2). Waits without limit unless `operation` has LOCK_NB.
   virtual int lock(int fd, int operation) = 0;
   // fchmod(2).
   virtual int chmod(int fd, mode_t mode) = 0;
@@ -44,34 +44,34 @@ class PLATFORM_API FileSystem {
   // fstat(2).
   virtual int statOpen(int fd, struct stat& out) = 0;
 
-  // fstatat(2); with `follow`, of what a symbolic link points to.
+  // fstatat(2). If `follow` is set, a symbolic link at the end is followed.
   virtual int stat(int directory, const std::string& path, bool follow, struct stat& out) = 0;
-  // What a symbolic link says, in whole, and what it is itself: both of the very same link, even
-  // when it is exchanged meanwhile. -EINVAL for anything else.
+  // Reads the whole target of a symbolic link, and the status of the link itself. Both belong to
+  // the same link, even when it is replaced meanwhile. Gives -EINVAL for anything else.
   virtual int readLink(int directory, const std::string& path, std::string& target,
                        struct stat& link) = 0;
-  // The names in an open directory, without "." and "..".
+  // Gets the names in an open directory, without "." and "..".
   virtual int list(int directory, std::vector<std::string>& names) = 0;
-  // Both names are in `directory`; a file that has the new name is replaced.
+  // renameat(2), with both names in `directory`. Replaces a file that has the new name.
   virtual int rename(int directory, const std::string& from, const std::string& to) = 0;
-  // Gives a file a second name in `directory`; -EEXIST when that name is taken.
+  // linkat(2): gives a file a second name in `directory`. Gives -EEXIST when that name exists.
   virtual int link(int directory, const std::string& from, const std::string& to) = 0;
-  // Removes a name; not that of a directory.
+  // unlinkat(2): removes a name, but not the name of a directory.
   virtual int unlink(int directory, const std::string& path) = 0;
   // mkdirat(2).
   virtual int makeDirectory(int directory, const std::string& path, mode_t mode) = 0;
-  // 0 when the effective user may use the file in the given way (R_OK, W_OK).
+  // Returns 0 when the effective user may use the file in the given way (R_OK, W_OK).
   virtual int access(const std::string& path, int mode) = 0;
 };
 
-// The file system in force: the system's own unless another one was set.
+// Returns the current file system: the system's own unless another one was set.
 PLATFORM_API FileSystem& fileSystem();
 
-// Puts another one in force for the whole process; null brings back the system's own. Descriptors
-// that the host holds at that moment are used and closed through the new one.
+// Sets the file system of the whole process; null restores the system's own. The descriptors that
+// the host has open are then used and closed through the new one.
 PLATFORM_API void setFileSystem(FileSystem* replacement);
 
-// The system's own, for one that passes calls on.
+// Returns the system's own file system, for an object that forwards calls to it.
 PLATFORM_API FileSystem& posixFileSystem();
 
 }  // namespace host

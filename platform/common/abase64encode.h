@@ -7,9 +7,9 @@
 // Base64 of the standard alphabet.
 class PLATFORM_API ABase64Encode {
  public:
-  // The bytes that base64 text of the standard alphabet stands for. White space between the
-  // characters is skipped. Text that is not valid base64 gives an empty buffer; so does empty text.
-  // Any thread; does not block. May throw std::bad_alloc.
+  // Decodes base64 text of the standard alphabet. White space between the characters is skipped.
+  // Returns an empty buffer for empty text and for text that is not valid base64. Any thread; does
+  // not block. May throw std::bad_alloc.
   static ABuffer decode(const AString& text);
 };
 

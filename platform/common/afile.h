@@ -6,18 +6,19 @@
 #include "platform/common/abuffer.h"
 #include "platform/common/astring.h"
 
-// Files by name. Names are wide and handed to the system as UTF-8. Nothing here throws anything but
-// std::bad_alloc; a failure is the boolean result, and its reason goes to the detail log. All
-// operations may block on the file system and may be called from any thread.
+// Files by name. Names are wide and are converted to UTF-8 for the system. Only std::bad_alloc is
+// thrown. A failure is returned as false, and its reason is logged at detail level. All operations
+// may block on the file system. Any thread.
 
-// `directory` and `name` with exactly one "/" between them; `name` alone when `directory` is empty.
+// Returns `directory` and `name` with exactly one "/" between them, or `name` alone when
+// `directory` is empty.
 PLATFORM_API std::wstring joinPath(const std::wstring& directory, const std::wstring& name);
 
-// Splits a path at its last "/". `directory` receives what stands before it ("/" for a file in the
-// root, empty when there is no "/"), `name` what stands behind it. Either pointer may be null.
+// Splits a path at its last "/". `directory` receives the part before it: "/" for a file in the
+// root, empty when there is no "/". `name` receives the part after it. Either pointer may be null.
 PLATFORM_API void splitPath(const std::wstring& path, std::wstring* directory, std::wstring* name);
 
-// A directory and a file name joined with the platform's separator.
+// A path: a directory and a file name, joined.
 class PLATFORM_API APath {
  public:
   // As joinPath. May throw std::bad_alloc.
@@ -33,56 +34,60 @@ class PLATFORM_API APath {
 // The content of files.
 class PLATFORM_API AFile {
  public:
-  // Reads an existing regular file whole into `out`. On failure `out` is left as it was.
+  // Reads a whole regular file into `out`. On failure `out` is unchanged.
   static bool readExisting(const AString& path, ABuffer& out);
 
-  // Creates or replaces the file with exactly these bytes, which may be a secret. Another process,
-  // and a process that starts after this one died at any moment, sees the old file or the new one,
-  // never a mixture. On failure the old file is untouched. Afterwards the file is readable and
-  // writable by its owner alone, whatever its mode was; the owner of an existing file stays. A
-  // symbolic link is followed, at the end of the path and before, only when it belongs to the
-  // effective user or to root; any other makes the call fail, with an error line that names it.
+  // Creates or atomically replaces the file with these bytes, which may be a secret. Other
+  // processes see the whole old file or the whole new one, even if this process dies. On failure
+  // the old file is unchanged, unless only the final sync of the directory failed. Only the owner
+  // may read and write the new file, whatever the mode of the old one was. The owner of an existing
+  // file is kept.
+  //
+  // A symbolic link anywhere in the path is followed only when it belongs to the effective user or
+  // to root. Any other link makes the call fail, with an error line that names it.
   static bool write(const AString& path, const ABuffer& data);
 };
 
-// Files and directories as such.
+// Operations on whole files and directories.
 class PLATFORM_API AFiler {
  public:
-  // What getFileAccessibility asks about.
+  // The question of getFileAccessibility.
   enum AFileAccess {
     accessExist = 0,  // whether the file is there
     accessRead = 1,   // whether it may be read
     accessWrite = 2   // whether it may be written
   };
 
-  // True when the file is gone afterwards: also when it was not there. A symbolic link at the end
-  // of the path is removed itself; those before it are followed as AFile::write does.
+  // Removes a file. Returns true also when the file did not exist. A symbolic link at the end of
+  // the path is removed, not its target. Other links in the path are followed as in AFile::write.
   static bool deleteFile(const AString& path);
 
-  // Copies a regular file with the guarantees of AFile::write, except that an existing file keeps
-  // its mode. False when `from` cannot be read.
+  // Copies a regular file, with the guarantees of AFile::write, except that an existing target
+  // keeps its mode. Returns false also when `from` cannot be read.
   static bool copyFile(const AString& from, const AString& to);
 
-  // Creates a directory and its missing parents. True also when the directory exists already; an
-  // empty path is the current directory, as in joinPath. Symbolic links are followed as
-  // AFile::write does.
+  // Creates a directory and its missing parents. Returns true also when the directory exists
+  // already. An empty path is the current directory. Symbolic links are followed as in
+  // AFile::write.
   static bool createDirectory(const AString& path);
 
-  // Asks whether the calling process may use the file in the given way. `exists` tells whether the
-  // file is there, `accessible` whether the access is granted (false when it is not there). Returns
-  // false when the question cannot be answered; the outputs are then both false.
+  // Determines whether the effective user may use the file in the given way. `exists` receives
+  // whether the file exists. `accessible` receives whether the access is granted; it is false for a
+  // missing file. Returns false when this cannot be determined; both outputs are then false.
   static bool getFileAccessibility(const AString& path, AFileAccess access, bool& exists,
                                    bool& accessible);
 
-  // True, with the number of its bytes in `size`, when the path leads to an existing regular file,
-  // over links if need be. False otherwise; `size` is then left as it was.
+  // Gets the number of bytes of a regular file. Symbolic links are followed. Returns false and
+  // leaves `size` unchanged when there is no such file.
   static bool getFileSize(const AString& path, unsigned long long& size);
 
-  // Whether writing `a` would replace the file that `b` leads to: both, links at their ends
-  // followed, end at one name, in any spelling of it, in one directory. Two names of one file (hard
-  // links) are not the same file, since a file is replaced by name. False when the directory of
-  // either is not there. True when it cannot be told for another reason, so that a caller that
-  // refuses to write over its source never does so by mistake; the reason goes to the detail log.
+  // Returns whether writing `a` would replace the file of `b`: after symbolic links at their ends
+  // are followed, both are the same name in the same directory. The spelling of the paths does not
+  // matter. Two hard links are different files, because a file is replaced by name.
+  //
+  // Returns false when the directory of either path does not exist. Returns true when the answer
+  // cannot be determined for another reason, so that a caller never overwrites its source by
+  // mistake. That reason is logged at detail level.
   static bool isSameFile(const AString& a, const AString& b);
 };
 

@@ -5,20 +5,19 @@
 
 #include "platform/export.h"
 
-// Wide text (UTF-32 in wchar_t) that log lines, file names and converted values are built in.
+// Wide text (UTF-32 in wchar_t), used to build log lines, file names and converted values.
 //
-// Plain value types: no sharing, no locks, usable from any thread as long as one object is used by
-// one thread at a time. Every operation that grows the text may throw std::bad_alloc and then
-// leaves the object as it was.
+// Objects share nothing. One object must not be used by two threads at the same time. An operation
+// that grows the text may throw std::bad_alloc and then leaves the object unchanged.
 class PLATFORM_API AString {
  public:
   AString() = default;                 // empty
-  AString(const wchar_t* text);        // a null pointer counts as empty text
-  AString(const std::wstring& text);   // a copy; a text stands wherever an AString is wanted
+  AString(const wchar_t* text);        // null: an empty text
+  AString(const std::wstring& text);   // a copy; an implicit conversion
   explicit AString(const char* utf8);  // bytes that are not valid UTF-8 become U+FFFD
-  explicit AString(int number);        // decimal, "-" in front of a negative number
+  explicit AString(int number);        // decimal, with "-" if negative
 
-  // Append at the end and return this object. Numbers are written in decimal.
+  // Appends at the end and returns this object. Numbers are appended in decimal.
   AString& append(const wchar_t* text);
   AString& append(const std::wstring& text);
   AString& append(const AString& text);
@@ -28,17 +27,17 @@ class PLATFORM_API AString {
 
   const std::wstring& str() const { return m_text; }       // valid as long as the object
   const wchar_t* c_str() const { return m_text.c_str(); }  // valid until the text changes
-  bool empty() const { return m_text.empty(); }            // whether there is no text
+  bool empty() const { return m_text.empty(); }            // whether the text is empty
 
  private:
   std::wstring m_text;
 };
 
-// Narrow text (UTF-8), the form in which the operating system takes file names and in which numbers
-// are read. Characters that are no Unicode scalar value become U+FFFD.
+// Narrow text (UTF-8), for file names that are passed to the system and for reading numbers. A
+// character that is not a Unicode scalar value becomes U+FFFD.
 class PLATFORM_API ACharString {
  public:
-  // The text converted. May throw std::bad_alloc.
+  // Converts the text. May throw std::bad_alloc.
   explicit ACharString(const std::wstring& text);
   explicit ACharString(const AString& text);
 

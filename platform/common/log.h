@@ -5,30 +5,30 @@
 
 #include "platform/common/astring.h"
 
-// The agent's log. Every message names a component and carries one wide text. Any thread may log;
-// messages of one process reach the sink one at a time. Nothing here throws or reports a failure: a
-// message that cannot be delivered is dropped.
+// The agent's log. Every message has a component and one wide text. Any thread may log. The
+// messages of one process reach the sink one at a time. Nothing here throws. A message that cannot
+// be delivered is dropped.
 
-// How much a message matters; also, as a threshold, the lowest level that is delivered.
+// The level of a message. As a threshold: the lowest level that is delivered.
 enum class LogLevel : int {
-  Detail = 0,         // progress, for the one who looks for a fault
+  Detail = 0,         // progress, for troubleshooting
   Info = 1,           // what an administrator should know
   Error = 2,          // a failed step that ended an operation
-  InternalError = 3,  // a misuse of an interface
+  InternalError = 3,  // an interface was used wrongly
   Off = 4             // as a threshold: nothing is delivered
 };
 
 // The lowest level that is delivered. Read it through logEnabled.
 extern PLATFORM_API std::atomic<int> g_logThreshold;
 
-// Whether a message of this level would be delivered: one load and one branch, so that callers can
-// leave a text unbuilt.
+// Returns whether a message of this level would be delivered. It costs one load and one branch.
+// Callers use it to avoid building a text that would be dropped.
 inline bool logEnabled(LogLevel level) {
   return static_cast<int>(level) >= g_logThreshold.load(std::memory_order_relaxed);
 }
 
-// Logs one message at the level in the name. Neither the component nor the text is kept. A null
-// component counts as empty.
+// Logs one message at the level in the function's name. Keeps no pointer to its arguments. A null
+// component means an empty one.
 PLATFORM_API void logDetail(const wchar_t* component, const AString& text) noexcept;
 // As logDetail.
 PLATFORM_API void logInfo(const wchar_t* component, const AString& text) noexcept;
@@ -37,15 +37,15 @@ PLATFORM_API void logError(const wchar_t* component, const AString& text) noexce
 // As logDetail.
 PLATFORM_API void logInternalError(const wchar_t* component, const AString& text) noexcept;
 
-// Logs "Enter: <text>" when it is made and "Leave: <text>" when it is destroyed, both at its level.
-// Whether it logs is decided once, when it is made. Both pointers must outlive the object.
+// Logs "Enter: <text>" when it is created and "Leave: <text>" when it is destroyed. The threshold
+// is checked once, when it is created. `component` and `text` must outlive the object.
 class PLATFORM_API AScopeTrace {
  public:
   AScopeTrace(const AScopeTrace&) = delete;
   AScopeTrace& operator=(const AScopeTrace&) = delete;
 
  protected:
-  // Made by ADetailTrace and AnInfoTrace alone.
+  // Only ADetailTrace and AnInfoTrace use this.
   AScopeTrace(LogLevel level, const wchar_t* component, const wchar_t* text)
       : m_text(logEnabled(level) ? text : nullptr) {
     if (m_text) enter(level, component);
@@ -66,7 +66,7 @@ class PLATFORM_API AScopeTrace {
 // A trace at detail level.
 class PLATFORM_API ADetailTrace : public AScopeTrace {
  public:
-  // Logs that `text` is entered.
+  // Logs "Enter: <text>".
   ADetailTrace(const wchar_t* component, const wchar_t* text)
       : AScopeTrace(LogLevel::Detail, component, text) {}
 };
@@ -74,7 +74,7 @@ class PLATFORM_API ADetailTrace : public AScopeTrace {
 // A trace at info level.
 class PLATFORM_API AnInfoTrace : public AScopeTrace {
  public:
-  // Logs that `text` is entered.
+  // Logs "Enter: <text>".
   AnInfoTrace(const wchar_t* component, const wchar_t* text)
       : AScopeTrace(LogLevel::Info, component, text) {}
 };

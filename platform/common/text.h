@@ -5,13 +5,13 @@
 
 #include "platform/export.h"
 
-// Compares two zero-terminated texts without regard to case: negative, 0 or positive as the first
-// sorts before, with or after the second. Neither may be null. Independent of the process locale.
-// Any thread; throws nothing.
+// Compares two zero-terminated texts and ignores case. Returns a negative number, 0 or a positive
+// number when `a` sorts before, with or after `b`. Neither may be null. Does not depend on the
+// process locale. Any thread; throws nothing.
 PLATFORM_API int wcsicmp(const wchar_t* a, const wchar_t* b);
 
-// Reduces a fully qualified host name to its NetBIOS form in place: everything from the first dot
-// on is cut off. Returns true when something was cut. Any thread; throws nothing.
+// Turns a fully qualified host name into its NetBIOS form, in place: cuts it off at the first dot.
+// Returns true when something was cut. Any thread; throws nothing.
 PLATFORM_API bool convertFqdnToNetbios(std::wstring& name);
 
 #endif

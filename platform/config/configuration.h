@@ -6,23 +6,23 @@
 
 #include "platform/export.h"
 
-// The agent's configuration manager. The object belongs to the configuration library and lives
-// until the process ends. Any thread; the calls do not block once the settings have been read,
-// which happens at the first call.
+// The agent's configuration manager. The object belongs to the configuration library and exists
+// until the process ends. Any thread. The first call reads the settings and may block; later calls
+// do not block.
 class PLATFORM_API IConfiguration {
  public:
   virtual ~IConfiguration() = default;
 
-  // The one configuration of this process; never null.
+  // Returns the configuration of this process; never null.
   static IConfiguration* GetConfiguration();
 
-  // The agent's data directory, as a full path without a trailing separator.
+  // Returns the full path of the agent's data directory, without a trailing separator.
   virtual std::wstring GetFrameworkDataDirectory() const = 0;
 
-  // 1 when the agent is under central management, else 0.
+  // Returns 1 when the agent is under central management, else 0.
   virtual int IsManaged() const = 0;
 
-  // How many bytes the records of one list may take in memory; at least 1.
+  // Returns how many bytes of memory the records of one list may take; at least 1.
   virtual std::size_t GetMaxRecordBytes() const = 0;
 };
 

@@ -5,28 +5,29 @@
 
 #include "platform/export.h"
 
-// The mesh service keeps its own copy of the site list and is told to load it. Both objects belong
-// to the configuration library and live until the process ends; any thread may use them.
+// The mesh service is a part of the agent that keeps its own copy of the site list. Both objects
+// belong to the configuration library and exist until the process ends. Any thread may use them.
 
-// Where the copy is.
+// The configuration of the mesh service.
 class PLATFORM_API MeshServiceConfiguration {
  public:
-  // The one of this process; never null.
+  // Returns the object of this process; never null.
   static MeshServiceConfiguration* GetInstance();
 
-  // Full path of the mesh service's copy of the site list. Does not block.
+  // Returns the full path of the mesh service's copy of the site list. Does not block.
   std::wstring GetMeshSiteListPath() const;
 };
 
-// Tells the service to load it.
+// Makes the mesh service load its copy.
 class PLATFORM_API MeshServiceStartupControl {
  public:
-  // The one of this process; never null. Both arguments are reserved and null.
+  // Returns the object of this process; never null. Both arguments are reserved and must be null.
   static MeshServiceStartupControl* GetInstance(void* reserved1, void* reserved2);
 
-  // Asks the mesh service to load its site list and waits for the answer. 1 on success, any other
-  // value on failure, which the implementation logs. May block as long as the agent's settings let
-  // the command run. Works whatever the process does with SIGCHLD and with its children.
+  // Tells the mesh service to load its site list and waits for the answer. Returns 1 on success and
+  // another value on failure, which is logged. Blocks until the command ends, at most for the time
+  // in the agent's settings. Does not depend on how the process handles SIGCHLD or waits for its
+  // children.
   int RunMeshServiceLoadSiteListCmd();
 };
 

@@ -16,8 +16,8 @@ enum KeySize {
 // The configuration of the agent's keys.
 class PLATFORM_API KeyConf {
  public:
-  // The key size that the agent is configured for. Any thread; does not block once the agent's
-  // settings have been read.
+  // Returns the key size that the agent is configured for. Any thread. The first call may block,
+  // because it reads the agent's settings.
   static KeySize getCryptoKeySize();
 };
 

@@ -11,8 +11,8 @@ namespace korvel_com {
 namespace ZQ {
 namespace crypto {
 
-// Bytes on their way into or out of the crypto service. The object owns a copy and wipes it before
-// the memory is given back. One object is used by one thread at a time.
+// Bytes that are passed to or from the crypto service. The object owns a copy and wipes it before
+// its memory is released. One object must not be used by two threads at the same time.
 class PLATFORM_API ABuffer {
  public:
   // A copy of `length` bytes. `data` may be null when `length` is 0. May throw std::bad_alloc.
@@ -21,16 +21,16 @@ class PLATFORM_API ABuffer {
   ABuffer& operator=(const ABuffer&) = delete;
   virtual ~ABuffer();
 
-  // The first byte; valid until the content changes, and not to be read when there is none.
+  // The first byte. Valid until the content changes; must not be read when the buffer is empty.
   const unsigned char* data() const { return m_bytes.data(); }
   // The number of bytes.
   unsigned int length() const { return static_cast<unsigned int>(m_bytes.size()); }
 
   // Replaces the content with a copy of these bytes. May throw std::bad_alloc and then leaves the
-  // content as it was.
+  // content unchanged.
   void assign(unsigned int length, const unsigned char* data);
 
-  // The bytes as a narrow string, zero bytes included. The caller's copy is the caller's to wipe.
+  // Returns the bytes as a narrow string, including zero bytes. The caller must wipe that copy.
   std::string cpp_str() const;
 
  private:
@@ -40,7 +40,7 @@ class PLATFORM_API ABuffer {
 template <typename T>
 class AnObjectBuffer;
 
-// The buffer of bytes.
+// The specialisation for bytes.
 template <>
 class PLATFORM_API AnObjectBuffer<unsigned char> : public ABuffer {
  public:

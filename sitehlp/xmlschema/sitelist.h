@@ -4,8 +4,8 @@
 #include "sitehlp/export.h"
 
 // The names of the elements and attributes of a site list document, and some of their values. They
-// are constant for the life of the process; docs/site-list-format.md says where each stands. Those
-// that are reserved are neither read nor written.
+// are constant for the life of the process. docs/site-list-format.md shows where each is used.
+// Reserved names are neither read nor written.
 namespace korvel_com {
 namespace orb {
 namespace xmlschema {

@@ -48,7 +48,7 @@ case $1 in
     shows index.html "what a call takes and gives"
     shows classsitehlp_1_1CSitesHelper.html 'when the last site element is of unknown kind'
     shows classsitehlp_1_1CSitesHelper.html 'the first "&lt;CaBundle&gt;" tag'
-    shows classsitehlp_1_1CSitesHelper.html 'Component of their log lines: "StSHlp"'
+    shows classsitehlp_1_1CSitesHelper.html 'Their log lines have the component "StSHlp"'
     shows structsitehlp_1_1tag__Site.html 'position in the search order; 65535'
     shows classAString.html 'bytes that are not valid UTF-8 become U+FFFD'
     shows afile_8h.html 'Files by name.'

@@ -110,11 +110,12 @@ class Checker {
     if (standalone >= 0) checker.m_standalone = standalone ? Standalone::Yes : Standalone::No;
     if (!encoding || !checker.m_writtenIn) return;
     checker.stopUnless(agreesWith(encoding, *checker.m_writtenIn), [&] {
-      checker.refuse("the encoding declared is not the one that the document is written in");
+      checker.refuse("the declared encoding is not that of the document");
     });
   }
   static void onDoctype(void* self, const char*, const char*, const char*, int) {
-    from(self).stopUnless(false, [&] { from(self).refuse("document type declaration"); });
+    from(self).stopUnless(false,
+                          [&] { from(self).refuse("a document type declaration is not allowed"); });
   }
   static void onStartElement(void* self, const char*, const char**) {
     Checker& checker = from(self);

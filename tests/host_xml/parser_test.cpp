@@ -95,10 +95,10 @@ TEST(Parser, tellsWhereAndWhyATextIsNotWellFormed) {
 }
 
 TEST(Parser, refusesADocumentTypeBeforeItReadsOn) {
-  expectRefusedAt(L"<!DOCTYPE a><a/>", 1, 12, "document type declaration");
+  expectRefusedAt(L"<!DOCTYPE a><a/>", 1, 12, "a document type declaration is not allowed");
   // What follows is not well formed either, but nobody gets that far.
   expectRefusedAt(L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [ <<< ", 2, 13,
-                  "document type declaration");
+                  "a document type declaration is not allowed");
 }
 
 TEST(Parser, refusesZeroCharactersWhereTheyStand) {
@@ -235,7 +235,7 @@ TEST(Parser, neverReadsAnotherFile) {
       parse(xml);
       ADD_FAILURE() << xml;
     } catch (const ParsingException& e) {
-      EXPECT_EQ(e.GetReason(), "document type declaration") << xml;
+      EXPECT_EQ(e.GetReason(), "a document type declaration is not allowed") << xml;
     }
   }
   const test::DocumentPtr document =

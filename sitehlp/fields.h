@@ -107,19 +107,18 @@ inline constexpr auto c_enabled =
           Written::Always, L"1", 0, "Whether the site may be used.");
 inline constexpr auto c_local =
     field("local", &xml::WX_XML_SITE_LOCAL, Place::Attribute, Form::Flag, &tag_Site::bLocal,
-          Written::Always, L"0", 0, "Whether it is known to this agent alone.");
+          Written::Always, L"0", 0, "Whether only this agent knows the site.");
 inline constexpr auto c_order =
     field("order", &xml::WX_XML_SITE_ORDER, Place::Attribute, Form::Number, &tag_Site::iOrder,
-          Written::Always, L"", 0, "Place in the search order; 65535 for a fallback without one.");
-inline constexpr auto c_type =
-    field("type", &xml::WX_XML_SITE_TYPE, Place::Attribute, Form::Text, &tag_Site::szType,
-          Written::Always, L"repository", 0,
-          "Role, as the document has it: master, repository, mirror, fallback, remediation, or "
-          "another text.");
+          Written::Always, L"", 0, "Order number; 65535 for a fallback without one.");
+inline constexpr auto c_type = field("type", &xml::WX_XML_SITE_TYPE, Place::Attribute, Form::Text,
+                                     &tag_Site::szType, Written::Always, L"repository", 0,
+                                     "Role of the site, as in the document: master, repository, "
+                                     "mirror, fallback, remediation or another text.");
 inline constexpr std::tuple c_head{
     c_enabled,
     field("vestaSite", nullptr, Place::None, Form::Flag, &tag_Site::bVestaSite, Written::Never, L"",
-          0, "Whether it speaks the agent-to-server protocol: a server or an agent."),
+          0, "Whether it is a server or an agent, which speak the agent-to-server protocol."),
     field("mirror", nullptr, Place::None, Form::Flag, &tag_Site::bMirror, Written::Never, L"", 0,
           "Whether its type is mirror."),
     c_local,
@@ -137,8 +136,8 @@ template <typename Record>
 constexpr auto element() {
   return field("element", nullptr, Place::None, Form::Text, &Record::szElement, Written::Never, L"",
                0,
-               "Element of the document that the record came from; for proxy settings HttpSite, "
-               "FTPSite or FtpHttp by the proxies that are named, or empty.");
+               "Name of the element in the document. For proxy settings: HttpSite, FTPSite or "
+               "FtpHttp for the proxies that are set, or empty.");
 }
 template <typename Record>
 constexpr auto server(Place place, Form form) {
@@ -166,8 +165,7 @@ template <typename Record>
 constexpr auto useLoggedonUserAccount() {
   return field("useLoggedonUserAccount", &xml::WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT, Place::Child,
                Form::Number, &Record::iUseLoggedonUserAccount, Written::Always, L"0", 6,
-               "Whether the account of the user who is logged on is used, as the document has the "
-               "number.");
+               "Number in the document: 0 if the account of the logged-on user is not used.");
 }
 template <typename Record>
 constexpr auto domainName() {
@@ -199,12 +197,11 @@ inline constexpr std::tuple c_httpAttributes{
           &tag_HttpSite::szServerName, Written::ByElement, L"", 3, "Computer name of the server."),
     field("serverNamePort", &xml::WX_XML_SERVER_NETBIOS_NAME, Place::Port, Form::Port,
           &tag_HttpSite::uServerNamePort, Written::ByElement, L"80", 3,
-          "Port that goes with the computer name."),
+          "Port of the computer name."),
     field("serverIP", &xml::WX_XML_SITE_SERVER_IP, Place::Host, Form::Address,
           &tag_HttpSite::szServerIP, Written::ByElement, L"", 2, "IP address of the server."),
     field("serverIPPort", &xml::WX_XML_SITE_SERVER_IP, Place::Port, Form::Port,
-          &tag_HttpSite::uServerIPPort, Written::ByElement, L"80", 2,
-          "Port that goes with the IP address."),
+          &tag_HttpSite::uServerIPPort, Written::ByElement, L"80", 2, "Port of the IP address."),
 };
 // Of a management server alone.
 inline constexpr auto c_version =
@@ -214,7 +211,7 @@ inline constexpr std::tuple c_httpChildren{
     relativePath<tag_HttpSite>(),
     field("useAuth", &xml::WX_XML_HTTPSITE_USE_AUTH, Place::Child, Form::Number,
           &tag_HttpSite::iUseAuth, Written::Always, L"0", 5,
-          "Whether user name and password are needed, as the document has the number."),
+          "Number in the document: 0 if no user name and password are needed."),
     userName<tag_HttpSite>(),
     password<tag_HttpSite>(),
 };
@@ -286,13 +283,13 @@ inline constexpr auto c_proxyFields = std::tuple{
           "Whether the system's own proxy settings are used."),
     field("httpProxyServer", &fields::xml::WX_XML_PROXY_HTTP_PROXY_SERVER, FieldPlace::Attribute,
           FieldForm::MacroText, &tag_ProxySite::szHttpProxyServer, Written::WhenSet, L"", 3,
-          "Host of the HTTP proxy; empty for none."),
+          "Host of the HTTP proxy, or empty."),
     field("httpProxyPort", &fields::xml::WX_XML_PROXY_HTTP_PROXY_PORT, FieldPlace::Attribute,
           FieldForm::PortOrNone, &tag_ProxySite::iHttpProxyPort, Written::WhenSet, L"0", 3,
           "Port of the HTTP proxy."),
     field("ftpProxyServer", &fields::xml::WX_XML_PROXY_FTP_PROXY_SERVER, FieldPlace::Attribute,
           FieldForm::MacroText, &tag_ProxySite::szFtpProxyServer, Written::WhenSet, L"", 4,
-          "Host of the FTP proxy; empty for none."),
+          "Host of the FTP proxy, or empty."),
     field("ftpProxyPort", &fields::xml::WX_XML_PROXY_FTP_PROXY_PORT, FieldPlace::Attribute,
           FieldForm::PortOrNone, &tag_ProxySite::iFtpProxyPort, Written::WhenSet, L"0", 4,
           "Port of the FTP proxy."),
@@ -308,7 +305,7 @@ inline constexpr auto c_proxyFields = std::tuple{
           "Number of hosts that bypass the proxy."),
     field("exclusionList", &fields::xml::WX_XML_PROXY_EXCLUSIONLIST, FieldPlace::ExclusionHosts,
           FieldForm::Hosts, &tag_ProxySite::szExclusionList, Written::Always, L"", 2,
-          "Those hosts, with ; between them."),
+          "Those hosts, separated by semicolons."),
     fields::proxyFlag("ftpUseAuth", &fields::xml::WX_XML_PROXY_FTP_USEAUTH,
                       &tag_ProxySite::bFtpUseAuth, 4,
                       "Whether the FTP proxy needs user name and password."),

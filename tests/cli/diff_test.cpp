@@ -154,7 +154,7 @@ TEST_F(CliDiff, SaysWhichPasswordsItCannotCompare) {
   const Output output = diff(document(httpSite("depot", "1", protectedText("fair"))),
                              document(httpSite("depot", "1", "QUJD")));
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("b.xml: compared as empty"));
+  EXPECT_THAT(output.err, HasSubstr("b.xml: warning: passwords that cannot be decrypted"));
   EXPECT_THAT(output.err, HasSubstr("depot"));
 }
 

@@ -79,7 +79,7 @@ TEST_F(CliEditSite, Renames) {
   changeNothing({"rename", "Depot", "東京 & <Depot>"});
   changeNothing({"rename", "End", "End"});
   EXPECT_THAT(fail(6, {"rename", "End", "Other"}),
-              HasSubstr("the name is taken by http \"Other\""));
+              HasSubstr("the new name is already that of http \"Other\""));
   fail(7, {"rename", "Depot", "None"});
   fail(2, {"rename", "End", ""});
   change({"rename", "End", "Other", "--kind", "ftp"});
@@ -237,20 +237,30 @@ TEST_F(CliEditSite, TellsWhatIsWrongWithAListThatCannotBeEdited) {
   setOwnList("<ns:SiteLists>\n</a>");
   EXPECT_THAT(fail(3, {"enable", "a"}), HasSubstr("line 2, column 3"));
   setOwnList("<other/>");
-  EXPECT_THAT(fail(3, {"enable", "a"}), HasSubstr("the document is no site list"));
+  EXPECT_THAT(fail(3, {"enable", "a"}), HasSubstr("the document is not a site list"));
   setOwnList("<ns:SiteLists xmlns:ns=\"wxSiteList\"/>");
   EXPECT_THAT(fail(3, {"add", "http", "a"}), HasSubstr("the document has no \"SiteList\""));
   setOwnList(document(sitesWithOrders({"1"}) + "<Unknown/>"));
-  EXPECT_THAT(fail(3, {"disable", "a"}), HasSubstr("no known kind"));
+  EXPECT_THAT(fail(3, {"disable", "a"}), HasSubstr("unknown kind"));
 }
 
 // The proxy that such a list stands for is another element than the one that an edit would change.
+TEST_F(CliEditSite, SaysHowAPlaceIsGiven) {
+  EXPECT_THAT(fail(2, {"move", "a", "before"}),
+              HasSubstr("the site to move before is missing\n  next: add its name, as in `sitelist "
+                        "edit move Depot before Offices`\n"));
+  EXPECT_THAT(
+      fail(2, {"move", "a", "behind", "b"}),
+      HasSubstr("\"behind\" takes no other site\n  next: use before or after with \"b\", or "
+                "leave it out\n"));
+}
+
 TEST_F(CliEditSite, RefusesAChangeThatTheAgentWouldNotSee) {
   setOwnList(
       document("<ProxyConfigList><ProxyConfig Name=\"Proxy\"/><HttpSite Name=\"Proxy\"/>"
                "</ProxyConfigList>"));
   EXPECT_THAT(fail(3, {"set", "Proxy", "httpProxyServer=x"}),
-              HasSubstr("would not read as it should"));
+              HasSubstr("would not read the changed document as intended"));
 }
 
 }  // namespace

@@ -168,7 +168,7 @@ TEST_F(CliEditWriting, RestoresNothingFromABackupThatIsMissingOrDamaged) {
   writeFile(backup(), "<ns:SiteLists>\n</a>");
   EXPECT_THAT(fail(3, {"restore"}), HasSubstr(backup() + ": the document is not well formed"));
   writeFile(backup(), "<other/>");
-  EXPECT_THAT(fail(3, {"restore"}), HasSubstr("the document is no site list"));
+  EXPECT_THAT(fail(3, {"restore"}), HasSubstr("the document is not a site list"));
   writeFile(backup(), document(sitesWithOrders({"1"}) + "<Unknown/>"));
   EXPECT_THAT(fail(3, {"restore"}), HasSubstr(backup()));
   fs::remove(backup());

@@ -22,7 +22,7 @@ TEST_F(CliEditing, ModifyTakesServersOverAndKeepsTheRest) {
   const Output output = sitelist({"modify", "--servers", source});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_EQ(output.out, "");
-  EXPECT_EQ(output.err, "sitelist: " + ownList() + " is modified\n");
+  EXPECT_EQ(output.err, "sitelist: " + ownList() + ": modified\n");
   const std::string list = readFile(ownList());
   EXPECT_THAT(list, HasSubstr("Name=\"New\""));
   EXPECT_THAT(list, Not(HasSubstr("Name=\"Old\"")));
@@ -72,12 +72,29 @@ TEST_F(CliEditing, ModifyNamesThePlaceOfAFaultInTheSource) {
   EXPECT_EQ(agentFiles(), before);
 }
 
+TEST_F(CliEditing, ModifyNamesThePlaceOfALastSiteOfUnknownKindInTheSource) {
+  setListToEdit();
+  const auto before = agentFiles();
+  const std::string source = write("in/list.xml",
+                                   "<ns:SiteLists xmlns:ns=\"wxSiteList\">\n <SiteList>\n  <Odd/>\n"
+                                   " </SiteList>\n</ns:SiteLists>\n");
+  for (const char* const option : {"--servers", "--dry-run"}) {
+    const Output output = sitelist({"modify", option, source});
+    EXPECT_EQ(output.status, 3);
+    EXPECT_THAT(output.err,
+                HasSubstr(source + ": the last site of the list is of unknown kind "
+                                   "(-1, 0xFFFFFFFF)\n  line 3, column 3: unknown site element "
+                                   "\"Odd\"\n"));
+  }
+  EXPECT_EQ(agentFiles(), before);
+}
+
 TEST_F(CliEditing, ModifyRefusesWhatIsNoSiteList) {
   setListToEdit();
   const std::string source = write("in/list.xml", "<other/>");
   const Output output = sitelist({"modify", "--servers", source});
   EXPECT_EQ(output.status, 3);
-  EXPECT_THAT(output.err, HasSubstr("the document is no site list"));
+  EXPECT_THAT(output.err, HasSubstr("the document is not a site list"));
 }
 
 TEST_F(CliEditing, ModifyWithoutTheKeyFilesOfAServerFails) {

@@ -33,8 +33,10 @@ TEST_F(CliExamples, TheIncomingListIsCompleteAndCanBeImported) {
   write("examples/incoming/SiteList.xml", text);
   const Output output = sitelist({"import", incoming()});
   EXPECT_EQ(output.status, 0);
-  EXPECT_EQ(output.err, "sitelist: Exchanged orders for WexHttp and WexFtp.\nsitelist: " +
-                            ownList() + " now holds 11 entries, global version 20260914083012\n");
+  EXPECT_EQ(output.err,
+            "sitelist: exchanged the orders of the default vendor repositories, so that the "
+            "HTTP one comes first\nsitelist: " +
+                ownList() + " now has 11 entries, global version 20260914083012\n");
   const json sites = json::parse(sitelist({"show", "--json", "--show-secrets"}).out)["sites"];
   std::set<std::string> kinds;
   std::set<std::string> passwords;

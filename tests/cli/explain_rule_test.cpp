@@ -97,16 +97,16 @@ TEST_F(CliExplainRule, TellsAllOfOneRule) {
             "  a flag is 0 or 1\n"
             "\n"
             "Why\n"
-            "  A flag is read as a number: yes, true and on count as 0, so a site that is\n"
-            "  Enabled=\"true\" is disabled.\n"
+            "  A flag is read as a number. The words yes, true and on are read as 0, so a\n"
+            "  site with Enabled=\"true\" is disabled.\n"
             "\n"
             "What to do\n"
             "  Write 1 or 0.\n"
             "\n"
-            "Faulty\n"
+            "Wrong\n"
             "  <LocalSite Name=\"Disk\" Enabled=\"true\"/>\n"
             "\n"
-            "Mended\n"
+            "Right\n"
             "  <LocalSite Name=\"Disk\" Enabled=\"1\"/>\n");
   const json one = json::parse(sitelist({"explain-rule", "flag-value", "--json"}).out);
   EXPECT_EQ(one["name"], "flag-value");
@@ -120,7 +120,7 @@ TEST_F(CliExplainRule, TellsAllOfOneRule) {
 
 TEST_F(CliExplainRule, ListsAllRulesOnALineEach) {
   const std::string out = sitelist({"explain-rule"}).out;
-  EXPECT_THAT(out, testing::StartsWith("RULE                    SEVERITY  WHAT IT ASKS\n"
+  EXPECT_THAT(out, testing::StartsWith("RULE                    SEVERITY  REQUIREMENT\n"
                                        "missing-file            error     the file exists\n"));
   EXPECT_THAT(out, HasSubstr("\nflag-value              warning   a flag is 0 or 1\n"));
   EXPECT_EQ(static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n')), rules().size() + 1);
@@ -131,11 +131,11 @@ TEST_F(CliExplainRule, NamesWhatIsNearAnUnknownRule) {
   EXPECT_EQ(output.status, 7);
   EXPECT_EQ(output.out, "");
   EXPECT_EQ(output.err,
-            "sitelist: there is no rule \"server-adress\"; did you mean server-address?\n"
-            "  next: `sitelist explain-rule` names them all\n");
+            "sitelist: unknown rule \"server-adress\"; did you mean server-address?\n"
+            "  next: list all rules with `sitelist explain-rule`\n");
   EXPECT_THAT(sitelist({"explain-rule", "certificate"}).err,
               HasSubstr("; did you mean certificate-expired or certificate-unreadable?\n"));
-  EXPECT_THAT(sitelist({"explain-rule", "zzz"}).err, HasSubstr("there is no rule \"zzz\"\n"));
+  EXPECT_THAT(sitelist({"explain-rule", "zzz"}).err, HasSubstr("unknown rule \"zzz\"\n"));
 }
 
 }  // namespace

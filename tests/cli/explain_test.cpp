@@ -58,14 +58,14 @@ TEST_F(CliExplain, TriesSitesByAscendingOrderAndEqualOnesAsTheListHasThem) {
               AllOf(HasSubstr("order -1"), HasSubstr("lowest")));
   EXPECT_THAT(site(report, "tie one").at("reason"), Not(HasSubstr("same")));
   EXPECT_THAT(site(report, "tie two").at("reason"),
-              AllOf(HasSubstr("order 3"), HasSubstr("same as the one before")));
+              AllOf(HasSubstr("order 3"), HasSubstr("the site before has the same order")));
 }
 
 TEST_F(CliExplain, TriesAFallbackLastUnlessItHasAnOrder) {
   const JsonReport report =
       explain(ofType("Fallback", "spare", "") + on("a", "9") + ofType("fallback", "early", "1"));
   EXPECT_THAT(tried(report), ElementsAre("early", "a", "spare"));
-  EXPECT_THAT(site(report, "spare").at("reason"), HasSubstr("comes after all others"));
+  EXPECT_THAT(site(report, "spare").at("reason"), HasSubstr("comes after all other sites"));
   EXPECT_THAT(site(report, "early").at("reason"), HasSubstr("fallback with the order 1"));
 }
 
@@ -78,14 +78,14 @@ TEST_F(CliExplain, SaysWhyASiteIsNotTried) {
   EXPECT_THAT(site(report, "mirror").at("reason"), HasSubstr("mirror"));
   EXPECT_EQ(site(report, "mirror").count("place"), 0U);
   ASSERT_EQ(report.rows.size(), 4U);
-  EXPECT_THAT(report.column("reason"), testing::Contains(HasSubstr("no known kind")));
+  EXPECT_THAT(report.column("reason"), testing::Contains(HasSubstr("unknown kind")));
 }
 
 TEST_F(CliExplain, AnUnknownElementAtTheEndIsAnInvalidDocument) {
   const Output output = sitelist(
       {"explain", write("list.xml", document(on("a", "1") + siteElement("WhatSite", "w", "2")))});
   EXPECT_EQ(output.status, 3);
-  EXPECT_THAT(output.err, HasSubstr("no known kind"));
+  EXPECT_THAT(output.err, HasSubstr("unknown kind"));
 }
 
 TEST_F(CliExplain, TellsSitesThatOnlyThisAgentKnows) {
@@ -94,8 +94,8 @@ TEST_F(CliExplain, TellsSitesThatOnlyThisAgentKnows) {
                            on("every agent's", "2")));
   const std::string out = sitelist({"explain", path}).out;
   const std::size_t second = out.find("\n2. ");
-  EXPECT_THAT(out.substr(0, second), HasSubstr("known to this agent alone"));
-  EXPECT_THAT(out.substr(second), Not(HasSubstr("known to this agent alone")));
+  EXPECT_THAT(out.substr(0, second), HasSubstr("only this agent knows it"));
+  EXPECT_THAT(out.substr(second), Not(HasSubstr("only this agent knows it")));
 }
 
 TEST_F(CliExplain, HavingNoSiteToTryIsANegativeAnswer) {

@@ -84,7 +84,7 @@ TEST_F(CliGet, KeepsAValueOnOneLine) {
 
 TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {
   const std::string path = write("list.xml", document(httpSite("depot")));
-  fail(7, {"fipsMode", path}, "the list does not say its fipsMode");
+  fail(7, {"fipsMode", path}, "the list has no fipsMode");
   fail(7, {"server", path, "--site", "Depot"}, "there is no site named \"Depot\"");
   fail(7, {"server", path, "--site", "depot", "--kind", "ftp"}, "there is no site named");
   fail(7, {"shareName", path, "--site", "depot"}, "a site of this kind has no field \"shareName\"");
@@ -93,19 +93,21 @@ TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {
 TEST_F(CliGet, FailsWithStatus2OnWhatIsNoField) {
   const std::string path = write("list.xml", document(httpSite("depot")));
   fail(2, {"server", path}, "a field of a site with --site NAME");
-  fail(2, {"file", path}, "there is no field \"file\"");
-  fail(2, {"nothing", path, "--site", "depot"}, "name one of kind, ");
-  fail(2, {"nothing", path, "--site", "none"}, "there is no field \"nothing\"");
-  fail(2, {"server", path, "--site", "depot", "--kind", "nothing"}, "is none of server, agent, ");
+  fail(2, {"file", path}, "unknown field \"file\"");
+  fail(2, {"nothing", path, "--site", "depot"}, "use one of kind, ");
+  fail(2, {"nothing", path, "--site", "none"}, "unknown field \"nothing\"");
+  fail(2, {"server", path, "--site", "depot", "--kind", "nothing"},
+       "is not one of server, agent, ");
 }
 
 TEST_F(CliGet, FailsWithStatus6OnSeveralOfTheName) {
   const std::string path = write("list.xml", document(httpSite("twin") + httpSite("twin") +
                                                       siteElement("FTPSite", "twin", "3")));
   fail(6, {"server", path, "--site", "twin"},
-       "several sites are named \"twin\": http, http, ftp\n  next: say which is meant with --kind");
+       "several sites are named \"twin\": http, http, ftp\n  next: choose one with --kind");
   EXPECT_EQ(value({"order", path, "--site", "twin", "--kind", "ftp"}), "3");
-  fail(6, {"server", path, "--site", "twin", "--kind", "http"}, "next: `sitelist show --json`");
+  fail(6, {"server", path, "--site", "twin", "--kind", "http"},
+       "next: see them all with `sitelist show --json`");
 }
 
 TEST_F(CliGet, MasksAPasswordThatIsNotEmpty) {

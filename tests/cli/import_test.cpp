@@ -26,7 +26,7 @@ TEST_F(CliImport, MakesTheListAndItsKeyFilesTheAgentsOwn) {
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_EQ(output.out, "");
   EXPECT_EQ(output.err,
-            "sitelist: " + ownList() + " now holds 2 entries, global version 20260101000000\n");
+            "sitelist: " + ownList() + " now has 2 entries, global version 20260101000000\n");
   EXPECT_THAT(readFile(ownList()), HasSubstr("LocalVersion=\"20260102000000\""));
   EXPECT_EQ(readFile(file("agent/etc/srpubkey.bin")), "content of srpubkey.bin");
   EXPECT_EQ(readFile(file("agent/etc/reqseckey.bin")), "content of reqseckey.bin");
@@ -43,10 +43,11 @@ TEST_F(CliImport, RefusesAListThatBreaksRulesAndNamesThem) {
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(output.err, "sitelist: " + path +
-                            ": the list is refused, and nothing was changed (-9, 0xFFFFFFF7)\n  " +
-                            path + ":3:1: server-name: name cannot be empty\n  " + path +
-                            ":3:1: server-ip-address: VESTA IP address cannot be empty\n"
-                            "  next: mend these faults\n");
+                            ": the list was refused and nothing was changed (-9, 0xFFFFFFF7)\n  " +
+                            path + ":3:1: server-name: the management server has no \"Name\"\n  " +
+                            path +
+                            ":3:1: server-ip-address: the management server has no \"ServerIP\"\n"
+                            "  next: fix these faults; `sitelist explain-rule RULE` says how\n");
   EXPECT_EQ(agentFiles(), before);
 }
 
@@ -61,6 +62,19 @@ TEST_F(CliImport, ChecksForAServerOnlyOnAManagedAgent) {
   EXPECT_EQ(sitelist({"install", path}).status, 0) << "install checks nothing";
 }
 
+TEST_F(CliImport, NamesThePlaceOfALastSiteOfUnknownKind) {
+  initAgent();
+  const std::string path = write("list.xml",
+                                 "<ns:SiteLists>\n <SiteList>\n  <VestaSit/>\n"
+                                 " </SiteList>\n</ns:SiteLists>\n");
+  const Output output = sitelist({"import", path});
+  EXPECT_EQ(output.status, 3);
+  EXPECT_EQ(output.err, "sitelist: " + path +
+                            ": the last site of the list is of unknown kind (-1, 0xFFFFFFFF)\n"
+                            "  line 3, column 3: unknown site element \"VestaSit\"\n"
+                            "  next: correct the name of the element\n");
+}
+
 TEST_F(CliImport, PassesOnTheLibrarysWarnings) {
   initAgent();
   const std::string path =
@@ -69,7 +83,9 @@ TEST_F(CliImport, PassesOnTheLibrarysWarnings) {
                                  "</Policies>"));
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("WARNING: imported site list \"" + path + "\""));
+  EXPECT_THAT(output.err, HasSubstr(path + ": warning: the next list from the management server "
+                                           "will overwrite this one (policy setting "
+                                           "\"OverwriteClientSites\")\n"));
 }
 
 TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
@@ -86,7 +102,8 @@ TEST_F(CliImport, NamesTheSitesWhosePasswordsAreLost) {
       "list.xml", document(httpSite("kept", "1", good) + httpSite("lost", "2", "never protected")));
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("does not open the password of lost; it is now empty"));
+  EXPECT_THAT(output.err, HasSubstr("a password of site \"lost\" cannot be decrypted with this "
+                                    "agent's key; it is now empty"));
   EXPECT_THAT(output.err, Not(HasSubstr("of kept")));
 }
 
@@ -100,7 +117,7 @@ TEST_F(CliImport, MissingKeyFilesAreAKeyFailure) {
   const std::string unversioned = write("list.xml", document(httpSite("depot")));
   const Output named = sitelist({"import", unversioned, "--keys", file("tmp")});
   EXPECT_EQ(named.status, 5);
-  EXPECT_THAT(named.err, HasSubstr("into the directory that --keys names"));
+  EXPECT_THAT(named.err, HasSubstr("into the directory of --keys"));
   EXPECT_FALSE(exists(ownList()));
 }
 

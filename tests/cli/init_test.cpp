@@ -13,7 +13,7 @@ TEST_F(CliInit, MakesTheWholeDataDirectory) {
   const Output output = sitelist({"init"});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_EQ(output.out, "");
-  EXPECT_THAT(output.err, HasSubstr("made an unmanaged agent in " + file("agent")));
+  EXPECT_THAT(output.err, HasSubstr("created an unmanaged agent in " + file("agent")));
   for (const char* name : {"agent/agent.toml", "agent/etc", "agent/mesh", "agent/locks",
                            "agent/keystore/password.key"}) {
     EXPECT_TRUE(exists(file(name))) << name;
@@ -45,7 +45,7 @@ TEST_F(CliInit, RefusesADirectoryThatHasAnAgent) {
   const auto before = agentFiles();
   const Output output = sitelist({"init"});
   EXPECT_EQ(output.status, 6);
-  EXPECT_THAT(output.err, HasSubstr("agent.toml: there is an agent already\n  next: "));
+  EXPECT_THAT(output.err, HasSubstr("agent.toml: an agent exists already\n  next: "));
   EXPECT_EQ(agentFiles(), before);
 }
 
@@ -53,7 +53,7 @@ TEST_F(CliInit, NamesTheDirectoryThatCannotBeMade) {
   write("agent", "a file in its place");
   const Output output = sitelist({"init"});
   EXPECT_EQ(output.status, 4);
-  EXPECT_THAT(output.err, HasSubstr(file("agent/etc") + ": cannot be made: "));
+  EXPECT_THAT(output.err, HasSubstr(file("agent/etc") + ": cannot be created: "));
 }
 
 TEST_F(CliInit, AsksForTheMeshProgramsFullPath) {

@@ -93,8 +93,9 @@ TEST_F(CliMerge, RefusesToLosePasswords) {
   const auto before = agentFiles();
   const Output output = sitelist({"merge", "--first", first, "--output", ownList()});
   EXPECT_EQ(output.status, 5);
-  EXPECT_THAT(output.err, HasSubstr(first + ": passwords that the agent's key does not open, of\n"
-                                            "  depot\n"));
+  EXPECT_THAT(output.err,
+              HasSubstr(first + ": cannot decrypt passwords with the agent's key:\n"
+                                "  site \"depot\"\n"));
   EXPECT_EQ(agentFiles(), before);
 }
 
@@ -118,11 +119,11 @@ TEST_F(CliRewrite, CarriesEverythingThatIsReadOver) {
   const std::string target = file("target.xml");
   const Output output = sitelist({"rewrite", source, target});
   EXPECT_EQ(output.status, 0) << output.err;
-  EXPECT_THAT(output.err, HasSubstr("the FIPS mode, 1, is not carried over\n"));
+  EXPECT_THAT(output.err, HasSubstr("the FIPS mode, 1, is not kept\n"));
   EXPECT_THAT(output.err, HasSubstr("wrote 1 entry to " + target));
   EXPECT_EQ(sitelist({"versions", target}).out,
             "global version  g\nlocal version   l\ntype            Server\n"
-            "FIPS mode       not said\n");
+            "FIPS mode       none\n");
   EXPECT_EQ(sitelist({"policies", target}).out, "a = 1\n");
   const std::string certificates = sitelist({"certs", target}).out;
   EXPECT_LT(certificates.find("one"), certificates.find("two"));

@@ -59,7 +59,7 @@ TEST_F(CliProtect, FailsWithoutAUsableKey) {
   const Output output = sitelist({"protect"}, "fair\n");
   EXPECT_EQ(output.status, 5);
   EXPECT_EQ(output.out, "");
-  EXPECT_THAT(output.err, HasSubstr("the password cannot be protected\n  next: "));
+  EXPECT_THAT(output.err, HasSubstr("the password cannot be encrypted\n  next: "));
 }
 
 TEST_F(CliProtect, LeavesNoPasswordInTheDetailLog) {

@@ -63,8 +63,9 @@ TEST_F(CliCerts, PrintsTheTextOfWhatItCannotRead) {
                                             certificate(c_certificatePem))));
   const Output output = sitelist({"certs", path});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.out, HasSubstr("Certificate 1 of 3\n  not readable as a certificate; its text "
-                                    "is\n  plain text\n\nCertificate 2 of 3\n  not readable"));
+  EXPECT_THAT(output.out,
+              HasSubstr("Certificate 1 of 3\n  cannot be read as a certificate; its "
+                        "text is\n  plain text\n\nCertificate 2 of 3\n  cannot be read"));
   EXPECT_THAT(output.out, HasSubstr("Certificate 3 of 3\n  subject "));
 }
 
@@ -109,7 +110,7 @@ TEST_F(CliCerts, TakesAWholeNumberOfDaysOnly) {
   for (const char* days : {"-1", "x", "1.5", "30 ", "99999999999"}) {
     const Output output = sitelist({"certs", std::string("--expiring=") + days, path});
     EXPECT_EQ(output.status, 2) << days;
-    EXPECT_THAT(output.err, HasSubstr("is no number of days\n  next: "));
+    EXPECT_THAT(output.err, HasSubstr("is not a number of days\n  next: "));
   }
 }
 

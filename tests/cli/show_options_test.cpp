@@ -87,7 +87,9 @@ TEST_F(CliShowOptions, FilterThatMatchesNothingIsANegativeAnswer) {
   const Output output = show({"--filter", "nothing"});
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(output.out, "");
-  EXPECT_THAT(output.err, HasSubstr("no site matches"));
+  EXPECT_THAT(output.err, HasSubstr("no site matches\n"));
+  EXPECT_THAT(show({"--filter", "zone=a"}).err,
+              HasSubstr("no site matches; \"zone\" is not a filter key, use kind, type or name\n"));
 }
 
 TEST_F(CliShowOptions, FilterTakesTheProxyOutOfTheTable) {
@@ -139,7 +141,7 @@ TEST_F(CliShowOptions, EveryFieldCanBeAColumn) {
   useSites(c_mixed);
   const Output output = show({"--columns", "none"});
   EXPECT_EQ(output.status, 2);
-  const std::string mark = "next: name one of ";
+  const std::string mark = "next: use one of ";
   std::string all = output.err.substr(output.err.find(mark) + mark.size());
   all.erase(all.find('\n'));
   all.erase(std::remove(all.begin(), all.end(), ' '), all.end());

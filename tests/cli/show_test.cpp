@@ -133,7 +133,7 @@ TEST_F(CliShow, PrintsAListWhoseLastSiteIsUnknownAndSaysSo) {
   const Output output = sitelist({"show", path});
   EXPECT_EQ(output.status, 3);
   EXPECT_THAT(output.out, HasSubstr("depot"));
-  EXPECT_THAT(output.err, HasSubstr("is of no known kind (-1, 0xFFFFFFFF)"));
+  EXPECT_THAT(output.err, HasSubstr("is of unknown kind (-1, 0xFFFFFFFF)"));
 }
 
 TEST_F(CliShow, WritesNothingIntoTheAgentWhenItReadsANamedFile) {

@@ -57,16 +57,16 @@ TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
   EXPECT_THAT(
       bare({"--help"}).out,
       HasSubstr("Exit status:\n"
-                "   0  done\n"
-                "   1  the answer is no: lists differ, a rule failed, something expires, or\n"
-                "      there is nothing of the kind\n"
+                "   0  success\n"
+                "   1  a negative result: lists differ, a list breaks a rule, a certificate\n"
+                "      expires, or there is nothing to print\n"
                 "   2  wrong usage\n"
                 "   3  invalid document\n"
                 "   4  a file is missing, or cannot be read or written\n"
                 "   5  a key or the cryptography failed\n"
-                "   6  a conflict with what is there, or the list is locked\n"
-                "   7  what was named is not there\n"
-                "  70  a bug in the tool\n"));
+                "   6  a conflict with existing data, or the list is locked\n"
+                "   7  a named site, field, setting, rule or backup does not exist\n"
+                "  70  an internal error, or out of memory\n"));
 }
 
 TEST_F(CliUsage, PrintsItsVersion) {
@@ -105,11 +105,31 @@ TEST_F(CliUsage, AWordBehindACommandIsAnArgumentAlsoWhenItNamesACommand) {
   EXPECT_THAT(output.err, HasSubstr("versions: the file does not exist"));
 }
 
+TEST_F(CliUsage, AdvisesAnImportOnlyForTheAgentsOwnList) {
+  initAgent();
+  const std::string advice = "\n  next: create the agent's list with `sitelist import`\n";
+  for (const char* const command : {"show", "versions", "get"}) {
+    std::vector<std::string> arguments = {command};
+    if (arguments.front() == "get") arguments.emplace_back("type");
+    EXPECT_THAT(sitelist(arguments).err, testing::EndsWith(advice)) << command;
+    arguments.push_back(file("none.xml"));
+    EXPECT_THAT(sitelist(arguments).err, testing::EndsWith("\n  next: check the path\n"))
+        << command;
+  }
+  EXPECT_THAT(sitelist({"edit", "disable", "Depot"}).err, testing::EndsWith(advice));
+}
+
+TEST_F(CliUsage, SaysWhichValueOfAnOptionIsMissing) {
+  const Output output = bare({"explain", "--host"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_THAT(output.err, HasSubstr("sitelist: --host: NAME is missing\n  next: "));
+}
+
 TEST_F(CliUsage, NamesTheChoicesWhenAValueIsNoneOfThem) {
   const Output output = bare({"show", "--format", "yaml"});
   EXPECT_EQ(output.status, 2);
   EXPECT_THAT(output.err,
-              HasSubstr("--format: \"yaml\" is none of table, json, csv, xml\n  next: "));
+              HasSubstr("--format: \"yaml\" is not one of table, json, csv, xml\n  next: "));
 }
 
 TEST_F(CliUsage, GlobalOptionsMayStandBehindTheCommand) {
@@ -138,7 +158,7 @@ TEST_F(CliUsage, DoesNotMakeAnAgentByAccident) {
         {"import", write("list.xml", document(httpSite("depot")))}}) {
     const Output output = sitelist(command);
     EXPECT_EQ(output.status, 4) << command.front();
-    EXPECT_THAT(output.err, HasSubstr("there is no agent data directory\n  next: "));
+    EXPECT_THAT(output.err, HasSubstr("the agent's data directory does not exist\n  next: "));
     EXPECT_FALSE(exists(file("agent")));
   }
 }
@@ -176,7 +196,7 @@ TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {
   const std::string path = write("list.xml", document(httpSite("depot")));
   const Output output = shell("exec \"$0\" show \"$1\" 1</dev/null", {path});
   EXPECT_EQ(output.status, 4);
-  EXPECT_THAT(output.err, HasSubstr("standard output cannot be written"));
+  EXPECT_THAT(output.err, HasSubstr("cannot write to standard output"));
 }
 
 TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {

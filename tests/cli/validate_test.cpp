@@ -92,16 +92,20 @@ std::vector<Case> errorCases() {
            "</a>",
        257, 1, "document over the limit: depth"},
       {"unknown-site", withSite("<OtherSite/>"), 5, 5,
-       "the last site of the list is of no known kind"},
-      {"no-server", lines({httpSite("depot", "2")}), 3, 3, "Failed to get VESTA site hr=-8"},
-      {"server-not-local", server({{"Local", "1"}}), 4, 5, "must not be local"},
+       "the last site of the list is of unknown kind"},
+      {"no-server", lines({httpSite("depot", "2")}), 3, 3, "the list has no management server"},
+      {"server-not-local", server({{"Local", "1"}}), 4, 5,
+       "the management server must not be local"},
       {"server-type-master", server({{"Type", "mirror"}}), 4, 5,
-       "site type must be master not mirror"},
-      {"server-name", server({{"Name", ""}}), 4, 5, "name cannot be empty"},
-      {"server-address", server({{"Server", ""}}), 4, 5, "server name cannot be empty"},
-      {"server-ip-address", server({{"ServerIP", ""}}), 4, 5, "VESTA IP address cannot be empty"},
-      {"server-computer-name", server({{"ServerName", ""}}), 4, 5, "computer name cannot be empty"},
-      {"server-path", server({{"RelativePath", ""}}), 4, 5, "path cannot be empty"},
+       "the type of the management server must be \"master\", not \"mirror\""},
+      {"server-name", server({{"Name", ""}}), 4, 5, "the management server has no \"Name\""},
+      {"server-address", server({{"Server", ""}}), 4, 5, "the management server has no \"Server\""},
+      {"server-ip-address", server({{"ServerIP", ""}}), 4, 5,
+       "the management server has no \"ServerIP\""},
+      {"server-computer-name", server({{"ServerName", ""}}), 4, 5,
+       "the management server has no \"ServerName\""},
+      {"server-path", server({{"RelativePath", ""}}), 4, 5,
+       "the management server has no \"RelativePath\""},
   };
 }
 
@@ -115,16 +119,16 @@ std::vector<Case> warningCases() {
       {"missing-global-version", lines(complete, {}, ""), 2, 1,
        "the list has no \"GlobalVersion\""},
       {"policies-after-sites", lines(complete, {}, c_version, "  <Policies/>\n"), 6, 3,
-       "these settings stand behind the \"SiteList\" in line 3 and are not loaded"},
+       "these settings are after the \"SiteList\" in line 3 and are not loaded"},
       {"second-site-list", lines(complete, {}, c_version, "<SiteList><What/></SiteList>"), 6, 1,
        "only the \"SiteList\" in line 3 is read"},
       {"second-ca-bundle", lines(complete, {"<CaBundle/>", "<CaBundle><What/></CaBundle>"}), 4, 3,
        "only the \"CaBundle\" in line 3 is read"},
       {"second-proxy-config",
        withSite("<ProxyConfigList><ProxyConfig/>\n<ProxyConfig/></ProxyConfigList>"), 6, 1,
-       "this \"ProxyConfig\" takes the place of the one in line 5"},
+       "this \"ProxyConfig\" replaces the one in line 5"},
       {"unknown-element", lines({"<httpSite/>", serverSite()}), 4, 5,
-       "\"httpSite\" is no kind of site; did you mean HttpSite?"},
+       "\"httpSite\" is not a known site element; did you mean HttpSite?"},
       {"unknown-child", withSite("<LocalSite Name=\"a\">\n<RelativPath/></LocalSite>"), 6, 1,
        "\"LocalSite\" has no child element \"RelativPath\"; did you mean RelativePath?"},
       {"unknown-attribute", withSite(R"(<LocalSite Name="a" Oder="4"/>)"), 5, 5,
@@ -132,7 +136,7 @@ std::vector<Case> warningCases() {
       {"repeated-child",
        withSite(
            "<LocalSite Name=\"a\"><UserName>x</UserName>\n <UserName>y</UserName></LocalSite>"),
-       6, 2, "\"UserName\" takes the place of the one in line 5"},
+       6, 2, "\"UserName\" replaces the one in line 5"},
       {"site-without-name", withSite("<LocalSite/>"), 5, 5, "the site has no \"Name\""},
       {"site-without-address", withSite(R"(<UNCSite Name="a"/>)"), 5, 5,
        "the site \"a\" has no \"Server\""},
@@ -142,25 +146,25 @@ std::vector<Case> warningCases() {
       {"duplicate-order", withSite(httpSite("depot", "1")), 5, 5,
        "the order 1 is also that of the site \"Main\" in line 4"},
       {"order-number", withSite(R"(<LocalSite Name="a" Order="3rd"/>)"), 5, 5,
-       "\"Order\" is \"3rd\", which counts as 3"},
+       "\"Order\" is \"3rd\", which is read as 3"},
       {"flag-value", withSite(R"(<LocalSite Name="a" Local="yes"/>)"), 5, 5,
-       "\"Local\" is \"yes\", which counts as 0"},
+       "\"Local\" is \"yes\", which is read as 0"},
       {"port-number", withSite(R"(<FTPSite Name="a" Server="ftp.example:65536"/>)"), 5, 5,
-       "the port \"65536\" of \"Server\" is no number from 0 to 65535"},
+       "the port \"65536\" of \"Server\" is not a number from 0 to 65535"},
       {"ambiguous-address", withSite(R"(<FTPSite Name="a" Server="[2001:db8::10]"/>)"), 5, 5,
        "\"Server\" is \"[2001:db8::10]\", which is read as the host \"[2001:db8:\"; write "
        "[ADDRESS]:PORT"},
       {"text-cut", withSite("<LocalSite Name=\"" + std::string(260, 'a') + "\"/>"), 5, 5,
        "\"Name\" has 260 characters and is cut to 259"},
       {"password-form", withSite("<LocalSite Name=\"a\">\n<Password>secret</Password></LocalSite>"),
-       6, 1, "\"Password\" is not in protected form and reads as empty"},
+       6, 1, "\"Password\" is not an encrypted password and is read as empty"},
       {"proxy-without-port", withProxy(R"( HttpProxyServer="proxy.example:3128")"), 5, 22,
        "\"HttpProxyServer\" is \"proxy.example:3128\", but \"HttpProxyPort\" is missing or 0"},
       {"exclusions-cut", withProxy("", manyHosts()), 406, 1,
-       "3 of 403 exclusion hosts no longer fit and are dropped, this one first"},
+       "3 of 403 exclusion hosts do not fit and are dropped; this is the first of them"},
       {"certificate-unreadable",
        lines(complete, {"<CaBundle>\n<CaCertificate>?</CaCertificate></CaBundle>"}), 4, 1,
-       "the text is no certificate"},
+       "the text is not a certificate"},
       {"certificate-expired",
        lines(complete, {"<CaBundle><CaCertificate>" + std::string(c_expiredCertificatePem) +
                         "</CaCertificate></CaBundle>"}),
@@ -224,12 +228,13 @@ TEST_F(CliValidate, NamesEveryFaultOfOneListInTheOrderOfTheDocument) {
                       serverSite({{"Local", "1"}, {"Type", "repository"}, {"ServerIP", ""}}),
                       "<OtherSite/>"}),
                3),
-      ElementsAre("4:5: flag-value: \"Enabled\" is \"on\", which counts as 0 [warning]",
+      ElementsAre("4:5: flag-value: \"Enabled\" is \"on\", which is read as 0 [warning]",
                   "4:5: site-without-name: the site has no \"Name\" [warning]",
-                  "5:5: server-not-local: must not be local",
-                  "5:5: server-type-master: site type must be master not repository",
-                  "5:5: server-ip-address: VESTA IP address cannot be empty",
-                  "6:5: unknown-site: the last site of the list is of no known kind"));
+                  "5:5: server-not-local: the management server must not be local",
+                  "5:5: server-type-master: the type of the management server must be \"master\", "
+                  "not \"repository\"",
+                  "5:5: server-ip-address: the management server has no \"ServerIP\"",
+                  "6:5: unknown-site: the last site of the list is of unknown kind"));
 }
 
 TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
@@ -263,12 +268,12 @@ TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
 
 TEST_F(CliValidate, AsksForTheKeyFilesBesideTheList) {
   const std::string text = lines({serverSite({{"Version", "5.9"}})});
-  const std::string directory = file("lists");
-  const std::string noPublicKey = "4:5: server-public-key: " + directory + "/srpubkey.bin or " +
-                                  directory + "/sr2048pubkey.bin is invalid";
+  const std::string noPublicKey =
+      "4:5: server-public-key: the directory of the list has neither srpubkey.bin nor "
+      "sr2048pubkey.bin, or both are empty";
   EXPECT_THAT(faultsOf(text, 1),
-              ElementsAre("4:5: server-request-key: " + directory + "/reqseckey.bin or " +
-                              directory + "/req2048seckey.bin is invalid",
+              ElementsAre("4:5: server-request-key: the directory of the list has neither "
+                          "reqseckey.bin nor req2048seckey.bin, or both are empty",
                           noPublicKey));
   write("lists/req2048seckey.bin", "key");
   EXPECT_THAT(faultsOf(text, 1), ElementsAre(noPublicKey));
@@ -277,20 +282,20 @@ TEST_F(CliValidate, AsksForTheKeyFilesBesideTheList) {
 }
 
 TEST_F(CliValidate, AsksForSitesAndForAServer) {
-  const std::string noServer = "no-server: Failed to get VESTA site hr=-2";
+  const std::string noServer = "no-server: the list has no management server";
   EXPECT_THAT(faultsOf(lines({}), 1),
-              ElementsAre("3:3: no-sites: no sites in site list", "3:3: " + noServer));
+              ElementsAre("3:3: no-sites: the list has no sites", "3:3: " + noServer));
   EXPECT_THAT(faultsOf("<ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"1\"/>", 1),
-              ElementsAre("1:1: no-sites: no sites in site list", "1:1: " + noServer))
+              ElementsAre("1:1: no-sites: the list has no sites", "1:1: " + noServer))
       << "without a \"SiteList\" the root is the nearest place";
   EXPECT_THAT(faultsOf(lines({httpSite("depot")}), 1, {"--managed"}),
-              ElementsAre("3:3: no-server: Failed to get VESTA site hr=-8"));
+              ElementsAre("3:3: no-server: the list has no management server"));
 }
 
 TEST_F(CliValidate, LeavesTheServerOutForAnUnmanagedAgent) {
   EXPECT_THAT(faultsOf(lines({httpSite("depot")}), 0, {"--unmanaged"}), ElementsAre(" valid"));
   EXPECT_THAT(faultsOf(lines({}), 1, {"--unmanaged"}),
-              ElementsAre("3:3: no-sites: no sites in site list"));
+              ElementsAre("3:3: no-sites: the list has no sites"));
   EXPECT_THAT(
       faultsOf(lines({serverSite({{"Name", ""}, {"Server", ":80"}})}), 0, {"--unmanaged"}),
       ElementsAre("4:5: site-without-name: the site has no \"Name\" [warning]",
@@ -298,14 +303,13 @@ TEST_F(CliValidate, LeavesTheServerOutForAnUnmanagedAgent) {
 }
 
 TEST_F(CliValidate, IsNotFooledByATextThatEndsLikeAnotherRule) {
-  EXPECT_THAT(
-      faultsOf(lines({serverSite({{"Type", "req2048seckey.bin is invalid"}})}), 1),
-      ElementsAre(
-          "4:5: server-type-master: site type must be master not req2048seckey.bin is invalid"));
+  EXPECT_THAT(faultsOf(lines({serverSite({{"Type", "req2048seckey.bin is invalid"}})}), 1),
+              ElementsAre("4:5: server-type-master: the type of the management server must be "
+                          "\"master\", not \"req2048seckey.bin is invalid\""));
 }
 
 TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
-  const std::string text = "unknown-site: the last site of the list is of no known kind";
+  const std::string text = "unknown-site: the last site of the list is of unknown kind";
   const std::string server = serverSite();
   EXPECT_THAT(faultsOf(lines({server, "<ProxyConfig/>"}), 3), ElementsAre("5:5: " + text))
       << "proxy settings without their list are no site";
@@ -317,7 +321,7 @@ TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
   EXPECT_THAT(
       faultsOf(lines({server, "<Other/>", "<ProxyConfigList><LocalSite/>", "</ProxyConfigList>"}),
                0),
-      ElementsAre("5:5: unknown-element: \"Other\" is no kind of site [warning]",
+      ElementsAre("5:5: unknown-element: \"Other\" is not a known site element [warning]",
                   "6:22: unknown-child: \"ProxyConfigList\" has no child element "
                   "\"LocalSite\" [warning]",
                   " valid"));
@@ -325,7 +329,7 @@ TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
 
 TEST_F(CliValidate, SaysWhatAFileIsThatCannotBeRead) {
   const Output text = sitelist({"validate", write("text.xml", "no markup")});
-  EXPECT_EQ(text.out, file("text.xml") + ":1:1: not-well-formed: there is no markup in the file\n");
+  EXPECT_EQ(text.out, file("text.xml") + ":1:1: not-well-formed: the file has no markup\n");
   const Output directory = sitelist({"validate", file("tmp")});
   EXPECT_EQ(directory.status, 4);
   EXPECT_THAT(directory.out, StartsWith(file("tmp") + ": unreadable-file: "));
@@ -371,7 +375,7 @@ TEST_F(CliValidate, ReadsStandardInput) {
             "directory in which to look for its key files [warning]\nstandard input: valid\n");
   const Output twice = sitelist({"validate", "-", "-"}, lines({serverSite()}));
   EXPECT_EQ(twice.status, 2);
-  EXPECT_THAT(twice.err, HasSubstr("standard input can be read once only\n  next: "));
+  EXPECT_THAT(twice.err, HasSubstr("standard input can be read only once\n  next: "));
 }
 
 TEST_F(CliValidate, SaysTheSameInEveryForm) {
@@ -380,14 +384,15 @@ TEST_F(CliValidate, SaysTheSameInEveryForm) {
   EXPECT_EQ(sitelist({"validate", "--format", "csv", "none.xml", path}).out,
             "file,line,column,severity,rule,text\n"
             "none.xml,,,error,missing-file,the file does not exist\n" +
-                path + ",4,5,error,server-name,name cannot be empty\n");
+                path + ",4,5,error,server-name,\"the management server has no \"\"Name\"\"\"\n");
   EXPECT_THAT(sitelist({"validate", "--format", "xml", path}).out,
               HasSubstr("  <valid>false</valid>\n  <faultCount>1</faultCount>\n"
                         "  <warningCount>0</warningCount>\n  <faults>\n    <fault>\n      <file>" +
                         path +
                         "</file>\n      <line>4</line>\n      <column>5</column>\n"
                         "      <severity>error</severity>\n      <rule>server-name</rule>\n"
-                        "      <text>name cannot be empty</text>\n    </fault>\n  </faults>\n"));
+                        "      <text>the management server has no \"Name\"</text>\n    "
+                        "</fault>\n  </faults>\n"));
   const json report = json::parse(sitelist({"validate", "--json", "none.xml"}).out);
   EXPECT_EQ(report["status"], 4);
   EXPECT_EQ(report["faults"][0]["line"], json());
@@ -397,7 +402,8 @@ TEST_F(CliValidate, ColoursErrorsWarningsAndWhatIsValid) {
   const std::string bad = write("bad.xml", lines({serverSite({{"Name", ""}}), "<LocalSite/>"}));
   const std::string good = write("good.xml", lines({serverSite()}));
   EXPECT_EQ(sitelist({"validate", "--color", "always", bad, good}).out,
-            bad + ":4:5: \033[31mserver-name\033[0m: name cannot be empty\n" + bad +
+            bad + ":4:5: \033[31mserver-name\033[0m: the management server has no \"Name\"\n" +
+                bad +
                 ":5:5: \033[35msite-without-name\033[0m: the site has no \"Name\" [warning]\n" +
                 good + ": \033[32mvalid\033[0m\n");
 }

@@ -7,6 +7,8 @@
 #include <new>
 #include <string_view>
 
+#include "sitehlp/result_codes.h"
+#include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
@@ -17,7 +19,7 @@
 namespace tool {
 namespace {
 
-constexpr const char* c_seeHelp = "\n  next: see `sitelist --help`, or --help behind a command";
+constexpr const char* c_seeHelp = "\n  next: see `sitelist --help` or `sitelist COMMAND --help`";
 
 // The command behind --mesh-command may have options of its own, so it is taken off before the
 // command line is looked at.
@@ -64,6 +66,17 @@ int fail(const Context& context, const Failure& failure) {
   return failure.status();
 }
 
+// The agent's own list may just not have been imported yet.
+Failure withAdvice(const Context& context, const Failure& failure) {
+  const FailurePlace& place = failure.place();
+  if (place.code != sitehlp::c_errorFileMissing || place.file != ownListPath(context)) {
+    return failure;
+  }
+  return Failure(failure.status(),
+                 failure.message() + "\n  next: create the agent's list with `sitelist import`",
+                 place);
+}
+
 int perform(Context& context) {
   recordLog(context.verbose);
   try {
@@ -73,7 +86,7 @@ int perform(Context& context) {
     return status;
   } catch (const Failure& failure) {
     reportLoggedErrors(false);
-    return fail(context, failure);
+    return fail(context, withAdvice(context, failure));
   }
 }
 
@@ -134,7 +147,7 @@ int runAndCatch(std::vector<std::string> arguments) {
     return failInternally(context, "out of memory", "free memory and try again");
   } catch (const std::exception& e) {
     return failInternally(context, "internal error: " + shown(std::string(e.what())),
-                          "report it with what --verbose prints");
+                          "report it with the output of --verbose");
   }
 }
 
@@ -157,7 +170,7 @@ int main(int argc, char** argv) {
   }
   std::cout.flush();
   if (!std::cout && status == tool::exitSuccess) {
-    std::cerr << "sitelist: standard output cannot be written\n";
+    std::cerr << "sitelist: cannot write to standard output\n";
     status = tool::exitFile;
   }
   return status;

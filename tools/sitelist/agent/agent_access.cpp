@@ -22,19 +22,21 @@ host::AgentSettings settingsOf(const Context& context) {
   try {
     return host::readAgentSettings(context.agentDirectory);
   } catch (const host::SettingsError& e) {
-    throw Failure(exitDocument,
-                  shown(std::string(e.what())) +
-                      "\n  next: mend the settings file, or move it away and run `sitelist init`",
-                  {context.agentDirectory + "/agent.toml", 0, 0, 0});
+    throw Failure(
+        exitDocument,
+        shown(std::string(e.what())) +
+            "\n  next: correct the settings file, or move it away and run `sitelist init`",
+        {context.agentDirectory + "/agent.toml", 0, 0, 0});
   }
 }
 
 std::string makeTemporaryDirectory() {
   std::string pattern = (fs::temp_directory_path() / "sitelist-XXXXXX").string();
   if (!::mkdtemp(pattern.data())) {
-    throw failureAt(pattern, exitFile,
-                    "cannot make a temporary directory: " + std::generic_category().message(errno),
-                    "make room there, or set TMPDIR to another directory");
+    throw failureAt(
+        pattern, exitFile,
+        "cannot create a temporary directory: " + std::generic_category().message(errno),
+        "free space there, or set TMPDIR to another directory");
   }
   return pattern;
 }
@@ -62,8 +64,8 @@ std::string ownListPath(const Context& context) {
 void serveAgent(const Context& context) {
   std::error_code error;
   if (!fs::is_directory(context.agentDirectory, error)) {
-    throw failureAt(context.agentDirectory, exitFile, "there is no agent data directory",
-                    "name the agent's with --agent-dir, or make one with `sitelist init`");
+    throw failureAt(context.agentDirectory, exitFile, "the agent's data directory does not exist",
+                    "name another one with --agent-dir, or create one with `sitelist init`");
   }
   host::setAgent(settingsOf(context));
   recordLog(context.verbose);
@@ -73,7 +75,7 @@ void requirePasswordKey(const Context& context) {
   std::error_code error;
   if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
     throw failureAt(context.agentDirectory + "/keystore/password.key", exitCrypto,
-                    "the agent has no password key", "make the agent with `sitelist init`");
+                    "the agent has no password key", "create the agent with `sitelist init`");
   }
 }
 

@@ -34,9 +34,11 @@ bool hasVersionedServer(const std::string& path) {
 // Names every fault.
 Failure refusal(const std::string& file, int code) {
   std::string text =
-      shown(file) + ": the list is refused, and nothing was changed (" + formatCode(code) + ")";
+      shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
   for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
-  return Failure(exitNegative, text + "\n  next: mend these faults", {file, code});
+  return Failure(exitNegative,
+                 text + "\n  next: fix these faults; `sitelist explain-rule RULE` says how",
+                 {file, code});
 }
 
 }  // namespace
@@ -46,7 +48,7 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
   std::error_code error;
   if (wasLogged(L"CreateSiteList failed hr=")) {
     throw libraryFailure(ownList, code, exitFile, "the list could not be written",
-                         "check that you may write there and that there is room");
+                         "check that you may write there and that there is free space");
   }
   if (wasLogged(L"Can't write ") || !std::filesystem::is_directory(directory, error)) {
     throw libraryFailure(directory, code, exitFile, "the agent's files could not be written",
@@ -56,8 +58,8 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
       options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
       hasVersionedServer(options.file)
           ? "put srpubkey.bin and reqseckey.bin, or sr2048pubkey.bin and req2048seckey.bin,\n"
-            "  beside the list, none of them empty"
-          : "put srpubkey.bin, not empty, into the directory that --keys names, or leave --keys "
+            "  next to the list; they must not be empty"
+          : "put a srpubkey.bin that is not empty into the directory of --keys, or leave --keys "
             "out");
 }
 
@@ -67,18 +69,26 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
       code == sitehlp::c_errorNoPath) {
     throw refusal(options.file, code);
   }
-  if (code == sitehlp::c_errorGeneral && !document && readSiteList(options.file).result == 0) {
-    failOwnFiles(options, ownList, code);
+  if (code == sitehlp::c_errorGeneral && !document) {
+    const int result = readSiteList(options.file).result;
+    if (result == code) throw lastSiteFailure(options.file);
+    if (result == 0) failOwnFiles(options, ownList, code);
   }
   throw libraryFailure(options.file, code);
 }
 
 namespace {
 
-void reportNotes() {
+// What the log says of the import, in the words of people.
+void reportNotes(const std::string& file) {
   for (const LogRecord& record : logRecords()) {
-    if (begins(record.text, L"WARNING: ") || begins(record.text, L"Exchanged orders ")) {
-      std::cerr << "sitelist: " << shown(record.text) << '\n';
+    if (begins(record.text, L"WARNING: imported site list ")) {
+      std::cerr << "sitelist: " << shown(file)
+                << ": warning: the next list from the management server will overwrite this one "
+                   "(policy setting \"OverwriteClientSites\")\n";
+    } else if (begins(record.text, L"Exchanged orders ")) {
+      std::cerr << "sitelist: exchanged the orders of the default vendor repositories, so that the "
+                   "HTTP one comes first\n";
     }
   }
 }
@@ -87,9 +97,9 @@ void reportNotes() {
 
 void warnOfLostPasswords(const IncomingOptions& options) {
   for (const std::string& name : sitesWithLostPasswords(options.file)) {
-    std::cerr << "sitelist: " << shown(options.file)
-              << ": the agent's key does not open the password of " << name
-              << (options.dryRun ? "; it would be empty\n" : "; it is now empty\n");
+    std::cerr << "sitelist: " << shown(options.file) << ": warning: a password of " << name
+              << " cannot be decrypted with this agent's key; "
+              << (options.dryRun ? "it would be empty\n" : "it is now empty\n");
   }
 }
 
@@ -97,11 +107,11 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
   command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
   command
       .add_option("--keys", options.keyDirectory,
-                  "Where the server's public key is, for a list whose server\nhas no version")
+                  "Directory of the server's public key, for a list whose\nserver has no version")
       .type_name("DIR");
   command.add_flag(
       "--dry-run", options.dryRun,
-      "Say what would change in the agent's list, key files and\nFIPS marker, and write nothing");
+      "Show what would change in the agent's list, key files and\nFIPS marker, and write nothing");
 }
 
 int takeIncoming(Context& context, const IncomingOptions& options) {
@@ -112,11 +122,11 @@ int takeIncoming(Context& context, const IncomingOptions& options) {
   const int result = options.isChecked
                          ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))
                          : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
-  reportNotes();
+  reportNotes(options.file);
   if (result != 0) failIncoming(options, ownList, result);
   warnOfLostPasswords(options);
   const SiteList now = readSiteList(ownList);
-  std::cerr << "sitelist: " << shown(ownList) << " now holds " << countEntries(now.sites.get())
+  std::cerr << "sitelist: " << shown(ownList) << " now has " << countEntries(now.sites.get())
             << ", global version " << shown(now.globalVersion) << '\n';
   return exitSuccess;
 }

@@ -48,7 +48,7 @@ bool holdsLostPassword(const Element& site) {
 std::string siteName(const Element& site) {
   if (site.HasName(schema::WX_XML_PROXY_CONFIG_LIST)) return "the proxy settings";
   const std::wstring name = site.GetAttribute(schema::WX_XML_SITE_NAME).GetValue();
-  return shown(name.empty() ? site.GetName() : name);
+  return "site \"" + shown(name.empty() ? site.GetName() : name) + "\"";
 }
 
 }  // namespace
@@ -80,10 +80,10 @@ std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
 void refuseLostPasswords(const std::string& path) {
   const std::vector<std::string> names = sitesWithLostPasswords(path);
   if (names.empty()) return;
-  std::string text = "passwords that the agent's key does not open, of";
+  std::string text = "cannot decrypt passwords with the agent's key:";
   for (const std::string& name : names) text += "\n  " + name;
   throw failureAt(path, exitCrypto,
-                  text + "\n  Nothing was written: the new list would have lost them.",
+                  text + "\n  Nothing was written, because the new list would have lost them.",
                   "name the agent that the list belongs to with --agent-dir");
 }
 

@@ -85,13 +85,14 @@ void Password::convert(const std::string& source) {
   if (m_size == m_bytes.size() || std::memchr(bytes, 0, m_size) ||
       !AdvXMLParser::ConvertBufferToUnicode(bytes, m_size, m_text, encoding) ||
       encoding != AdvXMLParser::UTF_8) {
-    throw failureAt(source, exitUsage, "no password in UTF-8", "give one line of UTF-8 text");
+    throw failureAt(source, exitUsage, "the password is not UTF-8 text",
+                    "give one line of UTF-8 text");
   }
   if (m_text.size() > c_maxCharacters) {
     throw failureAt(
         source, exitUsage,
         "the password is longer than " + std::to_string(c_maxCharacters) + " characters",
-        "choose one that a site list can carry");
+        "choose a shorter one");
   }
 }
 
@@ -99,7 +100,7 @@ std::wstring protect(const Context& context, const Password& password) {
   std::wstring protectedText;
   if (sitehlp::CSitesHelper(true).EncryptPassword(password.text(), protectedText) == 0) {
     throw failureAt(context.agentDirectory + "/keystore", exitCrypto,
-                    "the password cannot be protected",
+                    "the password cannot be encrypted",
                     "check that you may read the agent's password key");
   }
   return protectedText;

@@ -34,6 +34,17 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   return info;
 }
 
+// The parser's text for an option without its value is "--host: 1 required NAME missing".
+std::string inPlainWords(const std::string& text) {
+  const std::string start = ": 1 required ";
+  const std::string end = " missing";
+  const std::size_t at = text.find(start);
+  const std::size_t stop = text.rfind(end);
+  if (at == std::string::npos || stop == std::string::npos) return text;
+  const std::size_t name = at + start.size();
+  return text.substr(0, at) + ": " + text.substr(name, stop - name) + " is missing";
+}
+
 CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
   CommandInfo info;
   info.name = app.get_name();
@@ -67,7 +78,7 @@ Option& Option::choices(const std::vector<std::string>& values) {
     if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
     std::string known;
     for (const std::string& each : values) known += (known.empty() ? "" : ", ") + each;
-    return "\"" + value + "\" is none of " + known;
+    return "\"" + value + "\" is not one of " + known;
   });
   return *this;
 }
@@ -173,7 +184,7 @@ CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std:
     }
     const std::vector<std::string> left = m_app->remaining();
     const bool isNoCommand = m_app->get_subcommands().empty() && !left.empty() && left[0][0] != '-';
-    text = isNoCommand ? "there is no command \"" + left[0] + "\"" : e.what();
+    text = isNoCommand ? "unknown command \"" + left[0] + "\"" : inPlainWords(e.what());
     return Outcome::Wrong;
   }
 }

@@ -17,16 +17,16 @@ enum ExitStatus : int {
 
 constexpr const char* c_exitStatusHelp =
     "Exit status:\n"
-    "   0  done\n"
-    "   1  the answer is no: lists differ, a rule failed, something expires, or\n"
-    "      there is nothing of the kind\n"
+    "   0  success\n"
+    "   1  a negative result: lists differ, a list breaks a rule, a certificate\n"
+    "      expires, or there is nothing to print\n"
     "   2  wrong usage\n"
     "   3  invalid document\n"
     "   4  a file is missing, or cannot be read or written\n"
     "   5  a key or the cryptography failed\n"
-    "   6  a conflict with what is there, or the list is locked\n"
-    "   7  what was named is not there\n"
-    "  70  a bug in the tool\n";
+    "   6  a conflict with existing data, or the list is locked\n"
+    "   7  a named site, field, setting, rule or backup does not exist\n"
+    "  70  an internal error, or out of memory\n";
 
 // What stands for a status in the output for programs.
 constexpr const char* nameOf(ExitStatus status) {

@@ -24,23 +24,22 @@ struct Meaning {
 
 constexpr const char* c_nextMark = "\n  next: ";
 constexpr const char* c_mendDocument =
-    "mend the document at that place, or have it sent again by the server";
+    "fix the document at that place, or request it again from the server";
 constexpr const char* c_checkFile = "check that it is a regular file that you may read";
 
 constexpr Meaning c_meanings[] = {
-    {sitehlp::c_errorGeneral, exitDocument, "the last site of the list is of no known kind",
+    {sitehlp::c_errorGeneral, exitDocument, "the last site of the list is of unknown kind",
      "check the names of the elements in the document's \"SiteList\""},
     {sitehlp::c_errorNoPath, exitUsage, "no path, or an empty list, was given",
      "name a file that holds a site list"},
     {sitehlp::c_errorNoMemory, exitInternal, "a record could not be allocated",
      "free memory and try again"},
-    {sitehlp::c_errorFileMissing, exitFile, "the file does not exist",
-     "check the path; the agent's own list comes into being with `sitelist import`"},
+    {sitehlp::c_errorFileMissing, exitFile, "the file does not exist", "check the path"},
     {sitehlp::c_errorParse, exitDocument, "the document is not well formed", c_mendDocument},
     {sitehlp::c_errorNoServerSite, exitNegative, "the list has no management server",
      "add a complete \"VestaSite\", or use a list that has one"},
     {sitehlp::c_errorValidation, exitNegative, "the list breaks a rule",
-     "mend the faults; `sitelist validate` names them all"},
+     "fix the faults; `sitelist validate` lists them all"},
     {sitehlp::c_errorRead, exitFile, "the file could not be read", c_checkFile},
     {sitehlp::c_errorWrite, exitFile, "the file could not be written",
      "check that its directory exists, that you may write there and that there is room"},
@@ -50,7 +49,7 @@ constexpr Meaning c_meanings[] = {
     {ReadWriteException::INVALID_ENCODING, exitDocument,
      "the bytes are not valid in the document's encoding", c_mendDocument},
     {ReadWriteException::LIMIT_EXCEEDED, exitDocument, "the document is over a limit",
-     "no real list is that large or deep; find out where it came from"},
+     "no real list is that large or deep; check where it came from"},
 };
 
 const Meaning& meaningOf(int code) {
@@ -130,7 +129,7 @@ std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
     text = wide(utf8);
     document.reset(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size(), &writtenIn));
     if (document) return std::nullopt;
-    return notWellFormed(1, 1, "there is no markup in the file");
+    return notWellFormed(1, 1, "the file has no markup");
   } catch (const AdvXMLParser::ParsingException& e) {
     return notWellFormed(e.GetLine(), e.GetColumn(), shown(e.GetReason()));
   } catch (const ReadWriteException& e) {

@@ -35,7 +35,7 @@ void print(std::ostream& out, const Screen& screen, const Record& row, std::size
                        "Certificate " + text("number") + " of " + std::to_string(count))
       << '\n';
   if (text("readable") == "false") {
-    out << "  not readable as a certificate; its text is\n  " << text("text") << '\n';
+    out << "  cannot be read as a certificate; its text is\n  " << text("text") << '\n';
     return;
   }
   const bool isExpired = text("expired") == "true";
@@ -57,7 +57,7 @@ std::optional<int> daysOf(const Options& options) {
   const auto [stop, error] = std::from_chars(options.expiring.data(), end, days);
   if (error != std::errc() || stop != end || days < 0) {
     throw Failure(exitUsage, "--expiring: \"" + shown(options.expiring) +
-                                 "\" is no number of days\n  next: give a number such as 30");
+                                 "\" is not a number of days\n  next: give a number such as 30");
   }
   return days;
 }
@@ -89,7 +89,7 @@ int certs(Context& context, const Options& options) {
     // The one query that reports a document over a limit in this way.
     const auto fault = findDocumentFault(agent.path());
     throw libraryFailure(agent.path(), result, fault ? fault->status : exitDocument,
-                         "the document is over a limit", "find out where it came from");
+                         "the document is over a limit", "check where it came from");
   }
   if (result != 0) throw libraryFailure(agent.path(), result);
   Report report;
@@ -128,8 +128,8 @@ void addCerts(Command& app, Context& context) {
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--expiring", options->expiring,
-                  "Exit with 1 when a certificate has expired, or has at most\n"
-                  "this many days left")
+                  "Exit with status 1 if a certificate has expired or has at\n"
+                  "most this many days left")
       .type_name("DAYS");
   command.footer(
       "Examples:\n"

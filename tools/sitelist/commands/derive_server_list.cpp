@@ -34,18 +34,18 @@ int derive(Context& context, const Options& options) {
 
 void addDeriveServerList(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("derive-server-list", "Make ServerSiteList.xml without the local sites");
+      app.add_subcommand("derive-server-list", "Write ServerSiteList.xml without the local sites");
   const auto options = std::make_shared<Options>();
   command.add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
       .required()
       .type_name("");
   command
       .add_option("TARGET_DIR", options->target,
-                  "The directory of ServerSiteList.xml\n(default: the source's)")
+                  "The directory of ServerSiteList.xml\n(default: SOURCE_DIR)")
       .type_name("");
   command.footer(
-      "Takes SiteList.xml without the repositories whose \"Local\" is \"1\"; everything\n"
-      "else in the document stays as it is.\n"
+      "Copies SiteList.xml without the repositories whose \"Local\" is \"1\". Everything\n"
+      "else in the document is unchanged.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"

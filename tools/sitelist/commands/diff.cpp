@@ -22,8 +22,10 @@ SiteList read(const std::string& path) {
   SiteList list = readWholeSiteList(path);
   const std::vector<std::string> lost = sitesWithLostPasswords(path);
   if (lost.empty()) return list;
-  std::cerr << "sitelist: " << shown(path)
-            << ": compared as empty, for the agent's key does not open them: the passwords of";
+  std::cerr
+      << "sitelist: " << shown(path)
+      << ": warning: passwords that cannot be decrypted with this agent's key are compared as "
+         "empty:";
   for (const std::string& name : lost) std::cerr << (&name == lost.data() ? " " : ", ") << name;
   std::cerr << '\n';
   return list;
@@ -42,24 +44,24 @@ int diff(Context& context, const Options& options) {
 }  // namespace
 
 void addDiff(Command& app, Context& context) {
-  Command command = app.add_subcommand("diff", "Print in what two site lists differ");
+  Command command = app.add_subcommand("diff", "Show the differences between two site lists");
   const auto options = std::make_shared<Options>();
-  command.add_option("BEFORE", options->before, "The one list")
+  command.add_option("BEFORE", options->before, "The old list")
       .required()
       .type_name("")
       .completes(Completion::File);
-  command.add_option("AFTER", options->after, "The other list")
+  command.add_option("AFTER", options->after, "The new list")
       .required()
       .type_name("")
       .completes(Completion::File);
-  command.add_flag("--exit-code", options->exitCode, "Exit with 1 when they differ");
+  command.add_flag("--exit-code", options->exitCode, "Exit with status 1 if the lists differ");
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");
   command.footer(
-      "Compares what the lists say, not how they are written: versions, sites by kind\n"
-      "and name, proxy settings, certificates and policy settings. A site is reordered\n"
-      "when its order is another, or when it stands elsewhere in the list; the rest of\n"
-      "its fields are told as changed, one by one.\n"
+      "Compares the content of the lists, not their formatting: versions, sites by kind\n"
+      "and name, proxy settings, certificates and policy settings. A site counts as\n"
+      "reordered if its order number or its position changed. Other fields that differ\n"
+      "are listed one by one.\n"
       "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"

@@ -5,6 +5,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/password.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/field_rules.h"
 #include "tools/sitelist/edit/operations.h"
@@ -49,7 +50,7 @@ void addName(Command& command, Options& options) {
 void addKind(Command& command, Options& options) {
   command
       .add_option("--kind", options.site.kind,
-                  "The site's kind, where several share the name:\n" + kindNames())
+                  "The site's kind, if several sites have this name:\n" + kindNames())
       .type_name("KIND")
       .choices(kinds());
 }
@@ -69,7 +70,7 @@ std::vector<std::string> suggestedFields(bool isPassword) {
 void addValues(Command& command, Options& options) {
   command
       .add_option("FIELD=VALUE", options.assignments,
-                  "A field as `sitelist show --json` names it, and its value")
+                  "A field, named as in `sitelist show --json`, and its value")
       .type_name("")
       .suggests([] { return suggestedFields(false); });
   command.add_flag("--password-stdin", options.isPasswordFromInput,
@@ -82,7 +83,7 @@ void addValues(Command& command, Options& options) {
       .completes(Completion::File);
   command
       .add_option("--password-field", options.passwordField,
-                  "The field that the password goes to\n(default: password)")
+                  "The field that receives the password\n(default: password)")
       .type_name("FIELD")
       .suggests([] { return suggestedFields(true); });
 }
@@ -103,7 +104,7 @@ int editValues(Context& context, const Options& options, EditValues edit) {
   }
   if (options.isPasswordFromInput && !options.passwordFile.empty()) {
     throw Failure(exitUsage,
-                  "--password-stdin and --password-file cannot stand together\n  next: give one "
+                  "--password-stdin and --password-file exclude each other\n  next: give only one "
                   "of them");
   }
   Password password;
@@ -127,13 +128,16 @@ int set(Context& context, const Options& options) {
 
 int move(Context& context, const Options& options) {
   const bool isRelative = options.place == "before" || options.place == "after";
-  if (isRelative == options.other.empty()) {
-    throw Failure(exitUsage, isRelative
-                                 ? options.place +
-                                       ": before or after which site is not said\n"
-                                       "  next: name the other site behind it"
-                                 : "another site is named only behind before or after\n  next: "
-                                   "leave it out");
+  if (isRelative && options.other.empty()) {
+    throw Failure(exitUsage, "the site to move " + options.place +
+                                 " is missing\n  next: add its name, as in `sitelist edit move "
+                                 "Depot " +
+                                 options.place + " Offices`");
+  }
+  if (!isRelative && !options.other.empty()) {
+    throw Failure(exitUsage, "\"" + shown(options.place) +
+                                 "\" takes no other site\n  next: use before or after with \"" +
+                                 shown(options.other) + "\", or leave it out");
   }
   return performEdit(context, options.list, [&](ListEditor& list) {
     return moveSite(list, options.site, options.place, options.other);
@@ -143,11 +147,12 @@ int move(Context& context, const Options& options) {
 void addToggles(Command& edit, Edits& edits, Options& options) {
   for (const bool isEnabled : {true, false}) {
     const std::string name = isEnabled ? "enable" : "disable";
-    Command command = addEdit(
-        edit, edits, name, isEnabled ? "Let the agent use a site" : "Let the agent pass a site by",
-        [isEnabled](Context& context, const Options& given) {
-          return enable(context, given, isEnabled);
-        });
+    Command command = addEdit(edit, edits, name,
+                              isEnabled ? "Enable a site, so that the agent tries it"
+                                        : "Disable a site, so that the agent does not try it",
+                              [isEnabled](Context& context, const Options& given) {
+                                return enable(context, given, isEnabled);
+                              });
     addName(command, options);
     addKind(command, options);
     command.footer("Example:\n  sitelist edit " + name + " Depot\n");
@@ -155,13 +160,13 @@ void addToggles(Command& edit, Edits& edits, Options& options) {
 }
 
 void addSet(Command& edit, Edits& edits, Options& options) {
-  Command command = addEdit(edit, edits, "set", "Give fields of a site new values", set);
+  Command command = addEdit(edit, edits, "set", "Change fields of a site", set);
   addName(command, options);
   addKind(command, options);
   addValues(command, options);
   command.footer(
-      "What the agent would cut or not understand is refused. A password never stands\n"
-      "on the command line.\n"
+      "A value that the agent would cut or misread is refused. A password is never part\n"
+      "of the command line.\n"
       "\n"
       "Fields:\n" +
       fieldHelp() +
@@ -178,16 +183,16 @@ void addAdd(Command& edit, Edits& edits, Options& options) {
   Command command = addEdit(
       edit, edits, "add", "Add a site",
       [](Context& context, const Options& given) { return editValues(context, given, addSite); });
-  command.add_option("KIND", options.site.kind, "What it is: " + kindNames())
+  command.add_option("KIND", options.site.kind, "The kind of the site:\n" + kindNames())
       .required()
       .type_name("")
       .choices(kinds());
   addName(command, options);
   addValues(command, options);
   command.footer(
-      "The new site is enabled and the last one in the search order, unless the fields\n"
-      "say otherwise. Its type is repository, that of a server master; its port is 80,\n"
-      "that of an ftp site 21. `sitelist edit set --help` tells the fields.\n"
+      "The new site is enabled and the last one in the search order, unless its fields\n"
+      "say otherwise. The default type is repository (master for a server). The default\n"
+      "port is 80 (21 for ftp). `sitelist edit set --help` lists the fields.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit add http Depot server=depot.example relativePath=pub\n"
@@ -197,7 +202,7 @@ void addAdd(Command& edit, Edits& edits, Options& options) {
 }
 
 void addMoves(Command& edit, Edits& edits, Options& options) {
-  Command remove = addEdit(edit, edits, "remove", "Take a site out of the list",
+  Command remove = addEdit(edit, edits, "remove", "Remove a site from the list",
                            [](Context& context, const Options& given) {
                              return performEdit(context, given.list, [&](ListEditor& list) {
                                return removeSite(list, given.site);
@@ -207,36 +212,35 @@ void addMoves(Command& edit, Edits& edits, Options& options) {
   addKind(remove, options);
   remove.footer("Example:\n  sitelist edit remove Depot\n");
 
-  Command rename = addEdit(edit, edits, "rename", "Give a site another name",
-                           [](Context& context, const Options& given) {
-                             return performEdit(context, given.list, [&](ListEditor& list) {
-                               return renameSite(list, given.site, given.newName);
-                             });
-                           });
+  Command rename =
+      addEdit(edit, edits, "rename", "Rename a site", [](Context& context, const Options& given) {
+        return performEdit(context, given.list, [&](ListEditor& list) {
+          return renameSite(list, given.site, given.newName);
+        });
+      });
   addName(rename, options);
-  rename.add_option("NEW", options.newName, "Its new name").required().type_name("");
+  rename.add_option("NEW", options.newName, "The new name").required().type_name("");
   addKind(rename, options);
   rename.footer("Example:\n  sitelist edit rename Depot 'Depot North'\n");
 
-  Command command =
-      addEdit(edit, edits, "move", "Give a site another place in the search order", move);
+  Command command = addEdit(edit, edits, "move", "Move a site in the search order", move);
   addName(command, options);
   command
       .add_option("PLACE", options.place,
-                  "first, last, a position counted from 1,\nor before or after another site")
+                  "first, last, a position from 1,\nor before or after with OTHER")
       .required()
       .type_name("")
       .suggests([] {
         return std::vector<std::string>{"first", "last", "before", "after"};
       });
-  command.add_option("OTHER", options.other, "The other site")
+  command.add_option("OTHER", options.other, "The site to move before or after")
       .type_name("")
       .completes(Completion::Site);
   addKind(command, options);
   command.footer(
-      "The orders that the sites have are given out anew; as few sites as possible get\n"
-      "another one. Sites that are disabled have a place, too; mirrors, fallbacks\n"
-      "without an order and proxies have none.\n"
+      "The existing order numbers are redistributed, and as few sites as possible get\n"
+      "another one. A disabled site has a place in the search order. A mirror, a proxy\n"
+      "and a fallback without an order have none.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit move Depot first\n"
@@ -245,7 +249,7 @@ void addMoves(Command& edit, Edits& edits, Options& options) {
 
 void addRestore(Command& edit, Edits& edits) {
   Command command = addEdit(
-      edit, edits, "restore", "Put the list back as --backup kept it",
+      edit, edits, "restore", "Restore the list from its backup, FILE.bak",
       [](Context& context, const Options& given) { return restoreBackup(context, given.list); });
   command.footer(
       "Example:\n"
@@ -257,8 +261,8 @@ void addCommonOptions(Command& command, EditOptions& options) {
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
-  command.add_flag("--dry-run", options.dryRun, "Say what would change, and write nothing");
-  command.add_flag("--backup", options.backup, "Keep the list as it was beside it, as FILE.bak");
+  command.add_flag("--dry-run", options.dryRun, "Show what would change, and write nothing");
+  command.add_flag("--backup", options.backup, "Keep the old list as FILE.bak");
   command.add_option("--wait", options.wait, "How long to wait for other writers (default: 10)")
       .type_name("SECONDS");
 }
@@ -266,7 +270,7 @@ void addCommonOptions(Command& command, EditOptions& options) {
 }  // namespace
 
 void addEdit(Command& app, Context& context) {
-  Command command = app.add_subcommand("edit", "Change single sites of a list");
+  Command command = app.add_subcommand("edit", "Change individual sites of a list");
   const auto options = std::make_shared<Options>();
   const auto edits = std::make_shared<Edits>();
   addCommonOptions(command, options->list);
@@ -276,9 +280,10 @@ void addEdit(Command& app, Context& context) {
   addMoves(command, *edits, *options);
   addRestore(command, *edits);
   command.footer(
-      "Everything else in the document stays as it is, also what the agent does not\n"
-      "read. An edit may be repeated: what is there already is not written again.\n"
-      "`sitelist edit SUBCOMMAND --help` tells more of each edit.\n"
+      "Everything else in the document is unchanged, including what the agent does not\n"
+      "read. Repeating an edit changes nothing.\n"
+      "\n"
+      "`sitelist edit SUBCOMMAND --help` describes each edit.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit disable Depot\n"
@@ -290,7 +295,7 @@ void addEdit(Command& app, Context& context) {
       for (const auto& [edit, action] : *edits) {
         if (edit.parsed()) return action(context, *options);
       }
-      throw Failure(exitUsage, "what to edit is not said\n  next: see `sitelist edit --help`");
+      throw Failure(exitUsage, "a subcommand is missing\n  next: see `sitelist edit --help`");
     };
   });
 }

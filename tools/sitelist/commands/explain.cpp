@@ -52,7 +52,7 @@ void printSite(std::ostream& out, const Screen& screen, const Record& row) {
       << (where.empty() ? "" : "  " + where) << "\n     why    " << text(row, "reason") << '\n';
   if (!isTried) return;
   if (text(row, "local") == "true") {
-    out << "     local  known to this agent alone; left out of the server's list\n";
+    out << "     local  only this agent knows it; it is not in the server's list\n";
   }
   out << "     goes   " << throughOf(text(row, "proxy"), text(row, "proxyReason")) << '\n';
 }
@@ -74,7 +74,8 @@ void printProxySettings(std::ostream& out, const Screen& screen, const Record& f
     line("  FTP       ", "ftpProxy");
     line("  excluded  ", "exclusions");
     out << "  local addresses "
-        << (text(facts, "bypassLocal") == "true" ? "bypass it\n" : "go through it as well\n");
+        << (text(facts, "bypassLocal") == "true" ? "bypass the proxy\n"
+                                                 : "use the proxy as well\n");
   }
   if (text(facts, "userMayChange") == "true") out << "  the user may change these settings\n";
 }
@@ -167,20 +168,21 @@ int explain(Context& context, const Options& options) {
 
 void addExplain(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("explain", "Say which sites the agent tries, in which order, and why");
+      app.add_subcommand("explain", "Show which sites the agent tries, in which order, and why");
   const auto options = std::make_shared<Options>();
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--host", options->host,
-                  "Say only whether this host bypasses the proxy; exit with 0\n"
-                  "when it does over HTTP, with 1 when it does not")
+                  "Show only whether this host bypasses the proxy. The exit\n"
+                  "status is 0 if it does so over HTTP, otherwise 1.")
       .type_name("NAME");
   command.footer(
-      "Sites are tried by ascending order; of two with the same order the one that the\n"
-      "list has first. Disabled sites and mirrors are not tried. A fallback without an\n"
-      "order comes last. An exclusion is a host name, in which * and ? stand for any\n"
-      "characters; case does not count. A local address is a name without a dot, or\n"
-      "this machine.\n"
+      "Sites are tried in ascending order. If two have the same order, the one that is\n"
+      "first in the list is tried first. Disabled sites and mirrors are not tried. A\n"
+      "fallback without an order comes last.\n"
+      "\n"
+      "An exclusion is a host name in which * matches any characters and ? matches one;\n"
+      "case is ignored. A local address is a name without a dot, or this machine.\n"
       "\n"
       "Examples:\n"
       "  sitelist explain\n"

@@ -53,16 +53,16 @@ void print(std::ostream& out, const Screen& screen, const Rule& rule) {
       << heading("What to do")
       << wrapped(rule.mend, columns)
       // Examples stay whole, to be copied.
-      << heading("Faulty") << "  " << rule.faulty << '\n'
-      << heading("Mended") << "  " << rule.mended << '\n';
+      << heading("Wrong") << "  " << rule.faulty << '\n'
+      << heading("Right") << "  " << rule.mended << '\n';
 }
 
 const Rule& requireRule(const std::string& name) {
   if (const Rule* const rule = findRule(name)) return *rule;
   std::vector<std::string> known;
   for (const Rule& rule : allRules()) known.emplace_back(rule.name);
-  throw Failure(exitNotFound, "there is no rule \"" + shown(name) + "\"" + suggestion(name, known) +
-                                  "\n  next: `sitelist explain-rule` names them all");
+  throw Failure(exitNotFound, "unknown rule \"" + shown(name) + "\"" + suggestion(name, known) +
+                                  "\n  next: list all rules with `sitelist explain-rule`");
 }
 
 Report reportOfAll() {
@@ -72,7 +72,7 @@ Report reportOfAll() {
   report.columns = {"name", "severity", "summary", "why", "mend", "faulty", "mended"};
   for (const Rule& rule : allRules()) report.rows.push_back(recordOf(rule));
   report.table = [](std::ostream& out, const Screen& screen) {
-    Table table({L"RULE", L"SEVERITY", L"WHAT IT ASKS"});
+    Table table({L"RULE", L"SEVERITY", L"REQUIREMENT"});
     for (const Rule& rule : allRules()) {
       table.add({wide(rule.name), wide(nameOf(rule.severity)), wide(rule.summary)});
     }
@@ -104,9 +104,10 @@ std::vector<std::string> ruleNames() {
 
 void addExplainRule(Command& app, Context& context) {
   Command command = app.add_subcommand(
-      "explain-rule", "Tell why a rule of `validate` is there, and how to keep it");
+      "explain-rule", "Explain a rule of `validate` and how to fix what breaks it");
   const auto options = std::make_shared<Options>();
-  command.add_option("NAME", options->name, "A rule, as `validate` names it (default: all of them)")
+  command
+      .add_option("NAME", options->name, "The name of a rule, as in `validate` (default: list all)")
       .type_name("")
       .suggests(ruleNames);
   command.footer(

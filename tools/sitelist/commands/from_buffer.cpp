@@ -24,29 +24,28 @@ int fromBuffer(Context& context, const std::string& file) {
   sitehlp::CSitesHelper helper(wide(ownListPath(context)));
   const int result = helper.CreateSiteListFromBuffer(text);
   if (result == sitehlp::c_errorWrite) {
-    throw libraryFailure("the agent's scratch area", result, exitFile,
-                         "the list could not be written",
-                         "make scratch/etc in the default data directory, and check that you may "
+    throw libraryFailure("the scratch directory", result, exitFile, "the list could not be written",
+                         "create scratch/etc in the default data directory, and check that you may "
                          "write there");
   }
   if (result != 0) throw libraryFailure(input.name, input.bytes, result);
   std::cerr << "sitelist: wrote the list from " << shown(input.name)
-            << " to the agent's scratch area\n";
+            << " to the scratch directory\n";
   return exitSuccess;
 }
 
 }  // namespace
 
 void addFromBuffer(Command& app, Context& context) {
-  Command command =
-      app.add_subcommand("from-buffer", "Write a document from memory to the scratch area");
+  Command command = app.add_subcommand("from-buffer", "Write a document to the scratch directory");
   const auto file = std::make_shared<std::string>();
-  command.add_option("FILE", *file, "The document; standard input with - or without a name")
+  command.add_option("FILE", *file, "The document; - or no FILE means standard input")
       .type_name("");
   command.footer(
-      "The list goes to /Library/Korvel/orb/scratch/etc/SiteList.xml, whatever agent is\n"
-      "served; that directory must be there. It gets versions of its own. Certificates\n"
-      "are those of the document or, when it has no bundle, of the agent's own list.\n"
+      "The list is written to /Library/Korvel/orb/scratch/etc/SiteList.xml, whichever\n"
+      "agent --agent-dir names. That directory must exist. Versions and type are not\n"
+      "those of the document. The certificates are those of the document or, if it has\n"
+      "no bundle, of the agent's own list.\n"
       "\n"
       "Examples:\n"
       "  sitelist from-buffer received.xml\n"

@@ -24,8 +24,7 @@ struct Options {
 };
 
 [[noreturn]] void failUnknownField(const std::string& field, const std::string& known) {
-  throw Failure(exitUsage,
-                "there is no field \"" + shown(field) + "\"\n  next: name one of " + known);
+  throw Failure(exitUsage, "unknown field \"" + shown(field) + "\"\n  next: use one of " + known);
 }
 
 Failure missing(const SiteList& list, const std::string& what, const std::string& next) {
@@ -45,14 +44,14 @@ const tag_Site& findSite(const SiteList& list, const Options& options) {
     kinds += (++count == 1 ? "" : ", ") + std::string(kindOf(*site));
   }
   if (count > 1) {
-    throw failureAt(list.path, exitConflict,
-                    "several sites are named \"" + shown(options.site) + "\": " + kinds,
-                    areOfOneKind ? "`sitelist show --json` prints them all"
-                                 : "say which is meant with --kind KIND");
+    throw failureAt(
+        list.path, exitConflict,
+        "several sites are named \"" + shown(options.site) + "\": " + kinds,
+        areOfOneKind ? "see them all with `sitelist show --json`" : "choose one with --kind KIND");
   }
   if (!found) {
     throw missing(list, "there is no site named \"" + shown(options.site) + "\"",
-                  "`sitelist show` names them all");
+                  "list all sites with `sitelist show`");
   }
   return *found;
 }
@@ -67,14 +66,14 @@ Scalar siteValue(const SiteList& list, const Options& options) {
   const Record record = recordOf(findSite(list, options), options.showSecrets);
   if (const Scalar* const value = find(record, options.field)) return *value;
   throw missing(list, "a site of this kind has no field \"" + options.field + "\"",
-                "`sitelist show --json` prints the fields that it has");
+                "see its fields with `sitelist show --json`");
 }
 
 Scalar policyValue(const SiteList& list, const std::string& name) {
   const auto setting = list.policySettings.find(wide(name));
   if (setting != list.policySettings.end()) return narrow(setting->second);
   throw missing(list, "there is no policy setting \"" + shown(name) + "\"",
-                "`sitelist policies` prints them all");
+                "list all settings with `sitelist policies`");
 }
 
 Scalar listValue(const SiteList& list, const Options& options) {
@@ -90,8 +89,8 @@ Scalar listValue(const SiteList& list, const Options& options) {
                      "site with --site NAME");
   }
   if (!std::holds_alternative<std::monostate>(*value)) return *value;
-  throw missing(list, "the list does not say its " + options.field,
-                "`sitelist versions` prints what it says");
+  throw missing(list, "the list has no " + options.field,
+                "see what it has with `sitelist versions`");
 }
 
 std::vector<std::string> fieldNames() {
@@ -126,15 +125,16 @@ void addGet(Command& app, Context& context) {
   command
       .add_option("FIELD", options->field,
                   "globalVersion, localVersion, type, fipsMode, policy.NAME;\n"
-                  "with --site any field of the site's JSON form")
+                  "with --site, any field of the site in the JSON form")
       .required()
       .type_name("")
       .suggests(fieldNames);
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
-  command.add_option("--site", options->site, "A value of the site of this name")
+  command.add_option("--site", options->site, "Print a value of the site with this name")
       .type_name("NAME")
       .completes(Completion::Site);
-  command.add_option("--kind", options->kind, "The kind of the site, when several share the name")
+  command
+      .add_option("--kind", options->kind, "The kind of the site, if several sites have this name")
       .type_name("KIND")
       .choices({"server", "agent", "http", "ftp", "unc", "local", "proxy", "unknown"});
   command.add_flag("--show-secrets", options->showSecrets,

@@ -26,7 +26,7 @@ struct Options {
 };
 
 Failure cannotMake(const std::string& path, const std::string& reason) {
-  return failureAt(path, exitFile, "cannot be made: " + reason,
+  return failureAt(path, exitFile, "cannot be created: " + reason,
                    "check the path and that you may write there");
 }
 
@@ -40,7 +40,7 @@ void makeLocks(Context& context) {
   using korvel_com::orb::lock::InterProcessWriteLock;
   for (const char* name : {sitehlp::c_siteListLock, sitehlp::smartSiteListLock}) {
     if (!InterProcessWriteLock(name).lock(0x7FFFFFFF)) {
-      throw cannotMake(context.agentDirectory + "/locks", "no lock can be had there");
+      throw cannotMake(context.agentDirectory + "/locks", "the lock files cannot be used");
     }
   }
 }
@@ -52,7 +52,7 @@ void makePasswordKey(Context& context) {
   CryptShim::instance()->destroy_encryption_object(object);
   if (!object) {
     throw failureAt(context.agentDirectory + "/keystore", exitCrypto,
-                    "the password key cannot be made", "check that you may write there");
+                    "the password key cannot be created", "check that you may write there");
   }
 }
 
@@ -66,9 +66,10 @@ host::AgentSettings settingsFrom(Context& context, const Options& options) {
   }
   if (options.hasMeshCommand &&
       (context.meshCommand.empty() || !fs::path(context.meshCommand.front()).is_absolute())) {
-    throw Failure(exitUsage,
-                  "--mesh-command: no program with its full path\n  next: write --mesh-command "
-                  "/full/path/of/program ARG... at the end of the line");
+    throw Failure(
+        exitUsage,
+        "--mesh-command: the full path of a program is missing\n  next: end the command line "
+        "with --mesh-command /full/path/of/program ARG...");
   }
   return settings;
 }
@@ -80,7 +81,7 @@ int init(Context& context, const Options& options) {
   const host::AgentSettings settings = settingsFrom(context, options);
   std::error_code error;
   if (fs::exists(fs::symlink_status(settingsFile, error))) {
-    throw failureAt(settingsFile, exitConflict, "there is an agent already",
+    throw failureAt(settingsFile, exitConflict, "an agent exists already",
                     "edit this file to change its settings, or name another directory with "
                     "--agent-dir");
   }
@@ -98,15 +99,16 @@ int init(Context& context, const Options& options) {
   const std::string text = host::formatAgentSettings(settings);
   const int failed = host::replaceFile(settingsFile, text.data(), text.size(), 0644);
   if (failed != 0) throw cannotMake(settingsFile, std::generic_category().message(failed));
-  std::cerr << "sitelist: made a" << (options.managed ? " managed" : "n unmanaged") << " agent in "
-            << shown(directory) << '\n';
+  std::cerr << "sitelist: created a" << (options.managed ? " managed" : "n unmanaged")
+            << " agent in " << shown(directory) << '\n';
   return exitSuccess;
 }
 
 }  // namespace
 
 void addInit(Command& app, Context& context) {
-  Command command = app.add_subcommand("init", "Make an agent's data directory and its settings");
+  Command command =
+      app.add_subcommand("init", "Create the data directory and settings of an agent");
   const auto options = std::make_shared<Options>();
   command.add_flag("--managed", options->managed, "The agent is under central management");
   command
@@ -117,12 +119,13 @@ void addInit(Command& app, Context& context) {
   // What follows the program was taken off the command line before; see Context::meshCommand.
   command
       .add_flag("--mesh-command", options->hasMeshCommand,
-                "Makes the mesh service load its copy. The program by its\n"
-                "full path; all that follows belongs to it, so this option\ncomes last.")
+                "Command that makes the mesh service load its copy: the\n"
+                "full path of a program, and its arguments. All that\n"
+                "follows belongs to it, so this option must come last.")
       .type_name("PROGRAM ARG...");
   command.footer(
-      "Makes the directories, the settings file agent.toml, the lock files and the\n"
-      "password key. Refuses to touch a directory that has an agent.toml.\n"
+      "Creates the directories, the settings file agent.toml, the lock files and the\n"
+      "password key. Fails and changes nothing if there is an agent.toml already.\n"
       "\n"
       "Examples:\n"
       "  sitelist --agent-dir ./agent init\n"

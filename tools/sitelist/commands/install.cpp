@@ -4,12 +4,12 @@ namespace tool {
 
 void addInstall(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("install", "Make an incoming site list the agent's own unchecked");
+      app.add_subcommand("install", "Make an incoming site list the agent's own, without checks");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
   addIncomingOptions(command, *options);
   command.footer(
-      "The list is taken without any check of its sites.\n\n"
+      "The sites of the list are not checked.\n\n"
       "Examples:\n"
       "  sitelist install incoming/SiteList.xml\n"
       "  sitelist install --keys ./keys lists/old-server.xml\n");

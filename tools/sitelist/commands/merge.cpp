@@ -73,8 +73,8 @@ int merge(Context& context, const Options& options) {
   if (options.dryRun) return preview(context, options);
   if (options.output.empty() && (context.json || context.format != "table")) {
     throw Failure(exitUsage,
-                  "the merged list is a document of its own, in no other format\n  next: leave "
-                  "--format out, or name a file with --output");
+                  "the merged list is an XML document and has no other format\n  next: leave "
+                  "--format out, or write the list to a file with --output");
   }
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);
@@ -100,16 +100,18 @@ void addMerge(Command& app, Context& context) {
                   "Where to write the result (default: standard output)")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
-                   "Say what would change in the list that the sites go into,\n"
+                   "Show what would change in the list that gets the sites,\n"
                    "and write nothing");
   command.footer(
-      "Without --second: the agent's own list, with the first list's fallback site\n"
-      "put in and its management servers in place of the list's own.\n"
-      "With both: the second list, then the first without its proxy settings.\n"
-      "With --second alone: the second list, with the own list's fallback site put in\n"
-      "and its management servers in place of the second's.\n"
-      "Versions, certificates and policy settings are those of the second list or,\n"
-      "without it, of the agent's own; the local version is the present time.\n"
+      "The result depends on the options:\n"
+      "  --first   the agent's own list, with the fallback site and the management\n"
+      "            servers of the first list\n"
+      "  --second  the second list, with the fallback site and the management servers\n"
+      "            of the agent's own list\n"
+      "  both      the second list, then the first without its proxy settings\n"
+      "  neither   the agent's own list\n"
+      "Versions, certificates and policy settings are those of the second list or, if\n"
+      "it is not given, of the agent's own. The local version is the current time.\n"
       "\n"
       "Examples:\n"
       "  sitelist merge --first incoming/SiteList.xml > merged.xml\n"

@@ -9,6 +9,7 @@
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/edit_failure.h"
 #include "tools/sitelist/model/site_list.h"
+#include "tools/sitelist/validate/validation.h"
 
 namespace tool {
 namespace {
@@ -39,6 +40,9 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
 [[noreturn]] void fail(const Options& options, const std::string& ownList) {
   failIfNotEditable(ownList);
   failIfNotEditable(options.incoming.file);
+  const int result = readSiteList(options.incoming.file).result;
+  if (result == sitehlp::c_errorGeneral) throw lastSiteFailure(options.incoming.file);
+  if (result != 0) throw libraryFailure(options.incoming.file, result);
   if (!haveKeyFiles(options.incoming)) {
     failOwnFiles(options.incoming, ownList, sitehlp::c_errorGeneral);
   }
@@ -71,7 +75,7 @@ int perform(Context& context, const Options& options) {
   serveAgent(context);
   const std::string ownList = ownListPath(context);
   if (!modify(ownList, options)) fail(options, ownList);
-  std::cerr << "sitelist: " << shown(ownList) << " is modified\n";
+  std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
   return exitSuccess;
 }
 
@@ -79,25 +83,25 @@ int perform(Context& context, const Options& options) {
 
 void addModify(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("modify", "Edit the agent's list in place from another list");
+      app.add_subcommand("modify", "Replace parts of the agent's list by those of another list");
   const auto options = std::make_shared<Options>();
-  command.add_option("SOURCE", options->incoming.file, "The list to take from")
+  command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
       .required()
       .type_name("")
       .completes(Completion::File);
   command.add_flag("--repositories", options->repositories,
-                   "Take over the two default vendor repositories");
+                   "Replace the two default vendor repositories");
   command.add_flag("--servers", options->servers,
-                   "Take over the management servers and the CA certificates");
+                   "Replace the management servers and the CA certificates");
   command
       .add_option("--keys", options->incoming.keyDirectory,
-                  "Where the server's public key is, for a list whose server\nhas no version")
+                  "Directory of the server's public key, for a list whose\nserver has no version")
       .type_name("DIR");
   command.add_flag("--dry-run", options->incoming.dryRun,
-                   "Say what would change, and write nothing");
+                   "Show what would change, and write nothing");
   command.footer(
-      "Everything else in the document stays as it is, also what the agent does not\n"
-      "read. The key files beside SOURCE are installed in any case.\n"
+      "Everything else in the document is unchanged, including what the agent does not\n"
+      "read. The key files next to SOURCE are always installed.\n"
       "\n"
       "Examples:\n"
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"

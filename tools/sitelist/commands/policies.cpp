@@ -58,13 +58,13 @@ void addPolicies(Command& app, Context& context) {
   const auto options = std::make_shared<Options>();
   command
       .add_option("FILE", options->file,
-                  "A site list (default: the agent's own); ./set for a file\nof the name set")
+                  "A site list (default: the agent's own); write ./set for\na file named set")
       .type_name("");
   Command setCommand =
       command.add_subcommand("set", "Set a policy setting in the agent's own list");
   setCommand.fallthrough();
-  setCommand.add_option("NAME", options->name, "Its name").required().type_name("");
-  setCommand.add_option("VALUE", options->value, "Its value").required().type_name("");
+  setCommand.add_option("NAME", options->name, "The name of the setting").required().type_name("");
+  setCommand.add_option("VALUE", options->value, "The new value").required().type_name("");
   setCommand.footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
   command.footer(
       "Examples:\n"

@@ -48,24 +48,23 @@ void add(const Entry& entry, Command& app, Context& context) {
 // The options that all commands have.
 std::unique_ptr<CommandLine> makeProgram(Context& context) {
   auto line =
-      std::make_unique<CommandLine>("Looks after the site list of an endpoint agent.", "sitelist");
+      std::make_unique<CommandLine>("Manages the site list of an endpoint agent.", "sitelist");
   Command app = line->program();
   context.agentDirectory = c_defaultAgentDirectory;
   app.add_option("--agent-dir", context.agentDirectory,
-                 "Data directory of the agent to serve\n(default: /Library/Korvel/orb)")
+                 "Data directory of the agent\n(default: /Library/Korvel/orb)")
       .type_name("DIR");
-  app.add_option("--format", context.format,
-                 "Form of the output: table (the default), json, csv or xml")
-      .type_name("FORM")
+  app.add_option("--format", context.format, "Output format: table (the default), json, csv or xml")
+      .type_name("FORMAT")
       .choices({"table", "json", "csv", "xml"});
   app.add_flag("--json", context.json, "The same as --format json");
   app.add_option("--color", context.color,
-                 "Colour in tables: auto (the default), always or never;\nauto heeds NO_COLOR")
+                 "Colour in tables: auto (the default), always or never;\nauto respects NO_COLOR")
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);
-  app.footer(std::string("`sitelist COMMAND --help` tells more of a command, with examples.\n\n") +
+  app.footer(std::string("`sitelist COMMAND --help` describes a command, with examples.\n\n") +
              c_exitStatusHelp);
   return line;
 }

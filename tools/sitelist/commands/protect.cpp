@@ -24,11 +24,11 @@ int protectLine(Context& context) {
 }  // namespace
 
 void addProtect(Command& app, Context& context) {
-  Command command = app.add_subcommand("protect", "Print the protected form of a password");
+  Command command = app.add_subcommand("protect", "Encrypt a password and print the result");
   command.footer(
-      "The clear password is the first line of standard input, never part of the\n"
-      "command line. Only the same agent can read the protected form, which goes into a\n"
-      "\"Password\" element as it is, without white space around it.\n"
+      "The clear password is the first line of standard input and never part of the\n"
+      "command line. Only the same agent can decrypt the result. Put it unchanged into\n"
+      "a \"Password\" element, without white space around it.\n"
       "\n"
       "Examples:\n"
       "  sitelist protect\n"

@@ -21,7 +21,7 @@ int rewrite(Context& context, const Options& options) {
   writeSiteList(list, agent.path());
   if (list.fipsMode) {
     std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode, "
-              << shown(*list.fipsMode) << ", is not carried over\n";
+              << shown(*list.fipsMode) << ", is not kept\n";
   }
   std::cerr << "sitelist: wrote " << countEntries(list.sites.get()) << " to "
             << shown(options.destination) << '\n';
@@ -31,7 +31,8 @@ int rewrite(Context& context, const Options& options) {
 }  // namespace
 
 void addRewrite(Command& app, Context& context) {
-  Command command = app.add_subcommand("rewrite", "Read a site list and write it anew");
+  Command command =
+      app.add_subcommand("rewrite", "Read a site list and write it in the agent's own form");
   const auto options = std::make_shared<Options>();
   command.add_option("SRC", options->source, "The list to read")
       .required()
@@ -42,9 +43,9 @@ void addRewrite(Command& app, Context& context) {
       .type_name("")
       .completes(Completion::File);
   command.footer(
-      "Writes as the agent itself does. Versions, type, certificates and policy\n"
-      "settings are carried over; passwords are protected anew with the agent's key.\n"
-      "What the agent does not read from a list is left out.\n"
+      "Versions, type, certificates and policy settings are kept. Passwords are\n"
+      "encrypted again with the agent's key. What the agent does not read from a list\n"
+      "is lost.\n"
       "\n"
       "Example:\n"
       "  sitelist rewrite incoming/SiteList.xml tidy.xml\n");

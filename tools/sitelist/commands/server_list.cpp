@@ -31,7 +31,7 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
   }
   if (after == before) {
     throw libraryFailure(path, sitehlp::c_errorWrite, exitFile, "the list could not be written",
-                         "check that you may write there and that there is room");
+                         "check that you may write there and that there is free space");
   }
 }
 
@@ -56,7 +56,7 @@ int serverList(Context& context, const Options& options) {
   }
   if (isRewritten) requireRewritten(input, path, before);
   if (options.adjustPasswords && !isRewritten) {
-    std::cerr << "sitelist: the agent's key size is not 2048; passwords are as they were\n";
+    std::cerr << "sitelist: the agent's key size is not 2048; the passwords are unchanged\n";
   }
   std::cerr << "sitelist: stored " << shown(input.name) << " as " << shown(path) << '\n';
   return exitSuccess;
@@ -66,15 +66,16 @@ int serverList(Context& context, const Options& options) {
 
 void addServerList(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("server-list", "Store a server site list handed over by the server");
+      app.add_subcommand("server-list", "Store a site list from the server as ServerSiteList.xml");
   const auto options = std::make_shared<Options>();
-  command.add_option("FILE", options->file, "The document; standard input with - or without a name")
+  command.add_option("FILE", options->file, "The document; - or no FILE means standard input")
       .type_name("");
   command.add_flag("--adjust-passwords", options->adjustPasswords,
-                   "Recover the passwords with the server's key and protect\nthem with the "
-                   "agent's; without it the bytes are stored\nas they are");
+                   "Decrypt the passwords with the server's key and encrypt\nthem with the "
+                   "agent's");
   command.footer(
-      "The list becomes ServerSiteList.xml in the agent's data directory.\n"
+      "The list is stored as ServerSiteList.xml in the agent's data directory. Without\n"
+      "--adjust-passwords the bytes are stored unchanged and unchecked.\n"
       "\n"
       "Examples:\n"
       "  sitelist server-list received.xml\n"

@@ -49,13 +49,15 @@ int servers(Context& context, const Options& options) {
 }  // namespace
 
 void addServers(Command& app, Context& context) {
-  Command command = app.add_subcommand("servers", "Print where the agent's management server is");
+  Command command =
+      app.add_subcommand("servers", "Print the address of the agent's management server");
   const auto options = std::make_shared<Options>();
-  command.add_flag("--all", options->all,
-                   "All management servers by ascending order, with \";\"\nbetween them; the port "
-                   "is the last one's");
+  command.add_flag(
+      "--all", options->all,
+      "All management servers in ascending order, separated by\n\";\"; the port is that of "
+      "the last server");
   command.add_flag("--non-secure-port", options->nonSecurePort,
-                   "The plain port, also where there is a secure one");
+                   "The plain port, even if there is a secure one");
   command.footer(
       "Examples:\n"
       "  sitelist servers\n"

@@ -142,7 +142,9 @@ int show(Context& context, Options options) {
   if (list->result != 0) throw libraryFailure(agent.path(), list->result);
   if (counts.selected != 0) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": "
-            << (counts.read != 0 ? "no site matches" : "the list has no sites") << '\n';
+            << (counts.read != 0 ? "no site matches" + noteOnFilters(options.selection)
+                                 : "the list has no sites")
+            << '\n';
   return exitNegative;
 }
 
@@ -155,28 +157,29 @@ void addShow(Command& app, Context& context) {
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--columns", options->columnList,
-                  "Columns of the table, with commas between them: order,\nkind, type, name, "
-                  "address, path, state, or any field\nof the JSON form")
+                  "Columns of the table, separated by commas: order, kind,\ntype, name, "
+                  "address, path, state, or any field of the\nJSON form")
       .type_name("LIST")
       .suggests(columnNames)
       .completes(Completion::List);
   command
       .add_option("--sort", options->selection.sort,
-                  "Sort by this column; -COLUMN for the descending order")
+                  "Sort by this column; -COLUMN sorts in descending order")
       .type_name("COLUMN")
       .suggests(columnNames);
   command
       .add_repeated("--filter", options->selection.filters,
-                    "Only sites whose kind, type or name matches; * and ? stand\nfor any "
-                    "characters, and kind=, type= or name= in front\nsays which is meant. May be "
-                    "given again; all must match.")
+                    "Only sites whose kind, type or name matches; * matches any\n"
+                    "characters and ? matches one. With kind=, type= or name=\n"
+                    "in front, only that field is compared. This option may be\n"
+                    "repeated; all patterns must match.")
       .type_name("PATTERN");
-  command.add_flag("--wide", options->wide, "Cut nothing to fit the terminal");
+  command.add_flag("--wide", options->wide, "Do not cut columns to fit the terminal");
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");
   command.footer(
-      "The forms json, csv and xml have every field of every record, in the order of\n"
-      "the list unless --sort asks for another.\n"
+      "The formats json, csv and xml have all fields of all records, in the order of\n"
+      "the list unless --sort is given.\n"
       "\n"
       "Examples:\n"
       "  sitelist show\n"

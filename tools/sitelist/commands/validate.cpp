@@ -39,7 +39,7 @@ ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
   file.close();
   if (file) return source;
   throw failureAt(source.path, exitFile, "standard input could not be stored",
-                  "make room there, or set TMPDIR to another directory");
+                  "free space there, or set TMPDIR to another directory");
 }
 
 void print(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
@@ -89,7 +89,7 @@ void requireSense(const Options& options) {
   }
   if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
     throw Failure(exitUsage,
-                  "standard input can be read once only\n  next: give \"-\" at most once");
+                  "standard input can be read only once\n  next: give \"-\" at most once");
   }
 }
 
@@ -119,30 +119,30 @@ int validate(Context& context, const Options& options) {
 void addValidate(Command& app, Context& context) {
   Command command = app.add_subcommand("validate", "Check whether site lists can be imported");
   const auto options = std::make_shared<Options>();
-  command.add_option("FILE", options->files, "Site lists; - stands for standard input")
+  command.add_option("FILE", options->files, "Site lists; - means standard input")
       .required()
       .type_name("")
       .completes(Completion::File);
   command.add_flag("--managed", options->managed,
-                   "Check as an agent under central management does,\nmanagement server included "
-                   "(the default)");
+                   "Check as an agent under central management does,\nincluding the management "
+                   "server (the default)");
   command.add_flag("--unmanaged", options->unmanaged,
-                   "Check as an agent does that is not under central\nmanagement");
-  command.add_flag("--strict", options->strict, "Warnings count as faults, too");
+                   "Check as an agent without central management does");
+  command.add_flag("--strict", options->strict, "Treat warnings as errors");
   command.footer(
-      "Needs no agent, and writes nothing. Each fault is one line,\n"
+      "Needs no agent and writes nothing. Each fault is printed on one line,\n"
       "  FILE:LINE:COLUMN: RULE: TEXT\n"
-      "without LINE:COLUMN where no place is meant. `sitelist explain-rule RULE` tells\n"
-      "why a rule matters and how to mend what breaks it.\n"
+      "without LINE:COLUMN if it has no place in the file. `sitelist explain-rule RULE`\n"
+      "explains a rule and how to fix what breaks it.\n"
       "\n"
-      "Rules that a list has to keep to be taken:\n" +
+      "Errors (the list is rejected):\n" +
       ruleHelp(Severity::Error) +
-      "The rules of the server hold for the first one of the list.\n"
+      "The rules for the server apply to the first management server in the list.\n"
       "\n"
-      "Warnings, which end in [warning], tell what the agent takes without a word but\n"
-      "reads in another way than it seems to be meant:\n" +
+      "Warnings (the list is accepted, but probably not read as intended); their lines\n"
+      "end in [warning]:\n" +
       ruleHelp(Severity::Warning) +
-      "Of several lists the exit status is the highest.\n\n"
+      "With several lists, the exit status is the highest of all.\n\n"
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
       "  sitelist validate --unmanaged --strict lists/*.xml\n"

@@ -23,7 +23,7 @@ int versions(Context& context, const std::string& file) {
   if (helper.GetSitelistFipsMode(path, fipsMode) == 0) list.fipsMode = fipsMode;
   Report report;
   report.facts = listFacts(list);
-  const std::string mode = list.fipsMode ? shown(fipsMode) : "not said";
+  const std::string mode = list.fipsMode ? shown(fipsMode) : "none";
   report.table = [facts = report.facts, mode](std::ostream& out, const Screen&) {
     const auto text = [&](const char* name) { return shown(textOf(*find(facts, name))); };
     out << "global version  " << text("globalVersion") << "\nlocal version   "

@@ -31,7 +31,7 @@ std::int64_t nextOrder(ListEditor& list) {
   }
   if (last == std::numeric_limits<std::int32_t>::max()) {
     throw Failure(exitUsage,
-                  "order: there is no free place behind the last site\n  next: give order=NUMBER");
+                  "order: there is no free number after the last site\n  next: give order=NUMBER");
   }
   return last + 1;
 }
@@ -89,13 +89,14 @@ Outcome addSite(ListEditor& list, const SiteName& name, const std::vector<std::s
   refusePortAlone(nullptr, given);
   const std::string title = titleOf(name);
   if (name.name.empty()) {
-    throw Failure(exitUsage, "a site has to have a name\n  next: give it one");
+    throw Failure(exitUsage, "a site must have a name\n  next: give it a name");
   }
   for (const Entry* site : sitesNamed(list, name)) {
     const std::string names = differences(*site, rules, given);
-    if (names.empty()) return {"", title + " is there"};
-    std::string text = shown(list.path()) + ": there is another " + title;
-    text += "\n  it differs in " + names + "\n  next: use `sitelist edit set`, or another name";
+    if (names.empty()) return {"", title + " exists already"};
+    std::string text = shown(list.path()) + ": " + title + " exists already, with other values";
+    text += "\n  it differs in " + names +
+            "\n  next: change it with `sitelist edit set`, or use another name";
     throw Failure(exitConflict, text, {list.path()});
   }
   list.add(rules.element, completed(list, rules, given));

@@ -50,7 +50,7 @@ int replaceLike(const std::string& like, const std::string& to, const std::strin
 [[noreturn]] void failToWrite(const std::string& path, const std::string& what, int error) {
   throw Failure(exitFile,
                 shown(path) + ": " + what + ": " + std::strerror(error) +
-                    "\n  next: check that you may write there and that there is room",
+                    "\n  next: check that you may write there and that there is free space",
                 {path});
 }
 
@@ -72,8 +72,8 @@ std::string readBackup(const std::string& list) {
   if (error == ENOENT) {
     throw Failure(exitNotFound,
                   shown(path) +
-                      ": there is no backup\n  next: give --backup to the edits that "
-                      "you may want to take back",
+                      ": there is no backup\n  next: use --backup with edits that "
+                      "you may want to undo",
                   {path});
   }
   if (error) {

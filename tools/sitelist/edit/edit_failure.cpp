@@ -22,7 +22,7 @@ void failIfNotEditable(const std::string& path) {
   if (!document.useExistingFile(wide(path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
                                 WX_XML_SITELISTS_NAMESPACE)) {
     throw failureAt(path, exitDocument,
-                    "the document is no site list\n  its root is not \"ns:SiteLists\" with "
+                    "the document is not a site list\n  its root is not \"ns:SiteLists\" with "
                     "xmlns:ns=\"wxSiteList\"",
                     "check that it is the right file");
   }

@@ -12,7 +12,7 @@ using Entry = ListEditor::Entry;
 
 [[noreturn]] void failAmbiguous(const ListEditor& list, const SiteName& name,
                                 const std::vector<Entry*>& sites) {
-  std::string text = shown(list.path()) + ": there are several of the name " + shown(name.name);
+  std::string text = shown(list.path()) + ": several sites are named \"" + shown(name.name) + "\"";
   bool haveOneKind = true;
   for (const Entry* site : sites) {
     text += "\n  " + titleOf(*site->record) + ", order " + std::to_string(site->record->iOrder);
@@ -21,9 +21,9 @@ using Entry = ListEditor::Entry;
   }
   throw Failure(exitConflict,
                 text + "\n  next: " +
-                    (haveOneKind ? "give them names of their own in the document; "
-                                   "they are of one kind, too"
-                                 : "say which one with --kind KIND"),
+                    (haveOneKind ? "give them different names in the document; "
+                                   "they have the same kind"
+                                 : "choose one with --kind KIND"),
                 {list.path()});
 }
 
@@ -60,7 +60,7 @@ Entry& siteNamed(ListEditor& list, const SiteName& name) {
 void failNotThere(const ListEditor& list, const SiteName& name) {
   throw Failure(exitNotFound,
                 shown(list.path()) + ": there is no " + titleOf(name) +
-                    "\n  next: `sitelist show` tells the sites that there are",
+                    "\n  next: list all sites with `sitelist show`",
                 {list.path()});
 }
 

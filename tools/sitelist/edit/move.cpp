@@ -44,16 +44,16 @@ std::size_t position(const std::vector<Entry*>& others, const std::string& place
                         place.find_first_not_of("0123456789") == std::string::npos;
   const std::size_t number = isNumber ? std::strtoul(place.c_str(), nullptr, 10) : 0;
   if (number == 0 || number > others.size() + 1) {
-    throw Failure(exitUsage, "\"" + shown(place) + "\" is no place in the search order\n  next: " +
-                                 "give first, last, a number from 1 to " +
-                                 std::to_string(others.size() + 1) +
-                                 ", or before or after and the name of another site");
+    throw Failure(exitUsage, "\"" + shown(place) +
+                                 "\" is not a place in the search order\n  next: " +
+                                 "use first, last, before SITE, after SITE or a number from 1 to " +
+                                 std::to_string(others.size() + 1));
   }
   return number - 1;
 }
 
-// Gives the orders that are there out anew, the smallest to the first site. Where sites share one
-// and stand the other way round in the document, a site gets the next number.
+// Redistributes the existing orders, the smallest to the first site. Two sites may share an order
+// only in the sequence of the document; otherwise the second one gets the next number.
 void renumber(ListEditor& list, const std::vector<Entry*>& before,
               const std::vector<Entry*>& after) {
   std::int64_t order = std::numeric_limits<std::int32_t>::min();
@@ -64,8 +64,8 @@ void renumber(ListEditor& list, const std::vector<Entry*>& before,
     order = std::max<std::int64_t>(before[i]->record->iOrder, mayShare ? order : order + 1);
     if (order > std::numeric_limits<std::int32_t>::max()) {
       throw Failure(exitUsage, shown(list.path()) +
-                                   ": the orders are too great to be given out anew\n  next: give "
-                                   "the last sites smaller ones with `sitelist edit set`");
+                                   ": the order numbers are too large to redistribute\n  next: "
+                                   "give the last sites smaller ones with `sitelist edit set`");
     }
     const KindRules& rules = *findRules(kindOf(*after[i]->record));
     list.set(*after[i], wantedNumber(*findField(rules, "order"), order));
@@ -93,8 +93,8 @@ Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& plac
     at = std::find(after.begin(), after.end(), &movable(list, {other, ""}));
     if (at == after.end()) {
       throw Failure(exitUsage, titleOf(*site.record) +
-                                   " cannot stand before or after itself\n  next: name another "
-                                   "site");
+                                   " cannot be moved before or after itself\n  next: name "
+                                   "another site");
     }
     if (place == "after") ++at;
   } else {
@@ -105,7 +105,7 @@ Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& plac
   if (after != before) renumber(list, before, after);
   const std::string where = "place " + number + " of " + std::to_string(after.size());
   const std::string title = titleOf(*site.record);
-  return {"moved " + title + " to " + where, title + " has " + where};
+  return {"moved " + title + " to " + where, title + " is already at " + where};
 }
 
 }  // namespace tool

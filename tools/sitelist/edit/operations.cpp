@@ -18,12 +18,12 @@ Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled) {
   const FieldRule* const rule = findField(rulesOf(site), "enabled");
   if (!rule) {
     throw Failure(exitUsage, title +
-                                 ": proxies are neither enabled nor disabled\n  next: `sitelist "
-                                 "edit remove` takes the proxy out of the list");
+                                 ": a proxy cannot be enabled or disabled\n  next: remove it with "
+                                 "`sitelist edit remove`");
   }
   list.set(site, wantedNumber(*rule, isEnabled ? 1 : 0));
   const std::string state = isEnabled ? "enabled" : "disabled";
-  return {state + " " + title, title + " is " + state};
+  return {state + " " + title, title + " is already " + state};
 }
 
 Outcome setFields(ListEditor& list, const SiteName& name,
@@ -37,7 +37,7 @@ Outcome setFields(ListEditor& list, const SiteName& name,
     names += (names.empty() ? "" : ", ") + std::string(change.rule->name);
   }
   const std::string title = titleOf(*site.record);
-  return {"set " + names + " of " + title, title + " has these values"};
+  return {"set " + names + " of " + title, title + " already has these values"};
 }
 
 Outcome removeSite(ListEditor& list, const SiteName& name) {
@@ -52,19 +52,19 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
   const SiteName target = {newName, name.kind};
   const std::vector<Entry*> holders = sitesNamed(list, target);
   const bool isTaken = !holders.empty();
-  if (isTaken && newName == name.name) return {"", titleOf(target) + " has this name"};
+  if (isTaken && newName == name.name) return {"", titleOf(target) + " already has this name"};
   if (isTaken && sitesNamed(list, name).empty()) {
-    return {"", titleOf(target) + " is there, and no " + titleOf(name)};
+    return {"", titleOf(target) + " exists already, and there is no " + titleOf(name)};
   }
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
   if (newName.empty()) {
-    throw Failure(exitUsage, title + ": a name has to have a character\n  next: give another one");
+    throw Failure(exitUsage, title + ": the new name is empty\n  next: give another one");
   }
   const Wanted value = wantedText(*findField(rulesOf(site), "name"), newName);
   if (isTaken) {
     throw Failure(exitConflict,
-                  shown(list.path()) + ": the name is taken by " +
+                  shown(list.path()) + ": the new name is already that of " +
                       titleOf(*holders.front()->record) +
                       "\n  next: choose another name, or remove that site",
                   {list.path()});

@@ -26,7 +26,7 @@ unsigned int milliseconds(const std::string& seconds) {
   const unsigned long number = isNumber ? std::strtoul(seconds.c_str(), nullptr, 10) : c_most + 1;
   if (number > c_most) {
     throw Failure(exitUsage, "--wait: \"" + shown(seconds) +
-                                 "\" is no wait\n  next: give a number of seconds from 0 to " +
+                                 "\" is not a number of seconds\n  next: give a number from 0 to " +
                                  std::to_string(c_most));
   }
   return static_cast<unsigned int>(number) * 1000;
@@ -49,9 +49,9 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
   if (list.isAsMeant(after)) return after;
   throw Failure(exitDocument,
                 shown(list.path()) +
-                    ": the document would not read as it should with this change, so "
+                    ": the agent would not read the changed document as intended, so "
                     "nothing was written\n  next: look at the site in the document; "
-                    "it may be there in a form that the agent reads differently",
+                    "its form may be one that the agent reads differently",
                 {list.path()});
 }
 
@@ -123,10 +123,9 @@ int performEdit(Context& context, const EditOptions& options,
 
 int restoreBackup(Context& context, const EditOptions& options) {
   if (options.backup) {
-    throw Failure(
-        exitUsage,
-        "--backup cannot stand with restore, which needs the backup that is there\n  next: "
-        "leave it out");
+    throw Failure(exitUsage,
+                  "--backup cannot be used with restore, which needs the existing backup\n  next: "
+                  "leave --backup out");
   }
   const ListAccess access(context, options);
   const std::string& path = access.path();
@@ -139,7 +138,7 @@ int restoreBackup(Context& context, const EditOptions& options) {
   if (options.dryRun) {
     preview(context, readSiteList(path), after, path);
   } else if (readBytes(path, present) && present == bytes) {
-    say(path, "nothing to change: it is as the backup");
+    say(path, "nothing to change: the list is the same as its backup");
   } else {
     putBack(path, bytes);
     say(path, "restored from " + shown(backup));

@@ -25,16 +25,16 @@ std::wstring checkedText(const FieldRule& rule, const std::string& value) {
   const std::wstring text = wide(value);
   if (narrow(text) != value) refuse(rule, "the value is not valid UTF-8", "give it as UTF-8");
   if (!std::all_of(text.begin(), text.end(), isXmlCharacter)) {
-    refuse(rule, "the value has a character that no document can carry",
+    refuse(rule, "the value has a character that XML does not allow",
            "leave the control characters out");
   }
   const auto limit = static_cast<std::size_t>(rule.limit);
   if (rule.form != FieldForm::Hosts && text.size() > limit) {
     refuse(rule, "the value has " + std::to_string(text.size()) + " characters",
-           "give at most " + std::to_string(limit) + "; the agent cuts what is longer");
+           "give at most " + std::to_string(limit) + "; the agent would cut the rest");
   }
   if (rule.form == FieldForm::NetbiosName && text.find(L'.') != std::wstring::npos) {
-    refuse(rule, "a NetBIOS name has no dot", "give what stands in front of the first dot");
+    refuse(rule, "a NetBIOS name must not have a dot", "give only the part before the first dot");
   }
   return text;
 }
@@ -47,9 +47,9 @@ std::wstring checkedHosts(const FieldRule& rule, const std::wstring& text) {
     const std::size_t end = std::min(text.find(L';', begin), text.size());
     if (end != begin) {
       if (hosts.size() + (end - begin) + 1 >= c_hostsLimit) {
-        refuse(rule, "the hosts are too many for a list",
+        refuse(rule, "there are too many hosts",
                "give less than " + std::to_string(c_hostsLimit - 1) +
-                   " characters; the agent drops what is more");
+                   " characters; the agent would drop the rest");
       }
       if (!hosts.empty()) hosts += L';';
       hosts.append(text, begin, end - begin);
@@ -62,7 +62,7 @@ std::wstring checkedHosts(const FieldRule& rule, const std::wstring& text) {
 std::wstring checkedFlag(const FieldRule& rule, const std::string& value) {
   if (value == "1" || value == "true") return L"1";
   if (value == "0" || value == "false") return L"0";
-  refuse(rule, "\"" + shown(value) + "\" is no flag", "give 1 or 0");
+  refuse(rule, "\"" + shown(value) + "\" is not a flag", "give 1, 0, true or false");
 }
 
 std::wstring checkedNumber(const FieldRule& rule, const std::string& value) {
@@ -72,7 +72,7 @@ std::wstring checkedNumber(const FieldRule& rule, const std::string& value) {
                         value.find_first_not_of("0123456789") == std::string::npos;
   const std::int64_t number = isNumber ? std::strtoll(value.c_str(), nullptr, 10) : -1;
   if (number < least || number > rule.limit) {
-    refuse(rule, "\"" + shown(value) + "\" is no value for it",
+    refuse(rule, "\"" + shown(value) + "\" is not a valid number",
            "give a number from " + std::to_string(least) + " to " + std::to_string(rule.limit));
   }
   return std::to_wstring(number);
@@ -88,18 +88,19 @@ bool isPasswordName(const std::string& name) {
 
 [[noreturn]] void refuseField(const KindRules& rules, const std::string& name) {
   if (name == "name") {
-    throw Failure(exitUsage, "a name is not set\n  next: use `sitelist edit rename OLD NEW`");
+    throw Failure(exitUsage,
+                  "the name is not set as a field\n  next: use `sitelist edit rename OLD NEW`");
   }
-  throw Failure(exitUsage, "\"" + shown(name) +
-                               "\" is no field that can be set; those of the kind " + rules.kind +
-                               " are\n" + fieldNames(rules, "  ") + "\n  next: name one of them");
+  throw Failure(exitUsage,
+                "\"" + shown(name) + "\" is not a field that can be set; the fields of kind " +
+                    rules.kind + " are\n" + fieldNames(rules, "  ") + "\n  next: use one of them");
 }
 
 Wanted parse(const KindRules& rules, const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
   // What has no "=" may be a password that was mistyped, so it is not repeated.
   if (equals == std::string::npos) {
-    throw Failure(exitUsage, "an argument without \"=\"\n  next: give every field as FIELD=VALUE");
+    throw Failure(exitUsage, "an argument has no \"=\"\n  next: give every field as FIELD=VALUE");
   }
   const std::string name = assignment.substr(0, equals);
   if (isPasswordName(name)) {
@@ -123,9 +124,9 @@ Wanted givenPassword(const KindRules& rules, const GivenPassword& password) {
     if (each.form == FieldForm::Password)
       names += (names.empty() ? "" : ", ") + std::string(each.name);
   }
-  throw Failure(exitUsage, "\"" + shown(password.field) +
-                               "\" is no password of a site of the kind " + rules.kind +
-                               "\n  next: name one with --password-field: " + names);
+  throw Failure(exitUsage, "\"" + shown(password.field) + "\" is not a password field of kind " +
+                               rules.kind +
+                               "\n  next: use one of these with --password-field: " + names);
 }
 
 }  // namespace
@@ -203,7 +204,7 @@ void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<Wanted>&
     }
     if (!hasPort || hasServer) continue;
     throw Failure(exitUsage, std::string(port) + ": there is no " + server +
-                                 " that it could belong to\n  next: set " + server + ", too");
+                                 " for this port\n  next: set " + server + " as well");
   }
 }
 

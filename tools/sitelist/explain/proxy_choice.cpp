@@ -63,10 +63,10 @@ Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
                            const char* protocol) const {
   if (!m_settings) return {true, "", "the list has no proxy settings"};
   if (m_settings->bUseIEConfig) {
-    return {false, "system settings", "the list leaves the proxy to the system's own settings"};
+    return {false, "system settings", "the list uses the proxy settings of the system"};
   }
   if (proxy.empty()) {
-    return {true, "", std::string("the proxy settings name no proxy for ") + protocol};
+    return {true, "", std::string("the list has no proxy for ") + protocol};
   }
   for (const std::wstring& pattern : exclusions()) {
     if (matchesPattern(host, pattern)) {
@@ -74,7 +74,7 @@ Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
     }
   }
   if (m_settings->bBypassLocalAddress && isLocalAddress(host)) {
-    return {true, "", "a local address, and those bypass the proxy"};
+    return {true, "", "local addresses bypass the proxy"};
   }
   return {false, proxy, std::string("the proxy for ") + protocol + "; no exclusion matches"};
 }
@@ -86,7 +86,7 @@ Route ProxyChoice::routeTo(const tag_Site& site) const {
     case sitehlp::SITE_KIND_FTP:
       return routeOverFtp(site.ftp.szServer);
     case sitehlp::SITE_KIND_UNC:
-      return {true, "", "a file share is not reached over a proxy"};
+      return {true, "", "a file share is not reached through a proxy"};
     case sitehlp::SITE_KIND_LOCAL:
     case sitehlp::SITE_KIND_PROXY:
       break;

@@ -16,22 +16,22 @@ bool isFallback(const tag_Site& site) { return wcsicmp(site.szType, L"fallback")
 
 // Why the agent does not try a site; empty when it does.
 std::string obstacleOf(const tag_Site& site) {
-  if (std::string(kindOf(site)) == "unknown") return "its element is of no known kind";
+  if (std::string(kindOf(site)) == "unknown") return "its element is of unknown kind";
   if (!site.bEnabled) return "it is disabled";
-  if (site.bMirror) return "it is a mirror, which has no place in the search order";
+  if (site.bMirror) return "it is a mirror, and mirrors have no place in the search order";
   return "";
 }
 
 std::string reasonOf(const tag_Site& site, const tag_Site* previous) {
   std::string text;
   if (isFallback(site) && site.iOrder == c_noOrder) {
-    text = "a fallback without an order of its own comes after all others";
+    text = "a fallback without an order comes after all other sites";
   } else {
     text = (isFallback(site) ? "fallback with the order " : "order ") + std::to_string(site.iOrder);
     if (!previous) text += ", the lowest";
   }
   if (previous && previous->iOrder == site.iOrder) {
-    text += "; the same as the one before, which the list has first";
+    text += "; the site before has the same order and is first in the list";
   }
   return text;
 }

@@ -36,8 +36,8 @@ class SchemaPage {
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
-        "Beside these names a document has those of its command, as far as the "
-        "command came before it failed.");
+        "In addition, each document has the members of its command. After a failure it has only "
+        "those produced before.");
     for (const Json& document : m_schema.at("oneOf")) {
       describeDocument(nameOfReference(document), resolved(document));
     }
@@ -110,7 +110,7 @@ class SchemaPage {
                            std::find(required.begin(), required.end(), name) == required.end();
       m_page.item("Ic " + roffLiteral(name) + " Pq " + typeOf(property),
                   node.at("description").get<std::string>() + choicesOf(node) +
-                      (mayMiss ? " May be missing." : ""));
+                      (mayMiss ? " Optional." : ""));
       if (node.contains("items") && node.at("items").contains("properties")) {
         list(node.at("items"), [](const std::string&) { return true; });
       }
@@ -130,17 +130,17 @@ class SchemaPage {
     m_page.macro(".Op Ar ARGUMENT ...");
     m_page.section("DESCRIPTION");
     m_page.paragraph(m_schema.at("description").get<std::string>() +
-                     " It goes to standard output; messages for people go to standard error as "
+                     " It goes to standard output. Messages for people go to standard error as "
                      "well.");
     m_page.paragraph(
-        "The text is ASCII: all other characters are escaped. Names that a program does not know "
-        "are to be passed over; those that are there keep their meaning as long as "
-        "`schema_version` stays the same.");
+        "The text is ASCII: all other characters are escaped. A program must ignore names that it "
+        "does not know. The meaning of a name does not change as long as `schema_version` stays "
+        "the same.");
     m_page.paragraph(
-        "With `--format xml` the same names are elements, but for the first three, which are "
-        "attributes of the root; what is null has no element. With `--format csv` the records are "
-        "rows below a line of names, or, where a command has no records, each name and its value "
-        "is a row.");
+        "With `--format xml`, the first three names are attributes of the root element and the "
+        "others are elements. A null value has no element. With `--format csv`, there is a line "
+        "of names and a row for each record. If a command has no records, each row has a name and "
+        "its value.");
   }
 
   void describeDocument(const std::string& name, const Json& document) {
@@ -172,8 +172,7 @@ class SchemaPage {
     m_page.section("FILES");
     m_page.beginList();
     m_page.item("Pa share/sitehlp/sitelist.schema.json",
-                "The JSON Schema of all these documents, below the directory that the tool was "
-                "installed to.");
+                "The JSON Schema of all these documents, in the installation prefix.");
     m_page.endList();
     m_page.section("EXAMPLES");
     m_page.paragraph("The names of all sites that may be used:");

@@ -24,33 +24,31 @@ constexpr Setting c_settings[] = {
      "management server is complete.",
      "managed = true", "managed = 1", "1:11: managed must be true or false"},
     {"crypto_key_size", "a string", "`\"2048\"`",
-     "Which keys the agent and its server use: `\"2048\"` for those of 2048 bits, or `\"legacy\"` "
-     "for "
-     "the earlier ones. With the earlier ones, the passwords of a list that the server hands over "
-     "are stored as they come.",
+     "The keys of the agent and its server: `\"2048\"` for keys of 2048 bits, or `\"legacy\"` for "
+     "older, shorter ones. With `\"legacy\"`, a list that the server sends is stored with its "
+     "passwords unchanged.",
      "crypto_key_size = \"legacy\"", "crypto_key_size = \"4096\"",
      "1:19: crypto_key_size must be \"legacy\" or \"2048\""},
     {"mesh.site_list_path", "a string", "`mesh/SiteList.xml` in the data directory",
-     "Where the mesh service keeps its copy of the list, which is written whenever the agent's own "
-     "is. A relative path counts from the data directory.",
+     "The path of the mesh service's copy of the list, which is written together with the agent's "
+     "own list. A relative path is relative to the data directory.",
      "mesh.site_list_path = \"/var/lib/mesh/SiteList.xml\"", "mesh.site_list_path = \"\"",
      "1:23: mesh.site_list_path must not be empty"},
     {"mesh.load_command", "an array of strings", "empty",
-     "The program, with its arguments, that makes the mesh service load its copy. It is run "
-     "without "
-     "a shell; a relative path of the program counts from the data directory. It succeeds when it "
-     "ends with status 0. Without a program every load fails, which is logged and changes nothing "
-     "else.",
+     "The command that makes the mesh service load its copy: a program and its arguments. It is "
+     "run without a shell. A relative path of the program is relative to the data directory. The "
+     "command succeeds if its exit status is 0. If the array is empty, every load fails; this is "
+     "logged and has no other effect.",
      "mesh.load_command = [\"/usr/bin/systemctl\", \"reload\", \"mesh\"]",
      "mesh.load_command = \"/usr/bin/systemctl reload mesh\"",
      "1:21: mesh.load_command must be an array of strings"},
     {"mesh.load_timeout_seconds", "a whole number from 1 to 86400", "`60`",
-     "How many seconds that program may run. One that runs longer is ended, which is logged as an "
-     "error.",
+     "How many seconds that command may run. If it runs longer, it is terminated and an error is "
+     "logged.",
      "mesh.load_timeout_seconds = 10", "mesh.load_timeout_seconds = 0",
      "1:29: mesh.load_timeout_seconds must be from 1 to 86400"},
     {"limits.record_megabytes", "a whole number from 1 to 1048576", "`1024`",
-     "How many megabytes of memory the sites of one list may take. A list that takes more is "
+     "How many megabytes of memory the sites of one list may take. A list that needs more is "
      "refused (-104).",
      "limits.record_megabytes = 256", "limits.record_megabytes = \"256\"",
      "1:27: limits.record_megabytes must be a whole number"},
@@ -70,14 +68,14 @@ void describe(ManualPage& page) {
   page.section("DESCRIPTION");
   page.paragraph(
       "The settings of one agent, in its data directory. The file is TOML in UTF-8, of at most 1 "
-      "MiB. `sitelist init` makes it; after that it is edited by hand.");
+      "MiB. `sitelist init` creates it; edit it by hand to change a setting.");
   page.paragraph(
-      "A setting that is not there has its default, and so have all of them when there is no file. "
-      "A process reads the file once, when it first needs a "
-      "setting.");
+      "A setting that is not in the file has its default. Without the file, all settings have "
+      "their defaults. A process reads the file once, when it first needs a setting.");
   page.section("SETTINGS");
   page.paragraph(
-      "A dot in a name stands for a table: `log.level = \"info\"` may also be written as "
+      "A dot in a name separates a table from its key: `log.level = \"info\"` may also be written "
+      "as "
       "`level = \"info\"` under `[log]`.");
   page.beginList();
   for (const Setting& setting : c_settings) {
@@ -108,15 +106,14 @@ std::string settingsPage(const std::string& date) {
 
   page.section("EXAMPLES");
   page.paragraph(
-      "What `sitelist init --managed --mesh-command /usr/bin/systemctl reload mesh` "
-      "writes:");
+      "`sitelist init --managed --mesh-command /usr/bin/systemctl reload mesh` writes this file:");
   page.literal(linesOf(host::formatAgentSettings(exampleSettings())));
 
   page.section("DIAGNOSTICS");
   page.paragraph(
-      "With a file that cannot be used, `sitelist` does nothing, names the place by line and "
-      "column, and exits with 3. A process of the agent takes the defaults and logs the same as an "
-      "error. These lines are refused, each with the text below it:");
+      "If the file cannot be used, `sitelist` does nothing, prints the line and column of the "
+      "error, and exits with 3. A process of the agent uses the defaults and logs the same "
+      "error. Each of these lines is refused with the text below it:");
   std::vector<std::string> lines;
   for (const Setting& setting : c_settings) {
     if (!lines.empty()) lines.emplace_back();
@@ -124,7 +121,7 @@ std::string settingsPage(const std::string& date) {
     lines.push_back(std::string("agent.toml:") + setting.error);
   }
   page.literal(lines);
-  page.paragraph("A setting of another name is refused, too:");
+  page.paragraph("An unknown setting is refused as well:");
   page.literal({"mannaged = true", "agent.toml:1:1: unknown setting mannaged"});
 
   page.section("SEE ALSO");

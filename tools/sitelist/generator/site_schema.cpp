@@ -19,8 +19,8 @@ Json schemaOf(const Row& row) {
                                                          : "integer";
   std::string description = row.help;
   if (row.form == FieldForm::Password) {
-    description += std::string(" ") + c_mask +
-                   " in place of one that is not empty, unless secrets were asked for.";
+    description += std::string(" A password that is not empty is ") + c_mask +
+                   " unless --show-secrets is given.";
   }
   return {{"type", type}, {"description", description}};
 }

@@ -101,13 +101,14 @@ void files(ManualPage& page) {
     page.item("Pa " + roffLiteral(directory + name), what);
   };
   file("/agent.toml", "The settings of the agent.");
-  file("/etc/SiteList.xml", "The agent's site list; the key files of its server stand beside it.");
-  file("/ServerSiteList.xml", "The list that the server handed over.");
+  file("/etc/SiteList.xml",
+       "The agent's site list. The key files of its server are in the same directory.");
+  file("/ServerSiteList.xml", "The list that `sitelist server-list` stored.");
   file("/mesh/SiteList.xml", "The mesh service's copy of the list.");
-  file("/locks", "The lock files that keep the processes of the agent apart.");
+  file("/locks", "The lock files of the processes of the agent.");
   file("/keystore", "The keys of the agent.");
   page.endList();
-  page.paragraph("With --agent-dir all of them are looked for below that directory.");
+  page.paragraph("With --agent-dir, all of these files are below that directory.");
 }
 
 std::string withSmallLetter(std::string text) {
@@ -134,11 +135,11 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
       "repositories and proxy to use. `" +
       program.name + "` prints lists, checks them, and changes the agent's own.");
   page.paragraph(
-      "Data goes to standard output and messages go to standard error. What a document says is "
-      "printed in a form that does nothing to a terminal, and passwords are masked.");
+      "Data goes to standard output and messages go to standard error. Control characters of a "
+      "document are escaped, and passwords are masked.");
 
   page.section("OPTIONS");
-  page.macro("These may stand before the command or behind it:");
+  page.macro("These options may be given before or after the command:");
   page.beginList();
   list(page, program.options, true);
   page.endList();
@@ -149,9 +150,10 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
   page.section("ENVIRONMENT");
   page.beginList();
   page.item("Ev NO_COLOR",
-            "If it is set and not empty, tables have no colours unless --color asks for them.");
-  page.item("Ev TMPDIR",
-            "Where temporary files are made, of which none is left behind. The default is `/tmp`.");
+            "If this is set and not empty, tables have no colours unless --color is given.");
+  page.item(
+      "Ev TMPDIR",
+      "The directory of temporary files, which are removed at the end. The default is `/tmp`.");
   page.endList();
 
   page.section("FILES");

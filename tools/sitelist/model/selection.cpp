@@ -53,6 +53,16 @@ bool isSelected(const tag_Site& site, const Selection& selection) {
                      [&](const std::string& filter) { return matches(site, filter); });
 }
 
+std::string noteOnFilters(const Selection& selection) {
+  for (const std::string& filter : selection.filters) {
+    const std::size_t mark = filter.find('=');
+    const std::string key = mark == std::string::npos ? "" : filter.substr(0, mark);
+    if (key.empty() || key == "kind" || key == "type" || key == "name") continue;
+    return "; \"" + shown(key) + "\" is not a filter key, use kind, type or name";
+  }
+  return "";
+}
+
 std::vector<const tag_Site*> select(const tag_Site* list, const Selection& selection) {
   std::vector<const tag_Site*> sites;
   for (; list; list = list->pNext) {
@@ -93,8 +103,7 @@ void requireColumn(const std::string& name) {
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
   std::string known;
   for (const std::string& each : names) known += (known.empty() ? "" : ", ") + each;
-  throw Failure(exitUsage,
-                "there is no column \"" + shown(name) + "\"\n  next: name one of " + known);
+  throw Failure(exitUsage, "unknown column \"" + shown(name) + "\"\n  next: use one of " + known);
 }
 
 std::wstring cellOf(const tag_Site& site, const std::string& column, bool showSecrets) {

@@ -16,7 +16,7 @@ void checkCertificates(const PlacedElement& bundle, Faults& faults) {
     if (!child.element.HasName(WX_XML_CACERTIFICATE)) continue;
     const auto certificate = readCertificate(child.element.GetValue());
     if (!certificate) {
-      faults.add("certificate-unreadable", child.place, "the text is no certificate");
+      faults.add("certificate-unreadable", child.place, "the text is not a certificate");
     } else if (certificate->isExpired) {
       faults.add(
           "certificate-expired", child.place,
@@ -62,7 +62,7 @@ void checkDocument(const PlacedElement& root, bool isServerChecked, Faults& faul
       addUnknownChild(child, rootForm(), faults);
     } else if (isBehindList) {
       faults.add("policies-after-sites", child.place,
-                 "these settings stand behind the \"SiteList\"" + inLine(list->place) +
+                 "these settings are after the \"SiteList\"" + inLine(list->place) +
                      " and are not loaded");
     } else {
       checkElement(child, *formOf(child.element), faults);

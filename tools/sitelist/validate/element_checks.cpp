@@ -39,7 +39,7 @@ void checkChild(const PlacedElement& child, const ElementForm& parent,
   const auto [first, isNew] = seen.emplace(name, child.place);
   if (!isNew) {
     faults.add("repeated-child", child.place,
-               quoted(name) + " takes the place of the one" + inLine(first->second));
+               quoted(name) + " replaces the one" + inLine(first->second));
     first->second = child.place;
   }
   checkValue(*form, child.element.GetValue(), child.place, faults);
@@ -65,7 +65,7 @@ void checkExclusions(const PlacedElement& proxyConfig, Faults& faults) {
   if (dropped == 0) return;
   faults.add("exclusions-cut", first,
              std::to_string(dropped) + " of " + std::to_string(count + dropped) +
-                 " exclusion hosts no longer fit and are dropped, this one first");
+                 " exclusion hosts do not fit and are dropped; this is the first of them");
 }
 
 }  // namespace

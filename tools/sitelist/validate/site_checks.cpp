@@ -97,7 +97,7 @@ void checkProxies(const PlacedElement& list, const ElementForm& form,
     }
     if (before) {
       faults.add("second-proxy-config", child.place,
-                 "this \"ProxyConfig\" takes the place of the one" + inLine(before->place));
+                 "this \"ProxyConfig\" replaces the one" + inLine(before->place));
     }
     before = &child;
     checkElement(child, *formOf(child.element), faults);
@@ -110,7 +110,7 @@ void addUnknownElement(const PlacedElement& element, Faults& faults) {
                                           "UNCSite",   "LocalSite",    "ProxyConfigList"};
   const std::wstring name = element.element.GetName();
   faults.add("unknown-element", element.place,
-             quoted(name) + " is no kind of site" + suggestion(narrow(name), known));
+             quoted(name) + " is not a known site element" + suggestion(narrow(name), known));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cwchar>
+
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -16,29 +18,42 @@ namespace {
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
 
-// How the library words a broken rule: what the log line begins with and what it ends with. A rule
-// without an end is one whose line ends with a value, or is the whole line.
+// How the library's log words a broken rule: what the line begins with and what it ends with. A
+// rule without an end is one whose line ends with a value, or is the whole line. The text for
+// people takes the value, in quotation marks, when it ends with "not ".
 struct Wording {
   const char* rule;
   const wchar_t* begin;
   const wchar_t* end;
   bool isWhole;
+  const char* text;
 };
 
 constexpr Wording c_wordings[] = {
-    {"no-sites", L"no sites in site list", L"", true},
-    {"no-server", L"Failed to get VESTA site hr=", L"", false},
-    {"server-not-local", L"must not be local", L"", true},
-    {"server-kind-http", L"type must be HTTP site not ", L"", false},
-    {"server-type-master", L"site type must be master not ", L"", false},
-    {"server-element", L"proto type must be VestaSite not ", L"", false},
-    {"server-name", L"name cannot be empty", L"", true},
-    {"server-address", L"server name cannot be empty", L"", true},
-    {"server-ip-address", L"VESTA IP address cannot be empty", L"", true},
-    {"server-computer-name", L"computer name cannot be empty", L"", true},
-    {"server-path", L"path cannot be empty", L"", true},
-    {"server-request-key", L"", L"req2048seckey.bin is invalid", false},
-    {"server-public-key", L"", L"sr2048pubkey.bin is invalid", false},
+    {"no-sites", L"no sites in site list", L"", true, "the list has no sites"},
+    {"no-server", L"Failed to get VESTA site hr=", L"", false, "the list has no management server"},
+    {"server-not-local", L"must not be local", L"", true,
+     "the management server must not be local"},
+    {"server-kind-http", L"type must be HTTP site not ", L"", false,
+     "the management server must be of the HTTP kind"},
+    {"server-type-master", L"site type must be master not ", L"", false,
+     "the type of the management server must be \"master\", not "},
+    {"server-element", L"proto type must be VestaSite not ", L"", false,
+     "the element of the management server must be \"VestaSite\", not "},
+    {"server-name", L"name cannot be empty", L"", true, "the management server has no \"Name\""},
+    {"server-address", L"server name cannot be empty", L"", true,
+     "the management server has no \"Server\""},
+    {"server-ip-address", L"VESTA IP address cannot be empty", L"", true,
+     "the management server has no \"ServerIP\""},
+    {"server-computer-name", L"computer name cannot be empty", L"", true,
+     "the management server has no \"ServerName\""},
+    {"server-path", L"path cannot be empty", L"", true,
+     "the management server has no \"RelativePath\""},
+    {"server-request-key", L"", L"req2048seckey.bin is invalid", false,
+     "the directory of the list has neither reqseckey.bin nor req2048seckey.bin, or both are "
+     "empty"},
+    {"server-public-key", L"", L"sr2048pubkey.bin is invalid", false,
+     "the directory of the list has neither srpubkey.bin nor sr2048pubkey.bin, or both are empty"},
 };
 
 bool endsWith(const std::wstring& text, const std::wstring& end) {
@@ -48,6 +63,15 @@ bool endsWith(const std::wstring& text, const std::wstring& end) {
 bool isWordedAs(const std::wstring& text, const Wording& wording) {
   if (wording.isWhole) return text == wording.begin;
   return text.rfind(wording.begin, 0) == 0 && endsWith(text, wording.end);
+}
+
+std::string textOf(const std::wstring& logged, const Wording& wording) {
+  const std::string text = wording.text;
+  const std::string beforeValue = "not ";
+  if (text.compare(text.size() - beforeValue.size(), beforeValue.size(), beforeValue) != 0) {
+    return text;
+  }
+  return text + quoted(logged.substr(std::wcslen(wording.begin)));
 }
 
 // Where the fault is: in the server that was checked or, for what is missing, where it would be.
@@ -65,7 +89,7 @@ void addBrokenRules(const PlacedElement& root, bool isBesideKeys, Faults& faults
       const Place place = placeOf(wording.rule, root);
       const bool isKeyRule = endsWith(wording.end, L"key.bin is invalid");
       if (!isKeyRule || isBesideKeys) {
-        faults.add(wording.rule, place, narrow(record.text));
+        faults.add(wording.rule, place, textOf(record.text, wording));
       } else if (!faults.has("key-files-unchecked")) {
         faults.add("key-files-unchecked", place,
                    "the server has a version, but there is no directory in which to look for its "
@@ -96,7 +120,7 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
   const Sites sites(list);
   const PlacedElement* const unknownSite = findUnknownSite(document.root());
   if (read == sitehlp::c_errorGeneral && unknownSite) {
-    faults.add("unknown-site", unknownSite->place, "the last site of the list is of no known kind");
+    faults.add("unknown-site", unknownSite->place, "the last site of the list is of unknown kind");
   } else if (read != 0) {
     throw libraryFailure(source.path, read);
   }
@@ -105,6 +129,22 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
   if (checked != 0 && faults.empty()) throw libraryFailure(source.path, checked);
   checkDocument(document.root(), checkServer, faults);
   return faults.take();
+}
+
+Failure lastSiteFailure(const std::string& path) {
+  constexpr int code = sitehlp::c_errorGeneral;
+  PlacedDocument document;
+  if (document.read(path)) return libraryFailure(path, code);
+  const PlacedElement* const site = findUnknownSite(document.root());
+  if (!site) return libraryFailure(path, code);
+  const Place& place = site->place;
+  return Failure(exitDocument,
+                 shown(path) + ": the last site of the list is of unknown kind (" +
+                     formatCode(code) + ")\n  line " + std::to_string(place.line) + ", column " +
+                     std::to_string(place.column) + ": unknown site element " +
+                     shown(quoted(site->element.GetName())) +
+                     "\n  next: correct the name of the element",
+                 {path, code, place.line, place.column});
 }
 
 std::vector<Fault> brokenRules(const std::string& path) {

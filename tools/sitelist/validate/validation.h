@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/validate/fault.h"
 
 namespace tool {
@@ -15,12 +16,15 @@ struct ListSource {
   bool isBesideKeys = true;
 };
 
-// All faults of a list in the order of the document, warnings included. An agent under central
-// management asks for a management server, too. Fails when the library's answer has no reason.
+// All faults of a list in the order of the document, warnings included. With `checkServer`, also
+// those of its management server. Fails when the library's result has no reason.
 std::vector<Fault> validateList(const ListSource& source, bool checkServer);
 
 // The rules of the library's own checks that were logged as broken, placed in the file.
 std::vector<Fault> brokenRules(const std::string& path);
+
+// The failure of a list whose last site is of unknown kind, with the place of that site.
+Failure lastSiteFailure(const std::string& path);
 
 }  // namespace tool
 

@@ -55,7 +55,7 @@ void checkPort(const std::wstring& name, const std::wstring& port, const Place& 
   if (isNumber(port, 0, c_maxPort)) return;
   faults.add(
       "port-number", place,
-      "the port " + quoted(port) + " of \"" + narrow(name) + "\" is no number from 0 to 65535");
+      "the port " + quoted(port) + " of \"" + narrow(name) + "\" is not a number from 0 to 65535");
 }
 
 void checkAddress(const ValueForm& form, const std::wstring& value, const Place& place,
@@ -76,7 +76,7 @@ void checkFlag(const ValueForm& form, const std::wstring& value, const Place& pl
                Faults& faults) {
   if (isNumber(value, 0, 1)) return;
   faults.add("flag-value", place,
-             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which counts as " +
+             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which is read as " +
                  (numberIn(value) != 0 ? "1" : "0"));
 }
 
@@ -85,7 +85,7 @@ void checkOrder(const ValueForm& form, const std::wstring& value, const Place& p
   using Limits = std::numeric_limits<int>;
   if (isNumber(value, Limits::min(), Limits::max())) return;
   faults.add("order-number", place,
-             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which counts as " +
+             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which is read as " +
                  std::to_string(numberIn(value)));
 }
 
@@ -98,7 +98,7 @@ void checkPassword(const ValueForm& form, const std::wstring& value, const Place
     return;
   }
   faults.add("password-form", place,
-             "\"" + narrow(form.name) + "\" is not in protected form and reads as empty");
+             "\"" + narrow(form.name) + "\" is not an encrypted password and is read as empty");
 }
 
 }  // namespace

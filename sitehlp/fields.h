@@ -118,9 +118,9 @@ inline constexpr auto c_type = field("type", &xml::WX_XML_SITE_TYPE, Place::Attr
 inline constexpr std::tuple c_head{
     c_enabled,
     field("vestaSite", nullptr, Place::None, Form::Flag, &tag_Site::bVestaSite, Written::Never, L"",
-          0, "Whether it is a server or an agent, which speak the agent-to-server protocol."),
+          0, "Whether the site is a server or an agent, which speak the agent-to-server protocol."),
     field("mirror", nullptr, Place::None, Form::Flag, &tag_Site::bMirror, Written::Never, L"", 0,
-          "Whether its type is mirror."),
+          "Whether the type of the site is mirror."),
     c_local,
     c_order,
     c_type,

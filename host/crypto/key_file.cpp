@@ -125,7 +125,7 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
   struct stat status;
   int failed = fileSystem().statOpen(file.get(), status);
   if (failed) return fail(path, L"cannot be examined", -failed);
-  if (!S_ISREG(status.st_mode)) return fail(path, L"refused, it is no regular file");
+  if (!S_ISREG(status.st_mode)) return fail(path, L"refused, it is not a regular file");
   makePrivate(file.get(), status, path);
 
   SecretBytes bytes(c_keySize + 1);
@@ -135,7 +135,7 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
     count = fileSystem().read(file.get(), bytes.data() + size, bytes.size() - size);
     if (count < 0) return fail(path, L"cannot be read", static_cast<int>(-count));
   }
-  if (size != c_keySize) return fail(path, L"has not the size of a key");
+  if (size != c_keySize) return fail(path, L"does not have the size of a key");
   bytes.resize(c_keySize);
 
   failed = fileSystem().statOpen(file.get(), status);
@@ -150,7 +150,7 @@ bool createKeyFile(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::string directory = path.substr(0, slash);
   const int notMade = makeDirectory(directory, c_directoryMode);
-  if (notMade) return fail(path, L"its directory cannot be made", notMade);
+  if (notMade) return fail(path, L"its directory cannot be created", notMade);
   PathWalk opened;
   if (const int error = opened.enter(directory)) {
     return fail(path, L"its directory cannot be opened", error);

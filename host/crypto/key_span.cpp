@@ -42,11 +42,11 @@ void logUnopened(unsigned long count, const char* keyName, const wchar_t* advice
   if (count == 0) return;
   const std::string path = keyFilePath(agent().dataDirectory, keyName);
   AString text(std::to_wstring(count));
-  text.append(count == 1 ? L" protected password does not open"
-                         : L" protected passwords do not open")
+  text.append(count == 1 ? L" protected password cannot be decrypted"
+                         : L" protected passwords cannot be decrypted")
       .append(L" with the key file ")
       .append(AString(path.c_str()))
-      .append(count == 1 ? L" and counts as empty. " : L" and count as empty. ")
+      .append(count == 1 ? L" and is read as empty. " : L" and are read as empty. ")
       .append(count == 1 ? adviceForOne : adviceForMore);
   logError(c_cryptoComponent, text);
 }

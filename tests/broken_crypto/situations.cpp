@@ -20,7 +20,7 @@ constexpr const char* c_baseAlone =
 constexpr const char* c_fipsAlone =
     "openssl_conf = init\n[init]\nalg_section = all\n[all]\ndefault_properties = fips=yes\n";
 
-constexpr const char* c_doesNotOpen = "password does not open|passwords do not open";
+constexpr const char* c_doesNotOpen = "password cannot be decrypted|passwords cannot be decrypted";
 
 void leave(const Workshop&) {}
 
@@ -59,8 +59,8 @@ const std::vector<Situation>& situations() {
     std::vector<Situation> list(6);
     list[0] = {"noCipher", leave, c_baseAlone, "AES-256-GCM", "AES-256-GCM", true};
     list[1] = {"onlyFips", leave, c_fipsAlone, "AES-256-GCM", "AES-256-GCM", true};
-    list[2] = {"shortKey", shortenKey, "", "has not the size of a key",
-               "has not the size of a key"};
+    list[2] = {"shortKey", shortenKey, "", "does not have the size of a key",
+               "does not have the size of a key"};
     list[3] = {"closedKey",         closeKey, "",    "Permission denied",
                "Permission denied", false,    false, true};
     // A new key protects what is written, and opens nothing of what was written before.

@@ -145,7 +145,7 @@ TEST_F(KeyFile, OfAnotherSizeIsRefusedWithoutShowingIt) {
   for (const std::size_t size : {0, 1, 16, 31, 33, 64, 4096}) {
     test::writeFile(m_path, std::string(size, 'k'), 0600);
     EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)) << size;
-    expectOneError(L"has not the size of a key");
+    expectOneError(L"does not have the size of a key");
     EXPECT_EQ(test::readFile(m_path), std::string(size, 'k'));
   }
 }
@@ -169,11 +169,11 @@ TEST_F(KeyFile, ThatIsADirectoryOrAPipeIsRefused) {
   ASSERT_EQ(::mkdir((m_agent.dataDirectory() + "/keystore").c_str(), 0700), 0);
   ASSERT_EQ(::mkdir(m_path.c_str(), 0700), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is no regular file");
+  expectOneError(L"refused, it is not a regular file");
   ASSERT_EQ(::rmdir(m_path.c_str()), 0);
   ASSERT_EQ(::mkfifo(m_path.c_str(), 0600), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is no regular file");
+  expectOneError(L"refused, it is not a regular file");
 }
 
 TEST_F(KeyFile, CannotBeMadeWhereItsDirectoryIsAFile) {
@@ -300,7 +300,7 @@ TEST_F(KeyFile, ThatCannotBeHadIsLookedForAgainWhileKeysAreKept) {
   const korvel_com::ZQ::crypto::KeptKeys kept;
   EXPECT_FALSE(canEncrypt());
   EXPECT_FALSE(canEncrypt());
-  expectOneError(L"has not the size of a key");
+  expectOneError(L"does not have the size of a key");
   test::writeFile(m_path, std::string(32, 'a'), 0600);
   EXPECT_TRUE(canEncrypt());
 }
@@ -318,7 +318,7 @@ TEST_F(KeyFile, BrokenWhileRunningIsNoLongerUsed) {
   const std::string key = test::readFile(m_path);
   test::writeFile(m_path, "short", 0600);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"has not the size of a key");
+  expectOneError(L"does not have the size of a key");
   test::writeFile(m_path, key, 0600);
   EXPECT_TRUE(canEncrypt());
 }

@@ -69,8 +69,8 @@ TEST_F(KeyReport, TellsOfEachPasswordThatDoesNotOpen) {
   m_agent.clearLog();
   EXPECT_FALSE(opens(text));
   EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"1 protected password does not open with the key file " + m_path +
-                          L" and counts as empty. Restore the key file that protected it, or set "
+              ElementsAre(L"1 protected password cannot be decrypted with the key file " + m_path +
+                          L" and is read as empty. Restore the key file that protected it, or set "
                           L"the password again."));
   EXPECT_FALSE(opens(L"no base64"));
   EXPECT_EQ(m_agent.messages().size(), 2U);
@@ -93,10 +93,11 @@ TEST_F(KeyReport, TellsOnceForAListHowManyPasswordsDoNotOpen) {
     EXPECT_FALSE(opens(text));
     EXPECT_TRUE(m_agent.messages().empty());
   }
-  EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"3 protected passwords do not open with the key file " + m_path +
-                          L" and count as empty. Restore the key file that protected them, or set "
-                          L"the passwords again."));
+  EXPECT_THAT(
+      m_agent.texts(LogLevel::Error),
+      ElementsAre(L"3 protected passwords cannot be decrypted with the key file " + m_path +
+                  L" and are read as empty. Restore the key file that protected them, or set "
+                  L"the passwords again."));
   EXPECT_EQ(m_agent.messages().size(), 1U);
   { const KeptKeys next; }
   EXPECT_EQ(m_agent.messages().size(), 1U) << "said again";
@@ -129,10 +130,11 @@ TEST_F(KeyReport, TellsOfPasswordsOfTheServerByTheirOwnKey) {
     EXPECT_FALSE(opensAsServers("garbage"));
     EXPECT_FALSE(opensAsServers(std::string(40, '\1')));
   }
-  EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"2 protected passwords do not open with the key file " + serverPath() +
-                          L" and count as empty. The server must send them under the key in that "
-                          L"file."));
+  EXPECT_THAT(
+      m_agent.texts(LogLevel::Error),
+      ElementsAre(L"2 protected passwords cannot be decrypted with the key file " + serverPath() +
+                  L" and are read as empty. The server must send them under the key in that "
+                  L"file."));
 }
 
 TEST_F(KeyReport, TellsOnceForAListWhyAKeyCannotBeHad) {
@@ -150,7 +152,7 @@ TEST_F(KeyReport, TellsOnceForAListWhyAKeyCannotBeHad) {
     for (int i = 0; i < 3; ++i) EXPECT_FALSE(opens(L"garbage"));
   }
   EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"Key file " + m_path + L": has not the size of a key"));
+              ElementsAre(L"Key file " + m_path + L": does not have the size of a key"));
   EXPECT_FALSE(opens(L"garbage"));
   EXPECT_EQ(m_agent.messages().size(), 2U) << "of another list";
 }
@@ -177,7 +179,7 @@ TEST_F(KeyReport, TellsOnceForAListThatTheKeyIsAnotherAgents) {
   }
   EXPECT_EQ(other.messages().size(), 1U);
   EXPECT_THAT(other.texts(LogLevel::Error),
-              ElementsAre(testing::StartsWith(L"3 protected passwords do not open with ")));
+              ElementsAre(testing::StartsWith(L"3 protected passwords cannot be decrypted with ")));
 }
 
 }  // namespace

@@ -36,8 +36,8 @@ class SchemaPage {
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
-        "In addition, each document has the members of its command. After a failure it has only "
-        "those produced before.");
+        "In addition, each document has the members of its command. After a failure, it has only "
+        "those that were produced before the failure.");
     for (const Json& document : m_schema.at("oneOf")) {
       describeDocument(nameOfReference(document), resolved(document));
     }
@@ -130,8 +130,7 @@ class SchemaPage {
     m_page.macro(".Op Ar ARGUMENT ...");
     m_page.section("DESCRIPTION");
     m_page.paragraph(m_schema.at("description").get<std::string>() +
-                     " It goes to standard output. Messages for people go to standard error as "
-                     "well.");
+                     " Messages for people go to standard error as well.");
     m_page.paragraph(
         "The text is ASCII: all other characters are escaped. A program must ignore names that it "
         "does not know. The meaning of a name does not change as long as `schema_version` stays "

@@ -8,7 +8,7 @@
 // Conversions between UTF-8 and wide text (UTF-32), fast on plain ASCII.
 namespace host {
 
-// What takes the place of a character that cannot be converted.
+// Replaces a character that cannot be converted.
 constexpr std::uint32_t c_replacement = 0xFFFD;
 
 // Whether a number is a Unicode scalar value: at most U+10FFFF and no surrogate.
@@ -16,7 +16,8 @@ constexpr bool isScalar(std::uint32_t value) {
   return value < 0xD800 || (value > 0xDFFF && value <= 0x10FFFF);
 }
 
-// Appends the wide form of valid UTF-8. False, with `out` as it was, when the bytes are not valid.
+// Appends the wide form of valid UTF-8. Returns false and leaves `out` unchanged when the bytes are
+// not valid.
 bool appendWide(const char* utf8, std::size_t length, std::wstring& out);
 
 // Whether the bytes are valid UTF-8.
@@ -25,7 +26,7 @@ bool isUtf8(const char* bytes, std::size_t length);
 // The wide form of any bytes; each invalid sequence becomes one U+FFFD.
 std::wstring toWide(const char* utf8, std::size_t length);
 
-// The UTF-8 form; a character that is no Unicode scalar value becomes U+FFFD.
+// Returns the UTF-8 form. A character that is not a Unicode scalar value becomes U+FFFD.
 std::string toUtf8(const wchar_t* text, std::size_t length);
 inline std::string toUtf8(const std::wstring& text) { return toUtf8(text.data(), text.size()); }
 

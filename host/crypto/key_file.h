@@ -47,7 +47,7 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
 // one. False, with an error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 
-// Removes what a process that died while it made this key has left beside it.
+// Removes the temporary files that a process left next to this key when it died while creating it.
 void cleanBesideKeyFile(const std::string& path);
 
 }  // namespace host

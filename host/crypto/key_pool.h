@@ -17,7 +17,7 @@ namespace host {
 // was. Any thread.
 class KeyPool {
  public:
-  // `mutex` is that of this pool alone. With `createsKey`, a missing key is made anew.
+  // `mutex` is that of this pool alone. With `createsKey`, a missing key is created.
   KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName, bool createsKey);
 
   // An object with the key of the agent in this directory; null, with an error logged, when the key

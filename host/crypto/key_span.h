@@ -6,8 +6,9 @@
 #include "platform/common/astring.h"
 #include "platform/crypto/crypt_shim.h"
 
-// The work of one thread on one document, from the first KeptKeys to the last: what it takes as
-// unchanged, and what it has logged. Outside of one every call stands for itself.
+// A span is the work of one thread on one document, from the first KeptKeys to the last. In a span,
+// keys are taken as unchanged and each error is logged once. Without a span every call is
+// independent.
 namespace host {
 
 // The component that messages about passwords and keys name.
@@ -19,7 +20,7 @@ std::uint64_t currentSpan();
 // Logs an error, but each text only once in a span.
 void logErrorOnce(const AString& text);
 
-// Counts a protected password that is not empty and does not open. One error at the end of the span
+// Counts a password that is not empty and cannot be decrypted. One error at the end of the span
 // says how many there were and what to do.
 void reportUnopened(korvel_com::ZQ::crypto::EncryptionType type);
 

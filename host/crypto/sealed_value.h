@@ -36,11 +36,11 @@ class Sealer {
   // is not a key. Empty when it does.
   const std::string& refusal() const { return m_refusal; }
 
-  // Returns false, with `sealed` as it was, when the system has no random numbers to give or the
-  // value is too long for the cipher (2 GiB).
+  // Returns false and leaves `sealed` unchanged when the system has no random numbers to give or
+  // the value is too long for the cipher (2 GiB).
   bool seal(const unsigned char* clear, std::size_t length, std::vector<unsigned char>& sealed);
 
-  // Returns false, with `clear` as it was, for anything that was not sealed under this key.
+  // Returns false and leaves `clear` unchanged for anything that was not sealed with this key.
   bool open(const unsigned char* sealed, std::size_t length, SecretBytes& clear);
 
  private:

@@ -37,7 +37,7 @@ class PathWalk {
 
   // Which link was not followed, whose it is and what to do about it. Empty for other failures.
   const std::string& refusal() const { return m_refusal; }
-  // Logs a refusal as an error, behind what could not be done with which path. Gives `error` back.
+  // Logs a refusal as an error, after `what` and the path. Returns `error`.
   int reported(const char* what, const std::string& path, int error) const;
 
  private:

@@ -25,8 +25,8 @@ struct LockFiles {
   void close();
 };
 
-// Why lock files cannot be had: the path that it happened with, and the reason where the errno does
-// not say enough.
+// Why lock files cannot be opened: the path that it happened with, and the reason where the errno
+// does not say enough.
 struct LockFailure {
   std::string path;
   std::string reason;

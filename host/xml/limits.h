@@ -9,7 +9,7 @@ namespace host {
 
 // Bytes of a file, and of a text in UTF-8.
 constexpr std::size_t c_maxDocumentBytes = std::size_t{64} << 20;
-// Elements from the root, which counts as 1, to the innermost one.
+// The depth of nested elements; the root has depth 1.
 constexpr std::size_t c_maxDepth = 256;
 constexpr std::size_t c_maxAttributes = 1024;
 // Child elements of one element. A site becomes a record of some 27 KB, however short its element

@@ -32,19 +32,19 @@ class XmlText {
   std::size_t m_size;
 };
 
-// Adds a node behind the children of `parent`. The name counts for the kinds that have one.
+// Adds a node as the last child of `parent`. The name is used for the kinds that have one.
 pugi::xml_node appendNode(pugi::xml_node parent, pugi::xml_node_type type, const char* name);
 
 // Sets what a text, CDATA, comment or processing instruction node holds.
 void setNodeValue(pugi::xml_node node, const char* value, std::size_t size);
 
-// Adds a text, CDATA or comment node behind the children of `parent`.
+// Adds a text, CDATA or comment node as the last child of `parent`.
 void appendText(pugi::xml_node parent, pugi::xml_node_type type, const XmlText& text);
 
-// Adds an attribute behind the others, of which none has that name.
+// Adds an attribute after the others. None of them may have that name.
 pugi::xml_attribute appendAttribute(pugi::xml_node node, const char* name, const char* value);
 
-// Adds an attribute behind the others; one of that name keeps its place and gets the value.
+// Sets an attribute. An existing one keeps its place; a new one is added after the others.
 pugi::xml_attribute setAttribute(pugi::xml_node node, const char* name, const char* value);
 void setAttributeValue(pugi::xml_attribute attribute, const char* value);
 
@@ -52,7 +52,7 @@ void setAttributeValue(pugi::xml_attribute attribute, const char* value);
 // none when the text is empty.
 void setText(pugi::xml_node node, const XmlText& text);
 
-// Adds a deep copy of a node, of this or another tree, behind the children of `parent`.
+// Adds a deep copy of a node, of this or another tree, as the last child of `parent`.
 void appendCopy(pugi::xml_node parent, pugi::xml_node source);
 
 }  // namespace host

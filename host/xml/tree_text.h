@@ -21,7 +21,7 @@ void narrowValueOf(pugi::xml_node node, std::string& value);
 bool copyValue(pugi::xml_attribute attribute, wchar_t* dest, std::size_t capacity);
 bool copyValue(pugi::xml_node node, wchar_t* dest, std::size_t capacity);
 
-// A name that is null or empty counts as not given.
+// A null or empty name means that no name is given.
 bool isGiven(const wchar_t* name);
 
 bool isText(pugi::xml_node node);

@@ -6,7 +6,7 @@
 namespace sitehlp {
 
 // Turns a clear password into its protected form (`encrypt`) or back. Returns nonzero on success;
-// on failure 0, with `out` as it was.
+// on failure it returns 0 and leaves `out` unchanged.
 int EncryptDecryptPassword(const std::wstring& in, std::wstring& out, bool encrypt);
 
 }  // namespace sitehlp

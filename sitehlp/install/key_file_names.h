@@ -10,7 +10,7 @@ constexpr const wchar_t* c_reqSecKey = L"reqseckey.bin";
 constexpr const wchar_t* c_sr2048PubKey = L"sr2048pubkey.bin";
 constexpr const wchar_t* c_req2048SecKey = L"req2048seckey.bin";
 
-// Appended to a directory as it stands, backslash and all.
+// Appended to a directory unchanged, including the backslash.
 constexpr const wchar_t* c_fipsMarker = L"\\agentfipsmode";
 
 }  // namespace sitehlp

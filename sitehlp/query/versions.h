@@ -12,7 +12,7 @@ namespace sitehlp {
 void readVersions(const AdvXMLParser::Element& root, std::wstring& globalVersion,
                   std::wstring& localVersion, std::wstring& type);
 
-// False, with `fipsMode` as it was, when the document does not say one.
+// Returns false and leaves `fipsMode` unchanged when the document has none.
 bool readFipsMode(const AdvXMLParser::Element& root, std::wstring& fipsMode);
 
 // What CSitesHelper::GetSitelistVersions does with a file.

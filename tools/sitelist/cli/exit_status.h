@@ -28,7 +28,7 @@ constexpr const char* c_exitStatusHelp =
     "   7  a named site, field, setting, rule or backup does not exist\n"
     "  70  an internal error, or out of memory\n";
 
-// What stands for a status in the output for programs.
+// The name of a status in the output for programs.
 constexpr const char* nameOf(ExitStatus status) {
   switch (status) {
     case exitSuccess:

@@ -22,8 +22,8 @@ struct FailurePlace {
   unsigned long column = 0;  // both 0 where no place in a document is meant
 };
 
-// The end of a command: what() is the message and, behind "\n  next: ", what to do about it; both
-// are made of printable text.
+// Ends a command. what() is the message and, after "\n  next: ", the advice. Both are printable
+// text.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitStatus status, const std::string& text, FailurePlace place = {});
@@ -54,7 +54,7 @@ struct DocumentFault {
   int code = 0;  // of the library or the parser, for this fault
 };
 
-// Reads and parses a file; tells what stops it from being a document.
+// Reads and parses a file. Returns why it is not a document, if it is not.
 std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
                                           std::unique_ptr<AdvXMLParser::Document>& document);
 // Reads and parses a file to see why an operation of the library refused it. Nothing when it can be

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// The file beside a list that holds what the list was before an edit.
+// The file next to a list that has the content before an edit.
 std::string backupPath(const std::string& list);
 
 // Makes the backup, with the list's mode and owner. Fails when it cannot be written, and then the

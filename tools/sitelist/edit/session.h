@@ -26,7 +26,7 @@ bool isOwnList(const Context& context, const EditOptions& options);
 // library can read files under its locks.
 class ListAccess {
  public:
-  // Fails when the lock cannot be had in time.
+  // Fails when the lock cannot be taken in time.
   ListAccess(const Context& context, const EditOptions& options);
 
   const std::string& path() const { return m_path; }

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-// A text of which every character is meant as it stands.
+// A text whose characters have no special meaning.
 std::string roffLiteral(const std::string& text);
 
 // Running text, broken into lines of the source; options, and what stands between backticks, come

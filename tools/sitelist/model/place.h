@@ -11,8 +11,7 @@
 
 namespace tool {
 
-// Where something stands in a document, in lines and characters from 1; both 0 where no place is
-// meant.
+// A place in a document: line and character, both from 1, or both 0 for none.
 struct Place {
   unsigned long line = 0;
   unsigned long column = 0;
@@ -35,7 +34,7 @@ struct PlacedElement {
 // A document whose elements know their places.
 class PlacedDocument {
  public:
-  // Reads a file; tells what is wrong with it when it is no document.
+  // Reads a file. Returns what is wrong with it when it is not a document.
   std::optional<DocumentFault> read(const std::string& path);
   const PlacedElement& root() const { return m_root; }
 

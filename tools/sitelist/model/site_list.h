@@ -61,7 +61,7 @@ bool opensWithAgentKey(const std::wstring& protectedText);
 // The names of the sites with a password that the key of the agent served does not open. The reader
 // gives such a password as an empty one.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
-// Fails when there are such sites: writing the list anew would lose their passwords.
+// Fails when there are such sites, because writing the list would lose their passwords.
 void refuseLostPasswords(const std::string& path);
 
 }  // namespace tool

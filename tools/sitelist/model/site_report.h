@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// What stands in the place of a password that is not empty.
+// Replaces a password that is not empty.
 constexpr const char* c_mask = "********";
 
 // A site's kind and fields, as the output for programs has them.

@@ -170,7 +170,7 @@ class SITEHLP_API CSitesHelper {
   // `*list` is unchanged on -2, -4 and -10, and null on -5. docs/site-list-format.md gives the
   // limits of a document; if one of them is exceeded, `*list` is null. A list may also have at most
   // 1,024 elements of unknown kind, and its records at most IConfiguration::GetMaxRecordBytes()
-  // bytes. If one of these two limits is exceeded, `*list` has the records up to there.
+  // bytes. If one of these two limits is exceeded, `*list` has the records that were read before.
   int ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock);
 
   // Sets `*record` to null, then decodes one site element, or a "ProxyConfig", into a new
@@ -236,9 +236,10 @@ class SITEHLP_API CSitesHelper {
   // Also returns -11 when the document would exceed a limit of ReadSiteList; then the old file is
   // unchanged and the mesh service is not told.
   //
-  // 0 does not mean that every record was written, that every password was encrypted, or that the
-  // mesh service loaded its copy. If there is not enough memory to build the document, nothing is
-  // written and an error is logged. The result is then that of the records so far, which may be 0.
+  // The result 0 does not mean that every record was written, that every password was encrypted, or
+  // that the mesh service loaded its copy. If there is not enough memory to build the document,
+  // nothing is written and an error is logged. The result is then that of the records so far, which
+  // may be 0.
   int CreateSiteList(tag_Site* list, const std::wstring& path, const std::wstring& globalVersion,
                      const std::wstring& localVersion, const std::wstring& type,
                      const std::vector<std::wstring>& certificates);
@@ -370,7 +371,7 @@ class SITEHLP_API CSitesHelper {
   //
   // Returns 0; the failure of MustReadSiteList or GetSitelistVersions; or -1 when the key files or
   // the list could not be written. The old list remains until the new one is written, but key files
-  // may be replaced before that. CreateSiteList says what 0 does not mean.
+  // may be replaced before that. CreateSiteList states what the result 0 does not mean.
   int InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
   // Checks the list with SourceSiteListCheck, then does the same as InstallSiteList. The management
   // server is checked when the agent is managed. Also returns the failure of the check; nothing is
@@ -411,8 +412,8 @@ class SITEHLP_API CSitesHelper {
                            bool adjustPasswords);
 
   // Reads a server site list from bytes and writes it to "ServerSiteList.xml" in the agent's data
-  // directory, with its own versions, type and certificates. The mesh service gets the document as
-  // well. The policy settings of the bytes are added to those of the instance.
+  // directory, with the versions, type and certificates of the bytes. The mesh service gets the
+  // document as well. The policy settings of the bytes are added to those of the instance.
   //
   // Passwords are written encrypted with the agent's own key. A direct call decrypts them with the
   // agent's own key. CreateServerSiteList decrypts them with the server's key, as decrypt_data
@@ -468,9 +469,9 @@ class SITEHLP_API CSitesHelper {
   // can be read, its buffer may be filled although its flag is false. Returns false when neither
   // pair is valid.
   //
-  // Otherwise reads the public key from `keyDir`, or nothing if `keyDir` is empty. Only the flags
-  // `hasSrPub` and `hasReqSec` are written. Returns false when the key cannot be read; the flags
-  // are unchanged then.
+  // If there is no such server, reads the public key from `keyDir`, or nothing if `keyDir` is
+  // empty. Only the flags `hasSrPub` and `hasReqSec` are written. Returns false when the key cannot
+  // be read; the flags are unchanged then.
   bool readKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
                     const std::wstring& keyDir, ABuffer& srPub, ABuffer& reqSec, ABuffer& sr2048Pub,
                     ABuffer& req2048Sec, bool& hasSrPub, bool& hasReqSec, bool& hasSr2048Pub,

@@ -5,8 +5,9 @@
 
 #include "platform/export.h"
 
-// The mesh service is a part of the agent that keeps its own copy of the site list. Both objects
-// belong to the configuration library and exist until the process ends. Any thread may use them.
+// The mesh service is a service on the same machine that works with a copy of the agent's own list.
+// Both objects belong to the configuration library and exist until the process ends. Any thread may
+// use them.
 
 // The configuration of the mesh service.
 class PLATFORM_API MeshServiceConfiguration {

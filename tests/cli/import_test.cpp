@@ -47,7 +47,7 @@ TEST_F(CliImport, RefusesAListThatBreaksRulesAndNamesThem) {
                             path + ":3:1: server-name: the management server has no \"Name\"\n  " +
                             path +
                             ":3:1: server-ip-address: the management server has no \"ServerIP\"\n"
-                            "  next: fix these faults; `sitelist explain-rule RULE` says how\n");
+                            "  next: fix these errors; `sitelist explain-rule RULE` says how\n");
   EXPECT_EQ(agentFiles(), before);
 }
 

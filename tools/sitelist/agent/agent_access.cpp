@@ -65,7 +65,7 @@ void serveAgent(const Context& context) {
   std::error_code error;
   if (!fs::is_directory(context.agentDirectory, error)) {
     throw failureAt(context.agentDirectory, exitFile, "the agent's data directory does not exist",
-                    "name another one with --agent-dir, or create one with `sitelist init`");
+                    "name another directory with --agent-dir, or create one with `sitelist init`");
   }
   host::setAgent(settingsOf(context));
   recordLog(context.verbose);

@@ -37,7 +37,7 @@ Failure refusal(const std::string& file, int code) {
       shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
   for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
   return Failure(exitNegative,
-                 text + "\n  next: fix these faults; `sitelist explain-rule RULE` says how",
+                 text + "\n  next: fix these errors; `sitelist explain-rule RULE` says how",
                  {file, code});
 }
 

@@ -130,7 +130,7 @@ void addValidate(Command& app, Context& context) {
                    "Check as an agent without central management does");
   command.add_flag("--strict", options->strict, "Treat warnings as errors");
   command.footer(
-      "Needs no agent and writes nothing. Each fault is printed on one line,\n"
+      "Needs no agent and writes nothing. Each error or warning is one line,\n"
       "  FILE:LINE:COLUMN: RULE: TEXT\n"
       "without LINE:COLUMN if it has no place in the file. `sitelist explain-rule RULE`\n"
       "explains a rule and how to fix what breaks it.\n"

@@ -160,11 +160,13 @@ TEST_F(CliComplete, LeavesFilesAndDirectoriesToTheShell) {
 TEST_F(CliComplete, OffersNoOptionAndNoCommandBehindTwoDashes) {
   EXPECT_EQ(linesFor({"show", "--", "-"}), Words{c_files});
   EXPECT_EQ(linesFor({"--", ""}), Words{c_nothing});
+  EXPECT_EQ(linesFor({"--", "show", ""}), Words{c_nothing});
   EXPECT_EQ(linesFor({"policies", "--", ""}), Words{c_files});
 }
 
 TEST_F(CliComplete, OffersNothingBehindWordsThatItDoesNotKnow) {
   EXPECT_EQ(linesFor({"bogus", ""}), Words{c_nothing});
+  EXPECT_EQ(linesFor({"bogus", "show", ""}), Words{c_files}) << "a command may still follow";
   EXPECT_EQ(linesFor({"show", "--bogus="}), Words{c_nothing});
   EXPECT_EQ(linesFor({"policies", "set", "a", "1", "x", ""}), Words{c_nothing});
   EXPECT_EQ(linesFor({"show", "--bogus", ""}), Words{c_files}) << "an option is no argument";

@@ -46,7 +46,7 @@ class DeriveServerList : public testing::Test {
   TempDir to;
 };
 
-TEST_F(DeriveServerList, repositoriesMarkedLocalAreLeftOut) {
+TEST_F(DeriveServerList, RepositoriesMarkedLocalAreLeftOut) {
   EXPECT_EQ(derived(local("FTPSite", "1") + serverElement("s") + local("HttpSite", "1") +
                     local("UNCSite", "1") + local("LocalSite", "1")),
             canonical(document(serverElement("s"))));
@@ -55,14 +55,14 @@ TEST_F(DeriveServerList, repositoriesMarkedLocalAreLeftOut) {
   }
 }
 
-TEST_F(DeriveServerList, everyOneOfAKindIsLeftOutWhereverItStands) {
+TEST_F(DeriveServerList, EveryOneOfAKindIsLeftOutWhereverItStands) {
   EXPECT_EQ(derived(local("HttpSite", "1") + local("HttpSite", "1") + httpElement("a") +
                     local("HttpSite", "1") + local("UNCSite", "1") + httpElement("b") +
                     local("UNCSite", "1") + local("HttpSite", "1")),
             canonical(document(httpElement("a") + httpElement("b"))));
 }
 
-TEST_F(DeriveServerList, onlyTheTextOneMarksARepositoryAsLocal) {
+TEST_F(DeriveServerList, OnlyTheTextOneMarksARepositoryAsLocal) {
   std::string sites = "<HttpSite Name=\"none\"/><FTPSite local=\"1\"/>";
   for (const char* value : {"0", "", "true", "01", " 1", "1 ", "2", "-1", "+1", "1.0"}) {
     for (const char* kind : {"FTPSite", "HttpSite", "UNCSite", "LocalSite"}) {
@@ -72,14 +72,14 @@ TEST_F(DeriveServerList, onlyTheTextOneMarksARepositoryAsLocal) {
   EXPECT_EQ(derived(sites), canonical(document(sites)));
 }
 
-TEST_F(DeriveServerList, otherElementsStayEvenWhereTheyAreMarkedLocal) {
+TEST_F(DeriveServerList, OtherElementsStayEvenWhereTheyAreMarkedLocal) {
   const std::string sites = local("VestaSite", "1") + local("KeystoneSite", "1") +
                             local("ProxyConfigList", "1") + local("Unheard", "1") +
                             local("httpsite", "1") + "<Wrap>" + local("HttpSite", "1") + "</Wrap>";
   EXPECT_EQ(derived(sites), canonical(document(sites)));
 }
 
-TEST_F(DeriveServerList, theRestOfTheDocumentStaysExactlyAsItWas) {
+TEST_F(DeriveServerList, TheRestOfTheDocumentStaysExactlyAsItWas) {
   const auto text = [](const std::string& sites) {
     return "<!-- before --><ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"G\" "
            "LocalVersion=\"L\" Type=\"Client\" FipsMode=\"1\" x=\"&lt;\">\n <CaBundle>"
@@ -96,14 +96,14 @@ TEST_F(DeriveServerList, theRestOfTheDocumentStaysExactlyAsItWas) {
   EXPECT_EQ(result(), canonical(text(rest)));
 }
 
-TEST_F(DeriveServerList, theSourceIsNeverChanged) {
+TEST_F(DeriveServerList, TheSourceIsNeverChanged) {
   client(document(local("HttpSite", "1")));
   const auto before = snapshot(from.path());
   EXPECT_TRUE(derive());
   EXPECT_EQ(snapshot(from.path()), before);
 }
 
-TEST_F(DeriveServerList, withoutATargetDirectoryTheResultLiesBesideTheSource) {
+TEST_F(DeriveServerList, WithoutATargetDirectoryTheResultLiesBesideTheSource) {
   client(document(local("HttpSite", "1") + httpElement("a")));
   EXPECT_TRUE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
   EXPECT_EQ(canonical(readFile(from.file("ServerSiteList.xml"))),
@@ -111,19 +111,19 @@ TEST_F(DeriveServerList, withoutATargetDirectoryTheResultLiesBesideTheSource) {
   EXPECT_THAT(snapshot(to.path()), IsEmpty());
 }
 
-TEST_F(DeriveServerList, aFormerResultIsReplaced) {
+TEST_F(DeriveServerList, AFormerResultIsReplaced) {
   writeFile(to.file("ServerSiteList.xml"), "former");
   EXPECT_EQ(derived(httpElement("a")), canonical(document(httpElement("a"))));
 }
 
-TEST_F(DeriveServerList, tracesItsScopeAtInformationLevelAndLogsNothingElse) {
+TEST_F(DeriveServerList, TracesItsScopeAtInformationLevelAndLogsNothingElse) {
   client(document(httpElement("a")));
   EXPECT_TRUE(derive());
   EXPECT_TRUE(tracedScope(agent, L"Creating ServerSiteList.xml", L"StSHlp", LogLevel::Info));
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(DeriveServerList, theLockIsHeldWhileTheSourceIsReadAndWhileTheResultIsWritten) {
+TEST_F(DeriveServerList, TheLockIsHeldWhileTheSourceIsReadAndWhileTheResultIsWritten) {
   client(document(httpElement("a")));
   LockWatch files({"SiteList.xml", "ServerSiteList.xml"});
   EXPECT_TRUE(derive());
@@ -132,7 +132,7 @@ TEST_F(DeriveServerList, theLockIsHeldWhileTheSourceIsReadAndWhileTheResultIsWri
   EXPECT_EQ(seen.back(), "write ServerSiteList.xml: writing");
 }
 
-TEST_F(DeriveServerList, aMissingSiteListSectionIsLoggedWithThePath) {
+TEST_F(DeriveServerList, AMissingSiteListSectionIsLoggedWithThePath) {
   for (const char* text :
        {"<ns:SiteLists xmlns:ns=\"wxSiteList\"/>",
         "<ns:SiteLists xmlns:ns=\"wxSiteList\"><X><SiteList/></X><sitelist/></ns:SiteLists>"}) {
@@ -146,7 +146,7 @@ TEST_F(DeriveServerList, aMissingSiteListSectionIsLoggedWithThePath) {
   EXPECT_THAT(snapshot(to.path()), IsEmpty());
 }
 
-TEST_F(DeriveServerList, aSourceThatCannotBeOpenedFailsWithoutAMessage) {
+TEST_F(DeriveServerList, ASourceThatCannotBeOpenedFailsWithoutAMessage) {
   EXPECT_FALSE(derive());
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
   for (const char* text : {"", "text", "<ns:SiteLists xmlns:ns=\"wxSiteList\"><SiteList>",
@@ -163,7 +163,7 @@ TEST_F(DeriveServerList, aSourceThatCannotBeOpenedFailsWithoutAMessage) {
   EXPECT_THAT(snapshot(to.path()), IsEmpty());
 }
 
-TEST_F(DeriveServerList, aFailedWriteLeavesTheFormerResult) {
+TEST_F(DeriveServerList, AFailedWriteLeavesTheFormerResult) {
   client(document(httpElement("a")));
   writeFile(to.file("ServerSiteList.xml"), "former");
   {
@@ -176,7 +176,7 @@ TEST_F(DeriveServerList, aFailedWriteLeavesTheFormerResult) {
                                                               wide(to.file("not/there")).c_str()));
 }
 
-TEST_F(DeriveServerList, refusesATargetThatLeadsToItsSource) {
+TEST_F(DeriveServerList, RefusesATargetThatLeadsToItsSource) {
   const std::string list = document(local("HttpSite", "1") + serverElement("s"));
   client(list);
   std::filesystem::create_symlink("SiteList.xml", from.file("ServerSiteList.xml"));
@@ -190,7 +190,7 @@ TEST_F(DeriveServerList, refusesATargetThatLeadsToItsSource) {
   EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
 }
 
-TEST_F(DeriveServerList, refusesASourceThatLeadsToItsTarget) {
+TEST_F(DeriveServerList, RefusesASourceThatLeadsToItsTarget) {
   const std::string list = document(local("HttpSite", "1") + serverElement("s"));
   writeFile(from.file("ServerSiteList.xml"), list);
   std::filesystem::create_symlink("ServerSiteList.xml", from.file("SiteList.xml"));
@@ -199,7 +199,7 @@ TEST_F(DeriveServerList, refusesASourceThatLeadsToItsTarget) {
   EXPECT_EQ(readFile(from.file("ServerSiteList.xml")), list);
 }
 
-TEST_F(DeriveServerList, takesTheTargetThatIsASecondNameOfItsSourceForAnotherFile) {
+TEST_F(DeriveServerList, TakesTheTargetThatIsASecondNameOfItsSourceForAnotherFile) {
   const std::string list = document(local("HttpSite", "1") + serverElement("s"));
   client(list);
   std::filesystem::create_hard_link(from.file("SiteList.xml"), to.file("ServerSiteList.xml"));

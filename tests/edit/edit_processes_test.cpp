@@ -44,7 +44,7 @@ class EditBesideOthers : public EditFixture {
   }
 };
 
-TEST_F(EditBesideOthers, aReaderFindsTheListBeforeOrAfterAnEdit) {
+TEST_F(EditBesideOthers, AReaderFindsTheListBeforeOrAfterAnEdit) {
   ChildProcess child("readerOfEitherServer", {agent.dataDirectory()});
   ASSERT_EQ(child.receive(), "ready");
   child.send("go");

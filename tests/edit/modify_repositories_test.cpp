@@ -52,7 +52,7 @@ class ModifyRepositories : public EditFixture {
   UnsyncedFileSystem files;
 };
 
-TEST_F(ModifyRepositories, everyCombinationOfOrdersAndTypesIsEditedAsTheModelSays) {
+TEST_F(ModifyRepositories, EveryCombinationOfOrdersAndTypesIsEditedAsTheModelSays) {
   using Text = std::optional<std::string>;
   const std::vector<Text> orders = {std::nullopt, "1", "2"};
   const std::vector<Text> types = {std::nullopt, "fallback", "Fallback"};
@@ -72,7 +72,7 @@ TEST_F(ModifyRepositories, everyCombinationOfOrdersAndTypesIsEditedAsTheModelSay
   }
 }
 
-TEST_F(ModifyRepositories, everyCombinationOfPresenceIsEditedAsTheModelSays) {
+TEST_F(ModifyRepositories, EveryCombinationOfPresenceIsEditedAsTheModelSays) {
   const std::optional<Repository> one = Repository{"1", "repository"};
   const std::optional<Repository> two = Repository{"2", std::nullopt};
   for (int i = 0; i < 16; ++i) {
@@ -88,7 +88,7 @@ TEST_F(ModifyRepositories, everyCombinationOfPresenceIsEditedAsTheModelSays) {
   }
 }
 
-TEST_F(ModifyRepositories, ordersAreReadAsNumbersFromTheFrontOfTheirText) {
+TEST_F(ModifyRepositories, OrdersAreReadAsNumbersFromTheFrontOfTheirText) {
   for (const char* order : {"0", "-1", "", "x", " 3", "+2", "2x", "65535", "007"}) {
     ASSERT_NO_FATAL_FAILURE(check({Repository{order, std::nullopt}, Repository{"2", std::nullopt}},
                                   {Repository{"5", std::nullopt}, Repository{"3", std::nullopt}}))
@@ -99,7 +99,7 @@ TEST_F(ModifyRepositories, ordersAreReadAsNumbersFromTheFrontOfTheirText) {
   }
 }
 
-TEST_F(ModifyRepositories, theSourcesPreferenceTakesTheTargetsSlots) {
+TEST_F(ModifyRepositories, TheSourcesPreferenceTakesTheTargetsSlots) {
   target(document(vendorHttp(R"(Name="th" Order="1")") + vendorFtp(R"(Name="tf" Order="2")")));
   source(document(vendorHttp(R"(Name="sh" Order="5")") + vendorFtp(R"(Name="sf" Order="3")")));
   EXPECT_TRUE(modify(true, false));
@@ -107,7 +107,7 @@ TEST_F(ModifyRepositories, theSourcesPreferenceTakesTheTargetsSlots) {
                                          vendorFtp(R"(Name="sf" Order="1")"))));
 }
 
-TEST_F(ModifyRepositories, aFallbackKeepsItsSlot) {
+TEST_F(ModifyRepositories, AFallbackKeepsItsSlot) {
   target(document(vendorHttp(R"(Name="th" Order="1" Type="fallback")") +
                   vendorFtp(R"(Name="tf" Order="2" Type="repository")")));
   source(document(vendorHttp(R"(Name="sh" Order="5" Type="mirror")") +
@@ -117,7 +117,7 @@ TEST_F(ModifyRepositories, aFallbackKeepsItsSlot) {
                                          vendorFtp(R"(Name="sf" Order="2" Type="repository")"))));
 }
 
-TEST_F(ModifyRepositories, onlyTheVendorsOwnServersAreRepositoriesOfThisKind) {
+TEST_F(ModifyRepositories, OnlyTheVendorsOwnServersAreRepositoriesOfThisKind) {
   const std::string others = "<HttpSite Name=\"a\" Order=\"1\" Server=\"" VENDOR_HTTP_HOST
                              "\"/>"
                              "<HttpSite Name=\"b\" Order=\"1\" Server=\"" VENDOR_HTTP_HOST
@@ -133,14 +133,14 @@ TEST_F(ModifyRepositories, onlyTheVendorsOwnServersAreRepositoriesOfThisKind) {
   EXPECT_EQ(result(), canonical(document(others)));
 }
 
-TEST_F(ModifyRepositories, theFirstOfSeveralIsTheOne) {
+TEST_F(ModifyRepositories, TheFirstOfSeveralIsTheOne) {
   target(document(vendorHttp(R"(Name="t1" Order="4")")));
   source(document(vendorHttp(R"(Name="s1" Order="1")") + vendorHttp(R"(Name="s2" Order="2")")));
   EXPECT_TRUE(modify(true, false));
   EXPECT_EQ(result(), canonical(document(vendorHttp(R"(Name="s1" Order="4")"))));
 }
 
-TEST_F(ModifyRepositories, childrenOfTheSourceReplaceThoseOfTheTarget) {
+TEST_F(ModifyRepositories, ChildrenOfTheSourceReplaceThoseOfTheTarget) {
   target(document(vendorHttp(R"(Name="t" Order="4" old="x")", "<Old>o</Old>")));
   source(document(vendorHttp(R"(Name="s" Order="1" Enabled="1")",
                              "<RelativePath>p</RelativePath><New a=\"b\">n<Deep/></New>")));
@@ -150,7 +150,7 @@ TEST_F(ModifyRepositories, childrenOfTheSourceReplaceThoseOfTheTarget) {
                                           "<RelativePath>p</RelativePath><New a=\"b\">n</New>"))));
 }
 
-TEST_F(ModifyRepositories, theEditedListIsReadWithTheNewRepositories) {
+TEST_F(ModifyRepositories, TheEditedListIsReadWithTheNewRepositories) {
   target(document(vendorHttp(R"(Name="th" Order="2" Enabled="1")") + httpElement("a")));
   source(document(vendorHttp(R"(Name="sh" Order="1" Enabled="1")")));
   EXPECT_TRUE(modify(true, false));

@@ -66,7 +66,7 @@ class Modify : public EditFixture {
   }
 };
 
-TEST_F(Modify, tracesItsScopeAndLogsNothingOfItsOwn) {
+TEST_F(Modify, TracesItsScopeAndLogsNothingOfItsOwn) {
   usualLists();
   EXPECT_TRUE(modify(true, true));
   EXPECT_TRUE(tracedScope(agent, L"modifying site list", L"StSHlp"));
@@ -74,14 +74,14 @@ TEST_F(Modify, tracesItsScopeAndLogsNothingOfItsOwn) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(Modify, tracesTheReadOfTheSourceAsAnyRead) {
+TEST_F(Modify, TracesTheReadOfTheSourceAsAnyRead) {
   usualLists();
   EXPECT_TRUE(modify(true, true));
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist"));
   EXPECT_THAT(libraryTraces(agent), Contains(L"Reading Sitelist").Times(1));
 }
 
-TEST_F(Modify, eachFlagAsksForItsOwnEdit) {
+TEST_F(Modify, EachFlagAsksForItsOwnEdit) {
   const std::string attributes = R"(GlobalVersion="G1" LocalVersion="L1" Type="Client")";
   usualLists();
   EXPECT_TRUE(modify(true, false));
@@ -97,7 +97,7 @@ TEST_F(Modify, eachFlagAsksForItsOwnEdit) {
                                          attributes, "<CaBundle>s</CaBundle>")));
 }
 
-TEST_F(Modify, withoutAFlagTheListIsRewrittenAndTheKeysAreCopied) {
+TEST_F(Modify, WithoutAFlagTheListIsRewrittenAndTheKeysAreCopied) {
   const std::string text = document(httpElement("a"));
   target(text);
   source(document(server("s", c_versioned)));
@@ -110,7 +110,7 @@ TEST_F(Modify, withoutAFlagTheListIsRewrittenAndTheKeysAreCopied) {
   EXPECT_EQ(readFile(agent.etc("req2048seckey.bin")), "req2048seckey.bin");
 }
 
-TEST_F(Modify, whatTheRecordsDoNotModelSurvives) {
+TEST_F(Modify, WhatTheRecordsDoNotModelSurvives) {
   const std::string text =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- before -->\n"
       "<ns:SiteLists xmlns:ns=\"wxSiteList\" xmlns:x=\"urn:x\" GlobalVersion=\"G\" FipsMode=\"1\" "
@@ -126,14 +126,14 @@ TEST_F(Modify, whatTheRecordsDoNotModelSurvives) {
   EXPECT_EQ(result(), canonical(text));
 }
 
-TEST_F(Modify, theSourceStaysAsItWas) {
+TEST_F(Modify, TheSourceStaysAsItWas) {
   usualLists();
   const auto before = snapshot(incoming.path());
   EXPECT_TRUE(modify(true, true));
   EXPECT_EQ(snapshot(incoming.path()), before);
 }
 
-TEST_F(Modify, theKeyDirectoryServesASourceWithoutVersionedServer) {
+TEST_F(Modify, TheKeyDirectoryServesASourceWithoutVersionedServer) {
   target(document(httpElement("a")));
   source(document(httpElement("b")));
   writeFile(keyDir.file("srpubkey.bin"), "public");
@@ -141,7 +141,7 @@ TEST_F(Modify, theKeyDirectoryServesASourceWithoutVersionedServer) {
   EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "public");
 }
 
-TEST_F(Modify, aVersionedServerAnywhereInTheSourceBringsItsKeyFiles) {
+TEST_F(Modify, AVersionedServerAnywhereInTheSourceBringsItsKeyFiles) {
   const std::string others[] = {server("plain"), httpElement("b"), server("last")};
   for (std::size_t place = 0; place <= std::size(others); ++place) {
     target(document(httpElement("a")));
@@ -160,7 +160,7 @@ TEST_F(Modify, aVersionedServerAnywhereInTheSourceBringsItsKeyFiles) {
   }
 }
 
-TEST_F(Modify, aSourceWithoutSitesIsGoodEnough) {
+TEST_F(Modify, ASourceWithoutSitesIsGoodEnough) {
   target(document(server("old")));
   source(document(""));
   EXPECT_TRUE(modify(true, true));
@@ -168,13 +168,13 @@ TEST_F(Modify, aSourceWithoutSitesIsGoodEnough) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed hr=0")));
 }
 
-TEST_F(Modify, theMeshServiceIsNotTold) {
+TEST_F(Modify, TheMeshServiceIsNotTold) {
   usualLists();
   EXPECT_TRUE(modify(true, true));
   EXPECT_THAT(snapshot(agent.dataDirectory() + "/mesh"), IsEmpty());
 }
 
-TEST_F(Modify, anotherHelperReadsTheEdit) {
+TEST_F(Modify, AnotherHelperReadsTheEdit) {
   usualLists();
   EXPECT_TRUE(modify(false, true));
   std::vector<std::wstring> certificates;
@@ -187,7 +187,7 @@ TEST_F(Modify, anotherHelperReadsTheEdit) {
   EXPECT_EQ(edited.iOrder, 0);
 }
 
-TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
+TEST_F(Modify, TheLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
   usualLists();
   LockWatch files({"SiteList.xml", "incoming.xml"});
   EXPECT_TRUE(modify(true, true));
@@ -197,7 +197,7 @@ TEST_F(Modify, theLockIsHeldWhileTheListIsReadAndWhileItIsWritten) {
                                       "read incoming.xml: none", "write SiteList.xml: writing"));
 }
 
-TEST_F(Modify, aChangeMadeByAnotherWriterMeanwhileIsOverwritten) {
+TEST_F(Modify, AChangeMadeByAnotherWriterMeanwhileIsOverwritten) {
   usualLists();
   bool written = false;
   WhenOpened files("incoming.xml", [&] {
@@ -210,13 +210,13 @@ TEST_F(Modify, aChangeMadeByAnotherWriterMeanwhileIsOverwritten) {
                                          "<CaBundle>t</CaBundle>")));
 }
 
-TEST_F(Modify, failsWithoutAnInstalledList) {
+TEST_F(Modify, FailsWithoutAnInstalledList) {
   source(document(httpElement("a")));
   expectRefusal();
   EXPECT_TRUE(tracedScope(agent, L"modifying site list", L"StSHlp"));
 }
 
-TEST_F(Modify, failsWhereTheInstalledListIsNoSiteList) {
+TEST_F(Modify, FailsWhereTheInstalledListIsNoSiteList) {
   source(document(httpElement("a")));
   for (const char* text :
        {"", "text", "<ns:SiteLists xmlns:ns=\"wxSiteList\"><SiteList>",
@@ -229,14 +229,14 @@ TEST_F(Modify, failsWhereTheInstalledListIsNoSiteList) {
   }
 }
 
-TEST_F(Modify, failsWithoutASource) {
+TEST_F(Modify, FailsWithoutASource) {
   target(document(httpElement("a")));
   expectRefusal();
   std::filesystem::create_directory(src);
   expectRefusal();
 }
 
-TEST_F(Modify, failsWhereTheSourceIsNoSiteList) {
+TEST_F(Modify, FailsWhereTheSourceIsNoSiteList) {
   target(document(httpElement("a")));
   for (const char* text : {"", "text", "<ns:SiteLists xmlns:ns=\"wxSiteList\"><SiteList>",
                            "<SiteLists xmlns:ns=\"wxSiteList\"><SiteList/></SiteLists>",
@@ -247,14 +247,14 @@ TEST_F(Modify, failsWhereTheSourceIsNoSiteList) {
   }
 }
 
-TEST_F(Modify, failsWhereTheSourceCannotBeReadAsRecords) {
+TEST_F(Modify, FailsWhereTheSourceCannotBeReadAsRecords) {
   target(document(server("old")));
   source(document(server("new", c_versioned) + "<Unheard/>"));
   incomingKeys();
   expectRefusal({errorLine(L"Failed hr=-1")});
 }
 
-TEST_F(Modify, failsWithoutTheKeysOfTheSource) {
+TEST_F(Modify, FailsWithoutTheKeysOfTheSource) {
   target(document(server("old")));
   source(document(server("new", c_versioned)));
   expectRefusal();
@@ -263,7 +263,7 @@ TEST_F(Modify, failsWithoutTheKeysOfTheSource) {
                  infoLine(L"There could be another set of key files to be used.")});
 }
 
-TEST_F(Modify, failsWhereAKeyIsReadOnly) {
+TEST_F(Modify, FailsWhereAKeyIsReadOnly) {
   target(document(server("old")));
   source(document(server("new", c_versioned)));
   incomingKeys();
@@ -273,7 +273,7 @@ TEST_F(Modify, failsWhereAKeyIsReadOnly) {
   expectRefusal({errorLine(L"Can't write " + wide(agent.etc("srpubkey.bin")))});
 }
 
-TEST_F(Modify, aKeyThatCannotBeWrittenLeavesTheListAndTheKeysBeforeIt) {
+TEST_F(Modify, AKeyThatCannotBeWrittenLeavesTheListAndTheKeysBeforeIt) {
   target(document(server("old")));
   const std::string before = readFile(own);
   source(document(server("new", c_versioned)));
@@ -286,7 +286,7 @@ TEST_F(Modify, aKeyThatCannotBeWrittenLeavesTheListAndTheKeysBeforeIt) {
                                     Pair("srpubkey.bin", "srpubkey.bin")));
 }
 
-TEST_F(Modify, aListThatCannotBeWrittenStaysAndTheKeysAreThere) {
+TEST_F(Modify, AListThatCannotBeWrittenStaysAndTheKeysAreThere) {
   target(document(server("old")));
   const std::string before = readFile(own);
   source(document(server("new", c_versioned)));

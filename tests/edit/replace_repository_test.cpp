@@ -27,7 +27,7 @@ class ReplaceRepository : public testing::Test {
   CSitesHelper helper{true};
 };
 
-TEST_F(ReplaceRepository, theNewElementGoesBehindTheOthersUnderSlotAndTypeOfTheTarget) {
+TEST_F(ReplaceRepository, TheNewElementGoesBehindTheOthersUnderSlotAndTypeOfTheTarget) {
   EXPECT_EQ(
       replaced(R"(<HttpSite Name="old" Server="h:80" Order="1" gone="x"><Old/></HttpSite><Other/>)",
                R"(<HttpSite Name="new" Server="h:80" Order="9" Type="mirror" b="c">t)"
@@ -37,7 +37,7 @@ TEST_F(ReplaceRepository, theNewElementGoesBehindTheOthersUnderSlotAndTypeOfTheT
                          R"(Type="repository" b="c">t<Path>p</Path></HttpSite>)")));
 }
 
-TEST_F(ReplaceRepository, grandchildrenAreLostAndFirstLevelChildrenKept) {
+TEST_F(ReplaceRepository, GrandchildrenAreLostAndFirstLevelChildrenKept) {
   EXPECT_EQ(
       replaced(R"(<HttpSite Name="old" Server="h:80"/>)",
                R"(<HttpSite Name="new" Server="h:80"><A x="1">a<Deep/></A><B/></HttpSite>)", 1,
@@ -45,7 +45,7 @@ TEST_F(ReplaceRepository, grandchildrenAreLostAndFirstLevelChildrenKept) {
       canonical(document(R"(<HttpSite Name="new" Server="h:80"><A x="1">a</A><B/></HttpSite>)")));
 }
 
-TEST_F(ReplaceRepository, anotherElementWithTheSameServerIsReused) {
+TEST_F(ReplaceRepository, AnotherElementWithTheSameServerIsReused) {
   EXPECT_EQ(
       replaced(R"(<HttpSite Name="old" Server="h:80"/><HttpSite Name="twin" Server="h:80" )"
                R"(kept="k"/><Other/>)",
@@ -79,12 +79,12 @@ class SameServer : public testing::Test {
   CSitesHelper helper{true};
 };
 
-TEST_F(SameServer, fourEqualAttributesMakeTheSameServer) {
+TEST_F(SameServer, FourEqualAttributesMakeTheSameServer) {
   EXPECT_TRUE(same(identity(), identity()));
   EXPECT_TRUE(same("Order=\"1\" Version=\"4\" " + identity(), identity() + "Order=\"2\" x=\"y\""));
 }
 
-TEST_F(SameServer, eachOfTheFourAttributesDecides) {
+TEST_F(SameServer, EachOfTheFourAttributesDecides) {
   for (const char* name : {"Name", "Server", "ServerName", "ServerIP"}) {
     EXPECT_FALSE(same(identity(), identity(name, "other"))) << name;
     EXPECT_FALSE(same(identity(name, "other"), identity())) << name;
@@ -93,7 +93,7 @@ TEST_F(SameServer, eachOfTheFourAttributesDecides) {
   }
 }
 
-TEST_F(SameServer, anAttributeThatIsMissingIsNeverTheSame) {
+TEST_F(SameServer, AnAttributeThatIsMissingIsNeverTheSame) {
   for (const char* name : {"Name", "Server", "ServerName", "ServerIP"}) {
     EXPECT_FALSE(same(identity(name, "-"), identity())) << name;
     EXPECT_FALSE(same(identity(), identity(name, "-"))) << name;
@@ -102,7 +102,7 @@ TEST_F(SameServer, anAttributeThatIsMissingIsNeverTheSame) {
   }
 }
 
-TEST_F(SameServer, emptyValuesAreValuesToo) {
+TEST_F(SameServer, EmptyValuesAreValuesToo) {
   for (const char* name : {"Name", "Server", "ServerName", "ServerIP"}) {
     EXPECT_TRUE(same(identity(name, ""), identity(name, ""))) << name;
   }

@@ -43,7 +43,7 @@ class ReplaceServers : public testing::Test {
   CSitesHelper helper{true};
 };
 
-TEST_F(ReplaceServers, everyPairOfListsIsReconciledAsTheModelSays) {
+TEST_F(ReplaceServers, EveryPairOfListsIsReconciledAsTheModelSays) {
   // Every list of at most three servers out of two complete and one incomplete one.
   std::vector<std::vector<std::string>> lists = {{}};
   for (std::size_t begin = 0, n = 0; n < 3; ++n) {
@@ -71,21 +71,21 @@ TEST_F(ReplaceServers, everyPairOfListsIsReconciledAsTheModelSays) {
   }
 }
 
-TEST_F(ReplaceServers, ofTwoServersTheOneThatTheSourceLacksGoes) {
+TEST_F(ReplaceServers, OfTwoServersTheOneThatTheSourceLacksGoes) {
   EXPECT_EQ(replaced(document(server("A", "t") + server("B", "t", "Order=\"7\"")),
                      document(server("B", "s", "Order=\"1\" Version=\"9\""))),
             canonical(document(server("B", "t", "Order=\"7\""))))
       << "a server that both have is not refreshed";
 }
 
-TEST_F(ReplaceServers, aNewServerGoesToTheEndWithoutItsOrder) {
+TEST_F(ReplaceServers, ANewServerGoesToTheEndWithoutItsOrder) {
   EXPECT_EQ(replaced(document(server("A", "t") + httpElement("last")),
                      document(server("A", "s") + server("N", "s", "Type=\"master\" Order=\"1\""))),
             canonical(document(server("A", "t") + httpElement("last") +
                                server("N", "s", "Type=\"master\""))));
 }
 
-TEST_F(ReplaceServers, aNewServerComesWithTextAndFirstLevelChildren) {
+TEST_F(ReplaceServers, ANewServerComesWithTextAndFirstLevelChildren) {
   EXPECT_EQ(replaced(document(""),
                      document("<VestaSite Name=\"n\" Order=\"1\">text<RelativePath a=\"b\">p<Deep/>"
                               "</RelativePath><UseAuth>0</UseAuth></VestaSite>")),
@@ -93,7 +93,7 @@ TEST_F(ReplaceServers, aNewServerComesWithTextAndFirstLevelChildren) {
                                "<UseAuth>0</UseAuth></VestaSite>")));
 }
 
-TEST_F(ReplaceServers, onlyManagementServersInTheSiteListAreTouched) {
+TEST_F(ReplaceServers, OnlyManagementServersInTheSiteListAreTouched) {
   const std::string target =
       document("<KeystoneSite Name=\"k\"/><vestasite/><Wrap><VestaSite Name=\"deep\"/></Wrap>",
                "<VestaSite Name=\"under the root\"/>", "",
@@ -101,7 +101,7 @@ TEST_F(ReplaceServers, onlyManagementServersInTheSiteListAreTouched) {
   EXPECT_EQ(replaced(target, document(httpElement("a"))), canonical(target));
 }
 
-TEST_F(ReplaceServers, theBundleIsReplacedByADeepCopyAtTheEnd) {
+TEST_F(ReplaceServers, TheBundleIsReplacedByADeepCopyAtTheEnd) {
   EXPECT_EQ(replaced(document("", "<CaBundle><CaCertificate>old</CaCertificate></CaBundle><P/>"),
                      document("",
                               "<CaBundle x=\"y\">t<CaCertificate>1<Deep><Er z=\"1\"/></Deep>"
@@ -111,13 +111,13 @@ TEST_F(ReplaceServers, theBundleIsReplacedByADeepCopyAtTheEnd) {
                                "</CaCertificate><!-- c --></CaBundle>")));
 }
 
-TEST_F(ReplaceServers, withoutABundleInTheSourceTheTargetLosesItsOwn) {
+TEST_F(ReplaceServers, WithoutABundleInTheSourceTheTargetLosesItsOwn) {
   EXPECT_EQ(replaced(document("", "<CaBundle><CaCertificate>old</CaCertificate></CaBundle>"),
                      document("")),
             canonical(document("")));
 }
 
-TEST_F(ReplaceServers, onlyTheFirstBundleOfEachCounts) {
+TEST_F(ReplaceServers, OnlyTheFirstBundleOfEachCounts) {
   EXPECT_EQ(replaced(document("", "<CaBundle>1</CaBundle><CaBundle>2</CaBundle>"),
                      document("", "<CaBundle>3</CaBundle><CaBundle>4</CaBundle>")),
             canonical(document("", "<CaBundle>2</CaBundle>",
@@ -125,7 +125,7 @@ TEST_F(ReplaceServers, onlyTheFirstBundleOfEachCounts) {
                                "<CaBundle>3</CaBundle>")));
 }
 
-TEST_F(ReplaceServers, withoutASiteListInEitherNothingIsDone) {
+TEST_F(ReplaceServers, WithoutASiteListInEitherNothingIsDone) {
   const std::string listless =
       "<ns:SiteLists xmlns:ns=\"wxSiteList\"><CaBundle>l</CaBundle></ns:SiteLists>";
   const std::string full = document(server("A", "x"), "<CaBundle>f</CaBundle>");

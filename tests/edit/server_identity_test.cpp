@@ -18,7 +18,7 @@ class ServerIdentity : public EditFixture {
 };
 
 // Whatever stands between two values when they are compared: no text of theirs can take its place.
-TEST_F(ServerIdentity, isOfTheValuesOneByOneNotOfTheirText) {
+TEST_F(ServerIdentity, IsOfTheValuesOneByOneNotOfTheirText) {
   for (int c = 0x20; c < 0x7F; ++c) {
     char reference[8];
     std::snprintf(reference, sizeof reference, "&#%d;", c);

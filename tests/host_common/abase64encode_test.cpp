@@ -13,7 +13,7 @@ std::string decoded(const std::wstring& text) {
   return std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size());
 }
 
-TEST(Base64, decodesTheStandardsExamples) {
+TEST(Base64, DecodesTheStandardsExamples) {
   EXPECT_EQ(decoded(L""), "");
   EXPECT_EQ(decoded(L"Zg=="), "f");
   EXPECT_EQ(decoded(L"Zm8="), "fo");
@@ -23,7 +23,7 @@ TEST(Base64, decodesTheStandardsExamples) {
   EXPECT_EQ(decoded(L"Zm9vYmFy"), "foobar");
 }
 
-TEST(Base64, decodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
+TEST(Base64, DecodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
   for (std::size_t length = 1; length <= 300; ++length) {
     std::vector<unsigned char> bytes;
     for (std::size_t i = 0; i < length; ++i) {
@@ -36,16 +36,16 @@ TEST(Base64, decodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
   }
 }
 
-TEST(Base64, skipsWhiteSpaceAnywhere) {
+TEST(Base64, SkipsWhiteSpaceAnywhere) {
   EXPECT_EQ(decoded(L" Zm\n9v\r\nYm\tE \v\f= \n"), "fooba");
   EXPECT_EQ(decoded(L"Zg= ="), "f");
 }
 
-TEST(Base64, givesNothingForWhiteSpaceAlone) { EXPECT_EQ(decoded(L" \r\n"), ""); }
+TEST(Base64, GivesNothingForWhiteSpaceAlone) { EXPECT_EQ(decoded(L" \r\n"), ""); }
 
 class InvalidBase64 : public testing::TestWithParam<const wchar_t*> {};
 
-TEST_P(InvalidBase64, givesAnEmptyBuffer) {
+TEST_P(InvalidBase64, GivesAnEmptyBuffer) {
   EXPECT_TRUE(ABase64Encode::decode(AString(GetParam())).empty());
 }
 
@@ -64,9 +64,9 @@ INSTANTIATE_TEST_SUITE_P(
       return std::to_string(param.index);
     });
 
-TEST(Base64, refusesAZeroCharacter) { EXPECT_EQ(decoded(std::wstring(L"Zm9v\0", 5)), ""); }
+TEST(Base64, RefusesAZeroCharacter) { EXPECT_EQ(decoded(std::wstring(L"Zm9v\0", 5)), ""); }
 
-TEST(Base64, knowsExactlyTheSixtyFourCharactersOfTheAlphabet) {
+TEST(Base64, KnowsExactlyTheSixtyFourCharactersOfTheAlphabet) {
   int accepted = 0;
   for (wchar_t c = 1; c < 0x400; ++c) {
     if (!decoded(std::wstring(L"Zm9") + c).empty()) ++accepted;

@@ -15,12 +15,12 @@ std::string textOf(const ABuffer& buffer) {
   return std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size());
 }
 
-TEST(ABuffer, isEmptyWhenMadeOfNothing) {
+TEST(ABuffer, IsEmptyWhenMadeOfNothing) {
   EXPECT_TRUE(ABuffer().empty());
   EXPECT_TRUE(ABuffer(nullptr, 0).empty());
 }
 
-TEST(ABuffer, holdsACopyOfTheBytes) {
+TEST(ABuffer, HoldsACopyOfTheBytes) {
   std::string bytes("a\0\xFF", 3);
   const ABuffer buffer = bufferOf(bytes);
   bytes[0] = 'x';
@@ -28,7 +28,7 @@ TEST(ABuffer, holdsACopyOfTheBytes) {
   EXPECT_FALSE(buffer.empty());
 }
 
-TEST(ABuffer, copiesAreIndependent) {
+TEST(ABuffer, CopiesAreIndependent) {
   ABuffer first = bufferOf("first");
   ABuffer copy = first;
   first = bufferOf("second, longer");
@@ -38,7 +38,7 @@ TEST(ABuffer, copiesAreIndependent) {
   EXPECT_EQ(textOf(copy), "second, longer");
 }
 
-TEST(ABuffer, movesLeaveTheSourceEmpty) {
+TEST(ABuffer, MovesLeaveTheSourceEmpty) {
   ABuffer source = bufferOf("key");
   ABuffer target = bufferOf("old");
   target = std::move(source);
@@ -48,7 +48,7 @@ TEST(ABuffer, movesLeaveTheSourceEmpty) {
   EXPECT_EQ(textOf(made), "key");
 }
 
-TEST(ABuffer, survivesAssignmentToItself) {
+TEST(ABuffer, SurvivesAssignmentToItself) {
   ABuffer buffer = bufferOf("key");
   ABuffer& alias = buffer;
   buffer = alias;

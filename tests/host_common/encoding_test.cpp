@@ -16,7 +16,7 @@ bool isValid(const std::string& utf8) {
   return appendWide(utf8.data(), utf8.size(), out);
 }
 
-TEST(Encoding, convertsCharactersOfEveryLength) {
+TEST(Encoding, ConvertsCharactersOfEveryLength) {
   const std::string utf8 =
       "A\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBFz";
   const std::wstring wide = {L'A', 0x80, 0x7FF, 0x800, 0xFFFF, 0x10000, 0x10FFFF, L'z'};
@@ -24,14 +24,14 @@ TEST(Encoding, convertsCharactersOfEveryLength) {
   EXPECT_EQ(toUtf8(wide), utf8);
 }
 
-TEST(Encoding, keepsZeroCharacters) {
+TEST(Encoding, KeepsZeroCharacters) {
   const std::string utf8("a\0b\0", 4);
   const std::wstring wide(L"a\0b\0", 4);
   EXPECT_EQ(wideOf(utf8), wide);
   EXPECT_EQ(toUtf8(wide), utf8);
 }
 
-TEST(Encoding, convertsEveryScalarValueThereAndBack) {
+TEST(Encoding, ConvertsEveryScalarValueThereAndBack) {
   std::wstring all;
   for (std::uint32_t c = 0; c <= 0x10FFFF; ++c) {
     if (isScalar(c)) all.push_back(static_cast<wchar_t>(c));
@@ -43,7 +43,7 @@ TEST(Encoding, convertsEveryScalarValueThereAndBack) {
 }
 
 // The blocks of the fast path must not lose or move what stands at their borders.
-TEST(Encoding, convertsOneForeignCharacterAtEveryPlaceOfAnAsciiText) {
+TEST(Encoding, ConvertsOneForeignCharacterAtEveryPlaceOfAnAsciiText) {
   for (std::size_t length = 1; length <= 40; ++length) {
     for (std::size_t place = 0; place < length; ++place) {
       std::wstring wide(length, L'x');
@@ -56,7 +56,7 @@ TEST(Encoding, convertsOneForeignCharacterAtEveryPlaceOfAnAsciiText) {
   }
 }
 
-TEST(Encoding, refusesInvalidSequencesAtEveryPlaceOfAnAsciiText) {
+TEST(Encoding, RefusesInvalidSequencesAtEveryPlaceOfAnAsciiText) {
   for (std::size_t place = 0; place <= 20; ++place) {
     std::string utf8(20, 'x');
     utf8.insert(place, "\xC3");
@@ -64,7 +64,7 @@ TEST(Encoding, refusesInvalidSequencesAtEveryPlaceOfAnAsciiText) {
   }
 }
 
-TEST(Encoding, leavesTheOutputAsItWasWhenTheBytesAreNotValid) {
+TEST(Encoding, LeavesTheOutputAsItWasWhenTheBytesAreNotValid) {
   std::wstring out = L"before";
   EXPECT_FALSE(appendWide("after\x80", 6, out));
   EXPECT_EQ(out, L"before");
@@ -74,9 +74,9 @@ TEST(Encoding, leavesTheOutputAsItWasWhenTheBytesAreNotValid) {
 
 class InvalidUtf8 : public testing::TestWithParam<const char*> {};
 
-TEST_P(InvalidUtf8, isRefused) { EXPECT_FALSE(isValid(GetParam())); }
+TEST_P(InvalidUtf8, IsRefused) { EXPECT_FALSE(isValid(GetParam())); }
 
-TEST_P(InvalidUtf8, becomesOneReplacementCharacterAmongOtherText) {
+TEST_P(InvalidUtf8, BecomesOneReplacementCharacterAmongOtherText) {
   EXPECT_EQ(wideOf(std::string("ab") + GetParam() + "cd"),
             L"ab\xFFFD"
             L"cd");
@@ -93,12 +93,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "\xF4\x90\x80\x80", "\xF7\xBF\xBF\xBF"),  // beyond the last character
     [](const testing::TestParamInfo<const char*>& param) { return std::to_string(param.index); });
 
-TEST(Encoding, replacesASequenceThatTheEndCutsOff) {
+TEST(Encoding, ReplacesASequenceThatTheEndCutsOff) {
   EXPECT_EQ(wideOf("ab\xE2\x82"), L"ab\xFFFD");
   EXPECT_EQ(wideOf("\xF0\x9F"), L"\xFFFD");
 }
 
-TEST(Encoding, replacesWideCharactersThatAreNoScalarValues) {
+TEST(Encoding, ReplacesWideCharactersThatAreNoScalarValues) {
   const std::wstring wide = {L'a',
                              static_cast<wchar_t>(0xD800),
                              static_cast<wchar_t>(0xDFFF),
@@ -110,7 +110,7 @@ TEST(Encoding, replacesWideCharactersThatAreNoScalarValues) {
   EXPECT_EQ(host::utf8Size(wide.data(), wide.size()), 14u);
 }
 
-TEST(Encoding, convertsEmptyText) {
+TEST(Encoding, ConvertsEmptyText) {
   EXPECT_EQ(toWide(nullptr, 0), L"");
   EXPECT_EQ(toUtf8(nullptr, 0), "");
 }

@@ -9,13 +9,13 @@
 
 namespace {
 
-TEST(CompareWithoutCase, findsEqualTexts) {
+TEST(CompareWithoutCase, FindsEqualTexts) {
   EXPECT_EQ(wcsicmp(L"", L""), 0);
   EXPECT_EQ(wcsicmp(L"VestaSite", L"vESTAsITE"), 0);
   EXPECT_EQ(wcsicmp(L"a1-_.:Z", L"A1-_.:z"), 0);
 }
 
-TEST(CompareWithoutCase, tellsTheOrder) {
+TEST(CompareWithoutCase, TellsTheOrder) {
   EXPECT_LT(wcsicmp(L"a", L"B"), 0);
   EXPECT_GT(wcsicmp(L"b", L"A"), 0);
   EXPECT_LT(wcsicmp(L"A", L"b"), 0);
@@ -25,7 +25,7 @@ TEST(CompareWithoutCase, tellsTheOrder) {
   EXPECT_GT(wcsicmp(L"a", L""), 0);
 }
 
-TEST(CompareWithoutCase, keepsApartWhatOnlyLooksAlike) {
+TEST(CompareWithoutCase, KeepsApartWhatOnlyLooksAlike) {
   EXPECT_NE(wcsicmp(L"[", L"{"), 0);
   EXPECT_NE(wcsicmp(L"@", L"`"), 0);
   EXPECT_NE(wcsicmp(L"^", L"~"), 0);
@@ -33,13 +33,13 @@ TEST(CompareWithoutCase, keepsApartWhatOnlyLooksAlike) {
   EXPECT_NE(wcsicmp(L"\xD7", L"\xF7"), 0);
 }
 
-TEST(CompareWithoutCase, sortsCharactersAsUnsignedNumbers) {
+TEST(CompareWithoutCase, SortsCharactersAsUnsignedNumbers) {
   const wchar_t large[] = {static_cast<wchar_t>(0xFFFFFFFF), 0};
   EXPECT_LT(wcsicmp(L"a", large), 0);
   EXPECT_GT(wcsicmp(large, L"a"), 0);
 }
 
-TEST(CompareWithoutCase, foldsLettersBeyondAscii) {
+TEST(CompareWithoutCase, FoldsLettersBeyondAscii) {
   EXPECT_EQ(wcsicmp(L"\xC4\xD6\xDC\xC9\xDE", L"\xE4\xF6\xFC\xE9\xFE"), 0);
   EXPECT_EQ(wcsicmp(L"\x0141\x00F3\x0178\x017D", L"\x0142\x00D3\x00FF\x017E"), 0);
   EXPECT_EQ(wcsicmp(L"\x0391\x03A9\x0386", L"\x03B1\x03C9\x03AC"), 0);
@@ -61,7 +61,7 @@ class UnicodeLocale {
 };
 
 // The system knows every script; in those that are folded here, the two must agree on each letter.
-TEST(CompareWithoutCase, foldsEveryLetterAsTheSystemDoes) {
+TEST(CompareWithoutCase, FoldsEveryLetterAsTheSystemDoes) {
   const UnicodeLocale locale;
   ASSERT_TRUE(locale.found());
   const std::pair<wchar_t, wchar_t> scripts[] = {
@@ -80,7 +80,7 @@ TEST(CompareWithoutCase, foldsEveryLetterAsTheSystemDoes) {
 }
 
 // And what is the same without case here must be so for the system: no letter is folded wrongly.
-TEST(CompareWithoutCase, foldsNothingButLetters) {
+TEST(CompareWithoutCase, FoldsNothingButLetters) {
   const UnicodeLocale locale;
   ASSERT_TRUE(locale.found());
   for (wchar_t a = 1; a < 0x600; ++a) {
@@ -94,7 +94,7 @@ TEST(CompareWithoutCase, foldsNothingButLetters) {
   }
 }
 
-TEST(CompareWithoutCase, doesNotDependOnTheLocale) {
+TEST(CompareWithoutCase, DoesNotDependOnTheLocale) {
   const std::string before = std::setlocale(LC_ALL, nullptr);
   for (const char* name : {"C", "C.UTF-8", "POSIX"}) {
     if (!std::setlocale(LC_ALL, name)) continue;
@@ -104,13 +104,13 @@ TEST(CompareWithoutCase, doesNotDependOnTheLocale) {
   std::setlocale(LC_ALL, before.c_str());
 }
 
-TEST(NetbiosName, isCutAtTheFirstDot) {
+TEST(NetbiosName, IsCutAtTheFirstDot) {
   std::wstring name = L"server.branch.example";
   EXPECT_TRUE(convertFqdnToNetbios(name));
   EXPECT_EQ(name, L"server");
 }
 
-TEST(NetbiosName, staysWhenThereIsNoDot) {
+TEST(NetbiosName, StaysWhenThereIsNoDot) {
   std::wstring name = L"SERVER";
   EXPECT_FALSE(convertFqdnToNetbios(name));
   EXPECT_EQ(name, L"SERVER");
@@ -119,7 +119,7 @@ TEST(NetbiosName, staysWhenThereIsNoDot) {
   EXPECT_EQ(name, L"");
 }
 
-TEST(NetbiosName, countsADotAtEitherEnd) {
+TEST(NetbiosName, CountsADotAtEitherEnd) {
   std::wstring name = L"server.";
   EXPECT_TRUE(convertFqdnToNetbios(name));
   EXPECT_EQ(name, L"server");

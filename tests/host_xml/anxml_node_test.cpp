@@ -34,14 +34,14 @@ class AnXmlNodes : public testing::Test {
   test::TempDir m_directory;
 };
 
-TEST_F(AnXmlNodes, haveTheRootOfTheirDocumentFirst) {
+TEST_F(AnXmlNodes, HaveTheRootOfTheirDocumentFirst) {
   EXPECT_EQ(root("<!-- c --><ns:r/>").getName().str(), L"ns:r");
   EXPECT_TRUE(AnXmlNode(nullptr).isNull());
   AnXml empty;
   EXPECT_TRUE(AnXmlNode(&empty).isNull());
 }
 
-TEST_F(AnXmlNodes, findTheirFirstChildOfAName) {
+TEST_F(AnXmlNodes, FindTheirFirstChildOfAName) {
   const AnXmlNode r = root("<r><x><b n='0'/></x>text<b n='1'/><!--b--><b n='2'/></r>");
   AnXmlNode out;
   EXPECT_TRUE(r.tryGetChild(out, L"b", 0, 0, 0, 0));
@@ -53,7 +53,7 @@ TEST_F(AnXmlNodes, findTheirFirstChildOfAName) {
   EXPECT_EQ(out.getName().str(), L"x");
 }
 
-TEST_F(AnXmlNodes, findAChildOfAnyNameWhenNoneIsGiven) {
+TEST_F(AnXmlNodes, FindAChildOfAnyNameWhenNoneIsGiven) {
   const AnXmlNode r = root("<r>text<x/><b k='1'/></r>");
   AnXmlNode out;
   EXPECT_TRUE(r.tryGetChild(out, 0, 0, 0, 0, 0));
@@ -62,7 +62,7 @@ TEST_F(AnXmlNodes, findAChildOfAnyNameWhenNoneIsGiven) {
   EXPECT_EQ(out.getName().str(), L"b");
 }
 
-TEST_F(AnXmlNodes, findAChildByItsKey) {
+TEST_F(AnXmlNodes, FindAChildByItsKey) {
   const AnXmlNode r = root("<r><b/><b k='1' o='x'/><b k=''/><c k='2'/><b k='2' o='&#xE9;'/></r>");
   AnXmlNode out;
   AString other(L"before");
@@ -76,7 +76,7 @@ TEST_F(AnXmlNodes, findAChildByItsKey) {
   EXPECT_EQ(value(out, L"k"), L"");
 }
 
-TEST_F(AnXmlNodes, leaveTheOutputsAsTheyWereWhenThereIsNoSuchChild) {
+TEST_F(AnXmlNodes, LeaveTheOutputsAsTheyWereWhenThereIsNoSuchChild) {
   const AnXmlNode r = root("<r><b k='1' o='x'/></r>");
   AnXmlNode out = r;
   AString other(L"before");
@@ -91,7 +91,7 @@ TEST_F(AnXmlNodes, leaveTheOutputsAsTheyWereWhenThereIsNoSuchChild) {
   EXPECT_EQ(other.str(), L"before");
 }
 
-TEST_F(AnXmlNodes, moveToAChild) {
+TEST_F(AnXmlNodes, MoveToAChild) {
   AnXmlNode node = root("<r><SiteList><a k='1' o='2'/></SiteList></r>");
   EXPECT_FALSE(node.tryGetChildMove(L"a", 0, 0, 0, 0));
   EXPECT_EQ(node.getName().str(), L"r");
@@ -102,7 +102,7 @@ TEST_F(AnXmlNodes, moveToAChild) {
   EXPECT_EQ(other.str(), L"2");
 }
 
-TEST_F(AnXmlNodes, giveTheirChildToTheHandleThatWasAsked) {
+TEST_F(AnXmlNodes, GiveTheirChildToTheHandleThatWasAsked) {
   AnXmlNode node = root("<r><a><b/></a></r>");
   EXPECT_TRUE(node.tryGetChild(node, L"a", 0, 0, 0, 0));
   EXPECT_TRUE(node.setChild(node, L"b", 0, 0, 0, 0));
@@ -111,7 +111,7 @@ TEST_F(AnXmlNodes, giveTheirChildToTheHandleThatWasAsked) {
   EXPECT_EQ(written(), "<r><a><b><c/></b></a></r>");
 }
 
-TEST_F(AnXmlNodes, readAttributesAndText) {
+TEST_F(AnXmlNodes, ReadAttributesAndText) {
   const AnXmlNode r = root("<r a='1&amp;' e=''>x<b>not</b><![CDATA[<y>]]></r>");
   AString text;
   EXPECT_TRUE(r.tryGetValue(L"a", text));
@@ -130,7 +130,7 @@ TEST_F(AnXmlNodes, readAttributesAndText) {
   EXPECT_EQ(text.str(), L"");
 }
 
-TEST_F(AnXmlNodes, setAttributesInPlaceOrBehindTheOthers) {
+TEST_F(AnXmlNodes, SetAttributesInPlaceOrBehindTheOthers) {
   AnXmlNode r = root("<r a='1' b='2'/>");
   r.setValue(L"a", L"3");
   r.setValue(L"c", L"<&\"\n");
@@ -138,7 +138,7 @@ TEST_F(AnXmlNodes, setAttributesInPlaceOrBehindTheOthers) {
   EXPECT_EQ(written(), "<r a=\"3\" b=\"\" c=\"&lt;&amp;&quot;&#10;\"/>");
 }
 
-TEST_F(AnXmlNodes, setTheirTextInThePlaceOfAllTheyHad) {
+TEST_F(AnXmlNodes, SetTheirTextInThePlaceOfAllTheyHad) {
   AnXmlNode r = root("<r>1<a/>2<![CDATA[3]]><!--c--><b>inner</b>4</r>");
   r.setValue(L"", L"new <text>");
   EXPECT_EQ(written(), "<r>new &lt;text&gt;<a/><!--c--><b>inner</b></r>");
@@ -146,14 +146,14 @@ TEST_F(AnXmlNodes, setTheirTextInThePlaceOfAllTheyHad) {
   EXPECT_EQ(written(), "<r><a/><!--c--><b>inner</b></r>");
 }
 
-TEST_F(AnXmlNodes, storeWhatXmlCannotCarryAsReplacements) {
+TEST_F(AnXmlNodes, StoreWhatXmlCannotCarryAsReplacements) {
   AnXmlNode r = root("<r/>");
   r.setValue(L"a", L"\x01");
   r.setValue(L"", L"\xFFFE");
   EXPECT_EQ(written(), "<r a=\"\xEF\xBF\xBD\">\xEF\xBF\xBD</r>");
 }
 
-TEST_F(AnXmlNodes, reuseAChildOfTheNameOrAddOne) {
+TEST_F(AnXmlNodes, ReuseAChildOfTheNameOrAddOne) {
   AnXmlNode r = root("<r><a n='1'/><b/><a n='2'/></r>");
   AnXmlNode out;
   EXPECT_TRUE(r.setChild(out, L"a", 0, 0, 0, 0));
@@ -164,7 +164,7 @@ TEST_F(AnXmlNodes, reuseAChildOfTheNameOrAddOne) {
   EXPECT_EQ(written(), "<r><a n=\"1\"/><b/><a n=\"2\"/><c/></r>");
 }
 
-TEST_F(AnXmlNodes, reuseAChildOfTheKeyOrAddOneWithIt) {
+TEST_F(AnXmlNodes, ReuseAChildOfTheKeyOrAddOneWithIt) {
   AnXmlNode r = root("<r><a k='1'/><a k='2'/></r>");
   AnXmlNode out;
   EXPECT_TRUE(r.setChild(out, L"a", L"k", L"2", L"o", L"x"));
@@ -175,7 +175,7 @@ TEST_F(AnXmlNodes, reuseAChildOfTheKeyOrAddOneWithIt) {
   EXPECT_EQ(written(), "<r><a k=\"1\"/><a k=\"2\" o=\"x\"/><a k=\"3\" o=\"\"/></r>");
 }
 
-TEST_F(AnXmlNodes, addChildrenBehindTheOthers) {
+TEST_F(AnXmlNodes, AddChildrenBehindTheOthers) {
   AnXmlNode r = root("<r><a/>text</r>");
   AnXmlNode out;
   EXPECT_TRUE(r.addChild(out, L"a", 0, 0));
@@ -184,7 +184,7 @@ TEST_F(AnXmlNodes, addChildrenBehindTheOthers) {
   EXPECT_EQ(written(), "<r><a/>text<a/><b k=\"v\"/></r>");
 }
 
-TEST_F(AnXmlNodes, addNoChildWithoutAName) {
+TEST_F(AnXmlNodes, AddNoChildWithoutAName) {
   AnXmlNode r = root("<r/>");
   AnXmlNode out = r;
   EXPECT_FALSE(r.addChild(out, 0, 0, 0));
@@ -194,7 +194,7 @@ TEST_F(AnXmlNodes, addNoChildWithoutAName) {
   EXPECT_EQ(written(), "<r/>");
 }
 
-TEST_F(AnXmlNodes, areRemovedWithAllTheyHold) {
+TEST_F(AnXmlNodes, AreRemovedWithAllTheyHold) {
   const AnXmlNode r = root("<r>1<a><b>x</b></a>2<a/></r>");
   AnXmlNode a;
   ASSERT_TRUE(r.tryGetChild(a, L"a", 0, 0, 0, 0));
@@ -203,14 +203,14 @@ TEST_F(AnXmlNodes, areRemovedWithAllTheyHold) {
   EXPECT_EQ(written(), "<r>12<a/></r>");
 }
 
-TEST_F(AnXmlNodes, areNotRemovedWhenTheyAreTheRoot) {
+TEST_F(AnXmlNodes, AreNotRemovedWhenTheyAreTheRoot) {
   AnXmlNode r = root("<r><a/></r>");
   r.remove();
   EXPECT_FALSE(r.isNull());
   EXPECT_EQ(written(), "<r><a/></r>");
 }
 
-TEST_F(AnXmlNodes, areCopiedWithAllTheyHold) {
+TEST_F(AnXmlNodes, AreCopiedWithAllTheyHold) {
   const char* const bundle =
       "<CaBundle a=\"1\" b=\"\">\n <c>x<!-- k --><![CDATA[<y>]]></c><?p "
       "d?><c><d><e/></d>z</c>\n</CaBundle>";
@@ -227,7 +227,7 @@ TEST_F(AnXmlNodes, areCopiedWithAllTheyHold) {
   EXPECT_EQ(written(), std::string("<r><a/>") + bundle + bundle + "</r>");
 }
 
-TEST_F(AnXmlNodes, areCopiedIntoThemselvesAsTheyWere) {
+TEST_F(AnXmlNodes, AreCopiedIntoThemselvesAsTheyWere) {
   AnXmlNode r = root("<r><a>1<b/>2</a></r>");
   AnXmlNode b;
   AnXmlNode a;
@@ -242,7 +242,7 @@ TEST_F(AnXmlNodes, areCopiedIntoThemselvesAsTheyWere) {
             "<r><a>1<b><b/><r><a>1<b><b/></b>2<a>1<b/>2</a></a></r></b>2<a>1<b/>2</a></a></r>");
 }
 
-TEST_F(AnXmlNodes, thatAreNullAnswerWithNothing) {
+TEST_F(AnXmlNodes, ThatAreNullAnswerWithNothing) {
   const AnXmlNode null;
   AnXmlNode out = root("<r/>");
   AString text(L"before");
@@ -258,7 +258,7 @@ TEST_F(AnXmlNodes, thatAreNullAnswerWithNothing) {
   EXPECT_EQ(out.getName().str(), L"r");
 }
 
-TEST_F(AnXmlNodes, thatAreNullDoNothingWhenTheyAreChanged) {
+TEST_F(AnXmlNodes, ThatAreNullDoNothingWhenTheyAreChanged) {
   AnXmlNode r = root("<r/>");
   AnXmlNode null;
   AnXmlNode out = r;
@@ -288,7 +288,7 @@ Texts childrenOf(const AnXmlNode& node, const wchar_t* name) {
   return texts;
 }
 
-TEST_F(AnXmlNodes, walkTheirChildElements) {
+TEST_F(AnXmlNodes, WalkTheirChildElements) {
   const AnXmlNode r =
       root("<r>t<a n='1'><a n='x'/></a><!--a--><b n='2'/><?a?><a n='3'/><![CDATA[a]]></r>");
   EXPECT_EQ(childrenOf(r, 0), (Texts{L"a1", L"b2", L"a3"}));
@@ -298,7 +298,7 @@ TEST_F(AnXmlNodes, walkTheirChildElements) {
   EXPECT_EQ(childrenOf(AnXmlNode(), 0), Texts());
 }
 
-TEST_F(AnXmlNodes, endTheirWalkForGood) {
+TEST_F(AnXmlNodes, EndTheirWalkForGood) {
   AnXmlChildIndex index(root("<r><a/></r>"), L"a");
   AnXmlNode child;
   EXPECT_TRUE(index.moveNext(child));
@@ -310,7 +310,7 @@ TEST_F(AnXmlNodes, endTheirWalkForGood) {
 }
 
 // Every choice of children to remove, in every walk, against the plain expectation.
-TEST_F(AnXmlNodes, areRemovedWhileTheyAreWalked) {
+TEST_F(AnXmlNodes, AreRemovedWhileTheyAreWalked) {
   const std::vector<std::string> pieces = {"<a n='0'/>", "<b n='1'/>", "<a n='2'/>", "<a n='3'/>",
                                            "<b n='4'/>"};
   for (const wchar_t* name : {L"", L"a", L"b"}) {
@@ -340,13 +340,13 @@ TEST_F(AnXmlNodes, areRemovedWhileTheyAreWalked) {
   }
 }
 
-TEST_F(AnXmlNodes, areNotRemovedBeforeTheWalkBegins) {
+TEST_F(AnXmlNodes, AreNotRemovedBeforeTheWalkBegins) {
   AnXmlChildIndex index(root("<r><a/></r>"), 0);
   index.remove();
   EXPECT_EQ(written(), "<r><a/></r>");
 }
 
-TEST_F(AnXmlNodes, areRemovedByTheThousandWhileTheyAreWalked) {
+TEST_F(AnXmlNodes, AreRemovedByTheThousandWhileTheyAreWalked) {
   const AnXmlNode r = root("<r>" + test::repeated("<a/><b/>", 16000) + "</r>");
   AnXmlChildIndex index(r, L"b");
   AnXmlNode child;
@@ -356,7 +356,7 @@ TEST_F(AnXmlNodes, areRemovedByTheThousandWhileTheyAreWalked) {
   EXPECT_EQ(childrenOf(r, 0).size(), 16000u);
 }
 
-TEST_F(AnXmlNodes, walkTheirAttributes) {
+TEST_F(AnXmlNodes, WalkTheirAttributes) {
   AnXmlNode r = root("<r z='1' xmlns:a='&lt;' e=''/>");
   AnXmlValueIndex index(r);
   Texts pairs;

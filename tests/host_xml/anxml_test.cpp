@@ -51,13 +51,13 @@ class AnXmlFile : public testing::Test {
   test::TempDir m_directory;
 };
 
-TEST_F(AnXmlFile, isWrittenAsItWasReadWithoutAnEdit) {
+TEST_F(AnXmlFile, IsWrittenAsItWasReadWithoutAnEdit) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   EXPECT_EQ(saved(xml), c_list);
 }
 
-TEST_F(AnXmlFile, isReadInAnyEncodingAndWrittenAsUtf8) {
+TEST_F(AnXmlFile, IsReadInAnyEncodingAndWrittenAsUtf8) {
   for (const auto encoding : {AdvXMLParser::UTF_16LE, AdvXMLParser::UTF_16BE,
                               AdvXMLParser::UTF_32LE, AdvXMLParser::UTF_32BE}) {
     const std::wstring list =
@@ -69,7 +69,7 @@ TEST_F(AnXmlFile, isReadInAnyEncodingAndWrittenAsUtf8) {
   }
 }
 
-TEST_F(AnXmlFile, isRefusedWithAnotherRoot) {
+TEST_F(AnXmlFile, IsRefusedWithAnotherRoot) {
   AnXml xml;
   EXPECT_FALSE(xml.useExistingFile(path(), L"SiteLists", L"xmlns:ns", L"wxSiteList"));
   EXPECT_FALSE(xml.useExistingFile(path(), L"ns:sitelists", L"xmlns:ns", L"wxSiteList"));
@@ -82,7 +82,7 @@ TEST_F(AnXmlFile, isRefusedWithAnotherRoot) {
   EXPECT_TRUE(xml.useExistingFile(path(), nullptr, nullptr, nullptr));
 }
 
-TEST_F(AnXmlFile, isRefusedWhenItIsNoDocument) {
+TEST_F(AnXmlFile, IsRefusedWhenItIsNoDocument) {
   AnXml xml;
   const std::string declared = "<ns:SiteLists xmlns:ns=\"wxSiteList\"";
   for (const std::string& bytes : {std::string(), std::string("invalid"), declared, declared + ">",
@@ -99,14 +99,14 @@ TEST_F(AnXmlFile, isRefusedWhenItIsNoDocument) {
   EXPECT_TRUE(open(xml));
 }
 
-TEST_F(AnXmlFile, isReadWithAByteOrderMarkAndWrittenWithout) {
+TEST_F(AnXmlFile, IsReadWithAByteOrderMarkAndWrittenWithout) {
   write("\xEF\xBB\xBF" + std::string(c_list));
   AnXml xml;
   ASSERT_TRUE(open(xml));
   EXPECT_EQ(saved(xml), c_list);
 }
 
-TEST_F(AnXmlFile, isRefusedWhenItIsNotValidInItsEncoding) {
+TEST_F(AnXmlFile, IsRefusedWhenItIsNotValidInItsEncoding) {
   AnXml xml;
   const std::string start = "<ns:SiteLists xmlns:ns=\"wxSiteList\" a=\"";
   const std::string invalid[] = {
@@ -128,7 +128,7 @@ TEST_F(AnXmlFile, isRefusedWhenItIsNotValidInItsEncoding) {
   EXPECT_TRUE(xml.useExistingFile(path(), nullptr, nullptr, nullptr));
 }
 
-TEST_F(AnXmlFile, staysOpenWhenAnotherCannotBeOpened) {
+TEST_F(AnXmlFile, StaysOpenWhenAnotherCannotBeOpened) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   const AnXmlNode root(&xml);
@@ -138,7 +138,7 @@ TEST_F(AnXmlFile, staysOpenWhenAnotherCannotBeOpened) {
   EXPECT_EQ(saved(xml), c_list);
 }
 
-TEST_F(AnXmlFile, isReplacedByTheOneOpenedLater) {
+TEST_F(AnXmlFile, IsReplacedByTheOneOpenedLater) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   write("<ns:SiteLists xmlns:ns=\"wxSiteList\"/>");
@@ -146,7 +146,7 @@ TEST_F(AnXmlFile, isReplacedByTheOneOpenedLater) {
   EXPECT_EQ(saved(xml), test::c_declaration + "<ns:SiteLists xmlns:ns=\"wxSiteList\"/>");
 }
 
-TEST_F(AnXmlFile, isNotWrittenWithoutADocumentOrWithReservedFlags) {
+TEST_F(AnXmlFile, IsNotWrittenWithoutADocumentOrWithReservedFlags) {
   AnXml xml;
   EXPECT_FALSE(xml.writeFile(path("saved"), false, false));
   ASSERT_TRUE(open(xml));
@@ -155,7 +155,7 @@ TEST_F(AnXmlFile, isNotWrittenWithoutADocumentOrWithReservedFlags) {
   EXPECT_FALSE(test::exists(m_directory.file("saved")));
 }
 
-TEST_F(AnXmlFile, staysAsItWasWhenWritingFails) {
+TEST_F(AnXmlFile, StaysAsItWasWhenWritingFails) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   AnXmlNode(&xml).setValue(L"Type", L"Server");
@@ -171,7 +171,7 @@ TEST_F(AnXmlFile, staysAsItWasWhenWritingFails) {
   EXPECT_NE(test::snapshot(m_directory.path()), before);
 }
 
-TEST_F(AnXmlFile, keepsItsModeAndIsNotForEverybodyWhenNew) {
+TEST_F(AnXmlFile, KeepsItsModeAndIsNotForEverybodyWhenNew) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   ::chmod(m_directory.file("list").c_str(), 0604);
@@ -186,7 +186,7 @@ TEST_F(AnXmlFile, keepsItsModeAndIsNotForEverybodyWhenNew) {
   EXPECT_EQ(info.st_mode & 07777, 0640u);
 }
 
-TEST_F(AnXmlFile, changesOnlyWhereItIsEdited) {
+TEST_F(AnXmlFile, ChangesOnlyWhereItIsEdited) {
   AnXml xml;
   ASSERT_TRUE(open(xml));
   AnXmlNode site;
@@ -213,7 +213,7 @@ void* failingAllocate(std::size_t size) {
   return std::malloc(size);
 }
 
-TEST_F(AnXmlFile, isNeverCopiedInPartWhenMemoryRunsOut) {
+TEST_F(AnXmlFile, IsNeverCopiedInPartWhenMemoryRunsOut) {
   const std::string big(40000, 'x');
   std::string certificates;
   for (int i = 0; i < 20; ++i)

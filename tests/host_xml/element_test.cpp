@@ -16,7 +16,7 @@ std::vector<std::wstring> namesOf(const ElementRange& range) {
 
 using Names = std::vector<std::wstring>;
 
-TEST(Element, findsItsFirstChildOfAName) {
+TEST(Element, FindsItsFirstChildOfAName) {
   const test::DocumentPtr document = parse(
       std::wstring(L"<r>text<!--b--><?b?><a><b n='0'/></a><b n='1'/><B n='2'/><b n='3'/></r>"));
   const Element root = document->GetRoot();
@@ -28,14 +28,14 @@ TEST(Element, findsItsFirstChildOfAName) {
   EXPECT_TRUE(root.GetElement(L"ab").IsNull());
 }
 
-TEST(Element, walksItsChildElementsInOrder) {
+TEST(Element, WalksItsChildElementsInOrder) {
   const test::DocumentPtr document =
       parse(std::wstring(L"<r> <!--x--><a><x/></a> text <?x?><b/><![CDATA[x]]><a/> </r>"));
   EXPECT_EQ(namesOf(document->GetRoot().Elements()), (Names{L"a", L"b", L"a"}));
   EXPECT_EQ(namesOf(document->GetRoot().GetElement(L"b").Elements()), Names());
 }
 
-TEST(Element, walksItsAttributesInOrder) {
+TEST(Element, WalksItsAttributesInOrder) {
   const test::DocumentPtr document = parse(std::wstring(L"<r z='1' a='2' m=''/>"));
   std::wstring all;
   for (const Attribute attribute : document->GetRoot().Attributes()) {
@@ -44,7 +44,7 @@ TEST(Element, walksItsAttributesInOrder) {
   EXPECT_EQ(all, L"z=1;a=2;m=;");
 }
 
-TEST(Element, hasAttributesOfDifferentCase) {
+TEST(Element, HasAttributesOfDifferentCase) {
   const test::DocumentPtr document = parse(std::wstring(L"<r b='1' B='2' bb='3' xmlns:ns='4'/>"));
   const Element root = document->GetRoot();
   EXPECT_EQ(root.GetAttribute(L"b").GetValue(), L"1");
@@ -54,7 +54,7 @@ TEST(Element, hasAttributesOfDifferentCase) {
   EXPECT_TRUE(root.GetAttribute(L"").IsNull());
 }
 
-TEST(Element, comparesNamesExactly) {
+TEST(Element, ComparesNamesExactly) {
   const test::DocumentPtr document =
       parse(std::wstring(L"<ns:Caf\xE9><\x4E2D\x6587 \xE9='x'/></ns:Caf\xE9>"));
   const Element root = document->GetRoot();
@@ -71,7 +71,7 @@ TEST(Element, comparesNamesExactly) {
   EXPECT_TRUE(child.GetAttribute(L"\xE9").HasName(L"\xE9"));
 }
 
-TEST(Element, addsChildrenBehindTheOthers) {
+TEST(Element, AddsChildrenBehindTheOthers) {
   Document document(L"r");
   Element root = document.GetRoot();
   Element first = root.AddElementInto(L"a");
@@ -80,7 +80,7 @@ TEST(Element, addsChildrenBehindTheOthers) {
   EXPECT_EQ(written(document), "<r><a><c/></a><b/></r>");
 }
 
-TEST(Element, appendsAtTheEndOfItsParent) {
+TEST(Element, AppendsAtTheEndOfItsParent) {
   Document document(L"r");
   Element first = document.GetRoot().AddElementInto(L"a");
   document.GetRoot().AddElementInto(L"b");
@@ -89,7 +89,7 @@ TEST(Element, appendsAtTheEndOfItsParent) {
   EXPECT_EQ(written(document), "<r><a/><b/><c/><d/></r>");
 }
 
-TEST(Element, appendsInOrderFromWhicheverSiblingWasAddedLast) {
+TEST(Element, AppendsInOrderFromWhicheverSiblingWasAddedLast) {
   Document document(L"r");
   Element last = document.GetRoot().AddElementInto(L"h1");
   last = last.AppendElement(L"h2");
@@ -97,13 +97,13 @@ TEST(Element, appendsInOrderFromWhicheverSiblingWasAddedLast) {
   EXPECT_EQ(written(document), "<r><h1/><h2/><h3/></r>");
 }
 
-TEST(Element, appendsNothingBesideTheRoot) {
+TEST(Element, AppendsNothingBesideTheRoot) {
   Document document(L"r");
   EXPECT_TRUE(document.GetRoot().AppendElement(L"a").IsNull());
   EXPECT_EQ(written(document), "<r/>");
 }
 
-TEST(Element, createsAttributesBehindTheOthers) {
+TEST(Element, CreatesAttributesBehindTheOthers) {
   Document document(L"r");
   Element root = document.GetRoot();
   root.CreateAttribute(L"b").SetValue(L"1");
@@ -112,7 +112,7 @@ TEST(Element, createsAttributesBehindTheOthers) {
   EXPECT_EQ(written(document), "<r b=\"1\" a=\"2\" c=\"\"/>");
 }
 
-TEST(Element, createsAnAttributeThatIsThereInItsPlaceAndWithoutItsValue) {
+TEST(Element, CreatesAnAttributeThatIsThereInItsPlaceAndWithoutItsValue) {
   const test::DocumentPtr document = parse(std::wstring(L"<r a='1' b='2' c='3'/>"));
   Attribute attribute = document->GetRoot().CreateAttribute(L"b");
   EXPECT_TRUE(attribute.IsEmpty());
@@ -121,7 +121,7 @@ TEST(Element, createsAnAttributeThatIsThereInItsPlaceAndWithoutItsValue) {
   EXPECT_EQ(written(*document), "<r a=\"1\" b=\"4\" c=\"3\"/>");
 }
 
-TEST(Element, addsTextBehindWhatItHolds) {
+TEST(Element, AddsTextBehindWhatItHolds) {
   const test::DocumentPtr document = parse(std::wstring(L"<r>1<a/></r>"));
   Element root = document->GetRoot();
   root.AddText(L"2");
@@ -130,7 +130,7 @@ TEST(Element, addsTextBehindWhatItHolds) {
   EXPECT_EQ(written(*document), "<r>1<a/>23</r>");
 }
 
-TEST(Element, changesADocumentThatWasRead) {
+TEST(Element, ChangesADocumentThatWasRead) {
   const test::DocumentPtr document = parse(std::wstring(L"<r>\n <!--c-->\n <a b='1'/>\n</r>"));
   Element a = document->GetRoot().GetElement(L"a");
   a.GetAttribute(L"b").SetValue(L"a much longer value than the one before");
@@ -139,7 +139,7 @@ TEST(Element, changesADocumentThatWasRead) {
             "<r>\n <!--c-->\n <a b=\"a much longer value than the one before\"><x>t</x></a>\n</r>");
 }
 
-TEST(NullHandle, answersEveryQuestionWithNothing) {
+TEST(NullHandle, AnswersEveryQuestionWithNothing) {
   const Element element;
   EXPECT_TRUE(element.IsNull());
   EXPECT_EQ(element.GetName(), L"");
@@ -164,7 +164,7 @@ TEST(NullHandle, answersEveryQuestionWithNothing) {
   EXPECT_FALSE(attribute.HasName(L""));
 }
 
-TEST(NullHandle, copiesEmptyText) {
+TEST(NullHandle, CopiesEmptyText) {
   wchar_t dest[2] = {L'x', L'x'};
   EXPECT_TRUE(Element().CopyValue(dest, 1));
   EXPECT_EQ(dest[0], L'\0');
@@ -176,7 +176,7 @@ TEST(NullHandle, copiesEmptyText) {
   EXPECT_FALSE(Attribute().CopyValue(dest, 0));
 }
 
-TEST(NullHandle, doesNothingWhenItIsChanged) {
+TEST(NullHandle, DoesNothingWhenItIsChanged) {
   Element element;
   element.AddText(L"text");
   EXPECT_TRUE(element.CreateAttribute(L"a").IsNull());

@@ -8,12 +8,12 @@ using namespace AdvXMLParser;
 using test::parse;
 using test::written;
 
-TEST(GeneratedText, beginsWithTheDeclaration) {
+TEST(GeneratedText, BeginsWithTheDeclaration) {
   EXPECT_EQ(Document(L"ns:SiteLists").GenerateXML(false),
             L"<?xml version=\"1.0\" encoding=\"UTF-8\"?><ns:SiteLists/>");
 }
 
-TEST(GeneratedText, hasNothingAddedWithoutIndentation) {
+TEST(GeneratedText, HasNothingAddedWithoutIndentation) {
   Document document(L"r");
   Element a = document.GetRoot().AddElementInto(L"a");
   a.CreateAttribute(L"n").SetValue(L"v");
@@ -22,7 +22,7 @@ TEST(GeneratedText, hasNothingAddedWithoutIndentation) {
   EXPECT_EQ(written(document), "<r><a n=\"v\"><b>t</b></a><c/></r>");
 }
 
-TEST(GeneratedText, hasALineForEachElementWithIndentation) {
+TEST(GeneratedText, HasALineForEachElementWithIndentation) {
   Document document(L"r");
   Element a = document.GetRoot().AddElementInto(L"a");
   a.AddElementInto(L"b").AddText(L" t ");
@@ -30,7 +30,7 @@ TEST(GeneratedText, hasALineForEachElementWithIndentation) {
   EXPECT_EQ(written(document, true), "\n<r>\n  <a>\n    <b> t </b>\n  </a>\n  <c />\n</r>\n");
 }
 
-TEST(GeneratedText, meansTheSameWithIndentation) {
+TEST(GeneratedText, MeansTheSameWithIndentation) {
   Document document(L"r");
   Element a = document.GetRoot().AddElementInto(L"a");
   a.AddText(L" 1\r\n\t<&>\"' ");
@@ -41,7 +41,7 @@ TEST(GeneratedText, meansTheSameWithIndentation) {
   EXPECT_EQ(again->GetRoot().GetElement(L"a").GetAttribute(L"n").GetValue(), L" 1\r\n\t<&>\"' ");
 }
 
-TEST(GeneratedText, keepsTextAndValuesOfSpecialCharacters) {
+TEST(GeneratedText, KeepsTextAndValuesOfSpecialCharacters) {
   for (const std::wstring& text :
        {std::wstring(L"<"), std::wstring(L">"), std::wstring(L"&"), std::wstring(L"\""),
         std::wstring(L"'"), std::wstring(L"]]>"), std::wstring(L"\r"), std::wstring(L"\n"),
@@ -63,7 +63,7 @@ TEST(GeneratedText, keepsTextAndValuesOfSpecialCharacters) {
 }
 
 // The writer works in blocks, and a carriage return may stand at the border of two.
-TEST(GeneratedText, escapesEveryCarriageReturnOfALongText) {
+TEST(GeneratedText, EscapesEveryCarriageReturnOfALongText) {
   std::wstring text;
   for (int i = 0; i < 20000; ++i)
     text += std::wstring(static_cast<std::size_t>(i % 5), L'\x20AC') + L"\r";
@@ -76,7 +76,7 @@ TEST(GeneratedText, escapesEveryCarriageReturnOfALongText) {
   EXPECT_TRUE(again->GetRoot().GetValue() == text);
 }
 
-TEST(GeneratedText, ofATextReadAndWrittenIsThatText) {
+TEST(GeneratedText, OfATextReadAndWrittenIsThatText) {
   const std::string text =
       "\n<!-- header -->\n<r xmlns:ns=\"wxSiteList\">\n  <a  >\n"
       "    <b x=\"1\">t</b>\n  </a>\n  <?keep this?>\n  <![CDATA[ <raw> ]]>\n</r>\n<!-- footer "

@@ -21,7 +21,7 @@ void expectOverLimit(const std::string& xml) {
   }
 }
 
-TEST(HostileDocument, withEntitiesThatGrowIsRefusedAtItsFirstLine) {
+TEST(HostileDocument, WithEntitiesThatGrowIsRefusedAtItsFirstLine) {
   std::string xml = "<!DOCTYPE lolz [<!ENTITY l0 \"lol\">";
   for (int i = 1; i < 10; ++i) {
     const std::string entity = "&l" + std::to_string(i - 1) + ";";
@@ -36,31 +36,31 @@ TEST(HostileDocument, withEntitiesThatGrowIsRefusedAtItsFirstLine) {
   }
 }
 
-TEST(HostileDocument, nestedDeeplyIsOverTheLimit) {
+TEST(HostileDocument, NestedDeeplyIsOverTheLimit) {
   expectOverLimit(repeated("<a>", 1000000));
   expectOverLimit(repeated("<a>", 100000) + repeated("</a>", 100000));
 }
 
-TEST(HostileDocument, withManyAttributesIsOverTheLimit) {
+TEST(HostileDocument, WithManyAttributesIsOverTheLimit) {
   std::string xml = "<a";
   for (int i = 0; i < 100000; ++i) xml += " a" + std::to_string(i) + "=''";
   expectOverLimit(xml + "/>");
 }
 
-TEST(HostileDocument, withSectionsThatNeverEndIsRefused) {
+TEST(HostileDocument, WithSectionsThatNeverEndIsRefused) {
   const std::string filler(500000, 'x');
   for (const char* start : {"<a><![CDATA[", "<a><!--", "<a><?p ", "<a b='", "<a>", "<a ", "<a"}) {
     EXPECT_THROW(parse(start + filler), ParsingException) << start;
   }
 }
 
-TEST(HostileDocument, withOneEndlessTokenIsRefusedWhetherItEndsOrNot) {
+TEST(HostileDocument, WithOneEndlessTokenIsRefusedWhetherItEndsOrNot) {
   const std::string filler(std::size_t{32} << 20, 'x');
   expectOverLimit("<a><!--" + filler);
   expectOverLimit("<a><!--" + filler + "--></a>");
 }
 
-TEST(HostileDocument, ofManySmallElementsIsReadWhole) {
+TEST(HostileDocument, OfManySmallElementsIsReadWhole) {
   const std::string group = "<g>" + repeated("<a/>", 500) + "</g>";
   const test::DocumentPtr document = parse("<r>" + repeated(group, 1000) + "</r>");
   ASSERT_NE(document, nullptr);
@@ -71,13 +71,13 @@ TEST(HostileDocument, ofManySmallElementsIsReadWhole) {
   EXPECT_EQ(count, 500000u);
 }
 
-TEST(HostileDocument, ofOpenAngleBracketsIsRefused) {
+TEST(HostileDocument, OfOpenAngleBracketsIsRefused) {
   EXPECT_THROW(parse(std::string(1000000, '<')), ParsingException);
 }
 
 // Every text that a real document can be cut off or changed to must give a document or one of the
 // two exceptions, nothing else.
-TEST(HostileDocument, cutOffOrChangedAnywhereEndsInOneOfTheKnownWays) {
+TEST(HostileDocument, CutOffOrChangedAnywhereEndsInOneOfTheKnownWays) {
   const std::wstring whole =
       L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ns:SiteLists xmlns:ns=\"wxSiteList\" "
       L"Type='Client'>"
@@ -116,7 +116,7 @@ void* failingAllocate(std::size_t size) {
   return std::malloc(size);
 }
 
-TEST(HostileDocument, forWhichThereIsNoMemoryThrowsWhicheverAllocationFails) {
+TEST(HostileDocument, ForWhichThereIsNoMemoryThrowsWhicheverAllocationFails) {
   const auto allocate = pugi::get_memory_allocation_function();
   const auto deallocate = pugi::get_memory_deallocation_function();
   pugi::set_memory_management_functions(failingAllocate, std::free);

@@ -9,7 +9,7 @@ using AdvXMLParser::ParsingException;
 
 class IllFormed : public testing::TestWithParam<const char*> {};
 
-TEST_P(IllFormed, isRefused) {
+TEST_P(IllFormed, IsRefused) {
   EXPECT_THROW(test::parse(std::string(GetParam())), ParsingException);
 }
 

@@ -27,7 +27,7 @@ using Place = std::pair<unsigned long, unsigned long>;
 
 std::string nested(std::size_t depth) { return repeated("<a>", depth) + repeated("</a>", depth); }
 
-TEST(DepthLimit, allowsTheDeepestDocument) {
+TEST(DepthLimit, AllowsTheDeepestDocument) {
   const test::DocumentPtr document = parse(nested(host::c_maxDepth));
   ASSERT_NE(document, nullptr);
   std::size_t depth = 0;
@@ -35,11 +35,11 @@ TEST(DepthLimit, allowsTheDeepestDocument) {
   EXPECT_EQ(depth, host::c_maxDepth);
 }
 
-TEST(DepthLimit, refusesOneElementMore) {
+TEST(DepthLimit, RefusesOneElementMore) {
   EXPECT_EQ(overLimit(nested(host::c_maxDepth + 1)), Place(1, host::c_maxDepth * 3 + 1));
 }
 
-TEST(DepthLimit, countsDepthAndNotElements) {
+TEST(DepthLimit, CountsDepthAndNotElements) {
   EXPECT_NE(parse("<r>" + repeated("<a><b/></a>", host::c_maxDepth * 2) + "</r>"), nullptr);
 }
 
@@ -49,7 +49,7 @@ std::string withAttributes(std::size_t count) {
   return xml + "/></a>";
 }
 
-TEST(AttributeLimit, allowsTheMostAttributes) {
+TEST(AttributeLimit, AllowsTheMostAttributes) {
   const test::DocumentPtr document = parse(withAttributes(host::c_maxAttributes));
   ASSERT_NE(document, nullptr);
   std::size_t count = 0;
@@ -59,11 +59,11 @@ TEST(AttributeLimit, allowsTheMostAttributes) {
   EXPECT_EQ(count, host::c_maxAttributes);
 }
 
-TEST(AttributeLimit, refusesOneAttributeMore) {
+TEST(AttributeLimit, RefusesOneAttributeMore) {
   EXPECT_EQ(overLimit(withAttributes(host::c_maxAttributes + 1)), Place(2, 1));
 }
 
-TEST(AttributeLimit, countsTheAttributesOfOneElement) {
+TEST(AttributeLimit, CountsTheAttributesOfOneElement) {
   const std::string child = withAttributes(host::c_maxAttributes);
   EXPECT_NE(parse("<r>" + child + child + "</r>"), nullptr);
 }
@@ -83,13 +83,13 @@ class TokenLimit : public testing::TestWithParam<Token> {
   }
 };
 
-TEST_P(TokenLimit, allowsTheLongestToken) {
+TEST_P(TokenLimit, AllowsTheLongestToken) {
   const test::DocumentPtr document = parse(this->document(host::c_maxTokenBytes));
   ASSERT_NE(document, nullptr);
   EXPECT_GE(document->GenerateXML(false).size(), host::c_maxTokenBytes);
 }
 
-TEST_P(TokenLimit, refusesOneByteMore) {
+TEST_P(TokenLimit, RefusesOneByteMore) {
   EXPECT_EQ(overLimit(document(host::c_maxTokenBytes + 1)).first, 2u);
 }
 
@@ -102,25 +102,25 @@ INSTANTIATE_TEST_SUITE_P(Kinds, TokenLimit,
                            return std::to_string(param.index);
                          });
 
-TEST(TokenLimit, countsBytesAndNotCharacters) {
+TEST(TokenLimit, CountsBytesAndNotCharacters) {
   const std::string euros = repeated("\xE2\x82\xAC", host::c_maxTokenBytes / 3);
   EXPECT_NE(parse("<r>" + euros + "</r>"), nullptr);
   overLimit("<r>" + euros + "\xE2\x82\xAC</r>");
 }
 
-TEST(TokenLimit, countsARunOfTextWholeWhateverItIsMadeOf) {
+TEST(TokenLimit, CountsARunOfTextWholeWhateverItIsMadeOf) {
   const std::string lines = repeated("&amp;\n", host::c_maxTokenBytes / 2);
   EXPECT_NE(parse("<r>" + lines + "</r>"), nullptr);
   overLimit("<r>" + lines + "x</r>");
 }
 
-TEST(TokenLimit, countsEachRunOfTextForItself) {
+TEST(TokenLimit, CountsEachRunOfTextForItself) {
   const std::string text(host::c_maxTokenBytes - 1, 'x');
   EXPECT_NE(parse("<r>" + text + "<a/>" + text + "<![CDATA[" + text + "]]>" + text + "</r>"),
             nullptr);
 }
 
-TEST(TokenLimit, holdsAroundTheRootToo) {
+TEST(TokenLimit, HoldsAroundTheRootToo) {
   const std::string space(host::c_maxTokenBytes - 1, ' ');
   EXPECT_NE(parse(space + "<r/>" + space), nullptr);
   overLimit("<r/>" + space + "  ");
@@ -128,7 +128,7 @@ TEST(TokenLimit, holdsAroundTheRootToo) {
 
 std::string withChildren(std::size_t count) { return "<r>\n" + repeated("<a/>", count) + "</r>"; }
 
-TEST(ChildLimit, allowsTheMostChildElements) {
+TEST(ChildLimit, AllowsTheMostChildElements) {
   const test::DocumentPtr document = parse(withChildren(host::c_maxChildren));
   ASSERT_NE(document, nullptr);
   std::size_t count = 0;
@@ -139,12 +139,12 @@ TEST(ChildLimit, allowsTheMostChildElements) {
   EXPECT_EQ(count, host::c_maxChildren);
 }
 
-TEST(ChildLimit, refusesOneChildElementMore) {
+TEST(ChildLimit, RefusesOneChildElementMore) {
   EXPECT_EQ(overLimit(withChildren(host::c_maxChildren + 1)),
             Place(2, host::c_maxChildren * 4 + 1));
 }
 
-TEST(ChildLimit, countsTheChildrenOfOneElement) {
+TEST(ChildLimit, CountsTheChildrenOfOneElement) {
   const std::string half = withChildren(host::c_maxChildren / 2 + 1);
   EXPECT_NE(parse("<r>" + half + half + "</r>"), nullptr);
 }
@@ -161,7 +161,7 @@ std::string comments(std::size_t size) {
 }
 
 // A document of many megabytes is not looked at in one piece, and divided where a megabyte ends.
-TEST(LongDocument, isReadAsAShortOneWhereverItIsDivided) {
+TEST(LongDocument, IsReadAsAShortOneWhereverItIsDivided) {
   const std::string unit =
       "<a b='\xE2\x82\xAC&amp;'>text \xF0\x9F\x98\x80<!--c--><![CDATA[<]]>&#65;<?p i?></a>\n";
   for (const std::size_t megabytes : {4, 8}) {
@@ -185,7 +185,7 @@ TEST(LongDocument, isReadAsAShortOneWhereverItIsDivided) {
   }
 }
 
-TEST(TokenLimit, refusesATokenThatHasNoEndAndIsTooLong) {
+TEST(TokenLimit, RefusesATokenThatHasNoEndAndIsTooLong) {
   for (const std::string before : {"", "<r>", "<r>text\n", "<!--c-->\n"}) {
     for (const std::string begin : {"<a", "<a b='", "<!--", "<?p "}) {
       SCOPED_TRACE(before + begin);
@@ -198,7 +198,7 @@ TEST(TokenLimit, refusesATokenThatHasNoEndAndIsTooLong) {
   }
 }
 
-TEST(TokenLimit, isLookedAtBeforeAllOfALongTokenHasBeen) {
+TEST(TokenLimit, IsLookedAtBeforeAllOfALongTokenHasBeen) {
   const std::string begin = "<r><a" + std::string(2 * host::c_maxTokenBytes, ' ');
   // What is wrong comes long after the limit was passed, or too soon after it.
   overLimit(begin + std::string(3 * host::c_maxTokenBytes, ' ') + "<");
@@ -216,12 +216,12 @@ std::wstring documentOfBytes(std::size_t size) {
   return text + L"</r>";
 }
 
-TEST(DocumentLimit, allowsTheLargestText) {
+TEST(DocumentLimit, AllowsTheLargestText) {
   const test::DocumentPtr document = parse(documentOfBytes(host::c_maxDocumentBytes));
   EXPECT_NE(document, nullptr);
 }
 
-TEST(DocumentLimit, refusesOneByteMore) {
+TEST(DocumentLimit, RefusesOneByteMore) {
   const std::wstring text = documentOfBytes(host::c_maxDocumentBytes + 1);
   try {
     parse(text);

@@ -37,7 +37,7 @@ std::string limitOf(const std::string& bytes) {
   return "none";
 }
 
-TEST(Parser, givesNothingForATextWithoutMarkup) {
+TEST(Parser, GivesNothingForATextWithoutMarkup) {
   EXPECT_EQ(Parser().Parse(nullptr, 0), nullptr);
   for (const wchar_t* text : {L"", L" ", L" \t\r\n", L"invalid", L"  text <a/>", L"&lt;a/>",
                               L"\xFEFF<a/>", L"\xA0<a/>", L"\x0B<a/>"}) {
@@ -46,7 +46,7 @@ TEST(Parser, givesNothingForATextWithoutMarkup) {
   EXPECT_EQ(parse(std::wstring(L"\0<a/>", 5)), nullptr);
 }
 
-TEST(Parser, readsExactlyTheGivenLength) {
+TEST(Parser, ReadsExactlyTheGivenLength) {
   const wchar_t text[] = L"<a/><b/>";
   const test::DocumentPtr document(Parser().Parse(text, 4));
   ASSERT_NE(document, nullptr);
@@ -54,7 +54,7 @@ TEST(Parser, readsExactlyTheGivenLength) {
   EXPECT_THROW(Parser().Parse(text, 3), ParsingException);
 }
 
-TEST(Parser, readsBytesAsItReadsText) {
+TEST(Parser, ReadsBytesAsItReadsText) {
   const std::string bytes = "<a b='\xE2\x82\xAC'>\r\n\xF0\x9F\x98\x80</a>rest";
   const test::DocumentPtr document(Parser().ParseUtf8(bytes.data(), bytes.size() - 4));
   ASSERT_NE(document, nullptr);
@@ -64,20 +64,20 @@ TEST(Parser, readsBytesAsItReadsText) {
   EXPECT_THROW(Parser().ParseUtf8(bytes.data(), bytes.size()), ParsingException);
 }
 
-TEST(Parser, givesNothingForBytesWithoutMarkup) {
+TEST(Parser, GivesNothingForBytesWithoutMarkup) {
   EXPECT_EQ(Parser().ParseUtf8(nullptr, 0), nullptr);
   for (const std::string bytes : {" \t\r\n", "invalid", "  text <a/>", "\xEF\xBB\xBF<a/>"}) {
     EXPECT_EQ(Parser().ParseUtf8(bytes.data(), bytes.size()), nullptr) << bytes;
   }
 }
 
-TEST(Parser, refusesBytesThatAreNoUtf8) {
+TEST(Parser, RefusesBytesThatAreNoUtf8) {
   for (const std::string bytes : {"<a>\xFF</a>", "<a>\xC0\xBC</a>", "<a/>\xE2\x82"}) {
     EXPECT_THROW(Parser().ParseUtf8(bytes.data(), bytes.size()), ParsingException) << bytes;
   }
 }
 
-TEST(Parser, hasALimitForBytes) {
+TEST(Parser, HasALimitForBytes) {
   std::string bytes = "<a/>";
   bytes.resize(host::c_maxDocumentBytes, ' ');
   // Only the size is at fault: the white space is too long for a token, but one byte more is
@@ -86,7 +86,7 @@ TEST(Parser, hasALimitForBytes) {
   EXPECT_EQ(limitOf(bytes + " "), "document over the limit: number of bytes");
 }
 
-TEST(Parser, tellsWhereAndWhyATextIsNotWellFormed) {
+TEST(Parser, TellsWhereAndWhyATextIsNotWellFormed) {
   expectRefusedAt(L"<a>\n<b></c></a>", 2, 6, "mismatched tag");
   expectRefusedAt(L"<a>\r\n\r\n  &x;</a>", 3, 3, "undefined entity");
   expectRefusedAt(L"<a>\x20AC\x1F600&x;</a>", 1, 6, "undefined entity");
@@ -94,14 +94,14 @@ TEST(Parser, tellsWhereAndWhyATextIsNotWellFormed) {
   expectRefusedAt(L"<a b='1' b='2'/>", 1, 10, "duplicate attribute");
 }
 
-TEST(Parser, refusesADocumentTypeBeforeItReadsOn) {
+TEST(Parser, RefusesADocumentTypeBeforeItReadsOn) {
   expectRefusedAt(L"<!DOCTYPE a><a/>", 1, 12, "a document type declaration is not allowed");
   // What follows is not well formed either, but nobody gets that far.
   expectRefusedAt(L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [ <<< ", 2, 13,
                   "a document type declaration is not allowed");
 }
 
-TEST(Parser, refusesZeroCharactersWhereTheyStand) {
+TEST(Parser, RefusesZeroCharactersWhereTheyStand) {
   expectRefusedAt(std::wstring(L"<a>\n12\0</a>", 11), 2, 3, "not well-formed (invalid token)");
   EXPECT_THROW(parse(std::wstring(L"<a>\0</a>", 8)), ParsingException);
   EXPECT_THROW(parse(std::wstring(L"<a\0/>", 5)), ParsingException);
@@ -110,7 +110,7 @@ TEST(Parser, refusesZeroCharactersWhereTheyStand) {
   EXPECT_THROW(parse(std::wstring(L"<!--\0--><a/>", 12)), ParsingException);
 }
 
-TEST(Parser, refusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
+TEST(Parser, RefusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
   for (const std::uint32_t value : {0xD800u, 0xDBFFu, 0xDC00u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
     const std::wstring bad(1, static_cast<wchar_t>(value));
     expectRefusedAt(L"<a>\n12" + bad + L"</a>", 2, 3, "not well-formed (invalid token)");
@@ -123,7 +123,7 @@ TEST(Parser, refusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
 }
 
 // A thread keeps what it parsed a small document with.
-TEST(Parser, forgetsTheDocumentsThatCameBefore) {
+TEST(Parser, ForgetsTheDocumentsThatCameBefore) {
   const std::string good = "<?xml version='1.0' standalone='yes'?><r a='1'>\n<b/>&lt;</r>";
   const std::wstring expected = parse(good)->GenerateXML(false);
   const std::string large = "<r>" + test::repeated("<a b='c'>text</a>", 10000) + "</r>";
@@ -161,11 +161,11 @@ CHILD_PROCESS(parseUntilTheVeryEnd) {
   return parse(std::string("<r>begin</r>"))->GetRoot().GetValue() == L"begin" ? 0 : 2;
 }
 
-TEST(Parser, worksWhileItsProcessEnds) {
+TEST(Parser, WorksWhileItsProcessEnds) {
   EXPECT_EQ(test::ChildProcess("parseUntilTheVeryEnd", {}).wait(), 0);
 }
 
-TEST(Parser, worksOnThreadsThatEndAndOnOthers) {
+TEST(Parser, WorksOnThreadsThatEndAndOnOthers) {
   for (int i = 0; i < 3; ++i) {
     std::thread([] {
       EXPECT_EQ(parse(std::string("<r>a</r>"))->GetRoot().GetValue(), L"a");
@@ -174,13 +174,13 @@ TEST(Parser, worksOnThreadsThatEndAndOnOthers) {
   }
 }
 
-TEST(Parser, reportsTheFirstFault) {
+TEST(Parser, ReportsTheFirstFault) {
   const std::wstring bad(1, static_cast<wchar_t>(0xD800));
   expectRefusedAt(L"<a></b>" + bad, 1, 6, "mismatched tag");
 }
 
 // The text is handed over in pieces; nothing may depend on where they end.
-TEST(Parser, readsTextAcrossThePiecesItIsConvertedIn) {
+TEST(Parser, ReadsTextAcrossThePiecesItIsConvertedIn) {
   for (const std::size_t length :
        {65530u, 65531u, 65532u, 65533u, 65534u, 65535u, 65536u, 65537u, 131071u, 200000u}) {
     std::wstring value(length, L'x');
@@ -194,7 +194,7 @@ TEST(Parser, readsTextAcrossThePiecesItIsConvertedIn) {
   }
 }
 
-TEST(Parser, tellsThePlaceOfAFaultInALaterPiece) {
+TEST(Parser, TellsThePlaceOfAFaultInALaterPiece) {
   const std::wstring lines(150000, L'\n');
   expectRefusedAt(L"<a>" + lines + L"12\xFFFF</a>", 150001, 3, "not well-formed (invalid token)");
   const std::wstring bad(1, static_cast<wchar_t>(0xDFFF));
@@ -202,7 +202,7 @@ TEST(Parser, tellsThePlaceOfAFaultInALaterPiece) {
                   "not well-formed (invalid token)");
 }
 
-TEST(Parser, keepsDocumentsApart) {
+TEST(Parser, KeepsDocumentsApart) {
   const test::DocumentPtr first = parse(std::wstring(L"<a>1</a>"));
   const test::DocumentPtr second = parse(std::wstring(L"<a>2</a>"));
   first->GetRoot().AddText(L"x");
@@ -210,7 +210,7 @@ TEST(Parser, keepsDocumentsApart) {
   EXPECT_EQ(first->GetRoot().GetValue(), L"1x");
 }
 
-TEST(Parser, survivesARefusedDocument) {
+TEST(Parser, SurvivesARefusedDocument) {
   Parser parser;
   const std::wstring bad = L"<a>";
   const std::wstring good = L"<a/>";
@@ -221,7 +221,7 @@ TEST(Parser, survivesARefusedDocument) {
 
 // Entities that name a file must not make the parser open it. A file name in the working directory
 // would be resolved if anything were.
-TEST(Parser, neverReadsAnotherFile) {
+TEST(Parser, NeverReadsAnotherFile) {
   const test::TempDir directory;
   test::writeFile(directory.file("secret"), "opened");
   const std::string path = directory.file("secret");

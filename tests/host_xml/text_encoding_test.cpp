@@ -47,14 +47,14 @@ INSTANTIATE_TEST_SUITE_P(Encodings, EveryEncoding,
                            return std::to_string(param.param);
                          });
 
-TEST_P(EveryEncoding, isFoundWithAMark) {
+TEST_P(EveryEncoding, IsFoundWithAMark) {
   const Converted result = convert(mark(GetParam()) + units("text", GetParam()));
   EXPECT_TRUE(result.valid);
   EXPECT_EQ(result.text, L"text");
   EXPECT_EQ(result.encoding, GetParam());
 }
 
-TEST_P(EveryEncoding, isFoundWithoutAMarkFromTheFirstCharacter) {
+TEST_P(EveryEncoding, IsFoundWithoutAMarkFromTheFirstCharacter) {
   for (const std::string text : {"<a/>", " <a/>", "\n<a/>", "\r\n<a/>", "\t<a/>", "<"}) {
     const Converted result = convert(units(text, GetParam()));
     EXPECT_TRUE(result.valid) << text;
@@ -63,7 +63,7 @@ TEST_P(EveryEncoding, isFoundWithoutAMarkFromTheFirstCharacter) {
   }
 }
 
-TEST_P(EveryEncoding, isNotTakenFromTheHintWhenTheBytesTell) {
+TEST_P(EveryEncoding, IsNotTakenFromTheHintWhenTheBytesTell) {
   for (const UTF_ENCODINGS hint : {UTF_16LE, UTF_16BE, UTF_32LE, UTF_32BE, UTF_8}) {
     const Converted result = convert(units("<a/>", GetParam()), hint);
     EXPECT_TRUE(result.valid);
@@ -71,14 +71,14 @@ TEST_P(EveryEncoding, isNotTakenFromTheHintWhenTheBytesTell) {
   }
 }
 
-TEST_P(EveryEncoding, isTakenFromTheHintWhenTheBytesDoNotTell) {
+TEST_P(EveryEncoding, IsTakenFromTheHintWhenTheBytesDoNotTell) {
   const Converted result = convert(units("text", GetParam()), GetParam());
   EXPECT_TRUE(result.valid);
   EXPECT_EQ(result.text, L"text");
   EXPECT_EQ(result.encoding, GetParam());
 }
 
-TEST_P(EveryEncoding, carriesEveryCharacter) {
+TEST_P(EveryEncoding, CarriesEveryCharacter) {
   const std::wstring text =
       L"<\x01\x7F\x80\x7FF\x800\xD7FF\xE000\xFEFF\xFFFE\xFFFF\x10000\x10FFFF>";
   const Converted result = convert(host::encodeText(text, GetParam()));
@@ -87,25 +87,25 @@ TEST_P(EveryEncoding, carriesEveryCharacter) {
   EXPECT_EQ(result.encoding, GetParam());
 }
 
-TEST_P(EveryEncoding, carriesZeroCharacters) {
+TEST_P(EveryEncoding, CarriesZeroCharacters) {
   const std::wstring text(L"<a\0b", 4);
   EXPECT_EQ(convert(host::encodeText(text, GetParam())).text, text);
 }
 
-TEST_P(EveryEncoding, givesEmptyTextForAMarkAlone) {
+TEST_P(EveryEncoding, GivesEmptyTextForAMarkAlone) {
   const Converted result = convert(mark(GetParam()));
   EXPECT_TRUE(result.valid);
   EXPECT_EQ(result.text, L"");
   EXPECT_EQ(result.encoding, GetParam());
 }
 
-TEST_P(EveryEncoding, isWrittenWithReplacementsForWhatIsNoCharacter) {
+TEST_P(EveryEncoding, IsWrittenWithReplacementsForWhatIsNoCharacter) {
   const std::wstring text = {L'<', static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0xDFFF),
                              static_cast<wchar_t>(0x110000), static_cast<wchar_t>(0xFFFFFFFF)};
   EXPECT_EQ(convert(host::encodeText(text, GetParam())).text, L"<\xFFFD\xFFFD\xFFFD\xFFFD");
 }
 
-TEST(TextEncoding, keepsTheHintForAnEmptyText) {
+TEST(TextEncoding, KeepsTheHintForAnEmptyText) {
   std::wstring text = c_unset;
   UTF_ENCODINGS encoding = UTF_16BE;
   EXPECT_TRUE(ConvertBufferToUnicode(nullptr, 0, text, encoding));
@@ -113,7 +113,7 @@ TEST(TextEncoding, keepsTheHintForAnEmptyText) {
   EXPECT_EQ(encoding, UTF_16BE);
 }
 
-TEST(TextEncoding, writesTheBytesOfEachForm) {
+TEST(TextEncoding, WritesTheBytesOfEachForm) {
   const std::wstring text = L"a\x20AC\x1F600";
   const auto bytes = [&text](UTF_ENCODINGS encoding) { return host::encodeText(text, encoding); };
   EXPECT_EQ(bytes(UTF_8), "a\xE2\x82\xAC\xF0\x9F\x98\x80");
@@ -127,7 +127,7 @@ TEST(TextEncoding, writesTheBytesOfEachForm) {
 
 class InvalidBytes : public testing::TestWithParam<std::string> {};
 
-TEST_P(InvalidBytes, areRefusedAndChangeNothing) {
+TEST_P(InvalidBytes, AreRefusedAndChangeNothing) {
   const Converted result = convert(GetParam(), UTF_8);
   EXPECT_FALSE(result.valid);
   EXPECT_EQ(result.text, c_unset);
@@ -169,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(Utf32, InvalidBytes,
                                          raw({'<', 0, 0, 0, 0x00, 0x00, 0x11, 0}),  // too large
                                          raw({0, 0, 0, '<', 0xFF, 0xFF, 0xFF, 0xFF})));
 
-TEST(TextEncoding, limitsTheNumberOfBytes) {
+TEST(TextEncoding, LimitsTheNumberOfBytes) {
   const std::string largest(host::c_maxDocumentBytes, '<');
   EXPECT_TRUE(convert(largest).valid);
   try {

@@ -70,7 +70,7 @@ class TextFile : public testing::Test {
   test::TempDir m_directory;
 };
 
-TEST_F(TextFile, isReadInTheEncodingThatItHas) {
+TEST_F(TextFile, IsReadInTheEncodingThatItHas) {
   for (const UTF_ENCODINGS encoding : {UTF_16LE, UTF_16BE, UTF_32LE, UTF_32BE, UTF_8}) {
     EXPECT_TRUE(
         WriteBufferToFile(path("list"), L"<a>\x20AC\x1F600</a>", encoding, nullptr, nullptr));
@@ -80,7 +80,7 @@ TEST_F(TextFile, isReadInTheEncodingThatItHas) {
   }
 }
 
-TEST_F(TextFile, isReadAsUtf8WhateverEncodingItHas) {
+TEST_F(TextFile, IsReadAsUtf8WhateverEncodingItHas) {
   for (const UTF_ENCODINGS encoding : {UTF_16LE, UTF_16BE, UTF_32LE, UTF_32BE, UTF_8}) {
     EXPECT_TRUE(
         WriteBufferToFile(path("list"), L"<a>\x20AC\x1F600</a>", encoding, nullptr, nullptr));
@@ -90,14 +90,14 @@ TEST_F(TextFile, isReadAsUtf8WhateverEncodingItHas) {
   }
 }
 
-TEST_F(TextFile, isReadAsUtf8WithoutItsMark) {
+TEST_F(TextFile, IsReadAsUtf8WithoutItsMark) {
   UTF_ENCODINGS found = UTF_16LE;
   test::writeFile(m_directory.file("list"), "\xEF\xBB\xBF<a/>");
   EXPECT_EQ(readUtf8("list", found), "<a/>");
   EXPECT_EQ(found, UTF_8);
 }
 
-TEST_F(TextFile, isReadAsUtf8ByTheHintWhenItsBytesDoNotTell) {
+TEST_F(TextFile, IsReadAsUtf8ByTheHintWhenItsBytesDoNotTell) {
   UTF_ENCODINGS hint = UTF_16BE;
   test::writeFile(m_directory.file("list"), "\x4E\x2D");
   EXPECT_EQ(readUtf8("list", hint), "\xE4\xB8\xAD");
@@ -105,7 +105,7 @@ TEST_F(TextFile, isReadAsUtf8ByTheHintWhenItsBytesDoNotTell) {
 }
 
 // What is not valid shows wherever it stands, also between long runs of plain characters.
-TEST_F(TextFile, ofInvalidBytesCannotBeReadWhereverTheyStand) {
+TEST_F(TextFile, OfInvalidBytesCannotBeReadWhereverTheyStand) {
   const std::string sequences[] = {"\x80",         "\xC3",         "\xC0\xBC",
                                    "\xE2\x82",     "\xED\xA0\x80", "\xF4\x90\x80\x80",
                                    "\xF0\x9F\x98", "\xFF"};
@@ -120,27 +120,27 @@ TEST_F(TextFile, ofInvalidBytesCannotBeReadWhereverTheyStand) {
   }
 }
 
-TEST_F(TextFile, isWrittenAsUtf8WithoutAMark) {
+TEST_F(TextFile, IsWrittenAsUtf8WithoutAMark) {
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a>\x20AC</a>", UTF_8, nullptr, nullptr));
   EXPECT_EQ(test::readFile(m_directory.file("list")), "<a>\xE2\x82\xAC</a>");
 }
 
-TEST_F(TextFile, mayBeEmpty) {
+TEST_F(TextFile, MayBeEmpty) {
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"", UTF_8, nullptr, nullptr));
   EXPECT_EQ(read("list"), L"");
 }
 
-TEST_F(TextFile, hasANameOfAnyCharacters) {
+TEST_F(TextFile, HasANameOfAnyCharacters) {
   const std::wstring name = path("") + L"\x20AC \x1F600.xml";
   EXPECT_TRUE(WriteBufferToFile(name, L"<a/>", UTF_8, nullptr, nullptr));
   EXPECT_TRUE(test::exists(m_directory.file("\xE2\x82\xAC \xF0\x9F\x98\x80.xml")));
 }
 
-TEST_F(TextFile, thatIsNotThereCannotBeRead) {
+TEST_F(TextFile, ThatIsNotThereCannotBeRead) {
   EXPECT_EQ(expectReadFails("missing", ReadWriteException::READ_FAILED), ENOENT);
 }
 
-TEST_F(TextFile, mustBeARegularFileToBeRead) {
+TEST_F(TextFile, MustBeARegularFileToBeRead) {
   ASSERT_EQ(::mkdir(m_directory.file("directory").c_str(), 0755), 0);
   EXPECT_EQ(expectReadFails("directory", ReadWriteException::READ_FAILED), EISDIR);
   // Nobody writes to the pipe: a reader that waited would wait for ever.
@@ -148,12 +148,12 @@ TEST_F(TextFile, mustBeARegularFileToBeRead) {
   EXPECT_EQ(expectReadFails("pipe", ReadWriteException::READ_FAILED), EINVAL);
 }
 
-TEST_F(TextFile, ofInvalidBytesCannotBeRead) {
+TEST_F(TextFile, OfInvalidBytesCannotBeRead) {
   test::writeFile(m_directory.file("list"), "<a>\xE9</a>");
   EXPECT_EQ(expectReadFails("list", ReadWriteException::INVALID_ENCODING), 0);
 }
 
-TEST_F(TextFile, hasALimit) {
+TEST_F(TextFile, HasALimit) {
   const std::string largest(host::c_maxDocumentBytes, ' ');
   test::writeFile(m_directory.file("list"), largest);
   EXPECT_EQ(read("list").size(), host::c_maxDocumentBytes);
@@ -161,7 +161,7 @@ TEST_F(TextFile, hasALimit) {
   EXPECT_EQ(expectReadFails("list", ReadWriteException::LIMIT_EXCEEDED), EFBIG);
 }
 
-TEST_F(TextFile, thatFailsToBeReadSaysWhy) {
+TEST_F(TextFile, ThatFailsToBeReadSaysWhy) {
   test::writeFile(m_directory.file("list"), "<a/>");
   test::FaultyFileSystem faults;
   faults.failEvery(test::FileCall::Read, EIO);
@@ -178,7 +178,7 @@ std::string inUpperCase(const std::string& text) {
 std::string notUtf8(const std::string&) { return "\xFF"; }
 std::string tooLong(const std::string&) { return std::string(host::c_maxDocumentBytes + 1, ' '); }
 
-TEST_F(TextFile, goesThroughTheCallbackBeforeItIsConverted) {
+TEST_F(TextFile, GoesThroughTheCallbackBeforeItIsConverted) {
   test::writeFile(m_directory.file("list"), ">/a<");
   std::wstring text;
   UTF_ENCODINGS encoding = UTF_8;
@@ -186,7 +186,7 @@ TEST_F(TextFile, goesThroughTheCallbackBeforeItIsConverted) {
   EXPECT_EQ(text, L"<a/>");
 }
 
-TEST_F(TextFile, isCheckedAfterTheCallback) {
+TEST_F(TextFile, IsCheckedAfterTheCallback) {
   test::writeFile(m_directory.file("list"), "<a/>");
   std::wstring text = L"invalid";
   UTF_ENCODINGS encoding = UTF_8;
@@ -205,7 +205,7 @@ TEST_F(TextFile, isCheckedAfterTheCallback) {
   EXPECT_EQ(text, L"invalid");
 }
 
-TEST_F(TextFile, goesThroughTheCallbacksWhenItIsWritten) {
+TEST_F(TextFile, GoesThroughTheCallbacksWhenItIsWritten) {
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a>\xE9</a>", UTF_8, inUpperCase, nullptr));
   EXPECT_EQ(test::readFile(m_directory.file("list")), "<A>\xC3\xA9</A>");
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"ab", UTF_8, nullptr, reversed));
@@ -215,7 +215,7 @@ TEST_F(TextFile, goesThroughTheCallbacksWhenItIsWritten) {
   EXPECT_EQ(test::readFile(m_directory.file("list")), std::string("\0B\0A\xFE\xFF", 6));
 }
 
-TEST_F(TextFile, isNotWrittenWhenTheCallbackGivesInvalidText) {
+TEST_F(TextFile, IsNotWrittenWhenTheCallbackGivesInvalidText) {
   test::writeFile(m_directory.file("list"), "old");
   try {
     WriteBufferToFile(path("list"), L"new", UTF_8, notUtf8, nullptr);
@@ -226,7 +226,7 @@ TEST_F(TextFile, isNotWrittenWhenTheCallbackGivesInvalidText) {
   EXPECT_EQ(test::readFile(m_directory.file("list")), "old");
 }
 
-TEST_F(TextFile, isForItsOwnerAndForItsGroupToRead) {
+TEST_F(TextFile, IsForItsOwnerAndForItsGroupToRead) {
   const mode_t before = ::umask(0);
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"<a/>", UTF_8, nullptr, nullptr));
   ::umask(before);
@@ -235,7 +235,7 @@ TEST_F(TextFile, isForItsOwnerAndForItsGroupToRead) {
   EXPECT_EQ(info.st_mode & 07777, 0640u);
 }
 
-TEST_F(TextFile, keepsTheModeThatItHas) {
+TEST_F(TextFile, KeepsTheModeThatItHas) {
   test::writeFile(m_directory.file("list"), "old", 0604);
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"new", UTF_8, nullptr, nullptr));
   struct stat info;
@@ -244,7 +244,7 @@ TEST_F(TextFile, keepsTheModeThatItHas) {
   EXPECT_EQ(test::readFile(m_directory.file("list")), "new");
 }
 
-TEST_F(TextFile, cannotBeWrittenWhereADirectoryIs) {
+TEST_F(TextFile, CannotBeWrittenWhereADirectoryIs) {
   ASSERT_EQ(::mkdir(m_directory.file("list").c_str(), 0755), 0);
   try {
     WriteBufferToFile(path("list"), L"<a/>", UTF_8, nullptr, nullptr);
@@ -255,7 +255,7 @@ TEST_F(TextFile, cannotBeWrittenWhereADirectoryIs) {
   }
 }
 
-TEST_F(TextFile, staysAsItWasWhenWritingFails) {
+TEST_F(TextFile, StaysAsItWasWhenWritingFails) {
   test::writeFile(m_directory.file("list"), "old");
   const auto before = test::snapshot(m_directory.path());
   for (const test::FileCall call : {test::FileCall::Write, test::FileCall::Rename}) {

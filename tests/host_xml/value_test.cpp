@@ -7,7 +7,7 @@ namespace {
 using namespace AdvXMLParser;
 using test::parse;
 
-TEST(Value, isTheTextDirectlyInTheElement) {
+TEST(Value, IsTheTextDirectlyInTheElement) {
   const test::DocumentPtr document = parse(std::wstring(
       L"<r> one<a>not this</a>&amp;<!--nor this--><![CDATA[<two>]]><?nor this?> &#x20AC; </r>"));
   const std::wstring value = L" one&<two> \x20AC ";
@@ -21,12 +21,12 @@ TEST(Value, isTheTextDirectlyInTheElement) {
   EXPECT_EQ(narrow, test::narrow(value));
 }
 
-TEST(Value, isEmptyWithoutText) {
+TEST(Value, IsEmptyWithoutText) {
   const test::DocumentPtr document = parse(std::wstring(L"<r><a>x</a><![CDATA[]]></r>"));
   EXPECT_EQ(document->GetRoot().GetValue(), L"");
 }
 
-TEST(Value, ofAnAttributeIsReadInEveryForm) {
+TEST(Value, OfAnAttributeIsReadInEveryForm) {
   const test::DocumentPtr document = parse(std::wstring(L"<r a='1&lt;\x20AC' b=''/>"));
   const Attribute a = document->GetRoot().GetAttribute(L"a");
   EXPECT_EQ(a.GetValue(), L"1<\x20AC");
@@ -49,7 +49,7 @@ bool copies(const Source& source, std::size_t capacity, std::wstring& out) {
 }
 
 // Plain, foreign and mixed text of every length around the sizes of the blocks it is copied in.
-TEST(CopiedValue, fitsExactlyWhenThereIsRoomForItsTerminator) {
+TEST(CopiedValue, FitsExactlyWhenThereIsRoomForItsTerminator) {
   for (std::size_t length = 0; length <= 40; ++length) {
     for (std::size_t step = 1; step <= 9; ++step) {
       std::wstring value(length, L'x');
@@ -76,7 +76,7 @@ TEST(CopiedValue, fitsExactlyWhenThereIsRoomForItsTerminator) {
   }
 }
 
-TEST(CopiedValue, fitsExactlyWhenItComesInSeveralPieces) {
+TEST(CopiedValue, FitsExactlyWhenItComesInSeveralPieces) {
   const test::DocumentPtr document =
       parse(std::wstring(L"<r>12345678<a/><![CDATA[\xE9\x20AC]]><a/>12345678<![CDATA[]]></r>"));
   const std::wstring value =
@@ -91,7 +91,7 @@ TEST(CopiedValue, fitsExactlyWhenItComesInSeveralPieces) {
   }
 }
 
-TEST(StoredText, keepsEverythingThatXmlCanCarry) {
+TEST(StoredText, KeepsEverythingThatXmlCanCarry) {
   std::wstring text;
   for (std::uint32_t c = 1; c <= 0x10FFFF; c += c < 0x3000 ? 1 : 97) {
     const bool carried = c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF
@@ -111,7 +111,7 @@ TEST(StoredText, keepsEverythingThatXmlCanCarry) {
   EXPECT_TRUE(again->GetRoot().GetAttribute(L"a").GetValue() == text);
 }
 
-TEST(StoredText, replacesWhatXmlCannotCarry) {
+TEST(StoredText, ReplacesWhatXmlCannotCarry) {
   std::vector<std::uint32_t> refused = {0xD800, 0xDBFF, 0xDC00,   0xDFFF,
                                         0xFFFE, 0xFFFF, 0x110000, 0xFFFFFFFF};
   for (std::uint32_t c = 0; c < 0x20; ++c) {
@@ -135,7 +135,7 @@ TEST(StoredText, replacesWhatXmlCannotCarry) {
   }
 }
 
-TEST(StoredText, replacesWhatNamesCannotHave) {
+TEST(StoredText, ReplacesWhatNamesCannotHave) {
   Document document(L"r\x01");
   Element root = document.GetRoot();
   root.AddElementInto(L"e\xFFFF");

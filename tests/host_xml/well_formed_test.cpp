@@ -91,7 +91,7 @@ constexpr Case c_cases[] = {
 
 class WellFormed : public testing::TestWithParam<Case> {};
 
-TEST_P(WellFormed, isReadAndWrittenAgain) {
+TEST_P(WellFormed, IsReadAndWrittenAgain) {
   const Case& c = GetParam();
   const test::DocumentPtr document = test::parse(std::string(c.xml));
   ASSERT_NE(document, nullptr);
@@ -100,7 +100,7 @@ TEST_P(WellFormed, isReadAndWrittenAgain) {
 }
 
 // What was written is read as the same document.
-TEST_P(WellFormed, isWrittenInAStableForm) {
+TEST_P(WellFormed, IsWrittenInAStableForm) {
   const test::DocumentPtr document = test::parse(std::string(GetParam().xml));
   ASSERT_NE(document, nullptr);
   const test::DocumentPtr again = test::parse(document->GenerateXML(false));
@@ -137,7 +137,7 @@ constexpr Declaration c_declarations[] = {
 class XmlDeclaration : public testing::TestWithParam<Declaration> {};
 
 // The text is wide already, so the encoding that its file had says nothing any more.
-TEST_P(XmlDeclaration, isReplacedByTheOneThatIsTrue) {
+TEST_P(XmlDeclaration, IsReplacedByTheOneThatIsTrue) {
   const test::DocumentPtr document = test::parse(std::string(GetParam().xml));
   ASSERT_NE(document, nullptr);
   EXPECT_EQ(test::narrow(document->GenerateXML(false)), GetParam().written);

@@ -61,7 +61,7 @@ class BufferList : public testing::Test {
   OpenHelper helper{wide(own)};
 };
 
-TEST_F(BufferList, theRecordsAreWrittenToTheScratchArea) {
+TEST_F(BufferList, TheRecordsAreWrittenToTheScratchArea) {
   const std::string before = readFile(own);
   EXPECT_EQ(create(document(httpElement("a") + serverElement("s") + proxyElement("p"))), 0);
   EXPECT_THAT(names(), ElementsAre(L"a", L"s", L"p"));
@@ -70,19 +70,19 @@ TEST_F(BufferList, theRecordsAreWrittenToTheScratchArea) {
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist Buffer"));
 }
 
-TEST_F(BufferList, aFormerScratchFileIsReplaced) {
+TEST_F(BufferList, AFormerScratchFileIsReplaced) {
   writeFile(scratch, "former");
   EXPECT_EQ(create(document(httpElement("a"))), 0);
   EXPECT_THAT(names(), ElementsAre(L"a"));
 }
 
-TEST_F(BufferList, anEmptyTextIsRefused) {
+TEST_F(BufferList, AnEmptyTextIsRefused) {
   EXPECT_EQ(create(""), c_errorNoPath);
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist Buffer"));
   expectNothingWritten();
 }
 
-TEST_F(BufferList, certificatesOfTheTextAreWrittenInOrder) {
+TEST_F(BufferList, CertificatesOfTheTextAreWrittenInOrder) {
   EXPECT_EQ(create(document(httpElement("a"),
                             "<CaBundle><CaCertificate>b </CaCertificate><Other>no</Other>"
                             "<CaCertificate>a</CaCertificate></CaBundle>")),
@@ -90,7 +90,7 @@ TEST_F(BufferList, certificatesOfTheTextAreWrittenInOrder) {
   EXPECT_THAT(certificates(), ElementsAre(L"b ", L"a"));
 }
 
-TEST_F(BufferList, onlyTheFirstBundleAndExactNamesCount) {
+TEST_F(BufferList, OnlyTheFirstBundleAndExactNamesCount) {
   EXPECT_EQ(create(document(httpElement("a"),
                             "<CaBundle><cacertificate>no</cacertificate>"
                             "<CaCertificate>1</CaCertificate></CaBundle>"
@@ -99,30 +99,30 @@ TEST_F(BufferList, onlyTheFirstBundleAndExactNamesCount) {
   EXPECT_THAT(certificates(), ElementsAre(L"1"));
 }
 
-TEST_F(BufferList, withoutABundleTheAgentsOwnCertificatesAreWritten) {
+TEST_F(BufferList, WithoutABundleTheAgentsOwnCertificatesAreWritten) {
   EXPECT_EQ(create(document(httpElement("a"), "<cabundle/>")), 0);
   EXPECT_THAT(certificates(), ElementsAre(L"own1", L"own2"));
 }
 
-TEST_F(BufferList, withoutABundleAndWithoutAnOwnFileThereAreNoCertificates) {
+TEST_F(BufferList, WithoutABundleAndWithoutAnOwnFileThereAreNoCertificates) {
   std::filesystem::remove(own);
   EXPECT_EQ(create(document(httpElement("a"))), 0);
   EXPECT_THAT(readFile(scratch), Not(HasSubstr("CaBundle")));
 }
 
-TEST_F(BufferList, anEmptyBundleMeansNoCertificates) {
+TEST_F(BufferList, AnEmptyBundleMeansNoCertificates) {
   EXPECT_EQ(create(document(httpElement("a"), "<CaBundle/>")), 0);
   EXPECT_THAT(certificates(), IsEmpty());
 }
 
-TEST_F(BufferList, aBundleBehindTheSiteListCountsToo) {
+TEST_F(BufferList, ABundleBehindTheSiteListCountsToo) {
   EXPECT_EQ(create(document(httpElement("a"), "", "",
                             "<CaBundle><CaCertificate>late</CaCertificate></CaBundle>")),
             0);
   EXPECT_THAT(certificates(), ElementsAre(L"late"));
 }
 
-TEST_F(BufferList, policySettingsAreReadAndStay) {
+TEST_F(BufferList, PolicySettingsAreReadAndStay) {
   helper.SetPolicySetting(L"kept", L"k");
   helper.SetPolicySetting(L"changed", L"old");
   EXPECT_EQ(create(document(httpElement("a"), policies("changed", "new"))), 0);
@@ -133,20 +133,20 @@ TEST_F(BufferList, policySettingsAreReadAndStay) {
   EXPECT_EQ(reader.m_policySettings, helper.m_policySettings);
 }
 
-TEST_F(BufferList, policySettingsBehindTheSiteListAreNotRead) {
+TEST_F(BufferList, PolicySettingsBehindTheSiteListAreNotRead) {
   EXPECT_EQ(create(document(httpElement("a"), "", "", policies("late", "v"))), 0);
   EXPECT_TRUE(helper.m_policySettings.empty());
   EXPECT_THAT(readFile(scratch), Not(HasSubstr("Policies")));
 }
 
-TEST_F(BufferList, onlyTheFirstSiteListIsRead) {
+TEST_F(BufferList, OnlyTheFirstSiteListIsRead) {
   EXPECT_EQ(create(document(httpElement("a"), "<sitelist><HttpSite/></sitelist>", "",
                             "<SiteList><HttpSite Name=\"b\"/></SiteList>")),
             0);
   EXPECT_THAT(names(), ElementsAre(L"a"));
 }
 
-TEST_F(BufferList, theVersionsAndTypeAreTheHelpersNotThoseOfTheText) {
+TEST_F(BufferList, TheVersionsAndTypeAreTheHelpersNotThoseOfTheText) {
   OpenHelper ofAServer{wide(own)};
   EXPECT_EQ(
       ofAServer.CreateSiteListFromBuffer(wide(document(
@@ -159,27 +159,27 @@ TEST_F(BufferList, theVersionsAndTypeAreTheHelpersNotThoseOfTheText) {
   EXPECT_EQ(type, L"Server");
 }
 
-TEST_F(BufferList, aTextWithoutSiteListGivesAnEmptyList) {
+TEST_F(BufferList, ATextWithoutSiteListGivesAnEmptyList) {
   EXPECT_EQ(create("<ns:SiteLists xmlns:ns=\"wxSiteList\"/>"), 0);
   EXPECT_THAT(names(), IsEmpty());
   EXPECT_THAT(readFile(scratch), HasSubstr("<SiteList "));
 }
 
-TEST_F(BufferList, anUnknownLastSiteKeepsTheFileFromBeingWritten) {
+TEST_F(BufferList, AnUnknownLastSiteKeepsTheFileFromBeingWritten) {
   EXPECT_EQ(create(document(httpElement("a") + "<Unheard/>")), c_errorGeneral);
   expectNothingWritten();
   EXPECT_EQ(create(document("<Unheard/>" + httpElement("a"))), 0);
   EXPECT_THAT(names(), ElementsAre(L"", L"a"));
 }
 
-TEST_F(BufferList, aTextThatIsNoDocumentIsRefused) {
+TEST_F(BufferList, ATextThatIsNoDocumentIsRefused) {
   for (const char* text : {"<ns:SiteLists>", "no markup", "  \n ", "<a/><b/>"}) {
     EXPECT_EQ(create(text), c_errorParse) << text;
   }
   expectNothingWritten();
 }
 
-TEST_F(BufferList, aDocumentOverALimitGivesTheCodeOfTheParser) {
+TEST_F(BufferList, ADocumentOverALimitGivesTheCodeOfTheParser) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";
   for (int i = 0; i < 100000; ++i) deep += "</a>";
@@ -187,13 +187,13 @@ TEST_F(BufferList, aDocumentOverALimitGivesTheCodeOfTheParser) {
   expectNothingWritten();
 }
 
-TEST_F(BufferList, aMissingScratchAreaIsAFailedWrite) {
+TEST_F(BufferList, AMissingScratchAreaIsAFailedWrite) {
   std::filesystem::remove(scratchDir.file("etc"));
   EXPECT_EQ(create(document(httpElement("a"))), c_errorWrite);
   EXPECT_THAT(snapshot(scratchDir.path()), IsEmpty());
 }
 
-TEST_F(BufferList, passwordsKeepTheirValue) {
+TEST_F(BufferList, PasswordsKeepTheirValue) {
   std::wstring sealed;
   ASSERT_NE(helper.EncryptPassword(L"open sesame", sealed), 0);
   EXPECT_EQ(create(document("<FTPSite Name=\"a\" Server=\"a:21\"><Password Encrypted=\"1\">" +
@@ -205,13 +205,13 @@ TEST_F(BufferList, passwordsKeepTheirValue) {
   EXPECT_THAT(readFile(scratch), Not(HasSubstr("open sesame")));
 }
 
-TEST_F(BufferList, theFileReadLastStaysTheSame) {
+TEST_F(BufferList, TheFileReadLastStaysTheSame) {
   helper.m_strCurrentFile = L"/the/last/one";
   EXPECT_EQ(create(document(httpElement("a"), "<CaBundle/>")), 0);
   EXPECT_EQ(helper.m_strCurrentFile, L"/the/last/one");
 }
 
-TEST_F(BufferList, takesNoLockToReadTheText) {
+TEST_F(BufferList, TakesNoLockToReadTheText) {
   korvel_com::orb::lock::InterProcessWriteLock lock(c_siteListLock);
   ASSERT_TRUE(lock.lock(0x7FFFFFFF));
   // Would wait for ever.

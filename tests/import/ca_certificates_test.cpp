@@ -37,7 +37,7 @@ class CaCertificates : public testing::Test {
   OpenHelper helper{true};
 };
 
-TEST_F(CaCertificates, comeInDocumentOrder) {
+TEST_F(CaCertificates, ComeInDocumentOrder) {
   EXPECT_THAT(in("<CaBundle><CaCertificate>b</CaCertificate><CaCertificate>a</CaCertificate>"
                  "<CaCertificate>b</CaCertificate></CaBundle>"),
               ElementsAre(L"b", L"a", L"b"));
@@ -45,34 +45,34 @@ TEST_F(CaCertificates, comeInDocumentOrder) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(CaCertificates, otherChildrenOfTheBundleAreSkipped) {
+TEST_F(CaCertificates, OtherChildrenOfTheBundleAreSkipped) {
   EXPECT_THAT(in("<CaBundle>text<CaCertificate>1</CaCertificate>text<Other>x</Other>"
                  "<!-- <CaCertificate>no</CaCertificate> --><CaCertificate>2</CaCertificate>"
                  "</CaBundle>"),
               ElementsAre(L"1", L"2"));
 }
 
-TEST_F(CaCertificates, namesAreComparedExactly) {
+TEST_F(CaCertificates, NamesAreComparedExactly) {
   EXPECT_THAT(in("<CaBundle><cacertificate>x</cacertificate><CACERTIFICATE>y</CACERTIFICATE>"
                  "<CaCertificates>z</CaCertificates></CaBundle>"),
               IsEmpty());
   EXPECT_THAT(in("<cabundle><CaCertificate>x</CaCertificate></cabundle>"), IsEmpty());
 }
 
-TEST_F(CaCertificates, theTextIsPassedOnAsItStands) {
+TEST_F(CaCertificates, TheTextIsPassedOnAsItStands) {
   EXPECT_THAT(in("<CaBundle><CaCertificate> \n-----BEGIN&amp;\n</CaCertificate>"
                  "<CaCertificate><![CDATA[<x>]]></CaCertificate><CaCertificate/></CaBundle>"),
               ElementsAre(L" \n-----BEGIN&\n", L"<x>", L""));
 }
 
-TEST_F(CaCertificates, onlyTheFirstBundleIsRead) {
+TEST_F(CaCertificates, OnlyTheFirstBundleIsRead) {
   EXPECT_THAT(in("<CaBundle><CaCertificate>1</CaCertificate></CaBundle>"
                  "<CaBundle><CaCertificate>2</CaCertificate></CaBundle>"),
               ElementsAre(L"1"));
   EXPECT_THAT(in("<CaBundle/><CaBundle><CaCertificate>2</CaCertificate></CaBundle>"), IsEmpty());
 }
 
-TEST_F(CaCertificates, onlyChildrenOfRootAndBundleCount) {
+TEST_F(CaCertificates, OnlyChildrenOfRootAndBundleCount) {
   EXPECT_THAT(in("<CaCertificate>loose</CaCertificate><Wrap><CaBundle><CaCertificate>deep"
                  "</CaCertificate></CaBundle></Wrap>"),
               IsEmpty());
@@ -80,12 +80,12 @@ TEST_F(CaCertificates, onlyChildrenOfRootAndBundleCount) {
               IsEmpty());
 }
 
-TEST_F(CaCertificates, aBundleBehindTheSiteListIsFoundAndTheRootsNameDoesNotMatter) {
+TEST_F(CaCertificates, ABundleBehindTheSiteListIsFoundAndTheRootsNameDoesNotMatter) {
   writeFile(file, "<x><SiteList/><CaBundle><CaCertificate>1</CaCertificate></CaBundle></x>");
   EXPECT_THAT(read(0), ElementsAre(L"1"));
 }
 
-TEST_F(CaCertificates, areAppendedToWhatTheCallerHas) {
+TEST_F(CaCertificates, AreAppendedToWhatTheCallerHas) {
   writeFile(file, document("", "<CaBundle><CaCertificate>new</CaCertificate></CaBundle>"));
   Texts certificates = {L"old"};
   EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), 0);
@@ -95,7 +95,7 @@ TEST_F(CaCertificates, areAppendedToWhatTheCallerHas) {
   EXPECT_THAT(certificates, ElementsAre(L"old", L"new"));
 }
 
-TEST_F(CaCertificates, anEmptyPathMeansTheHelpersOwnFile) {
+TEST_F(CaCertificates, AnEmptyPathMeansTheHelpersOwnFile) {
   writeFile(file, document("", "<CaBundle><CaCertificate>own</CaCertificate></CaBundle>"));
   OpenHelper own{wide(file)};
   Texts certificates;
@@ -104,25 +104,25 @@ TEST_F(CaCertificates, anEmptyPathMeansTheHelpersOwnFile) {
   EXPECT_EQ(helper.GetCaCertificates(L"", certificates), c_errorFileMissing) << "it has none";
 }
 
-TEST_F(CaCertificates, aMissingFileTouchesNothing) {
+TEST_F(CaCertificates, AMissingFileTouchesNothing) {
   Texts certificates = {L"old"};
   EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), c_errorFileMissing);
   EXPECT_THAT(certificates, ElementsAre(L"old"));
 }
 
-TEST_F(CaCertificates, aFileThatIsNoXmlGivesNone) {
+TEST_F(CaCertificates, AFileThatIsNoXmlGivesNone) {
   for (const char* text : {"", "no markup", "   \n"}) {
     writeFile(file, text);
     EXPECT_THAT(read(0), IsEmpty()) << text;
   }
 }
 
-TEST_F(CaCertificates, anIllFormedDocumentIsAParsingFailure) {
+TEST_F(CaCertificates, AnIllFormedDocumentIsAParsingFailure) {
   writeFile(file, "<a><CaBundle><CaCertificate>1</CaCertificate></CaBundle>");
   EXPECT_THAT(read(c_errorParse), IsEmpty());
 }
 
-TEST_F(CaCertificates, bytesThatCannotBeReadAreAReadFailure) {
+TEST_F(CaCertificates, BytesThatCannotBeReadAreAReadFailure) {
   std::filesystem::create_directory(file);
   EXPECT_THAT(read(c_errorRead), IsEmpty());
   std::filesystem::remove(file);
@@ -130,7 +130,7 @@ TEST_F(CaCertificates, bytesThatCannotBeReadAreAReadFailure) {
   EXPECT_THAT(read(c_errorRead), IsEmpty());
 }
 
-TEST_F(CaCertificates, aDocumentOverALimitIsAReadWriteFailureOfTheParser) {
+TEST_F(CaCertificates, ADocumentOverALimitIsAReadWriteFailureOfTheParser) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";
   for (int i = 0; i < 100000; ++i) deep += "</a>";
@@ -138,7 +138,7 @@ TEST_F(CaCertificates, aDocumentOverALimitIsAReadWriteFailureOfTheParser) {
   EXPECT_THAT(read(c_errorWrite), IsEmpty());
 }
 
-TEST_F(CaCertificates, everyEncodingIsRead) {
+TEST_F(CaCertificates, EveryEncodingIsRead) {
   const std::string text = document("", "<CaBundle><CaCertificate>1</CaCertificate></CaBundle>");
   std::string utf16 = "\xff\xfe";
   for (const char c : text.substr(text.find("<ns:"))) (utf16 += c) += '\0';
@@ -146,7 +146,7 @@ TEST_F(CaCertificates, everyEncodingIsRead) {
   EXPECT_THAT(read(0), ElementsAre(L"1"));
 }
 
-TEST_F(CaCertificates, theLockIsHeldWhileTheFileIsRead) {
+TEST_F(CaCertificates, TheLockIsHeldWhileTheFileIsRead) {
   LockWatch files({"list.xml"});
   in("<CaBundle/>");
   EXPECT_THAT(files.seen, ElementsAre("read list.xml: reading"));
@@ -154,14 +154,14 @@ TEST_F(CaCertificates, theLockIsHeldWhileTheFileIsRead) {
   EXPECT_TRUE(lock.lock(0)) << "and let go afterwards";
 }
 
-TEST_F(CaCertificates, theLockIsLetGoWhereTheReadFails) {
+TEST_F(CaCertificates, TheLockIsLetGoWhereTheReadFails) {
   std::filesystem::create_directory(file);
   read(c_errorRead);
   korvel_com::orb::lock::InterProcessWriteLock lock(c_siteListLock);
   EXPECT_TRUE(lock.lock(0));
 }
 
-TEST_F(CaCertificates, theRecordsAndPoliciesOfTheHelperStay) {
+TEST_F(CaCertificates, TheRecordsAndPoliciesOfTheHelperStay) {
   writeFile(file, document("", policies("p", "v")));
   read(0);
   EXPECT_TRUE(helper.m_policySettings.empty());

@@ -34,7 +34,7 @@ class CopyKeyFiles : public ImportFixture {
   SiteChain newServer;
 };
 
-TEST_F(CopyKeyFiles, bothSetsAreCopiedUnchanged) {
+TEST_F(CopyKeyFiles, BothSetsAreCopiedUnchanged) {
   incomingKeys("content of ");
   EXPECT_TRUE(copy(newServer, ""));
   EXPECT_EQ(keys(), (std::map<std::string, std::string>{
@@ -45,7 +45,7 @@ TEST_F(CopyKeyFiles, bothSetsAreCopiedUnchanged) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(CopyKeyFiles, theNewerSetAloneLeavesTheOlderRequestKey) {
+TEST_F(CopyKeyFiles, TheNewerSetAloneLeavesTheOlderRequestKey) {
   writeFile(incoming.file("sr2048pubkey.bin"), "P");
   writeFile(incoming.file("req2048seckey.bin"), "R");
   writeFile(agent.etc("reqseckey.bin"), "old");
@@ -54,7 +54,7 @@ TEST_F(CopyKeyFiles, theNewerSetAloneLeavesTheOlderRequestKey) {
                                   Pair("sr2048pubkey.bin", "P")));
 }
 
-TEST_F(CopyKeyFiles, anOldServersPublicKeyRemovesTheOlderRequestKeyOnly) {
+TEST_F(CopyKeyFiles, AnOldServersPublicKeyRemovesTheOlderRequestKeyOnly) {
   writeFile(keyDir.file("srpubkey.bin"), "p");
   writeFile(agent.etc("reqseckey.bin"), "old");
   writeFile(agent.etc("req2048seckey.bin"), "old");
@@ -62,7 +62,7 @@ TEST_F(CopyKeyFiles, anOldServersPublicKeyRemovesTheOlderRequestKeyOnly) {
   EXPECT_THAT(keys(), ElementsAre(Pair("req2048seckey.bin", "old"), Pair("srpubkey.bin", "p")));
 }
 
-TEST_F(CopyKeyFiles, aRequestKeyThatCannotBeRemovedFailsTheCall) {
+TEST_F(CopyKeyFiles, ARequestKeyThatCannotBeRemovedFailsTheCall) {
   writeFile(keyDir.file("srpubkey.bin"), "p");
   writeFile(agent.etc("reqseckey.bin"), "old");
   KeyFileSystem files;
@@ -89,14 +89,14 @@ class FipsMarker : public CopyKeyFiles {
   const std::string destination = agent.dataDirectory() + "/etc\\agentfipsmode";
 };
 
-TEST_F(FipsMarker, isCopiedEvenWhereNoKeysCome) {
+TEST_F(FipsMarker, IsCopiedEvenWhereNoKeysCome) {
   writeFile(source, "on");
   EXPECT_TRUE(copyDeep(oldServer));
   EXPECT_THAT(keys(), IsEmpty());
   EXPECT_EQ(readFile(destination), "on");
 }
 
-TEST_F(FipsMarker, isCopiedBehindTheKeys) {
+TEST_F(FipsMarker, IsCopiedBehindTheKeys) {
   writeFile(source, "on");
   deepKeys();
   KeyFileSystem files;
@@ -104,7 +104,7 @@ TEST_F(FipsMarker, isCopiedBehindTheKeys) {
   EXPECT_THAT(files.changes, ElementsAre("srpubkey.bin", "reqseckey.bin", "etc\\agentfipsmode"));
 }
 
-TEST_F(FipsMarker, isNotCopiedWhenAKeyCouldNotBeWritten) {
+TEST_F(FipsMarker, IsNotCopiedWhenAKeyCouldNotBeWritten) {
   writeFile(source, "on");
   deepKeys();
   KeyFileSystem files;
@@ -113,26 +113,26 @@ TEST_F(FipsMarker, isNotCopiedWhenAKeyCouldNotBeWritten) {
   EXPECT_FALSE(exists(destination));
 }
 
-TEST_F(FipsMarker, mayBeMissing) {
+TEST_F(FipsMarker, MayBeMissing) {
   writeFile(destination, "old");
   EXPECT_TRUE(copyDeep(oldServer));
   EXPECT_EQ(readFile(destination), "old");
 }
 
-TEST_F(FipsMarker, mayFailToBeCopied) {
+TEST_F(FipsMarker, MayFailToBeCopied) {
   writeFile(source, "on");
   std::filesystem::create_directory(destination);
   EXPECT_TRUE(copyDeep(oldServer));
 }
 
-TEST_F(CopyKeyFiles, missingKeysFailTheCall) {
+TEST_F(CopyKeyFiles, MissingKeysFailTheCall) {
   EXPECT_FALSE(copy(newServer, ""));
   EXPECT_FALSE(copy(oldServer, keyDir.path()));
   EXPECT_THAT(keys(), IsEmpty());
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(CopyKeyFiles, theDestinationDirectoryIsMadeBeforeTheKeysAreRead) {
+TEST_F(CopyKeyFiles, TheDestinationDirectoryIsMadeBeforeTheKeysAreRead) {
   const std::string deep = agent.dataDirectory() + "/not/yet/there";
   helper->m_strSiteListFile = wide(deep + "/SiteList.xml");
   EXPECT_FALSE(copy(newServer, ""));
@@ -142,7 +142,7 @@ TEST_F(CopyKeyFiles, theDestinationDirectoryIsMadeBeforeTheKeysAreRead) {
   EXPECT_EQ(snapshot(deep).size(), 4u);
 }
 
-TEST_F(CopyKeyFiles, aDestinationDirectoryThatCannotBeMadeFailsTheCall) {
+TEST_F(CopyKeyFiles, ADestinationDirectoryThatCannotBeMadeFailsTheCall) {
   incomingKeys();
   helper->m_strSiteListFile = wide(own) + L"/SiteList.xml";
   EXPECT_FALSE(copy(newServer, ""));
@@ -150,7 +150,7 @@ TEST_F(CopyKeyFiles, aDestinationDirectoryThatCannotBeMadeFailsTheCall) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(CopyKeyFiles, theListIsAskedForWriteAccessFirst) {
+TEST_F(CopyKeyFiles, TheListIsAskedForWriteAccessFirst) {
   incomingKeys();
   writeFile(agent.etc("srpubkey.bin"), "old");
   KeyFileSystem files;
@@ -160,7 +160,7 @@ TEST_F(CopyKeyFiles, theListIsAskedForWriteAccessFirst) {
   EXPECT_THAT(keys(), ElementsAre(Pair("srpubkey.bin", "old")));
 }
 
-TEST_F(CopyKeyFiles, theKeysAreAskedForWriteAccessInOrderAndBeforeAnyIsWritten) {
+TEST_F(CopyKeyFiles, TheKeysAreAskedForWriteAccessInOrderAndBeforeAnyIsWritten) {
   incomingKeys();
   std::vector<std::string> order;
   for (const char* name :
@@ -181,7 +181,7 @@ TEST_F(CopyKeyFiles, theKeysAreAskedForWriteAccessInOrderAndBeforeAnyIsWritten) 
   EXPECT_TRUE(copy(newServer, ""));
 }
 
-TEST_F(CopyKeyFiles, onlyKeysThatAreToBeWrittenNeedWriteAccess) {
+TEST_F(CopyKeyFiles, OnlyKeysThatAreToBeWrittenNeedWriteAccess) {
   writeFile(incoming.file("sr2048pubkey.bin"), "P");
   writeFile(incoming.file("req2048seckey.bin"), "R");
   writeFile(agent.etc("srpubkey.bin"), "old");
@@ -191,14 +191,14 @@ TEST_F(CopyKeyFiles, onlyKeysThatAreToBeWrittenNeedWriteAccess) {
   EXPECT_TRUE(copy(newServer, ""));
 }
 
-TEST_F(CopyKeyFiles, theKeysAreReadBeforeWriteAccessIsAskedFor) {
+TEST_F(CopyKeyFiles, TheKeysAreReadBeforeWriteAccessIsAskedFor) {
   KeyFileSystem files;
   files.readOnly = {own};
   EXPECT_FALSE(copy(newServer, ""));
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(CopyKeyFiles, aFailedWriteFailsTheCall) {
+TEST_F(CopyKeyFiles, AFailedWriteFailsTheCall) {
   incomingKeys();
   KeyFileSystem files;
   files.irreplaceable = {"req2048seckey.bin"};

@@ -66,7 +66,7 @@ class GatherKeyFiles : public testing::Test {
   const SiteChain oldServer{httpSite(L"a"), serverSite(L"s")};
 };
 
-TEST_F(GatherKeyFiles, anOldServersPublicKeyComesFromTheKeyDirectory) {
+TEST_F(GatherKeyFiles, AnOldServersPublicKeyComesFromTheKeyDirectory) {
   writeFile(keyDir.file("srpubkey.bin"), "public");
   writeFile(keyDir.file("reqseckey.bin"), "never taken");
   beside("sr2048pubkey.bin", "never taken");
@@ -78,7 +78,7 @@ TEST_F(GatherKeyFiles, anOldServersPublicKeyComesFromTheKeyDirectory) {
   EXPECT_TRUE(got.reqSec.empty());
 }
 
-TEST_F(GatherKeyFiles, withoutKeyDirectoryAnOldServerNeedsNoKeys) {
+TEST_F(GatherKeyFiles, WithoutKeyDirectoryAnOldServerNeedsNoKeys) {
   beside("srpubkey.bin", "not taken");
   Gathered got;
   got.hasSrPub = got.hasReqSec = true;
@@ -87,7 +87,7 @@ TEST_F(GatherKeyFiles, withoutKeyDirectoryAnOldServerNeedsNoKeys) {
   EXPECT_EQ(got.flags(), "");
 }
 
-TEST_F(GatherKeyFiles, anOldServerLeavesTheFlagsOfTheNewSetAlone) {
+TEST_F(GatherKeyFiles, AnOldServerLeavesTheFlagsOfTheNewSetAlone) {
   writeFile(keyDir.file("srpubkey.bin"), "public");
   for (const std::string& directory : {std::string(), keyDir.path()}) {
     Gathered got;
@@ -98,7 +98,7 @@ TEST_F(GatherKeyFiles, anOldServerLeavesTheFlagsOfTheNewSetAlone) {
   }
 }
 
-TEST_F(GatherKeyFiles, anOldServersKeyDirectoryMustHoldThePublicKey) {
+TEST_F(GatherKeyFiles, AnOldServersKeyDirectoryMustHoldThePublicKey) {
   EXPECT_FALSE(gather(oldServer, keyDir.path()).result);
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
   writeFile(keyDir.file("srpubkey.bin"), "");
@@ -108,7 +108,7 @@ TEST_F(GatherKeyFiles, anOldServersKeyDirectoryMustHoldThePublicKey) {
                           infoLine(L"There could be another set of key files to be used.")));
 }
 
-TEST_F(GatherKeyFiles, onlyAManagementServerWithAVersionCallsForTheKeysBesideTheList) {
+TEST_F(GatherKeyFiles, OnlyAManagementServerWithAVersionCallsForTheKeysBesideTheList) {
   beside("srpubkey.bin", "p");
   beside("reqseckey.bin", "r");
   tag_Site keystone = versioned(httpSite(L"k"));
@@ -129,7 +129,7 @@ TEST_F(GatherKeyFiles, onlyAManagementServerWithAVersionCallsForTheKeysBesideThe
   }
 }
 
-TEST_F(GatherKeyFiles, aSetCountsOnlyWhenBothItsFilesAreThere) {
+TEST_F(GatherKeyFiles, ASetCountsOnlyWhenBothItsFilesAreThere) {
   const std::vector<std::string> names = {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin",
                                           "req2048seckey.bin"};
   // For each file: missing, empty, there.
@@ -168,7 +168,7 @@ TEST_F(GatherKeyFiles, aSetCountsOnlyWhenBothItsFilesAreThere) {
   }
 }
 
-TEST_F(GatherKeyFiles, aNewServersKeysAreNotTakenFromTheKeyDirectory) {
+TEST_F(GatherKeyFiles, ANewServersKeysAreNotTakenFromTheKeyDirectory) {
   writeFile(keyDir.file("srpubkey.bin"), "p");
   writeFile(keyDir.file("reqseckey.bin"), "r");
   EXPECT_FALSE(gather(newServer, keyDir.path()).result);

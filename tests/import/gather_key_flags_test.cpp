@@ -30,7 +30,7 @@ class GatherKeyFlags : public testing::Test {
   std::array<bool, 4> flags{};
 };
 
-TEST_F(GatherKeyFlags, aVersionOfOneCharacterIsOne) {
+TEST_F(GatherKeyFlags, AVersionOfOneCharacterIsOne) {
   for (const char* name : {"sr2048pubkey.bin", "req2048seckey.bin"}) {
     writeFile(incoming.file(name), name);
   }
@@ -38,7 +38,7 @@ TEST_F(GatherKeyFlags, aVersionOfOneCharacterIsOne) {
   EXPECT_EQ(flags, (std::array<bool, 4>{false, false, true, true}));
 }
 
-TEST_F(GatherKeyFlags, anyFlagThatTheCallerHasSetIsEnough) {
+TEST_F(GatherKeyFlags, AnyFlagThatTheCallerHasSetIsEnough) {
   EXPECT_FALSE(gather(L"5"));
   for (std::size_t set = 0; set < flags.size(); ++set) {
     flags = {};

@@ -32,7 +32,7 @@ class Import : public ImportFixture {
   }
 };
 
-TEST_F(Import, anUnmanagedAgentTakesAListWithoutServerSite) {
+TEST_F(Import, AnUnmanagedAgentTakesAListWithoutServerSite) {
   incomingList(document(httpElement("a")));
   EXPECT_EQ(import(), 0);
   EXPECT_TRUE(tracedScope(agent, L"ImportSiteList," + wide(src)));
@@ -41,7 +41,7 @@ TEST_F(Import, anUnmanagedAgentTakesAListWithoutServerSite) {
   EXPECT_THAT(installedNames(), ElementsAre(L"a"));
 }
 
-TEST_F(Import, aManagedAgentRefusesAListWithoutServerSite) {
+TEST_F(Import, AManagedAgentRefusesAListWithoutServerSite) {
   manage();
   incomingList(document(httpElement("a")));
   const auto before = onDisk();
@@ -50,7 +50,7 @@ TEST_F(Import, aManagedAgentRefusesAListWithoutServerSite) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_F(Import, aManagedAgentTakesACompleteServerSiteWithItsKeys) {
+TEST_F(Import, AManagedAgentTakesACompleteServerSiteWithItsKeys) {
   manage();
   incomingKeys();
   incomingList(document(serverElement("s", "5.1")));
@@ -60,7 +60,7 @@ TEST_F(Import, aManagedAgentTakesACompleteServerSiteWithItsKeys) {
   EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "srpubkey.bin");
 }
 
-TEST_F(Import, aManagedAgentRefusesAListWhoseRulesFail) {
+TEST_F(Import, AManagedAgentRefusesAListWhoseRulesFail) {
   manage();
   incomingList(document(serverElement("s", "5.1", "1", "repository")));
   const auto before = onDisk();
@@ -75,7 +75,7 @@ TEST_F(Import, aManagedAgentRefusesAListWhoseRulesFail) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_F(Import, theOverrideDecidesWhetherTheServerIsChecked) {
+TEST_F(Import, TheOverrideDecidesWhetherTheServerIsChecked) {
   incomingList(document(httpElement("a")));
   helper->SetManagedOverride(c_overrideManaged);
   EXPECT_EQ(import(), c_errorNoServerSite);
@@ -84,7 +84,7 @@ TEST_F(Import, theOverrideDecidesWhetherTheServerIsChecked) {
   EXPECT_EQ(import(), 0);
 }
 
-TEST_F(Import, anEmptyListIsRefused) {
+TEST_F(Import, AnEmptyListIsRefused) {
   incomingList(document(""));
   const auto before = onDisk();
   EXPECT_EQ(import(), c_errorValidation);
@@ -98,7 +98,7 @@ TEST_F(Import, anEmptyListIsRefused) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_F(Import, warnsThatTheServerWillOverwriteTheList) {
+TEST_F(Import, WarnsThatTheServerWillOverwriteTheList) {
   EXPECT_TRUE(warnsOn("1"));
   EXPECT_TRUE(warnsOn("yes"));
   EXPECT_TRUE(warnsOn(""));
@@ -106,13 +106,13 @@ TEST_F(Import, warnsThatTheServerWillOverwriteTheList) {
   EXPECT_FALSE(warnsOn("0"));
 }
 
-TEST_F(Import, doesNotWarnWithoutThePolicySetting) {
+TEST_F(Import, DoesNotWarnWithoutThePolicySetting) {
   incomingList(document(httpElement("a"), policies("overwriteclientsites", "1")));
   EXPECT_EQ(import(), 0);
   EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
 }
 
-TEST_F(Import, aSettingKnownBeforeCountsUnlessTheListHoldsItsOwn) {
+TEST_F(Import, ASettingKnownBeforeCountsUnlessTheListHoldsItsOwn) {
   helper->SetPolicySetting(L"OverwriteClientSites", L"1");
   incomingList(document(httpElement("a")));
   EXPECT_EQ(import(), 0);
@@ -120,7 +120,7 @@ TEST_F(Import, aSettingKnownBeforeCountsUnlessTheListHoldsItsOwn) {
   EXPECT_FALSE(warnsOn("0"));
 }
 
-TEST_F(Import, theWarningComesBeforeTheChecks) {
+TEST_F(Import, TheWarningComesBeforeTheChecks) {
   manage();
   incomingList(document(httpElement("a"), policies("OverwriteClientSites", "1")));
   EXPECT_EQ(import(), c_errorNoServerSite);

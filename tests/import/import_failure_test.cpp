@@ -36,11 +36,11 @@ INSTANTIATE_TEST_SUITE_P(Way, IncomingFailure, testing::Values(false, true),
                            return way.param ? "import" : "install";
                          });
 
-TEST_P(IncomingFailure, theFileIsMissing) {
+TEST_P(IncomingFailure, TheFileIsMissing) {
   expectRefusal(c_errorFileMissing, {errorLine(L"Failed hr=-4")});
 }
 
-TEST_P(IncomingFailure, noFileIsNamed) {
+TEST_P(IncomingFailure, NoFileIsNamed) {
   const auto before = onDisk();
   agent.clearLog();
   EXPECT_EQ(GetParam() ? helper->ImportSiteList(L"", L"") : helper->InstallSiteList(L"", L""),
@@ -49,55 +49,55 @@ TEST_P(IncomingFailure, noFileIsNamed) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_P(IncomingFailure, theFileIsIllFormed) {
+TEST_P(IncomingFailure, TheFileIsIllFormed) {
   incomingList("<ns:SiteLists><SiteList>");
   expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
   incomingList("no markup at all");
   expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
 }
 
-TEST_P(IncomingFailure, theFileIsADirectory) {
+TEST_P(IncomingFailure, TheFileIsADirectory) {
   std::filesystem::create_directory(src);
   expectRefusal(c_errorRead, {errorLine(L"Failed hr=-10")});
 }
 
-TEST_P(IncomingFailure, theFileEndsWithAnUnknownElement) {
+TEST_P(IncomingFailure, TheFileEndsWithAnUnknownElement) {
   incomingList(document(httpElement("a") + "<Unheard/>"));
   expectRefusal(c_errorGeneral, {errorLine(L"Failed hr=-1")});
 }
 
-TEST_P(IncomingFailure, theKeyDirectoryLacksThePublicKey) {
+TEST_P(IncomingFailure, TheKeyDirectoryLacksThePublicKey) {
   incomingList(document(httpElement("a")));
   expectRefusal(c_errorGeneral, beginning());
 }
 
-TEST_P(IncomingFailure, thePublicKeyInTheKeyDirectoryIsEmpty) {
+TEST_P(IncomingFailure, ThePublicKeyInTheKeyDirectoryIsEmpty) {
   incomingList(document(httpElement("a")));
   const std::string key = keyDir.file("srpubkey.bin");
   writeFile(key, "");
   expectRefusal(c_errorGeneral, joined(beginning(), {invalid(key), otherSet}));
 }
 
-TEST_P(IncomingFailure, thePublicKeyInTheKeyDirectoryCannotBeRead) {
+TEST_P(IncomingFailure, ThePublicKeyInTheKeyDirectoryCannotBeRead) {
   incomingList(document(httpElement("a")));
   std::filesystem::create_directory(keyDir.file("srpubkey.bin"));
   expectRefusal(c_errorGeneral, beginning());
 }
 
-TEST_P(IncomingFailure, theKeysBesideTheListAreMissing) {
+TEST_P(IncomingFailure, TheKeysBesideTheListAreMissing) {
   incomingList(document(serverElement("s", "5.1")));
   writeFile(keyDir.file("srpubkey.bin"), "not consulted");
   expectRefusal(c_errorGeneral, beginning());
 }
 
-TEST_P(IncomingFailure, noSetOfKeysIsComplete) {
+TEST_P(IncomingFailure, NoSetOfKeysIsComplete) {
   incomingList(document(serverElement("s", "5.1")));
   writeFile(incoming.file("srpubkey.bin"), "p");
   writeFile(incoming.file("req2048seckey.bin"), "r");
   expectRefusal(c_errorGeneral, beginning());
 }
 
-TEST_P(IncomingFailure, theKeysBesideTheListAreEmpty) {
+TEST_P(IncomingFailure, TheKeysBesideTheListAreEmpty) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys();
   writeFile(incoming.file("srpubkey.bin"), "");
@@ -107,7 +107,7 @@ TEST_P(IncomingFailure, theKeysBesideTheListAreEmpty) {
                                      invalid(incoming.file("srpubkey.bin")), otherSet}));
 }
 
-TEST_P(IncomingFailure, aDestinationKeyIsReadOnly) {
+TEST_P(IncomingFailure, ADestinationKeyIsReadOnly) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys();
   for (const char* name :
@@ -119,7 +119,7 @@ TEST_P(IncomingFailure, aDestinationKeyIsReadOnly) {
   }
 }
 
-TEST_P(IncomingFailure, theListInPlaceIsReadOnly) {
+TEST_P(IncomingFailure, TheListInPlaceIsReadOnly) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys();
   KeyFileSystem files;
@@ -127,7 +127,7 @@ TEST_P(IncomingFailure, theListInPlaceIsReadOnly) {
   expectRefusal(c_errorGeneral, joined(beginning(), {cannotWrite(own)}));
 }
 
-TEST_P(IncomingFailure, aDestinationKeyIsADirectoryAndTheKeysBeforeItStay) {
+TEST_P(IncomingFailure, ADestinationKeyIsADirectoryAndTheKeysBeforeItStay) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys();
   std::filesystem::create_directory(agent.etc("reqseckey.bin"));
@@ -141,7 +141,7 @@ TEST_P(IncomingFailure, aDestinationKeyIsADirectoryAndTheKeysBeforeItStay) {
   EXPECT_THAT(snapshot(agent.dataDirectory() + "/mesh"), IsEmpty());
 }
 
-TEST_P(IncomingFailure, theDestinationDirectoryCannotBeMade) {
+TEST_P(IncomingFailure, TheDestinationDirectoryCannotBeMade) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys();
   helper->m_strSiteListFile = wide(own) + L"/below/SiteList.xml";
@@ -154,7 +154,7 @@ TEST_P(IncomingFailure, theDestinationDirectoryCannotBeMade) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_P(IncomingFailure, theListCannotBeWrittenAndTheKeysStay) {
+TEST_P(IncomingFailure, TheListCannotBeWrittenAndTheKeysStay) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys("new ");
   const std::string former = readFile(own);
@@ -174,7 +174,7 @@ TEST_P(IncomingFailure, theListCannotBeWrittenAndTheKeysStay) {
                                                 {"req2048seckey.bin", "new req2048seckey.bin"}}));
 }
 
-TEST_P(IncomingFailure, aDirectoryInThePlaceOfTheListLeavesTheMeshServiceWithTheNewOne) {
+TEST_P(IncomingFailure, ADirectoryInThePlaceOfTheListLeavesTheMeshServiceWithTheNewOne) {
   incomingList(document(httpElement("a")));
   writeFile(keyDir.file("srpubkey.bin"), "key");
   std::filesystem::remove(own);
@@ -195,7 +195,7 @@ class InternalImport : public ImportFixture {
   }
 };
 
-TEST_F(InternalImport, writesTheRecordsItIsGiven) {
+TEST_F(InternalImport, WritesTheRecordsItIsGiven) {
   incomingList(document(httpElement("in the file")));
   const SiteChain sites{httpSite(L"given"), ftpSite(L"too")};
   EXPECT_EQ(bringIn(src, sites), 0);
@@ -203,7 +203,7 @@ TEST_F(InternalImport, writesTheRecordsItIsGiven) {
   EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
 }
 
-TEST_F(InternalImport, failsWithTheCodeOfTheVersions) {
+TEST_F(InternalImport, FailsWithTheCodeOfTheVersions) {
   const SiteChain sites{httpSite(L"given")};
   const auto before = onDisk();
   EXPECT_EQ(bringIn(src, sites), c_errorFileMissing);
@@ -216,7 +216,7 @@ TEST_F(InternalImport, failsWithTheCodeOfTheVersions) {
   EXPECT_EQ(onDisk(), before);
 }
 
-TEST_F(InternalImport, aLastRecordOfUnknownKindIsAFailureAlthoughTheListIsWritten) {
+TEST_F(InternalImport, ALastRecordOfUnknownKindIsAFailureAlthoughTheListIsWritten) {
   incomingList(document(httpElement("a")));
   tag_Site unknown = httpSite(L"unknown");
   unknown.eSiteKind = 9;

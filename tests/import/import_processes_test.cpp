@@ -113,7 +113,7 @@ class ImportBesideOthers : public testing::Test {
   const std::string newNames = "new1 new2 new3";
 };
 
-TEST_F(ImportBesideOthers, eachProcessServesItsCacheUntilItsSecondChangeNotice) {
+TEST_F(ImportBesideOthers, EachProcessServesItsCacheUntilItsSecondChangeNotice) {
   ChildProcess child("smartReader", {agent.dataDirectory()});
   EXPECT_EQ(ask(child, "read"), oldNames);
   EXPECT_EQ(smartRead(), oldNames);
@@ -141,13 +141,13 @@ TEST_F(ImportBesideOthers, eachProcessServesItsCacheUntilItsSecondChangeNotice) 
   EXPECT_EQ(child.wait(), 0);
 }
 
-TEST_F(ImportBesideOthers, aProcessThatStartsAfterTheImportReadsTheNewList) {
+TEST_F(ImportBesideOthers, AProcessThatStartsAfterTheImportReadsTheNewList) {
   import(newList);
   ChildProcess child("smartReader", {agent.dataDirectory()});
   EXPECT_EQ(ask(child, "read"), newNames);
 }
 
-TEST_F(ImportBesideOthers, aReaderFindsTheOldOrTheNewListWhole) {
+TEST_F(ImportBesideOthers, AReaderFindsTheOldOrTheNewListWhole) {
   ChildProcess child("readerOfEitherList", {agent.dataDirectory(), oldNames, newNames});
   ASSERT_EQ(child.receive(), "ready");
   child.send("go");
@@ -159,7 +159,7 @@ TEST_F(ImportBesideOthers, aReaderFindsTheOldOrTheNewListWhole) {
   EXPECT_EQ(child.wait(), 0);
 }
 
-TEST_F(ImportBesideOthers, twoImportersLeaveOneOfTheirListsWhole) {
+TEST_F(ImportBesideOthers, TwoImportersLeaveOneOfTheirListsWhole) {
   ChildProcess one("importer", {agent.dataDirectory(), oldList});
   ChildProcess two("importer", {agent.dataDirectory(), newList});
   ASSERT_EQ(one.receive(), "ready");

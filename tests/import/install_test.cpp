@@ -19,7 +19,7 @@ class Install : public ImportFixture {
   Install() { writeFile(keyDir.file("srpubkey.bin"), "key"); }
 };
 
-TEST_F(Install, makesTheIncomingListTheAgentsOwn) {
+TEST_F(Install, MakesTheIncomingListTheAgentsOwn) {
   incomingList(document(httpElement("a") + serverElement("s") + proxyElement("p") +
                         element("FTPSite", "f", R"(Type="repository" Order="5" Enabled="1")") +
                         element("UNCSite", "u", R"(Type="mirror" Enabled="1" Server="FILES")") +
@@ -45,7 +45,7 @@ TEST_F(Install, makesTheIncomingListTheAgentsOwn) {
   EXPECT_TRUE(sameContent(*gotRecords[3], *expectedRecords[3]));
 }
 
-TEST_F(Install, takesTheVersionsOfTheListInPlaceWhenNoFileIsNamed) {
+TEST_F(Install, TakesTheVersionsOfTheListInPlaceWhenNoFileIsNamed) {
   SiteChain sites;
   sites.add(httpSite(L"given"));
   EXPECT_EQ(helper->InternalImportSiteList(L"", sites.head(), wide(keyDir.path())), 0);
@@ -56,20 +56,20 @@ TEST_F(Install, takesTheVersionsOfTheListInPlaceWhenNoFileIsNamed) {
   EXPECT_EQ(local, L"oldL");
 }
 
-TEST_F(Install, tracesItsScopeWithBothPaths) {
+TEST_F(Install, TracesItsScopeWithBothPaths) {
   incomingList(document(httpElement("a")));
   EXPECT_EQ(install(), 0);
   EXPECT_TRUE(tracedScope(agent, L"InstallSiteList," + wide(src) + L"," + wide(keyDir.path())));
 }
 
-TEST_F(Install, tellsWhatItImportsAndHasTheMeshServiceLoadIt) {
+TEST_F(Install, TellsWhatItImportsAndHasTheMeshServiceLoadIt) {
   incomingList(document(httpElement("a")));
   EXPECT_EQ(install(), 0);
   EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
   EXPECT_EQ(readFile(agent.dataDirectory() + "/mesh/SiteList.xml"), readFile(own));
 }
 
-TEST_F(Install, carriesVersionsAndTypeUnchanged) {
+TEST_F(Install, CarriesVersionsAndTypeUnchanged) {
   incomingList(document(httpElement("a"), "",
                         R"(GlobalVersion=" 7x" LocalVersion="&lt;8&gt;" Type="Server")"));
   EXPECT_EQ(install(), 0);
@@ -81,7 +81,7 @@ TEST_F(Install, carriesVersionsAndTypeUnchanged) {
   EXPECT_EQ(type, L"Server");
 }
 
-TEST_F(Install, aListWithoutVersionsAndTypeGetsTheWritersOwn) {
+TEST_F(Install, AListWithoutVersionsAndTypeGetsTheWritersOwn) {
   incomingList(document(httpElement("a"), "", ""));
   EXPECT_EQ(install(), 0);
   std::wstring global, local, type;
@@ -91,7 +91,7 @@ TEST_F(Install, aListWithoutVersionsAndTypeGetsTheWritersOwn) {
   EXPECT_EQ(type, L"Client");
 }
 
-TEST_F(Install, carriesTheCertificatesUnchangedAndInOrder) {
+TEST_F(Install, CarriesTheCertificatesUnchangedAndInOrder) {
   incomingList(document(httpElement("a"),
                         "<CaBundle><CaCertificate> one\n two </CaCertificate><Other>x</Other>"
                         "<CaCertificate>&amp;&lt;</CaCertificate></CaBundle>"));
@@ -101,14 +101,14 @@ TEST_F(Install, carriesTheCertificatesUnchangedAndInOrder) {
   EXPECT_THAT(certificates, ElementsAre(L" one\n two ", L"&<"));
 }
 
-TEST_F(Install, certificatesOfTheFormerListAreGone) {
+TEST_F(Install, CertificatesOfTheFormerListAreGone) {
   writeFile(own, document("", "<CaBundle><CaCertificate>old</CaCertificate></CaBundle>"));
   incomingList(document(httpElement("a")));
   EXPECT_EQ(install(), 0);
   EXPECT_THAT(readFile(own), AllOf(Not(HasSubstr("CaBundle")), Not(HasSubstr("old"))));
 }
 
-TEST_F(Install, carriesThePolicySettingsAlong) {
+TEST_F(Install, CarriesThePolicySettingsAlong) {
   incomingList(document(httpElement("a"), policies("Incoming", "v")));
   helper->SetPolicySetting(L"Own", L"w");
   EXPECT_EQ(install(), 0);
@@ -122,7 +122,7 @@ TEST_F(Install, carriesThePolicySettingsAlong) {
   EXPECT_EQ(value, L"w");
 }
 
-TEST_F(Install, passwordsKeepTheirValueAndAreNeverLogged) {
+TEST_F(Install, PasswordsKeepTheirValueAndAreNeverLogged) {
   std::wstring sealed;
   ASSERT_NE(helper->EncryptPassword(L"open sesame", sealed), 0);
   incomingList(document("<HttpSite Name=\"a\" Server=\"a:80\"><Password Encrypted=\"1\">" +
@@ -138,7 +138,7 @@ TEST_F(Install, passwordsKeepTheirValueAndAreNeverLogged) {
   }
 }
 
-TEST_F(Install, anEmptyListIsInstalledToo) {
+TEST_F(Install, AnEmptyListIsInstalledToo) {
   incomingList(document(""));
   EXPECT_EQ(install(), 0);
   EXPECT_THAT(
@@ -147,7 +147,7 @@ TEST_F(Install, anEmptyListIsInstalledToo) {
   EXPECT_THAT(installedNames(), IsEmpty());
 }
 
-TEST_F(Install, aManagedAgentTakesAListWithoutServerSiteUnchecked) {
+TEST_F(Install, AManagedAgentTakesAListWithoutServerSiteUnchecked) {
   agent.settings.managed = true;
   agent.apply();
   incomingList(document(httpElement("a"), policies("OverwriteClientSites", "1")));
@@ -157,7 +157,7 @@ TEST_F(Install, aManagedAgentTakesAListWithoutServerSiteUnchecked) {
   EXPECT_THAT(installedNames(), ElementsAre(L"a"));
 }
 
-TEST_F(Install, keyFilesAreInPlaceBeforeTheListThatNeedsThem) {
+TEST_F(Install, KeyFilesAreInPlaceBeforeTheListThatNeedsThem) {
   incomingKeys();
   incomingList(document(serverElement("s", "5.1")));
   KeyFileSystem files;
@@ -166,7 +166,7 @@ TEST_F(Install, keyFilesAreInPlaceBeforeTheListThatNeedsThem) {
                                          "req2048seckey.bin", "SiteList.xml", "SiteList.xml"));
 }
 
-TEST_F(Install, theIncomingFilesStayAsTheyWere) {
+TEST_F(Install, TheIncomingFilesStayAsTheyWere) {
   incomingKeys();
   incomingList(document(serverElement("s", "5.1")));
   const auto before = snapshot(incoming.path());
@@ -174,12 +174,12 @@ TEST_F(Install, theIncomingFilesStayAsTheyWere) {
   EXPECT_EQ(snapshot(incoming.path()), before);
 }
 
-TEST_F(Install, theListInPlaceCanBeInstalledOnItself) {
+TEST_F(Install, TheListInPlaceCanBeInstalledOnItself) {
   EXPECT_EQ(helper->InstallSiteList(wide(own), wide(keyDir.path())), 0);
   EXPECT_THAT(installedNames(), ElementsAre(L"old"));
 }
 
-TEST_F(Install, aLoadThatTheMeshServiceRefusesIsLoggedAndForgiven) {
+TEST_F(Install, ALoadThatTheMeshServiceRefusesIsLoggedAndForgiven) {
   agent.settings.meshLoadCommand = {"/bin/sh", "-c", "exit 3"};
   agent.apply();
   incomingList(document(httpElement("a")));
@@ -190,7 +190,7 @@ TEST_F(Install, aLoadThatTheMeshServiceRefusesIsLoggedAndForgiven) {
   EXPECT_THAT(installedNames(), ElementsAre(L"a"));
 }
 
-TEST_F(Install, theDestinationDirectoryIsMade) {
+TEST_F(Install, TheDestinationDirectoryIsMade) {
   const std::string elsewhere = agent.dataDirectory() + "/new/deep/SiteList.xml";
   OpenHelper other{wide(elsewhere)};
   incomingKeys();

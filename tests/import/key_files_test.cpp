@@ -34,7 +34,7 @@ class KeyFiles : public testing::Test {
 
 using ReadKeyFile = KeyFiles;
 
-TEST_F(ReadKeyFile, readsTheWholeFileUnchanged) {
+TEST_F(ReadKeyFile, ReadsTheWholeFileUnchanged) {
   std::string bytes;
   for (int i = 0; i < 70000; ++i) bytes += static_cast<char>(i * 7);
   writeFile(dir.file("k.bin"), bytes);
@@ -44,14 +44,14 @@ TEST_F(ReadKeyFile, readsTheWholeFileUnchanged) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(ReadKeyFile, aMissingFileFailsWithoutAMessage) {
+TEST_F(ReadKeyFile, AMissingFileFailsWithoutAMessage) {
   ABuffer out;
   agent.clearLog();
   EXPECT_FALSE(helper.readKeyFile(dirName(), L"k.bin", out));
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(ReadKeyFile, aDirectoryFailsWithoutAMessage) {
+TEST_F(ReadKeyFile, ADirectoryFailsWithoutAMessage) {
   std::filesystem::create_directory(dir.file("k.bin"));
   ABuffer out;
   agent.clearLog();
@@ -59,7 +59,7 @@ TEST_F(ReadKeyFile, aDirectoryFailsWithoutAMessage) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(ReadKeyFile, anEmptyFileIsInvalid) {
+TEST_F(ReadKeyFile, AnEmptyFileIsInvalid) {
   writeFile(dir.file("k.bin"), "");
   ABuffer out;
   agent.clearLog();
@@ -69,7 +69,7 @@ TEST_F(ReadKeyFile, anEmptyFileIsInvalid) {
                           infoLine(L"There could be another set of key files to be used.")));
 }
 
-TEST_F(ReadKeyFile, aDirectoryWithATrailingSeparatorIsJoinedAlike) {
+TEST_F(ReadKeyFile, ADirectoryWithATrailingSeparatorIsJoinedAlike) {
   writeFile(dir.file("k.bin"), "x");
   ABuffer out;
   EXPECT_TRUE(helper.readKeyFile(AString(wide(dir.path() + "/")), L"k.bin", out));
@@ -78,7 +78,7 @@ TEST_F(ReadKeyFile, aDirectoryWithATrailingSeparatorIsJoinedAlike) {
 
 using WriteKeyFile = KeyFiles;
 
-TEST_F(WriteKeyFile, createsOrReplacesTheFileWithoutConsultingTheSubdirectory) {
+TEST_F(WriteKeyFile, CreatesOrReplacesTheFileWithoutConsultingTheSubdirectory) {
   EXPECT_TRUE(helper.writeKeyFile(bufferOf("one"), L"k.bin", L"", dirName()));
   EXPECT_EQ(readFile(dir.file("k.bin")), "one");
   const std::string zero("t\0wo", 4);
@@ -87,14 +87,14 @@ TEST_F(WriteKeyFile, createsOrReplacesTheFileWithoutConsultingTheSubdirectory) {
   EXPECT_THAT(snapshot(dir.path()), ElementsAre(Pair("k.bin", zero)));
 }
 
-TEST_F(WriteKeyFile, aNewKeyFileIsItsOwnersAlone) {
+TEST_F(WriteKeyFile, ANewKeyFileIsItsOwnersAlone) {
   EXPECT_TRUE(helper.writeKeyFile(bufferOf("one"), L"k.bin", L"", dirName()));
   struct stat status;
   ASSERT_EQ(::stat(dir.file("k.bin").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600);
 }
 
-TEST_F(WriteKeyFile, failsWhereTheFileCannotBeWritten) {
+TEST_F(WriteKeyFile, FailsWhereTheFileCannotBeWritten) {
   std::filesystem::create_directory(dir.file("k.bin"));
   EXPECT_FALSE(helper.writeKeyFile(bufferOf("one"), L"k.bin", L"", dirName()));
   EXPECT_FALSE(
@@ -109,7 +109,7 @@ class WriteKeyFiles : public KeyFiles {
   }
 };
 
-TEST_F(WriteKeyFiles, everyCombinationOfFlagsIsWrittenInTheFixedOrder) {
+TEST_F(WriteKeyFiles, EveryCombinationOfFlagsIsWrittenInTheFixedOrder) {
   for (int flags = 0; flags < 16; ++flags) {
     const bool srPub = flags & 1;
     const bool reqSec = flags & 2;
@@ -141,12 +141,12 @@ TEST_F(WriteKeyFiles, everyCombinationOfFlagsIsWrittenInTheFixedOrder) {
   }
 }
 
-TEST_F(WriteKeyFiles, aStaleRequestKeyThatIsNotThereIsNoFailure) {
+TEST_F(WriteKeyFiles, AStaleRequestKeyThatIsNotThereIsNoFailure) {
   EXPECT_TRUE(write(true, false, false, false));
   EXPECT_THAT(snapshot(dir.path()), ElementsAre(Pair("srpubkey.bin", "p")));
 }
 
-TEST_F(WriteKeyFiles, aStaleRequestKeyThatCannotBeRemovedIsAFailure) {
+TEST_F(WriteKeyFiles, AStaleRequestKeyThatCannotBeRemovedIsAFailure) {
   writeFile(dir.file("reqseckey.bin"), "old");
   KeyFileSystem files;
   files.irremovable = {"reqseckey.bin"};
@@ -155,7 +155,7 @@ TEST_F(WriteKeyFiles, aStaleRequestKeyThatCannotBeRemovedIsAFailure) {
               ElementsAre(Pair("reqseckey.bin", "old"), Pair("srpubkey.bin", "p")));
 }
 
-TEST_F(WriteKeyFiles, theFirstFailureEndsTheCallAndWhatWasWrittenStays) {
+TEST_F(WriteKeyFiles, TheFirstFailureEndsTheCallAndWhatWasWrittenStays) {
   const std::vector<std::string> order = {"srpubkey.bin", "sr2048pubkey.bin", "reqseckey.bin",
                                           "req2048seckey.bin"};
   for (std::size_t failing = 0; failing < order.size(); ++failing) {
@@ -179,19 +179,19 @@ class Writable : public KeyFiles {
   const std::string path = dir.file("k.bin");
 };
 
-TEST_F(Writable, aFileThatIsNotThereIs) {
+TEST_F(Writable, AFileThatIsNotThereIs) {
   EXPECT_TRUE(ask());
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
   EXPECT_FALSE(exists(path)) << "it is not created";
 }
 
-TEST_F(Writable, aFileWithWriteAccessIs) {
+TEST_F(Writable, AFileWithWriteAccessIs) {
   writeFile(path, "x");
   EXPECT_TRUE(ask());
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(Writable, aFileWithoutWriteAccessIsNotAndSaysSo) {
+TEST_F(Writable, AFileWithoutWriteAccessIsNotAndSaysSo) {
   writeFile(path, "x");
   KeyFileSystem files;
   files.readOnly = {path};
@@ -199,7 +199,7 @@ TEST_F(Writable, aFileWithoutWriteAccessIsNotAndSaysSo) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Can't write " + wide(path))));
 }
 
-TEST_F(Writable, isNotWhenTheQuestionHasNoAnswer) {
+TEST_F(Writable, IsNotWhenTheQuestionHasNoAnswer) {
   writeFile(path, "x");
   KeyFileSystem files;
   files.unanswerable = {path};

@@ -22,7 +22,7 @@ class MergeWithoutMemory : public testing::Test {
   tag_Site* tail = nullptr;
 };
 
-TEST_F(MergeWithoutMemory, copyingStopsAndKeepsTheCopiesMadeSoFar) {
+TEST_F(MergeWithoutMemory, CopyingStopsAndKeepsTheCopiesMadeSoFar) {
   const SiteChain source{httpSite(L"a"), ftpSite(L"b"), httpSite(L"c")};
   for (int before = 0; before < 3; ++before) {
     result.clear();
@@ -39,7 +39,7 @@ TEST_F(MergeWithoutMemory, copyingStopsAndKeepsTheCopiesMadeSoFar) {
   }
 }
 
-TEST_F(MergeWithoutMemory, noFallbackIsHandedOut) {
+TEST_F(MergeWithoutMemory, NoFallbackIsHandedOut) {
   const SiteChain list{typed(httpSite(L"a"), L"fallback")};
   tag_Site* fallback = nullptr;
   const FailingAllocation failing(sizeof(tag_Site), 0);
@@ -47,7 +47,7 @@ TEST_F(MergeWithoutMemory, noFallbackIsHandedOut) {
   EXPECT_EQ(fallback, nullptr);
 }
 
-TEST_F(MergeWithoutMemory, theServerSitesCopiedSoFarStayWithTheCaller) {
+TEST_F(MergeWithoutMemory, TheServerSitesCopiedSoFarStayWithTheCaller) {
   const SiteChain list{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), serverSite(L"s3")};
   SiteChain chain;
   {
@@ -58,7 +58,7 @@ TEST_F(MergeWithoutMemory, theServerSitesCopiedSoFarStayWithTheCaller) {
   EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"s1", L"s2"));
 }
 
-TEST_F(MergeWithoutMemory, aFailureOfTheLastCopyReleasesTheWholeResult) {
+TEST_F(MergeWithoutMemory, AFailureOfTheLastCopyReleasesTheWholeResult) {
   const SiteChain first{httpSite(L"a"), httpSite(L"b")};
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};
   for (const int before : {2, 3}) {
@@ -70,7 +70,7 @@ TEST_F(MergeWithoutMemory, aFailureOfTheLastCopyReleasesTheWholeResult) {
   }
 }
 
-TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
+TEST_F(MergeWithoutMemory, AFailureThatALaterStepReplacesIsForgotten) {
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};
   const SiteChain proxies{proxySite(L"p")};
   {
@@ -92,7 +92,7 @@ TEST_F(MergeWithoutMemory, aFailureThatALaterStepReplacesIsForgotten) {
   EXPECT_THAT(namesOf(result.head()), ElementsAre(L"c"));
 }
 
-TEST_F(MergeWithoutMemory, aFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
+TEST_F(MergeWithoutMemory, AFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
   writeFile(path, document(""));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback")};
   const FailingAllocation failing(sizeof(tag_Site), 0);
@@ -101,7 +101,7 @@ TEST_F(MergeWithoutMemory, aFallbackThatCannotBeCopiedDoesNotFailTheMerge) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
-TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
+TEST_F(MergeWithoutMemory, ServerSitesThatCannotBeCopiedAreNotCarried) {
   writeFile(path, document(""));
   const SiteChain first{serverSite(L"s1"), serverSite(L"s2")};
   const FailingAllocation failing(sizeof(tag_Site), 1);
@@ -110,7 +110,7 @@ TEST_F(MergeWithoutMemory, serverSitesThatCannotBeCopiedAreNotCarried) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
-TEST_F(MergeWithoutMemory, theListOnDiskNeedsNoMoreThanItsOwnRecords) {
+TEST_F(MergeWithoutMemory, TheListOnDiskNeedsNoMoreThanItsOwnRecords) {
   const SiteChain current{serverSite(L"s1"), httpSite(L"a"), proxySite(L"p")};
   ASSERT_EQ(helper.CreateSiteList(current.head(), wide(path), L"1", L"1", L"", {}), 0);
   const SiteChain first{serverSite(L"s2")};
@@ -120,7 +120,7 @@ TEST_F(MergeWithoutMemory, theListOnDiskNeedsNoMoreThanItsOwnRecords) {
   EXPECT_THAT(namesOf(result.head()), ElementsAre(L"a", L"p", L"s2"));
 }
 
-TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
+TEST_F(MergeWithoutMemory, TheCheckOfAListPassesTheFailureOn) {
   const SiteChain list{serverSite(L"s1"), serverSite(L"s2")};
   agent.clearLog();
   const FailingAllocation failing(sizeof(tag_Site), 1);
@@ -128,7 +128,7 @@ TEST_F(MergeWithoutMemory, theCheckOfAListPassesTheFailureOn) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
 }
 
-TEST_F(MergeWithoutMemory, anExceptionLeavesNoResult) {
+TEST_F(MergeWithoutMemory, AnExceptionLeavesNoResult) {
   writeFile(path, document(httpElement("own1") + httpElement("own2")));
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};
   for (const int before : {2, 3}) {  // the copies can be made, the own list cannot be read

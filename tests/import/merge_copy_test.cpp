@@ -21,7 +21,7 @@ class MergeCopy : public testing::Test {
   tag_Site* tail = nullptr;
 };
 
-TEST_F(MergeCopy, appendsACopyOfEveryRecordOfTheFiveKindsInOrder) {
+TEST_F(MergeCopy, AppendsACopyOfEveryRecordOfTheFiveKindsInOrder) {
   SiteChain source{httpSite(L"h"),  ftpSite(L"f"),   uncSite(L"u"),
                    localSite(L"l"), proxySite(L"p"), serverSite(L"s")};
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), false, &tail, result.address()), 0);
@@ -38,7 +38,7 @@ TEST_F(MergeCopy, appendsACopyOfEveryRecordOfTheFiveKindsInOrder) {
   EXPECT_EQ(tail->pNext, nullptr);
 }
 
-TEST_F(MergeCopy, copiesEveryByteOfARecordWhateverItsKind) {
+TEST_F(MergeCopy, CopiesEveryByteOfARecordWhateverItsKind) {
   tag_Site filled;
   std::memset(static_cast<void*>(&filled), 0x5a, sizeof filled);
   for (int kind = SITE_KIND_HTTP; kind <= SITE_KIND_PROXY; ++kind) {
@@ -52,7 +52,7 @@ TEST_F(MergeCopy, copiesEveryByteOfARecordWhateverItsKind) {
   }
 }
 
-TEST_F(MergeCopy, leavesTheSourceAsItWas) {
+TEST_F(MergeCopy, LeavesTheSourceAsItWas) {
   SiteChain source{httpSite(L"h"), proxySite(L"p"), serverSite(L"s")};
   const tag_Site* const second = source.head()->pNext;
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), true, &tail, result.address()), 0);
@@ -60,7 +60,7 @@ TEST_F(MergeCopy, leavesTheSourceAsItWas) {
   EXPECT_EQ(source.head()->pNext, second);
 }
 
-TEST_F(MergeCopy, dropsProxyRecordsWhenAskedTo) {
+TEST_F(MergeCopy, DropsProxyRecordsWhenAskedTo) {
   SiteChain source{proxySite(L"p1"), httpSite(L"h"), proxySite(L"p2"), ftpSite(L"f"),
                    proxySite(L"p3")};
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), true, &tail, result.address()), 0);
@@ -69,7 +69,7 @@ TEST_F(MergeCopy, dropsProxyRecordsWhenAskedTo) {
   EXPECT_EQ(tail->pNext, nullptr);
 }
 
-TEST_F(MergeCopy, dropsRecordsOfUnknownKindInEitherMode) {
+TEST_F(MergeCopy, DropsRecordsOfUnknownKindInEitherMode) {
   tag_Site five = httpSite(L"five");
   five.eSiteKind = 5;
   tag_Site negative = httpSite(L"negative");
@@ -80,7 +80,7 @@ TEST_F(MergeCopy, dropsRecordsOfUnknownKindInEitherMode) {
   EXPECT_THAT(namesOf(result.head()), ElementsAre(L"h", L"h"));
 }
 
-TEST_F(MergeCopy, aSourceOfWhichNothingIsKeptLeavesHeadAndTailAlone) {
+TEST_F(MergeCopy, ASourceOfWhichNothingIsKeptLeavesHeadAndTailAlone) {
   SiteChain source{proxySite(L"p1"), proxySite(L"p2")};
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), true, &tail, result.address()), 0);
   EXPECT_EQ(result.head(), nullptr);
@@ -94,7 +94,7 @@ TEST_F(MergeCopy, aSourceOfWhichNothingIsKeptLeavesHeadAndTailAlone) {
   EXPECT_THAT(namesOf(result.head()), ElementsAre(L"h"));
 }
 
-TEST_F(MergeCopy, aSecondCallGoesOnBehindTheTail) {
+TEST_F(MergeCopy, ASecondCallGoesOnBehindTheTail) {
   SiteChain one{httpSite(L"a"), httpSite(L"b")};
   SiteChain two{ftpSite(L"c")};
   EXPECT_EQ(helper.MergeThisSiteList(one.head(), false, &tail, result.address()), 0);
@@ -103,7 +103,7 @@ TEST_F(MergeCopy, aSecondCallGoesOnBehindTheTail) {
   EXPECT_EQ(tail, result.last());
 }
 
-TEST_F(MergeCopy, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
+TEST_F(MergeCopy, CutsOffWhatStoodBehindATailThatIsNotTheLast) {
   for (const bool isKept : {true, false}) {
     SiteChain list{httpSite(L"a"), httpSite(L"b"), httpSite(L"c")};
     tail = list.head();
@@ -116,7 +116,7 @@ TEST_F(MergeCopy, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
   }
 }
 
-TEST_F(MergeCopy, withoutATailTheFirstCopyOverwritesTheHead) {
+TEST_F(MergeCopy, WithoutATailTheFirstCopyOverwritesTheHead) {
   SiteChain former{httpSite(L"former")};
   tag_Site* head = former.head();
   SiteChain source{httpSite(L"a"), httpSite(L"b")};
@@ -127,7 +127,7 @@ TEST_F(MergeCopy, withoutATailTheFirstCopyOverwritesTheHead) {
   EXPECT_THAT(namesOf(former.head()), ElementsAre(L"former"));
 }
 
-TEST_F(MergeCopy, refusesNullArguments) {
+TEST_F(MergeCopy, RefusesNullArguments) {
   SiteChain source{httpSite(L"a")};
   EXPECT_EQ(helper.MergeThisSiteList(nullptr, false, &tail, result.address()), c_errorNoPath);
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), false, nullptr, result.address()),
@@ -137,7 +137,7 @@ TEST_F(MergeCopy, refusesNullArguments) {
   EXPECT_EQ(tail, nullptr);
 }
 
-TEST_F(MergeCopy, tracesItsScopeAndLogsNothingElse) {
+TEST_F(MergeCopy, TracesItsScopeAndLogsNothingElse) {
   SiteChain source{httpSite(L"a")};
   agent.clearLog();
   EXPECT_EQ(helper.MergeThisSiteList(source.head(), false, &tail, result.address()), 0);

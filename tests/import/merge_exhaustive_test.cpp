@@ -166,7 +166,7 @@ class MergeEnumeration : public testing::Test {
   int failures = 0;
 };
 
-TEST_F(MergeEnumeration, everyFirstListGoesIntoEveryCurrentList) {
+TEST_F(MergeEnumeration, EveryFirstListGoesIntoEveryCurrentList) {
   const auto first = listsOf(words(2, c_alphabet.size()), "first");
   for (const Word& word : words(3, c_lettersOfLongLists)) {
     ASSERT_NO_FATAL_FAILURE(current(word));
@@ -183,7 +183,7 @@ TEST_F(MergeEnumeration, everyFirstListGoesIntoEveryCurrentList) {
   EXPECT_EQ(merges, (400u + 91u) * 91u);
 }
 
-TEST_F(MergeEnumeration, everyCurrentListGoesIntoEverySecondList) {
+TEST_F(MergeEnumeration, EveryCurrentListGoesIntoEverySecondList) {
   const auto second = listsOf(words(3, c_lettersOfLongLists), "second");
   for (const Word& word : words(2, c_alphabet.size())) {
     ASSERT_NO_FATAL_FAILURE(current(word));
@@ -194,7 +194,7 @@ TEST_F(MergeEnumeration, everyCurrentListGoesIntoEverySecondList) {
   EXPECT_EQ(merges, 91u * 400u);
 }
 
-TEST_F(MergeEnumeration, everyFirstListGoesBehindEverySecondList) {
+TEST_F(MergeEnumeration, EveryFirstListGoesBehindEverySecondList) {
   const auto first = listsOf(words(2, c_alphabet.size()), "first");
   const auto second = listsOf(words(3, c_lettersOfLongLists), "second");
   input.readResult = c_errorFileMissing;  // there is no current list, and none is asked for
@@ -204,7 +204,7 @@ TEST_F(MergeEnumeration, everyFirstListGoesBehindEverySecondList) {
   EXPECT_EQ(merges, 91u * 400u);
 }
 
-TEST_F(MergeEnumeration, listsOfFourRecordsAreMergedAlike) {
+TEST_F(MergeEnumeration, ListsOfFourRecordsAreMergedAlike) {
   const auto first = listsOf(someLongWords(c_lettersOfLongLists, 61), "first");
   const auto second = listsOf(someLongWords(c_lettersOfLongLists, 17), "second");
   for (const Word& word : someLongWords(c_lettersOfLongLists, 23)) {
@@ -215,7 +215,7 @@ TEST_F(MergeEnumeration, listsOfFourRecordsAreMergedAlike) {
   EXPECT_GT(merges, 15000u);
 }
 
-TEST_F(MergeEnumeration, everyListMeetsAMissingCurrentList) {
+TEST_F(MergeEnumeration, EveryListMeetsAMissingCurrentList) {
   input.readResult = c_errorFileMissing;
   for (const auto& list : listsOf(words(3, c_lettersOfLongLists), "given")) {
     ASSERT_NO_FATAL_FAILURE(check(list.get(), nullptr, false));
@@ -224,7 +224,7 @@ TEST_F(MergeEnumeration, everyListMeetsAMissingCurrentList) {
   EXPECT_EQ(merges, 800u);
 }
 
-TEST_F(MergeEnumeration, everyListMeetsACurrentListThatCannotBeRead) {
+TEST_F(MergeEnumeration, EveryListMeetsACurrentListThatCannotBeRead) {
   writeFile(path, "<ns:SiteLists>");
   input.readResult = c_errorParse;
   for (const auto& list : listsOf(words(3, c_lettersOfLongLists), "given")) {
@@ -234,7 +234,7 @@ TEST_F(MergeEnumeration, everyListMeetsACurrentListThatCannotBeRead) {
   EXPECT_EQ(merges, 800u);
 }
 
-TEST_F(MergeEnumeration, everyListMeetsACurrentListWithAnUnknownElementAtItsEnd) {
+TEST_F(MergeEnumeration, EveryListMeetsACurrentListWithAnUnknownElementAtItsEnd) {
   writeFile(path, document(serverElement("s") + httpElement("c", c_fallback) + "<Unheard/>"));
   input.readResult = c_errorGeneral;
   for (const auto& list : listsOf(words(3, c_lettersOfLongLists), "given")) {

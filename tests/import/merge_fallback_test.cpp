@@ -33,7 +33,7 @@ class MergeFallback : public testing::Test {
   }
 };
 
-TEST_F(MergeFallback, theFirstFallbackOfHttpOrFtpKindIsCopied) {
+TEST_F(MergeFallback, TheFirstFallbackOfHttpOrFtpKindIsCopied) {
   for (const tag_Site& site : {httpSite(L"wanted"), ftpSite(L"wanted"), serverSite(L"wanted")}) {
     const SiteChain list{httpSite(L"a"), typed(site, L"fallback"),
                          typed(httpSite(L"later"), L"fallback"), ftpSite(L"z")};
@@ -47,7 +47,7 @@ TEST_F(MergeFallback, theFirstFallbackOfHttpOrFtpKindIsCopied) {
   }
 }
 
-TEST_F(MergeFallback, theTypeIsComparedWithoutRegardToCase) {
+TEST_F(MergeFallback, TheTypeIsComparedWithoutRegardToCase) {
   const SiteChain list{httpSite(L"a"), typed(ftpSite(L"wanted"), L"FallBack")};
   OwnedRecord record;
   EXPECT_EQ(get(list, record), 0);
@@ -55,7 +55,7 @@ TEST_F(MergeFallback, theTypeIsComparedWithoutRegardToCase) {
   EXPECT_EQ(nameOf(*record), L"wanted");
 }
 
-TEST_F(MergeFallback, aFallbackOfAnotherKindIsPassedOver) {
+TEST_F(MergeFallback, AFallbackOfAnotherKindIsPassedOver) {
   const SiteChain none{typed(uncSite(L"u"), L"fallback"), typed(localSite(L"l"), L"fallback"),
                        typed(proxySite(L"p"), L"fallback")};
   OwnedRecord record;
@@ -68,14 +68,14 @@ TEST_F(MergeFallback, aFallbackOfAnotherKindIsPassedOver) {
   EXPECT_EQ(nameOf(*record), L"h");
 }
 
-TEST_F(MergeFallback, aListWithoutFallbackGivesNone) {
+TEST_F(MergeFallback, AListWithoutFallbackGivesNone) {
   const SiteChain list{httpSite(L"a"), typed(httpSite(L"b"), L"fallback2"), serverSite(L"s")};
   OwnedRecord record;
   EXPECT_EQ(get(list, record), c_errorGeneral);
   EXPECT_EQ(record, nullptr);
 }
 
-TEST_F(MergeFallback, gettingRefusesNullArguments) {
+TEST_F(MergeFallback, GettingRefusesNullArguments) {
   const SiteChain list{typed(httpSite(L"b"), L"fallback")};
   tag_Site* found = nullptr;
   EXPECT_EQ(helper.GetFallbackSite(nullptr, &found), c_errorNoPath);
@@ -83,7 +83,7 @@ TEST_F(MergeFallback, gettingRefusesNullArguments) {
   EXPECT_EQ(helper.GetFallbackSite(list.head(), nullptr), c_errorNoPath);
 }
 
-TEST_F(MergeFallback, gettingTracesItsScopeAndLogsNothingElse) {
+TEST_F(MergeFallback, GettingTracesItsScopeAndLogsNothingElse) {
   const SiteChain list{httpSite(L"a")};
   OwnedRecord record;
   agent.clearLog();
@@ -93,7 +93,7 @@ TEST_F(MergeFallback, gettingTracesItsScopeAndLogsNothingElse) {
   EXPECT_THAT(agent.messages(), IsEmpty());
 }
 
-TEST_F(MergeFallback, becomesTheHeadOfAnEmptyResultWithoutTouchingTheTail) {
+TEST_F(MergeFallback, BecomesTheHeadOfAnEmptyResultWithoutTouchingTheTail) {
   SiteChain other{httpSite(L"behind")};
   SiteChain result;
   tag_Site marker = httpSite(L"marker");
@@ -109,7 +109,7 @@ TEST_F(MergeFallback, becomesTheHeadOfAnEmptyResultWithoutTouchingTheTail) {
   }
 }
 
-TEST_F(MergeFallback, replacesAnExistingFallbackOfAnyKindInItsPlace) {
+TEST_F(MergeFallback, ReplacesAnExistingFallbackOfAnyKindInItsPlace) {
   for (const tag_Site& old :
        {httpSite(L"old"), ftpSite(L"old"), uncSite(L"old"), localSite(L"old"), proxySite(L"old")}) {
     for (const tag_Site& fresh : {httpSite(L"new"), ftpSite(L"new")}) {
@@ -130,7 +130,7 @@ TEST_F(MergeFallback, replacesAnExistingFallbackOfAnyKindInItsPlace) {
   }
 }
 
-TEST_F(MergeFallback, replacesAFallbackThatIsTheWholeResult) {
+TEST_F(MergeFallback, ReplacesAFallbackThatIsTheWholeResult) {
   SiteChain result{typed(httpSite(L"old"), L"fallback")};
   tag_Site* tail = nullptr;
   EXPECT_EQ(helper.UpdateFallbackSite(newRecord(typed(ftpSite(L"new"), L"fallback")), &tail,
@@ -140,7 +140,7 @@ TEST_F(MergeFallback, replacesAFallbackThatIsTheWholeResult) {
   EXPECT_EQ(result.head()->pNext, nullptr);
 }
 
-TEST_F(MergeFallback, leavesTheTailOnTheRecordThatItReplaced) {
+TEST_F(MergeFallback, LeavesTheTailOnTheRecordThatItReplaced) {
   SiteChain result{httpSite(L"a"), typed(httpSite(L"old"), L"fallback")};
   tag_Site* const place = result.last();
   tag_Site* tail = place;
@@ -151,7 +151,7 @@ TEST_F(MergeFallback, leavesTheTailOnTheRecordThatItReplaced) {
   EXPECT_EQ(nameOf(*tail), L"new");
 }
 
-TEST_F(MergeFallback, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
+TEST_F(MergeFallback, CutsOffWhatStoodBehindATailThatIsNotTheLast) {
   SiteChain result{httpSite(L"a"), httpSite(L"b"), httpSite(L"c")};
   tag_Site* tail = result.head();
   const SiteChain cutOff(tail->pNext);
@@ -162,7 +162,7 @@ TEST_F(MergeFallback, cutsOffWhatStoodBehindATailThatIsNotTheLast) {
   EXPECT_THAT(namesOf(cutOff.head()), ElementsAre(L"b", L"c"));
 }
 
-TEST_F(MergeFallback, goesBehindTheTailOfAResultWithoutFallback) {
+TEST_F(MergeFallback, GoesBehindTheTailOfAResultWithoutFallback) {
   SiteChain result{httpSite(L"a"), httpSite(L"b")};
   SiteChain other{httpSite(L"behind")};
   tag_Site* tail = result.last();
@@ -174,7 +174,7 @@ TEST_F(MergeFallback, goesBehindTheTailOfAResultWithoutFallback) {
   EXPECT_EQ(fallback->pNext, nullptr);
 }
 
-TEST_F(MergeFallback, aNewRecordOfAnotherKindIsAppendedBesideTheExistingFallback) {
+TEST_F(MergeFallback, ANewRecordOfAnotherKindIsAppendedBesideTheExistingFallback) {
   SiteChain result{typed(httpSite(L"old"), L"fallback"), httpSite(L"b")};
   tag_Site* tail = result.last();
   EXPECT_EQ(helper.UpdateFallbackSite(newRecord(typed(uncSite(L"new"), L"fallback")), &tail,
@@ -184,7 +184,7 @@ TEST_F(MergeFallback, aNewRecordOfAnotherKindIsAppendedBesideTheExistingFallback
   EXPECT_EQ(tail, result.last());
 }
 
-TEST_F(MergeFallback, withoutATailItIsNeitherLinkedNorReleased) {
+TEST_F(MergeFallback, WithoutATailItIsNeitherLinkedNorReleased) {
   SiteChain result{httpSite(L"a")};
   tag_Site* tail = nullptr;
   const tag_Site content = typed(httpSite(L"new"), L"fallback");
@@ -195,7 +195,7 @@ TEST_F(MergeFallback, withoutATailItIsNeitherLinkedNorReleased) {
   EXPECT_TRUE(sameContent(*fallback, content));
 }
 
-TEST_F(MergeFallback, updatingRefusesNullArgumentsAndLeavesTheRecordToTheCaller) {
+TEST_F(MergeFallback, UpdatingRefusesNullArgumentsAndLeavesTheRecordToTheCaller) {
   SiteChain result{httpSite(L"a")};
   tag_Site* tail = result.last();
   const tag_Site content = typed(httpSite(L"new"), L"fallback");
@@ -208,7 +208,7 @@ TEST_F(MergeFallback, updatingRefusesNullArgumentsAndLeavesTheRecordToTheCaller)
   EXPECT_EQ(tail, result.head());
 }
 
-TEST_F(MergeFallback, updatingTracesItsScopeAndLogsNothingElse) {
+TEST_F(MergeFallback, UpdatingTracesItsScopeAndLogsNothingElse) {
   SiteChain result;
   tag_Site* tail = nullptr;
   agent.clearLog();

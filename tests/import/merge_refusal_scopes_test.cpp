@@ -10,7 +10,7 @@ using testing::ElementsAre;
 
 namespace {
 
-TEST(MergeRefusals, openTheirScopesAtDetailLevel) {
+TEST(MergeRefusals, OpenTheirScopesAtDetailLevel) {
   const TestAgent agent;
   OpenHelper helper{true};
   EXPECT_LT(helper.MergeSiteLists(nullptr, nullptr, true, nullptr), 0);

@@ -31,7 +31,7 @@ class MergeServerSites : public testing::Test {
   }
 };
 
-TEST_F(MergeServerSites, everyServerSiteIsCopiedInListOrder) {
+TEST_F(MergeServerSites, EveryServerSiteIsCopiedInListOrder) {
   const SiteChain list{httpSite(L"a"),
                        serverSite(L"s1"),
                        serverSite(L"s2"),
@@ -46,7 +46,7 @@ TEST_F(MergeServerSites, everyServerSiteIsCopiedInListOrder) {
   EXPECT_THAT(namesOf(list.head()), ElementsAre(L"a", L"s1", L"s2", L"f", L"s3", L"p"));
 }
 
-TEST_F(MergeServerSites, agentsAndOtherKindsAreNoServerSites) {
+TEST_F(MergeServerSites, AgentsAndOtherKindsAreNoServerSites) {
   // The element's name stands at the start of the per-kind record of proxies as well.
   tag_Site proxy = proxySite(L"p");
   setText(proxy.proxy.szElement, L"VestaSite");
@@ -57,7 +57,7 @@ TEST_F(MergeServerSites, agentsAndOtherKindsAreNoServerSites) {
   EXPECT_EQ(chain.head(), nullptr);
 }
 
-TEST_F(MergeServerSites, theElementDecidesNotTheMark) {
+TEST_F(MergeServerSites, TheElementDecidesNotTheMark) {
   tag_Site unmarked = serverSite(L"unmarked");
   unmarked.bVestaSite = 0;
   tag_Site marked = httpSite(L"marked");
@@ -68,7 +68,7 @@ TEST_F(MergeServerSites, theElementDecidesNotTheMark) {
   EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"unmarked"));
 }
 
-TEST_F(MergeServerSites, gettingRefusesNullArguments) {
+TEST_F(MergeServerSites, GettingRefusesNullArguments) {
   const SiteChain list{serverSite(L"s")};
   SiteChain chain;
   EXPECT_EQ(helper.GetVestaSite(nullptr, chain.address()), c_errorNoPath);
@@ -76,7 +76,7 @@ TEST_F(MergeServerSites, gettingRefusesNullArguments) {
   EXPECT_EQ(helper.GetVestaSite(list.head(), nullptr), c_errorNoPath);
 }
 
-TEST_F(MergeServerSites, gettingTracesItsScopeAndLogsNothingElse) {
+TEST_F(MergeServerSites, GettingTracesItsScopeAndLogsNothingElse) {
   const SiteChain list{httpSite(L"a")};
   SiteChain chain;
   agent.clearLog();
@@ -86,12 +86,12 @@ TEST_F(MergeServerSites, gettingTracesItsScopeAndLogsNothingElse) {
   EXPECT_THAT(agent.messages(), IsEmpty());
 }
 
-TEST_F(MergeServerSites, becomeTheWholeOfAnEmptyResult) {
+TEST_F(MergeServerSites, BecomeTheWholeOfAnEmptyResult) {
   SiteChain result;
   EXPECT_THAT(updated(result), ElementsAre(L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, goToTheEndInPlaceOfTheOldOnes) {
+TEST_F(MergeServerSites, GoToTheEndInPlaceOfTheOldOnes) {
   SiteChain front{serverSite(L"s"), httpSite(L"a"), httpSite(L"b")};
   EXPECT_THAT(updated(front), ElementsAre(L"a", L"b", L"new1", L"new2"));
   SiteChain middle{httpSite(L"a"), serverSite(L"s"), httpSite(L"b")};
@@ -103,12 +103,12 @@ TEST_F(MergeServerSites, goToTheEndInPlaceOfTheOldOnes) {
   EXPECT_THAT(updated(apart), ElementsAre(L"a", L"b", L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, takeTheHeadWhenTheOldOneWasTheOnlyRecord) {
+TEST_F(MergeServerSites, TakeTheHeadWhenTheOldOneWasTheOnlyRecord) {
   SiteChain result{serverSite(L"s")};
   EXPECT_THAT(updated(result), ElementsAre(L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, aServerSiteDirectlyBehindARemovedOneSurvives) {
+TEST_F(MergeServerSites, AServerSiteDirectlyBehindARemovedOneSurvives) {
   SiteChain two{httpSite(L"a"), serverSite(L"s1"), serverSite(L"s2"), httpSite(L"b")};
   EXPECT_THAT(updated(two), ElementsAre(L"a", L"s2", L"b", L"new1", L"new2"));
   SiteChain onlyTwo{serverSite(L"s1"), serverSite(L"s2")};
@@ -119,17 +119,17 @@ TEST_F(MergeServerSites, aServerSiteDirectlyBehindARemovedOneSurvives) {
   EXPECT_THAT(updated(four), ElementsAre(L"s2", L"s4", L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, theRecordBehindARemovedOneOnlyHidesItself) {
+TEST_F(MergeServerSites, TheRecordBehindARemovedOneOnlyHidesItself) {
   SiteChain result{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), serverSite(L"s3")};
   EXPECT_THAT(updated(result), ElementsAre(L"a", L"s3", L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, areFoundWhateverTheCaseOfTheElement) {
+TEST_F(MergeServerSites, AreFoundWhateverTheCaseOfTheElement) {
   SiteChain result{httpSite(L"a"), withElement(serverSite(L"s"), L"VESTASITE")};
   EXPECT_THAT(updated(result), ElementsAre(L"a", L"new1", L"new2"));
 }
 
-TEST_F(MergeServerSites, leaveTheTailAloneWhenTheyBecomeAnEmptyResult) {
+TEST_F(MergeServerSites, LeaveTheTailAloneWhenTheyBecomeAnEmptyResult) {
   tag_Site marker = httpSite(L"marker");
   for (tag_Site* const before : {static_cast<tag_Site*>(nullptr), &marker}) {
     SiteChain result;
@@ -142,7 +142,7 @@ TEST_F(MergeServerSites, leaveTheTailAloneWhenTheyBecomeAnEmptyResult) {
   }
 }
 
-TEST_F(MergeServerSites, leaveTheTailBeforeThemWhenItsRecordStayed) {
+TEST_F(MergeServerSites, LeaveTheTailBeforeThemWhenItsRecordStayed) {
   SiteChain result{serverSite(L"s"), httpSite(L"a"), httpSite(L"b")};
   SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
   tag_Site* const before = result.last();
@@ -153,7 +153,7 @@ TEST_F(MergeServerSites, leaveTheTailBeforeThemWhenItsRecordStayed) {
   EXPECT_EQ(tail->pNext, first);
 }
 
-TEST_F(MergeServerSites, moveTheTailToTheirEndWhenItsRecordWasRemoved) {
+TEST_F(MergeServerSites, MoveTheTailToTheirEndWhenItsRecordWasRemoved) {
   SiteChain result{httpSite(L"a"), serverSite(L"s")};
   SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
   tag_Site* const end = chain.last();
@@ -163,7 +163,7 @@ TEST_F(MergeServerSites, moveTheTailToTheirEndWhenItsRecordWasRemoved) {
   EXPECT_EQ(tail, result.last());
 }
 
-TEST_F(MergeServerSites, aResultWithoutServerSiteReceivesNoneAndTheChainStaysWithTheCaller) {
+TEST_F(MergeServerSites, AResultWithoutServerSiteReceivesNoneAndTheChainStaysWithTheCaller) {
   SiteChain result{httpSite(L"a"), ftpSite(L"b")};
   SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
   tag_Site* tail = result.last();
@@ -173,7 +173,7 @@ TEST_F(MergeServerSites, aResultWithoutServerSiteReceivesNoneAndTheChainStaysWit
   EXPECT_EQ(tail, chain.head());
 }
 
-TEST_F(MergeServerSites, theUnlinkedChainTakesOverWhatStoodBehindTheTail) {
+TEST_F(MergeServerSites, TheUnlinkedChainTakesOverWhatStoodBehindTheTail) {
   SiteChain result{httpSite(L"a"), ftpSite(L"b")};
   SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
   tag_Site* const end = chain.last();
@@ -185,7 +185,7 @@ TEST_F(MergeServerSites, theUnlinkedChainTakesOverWhatStoodBehindTheTail) {
   end->pNext = nullptr;  // both lists would release the record
 }
 
-TEST_F(MergeServerSites, aResultWithoutServerSiteAndWithoutTailIsLeftAlone) {
+TEST_F(MergeServerSites, AResultWithoutServerSiteAndWithoutTailIsLeftAlone) {
   SiteChain result{typed(httpSite(L"a"), L"fallback")};
   SiteChain chain{serverSite(L"new1")};
   tag_Site* tail = nullptr;
@@ -195,7 +195,7 @@ TEST_F(MergeServerSites, aResultWithoutServerSiteAndWithoutTailIsLeftAlone) {
   EXPECT_EQ(tail, nullptr);
 }
 
-TEST_F(MergeServerSites, updatingRefusesNullArguments) {
+TEST_F(MergeServerSites, UpdatingRefusesNullArguments) {
   SiteChain result{serverSite(L"a")};
   SiteChain chain{serverSite(L"new1")};
   tag_Site* tail = result.last();
@@ -206,7 +206,7 @@ TEST_F(MergeServerSites, updatingRefusesNullArguments) {
   EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"new1"));
 }
 
-TEST_F(MergeServerSites, updatingTracesItsScopeAndLogsNothingElse) {
+TEST_F(MergeServerSites, UpdatingTracesItsScopeAndLogsNothingElse) {
   SiteChain result{serverSite(L"a")};
   agent.clearLog();
   updated(result);

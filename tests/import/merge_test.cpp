@@ -43,7 +43,7 @@ class Merge : public testing::Test {
   SiteChain result;
 };
 
-TEST_F(Merge, aNullResultIsRefusedAndLogged) {
+TEST_F(Merge, ANullResultIsRefusedAndLogged) {
   current(httpElement("c"));
   OpenHelper helper(wide(path));
   agent.clearLog();
@@ -53,7 +53,7 @@ TEST_F(Merge, aNullResultIsRefusedAndLogged) {
   EXPECT_THAT(agent.traces(), Not(Contains(L"Reading Sitelist")));
 }
 
-TEST_F(Merge, tracesItsScopeAndItsSteps) {
+TEST_F(Merge, TracesItsScopeAndItsSteps) {
   current(httpElement("c") + serverElement("s"));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback"), serverSite(L"new")};
   EXPECT_EQ(merge(first, none, false), 0);
@@ -64,7 +64,7 @@ TEST_F(Merge, tracesItsScopeAndItsSteps) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(Merge, withoutAFirstListTheCurrentListIsCopiedWithItsProxies) {
+TEST_F(Merge, WithoutAFirstListTheCurrentListIsCopiedWithItsProxies) {
   current(httpElement("c1") + proxyElement("p") + serverElement("s") +
           httpElement("fb", c_fallbackAttributes));
   EXPECT_EQ(merge(none, none, false), 0);
@@ -79,14 +79,14 @@ TEST_F(Merge, withoutAFirstListTheCurrentListIsCopiedWithItsProxies) {
   for (std::size_t i = 0; i < got.size(); ++i) EXPECT_TRUE(sameContent(*got[i], *expected[i])) << i;
 }
 
-TEST_F(Merge, theSecondListIsNotUsedUnlessAskedFor) {
+TEST_F(Merge, TheSecondListIsNotUsedUnlessAskedFor) {
   current(httpElement("c"));
   const SiteChain second{httpSite(L"b"), serverSite(L"s"), typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(none, second, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"c"));
 }
 
-TEST_F(Merge, theFirstListsFallbackAndServerSitesReplaceTheCurrentOnes) {
+TEST_F(Merge, TheFirstListsFallbackAndServerSitesReplaceTheCurrentOnes) {
   current(serverElement("s1") + httpElement("fb", c_fallbackAttributes) + httpElement("c"));
   const SiteChain first{httpSite(L"unused"), typed(ftpSite(L"newfb"), L"fallback"),
                         serverSite(L"n1"), serverSite(L"n2")};
@@ -94,42 +94,42 @@ TEST_F(Merge, theFirstListsFallbackAndServerSitesReplaceTheCurrentOnes) {
   EXPECT_THAT(names(), ElementsAre(L"newfb", L"c", L"n1", L"n2"));
 }
 
-TEST_F(Merge, aFallbackThatTheCurrentListLacksIsAppended) {
+TEST_F(Merge, AFallbackThatTheCurrentListLacksIsAppended) {
   current(httpElement("c1") + httpElement("c2"));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"c1", L"c2", L"fb"));
 }
 
-TEST_F(Merge, anUncFallbackOfTheCurrentListIsReplacedToo) {
+TEST_F(Merge, AnUncFallbackOfTheCurrentListIsReplacedToo) {
   current("<UNCSite Name=\"u\" Type=\"fallback\" Server=\"FILES\"/>" + httpElement("c"));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"fb", L"c"));
 }
 
-TEST_F(Merge, anUncFallbackOfTheFirstListIsNotCarried) {
+TEST_F(Merge, AnUncFallbackOfTheFirstListIsNotCarried) {
   current(httpElement("c"));
   const SiteChain first{typed(uncSite(L"u"), L"fallback"), typed(localSite(L"l"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"c"));
 }
 
-TEST_F(Merge, serverSitesOnlyReplaceServerSites) {
+TEST_F(Merge, ServerSitesOnlyReplaceServerSites) {
   current(httpElement("c"));
   const SiteChain first{serverSite(L"n")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"c"));
 }
 
-TEST_F(Merge, ofTwoNeighbouringServerSitesTheSecondSurvives) {
+TEST_F(Merge, OfTwoNeighbouringServerSitesTheSecondSurvives) {
   current(httpElement("c") + serverElement("s1") + serverElement("s2"));
   const SiteChain first{serverSite(L"n")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"c", L"s2", L"n"));
 }
 
-TEST_F(Merge, aMissingCurrentListFailsAndEmptiesTheResult) {
+TEST_F(Merge, AMissingCurrentListFailsAndEmptiesTheResult) {
   const SiteChain first{httpSite(L"a"), typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), c_errorFileMissing);
   EXPECT_EQ(result.head(), nullptr);
@@ -137,7 +137,7 @@ TEST_F(Merge, aMissingCurrentListFailsAndEmptiesTheResult) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
-TEST_F(Merge, aMissingCurrentListIsForgivenWhereServerSitesCameIn) {
+TEST_F(Merge, AMissingCurrentListIsForgivenWhereServerSitesCameIn) {
   const SiteChain servers{serverSite(L"n1"), httpSite(L"a"), serverSite(L"n2")};
   EXPECT_EQ(merge(servers, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"n1", L"n2"));
@@ -148,7 +148,7 @@ TEST_F(Merge, aMissingCurrentListIsForgivenWhereServerSitesCameIn) {
   EXPECT_THAT(names(), ElementsAre(L"fb")) << "the fallback came first and is no server site";
 }
 
-TEST_F(Merge, anUnreadableCurrentListGivesTheCodeOfTheRead) {
+TEST_F(Merge, AnUnreadableCurrentListGivesTheCodeOfTheRead) {
   const SiteChain first{httpSite(L"a")};
   writeFile(path, "<ns:SiteLists><SiteList></ns:SiteLists>");
   EXPECT_EQ(merge(first, none, false), c_errorParse);
@@ -159,13 +159,13 @@ TEST_F(Merge, anUnreadableCurrentListGivesTheCodeOfTheRead) {
   EXPECT_EQ(result.head(), nullptr) << "a list that was read with a failure is not merged";
 }
 
-TEST_F(Merge, withoutAFileOfItsOwnTheHelperCannotMergeTheCurrentList) {
+TEST_F(Merge, WithoutAFileOfItsOwnTheHelperCannotMergeTheCurrentList) {
   OpenHelper helper(true);
   EXPECT_EQ(helper.MergeSiteLists(nullptr, nullptr, false, result.address()), c_errorNoPath);
   EXPECT_EQ(result.head(), nullptr);
 }
 
-TEST_F(Merge, anEmptyCurrentListIsNoFailure) {
+TEST_F(Merge, AnEmptyCurrentListIsNoFailure) {
   current("");
   EXPECT_EQ(merge(none, none, false), 0);
   EXPECT_EQ(result.head(), nullptr);
@@ -176,7 +176,7 @@ TEST_F(Merge, anEmptyCurrentListIsNoFailure) {
       << "the fallback is a server site itself and gives way to the chain that holds it, too";
 }
 
-TEST_F(Merge, bothListsAreJoinedWithoutReadingTheCurrentOne) {
+TEST_F(Merge, BothListsAreJoinedWithoutReadingTheCurrentOne) {
   current(httpElement("c") + serverElement("s"));
   const SiteChain first{proxySite(L"p1"), serverSite(L"s1"), typed(httpSite(L"fb1"), L"fallback")};
   const SiteChain second{proxySite(L"p2"), serverSite(L"s2"), typed(httpSite(L"fb2"), L"fallback")};
@@ -186,7 +186,7 @@ TEST_F(Merge, bothListsAreJoinedWithoutReadingTheCurrentOne) {
               ElementsAre(L"Merge SiteLists", L"Merge this sitelist", L"Merge this sitelist"));
 }
 
-TEST_F(Merge, theFirstListAloneLosesItsProxies) {
+TEST_F(Merge, TheFirstListAloneLosesItsProxies) {
   const SiteChain first{proxySite(L"p"), httpSite(L"a")};
   EXPECT_EQ(merge(first, none, true), 0);
   EXPECT_THAT(names(), ElementsAre(L"a"));
@@ -196,14 +196,14 @@ TEST_F(Merge, theFirstListAloneLosesItsProxies) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
-TEST_F(Merge, theCurrentFallbackAndServerSitesAreCarriedIntoTheSecondList) {
+TEST_F(Merge, TheCurrentFallbackAndServerSitesAreCarriedIntoTheSecondList) {
   current(httpElement("c") + httpElement("fb", c_fallbackAttributes) + serverElement("s"));
   const SiteChain second{serverSite(L"old"), proxySite(L"p"), httpSite(L"b")};
   EXPECT_EQ(merge(none, second, true), 0);
   EXPECT_THAT(names(), ElementsAre(L"p", L"b", L"fb", L"s"));
 }
 
-TEST_F(Merge, withNeitherListOnlyFallbackOrServerSitesOfTheCurrentListAreTaken) {
+TEST_F(Merge, WithNeitherListOnlyFallbackOrServerSitesOfTheCurrentListAreTaken) {
   current(httpElement("c") + serverElement("s"));
   EXPECT_EQ(merge(none, none, true), 0);
   EXPECT_THAT(names(), ElementsAre(L"s"));
@@ -213,14 +213,14 @@ TEST_F(Merge, withNeitherListOnlyFallbackOrServerSitesOfTheCurrentListAreTaken) 
   EXPECT_THAT(names(), ElementsAre(L"fb"));
 }
 
-TEST_F(Merge, aFailedReadAfterTheSecondListWasCopiedEmptiesTheResult) {
+TEST_F(Merge, AFailedReadAfterTheSecondListWasCopiedEmptiesTheResult) {
   const SiteChain second{serverSite(L"s"), httpSite(L"b")};
   EXPECT_EQ(merge(none, second, true), c_errorFileMissing);
   EXPECT_EQ(result.head(), nullptr);
   EXPECT_THAT(namesOf(second.head()), ElementsAre(L"s", L"b"));
 }
 
-TEST_F(Merge, theCallersListsStayAsTheyWere) {
+TEST_F(Merge, TheCallersListsStayAsTheyWere) {
   current(serverElement("s") + httpElement("fb", c_fallbackAttributes));
   const SiteChain first{httpSite(L"a"), typed(httpSite(L"fb"), L"fallback"), serverSite(L"n")};
   const SiteChain second{httpSite(L"b"), proxySite(L"p")};
@@ -236,7 +236,7 @@ TEST_F(Merge, theCallersListsStayAsTheyWere) {
   }
 }
 
-TEST_F(Merge, theCurrentListIsReadUnderItsLock) {
+TEST_F(Merge, TheCurrentListIsReadUnderItsLock) {
   current(httpElement("c") + serverElement("s"));
   for (const bool useSecond : {false, true}) {
     LockWatch files({"SiteList.xml"});
@@ -248,7 +248,7 @@ TEST_F(Merge, theCurrentListIsReadUnderItsLock) {
   }
 }
 
-TEST_F(Merge, nothingIsWritten) {
+TEST_F(Merge, NothingIsWritten) {
   current(serverElement("s") + httpElement("c"));
   const SiteChain first{typed(httpSite(L"fb"), L"fallback"), serverSite(L"n")};
   const auto before = snapshot(agent.dataDirectory() + "/etc");

@@ -21,14 +21,14 @@ class PolicySettings : public testing::Test {
   OpenHelper helper{wide(file)};
 };
 
-TEST_F(PolicySettings, aFreshHelperHasNone) {
+TEST_F(PolicySettings, AFreshHelperHasNone) {
   std::wstring value = L"as it was";
   EXPECT_FALSE(helper.GetPolicySetting(L"a", value));
   EXPECT_FALSE(helper.GetPolicySetting(L"", value));
   EXPECT_EQ(value, L"as it was");
 }
 
-TEST_F(PolicySettings, theValueSetLastCounts) {
+TEST_F(PolicySettings, TheValueSetLastCounts) {
   std::wstring value;
   helper.SetPolicySetting(L"a", L"1");
   EXPECT_TRUE(helper.GetPolicySetting(L"a", value));
@@ -41,7 +41,7 @@ TEST_F(PolicySettings, theValueSetLastCounts) {
   EXPECT_EQ(value, L"");
 }
 
-TEST_F(PolicySettings, namesAreComparedExactly) {
+TEST_F(PolicySettings, NamesAreComparedExactly) {
   std::wstring value = L"as it was";
   helper.SetPolicySetting(L"Name", L"1");
   EXPECT_FALSE(helper.GetPolicySetting(L"name", value));
@@ -49,14 +49,14 @@ TEST_F(PolicySettings, namesAreComparedExactly) {
   EXPECT_EQ(value, L"as it was");
 }
 
-TEST_F(PolicySettings, settingWritesNothing) {
+TEST_F(PolicySettings, SettingWritesNothing) {
   writeFile(file, document(""));
   const auto before = snapshot(dir.path());
   helper.SetPolicySetting(L"a", L"1");
   EXPECT_EQ(snapshot(dir.path()), before);
 }
 
-TEST_F(PolicySettings, theNextWriteHoldsThemByName) {
+TEST_F(PolicySettings, TheNextWriteHoldsThemByName) {
   helper.SetPolicySetting(L"b", L"2");
   helper.SetPolicySetting(L"a", L"<1>");
   helper.SetPolicySetting(L"B", L"");
@@ -72,12 +72,12 @@ TEST_F(PolicySettings, theNextWriteHoldsThemByName) {
               ElementsAre(Pair(L"B", L""), Pair(L"a", L"<1>"), Pair(L"b", L"2")));
 }
 
-TEST_F(PolicySettings, withoutAnyTheDocumentHasNoPolicies) {
+TEST_F(PolicySettings, WithoutAnyTheDocumentHasNoPolicies) {
   ASSERT_EQ(helper.CreateSiteList(nullptr, L"", L"", L"", L"", {}), 0);
   EXPECT_THAT(readFile(file), Not(HasSubstr("Policies")));
 }
 
-TEST_F(PolicySettings, aReadAddsThoseOfTheDocumentToThoseKnown) {
+TEST_F(PolicySettings, AReadAddsThoseOfTheDocumentToThoseKnown) {
   helper.SetPolicySetting(L"kept", L"k");
   helper.SetPolicySetting(L"changed", L"old");
   writeFile(file, document("",
@@ -91,7 +91,7 @@ TEST_F(PolicySettings, aReadAddsThoseOfTheDocumentToThoseKnown) {
               ElementsAre(Pair(L"changed", L"new"), Pair(L"kept", L"k"), Pair(L"more", L"m")));
 }
 
-TEST_F(PolicySettings, eachHelperHasItsOwn) {
+TEST_F(PolicySettings, EachHelperHasItsOwn) {
   OpenHelper other{wide(file)};
   helper.SetPolicySetting(L"a", L"1");
   std::wstring value;

@@ -22,7 +22,7 @@ class RareLists : public testing::Test {
   OpenHelper helper{true};
 };
 
-TEST_F(RareLists, aServerListOverTheLimitIsNotStored) {
+TEST_F(RareLists, AServerListOverTheLimitIsNotStored) {
   agent.settings.cryptoKeySize = korvel_com::ZQ::crypto::KEY_SIZE_2048;
   agent.apply();
   const std::vector<unsigned char> bytes(host::c_maxDocumentBytes + 1, '<');
@@ -32,7 +32,7 @@ TEST_F(RareLists, aServerListOverTheLimitIsNotStored) {
   EXPECT_FALSE(exists(agent.dataDirectory() + "/ServerSiteList.xml"));
 }
 
-TEST_F(RareLists, aDirectoryInPlaceOfAKeyFileCountsAsMissing) {
+TEST_F(RareLists, ADirectoryInPlaceOfAKeyFileCountsAsMissing) {
   const std::string file = incoming.file("SiteList.xml");
   writeFile(file, document(serverElement("s", "5.1")));
   writeFile(incoming.file("srpubkey.bin"), "p");
@@ -45,7 +45,7 @@ TEST_F(RareLists, aDirectoryInPlaceOfAKeyFileCountsAsMissing) {
   EXPECT_TRUE(helper.ValidateSiteListForInstall(wide(file), true));
 }
 
-TEST_F(RareLists, aKeyThatTheCallerHasAlreadyIsEnoughForAVersionedServer) {
+TEST_F(RareLists, AKeyThatTheCallerHasAlreadyIsEnoughForAVersionedServer) {
   tag_Site server = serverSite(L"s");
   setText(server.http.szVersion, L"5.1");
   const SiteChain sites{server};
@@ -61,7 +61,7 @@ TEST_F(RareLists, aKeyThatTheCallerHasAlreadyIsEnoughForAVersionedServer) {
   }
 }
 
-TEST_F(RareLists, theTailFollowsWhicheverServerSiteItPointedTo) {
+TEST_F(RareLists, TheTailFollowsWhicheverServerSiteItPointedTo) {
   for (int pointed = 0; pointed < 5; ++pointed) {
     SiteChain result{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), httpSite(L"b"),
                      serverSite(L"s3")};

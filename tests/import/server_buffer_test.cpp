@@ -73,7 +73,7 @@ class ServerBuffer : public testing::Test {
   OpenHelper helper{wide(own)};
 };
 
-TEST_F(ServerBuffer, withoutAdjustmentTheBytesAreStoredUnchanged) {
+TEST_F(ServerBuffer, WithoutAdjustmentTheBytesAreStoredUnchanged) {
   std::string bytes("not even <xml\0\xff\xfe", 16);
   for (const bool adjustPasswords : {false, true}) {
     keySize(adjustPasswords ? korvel_com::ZQ::crypto::KEY_SIZE_LEGACY
@@ -89,12 +89,12 @@ TEST_F(ServerBuffer, withoutAdjustmentTheBytesAreStoredUnchanged) {
   EXPECT_EQ(readFile(file), "");
 }
 
-TEST_F(ServerBuffer, aPlainWriteThatFailsGivesZero) {
+TEST_F(ServerBuffer, APlainWriteThatFailsGivesZero) {
   std::filesystem::create_directory(file);
   EXPECT_EQ(create(document(httpElement("a")), false), 0);
 }
 
-TEST_F(ServerBuffer, adjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
+TEST_F(ServerBuffer, AdjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
   const std::string sealed = host::sealServerPassword("open sesame");
   ASSERT_FALSE(sealed.empty());
   EXPECT_EQ(create(document(withPassword(sealed)), true), 1);
@@ -110,7 +110,7 @@ TEST_F(ServerBuffer, adjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
   }
 }
 
-TEST_F(ServerBuffer, theServersRecoveryIsUsedForTheCallOnly) {
+TEST_F(ServerBuffer, TheServersRecoveryIsUsedForTheCallOnly) {
   const std::string sealed = host::sealServerPassword("open sesame");
   EXPECT_EQ(create(document(withPassword(sealed)), true), 1);
   EXPECT_EQ(helper.m_bUseDecryptData, 0);
@@ -118,7 +118,7 @@ TEST_F(ServerBuffer, theServersRecoveryIsUsedForTheCallOnly) {
   EXPECT_EQ(helper.m_bUseDecryptData, 0);
 }
 
-TEST_F(ServerBuffer, adjustedListsKeepVersionsAndCertificatesOfTheRoot) {
+TEST_F(ServerBuffer, AdjustedListsKeepVersionsAndCertificatesOfTheRoot) {
   EXPECT_EQ(create(document(serverElement("s", "5.1") + httpElement("a"),
                             "<CaBundle><CaCertificate>2</CaCertificate><Other/>"
                             "<CaCertificate>1</CaCertificate></CaBundle>",
@@ -134,7 +134,7 @@ TEST_F(ServerBuffer, adjustedListsKeepVersionsAndCertificatesOfTheRoot) {
   EXPECT_THAT(namesOf(stored().head()), ElementsAre(L"s", L"a"));
 }
 
-TEST_F(ServerBuffer, anAdjustedListWithoutTypeIsAClientList) {
+TEST_F(ServerBuffer, AnAdjustedListWithoutTypeIsAClientList) {
   writeFile(own, document("", "", R"(GlobalVersion="g" LocalVersion="l" Type="Server")"));
   OpenHelper ofAServer{wide(own)};
   AnObjectBuffer<unsigned char> buffer =
@@ -145,7 +145,7 @@ TEST_F(ServerBuffer, anAdjustedListWithoutTypeIsAClientList) {
   EXPECT_EQ(type, L"Client");
 }
 
-TEST_F(ServerBuffer, anAdjustedListWithoutVersionsGetsTheWriters) {
+TEST_F(ServerBuffer, AnAdjustedListWithoutVersionsGetsTheWriters) {
   EXPECT_EQ(create(document(httpElement("a"), "", ""), true), 1);
   std::wstring global, local, type;
   ASSERT_EQ(helper.GetSitelistVersions(wide(file), global, local, type), 0);
@@ -153,20 +153,20 @@ TEST_F(ServerBuffer, anAdjustedListWithoutVersionsGetsTheWriters) {
   EXPECT_EQ(global, local);
 }
 
-TEST_F(ServerBuffer, withoutABundleTheAgentsOwnCertificatesAreNotConsulted) {
+TEST_F(ServerBuffer, WithoutABundleTheAgentsOwnCertificatesAreNotConsulted) {
   writeFile(own, document("", "<CaBundle><CaCertificate>own</CaCertificate></CaBundle>"));
   EXPECT_EQ(create(document(httpElement("a")), true), 1);
   EXPECT_THAT(readFile(file), Not(HasSubstr("CaBundle")));
 }
 
-TEST_F(ServerBuffer, policySettingsAreReadKeptAndWritten) {
+TEST_F(ServerBuffer, PolicySettingsAreReadKeptAndWritten) {
   EXPECT_EQ(create(document(httpElement("a"), policies("p", "v"), "", policies("late", "l")), true),
             1);
   EXPECT_THAT(helper.m_policySettings, ElementsAre(Pair(L"p", L"v")));
   EXPECT_THAT(readFile(file), HasSubstr("name=\"p\""));
 }
 
-TEST_F(ServerBuffer, anyUnicodeEncodingIsAdjusted) {
+TEST_F(ServerBuffer, AnyUnicodeEncodingIsAdjusted) {
   const std::string text = document(httpElement("a"));
   std::string utf16 = "\xff\xfe";
   for (const char c : text.substr(text.find("<ns:"))) (utf16 += c) += '\0';
@@ -174,7 +174,7 @@ TEST_F(ServerBuffer, anyUnicodeEncodingIsAdjusted) {
   EXPECT_THAT(namesOf(stored().head()), ElementsAre(L"a"));
 }
 
-TEST_F(ServerBuffer, theAdjustedPathAnswersOneWhateverHappens) {
+TEST_F(ServerBuffer, TheAdjustedPathAnswersOneWhateverHappens) {
   for (const std::string& bytes : {std::string("<broken"), std::string(), std::string("text"),
                                    std::string("<a>\xff\xff</a>")}) {
     EXPECT_EQ(create(bytes, true), 1);
@@ -184,7 +184,7 @@ TEST_F(ServerBuffer, theAdjustedPathAnswersOneWhateverHappens) {
   EXPECT_EQ(create(document(httpElement("a")), true), 1);
 }
 
-TEST_F(ServerBuffer, theFormerListStaysWhenTheBytesAreNoDocument) {
+TEST_F(ServerBuffer, TheFormerListStaysWhenTheBytesAreNoDocument) {
   writeFile(file, "former");
   EXPECT_EQ(create("<broken", true), 1);
   EXPECT_EQ(readFile(file), "former");
@@ -194,7 +194,7 @@ TEST_F(ServerBuffer, theFormerListStaysWhenTheBytesAreNoDocument) {
 
 using AdjustPasswords = ServerBuffer;
 
-TEST_F(AdjustPasswords, giveTheResultOfTheLastSite) {
+TEST_F(AdjustPasswords, GiveTheResultOfTheLastSite) {
   EXPECT_EQ(adjust(document("<Unheard/>" + httpElement("a"))), 0);
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist"));
   EXPECT_EQ(adjust(document(httpElement("b") + "<Unheard/>")), c_errorGeneral);
@@ -203,12 +203,12 @@ TEST_F(AdjustPasswords, giveTheResultOfTheLastSite) {
   EXPECT_THAT(namesOf(stored().head()), IsEmpty());
 }
 
-TEST_F(AdjustPasswords, doNotReportAFailedWrite) {
+TEST_F(AdjustPasswords, DoNotReportAFailedWrite) {
   std::filesystem::create_directory(file);
   EXPECT_EQ(adjust(document(httpElement("a"))), 0);
 }
 
-TEST_F(AdjustPasswords, refuseBytesThatAreNoDocument) {
+TEST_F(AdjustPasswords, RefuseBytesThatAreNoDocument) {
   EXPECT_EQ(adjust("<broken"), c_errorParse);
   EXPECT_EQ(adjust("text"), c_errorParse);
   EXPECT_EQ(adjust(""), c_errorParse);
@@ -220,7 +220,7 @@ TEST_F(AdjustPasswords, refuseBytesThatAreNoDocument) {
   EXPECT_FALSE(exists(file));
 }
 
-TEST_F(AdjustPasswords, calledDirectlyUseTheRecoveryThatIsSet) {
+TEST_F(AdjustPasswords, CalledDirectlyUseTheRecoveryThatIsSet) {
   std::wstring agents;
   ASSERT_NE(helper.EncryptPassword(L"of the agent", agents), 0);
   EXPECT_EQ(adjust(document(withPassword(narrow(agents)))), 0);

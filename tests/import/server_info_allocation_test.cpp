@@ -19,7 +19,7 @@ class ServerInfoWithoutMemory : public testing::Test {
   TestAgent agent;
 };
 
-TEST_F(ServerInfoWithoutMemory, someServersAreNotGivenOutForAll) {
+TEST_F(ServerInfoWithoutMemory, SomeServersAreNotGivenOutForAll) {
   const std::string file = agent.etc("SiteList.xml");
   writeFile(file, document(serverElement("s1") + serverElement("s2")));
   OpenHelper helper{wide(file)};

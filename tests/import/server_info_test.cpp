@@ -67,7 +67,7 @@ class ServerInfo : public testing::Test {
       server("first", "1", "10.0.0.1:80", R"(Server="a.example:80" SecurePort="443")");
 };
 
-TEST_F(ServerInfo, allServersComeByAscendingOrderWithThePortOfTheLast) {
+TEST_F(ServerInfo, AllServersComeByAscendingOrderWithThePortOfTheLast) {
   const Info info = ask(two, true, false);
   EXPECT_EQ(info.code, 0);
   EXPECT_EQ(info.names, L"first;second");
@@ -79,7 +79,7 @@ TEST_F(ServerInfo, allServersComeByAscendingOrderWithThePortOfTheLast) {
   EXPECT_TRUE(tracedScope(agent, L"Get PYX Server IP Address"));
 }
 
-TEST_F(ServerInfo, oneServerIsTheFirstByOrderWithItsPort) {
+TEST_F(ServerInfo, OneServerIsTheFirstByOrderWithItsPort) {
   const Info info = ask(two, false, false);
   EXPECT_EQ(info.code, 0);
   EXPECT_EQ(info.names, L"first");
@@ -90,14 +90,14 @@ TEST_F(ServerInfo, oneServerIsTheFirstByOrderWithItsPort) {
   EXPECT_EQ(info.versions, L"1.0");
 }
 
-TEST_F(ServerInfo, ordersAreNumbers) {
+TEST_F(ServerInfo, OrdersAreNumbers) {
   const Info info = ask(server("ten", "10", "", "") + server("nine", "9", "", "") +
                             server("minus", "-1", "", "") + server("zero", "0", "", ""),
                         true, false);
   EXPECT_EQ(info.names, L"minus;zero;nine;ten");
 }
 
-TEST_F(ServerInfo, ofSeveralServersWithOneOrderOnlyTheFirstCounts) {
+TEST_F(ServerInfo, OfSeveralServersWithOneOrderOnlyTheFirstCounts) {
   const Info info =
       ask(server("a", "2", "", R"(Server="a:81")") + server("b", "1", "", R"(Server="b:82")") +
               server("c", "2", "", R"(Server="c:83")") + server("d", "1", "", R"(Server="d:84")"),
@@ -107,7 +107,7 @@ TEST_F(ServerInfo, ofSeveralServersWithOneOrderOnlyTheFirstCounts) {
   EXPECT_EQ(info.port, 81);
 }
 
-TEST_F(ServerInfo, thePortIsTheSecureOneUnlessThereIsNoneOrTheOtherIsWanted) {
+TEST_F(ServerInfo, ThePortIsTheSecureOneUnlessThereIsNoneOrTheOtherIsWanted) {
   const std::string both = server("s", "1", "", R"(Server="s:80" SecurePort="443")");
   EXPECT_EQ(ask(both, false, false).port, 443);
   EXPECT_EQ(ask(both, false, true).port, 80);
@@ -117,7 +117,7 @@ TEST_F(ServerInfo, thePortIsTheSecureOneUnlessThereIsNoneOrTheOtherIsWanted) {
   EXPECT_EQ(ask(two, true, true).port, 81);
 }
 
-TEST_F(ServerInfo, addressesLoseTheirBrackets) {
+TEST_F(ServerInfo, AddressesLoseTheirBrackets) {
   EXPECT_EQ(ask(server("s", "1", "[fe80::1]:80", ""), false, false).serverIPs, L"fe80::1");
   EXPECT_EQ(ask(server("s", "1", "[fe80::1]:80", "") + server("t", "2", "10.0.0.9:80", "") +
                     server("u", "3", "[::1]:80", ""),
@@ -126,16 +126,16 @@ TEST_F(ServerInfo, addressesLoseTheirBrackets) {
             L"fe80::1;10.0.0.9;::1");
 }
 
-TEST_F(ServerInfo, anAddressWithABracketAnywhereLosesItsFirstAndLastCharacter) {
+TEST_F(ServerInfo, AnAddressWithABracketAnywhereLosesItsFirstAndLastCharacter) {
   EXPECT_EQ(ask(server("s", "1", "ab[cd:80", ""), false, false).serverIPs, L"b[c");
   EXPECT_EQ(ask(server("s", "1", "ab]cd:80", ""), false, false).serverIPs, L"ab]cd");
 }
 
-TEST_F(ServerInfo, anAddressOfOneBracketGivesNothing) {
+TEST_F(ServerInfo, AnAddressOfOneBracketGivesNothing) {
   EXPECT_EQ(ask(server("s", "1", "[:80", ""), false, false).serverIPs, L"");
 }
 
-TEST_F(ServerInfo, emptyFieldsKeepTheirPlaceInTheLists) {
+TEST_F(ServerInfo, EmptyFieldsKeepTheirPlaceInTheLists) {
   const Info info =
       ask("<VestaSite Order=\"1\"/><VestaSite Order=\"2\" Name=\"b\"/><VestaSite Order=\"3\"/>",
           true, false);
@@ -147,22 +147,22 @@ TEST_F(ServerInfo, emptyFieldsKeepTheirPlaceInTheLists) {
   EXPECT_EQ(info.versions, L";;");
 }
 
-TEST_F(ServerInfo, agentsAsRepositoriesAreNoServers) {
+TEST_F(ServerInfo, AgentsAsRepositoriesAreNoServers) {
   const Info info = ask("<KeystoneSite Name=\"k\" Order=\"0\"/>" + serverElement("s"), true, false);
   EXPECT_EQ(info.names, L"s");
 }
 
-TEST_F(ServerInfo, aListWithoutServersTouchesNothing) {
+TEST_F(ServerInfo, AListWithoutServersTouchesNothing) {
   expectUntouched(ask(httpElement("a"), true, false), c_errorNoServerSite);
 }
 
-TEST_F(ServerInfo, anEmptyListTouchesNothing) {
+TEST_F(ServerInfo, AnEmptyListTouchesNothing) {
   expectUntouched(ask("", true, false), 0);
   EXPECT_THAT(agent.texts(LogLevel::Error),
               Contains(L"Unable to read from SiteList file, error hr=0"));
 }
 
-TEST_F(ServerInfo, aListThatCannotBeReadTouchesNothing) {
+TEST_F(ServerInfo, AListThatCannotBeReadTouchesNothing) {
   expectUntouched(askFile(true, false), c_errorFileMissing);
   writeFile(file, "<ns:SiteLists>");
   expectUntouched(askFile(false, true), c_errorParse);
@@ -173,7 +173,7 @@ TEST_F(ServerInfo, aListThatCannotBeReadTouchesNothing) {
   expectUntouched(info, c_errorNoPath);
 }
 
-TEST_F(ServerInfo, theCachedListIsServedAndKept) {
+TEST_F(ServerInfo, TheCachedListIsServedAndKept) {
   EXPECT_EQ(ask(two, false, false).names, L"first");
   tag_Site* const cached = CSitesHelper::m_pSiteList;
   ASSERT_NE(cached, nullptr);
@@ -188,7 +188,7 @@ TEST_F(ServerInfo, theCachedListIsServedAndKept) {
   EXPECT_THAT(namesOf(cached), testing::ElementsAre(L"second", L"repository", L"first"));
 }
 
-TEST_F(ServerInfo, aListThatEndsWithAnUnknownElementIsReleasedEachTime) {
+TEST_F(ServerInfo, AListThatEndsWithAnUnknownElementIsReleasedEachTime) {
   const std::string sites = server("s", "1", "10.0.0.1", R"(Server="s:80")") + "<Odd/>";
   expectUntouched(ask(sites, true, false), c_errorGeneral);  // what is kept for good is there now
   const std::size_t before = heapInUse();

@@ -65,7 +65,7 @@ class SitesOrder : public testing::Test {
   OpenHelper helper{true};
 };
 
-TEST_F(SitesOrder, httpComesBeforeFtpForEveryPairOfOrders) {
+TEST_F(SitesOrder, HttpComesBeforeFtpForEveryPairOfOrders) {
   const int values[] = {-3, -1, 0, 1, 2, 5, 65535};
   for (const int http : values) {
     for (const int ftp : values) {
@@ -82,13 +82,13 @@ TEST_F(SitesOrder, httpComesBeforeFtpForEveryPairOfOrders) {
   }
 }
 
-TEST_F(SitesOrder, tracesItsScope) {
+TEST_F(SitesOrder, TracesItsScope) {
   helper.AdjustSitesOrder(nullptr);
   EXPECT_TRUE(tracedScope(agent, L"Adjusting sitelist order"));
   EXPECT_THAT(agent.messages(), IsEmpty());
 }
 
-TEST_F(SitesOrder, oneOfThePairAloneIsLeftAlone) {
+TEST_F(SitesOrder, OneOfThePairAloneIsLeftAlone) {
   const SiteChain http{vendorHttp(4), httpSite(L"a")};
   EXPECT_THAT(adjusted(http), ElementsAre(4, 7));
   const SiteChain ftp{vendorFtp(1), httpSite(L"a")};
@@ -96,7 +96,7 @@ TEST_F(SitesOrder, oneOfThePairAloneIsLeftAlone) {
   EXPECT_FALSE(exchangeLogged());
 }
 
-TEST_F(SitesOrder, onlyTheFirstOfEachCounts) {
+TEST_F(SitesOrder, OnlyTheFirstOfEachCounts) {
   const SiteChain list{vendorHttp(2), vendorFtp(1), vendorHttp(9), vendorFtp(-9)};
   EXPECT_THAT(adjusted(list), ElementsAre(1, 2, 9, -9));
   const SiteChain zeroFirst{vendorHttp(0), vendorHttp(2), vendorFtp(1)};
@@ -104,14 +104,14 @@ TEST_F(SitesOrder, onlyTheFirstOfEachCounts) {
   EXPECT_FALSE(exchangeLogged());
 }
 
-TEST_F(SitesOrder, onesThatDoNotQualifyAreSkippedOver) {
+TEST_F(SitesOrder, OnesThatDoNotQualifyAreSkippedOver) {
   tag_Site disabled = vendorHttp(9);
   disabled.bEnabled = 0;
   const SiteChain list{disabled, vendorHttp(2), vendorFtp(1)};
   EXPECT_THAT(adjusted(list), ElementsAre(9, 1, 2));
 }
 
-TEST_F(SitesOrder, theHostIsComparedWithoutRegardToCase) {
+TEST_F(SitesOrder, TheHostIsComparedWithoutRegardToCase) {
   std::string upper = VENDOR_HTTP_HOST;
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   tag_Site http = vendorHttp(2);
@@ -124,7 +124,7 @@ TEST_F(SitesOrder, theHostIsComparedWithoutRegardToCase) {
   EXPECT_TRUE(qualifies(ftp));
 }
 
-TEST_F(SitesOrder, anotherHostOrPortDoesNotQualify) {
+TEST_F(SitesOrder, AnotherHostOrPortDoesNotQualify) {
   tag_Site http = vendorHttp(2);
   setText(http.http.szServer, wide(VENDOR_HTTP_HOST) + L".other");
   EXPECT_FALSE(qualifies(http));
@@ -139,7 +139,7 @@ TEST_F(SitesOrder, anotherHostOrPortDoesNotQualify) {
   EXPECT_FALSE(qualifies(ftp));
 }
 
-TEST_F(SitesOrder, disabledLocalAndFallbackSitesDoNotQualify) {
+TEST_F(SitesOrder, DisabledLocalAndFallbackSitesDoNotQualify) {
   for (tag_Site site : {vendorHttp(2), vendorFtp(1)}) {
     EXPECT_TRUE(qualifies(site));
     EXPECT_TRUE(qualifies(typed(site, L""))) << "any other type does";
@@ -155,7 +155,7 @@ TEST_F(SitesOrder, disabledLocalAndFallbackSitesDoNotQualify) {
   }
 }
 
-TEST_F(SitesOrder, theKindDecidesNotTheElement) {
+TEST_F(SitesOrder, TheKindDecidesNotTheElement) {
   tag_Site keystone = vendorHttp(2);
   setText(keystone.http.szElement, L"KeystoneSite");
   EXPECT_TRUE(qualifies(keystone));
@@ -181,7 +181,7 @@ class ImportedOrder : public ImportFixture {
   }
 };
 
-TEST_F(ImportedOrder, theWrittenListHasHttpBeforeFtp) {
+TEST_F(ImportedOrder, TheWrittenListHasHttpBeforeFtp) {
   EXPECT_EQ(imported("Order=\"2\"", "Order=\"1\""), std::make_pair(1, 2));
   EXPECT_THAT(libraryMessages(agent),
               ElementsAreArray(joined(
@@ -189,12 +189,12 @@ TEST_F(ImportedOrder, theWrittenListHasHttpBeforeFtp) {
                   {meshLine})));
 }
 
-TEST_F(ImportedOrder, withoutAnHttpOrderNothingIsExchanged) {
+TEST_F(ImportedOrder, WithoutAnHttpOrderNothingIsExchanged) {
   EXPECT_EQ(imported("", "Order=\"1\""), std::make_pair(0, 1));
   EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
 }
 
-TEST_F(ImportedOrder, theExchangeComesFirstEvenWhereTheImportFails) {
+TEST_F(ImportedOrder, TheExchangeComesFirstEvenWhereTheImportFails) {
   const SiteChain sites{vendorHttp(2), vendorFtp(1)};
   agent.clearLog();
   EXPECT_EQ(helper->InternalImportSiteList(wide(src), sites.head(), L""), c_errorFileMissing);

@@ -36,12 +36,12 @@ class KeyValidation : public testing::Test {
   const LogLine publicKeyFault = fault("srpubkey.bin", "sr2048pubkey.bin");
 };
 
-TEST_F(KeyValidation, bothPairsAreMissedInOrder) {
+TEST_F(KeyValidation, BothPairsAreMissedInOrder) {
   EXPECT_FALSE(validate());
   EXPECT_THAT(libraryMessages(agent), ElementsAre(requestKeyFault, publicKeyFault));
 }
 
-TEST_F(KeyValidation, eitherNameOfAPairIsEnough) {
+TEST_F(KeyValidation, EitherNameOfAPairIsEnough) {
   for (const char* request : {"reqseckey.bin", "req2048seckey.bin"}) {
     for (const char* pub : {"srpubkey.bin", "sr2048pubkey.bin"}) {
       const std::string requestPath = incoming.file(request);
@@ -56,7 +56,7 @@ TEST_F(KeyValidation, eitherNameOfAPairIsEnough) {
   }
 }
 
-TEST_F(KeyValidation, eachPairIsLookedForByItself) {
+TEST_F(KeyValidation, EachPairIsLookedForByItself) {
   key("reqseckey.bin");
   EXPECT_FALSE(validate());
   EXPECT_THAT(libraryMessages(agent), ElementsAre(publicKeyFault));
@@ -66,7 +66,7 @@ TEST_F(KeyValidation, eachPairIsLookedForByItself) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(requestKeyFault));
 }
 
-TEST_F(KeyValidation, anEmptyKeyFileCountsAsMissing) {
+TEST_F(KeyValidation, AnEmptyKeyFileCountsAsMissing) {
   key("reqseckey.bin", "");
   key("req2048seckey.bin", "");
   key("srpubkey.bin", "");
@@ -78,7 +78,7 @@ TEST_F(KeyValidation, anEmptyKeyFileCountsAsMissing) {
   EXPECT_TRUE(validate()) << "an empty file of a pair does not spoil the other";
 }
 
-TEST_F(KeyValidation, aKeyFileThatCannotBeExaminedCountsAsMissing) {
+TEST_F(KeyValidation, AKeyFileThatCannotBeExaminedCountsAsMissing) {
   key("reqseckey.bin");
   key("srpubkey.bin");
   ASSERT_TRUE(validate());
@@ -90,13 +90,13 @@ TEST_F(KeyValidation, aKeyFileThatCannotBeExaminedCountsAsMissing) {
   EXPECT_TRUE(validate());
 }
 
-TEST_F(KeyValidation, aServerWithoutVersionNeedsNoKeys) {
+TEST_F(KeyValidation, AServerWithoutVersionNeedsNoKeys) {
   writeFile(file, document(serverElement("s")));
   EXPECT_TRUE(validate());
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(KeyValidation, faultsOfTheServerComeBeforeThoseOfItsKeys) {
+TEST_F(KeyValidation, FaultsOfTheServerComeBeforeThoseOfItsKeys) {
   writeFile(file, document("<VestaSite Name=\"s\" Type=\"master\" Version=\"5\" Server=\"s:80\" "
                            "ServerName=\"S\" ServerIP=\"10.0.0.1\"/>"));
   EXPECT_FALSE(validate());
@@ -104,7 +104,7 @@ TEST_F(KeyValidation, faultsOfTheServerComeBeforeThoseOfItsKeys) {
               ElementsAre(infoLine(L"path cannot be empty"), requestKeyFault, publicKeyFault));
 }
 
-TEST_F(KeyValidation, keysAreLookedForBesideTheListReadLast) {
+TEST_F(KeyValidation, KeysAreLookedForBesideTheListReadLast) {
   const TempDir other;
   writeFile(other.file("list.xml"), document(httpElement("a")));
   writeFile(other.file("reqseckey.bin"), "r");

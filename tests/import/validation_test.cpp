@@ -32,31 +32,31 @@ class Validation : public testing::Test {
   OpenHelper helper{true};
 };
 
-TEST_F(Validation, aListWithSitesPassesWithoutServerCheck) {
+TEST_F(Validation, AListWithSitesPassesWithoutServerCheck) {
   const SiteChain list{httpSite(L"a")};
   EXPECT_EQ(check(list, false), 0);
   EXPECT_THAT(agent.messages(), IsEmpty());
   EXPECT_THAT(agent.traces(), Not(Contains(L"VESTA site checks")));
 }
 
-TEST_F(Validation, anEmptyListFails) {
+TEST_F(Validation, AnEmptyListFails) {
   EXPECT_EQ(check(SiteChain(), false), c_errorValidation);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(infoLine(L"no sites in site list")));
 }
 
-TEST_F(Validation, anEmptyListFailsTheServerCheckWithTheCodeOfTheSearch) {
+TEST_F(Validation, AnEmptyListFailsTheServerCheckWithTheCodeOfTheSearch) {
   EXPECT_EQ(check(SiteChain(), true), c_errorNoPath);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(infoLine(L"no sites in site list"),
                                                   errorLine(L"Failed to get VESTA site hr=-2")));
 }
 
-TEST_F(Validation, aListWithoutServerSiteFailsTheServerCheck) {
+TEST_F(Validation, AListWithoutServerSiteFailsTheServerCheck) {
   const SiteChain list{httpSite(L"a"), ftpSite(L"b")};
   EXPECT_EQ(check(list, true), c_errorNoServerSite);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-8")));
 }
 
-TEST_F(Validation, aCompleteServerSiteWithoutVersionPasses) {
+TEST_F(Validation, ACompleteServerSiteWithoutVersionPasses) {
   const SiteChain list{httpSite(L"a"), serverSite(L"s")};
   EXPECT_EQ(check(list, true), 0);
   EXPECT_THAT(agent.messages(), IsEmpty());
@@ -65,13 +65,13 @@ TEST_F(Validation, aCompleteServerSiteWithoutVersionPasses) {
   EXPECT_THAT(namesOf(list.head()), ElementsAre(L"a", L"s"));
 }
 
-TEST_F(Validation, theServerMustNotBeLocal) {
+TEST_F(Validation, TheServerMustNotBeLocal) {
   tag_Site site = serverSite(L"s");
   site.bLocal = 1;
   EXPECT_THAT(faults(site), ElementsAre(infoLine(L"must not be local")));
 }
 
-TEST_F(Validation, theServerMustBeAMaster) {
+TEST_F(Validation, TheServerMustBeAMaster) {
   EXPECT_THAT(faults(typed(serverSite(L"s"), L"mirror")),
               ElementsAre(infoLine(L"site type must be master not mirror")));
   EXPECT_THAT(faults(typed(serverSite(L"s"), L"")),
@@ -80,7 +80,7 @@ TEST_F(Validation, theServerMustBeAMaster) {
   EXPECT_EQ(check(upper, true), 0);
 }
 
-TEST_F(Validation, theServerMustHaveItsNamesAddressesAndPath) {
+TEST_F(Validation, TheServerMustHaveItsNamesAddressesAndPath) {
   tag_Site site = serverSite(L"s");
   setText(site.http.szName, L"");
   EXPECT_THAT(faults(site), ElementsAre(infoLine(L"name cannot be empty")));
@@ -102,14 +102,14 @@ TEST_F(Validation, theServerMustHaveItsNamesAddressesAndPath) {
   EXPECT_THAT(faults(site), ElementsAre(infoLine(L"path cannot be empty")));
 }
 
-TEST_F(Validation, theElementIsComparedWithoutRegardToCase) {
+TEST_F(Validation, TheElementIsComparedWithoutRegardToCase) {
   tag_Site site = serverSite(L"s");
   setText(site.http.szElement, L"VESTAsite");
   const SiteChain list{site};
   EXPECT_EQ(check(list, true), 0);
 }
 
-TEST_F(Validation, everyFaultOfOneServerIsReportedAtOnceAndInOrder) {
+TEST_F(Validation, EveryFaultOfOneServerIsReportedAtOnceAndInOrder) {
   tag_Site site = typed(serverSite(L""), L"repository");
   site.bLocal = 1;
   setText(site.http.szName, L"");
@@ -126,7 +126,7 @@ TEST_F(Validation, everyFaultOfOneServerIsReportedAtOnceAndInOrder) {
                   infoLine(L"computer name cannot be empty"), infoLine(L"path cannot be empty")));
 }
 
-TEST_F(Validation, aLocalRepositoryServerWithoutAddressHasThreeFaults) {
+TEST_F(Validation, ALocalRepositoryServerWithoutAddressHasThreeFaults) {
   tag_Site site = typed(serverSite(L"s"), L"repository");
   site.bLocal = 1;
   setText(site.http.szServerIP, L"");
@@ -135,7 +135,7 @@ TEST_F(Validation, aLocalRepositoryServerWithoutAddressHasThreeFaults) {
                                         infoLine(L"VESTA IP address cannot be empty")));
 }
 
-TEST_F(Validation, onlyTheFirstServerSiteIsChecked) {
+TEST_F(Validation, OnlyTheFirstServerSiteIsChecked) {
   tag_Site faulty = serverSite(L"faulty");
   faulty.bLocal = 1;
   const SiteChain good{serverSite(L"s"), faulty};
@@ -159,7 +159,7 @@ class FileValidation : public testing::Test {
   OpenHelper helper{true};
 };
 
-TEST_F(FileValidation, aFileWithSitesPassesWithoutServerCheck) {
+TEST_F(FileValidation, AFileWithSitesPassesWithoutServerCheck) {
   writeFile(file, document(httpElement("a")));
   EXPECT_TRUE(validate(file, false));
   EXPECT_TRUE(tracedScope(agent, L"ValidateSiteListForInstall," + wide(file)));
@@ -168,20 +168,20 @@ TEST_F(FileValidation, aFileWithSitesPassesWithoutServerCheck) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-8")));
 }
 
-TEST_F(FileValidation, aFileWithACompleteServerSitePassesTheServerCheck) {
+TEST_F(FileValidation, AFileWithACompleteServerSitePassesTheServerCheck) {
   writeFile(file, document(httpElement("a") + serverElement("s")));
   EXPECT_TRUE(validate(file, true));
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
-TEST_F(FileValidation, aFileWithoutSitesFails) {
+TEST_F(FileValidation, AFileWithoutSitesFails) {
   writeFile(file, document(""));
   EXPECT_FALSE(validate(file, false));
   EXPECT_THAT(libraryMessages(agent),
               ElementsAre(errorLine(L"Failed hr=0"), infoLine(L"no sites in site list")));
 }
 
-TEST_F(FileValidation, aMissingFileFailsWithoutAnyCheck) {
+TEST_F(FileValidation, AMissingFileFailsWithoutAnyCheck) {
   for (const bool checkServer : {false, true}) {
     EXPECT_FALSE(validate(file, checkServer));
     EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed hr=-4")));
@@ -189,7 +189,7 @@ TEST_F(FileValidation, aMissingFileFailsWithoutAnyCheck) {
   }
 }
 
-TEST_F(FileValidation, aFileThatCannotBeReadFailsWithoutAnyCheck) {
+TEST_F(FileValidation, AFileThatCannotBeReadFailsWithoutAnyCheck) {
   writeFile(file, "<ns:SiteLists><SiteList>");
   EXPECT_FALSE(validate(file, false));
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed hr=-5")));
@@ -202,7 +202,7 @@ TEST_F(FileValidation, aFileThatCannotBeReadFailsWithoutAnyCheck) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed hr=-10")));
 }
 
-TEST_F(FileValidation, noPathFailsEvenWhereTheHelperHasAFileOfItsOwn) {
+TEST_F(FileValidation, NoPathFailsEvenWhereTheHelperHasAFileOfItsOwn) {
   writeFile(file, document(httpElement("a")));
   OpenHelper own{wide(file)};
   agent.clearLog();
@@ -210,7 +210,7 @@ TEST_F(FileValidation, noPathFailsEvenWhereTheHelperHasAFileOfItsOwn) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(internalErrorLine(L"path is empty")));
 }
 
-TEST_F(FileValidation, faultsOfTheFileAreLogged) {
+TEST_F(FileValidation, FaultsOfTheFileAreLogged) {
   writeFile(file, document("<VestaSite Name=\"s\" Type=\"repository\" Local=\"1\" "
                            "Server=\"s.example:80\" ServerName=\"S\">"
                            "<RelativePath>p</RelativePath></VestaSite>"));
@@ -221,7 +221,7 @@ TEST_F(FileValidation, faultsOfTheFileAreLogged) {
                           infoLine(L"VESTA IP address cannot be empty")));
 }
 
-TEST_F(FileValidation, nothingIsWritten) {
+TEST_F(FileValidation, NothingIsWritten) {
   writeFile(file, document(serverElement("s", "5.0")));
   const auto before = snapshot(incoming.path());
   EXPECT_FALSE(validate(file, true));

@@ -6,7 +6,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST(EveryFileSystemCall, mayFailOnceOrForGoodWithoutHarm) {
+TEST(EveryFileSystemCall, MayFailOnceOrForGoodWithoutHarm) {
   const test::FaultFigures figures = test::failEveryCall(test::Errors::OneEach);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.runs, 1000u);
@@ -14,7 +14,7 @@ TEST(EveryFileSystemCall, mayFailOnceOrForGoodWithoutHarm) {
   EXPECT_GT(figures.cleanedUp, 20u);
 }
 
-TEST(EveryTransfer, mayMoveFewBytesAndTheDiskMayFillUpBehindAnyOfThem) {
+TEST(EveryTransfer, MayMoveFewBytesAndTheDiskMayFillUpBehindAnyOfThem) {
   const test::FaultFigures figures = test::moveFewBytes();
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.refused, 20u);

@@ -13,14 +13,14 @@ using testing::IsEmpty;
 // Builds with a sanitizer do without this: the allocators of AddressSanitizer and ThreadSanitizer
 // are not taken around a fork, so that a child may hang in there.
 #if !TESTS_SANITIZED
-TEST(AChildOfFork, doesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing) {
+TEST(AChildOfFork, DoesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing) {
   const test::ForkFigures figures = test::forkBesideThreads(200);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_EQ(figures.forks, 200u);
 }
 #endif
 
-TEST(AChildOfFork, keepsNothingOfItsForebears) {
+TEST(AChildOfFork, KeepsNothingOfItsForebears) {
   if (TESTS_SANITIZED) std::printf("Forks beside threads are not tried with a sanitizer\n");
   const test::GenerationFigures figures = test::forkGenerations(100);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 constexpr bool c_measuresMemory = TESTS_SANITIZED == 0;
 constexpr double c_mostMemory = 32;
 
-TEST(AHostileDocument, isReadOrRefusedWithinBoundsOfMemoryAndStack) {
+TEST(AHostileDocument, IsReadOrRefusedWithinBoundsOfMemoryAndStack) {
   // So large that what a process needs anyway does not count.
   const test::HostileFigures figures = test::readHostileDocuments(std::size_t{2} << 20);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());

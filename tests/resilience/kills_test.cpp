@@ -6,7 +6,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST(AKilledWriter, leavesWholeFilesAndNothingInTheWayOfTheNextOneWhicheverCallItCameTo) {
+TEST(AKilledWriter, LeavesWholeFilesAndNothingInTheWayOfTheNextOneWhicheverCallItCameTo) {
   const test::KillFigures figures = test::killBeforeEveryCall();
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.kills, 400u);
@@ -14,7 +14,7 @@ TEST(AKilledWriter, leavesWholeFilesAndNothingInTheWayOfTheNextOneWhicheverCallI
   EXPECT_GT(figures.unfinished, 50u);
 }
 
-TEST(AKilledWriter, leavesWholeFilesAtAnyMoment) {
+TEST(AKilledWriter, LeavesWholeFilesAtAnyMoment) {
   const test::KillFigures figures = test::killAtAnyMoment(200, 1);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_EQ(figures.kills, 200u);

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-TEST(APowerCut, leavesEachFileWhollyOldOrWhollyNewAndWhatWasDoneStays) {
+TEST(APowerCut, LeavesEachFileWhollyOldOrWhollyNewAndWhatWasDoneStays) {
   const test::PowerCutFigures figures = test::cutPower({1000, 16, 50});
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.states, 500u);
@@ -41,7 +41,7 @@ class TheModelOfTheDisk : public testing::Test {
   std::unique_ptr<test::DiskModel> m_model;
 };
 
-TEST_F(TheModelOfTheDisk, losesTheBytesOfAFileThatIsRenamedUnsynced) {
+TEST_F(TheModelOfTheDisk, LosesTheBytesOfAFileThatIsRenamedUnsynced) {
   model();
   test::RecordingFileSystem files;
   const int directory = files.open(AT_FDCWD, dir.path(), O_RDONLY | O_DIRECTORY, 0);
@@ -55,7 +55,7 @@ TEST_F(TheModelOfTheDisk, losesTheBytesOfAFileThatIsRenamedUnsynced) {
   files.close(directory);
 }
 
-TEST_F(TheModelOfTheDisk, losesTheNameOfAFileWhoseDirectoryIsNotSynced) {
+TEST_F(TheModelOfTheDisk, LosesTheNameOfAFileWhoseDirectoryIsNotSynced) {
   model();
   test::RecordingFileSystem files;
   const int directory = files.open(AT_FDCWD, dir.path(), O_RDONLY | O_DIRECTORY, 0);
@@ -70,7 +70,7 @@ TEST_F(TheModelOfTheDisk, losesTheNameOfAFileWhoseDirectoryIsNotSynced) {
   files.close(directory);
 }
 
-TEST_F(TheModelOfTheDisk, losesWhatLiesInANewDirectoryThatItsParentDoesNotKeep) {
+TEST_F(TheModelOfTheDisk, LosesWhatLiesInANewDirectoryThatItsParentDoesNotKeep) {
   model();
   test::RecordingFileSystem files;
   files.makeDirectory(AT_FDCWD, dir.file("d"), 0700);

@@ -16,7 +16,7 @@ using namespace sitehlp;
 using namespace test;
 using testing::IsEmpty;
 
-TEST(APassword, isFoundInNoFileAndNoLogLineWhateverFails) {
+TEST(APassword, IsFoundInNoFileAndNoLogLineWhateverFails) {
   const SecretFigures figures = lookForTheCanary();
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GT(figures.runs, 1000u);
@@ -24,7 +24,7 @@ TEST(APassword, isFoundInNoFileAndNoLogLineWhateverFails) {
   EXPECT_GT(figures.files, 10000u);
 }
 
-TEST(AProtectedPassword, isRefusedWithAnyBitFlippedAndTheOtherRecordsLoad) {
+TEST(AProtectedPassword, IsRefusedWithAnyBitFlippedAndTheOtherRecordsLoad) {
   const TestAgent agent;
   CSitesHelper helper(true);
   std::wstring sealed;
@@ -63,7 +63,7 @@ bool isSecret(const Workshop& workshop, const Operation& operation, const std::s
          (operation.name == std::string("server-list") && path == workshop.serverList());
 }
 
-TEST(FileModes, ofKeyFilesAreForTheOwnerAloneAfterEachWrite) {
+TEST(FileModes, OfKeyFilesAreForTheOwnerAloneAfterEachWrite) {
   Workshop workshop;
   const Operation& import = writingOperation("import");
   for (const mode_t mode : {0644, 0666, 0400, 0777}) {
@@ -84,7 +84,7 @@ TEST(FileModes, ofKeyFilesAreForTheOwnerAloneAfterEachWrite) {
   }
 }
 
-TEST(FileModes, areNeverWiderBehindAnOperationThanBefore) {
+TEST(FileModes, AreNeverWiderBehindAnOperationThanBefore) {
   Workshop workshop;
   for (const mode_t mode : {0400, 0600, 0640, 0444, 0604}) {
     for (const Operation& operation : writingOperations()) {
@@ -106,7 +106,7 @@ TEST(FileModes, areNeverWiderBehindAnOperationThanBefore) {
   }
 }
 
-TEST(AKeyFile, thatOthersMayReadIsClosedAndThatIsSaid) {
+TEST(AKeyFile, ThatOthersMayReadIsClosedAndThatIsSaid) {
   TestAgent agent;
   std::wstring sealed;
   CSitesHelper helper(true);
@@ -124,7 +124,7 @@ TEST(AKeyFile, thatOthersMayReadIsClosedAndThatIsSaid) {
   }
 }
 
-TEST(ALinkToAnotherPlace, thatAppearsWhileAWriterWritesSendsNothingThere) {
+TEST(ALinkToAnotherPlace, ThatAppearsWhileAWriterWritesSendsNothingThere) {
   const SwapFigures figures = swapLinks(300);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GE(figures.swaps, 300u);

@@ -27,7 +27,7 @@ std::string output(const Workshop& workshop, const std::string& arguments) {
   return text;
 }
 
-TEST(TheTool, printsNoPasswordUnlessItIsAskedTo) {
+TEST(TheTool, PrintsNoPasswordUnlessItIsAskedTo) {
   Workshop workshop;
   writeFile(workshop.agent.dataDirectory() + "/agent.toml", "managed = false\n");
   ASSERT_THAT(output(workshop, "show --json --show-secrets"), HasSubstr(c_canary))

@@ -125,14 +125,14 @@ Figures failAllocations(unsigned long stride) {
   return figures;
 }
 
-TEST(EveryAllocation, mayFailWithoutACrashAMixedFileOrALeak) {
+TEST(EveryAllocation, MayFailWithoutACrashAMixedFileOrALeak) {
   const Figures figures = failAllocations(11);
   EXPECT_THAT(figures.faults, IsEmpty());
   EXPECT_GT(figures.runs, 500u);
   EXPECT_GT(figures.thrown, 100u);
 }
 
-TEST(AFreedRecord, holdsNoPasswordWhateverAllocationFails) {
+TEST(AFreedRecord, HoldsNoPasswordWhateverAllocationFails) {
   Workshop workshop;
   workshop.agent.settings.logLevel = LogLevel::Off;
   workshop.agent.apply();
@@ -157,7 +157,7 @@ TEST(AFreedRecord, holdsNoPasswordWhateverAllocationFails) {
 }
 
 // A single site element, whose record is the caller's.
-TEST(AFreedRecord, ofOneElementHoldsNoPassword) {
+TEST(AFreedRecord, OfOneElementHoldsNoPassword) {
   Workshop workshop;
   const std::string text = readFile(workshop.own());
   const std::wstring wideText = wide(text);

@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "host/common/ascii.h"
+
 namespace host {
 
 std::string toBase64(const std::vector<unsigned char>& bytes) {
@@ -40,6 +42,18 @@ bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes) {
   }
   bytes = std::move(result);
   return true;
+}
+
+bool fromBase64(const std::wstring& text, std::vector<unsigned char>& bytes) {
+  char buffer[256];  // room for nearly all passwords
+  std::string longText;
+  char* ascii = buffer;
+  if (text.size() > sizeof buffer) {
+    longText.resize(text.size());
+    ascii = longText.data();
+  }
+  return narrowAscii(text.data(), text.size(), ascii) == text.size() &&
+         fromBase64(std::string_view(ascii, text.size()), bytes);
 }
 
 }  // namespace host

@@ -12,6 +12,7 @@ namespace host {
 // false and leaves `bytes` as it was.
 std::string toBase64(const std::vector<unsigned char>& bytes);
 bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes);
+bool fromBase64(const std::wstring& text, std::vector<unsigned char>& bytes);
 
 }  // namespace host
 

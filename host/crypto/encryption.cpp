@@ -1,9 +1,7 @@
 #include "host/crypto/encryption.h"
 
 #include <algorithm>
-#include <string_view>
 
-#include "host/common/ascii.h"
 #include "host/common/base64.h"
 #include "host/common/encoding.h"
 #include "host/crypto/key_span.h"
@@ -20,19 +18,6 @@ bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
   utf8Bytes.resize(utf8Size(text.data(), text.size()));
   writeUtf8(text.data(), text.size(), reinterpret_cast<char*>(utf8Bytes.data()));
   return true;
-}
-
-// The bytes that a text stands for in base64.
-bool fromWideBase64(const std::wstring& text, std::vector<unsigned char>& bytes) {
-  char buffer[256];  // room for nearly all passwords
-  std::string longText;
-  char* ascii = buffer;
-  if (text.size() > sizeof buffer) {
-    longText.resize(text.size());
-    ascii = longText.data();
-  }
-  return narrowAscii(text.data(), text.size(), ascii) == text.size() &&
-         fromBase64(std::string_view(ascii, text.size()), bytes);
 }
 
 }  // namespace
@@ -84,7 +69,7 @@ int Encryption::decrypt_string(const std::wstring& in, std::wstring& out) {
   std::vector<unsigned char> sealed;
   SecretBytes clear;
   if (m_type != korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD || in.empty()) return 0;
-  if (!fromWideBase64(in, sealed)) {
+  if (!fromBase64(in, sealed)) {
     reportUnopened(m_type);
     return 0;
   }

@@ -8,6 +8,7 @@
 #include "sitehlp/read/document_reader.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/records/record_limits.h"
+#include "sitehlp/records/site_elements.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/vendor_hosts.h"
 #include "sitehlp/xmlschema/sitelist.h"

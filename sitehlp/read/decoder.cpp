@@ -1,7 +1,6 @@
 #include "sitehlp/read/decoder.h"
 
 #include <cstdlib>
-#include <iterator>
 #include <new>
 
 #include "platform/common/log.h"
@@ -34,17 +33,6 @@ void readChildren(const Children& children, const Element& element, bool useDecr
                   Record& site) {
   for (const Element child : element.Elements()) children.read(child, useDecryptData, site);
 }
-
-const wchar_t* const c_elementNames[] = {
-    WX_XML_SITELIST_HTTP_SITE, WX_XML_SITELIST_VESTA_SITE, WX_XML_SITELIST_KEYSTONE_SITE,
-    WX_XML_SITELIST_FTP_SITE,  WX_XML_SITELIST_UNC_SITE,   WX_XML_SITELIST_LOCAL_SITE,
-    WX_XML_PROXY_CONFIG,
-};
-constexpr SiteElement c_elements[] = {
-    SiteElement::Http, SiteElement::Vesta, SiteElement::Keystone, SiteElement::Ftp,
-    SiteElement::Unc,  SiteElement::Local, SiteElement::Proxy,    SiteElement::None,
-};
-static_assert(std::size(c_elementNames) + 1 == std::size(c_elements));
 
 // A server address, split. The host points into the object or into its long text.
 class Address {
@@ -98,9 +86,7 @@ void storeNetbiosName(const Address& address, tag_HttpSite& site) {
 
 void decodeHttp(SiteElement kind, const Element& element, const SiteAttributes& attributes,
                 bool useDecryptData, tag_HttpSite& site) {
-  const wchar_t* const name = kind == SiteElement::Vesta      ? WX_XML_SITELIST_VESTA_SITE
-                              : kind == SiteElement::Keystone ? WX_XML_SITELIST_KEYSTONE_SITE
-                                                              : WX_XML_SITELIST_HTTP_SITE;
+  const wchar_t* const name = c_siteElementNames[static_cast<std::size_t>(kind)];
   setField(site.szElement, name, std::wcslen(name));
   Address server(attributes.get<&WX_XML_SITE_SERVER>());
   if (kind == SiteElement::Vesta) {
@@ -148,7 +134,7 @@ void decodeLocal(const Element& element, const SiteAttributes& attributes, bool 
 }  // namespace
 
 SiteElement classify(const Element& element) {
-  return c_elements[element.FindName(c_elementNames, std::size(c_elementNames))];
+  return static_cast<SiteElement>(element.FindName(c_siteElementNames, c_siteElementCount));
 }
 
 std::size_t recordSize(SiteElement kind) {

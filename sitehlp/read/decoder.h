@@ -5,11 +5,9 @@
 
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/read/site_attributes.h"
+#include "sitehlp/records/site_elements.h"
 
 namespace sitehlp {
-
-// The elements that have a per-kind record.
-enum class SiteElement { None, Http, Vesta, Keystone, Ftp, Unc, Local, Proxy };
 
 SiteElement classify(const AdvXMLParser::Element& element);
 

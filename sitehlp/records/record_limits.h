@@ -26,9 +26,6 @@ class RecordLimits {
   std::size_t m_unknown = 0;
 };
 
-// Whether the reader knows an element of this name directly in a list.
-bool isKnownInList(const wchar_t* elementName);
-
 // Whether the element that is written for a record is one that the reader does not know.
 bool isWrittenAsUnknown(const tag_Site& record);
 

@@ -11,12 +11,9 @@
 namespace tool {
 namespace {
 
-// More than any document may have; the library says so of what is larger than its own limit.
-constexpr std::size_t c_maxBytes = std::size_t{128} << 20;
-
 int readStandardInput(std::string& bytes) {
   char buffer[65536];
-  while (bytes.size() <= c_maxBytes) {
+  while (bytes.size() <= c_maxInputBytes) {
     const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (n == 0) return 0;
     if (n > 0) {
@@ -34,7 +31,7 @@ Input readInput(const std::string& file) {
   const bool isStandard = file.empty() || file == "-";
   Input input{isStandard ? "standard input" : file, {}};
   const int error = isStandard ? readStandardInput(input.bytes)
-                               : host::readRegularFile(file, c_maxBytes, input.bytes);
+                               : host::readRegularFile(file, c_maxInputBytes, input.bytes);
   if (error == 0) return input;
   throw failureAt(input.name, exitFile, std::string("cannot be read: ") + std::strerror(error),
                   "check that it is a regular file that you may read");

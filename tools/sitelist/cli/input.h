@@ -1,9 +1,13 @@
 #ifndef TOOLS_SITELIST_CLI_INPUT_H
 #define TOOLS_SITELIST_CLI_INPUT_H
 
+#include <cstddef>
 #include <string>
 
 namespace tool {
+
+// More than any document may have; the library says so of what is larger than its own limit.
+constexpr std::size_t c_maxInputBytes = std::size_t{128} << 20;
 
 // A document that is handed to the library from memory.
 struct Input {

@@ -16,7 +16,7 @@ std::vector<LogRecord>& records() {
   return kept;
 }
 
-const char* nameOf(LogLevel level) {
+const char* nameOfLevel(LogLevel level) {
   switch (level) {
     case LogLevel::Detail:
       return "detail";
@@ -44,7 +44,7 @@ void recordLog(bool verbose) {
       records().push_back({level, text});
     }
     if (g_verbose) {
-      std::cerr << nameOf(level) << ' ' << shown(component) << ": " << shown(text) << '\n';
+      std::cerr << nameOfLevel(level) << ' ' << shown(component) << ": " << shown(text) << '\n';
     }
   });
 }

@@ -14,7 +14,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct CertsOptions {
   std::string file;
   std::string expiring;
 };
@@ -26,11 +26,9 @@ std::string inTwoLines(const std::string& fingerprint) {
   return fingerprint.substr(0, half) + "\n               " + fingerprint.substr(half);
 }
 
-void print(std::ostream& out, const Screen& screen, const Record& row, std::size_t count) {
-  const auto text = [&](const char* name) {
-    const Scalar* const value = find(row, name);
-    return value ? shown(textOf(*value)) : "";
-  };
+void printCertificate(std::ostream& out, const Screen& screen, const Record& row,
+                      std::size_t count) {
+  const auto text = [&](const char* name) { return shownText(row, name); };
   out << screen.styled(Style::Heading,
                        "Certificate " + text("number") + " of " + std::to_string(count))
       << '\n';
@@ -50,7 +48,7 @@ void print(std::ostream& out, const Screen& screen, const Record& row, std::size
 }
 
 // Without --expiring nothing counts as expiring.
-std::optional<int> daysOf(const Options& options) {
+std::optional<int> daysOf(const CertsOptions& options) {
   if (options.expiring.empty()) return std::nullopt;
   int days = 0;
   const char* const end = options.expiring.data() + options.expiring.size();
@@ -62,7 +60,7 @@ std::optional<int> daysOf(const Options& options) {
   return days;
 }
 
-Record rowOf(const std::wstring& text, std::size_t number, std::optional<int> days) {
+Record certificateRow(const std::wstring& text, std::size_t number, std::optional<int> days) {
   Record row = {{"number", static_cast<std::int64_t>(number)}};
   const auto certificate = readCertificate(text);
   row.emplace_back("readable", certificate.has_value());
@@ -80,7 +78,7 @@ Record rowOf(const std::wstring& text, std::size_t number, std::optional<int> da
   return row;
 }
 
-int certs(Context& context, const Options& options) {
+int certs(Context& context, const CertsOptions& options) {
   const std::optional<int> days = daysOf(options);
   const AgentForReading agent(context, options.file);
   std::vector<std::wstring> texts;
@@ -99,12 +97,12 @@ int certs(Context& context, const Options& options) {
   report.columns = {"number",     "readable", "subject", "issuer",   "sha256", "validFrom",
                     "validUntil", "daysLeft", "expired", "expiring", "text"};
   for (const std::wstring& text : texts) {
-    report.rows.push_back(rowOf(text, report.rows.size() + 1, days));
+    report.rows.push_back(certificateRow(text, report.rows.size() + 1, days));
   }
   report.table = [rows = report.rows](std::ostream& out, const Screen& screen) {
     for (const Record& row : rows) {
       if (&row != rows.data()) out << '\n';
-      print(out, screen, row, rows.size());
+      printCertificate(out, screen, row, rows.size());
     }
   };
   context.report = std::move(report);
@@ -114,8 +112,7 @@ int certs(Context& context, const Options& options) {
   }
   const std::vector<Record>& rows = context.report->rows;
   const bool isAnyExpiring = std::any_of(rows.begin(), rows.end(), [](const Record& row) {
-    const Scalar* const expiring = find(row, "expiring");
-    return expiring && textOf(*expiring) == "true";
+    return shownText(row, "expiring") == "true";
   });
   return isAnyExpiring ? exitNegative : exitSuccess;
 }
@@ -124,7 +121,7 @@ int certs(Context& context, const Options& options) {
 
 void addCerts(Command& app, Context& context) {
   Command command = app.add_subcommand("certs", "Print the CA certificates of a list");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<CertsOptions>();
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--expiring", options->expiring,

@@ -11,12 +11,12 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct DeriveOptions {
   std::string source;
   std::string target;
 };
 
-int derive(Context& context, const Options& options) {
+int derive(Context& context, const DeriveOptions& options) {
   const PrivateAgent agent(context, PrivateAgent::Detached);
   const std::wstring target = wide(options.target);
   const std::string written =
@@ -35,7 +35,7 @@ int derive(Context& context, const Options& options) {
 void addDeriveServerList(Command& app, Context& context) {
   Command command =
       app.add_subcommand("derive-server-list", "Write ServerSiteList.xml without the local sites");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<DeriveOptions>();
   command.add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
       .required()
       .type_name("");

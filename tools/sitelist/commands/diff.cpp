@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct DiffOptions {
   std::string before;
   std::string after;
   bool exitCode = false;
@@ -31,7 +31,7 @@ SiteList read(const std::string& path) {
   return list;
 }
 
-int diff(Context& context, const Options& options) {
+int diff(Context& context, const DiffOptions& options) {
   const PrivateAgent agent(context);
   const SiteList before = read(options.before);
   const SiteList after = read(options.after);
@@ -45,7 +45,7 @@ int diff(Context& context, const Options& options) {
 
 void addDiff(Command& app, Context& context) {
   Command command = app.add_subcommand("diff", "Show the differences between two site lists");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<DiffOptions>();
   command.add_option("BEFORE", options->before, "The old list")
       .required()
       .type_name("")

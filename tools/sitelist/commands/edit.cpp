@@ -14,7 +14,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct EditArguments {
   EditOptions list;
   SiteName site;
   std::vector<std::string> assignments;
@@ -27,27 +27,27 @@ struct Options {
 };
 
 using Edit = std::function<Outcome(ListEditor&)>;
-using Action = std::function<int(Context&, const Options&)>;
+using Action = std::function<int(Context&, const EditArguments&)>;
 
 // The edits that can be asked for.
 using Edits = std::vector<std::pair<Command, Action>>;
 
-Command addEdit(Command& edit, Edits& edits, const std::string& name,
-                const std::string& description, Action action) {
+Command addSubcommand(Command& edit, Edits& edits, const std::string& name,
+                      const std::string& description, Action action) {
   Command command = edit.add_subcommand(name, description);
   command.fallthrough();
   edits.emplace_back(command, std::move(action));
   return command;
 }
 
-void addName(Command& command, Options& options) {
+void addName(Command& command, EditArguments& options) {
   command.add_option("NAME", options.site.name, "The name of the site")
       .required()
       .type_name("")
       .completes(Completion::Site);
 }
 
-void addKind(Command& command, Options& options) {
+void addKind(Command& command, EditArguments& options) {
   command
       .add_option("--kind", options.site.kind,
                   "The site's kind, if several sites have this name:\n" + kindNames())
@@ -67,7 +67,7 @@ std::vector<std::string> suggestedFields(bool isPassword) {
   return {names.begin(), names.end()};
 }
 
-void addValues(Command& command, Options& options) {
+void addValues(Command& command, EditArguments& options) {
   command
       .add_option("FIELD=VALUE", options.assignments,
                   "A field, named as in `sitelist show --json`, and its value")
@@ -88,7 +88,7 @@ void addValues(Command& command, Options& options) {
       .suggests([] { return suggestedFields(true); });
 }
 
-int enable(Context& context, const Options& options, bool isEnabled) {
+int setEnabled(Context& context, const EditArguments& options, bool isEnabled) {
   return performEdit(context, options.list,
                      [&](ListEditor& list) { return enableSite(list, options.site, isEnabled); });
 }
@@ -96,7 +96,7 @@ int enable(Context& context, const Options& options, bool isEnabled) {
 using EditValues = Outcome (*)(ListEditor&, const SiteName&, const std::vector<std::string>&,
                                const GivenPassword&);
 
-int editValues(Context& context, const Options& options, EditValues edit) {
+int editValues(Context& context, const EditArguments& options, EditValues edit) {
   if (!options.isPasswordFromInput && options.passwordFile.empty()) {
     return performEdit(context, options.list, [&](ListEditor& list) {
       return edit(list, options.site, options.assignments, {});
@@ -119,14 +119,14 @@ int editValues(Context& context, const Options& options, EditValues edit) {
   });
 }
 
-int set(Context& context, const Options& options) {
+int setValues(Context& context, const EditArguments& options) {
   if (options.assignments.empty() && !options.isPasswordFromInput && options.passwordFile.empty()) {
     throw Failure(exitUsage, "there is nothing to set\n  next: give FIELD=VALUE, or a password");
   }
   return editValues(context, options, setFields);
 }
 
-int move(Context& context, const Options& options) {
+int moveInOrder(Context& context, const EditArguments& options) {
   const bool isRelative = options.place == "before" || options.place == "after";
   if (isRelative && options.other.empty()) {
     throw Failure(exitUsage, "the site to move " + options.place +
@@ -144,23 +144,23 @@ int move(Context& context, const Options& options) {
   });
 }
 
-void addToggles(Command& edit, Edits& edits, Options& options) {
+void addToggles(Command& edit, Edits& edits, EditArguments& options) {
   for (const bool isEnabled : {true, false}) {
     const std::string name = isEnabled ? "enable" : "disable";
-    Command command = addEdit(edit, edits, name,
-                              isEnabled ? "Enable a site, so that the agent tries it"
-                                        : "Disable a site, so that the agent does not try it",
-                              [isEnabled](Context& context, const Options& given) {
-                                return enable(context, given, isEnabled);
-                              });
+    Command command = addSubcommand(edit, edits, name,
+                                    isEnabled ? "Enable a site, so that the agent tries it"
+                                              : "Disable a site, so that the agent does not try it",
+                                    [isEnabled](Context& context, const EditArguments& given) {
+                                      return setEnabled(context, given, isEnabled);
+                                    });
     addName(command, options);
     addKind(command, options);
     command.footer("Example:\n  sitelist edit " + name + " Depot\n");
   }
 }
 
-void addSet(Command& edit, Edits& edits, Options& options) {
-  Command command = addEdit(edit, edits, "set", "Change fields of a site", set);
+void addSet(Command& edit, Edits& edits, EditArguments& options) {
+  Command command = addSubcommand(edit, edits, "set", "Change fields of a site", setValues);
   addName(command, options);
   addKind(command, options);
   addValues(command, options);
@@ -179,10 +179,11 @@ void addSet(Command& edit, Edits& edits, Options& options) {
       "      --password-field httpProxyPassword < secret.txt\n");
 }
 
-void addAdd(Command& edit, Edits& edits, Options& options) {
-  Command command = addEdit(
-      edit, edits, "add", "Add a site",
-      [](Context& context, const Options& given) { return editValues(context, given, addSite); });
+void addAdd(Command& edit, Edits& edits, EditArguments& options) {
+  Command command = addSubcommand(edit, edits, "add", "Add a site",
+                                  [](Context& context, const EditArguments& given) {
+                                    return editValues(context, given, addSite);
+                                  });
   command.add_option("KIND", options.site.kind, "The kind of the site:\n" + kindNames())
       .required()
       .type_name("")
@@ -201,29 +202,30 @@ void addAdd(Command& edit, Edits& edits, Options& options) {
       "      httpProxyPort=3128\n");
 }
 
-void addMoves(Command& edit, Edits& edits, Options& options) {
-  Command remove = addEdit(edit, edits, "remove", "Remove a site from the list",
-                           [](Context& context, const Options& given) {
-                             return performEdit(context, given.list, [&](ListEditor& list) {
-                               return removeSite(list, given.site);
-                             });
-                           });
+void addMoves(Command& edit, Edits& edits, EditArguments& options) {
+  Command remove = addSubcommand(edit, edits, "remove", "Remove a site from the list",
+                                 [](Context& context, const EditArguments& given) {
+                                   return performEdit(context, given.list, [&](ListEditor& list) {
+                                     return removeSite(list, given.site);
+                                   });
+                                 });
   addName(remove, options);
   addKind(remove, options);
   remove.footer("Example:\n  sitelist edit remove Depot\n");
 
-  Command rename =
-      addEdit(edit, edits, "rename", "Rename a site", [](Context& context, const Options& given) {
-        return performEdit(context, given.list, [&](ListEditor& list) {
-          return renameSite(list, given.site, given.newName);
-        });
-      });
+  Command rename = addSubcommand(edit, edits, "rename", "Rename a site",
+                                 [](Context& context, const EditArguments& given) {
+                                   return performEdit(context, given.list, [&](ListEditor& list) {
+                                     return renameSite(list, given.site, given.newName);
+                                   });
+                                 });
   addName(rename, options);
   rename.add_option("NEW", options.newName, "The new name").required().type_name("");
   addKind(rename, options);
   rename.footer("Example:\n  sitelist edit rename Depot 'Depot North'\n");
 
-  Command command = addEdit(edit, edits, "move", "Move a site in the search order", move);
+  Command command =
+      addSubcommand(edit, edits, "move", "Move a site in the search order", moveInOrder);
   addName(command, options);
   command
       .add_option("PLACE", options.place,
@@ -248,9 +250,11 @@ void addMoves(Command& edit, Edits& edits, Options& options) {
 }
 
 void addRestore(Command& edit, Edits& edits) {
-  Command command = addEdit(
-      edit, edits, "restore", "Restore the list from its backup, FILE.bak",
-      [](Context& context, const Options& given) { return restoreBackup(context, given.list); });
+  Command command =
+      addSubcommand(edit, edits, "restore", "Restore the list from its backup, FILE.bak",
+                    [](Context& context, const EditArguments& given) {
+                      return restoreBackup(context, given.list);
+                    });
   command.footer(
       "Example:\n"
       "  sitelist edit restore --dry-run\n");
@@ -271,7 +275,7 @@ void addCommonOptions(Command& command, EditOptions& options) {
 
 void addEdit(Command& app, Context& context) {
   Command command = app.add_subcommand("edit", "Change individual sites of a list");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<EditArguments>();
   const auto edits = std::make_shared<Edits>();
   addCommonOptions(command, options->list);
   addToggles(command, *edits, *options);

@@ -12,14 +12,12 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct ExplainOptions {
   std::string file;
   std::string host;
 };
 
-Scalar orNull(const std::string& text) { return text.empty() ? Scalar() : Scalar(text); }
-
-Record rowOf(const SearchPlace& place, const ProxyChoice& proxy) {
+Record siteRow(const SearchPlace& place, const ProxyChoice& proxy) {
   const sitehlp::tag_Site& site = *place.site;
   const Route route = proxy.routeTo(site);
   return {{"place", place.number == 0 ? Scalar() : Scalar(std::int64_t{place.number})},
@@ -35,30 +33,31 @@ Record rowOf(const SearchPlace& place, const ProxyChoice& proxy) {
           {"proxyReason", route.reason}};
 }
 
-std::string text(const Record& row, const char* name) { return shown(textOf(*find(row, name))); }
-
 std::string throughOf(const std::string& proxy, const std::string& reason) {
   return (proxy.empty() ? "directly: " : "through " + proxy + ": ") + reason;
 }
 
 void printSite(std::ostream& out, const Screen& screen, const Record& row) {
-  const bool isTried = text(row, "tried") == "true";
-  std::string where = text(row, "address");
-  if (!text(row, "path").empty()) where += (where.empty() ? "" : "  ") + text(row, "path");
-  const std::string name =
-      text(row, "kind") + "  " + (text(row, "name").empty() ? "(no name)" : text(row, "name"));
-  out << (isTried ? text(row, "place") + ". " : "-  ")
+  const bool isTried = shownText(row, "tried") == "true";
+  std::string where = shownText(row, "address");
+  if (!shownText(row, "path").empty())
+    where += (where.empty() ? "" : "  ") + shownText(row, "path");
+  const std::string name = shownText(row, "kind") + "  " +
+                           (shownText(row, "name").empty() ? "(no name)" : shownText(row, "name"));
+  out << (isTried ? shownText(row, "place") + ". " : "-  ")
       << screen.styled(isTried ? Style::Heading : Style::Dim, name)
-      << (where.empty() ? "" : "  " + where) << "\n     why    " << text(row, "reason") << '\n';
+      << (where.empty() ? "" : "  " + where) << "\n     why    " << shownText(row, "reason")
+      << '\n';
   if (!isTried) return;
-  if (text(row, "local") == "true") {
+  if (shownText(row, "local") == "true") {
     out << "     local  only this agent knows it; it is not in the server's list\n";
   }
-  out << "     goes   " << throughOf(text(row, "proxy"), text(row, "proxyReason")) << '\n';
+  out << "     goes   " << throughOf(shownText(row, "proxy"), shownText(row, "proxyReason"))
+      << '\n';
 }
 
 void printProxySettings(std::ostream& out, const Screen& screen, const Record& facts) {
-  const std::string mode = text(facts, "proxyMode");
+  const std::string mode = shownText(facts, "proxyMode");
   out << '\n' << screen.styled(Style::Heading, "Proxy") << '\n';
   if (mode == "none") {
     out << "  none: every site is reached directly\n";
@@ -68,25 +67,25 @@ void printProxySettings(std::ostream& out, const Screen& screen, const Record& f
     out << "  the system's own settings\n";
   } else {
     const auto line = [&](const char* label, const char* name) {
-      out << label << (text(facts, name).empty() ? "none" : text(facts, name)) << '\n';
+      out << label << (shownText(facts, name).empty() ? "none" : shownText(facts, name)) << '\n';
     };
     line("  HTTP      ", "httpProxy");
     line("  FTP       ", "ftpProxy");
     line("  excluded  ", "exclusions");
     out << "  local addresses "
-        << (text(facts, "bypassLocal") == "true" ? "bypass the proxy\n"
-                                                 : "use the proxy as well\n");
+        << (shownText(facts, "bypassLocal") == "true" ? "bypass the proxy\n"
+                                                      : "use the proxy as well\n");
   }
-  if (text(facts, "userMayChange") == "true") out << "  the user may change these settings\n";
+  if (shownText(facts, "userMayChange") == "true") out << "  the user may change these settings\n";
 }
 
-void printAll(std::ostream& out, const Screen& screen, const Record& facts,
-              const std::vector<Record>& rows) {
-  const bool isAnyTried = !rows.empty() && text(rows.front(), "tried") == "true";
+void printSearchOrder(std::ostream& out, const Screen& screen, const Record& facts,
+                      const std::vector<Record>& rows) {
+  const bool isAnyTried = !rows.empty() && shownText(rows.front(), "tried") == "true";
   out << (isAnyTried ? "The agent tries, in this order:\n" : "The agent has no site to try.\n");
   bool isFirstOther = true;
   for (const Record& row : rows) {
-    if (text(row, "tried") != "true" && isFirstOther) {
+    if (shownText(row, "tried") != "true" && isFirstOther) {
       out << "\nNot tried:\n";
       isFirstOther = false;
     }
@@ -118,11 +117,11 @@ Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
   report.columns = {"place", "tried", "kind",   "name",  "order",      "address",
                     "path",  "local", "reason", "proxy", "proxyReason"};
   for (const SearchPlace& place : searchOrder(list.sites.get())) {
-    report.rows.push_back(rowOf(place, proxy));
+    report.rows.push_back(siteRow(place, proxy));
   }
   report.table = [facts = report.facts, rows = report.rows](std::ostream& out,
                                                             const Screen& screen) {
-    printAll(out, screen, facts, rows);
+    printSearchOrder(out, screen, facts, rows);
   };
   return report;
 }
@@ -144,14 +143,15 @@ Report explainHost(const SiteList& list, const ProxyChoice& proxy, const std::st
   add("ftp", proxy.routeOverFtp(wide(host)));
   report.table = [rows = report.rows, host](std::ostream& out, const Screen&) {
     for (const Record& row : rows) {
-      out << shown(host) << (text(row, "protocol") == "http" ? "  over HTTP  " : "  over FTP   ")
-          << throughOf(text(row, "proxy"), text(row, "reason")) << '\n';
+      out << shown(host)
+          << (shownText(row, "protocol") == "http" ? "  over HTTP  " : "  over FTP   ")
+          << throughOf(shownText(row, "proxy"), shownText(row, "reason")) << '\n';
     }
   };
   return report;
 }
 
-int explain(Context& context, const Options& options) {
+int explain(Context& context, const ExplainOptions& options) {
   const AgentForReading agent(context, options.file);
   const SiteList list = readWholeSiteList(agent.path());
   const ProxyChoice proxy(list.sites.get());
@@ -161,7 +161,7 @@ int explain(Context& context, const Options& options) {
   }
   context.report = explainSites(list, proxy);
   const std::vector<Record>& rows = context.report->rows;
-  return !rows.empty() && text(rows.front(), "tried") == "true" ? exitSuccess : exitNegative;
+  return !rows.empty() && shownText(rows.front(), "tried") == "true" ? exitSuccess : exitNegative;
 }
 
 }  // namespace
@@ -169,7 +169,7 @@ int explain(Context& context, const Options& options) {
 void addExplain(Command& app, Context& context) {
   Command command =
       app.add_subcommand("explain", "Show which sites the agent tries, in which order, and why");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ExplainOptions>();
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--host", options->host,

@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::size_t c_readableColumns = 80;
 
-struct Options {
+struct ExplainRuleOptions {
   std::string name;
 };
 
-Record recordOf(const Rule& rule) {
+Record ruleRecord(const Rule& rule) {
   return {{"name", std::string(rule.name)},       {"severity", std::string(nameOf(rule.severity))},
           {"summary", std::string(rule.summary)}, {"why", std::string(rule.why)},
           {"mend", std::string(rule.mend)},       {"faulty", std::string(rule.faulty)},
@@ -41,7 +41,7 @@ std::string wrapped(const std::string& text, std::size_t columns) {
   return all + line + '\n';
 }
 
-void print(std::ostream& out, const Screen& screen, const Rule& rule) {
+void printRule(std::ostream& out, const Screen& screen, const Rule& rule) {
   const std::size_t columns =
       screen.columns == 0 ? c_readableColumns : std::min(screen.columns, c_readableColumns);
   const auto heading = [&](const char* text) {
@@ -70,7 +70,7 @@ Report reportOfAll() {
   report.rowsName = "rules";
   report.rowName = "rule";
   report.columns = {"name", "severity", "summary", "why", "mend", "faulty", "mended"};
-  for (const Rule& rule : allRules()) report.rows.push_back(recordOf(rule));
+  for (const Rule& rule : allRules()) report.rows.push_back(ruleRecord(rule));
   report.table = [](std::ostream& out, const Screen& screen) {
     Table table({L"RULE", L"SEVERITY", L"REQUIREMENT"});
     for (const Rule& rule : allRules()) {
@@ -81,15 +81,15 @@ Report reportOfAll() {
   return report;
 }
 
-int explainRule(Context& context, const Options& options) {
+int explainRule(Context& context, const ExplainRuleOptions& options) {
   if (options.name.empty()) {
     context.report = reportOfAll();
     return exitSuccess;
   }
   const Rule& rule = requireRule(options.name);
   Report report;
-  report.facts = recordOf(rule);
-  report.table = [&rule](std::ostream& out, const Screen& screen) { print(out, screen, rule); };
+  report.facts = ruleRecord(rule);
+  report.table = [&rule](std::ostream& out, const Screen& screen) { printRule(out, screen, rule); };
   context.report = std::move(report);
   return exitSuccess;
 }
@@ -105,7 +105,7 @@ std::vector<std::string> ruleNames() {
 void addExplainRule(Command& app, Context& context) {
   Command command = app.add_subcommand(
       "explain-rule", "Explain a rule of `validate` and how to fix what breaks it");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ExplainRuleOptions>();
   command
       .add_option("NAME", options->name, "The name of a rule, as in `validate` (default: list all)")
       .type_name("")

@@ -15,7 +15,7 @@ using sitehlp::tag_Site;
 
 constexpr const char* c_policyPrefix = "policy.";
 
-struct Options {
+struct GetOptions {
   std::string field;
   std::string file;
   std::string site;
@@ -31,7 +31,7 @@ Failure missing(const SiteList& list, const std::string& what, const std::string
   return failureAt(list.path, exitNotFound, what, next);
 }
 
-const tag_Site& findSite(const SiteList& list, const Options& options) {
+const tag_Site& findSite(const SiteList& list, const GetOptions& options) {
   const tag_Site* found = nullptr;
   std::string kinds;
   std::size_t count = 0;
@@ -56,7 +56,7 @@ const tag_Site& findSite(const SiteList& list, const Options& options) {
   return *found;
 }
 
-Scalar siteValue(const SiteList& list, const Options& options) {
+Scalar siteValue(const SiteList& list, const GetOptions& options) {
   const std::vector<std::string>& names = siteFieldNames();
   if (std::find(names.begin(), names.end(), options.field) == names.end()) {
     std::string known;
@@ -76,7 +76,7 @@ Scalar policyValue(const SiteList& list, const std::string& name) {
                 "list all settings with `sitelist policies`");
 }
 
-Scalar listValue(const SiteList& list, const Options& options) {
+Scalar listValue(const SiteList& list, const GetOptions& options) {
   const std::string prefix = c_policyPrefix;
   if (options.field.rfind(prefix, 0) == 0) {
     return policyValue(list, options.field.substr(prefix.size()));
@@ -93,7 +93,7 @@ Scalar listValue(const SiteList& list, const Options& options) {
                 "see what it has with `sitelist versions`");
 }
 
-std::vector<std::string> fieldNames() {
+std::vector<std::string> valueNames() {
   std::vector<std::string> names = {"globalVersion", "localVersion", "type", "fipsMode",
                                     c_policyPrefix};
   for (const std::string& name : siteFieldNames()) {
@@ -102,7 +102,7 @@ std::vector<std::string> fieldNames() {
   return names;
 }
 
-int get(Context& context, const Options& options) {
+int get(Context& context, const GetOptions& options) {
   const AgentForReading agent(context, options.file);
   const SiteList list = readWholeSiteList(agent.path());
   const Scalar value = options.site.empty() ? listValue(list, options) : siteValue(list, options);
@@ -121,14 +121,14 @@ int get(Context& context, const Options& options) {
 void addGet(Command& app, Context& context) {
   Command command =
       app.add_subcommand("get", "Print one value of a list, or of a site, for scripts");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<GetOptions>();
   command
       .add_option("FIELD", options->field,
                   "globalVersion, localVersion, type, fipsMode, policy.NAME;\n"
                   "with --site, any field of the site in the JSON form")
       .required()
       .type_name("")
-      .suggests(fieldNames);
+      .suggests(valueNames);
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command.add_option("--site", options->site, "Print a value of the site with this name")
       .type_name("NAME")

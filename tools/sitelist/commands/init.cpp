@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-struct Options {
+struct InitOptions {
   bool managed = false;
   bool hasMeshCommand = false;
   std::string meshPath;
@@ -56,7 +56,7 @@ void makePasswordKey(Context& context) {
   }
 }
 
-host::AgentSettings settingsFrom(Context& context, const Options& options) {
+host::AgentSettings settingsFrom(Context& context, const InitOptions& options) {
   host::AgentSettings settings;
   settings.dataDirectory = context.agentDirectory;
   settings.managed = options.managed;
@@ -75,7 +75,7 @@ host::AgentSettings settingsFrom(Context& context, const Options& options) {
 }
 
 // The settings file comes last: an attempt that failed half-way can be repeated.
-int init(Context& context, const Options& options) {
+int init(Context& context, const InitOptions& options) {
   const std::string& directory = context.agentDirectory;
   const std::string settingsFile = directory + "/agent.toml";
   const host::AgentSettings settings = settingsFrom(context, options);
@@ -109,7 +109,7 @@ int init(Context& context, const Options& options) {
 void addInit(Command& app, Context& context) {
   Command command =
       app.add_subcommand("init", "Create the data directory and settings of an agent");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<InitOptions>();
   command.add_flag("--managed", options->managed, "The agent is under central management");
   command
       .add_option(

@@ -12,7 +12,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct MergeOptions {
   std::string first;
   std::string second;
   std::string output;
@@ -27,7 +27,7 @@ SiteList readSource(const std::string& path) {
 
 // What is not a site comes from the list that the sites go into: the second or the agent's own. The
 // result is a new copy, so its local version is left for the library to make.
-SiteList mergeLists(const std::string& ownList, const Options& options) {
+SiteList mergeLists(const std::string& ownList, const MergeOptions& options) {
   SiteList first;
   SiteList base;
   if (!options.first.empty()) first = readSource(options.first);
@@ -45,7 +45,7 @@ SiteList mergeLists(const std::string& ownList, const Options& options) {
   return base;
 }
 
-void print(const std::string& path) {
+void printFile(const std::string& path) {
   std::string bytes;
   constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
   if (host::readRegularFile(path, noLimit, bytes) != 0) {
@@ -55,7 +55,7 @@ void print(const std::string& path) {
 }
 
 // What becomes of the list that the sites go into.
-int preview(Context& context, const Options& options) {
+int previewMerge(Context& context, const MergeOptions& options) {
   const PrivateAgent agent(context);
   const std::string ownList = ownListPath(context);
   const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
@@ -69,8 +69,8 @@ int preview(Context& context, const Options& options) {
   return exitSuccess;
 }
 
-int merge(Context& context, const Options& options) {
-  if (options.dryRun) return preview(context, options);
+int merge(Context& context, const MergeOptions& options) {
+  if (options.dryRun) return previewMerge(context, options);
   if (options.output.empty() && (context.json || context.format != "table")) {
     throw Failure(exitUsage,
                   "the merged list is an XML document and has no other format\n  next: leave "
@@ -80,7 +80,7 @@ int merge(Context& context, const Options& options) {
   SiteList merged = mergeLists(ownListPath(context), options);
   writeSiteList(merged, agent.path());
   if (options.output.empty()) {
-    print(agent.path());
+    printFile(agent.path());
   } else {
     std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
               << shown(options.output) << '\n';
@@ -92,7 +92,7 @@ int merge(Context& context, const Options& options) {
 
 void addMerge(Command& app, Context& context) {
   Command command = app.add_subcommand("merge", "Merge site lists into a new one");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<MergeOptions>();
   command.add_option("--first", options->first, "The first list").type_name("FILE");
   command.add_option("--second", options->second, "The second list").type_name("FILE");
   command

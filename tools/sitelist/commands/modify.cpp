@@ -16,13 +16,13 @@ namespace {
 
 using sitehlp::CSitesHelper;
 
-struct Options {
+struct ModifyOptions {
   IncomingOptions incoming;
   bool repositories = false;
   bool servers = false;
 };
 
-bool modify(const std::string& list, const Options& options) {
+bool modifyList(const std::string& list, const ModifyOptions& options) {
   CSitesHelper helper(wide(list));
   return helper.modifySiteList(wide(options.incoming.file).c_str(), options.repositories,
                                options.servers, wide(options.incoming.keyDirectory));
@@ -37,7 +37,7 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
       buffers[2], buffers[3], flags[0], flags[1], flags[2], flags[3]);
 }
 
-[[noreturn]] void fail(const Options& options, const std::string& ownList) {
+[[noreturn]] void failToModify(const ModifyOptions& options, const std::string& ownList) {
   failIfNotEditable(ownList);
   failIfNotEditable(options.incoming.file);
   const int result = readSiteList(options.incoming.file).result;
@@ -50,14 +50,14 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
 }
 
 // Edits a copy, and compares.
-int preview(Context& context, const Options& options) {
+int previewModify(Context& context, const ModifyOptions& options) {
   const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);
   failIfNotEditable(ownList);
   const std::string copy = agent.directory() + "/etc/SiteList.xml";
   if (!AFiler::createDirectory(wide(agent.directory() + "/etc")) ||
-      !AFiler::copyFile(wide(ownList), wide(copy)) || !modify(copy, options)) {
-    fail(options, ownList);
+      !AFiler::copyFile(wide(ownList), wide(copy)) || !modifyList(copy, options)) {
+    failToModify(options, ownList);
   }
   const SiteList before = readSiteList(ownList);
   SiteList after = readSiteList(copy);
@@ -70,11 +70,11 @@ int preview(Context& context, const Options& options) {
   return exitSuccess;
 }
 
-int perform(Context& context, const Options& options) {
-  if (options.incoming.dryRun) return preview(context, options);
+int modify(Context& context, const ModifyOptions& options) {
+  if (options.incoming.dryRun) return previewModify(context, options);
   serveAgent(context);
   const std::string ownList = ownListPath(context);
-  if (!modify(ownList, options)) fail(options, ownList);
+  if (!modifyList(ownList, options)) failToModify(options, ownList);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
   return exitSuccess;
 }
@@ -84,7 +84,7 @@ int perform(Context& context, const Options& options) {
 void addModify(Command& app, Context& context) {
   Command command =
       app.add_subcommand("modify", "Replace parts of the agent's list by those of another list");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ModifyOptions>();
   command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
       .required()
       .type_name("")
@@ -107,7 +107,7 @@ void addModify(Command& app, Context& context) {
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"
       "  sitelist modify --repositories --servers incoming/SiteList.xml\n");
   command.callback([&context, options] {
-    context.action = [&context, options] { return perform(context, *options); };
+    context.action = [&context, options] { return modify(context, *options); };
   });
 }
 

@@ -10,13 +10,13 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct PoliciesOptions {
   std::string file;
   std::string name;
   std::string value;
 };
 
-int list(Context& context, const Options& options) {
+int listPolicies(Context& context, const PoliciesOptions& options) {
   const AgentForReading agent(context, options.file);
   const SiteList sites = readSiteList(agent.path());
   Report report;
@@ -39,7 +39,7 @@ int list(Context& context, const Options& options) {
   return exitNegative;
 }
 
-int set(Context& context, const Options& options) {
+int setPolicy(Context& context, const PoliciesOptions& options) {
   serveAgent(context);
   const std::string path = ownListPath(context);
   SiteList sites = readWholeSiteList(path);
@@ -55,7 +55,7 @@ int set(Context& context, const Options& options) {
 void addPolicies(Command& app, Context& context) {
   Command command =
       app.add_subcommand("policies", "Print the policy settings of a list, or set one");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<PoliciesOptions>();
   command
       .add_option("FILE", options->file,
                   "A site list (default: the agent's own); write ./set for\na file named set")
@@ -72,7 +72,7 @@ void addPolicies(Command& app, Context& context) {
       "  sitelist policies incoming/SiteList.xml\n"
       "  sitelist policies set OverwriteClientSites 0\n");
   command.callback([&context, options, setCommand] {
-    const auto action = setCommand.parsed() ? set : list;
+    const auto action = setCommand.parsed() ? setPolicy : listPolicies;
     context.action = [&context, options, action] { return action(context, *options); };
   });
 }

@@ -11,12 +11,12 @@ namespace {
 
 constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
 
-struct Entry {
+struct CommandEntry {
   const char* name;
   void (*add)(Command& app, Context& context);
 };
 
-constexpr Entry c_commands[] = {
+constexpr CommandEntry c_commands[] = {
     {"init", addInit},
     {"show", addShow},
     {"get", addGet},
@@ -40,7 +40,7 @@ constexpr Entry c_commands[] = {
     {"protect", addProtect},
 };
 
-void add(const Entry& entry, Command& app, Context& context) {
+void add(const CommandEntry& entry, Command& app, Context& context) {
   entry.add(app, context);
   if (!app.has_subcommand(entry.name)) throw std::logic_error("a command has another name");
 }
@@ -74,7 +74,7 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
 std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
   auto line = makeProgram(context);
   Command app = line->program();
-  for (const Entry& entry : c_commands) add(entry, app, context);
+  for (const CommandEntry& entry : c_commands) add(entry, app, context);
   return line;
 }
 
@@ -82,7 +82,7 @@ std::unique_ptr<CommandLine> makeCommandLineFor(const std::vector<std::string>& 
                                                 Context& context) {
   auto line = makeProgram(context);
   Command app = line->program();
-  for (const Entry& entry : c_commands) {
+  for (const CommandEntry& entry : c_commands) {
     if (std::find(words.begin(), words.end(), entry.name) != words.end()) add(entry, app, context);
   }
   return line;

@@ -9,12 +9,12 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct RewriteOptions {
   std::string source;
   std::string destination;
 };
 
-int rewrite(Context& context, const Options& options) {
+int rewrite(Context& context, const RewriteOptions& options) {
   const AgentForWriting agent(context, options.destination);
   SiteList list = readWholeSiteList(options.source);
   refuseLostPasswords(options.source);
@@ -33,7 +33,7 @@ int rewrite(Context& context, const Options& options) {
 void addRewrite(Command& app, Context& context) {
   Command command =
       app.add_subcommand("rewrite", "Read a site list and write it in the agent's own form");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<RewriteOptions>();
   command.add_option("SRC", options->source, "The list to read")
       .required()
       .type_name("")

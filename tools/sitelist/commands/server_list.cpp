@@ -13,7 +13,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct ServerListOptions {
   std::string file;
   bool adjustPasswords = false;
 };
@@ -35,7 +35,7 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
   }
 }
 
-int serverList(Context& context, const Options& options) {
+int serverList(Context& context, const ServerListOptions& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";
@@ -67,7 +67,7 @@ int serverList(Context& context, const Options& options) {
 void addServerList(Command& app, Context& context) {
   Command command =
       app.add_subcommand("server-list", "Store a site list from the server as ServerSiteList.xml");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ServerListOptions>();
   command.add_option("FILE", options->file, "The document; - or no FILE means standard input")
       .type_name("");
   command.add_flag("--adjust-passwords", options->adjustPasswords,

@@ -10,12 +10,12 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct ServersOptions {
   bool all = false;
   bool nonSecurePort = false;
 };
 
-int servers(Context& context, const Options& options) {
+int servers(Context& context, const ServersOptions& options) {
   serveAgent(context);
   const std::string path = ownListPath(context);
   sitehlp::CSitesHelper helper(wide(path));
@@ -51,7 +51,7 @@ int servers(Context& context, const Options& options) {
 void addServers(Command& app, Context& context) {
   Command command =
       app.add_subcommand("servers", "Print the address of the agent's management server");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ServersOptions>();
   command.add_flag(
       "--all", options->all,
       "All management servers in ascending order, separated by\n\";\"; the port is that of "

@@ -16,7 +16,7 @@ namespace {
 
 using sitehlp::tag_Site;
 
-struct Options {
+struct ShowOptions {
   std::string file;
   std::string columnList;
   std::vector<std::string> columns;  // of the list, once it is split
@@ -33,7 +33,7 @@ std::string upper(std::string text) {
   return text;
 }
 
-void printTable(std::ostream& out, const Screen& screen, const Options& options,
+void printTable(std::ostream& out, const Screen& screen, const ShowOptions& options,
                 const std::vector<const tag_Site*>& sites) {
   const std::vector<std::string>& columns = options.columns;
   std::vector<std::wstring> headings;
@@ -58,7 +58,7 @@ void printTable(std::ostream& out, const Screen& screen, const Options& options,
 
 // Columns that were asked for show every record; else proxies, which have little in common with the
 // sites, are blocks of their own.
-void printForPeople(std::ostream& out, const Screen& screen, Options options,
+void printForPeople(std::ostream& out, const Screen& screen, ShowOptions options,
                     const SiteList& list) {
   std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
   if (options.selection.sort.empty()) sortBySearchOrder(sites);
@@ -86,7 +86,7 @@ struct Counts {
 };
 
 // The sites in the order of the list, each of which is let go before the next one is read.
-Counts readInPassing(SiteList& list, const Options& options, RowWriter& rows) {
+Counts readInPassing(SiteList& list, const ShowOptions& options, RowWriter& rows) {
   Counts counts;
   list.result =
       sitehlp::CSitesHelper::ReadListContents(wide(list.path), list, [&](tag_Site* taken) {
@@ -99,7 +99,7 @@ Counts readInPassing(SiteList& list, const Options& options, RowWriter& rows) {
   return counts;
 }
 
-Counts readAll(SiteList& list, const Options& options, RowWriter& rows) {
+Counts readAll(SiteList& list, const ShowOptions& options, RowWriter& rows) {
   list = readSiteList(list.path);
   const std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
   if (rows.isNeeded()) {
@@ -118,7 +118,7 @@ std::vector<std::string> split(const std::string& list) {
   return parts;
 }
 
-int show(Context& context, Options options) {
+int show(Context& context, ShowOptions options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
   const AgentForReading agent(context, options.file);
@@ -153,7 +153,7 @@ int show(Context& context, Options options) {
 void addShow(Command& app, Context& context) {
   Command command =
       app.add_subcommand("show", "Print the sites in search order, then the proxy settings");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ShowOptions>();
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command
       .add_option("--columns", options->columnList,

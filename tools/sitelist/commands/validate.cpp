@@ -14,7 +14,7 @@
 namespace tool {
 namespace {
 
-struct Options {
+struct ValidateOptions {
   std::vector<std::string> files;
   bool managed = false;
   bool unmanaged = false;
@@ -42,7 +42,7 @@ ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
                   "free space there, or set TMPDIR to another directory");
 }
 
-void print(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
+void printLists(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
   for (const CheckedList& list : lists) {
     for (const Fault& fault : list.faults) out << lineOf(list.name, fault, screen) << '\n';
     if (list.isValid)
@@ -50,7 +50,7 @@ void print(std::ostream& out, const Screen& screen, const std::vector<CheckedLis
   }
 }
 
-Record rowOf(const CheckedList& list, const Fault& fault) {
+Record faultRow(const CheckedList& list, const Fault& fault) {
   const auto orNull = [](unsigned long number) {
     return number == 0 ? Scalar() : Scalar(static_cast<std::int64_t>(number));
   };
@@ -71,18 +71,18 @@ Report reportOf(std::vector<CheckedList> lists, bool strict) {
   report.columns = {"file", "line", "column", "severity", "rule", "text"};
   for (const CheckedList& list : lists) {
     for (const Fault& fault : list.faults) {
-      report.rows.push_back(rowOf(list, fault));
+      report.rows.push_back(faultRow(list, fault));
       ++(counts(fault, strict) ? faults : warnings);
     }
   }
   report.facts = {{"valid", faults == 0}, {"faultCount", faults}, {"warningCount", warnings}};
   report.table = [lists = std::move(lists)](std::ostream& out, const Screen& screen) {
-    print(out, screen, lists);
+    printLists(out, screen, lists);
   };
   return report;
 }
 
-void requireSense(const Options& options) {
+void requireSense(const ValidateOptions& options) {
   if (options.managed && options.unmanaged) {
     throw Failure(exitUsage,
                   "--managed and --unmanaged exclude each other\n  next: give at most one of them");
@@ -93,7 +93,7 @@ void requireSense(const Options& options) {
   }
 }
 
-int validate(Context& context, const Options& options) {
+int validate(Context& context, const ValidateOptions& options) {
   requireSense(options);
   const PrivateAgent agent(context, PrivateAgent::Detached);
   std::vector<CheckedList> lists;
@@ -118,7 +118,7 @@ int validate(Context& context, const Options& options) {
 
 void addValidate(Command& app, Context& context) {
   Command command = app.add_subcommand("validate", "Check whether site lists can be imported");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ValidateOptions>();
   command.add_option("FILE", options->files, "Site lists; - means standard input")
       .required()
       .type_name("")

@@ -25,7 +25,7 @@ int versions(Context& context, const std::string& file) {
   report.facts = listFacts(list);
   const std::string mode = list.fipsMode ? shown(fipsMode) : "none";
   report.table = [facts = report.facts, mode](std::ostream& out, const Screen&) {
-    const auto text = [&](const char* name) { return shown(textOf(*find(facts, name))); };
+    const auto text = [&](const char* name) { return shownText(facts, name); };
     out << "global version  " << text("globalVersion") << "\nlocal version   "
         << text("localVersion") << "\ntype            " << text("type") << "\nFIPS mode       "
         << mode << '\n';

@@ -88,8 +88,6 @@ bool isSameCertificate(const std::wstring& a, const std::wstring& b) {
   return fingerprint != Scalar() && fingerprint == fingerprintOf(b);
 }
 
-Scalar orNull(const std::wstring& text) { return text.empty() ? Scalar() : Scalar(narrow(text)); }
-
 }  // namespace
 
 Diff::Diff(const SiteList& before, const SiteList& after, bool showSecrets)
@@ -135,10 +133,12 @@ void Diff::compareVersions(const SiteList& before, const SiteList& after) {
       addRow("version", "changed", {}, name, {}, old, fresh);
     }
   };
-  compare("globalVersion", orNull(before.globalVersion), orNull(after.globalVersion));
-  compare("localVersion", orNull(before.localVersion), orNull(after.localVersion));
-  compare("type", orNull(before.type), orNull(after.type));
-  compare("fipsMode", orNull(before.fipsMode.value_or(L"")), orNull(after.fipsMode.value_or(L"")));
+  compare("globalVersion", orNull(narrow(before.globalVersion)),
+          orNull(narrow(after.globalVersion)));
+  compare("localVersion", orNull(narrow(before.localVersion)), orNull(narrow(after.localVersion)));
+  compare("type", orNull(narrow(before.type)), orNull(narrow(after.type)));
+  compare("fipsMode", orNull(narrow(before.fipsMode.value_or(L""))),
+          orNull(narrow(after.fipsMode.value_or(L""))));
 }
 
 void Diff::compareFields(const std::string& sectionName, const tag_Site& before,

@@ -22,8 +22,6 @@ constexpr std::size_t c_fieldColumns = 20;  // at least, for the name of a field
 // As much of a fingerprint as tells two certificates apart: 12 bytes.
 constexpr std::size_t c_fingerprintStart = 35;
 
-std::string text(const Record& row, const char* name) { return shown(textOf(*find(row, name))); }
-
 bool isNull(const Record& row, const char* name) {
   return std::holds_alternative<std::monostate>(*find(row, name));
 }
@@ -35,7 +33,7 @@ std::string padded(std::string label, std::size_t width) {
 
 std::string fromTo(const Record& row) {
   const auto value = [&](const char* name) {
-    const std::string shownValue = text(row, name);
+    const std::string shownValue = shownText(row, name);
     return shownValue.empty() ? std::string("(none)") : shownValue;
   };
   const std::string before = value("before");
@@ -62,7 +60,7 @@ class Printer {
                                       [&](const Heading& each) { return each.section == name; });
     m_out << '\n' << m_screen.styled(Style::Heading, heading->text) << '\n';
     for (std::size_t i = 0; i < rows.size();) {
-      if (text(rows[i], "section") != name) {
+      if (shownText(rows[i], "section") != name) {
         ++i;
       } else {
         i = thing(rows, i);
@@ -78,17 +76,17 @@ class Printer {
     while (end < rows.size() && isSameThing(rows[first], rows[end])) ++end;
     bool isOnlyReordered = true;
     for (std::size_t i = first; i < end; ++i) {
-      isOnlyReordered = isOnlyReordered && text(rows[i], "change") == "reordered";
+      isOnlyReordered = isOnlyReordered && shownText(rows[i], "change") == "reordered";
     }
     const Record& row = rows[first];
-    std::string change = text(row, "change");
+    std::string change = shownText(row, "change");
     if (change == "reordered" && !isOnlyReordered) change = "changed";
     std::string line = padded(change, 11);
-    if (!isNull(row, "kind")) line += text(row, "kind") + " ";
-    const std::string name = text(row, "name");
+    if (!isNull(row, "kind")) line += shownText(row, "kind") + " ";
+    const std::string name = shownText(row, "name");
     line += name.empty() ? "(no name)" : name;
     m_out << "  " << m_screen.styled(styleOf(change), line);
-    if (text(row, "section") == "version") {
+    if (shownText(row, "section") == "version") {
       m_out << ": " << fromTo(row) << '\n';
     } else if (isNull(row, "field")) {
       single(row, change);
@@ -96,10 +94,10 @@ class Printer {
       m_out << '\n';
       std::size_t width = c_fieldColumns;
       for (std::size_t i = first; i < end; ++i) {
-        width = std::max(width, text(rows[i], "field").size() + 1);
+        width = std::max(width, shownText(rows[i], "field").size() + 1);
       }
       for (std::size_t i = first; i < end; ++i) {
-        m_out << "               " << padded(text(rows[i], "field"), width) << fromTo(rows[i])
+        m_out << "               " << padded(shownText(rows[i], "field"), width) << fromTo(rows[i])
               << '\n';
       }
     }
@@ -107,8 +105,8 @@ class Printer {
   }
 
   void single(const Record& row, const std::string& change) {
-    const std::string section = text(row, "section");
-    const std::string value = text(row, change == "removed" ? "before" : "after");
+    const std::string section = shownText(row, "section");
+    const std::string value = shownText(row, change == "removed" ? "before" : "after");
     if (section == "policy" && change == "changed") {
       m_out << ": " << fromTo(row);
     } else if (section == "policy") {
@@ -137,7 +135,7 @@ void printDiff(std::ostream& out, const Screen& screen, const std::string& title
   Printer printer(out, screen);
   for (const DiffSection& section : sections) {
     const bool isChanged = std::any_of(rows.begin(), rows.end(), [&](const Record& row) {
-      return text(row, "section") == section.name;
+      return shownText(row, "section") == section.name;
     });
     if (!isChanged) continue;
     printer.section(section.name, rows, section.unchanged);

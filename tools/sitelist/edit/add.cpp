@@ -13,7 +13,7 @@ namespace {
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 using Entry = ListEditor::Entry;
 
-const Wanted* find(const std::vector<Wanted>& values, const FieldRule& rule) {
+const Wanted* findValue(const std::vector<Wanted>& values, const FieldRule& rule) {
   for (const Wanted& value : values) {
     if (value.rule == &rule) return &value;
   }
@@ -39,7 +39,7 @@ std::int64_t nextOrder(ListEditor& list) {
 std::wstring typeIn(const std::vector<Wanted>& given, const KindRules& rules) {
   const FieldRule* const rule = findField(rules, "type");
   if (!rule) return L"";
-  const Wanted* const value = find(given, *rule);
+  const Wanted* const value = findValue(given, *rule);
   return value ? value->text : rule->initial;
 }
 
@@ -50,7 +50,7 @@ std::vector<Wanted> completed(ListEditor& list, const KindRules& rules,
   const FieldRule* const order = findField(rules, "order");
   std::vector<Wanted> values;
   for (const FieldRule& rule : rules.fields) {
-    if (const Wanted* const value = find(given, rule)) {
+    if (const Wanted* const value = findValue(given, rule)) {
       values.push_back(*value);
     } else if (&rule != order) {
       if (rule.presence == Presence::Always) values.push_back(initialValue(rule));
@@ -70,7 +70,7 @@ std::string differences(const Entry& site, const KindRules& rules,
   const FieldRule* const order = findField(rules, "order");
   std::string names;
   for (const FieldRule& rule : rules.fields) {
-    const Wanted* const value = find(given, rule);
+    const Wanted* const value = findValue(given, rule);
     if (!rule.name || (!value && &rule == order)) continue;
     if (!has(*site.record, value ? *value : initialValue(rule))) {
       names += (names.empty() ? "" : ", ") + std::string(rule.name);

@@ -8,12 +8,12 @@
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {
 
-constexpr std::size_t c_maxBytes = std::size_t{128} << 20;
 constexpr mode_t c_modeBits = 07777;
 
 int statOf(const std::string& path, struct stat& status) {
@@ -68,7 +68,7 @@ void writeBackup(const std::string& list, const std::string& bytes) {
 std::string readBackup(const std::string& list) {
   const std::string path = backupPath(list);
   std::string bytes;
-  const int error = host::readRegularFile(path, c_maxBytes, bytes);
+  const int error = host::readRegularFile(path, c_maxInputBytes, bytes);
   if (error == ENOENT) {
     throw Failure(exitNotFound,
                   shown(path) +
@@ -95,7 +95,7 @@ void putBack(const std::string& list, const std::string& bytes) {
 }
 
 bool readBytes(const std::string& list, std::string& bytes) {
-  return host::readRegularFile(list, c_maxBytes, bytes) == 0;
+  return host::readRegularFile(list, c_maxInputBytes, bytes) == 0;
 }
 
 }  // namespace tool

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 namespace {
@@ -14,7 +15,6 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 using Rules = std::vector<FieldRule>;
 
 constexpr std::int64_t c_maxNumber = std::numeric_limits<std::int32_t>::max();
-constexpr std::int64_t c_maxPort = 65535;
 
 template <typename Row>
 std::int64_t limitOf(const Row& row) {
@@ -60,7 +60,7 @@ Rules serverRules() {
   return rules;
 }
 
-const std::vector<KindRules>& allRules() {
+const std::vector<KindRules>& allKinds() {
   static const std::vector<KindRules> rules = {
       {"server", WX_XML_SITELIST_VESTA_SITE, serverRules()},
       {"agent", WX_XML_SITELIST_KEYSTONE_SITE, rulesOf(sitehlp::c_httpFields)},
@@ -78,7 +78,7 @@ const std::vector<KindRules>& allRules() {
 }  // namespace
 
 const KindRules* findRules(const std::string& kind) {
-  for (const KindRules& rules : allRules()) {
+  for (const KindRules& rules : allKinds()) {
     if (kind == rules.kind) return &rules;
   }
   return nullptr;
@@ -93,7 +93,7 @@ const FieldRule* findField(const KindRules& rules, const std::string& name) {
 
 std::vector<std::string> kinds() {
   std::vector<std::string> names;
-  for (const KindRules& rules : allRules()) names.emplace_back(rules.kind);
+  for (const KindRules& rules : allKinds()) names.emplace_back(rules.kind);
   return names;
 }
 
@@ -122,7 +122,7 @@ std::string fieldNames(const KindRules& rules, const std::string& indent) {
 std::string fieldHelp() {
   constexpr std::size_t c_indent = 10;
   std::string text;
-  for (const KindRules& rules : allRules()) {
+  for (const KindRules& rules : allKinds()) {
     const std::string kind = std::string("  ") + rules.kind;
     text += kind + fieldNames(rules, std::string(c_indent, ' ')).substr(kind.size()) + '\n';
   }

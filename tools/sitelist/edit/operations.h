@@ -29,10 +29,6 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
 Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& place,
                  const std::string& other);
 
-constexpr const wchar_t* c_fallbackType = L"fallback";  // in any case
-// What the library reads for the order of a fallback that has none.
-constexpr std::int32_t c_orderOfFallback = 65535;
-
 // Whether the site has a place in the search order: no proxy, no mirror, and no fallback that has
 // none.
 bool hasPlace(const sitehlp::tag_Site& site);

@@ -55,8 +55,8 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
                 {list.path()});
 }
 
-void preview(Context& context, const SiteList& before, const SiteList& after,
-             const std::string& path) {
+void previewEdit(Context& context, const SiteList& before, const SiteList& after,
+                 const std::string& path) {
   context.report = Diff(before, after, false)
                        .report("What would change in " + shown(path), "Nothing was written.");
 }
@@ -110,7 +110,7 @@ int performEdit(Context& context, const EditOptions& options,
   SiteList after;
   if (list.isChanged()) after = readDraft(list, access.draftPath());
   if (options.dryRun) {
-    preview(context, before, list.isChanged() ? after : before, path);
+    previewEdit(context, before, list.isChanged() ? after : before, path);
   } else if (!list.isChanged()) {
     say(path, "nothing to change: " + outcome.already);
   } else {
@@ -136,7 +136,7 @@ int restoreBackup(Context& context, const EditOptions& options) {
   after.path = path;
   std::string present;
   if (options.dryRun) {
-    preview(context, readSiteList(path), after, path);
+    previewEdit(context, readSiteList(path), after, path);
   } else if (readBytes(path, present) && present == bytes) {
     say(path, "nothing to change: the list is the same as its backup");
   } else {

@@ -10,9 +10,7 @@ namespace {
 
 using sitehlp::tag_Site;
 
-constexpr int c_noOrder = 65535;
-
-bool isFallback(const tag_Site& site) { return wcsicmp(site.szType, L"fallback") == 0; }
+bool isFallback(const tag_Site& site) { return wcsicmp(site.szType, c_fallbackType) == 0; }
 
 // Why the agent does not try a site; empty when it does.
 std::string obstacleOf(const tag_Site& site) {
@@ -24,7 +22,7 @@ std::string obstacleOf(const tag_Site& site) {
 
 std::string reasonOf(const tag_Site& site, const tag_Site* previous) {
   std::string text;
-  if (isFallback(site) && site.iOrder == c_noOrder) {
+  if (isFallback(site) && site.iOrder == c_orderOfFallback) {
     text = "a fallback without an order comes after all other sites";
   } else {
     text = (isFallback(site) ? "fallback with the order " : "order ") + std::to_string(site.iOrder);

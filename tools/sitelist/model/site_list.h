@@ -45,6 +45,12 @@ std::string countEntries(const sitehlp::tag_Site* sites);
 const char* kindOf(const sitehlp::tag_Site& site);
 const wchar_t* nameOf(const sitehlp::tag_Site& site);
 
+constexpr const wchar_t* c_fallbackType = L"fallback";  // in any case
+// What the library reads for the order of a fallback that has none.
+constexpr std::int32_t c_orderOfFallback = 65535;
+
+constexpr long c_maxPort = 65535;
+
 struct Field {
   const char* name;
   std::variant<bool, std::int64_t, const wchar_t*> value;  // a text stays in the record

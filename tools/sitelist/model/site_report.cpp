@@ -56,13 +56,6 @@ Record recordOf(const tag_Site& site, bool showSecrets) {
   return record;
 }
 
-const Scalar* find(const Record& record, const std::string& name) {
-  for (const auto& [key, value] : record) {
-    if (key == name) return &value;
-  }
-  return nullptr;
-}
-
 const std::vector<std::string>& siteFieldNames() {
   static const std::vector<std::string> names = namesOfAllKinds();
   return names;
@@ -76,10 +69,10 @@ Record listFacts(const SiteList& list) {
           {"fipsMode", list.fipsMode ? Scalar(narrow(*list.fipsMode)) : Scalar()}};
 }
 
-// A mirror has no place in the search order, and 65535 stands for a fallback's missing one.
+// A mirror has no place in the search order.
 std::wstring orderOf(const tag_Site& site) {
   if (site.bMirror && site.iOrder == 0) return L"";
-  return site.iOrder == 65535 ? L"last" : std::to_wstring(site.iOrder);
+  return site.iOrder == c_orderOfFallback ? L"last" : std::to_wstring(site.iOrder);
 }
 
 std::wstring addressOf(const tag_Site& site) {

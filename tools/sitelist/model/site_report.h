@@ -15,7 +15,6 @@ constexpr const char* c_mask = "********";
 // A site's kind and fields, as the output for programs has them.
 Record recordOf(const sitehlp::tag_Site& site, bool showSecrets);
 Scalar scalarOf(const Field& field, bool showSecrets);
-const Scalar* find(const Record& record, const std::string& name);
 
 // The names of the fields of all kinds, "kind" first.
 const std::vector<std::string>& siteFieldNames();

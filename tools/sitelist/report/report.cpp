@@ -1,6 +1,7 @@
 #include "tools/sitelist/report/report.h"
 
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 
@@ -24,10 +25,21 @@ std::string textOf(const Scalar& value) {
   return "";
 }
 
+Scalar orNull(const std::string& text) { return text.empty() ? Scalar() : Scalar(text); }
+
+const Scalar* find(const Record& record, const std::string& name) {
+  for (const auto& [key, value] : record) {
+    if (key == name) return &value;
+  }
+  return nullptr;
+}
+
+std::string shownText(const Record& record, const std::string& name) {
+  const Scalar* const value = find(record, name);
+  return value ? shown(textOf(*value)) : "";
+}
+
 Record factsOf(const Failure& failure) {
-  const auto orNull = [](const std::string& text) {
-    return text.empty() ? Scalar() : Scalar(text);
-  };
   const FailurePlace& place = failure.place();
   Record facts = {{"status", std::int64_t{failure.status()}},
                   {"name", std::string(nameOf(failure.status()))},

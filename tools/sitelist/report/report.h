@@ -74,6 +74,13 @@ Record factsOf(const Failure& failure);
 
 // The text of a value, empty for none.
 std::string textOf(const Scalar& value);
+// A text as a value; none for an empty one.
+Scalar orNull(const std::string& text);
+
+// The value of that name; null when there is none.
+const Scalar* find(const Record& record, const std::string& name);
+// Its text, made printable; empty when there is none.
+std::string shownText(const Record& record, const std::string& name);
 
 }  // namespace tool
 

@@ -17,13 +17,6 @@ std::string cell(const std::string& raw) {
   return quoted + '"';
 }
 
-const Scalar* find(const Record& record, const std::string& name) {
-  for (const auto& [key, value] : record) {
-    if (key == name) return &value;
-  }
-  return nullptr;
-}
-
 }  // namespace
 
 void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row) {

@@ -29,7 +29,7 @@ void checkRoot(const PlacedElement& root, Faults& faults) {
   if (!root.element.HasName(WX_XML_SITELISTS) ||
       root.attribute(WX_XML_NAMESPACE) != WX_XML_SITELISTS_NAMESPACE) {
     faults.add("root-element", root.place,
-               "the root " + quoted(root.element.GetName()) +
+               "the root " + inQuotes(root.element.GetName()) +
                    " is not \"ns:SiteLists\" with xmlns:ns=\"wxSiteList\"");
   }
   if (root.attribute(WX_XML_SITELISTS_GLOBAL_VERSION).empty()) {

@@ -21,7 +21,7 @@ std::string namedAs(const std::wstring& name, const std::vector<ValueForm>& form
   for (const ValueForm& form : forms) {
     if (form.form != Form::Unread) known.push_back(narrow(form.name));
   }
-  return quoted(name) + suggestion(narrow(name), known);
+  return inQuotes(name) + suggestion(narrow(name), known);
 }
 
 bool isNamespace(const std::wstring& attribute) { return attribute.rfind(L"xml", 0) == 0; }
@@ -39,7 +39,7 @@ void checkChild(const PlacedElement& child, const ElementForm& parent,
   const auto [first, isNew] = seen.emplace(name, child.place);
   if (!isNew) {
     faults.add("repeated-child", child.place,
-               quoted(name) + " replaces the one" + inLine(first->second));
+               inQuotes(name) + " replaces the one" + inLine(first->second));
     first->second = child.place;
   }
   checkValue(*form, child.element.GetValue(), child.place, faults);
@@ -107,7 +107,7 @@ void checkProxy(const PlacedElement& proxyConfig, Faults& faults) {
     // What is no number is told as such.
     if (host.empty() || number.find_first_not_of(L"0") != number.npos) return;
     faults.add("proxy-without-port", proxyConfig.place,
-               "\"" + narrow(server) + "\" is " + quoted(host) + ", but \"" + narrow(port) +
+               "\"" + narrow(server) + "\" is " + inQuotes(host) + ", but \"" + narrow(port) +
                    "\" is missing or 0");
   };
   requirePort(WX_XML_PROXY_HTTP_PROXY_SERVER, WX_XML_PROXY_HTTP_PROXY_PORT);

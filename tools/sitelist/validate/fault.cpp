@@ -27,7 +27,7 @@ std::vector<Fault> Faults::take() {
   return std::move(m_faults);
 }
 
-std::string quoted(const std::wstring& text) {
+std::string inQuotes(const std::wstring& text) {
   constexpr std::size_t longest = 60;
   if (text.size() <= longest) return "\"" + narrow(text) + "\"";
   return "\"" + narrow(text.substr(0, longest)) + "...\"";

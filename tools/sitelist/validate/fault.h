@@ -32,7 +32,7 @@ class Faults {
 };
 
 // A text of a document, in quotation marks and of bearable length.
-std::string quoted(const std::wstring& text);
+std::string inQuotes(const std::wstring& text);
 
 // " in line LINE"
 std::string inLine(const Place& place);

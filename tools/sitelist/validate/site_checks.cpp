@@ -7,6 +7,7 @@
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/near_names.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/validate/element_checks.h"
 #include "tools/sitelist/validate/value_checks.h"
 
@@ -15,8 +16,6 @@ namespace tool {
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-constexpr int c_fallbackOrder = 65535;
 
 // As the record has it.
 std::wstring cut(const std::wstring& text) { return text.substr(0, sitehlp::c_textCapacity - 1); }
@@ -29,7 +28,7 @@ int orderOf(const PlacedElement& site) {
   if (!site.element.GetAttribute(WX_XML_SITE_ORDER).IsNull()) {
     return numberIn(site.attribute(WX_XML_SITE_ORDER));
   }
-  return isType(site, L"fallback") ? c_fallbackOrder : 0;
+  return isType(site, c_fallbackType) ? c_orderOfFallback : 0;
 }
 
 bool hasAddress(const PlacedElement& site, const std::string& kind) {
@@ -55,7 +54,7 @@ class SiteChecks {
     }
     if (!isComplete && !hasAddress(site, kind)) {
       m_faults.add("site-without-address", site.place,
-                   "the site" + (name.empty() ? "" : " " + quoted(name)) + " has no \"Server\"");
+                   "the site" + (name.empty() ? "" : " " + inQuotes(name)) + " has no \"Server\"");
     }
     const bool isEnabled = numberIn(site.attribute(WX_XML_SITE_ENABLED)) != 0;
     if (isEnabled && !isType(site, STR_SITE_TYPE_MIRROR)) checkOrder(site);
@@ -65,9 +64,9 @@ class SiteChecks {
   void checkUnique(const PlacedElement& site, const std::string& kind, const std::wstring& name) {
     const auto [other, isNew] = m_names.emplace(std::make_pair(kind, name), &site);
     if (isNew) return;
-    m_faults.add(
-        "duplicate-name", site.place,
-        quoted(name) + " is also the name of the " + kind + " site" + inLine(other->second->place));
+    m_faults.add("duplicate-name", site.place,
+                 inQuotes(name) + " is also the name of the " + kind + " site" +
+                     inLine(other->second->place));
   }
 
   void checkOrder(const PlacedElement& site) {
@@ -76,7 +75,7 @@ class SiteChecks {
     if (isNew) return;
     m_faults.add("duplicate-order", site.place,
                  "the order " + std::to_string(order) + " is also that of the site " +
-                     quoted(other->second->attribute(WX_XML_SITE_NAME)) +
+                     inQuotes(other->second->attribute(WX_XML_SITE_NAME)) +
                      inLine(other->second->place));
   }
 
@@ -110,7 +109,7 @@ void addUnknownElement(const PlacedElement& element, Faults& faults) {
                                           "UNCSite",   "LocalSite",    "ProxyConfigList"};
   const std::wstring name = element.element.GetName();
   faults.add("unknown-element", element.place,
-             quoted(name) + " is not a known site element" + suggestion(narrow(name), known));
+             inQuotes(name) + " is not a known site element" + suggestion(narrow(name), known));
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ std::string textOf(const std::wstring& logged, const Wording& wording) {
   if (text.compare(text.size() - beforeValue.size(), beforeValue.size(), beforeValue) != 0) {
     return text;
   }
-  return text + quoted(logged.substr(std::wcslen(wording.begin)));
+  return text + inQuotes(logged.substr(std::wcslen(wording.begin)));
 }
 
 // Where the fault is: in the server that was checked or, for what is missing, where it would be.
@@ -142,7 +142,7 @@ Failure lastSiteFailure(const std::string& path) {
                  shown(path) + ": the last site of the list is of unknown kind (" +
                      formatCode(code) + ")\n  line " + std::to_string(place.line) + ", column " +
                      std::to_string(place.column) + ": unknown site element " +
-                     shown(quoted(site->element.GetName())) +
+                     shown(inQuotes(site->element.GetName())) +
                      "\n  next: correct the name of the element",
                  {path, code, place.line, place.column});
 }

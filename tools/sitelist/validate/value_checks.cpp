@@ -7,11 +7,11 @@
 #include "platform/common/abase64encode.h"
 #include "platform/common/text.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 namespace {
 
-constexpr long c_maxPort = 65535;
 // Version byte, nonce and tag of a protected value, which is longer by what it protects.
 constexpr std::size_t c_leastProtectedSize = 1 + 12 + 16;
 constexpr unsigned char c_protectedVersion = 1;
@@ -53,9 +53,9 @@ bool isAmbiguous(const std::wstring& address) {
 void checkPort(const std::wstring& name, const std::wstring& port, const Place& place,
                Faults& faults) {
   if (isNumber(port, 0, c_maxPort)) return;
-  faults.add(
-      "port-number", place,
-      "the port " + quoted(port) + " of \"" + narrow(name) + "\" is not a number from 0 to 65535");
+  faults.add("port-number", place,
+             "the port " + inQuotes(port) + " of \"" + narrow(name) +
+                 "\" is not a number from 0 to 65535");
 }
 
 void checkAddress(const ValueForm& form, const std::wstring& value, const Place& place,
@@ -63,8 +63,8 @@ void checkAddress(const ValueForm& form, const std::wstring& value, const Place&
   std::wstring host = hostOf(value);
   if (isAmbiguous(value)) {
     faults.add("ambiguous-address", place,
-               "\"" + narrow(form.name) + "\" is " + quoted(value) +
-                   ", which is read as the host " + quoted(host) + "; write [ADDRESS]:PORT");
+               "\"" + narrow(form.name) + "\" is " + inQuotes(value) +
+                   ", which is read as the host " + inQuotes(host) + "; write [ADDRESS]:PORT");
   } else if (host.size() != value.size()) {
     checkPort(form.name, value.substr(host.size() + 1), place, faults);
   }
@@ -76,7 +76,7 @@ void checkFlag(const ValueForm& form, const std::wstring& value, const Place& pl
                Faults& faults) {
   if (isNumber(value, 0, 1)) return;
   faults.add("flag-value", place,
-             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which is read as " +
+             "\"" + narrow(form.name) + "\" is " + inQuotes(value) + ", which is read as " +
                  (numberIn(value) != 0 ? "1" : "0"));
 }
 
@@ -85,7 +85,7 @@ void checkOrder(const ValueForm& form, const std::wstring& value, const Place& p
   using Limits = std::numeric_limits<int>;
   if (isNumber(value, Limits::min(), Limits::max())) return;
   faults.add("order-number", place,
-             "\"" + narrow(form.name) + "\" is " + quoted(value) + ", which is read as " +
+             "\"" + narrow(form.name) + "\" is " + inQuotes(value) + ", which is read as " +
                  std::to_string(numberIn(value)));
 }
 

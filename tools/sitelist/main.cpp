@@ -19,7 +19,7 @@
 namespace tool {
 namespace {
 
-constexpr const char* c_seeHelp = "\n  next: see `sitelist --help` or `sitelist COMMAND --help`";
+constexpr const char* c_seeHelp = "see `sitelist --help` or `sitelist COMMAND --help`";
 
 // The command behind --mesh-command may have options of its own, so it is taken off before the
 // command line is looked at.
@@ -62,7 +62,7 @@ void print(const Context& context, const Ending& ending) {
 
 int fail(const Context& context, const Failure& failure) {
   print(context, {context.command, failure.status(), &failure});
-  std::cerr << "sitelist: " << failure.what() << '\n';
+  std::cerr << "sitelist: " << failure.what() << "\n  next: " << failure.advice() << '\n';
   return failure.status();
 }
 
@@ -72,8 +72,7 @@ Failure withAdvice(const Context& context, const Failure& failure) {
   if (place.code != sitehlp::c_errorFileMissing || place.file != ownListPath(context)) {
     return failure;
   }
-  return Failure(failure.status(),
-                 failure.message() + "\n  next: create the agent's list with `sitelist import`",
+  return Failure(failure.status(), failure.what(), "create the agent's list with `sitelist import`",
                  place);
 }
 
@@ -117,13 +116,13 @@ int run(Context& context, std::vector<std::string> arguments) {
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
       lookForFormat(arguments, context);
-      return fail(context, Failure(exitUsage, shown(text) + c_seeHelp));
+      return fail(context, Failure(exitUsage, shown(text), c_seeHelp));
     case CommandLine::Outcome::Parsed:
       break;
   }
   if (!context.action) {
     if (formatOf(context) != Format::Table) {
-      return fail(context, Failure(exitUsage, std::string("a command is required") + c_seeHelp));
+      return fail(context, Failure(exitUsage, "a command is required", c_seeHelp));
     }
     std::cerr << line->help();
     return exitUsage;
@@ -134,9 +133,9 @@ int run(Context& context, std::vector<std::string> arguments) {
 }
 
 // The end of what nobody foresaw. A report may be what failed, so it is left out.
-int failInternally(Context& context, const std::string& reason, const char* next) {
+int failInternally(Context& context, const std::string& reason, const char* advice) {
   context.report.reset();
-  return fail(context, Failure(exitInternal, reason + "\n  next: " + next));
+  return fail(context, Failure(exitInternal, reason, advice));
 }
 
 int runAndCatch(std::vector<std::string> arguments) {

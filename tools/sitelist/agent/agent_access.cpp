@@ -22,11 +22,9 @@ host::AgentSettings settingsOf(const Context& context) {
   try {
     return host::readAgentSettings(context.agentDirectory);
   } catch (const host::SettingsError& e) {
-    throw Failure(
-        exitDocument,
-        shown(std::string(e.what())) +
-            "\n  next: correct the settings file, or move it away and run `sitelist init`",
-        {context.agentDirectory + "/agent.toml", 0, 0, 0});
+    throw Failure(exitDocument, shown(std::string(e.what())),
+                  "correct the settings file, or move it away and run `sitelist init`",
+                  {context.agentDirectory + "/agent.toml", 0, 0, 0});
   }
 }
 

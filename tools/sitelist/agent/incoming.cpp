@@ -36,8 +36,7 @@ Failure refusal(const std::string& file, int code) {
   std::string text =
       shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
   for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
-  return Failure(exitNegative,
-                 text + "\n  next: fix these errors; `sitelist explain-rule RULE` says how",
+  return Failure(exitNegative, text, "fix these errors; `sitelist explain-rule RULE` says how",
                  {file, code});
 }
 

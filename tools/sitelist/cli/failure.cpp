@@ -19,10 +19,9 @@ struct Meaning {
   int code;
   ExitStatus status;
   const char* meaning;
-  const char* next;
+  const char* advice;
 };
 
-constexpr const char* c_nextMark = "\n  next: ";
 constexpr const char* c_mendDocument =
     "fix the document at that place, or request it again from the server";
 constexpr const char* c_checkFile = "check that it is a regular file that you may read";
@@ -78,10 +77,8 @@ DocumentFault faultOf(const ReadWriteException& e) {
   return fault;
 }
 
-std::string compose(const std::string& path, int code, const std::string& meaning,
-                    const std::string& detail, const std::string& next) {
-  return shown(path) + ": " + meaning + " (" + formatCode(code) + ")\n" + detail +
-         (c_nextMark + 1) + next;
+std::string textWithCode(const std::string& path, int code, const std::string& meaning) {
+  return shown(path) + ": " + meaning + " (" + formatCode(code) + ")";
 }
 
 FailurePlace placeOf(const std::string& path, int code) {
@@ -99,12 +96,12 @@ FailurePlace placeOf(const std::string& path, int code, const DocumentFault& fau
 }
 
 std::string describe(const DocumentFault& fault) {
-  std::string text = "  ";
+  std::string text = "\n  ";
   if (fault.line != 0) {
     text +=
         "line " + std::to_string(fault.line) + ", column " + std::to_string(fault.column) + ": ";
   }
-  return text + fault.reason + "\n";
+  return text + fault.reason;
 }
 
 DocumentFault notWellFormed(unsigned long line, unsigned long column, const std::string& reason) {
@@ -114,8 +111,8 @@ DocumentFault notWellFormed(unsigned long line, unsigned long column, const std:
 // A fault that was found says more than the code, which may stand for several.
 Failure documentFailure(const std::string& name, const DocumentFault& fault, int code) {
   const Meaning& known = meaningOf(fault.code);
-  return Failure(fault.status, compose(name, code, known.meaning, describe(fault), known.next),
-                 placeOf(name, code, fault));
+  return Failure(fault.status, textWithCode(name, code, known.meaning) + describe(fault),
+                 known.advice, placeOf(name, code, fault));
 }
 
 // Parses the text that `getText` gives; tells what stops it from being a document.
@@ -139,25 +136,15 @@ std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
 
 }  // namespace
 
-Failure::Failure(ExitStatus status, const std::string& text, FailurePlace place)
-    : std::runtime_error(text), m_status(status), m_place(std::move(place)) {}
+Failure::Failure(ExitStatus status, const std::string& text, const std::string& advice,
+                 FailurePlace place)
+    : std::runtime_error(text), m_status(status), m_advice(advice), m_place(std::move(place)) {}
 Failure::Failure(const Failure&) = default;
 Failure::~Failure() = default;
 
-std::string Failure::message() const {
-  const std::string text = what();
-  return text.substr(0, text.find(c_nextMark));
-}
-
-std::string Failure::next() const {
-  const std::string text = what();
-  const std::size_t at = text.find(c_nextMark);
-  return at == std::string::npos ? "" : text.substr(at + std::strlen(c_nextMark));
-}
-
 Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
-                  const std::string& next) {
-  return Failure(status, shown(path) + ": " + text + c_nextMark + next, placeOf(path, 0));
+                  const std::string& advice) {
+  return Failure(status, shown(path) + ": " + text, advice, placeOf(path, 0));
 }
 
 std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
@@ -203,19 +190,18 @@ Failure libraryFailure(const std::string& path, int code) {
   if (isAboutReading) {
     if (const auto fault = findDocumentFault(path)) return documentFailure(path, *fault, code);
   }
-  return Failure(known.status, compose(path, code, known.meaning, "", known.next),
-                 placeOf(path, code));
+  return libraryFailure(path, code, known.status, known.meaning, known.advice);
 }
 
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
   const Meaning& known = meaningOf(code);
   if (const auto fault = findFaultInBytes(bytes)) return documentFailure(name, *fault, code);
-  return libraryFailure(name, code, known.status, known.meaning, known.next);
+  return libraryFailure(name, code, known.status, known.meaning, known.advice);
 }
 
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
-                       const std::string& meaning, const std::string& next) {
-  return Failure(status, compose(path, code, meaning, "", next), placeOf(path, code));
+                       const std::string& meaning, const std::string& advice) {
+  return Failure(status, textWithCode(path, code, meaning), advice, placeOf(path, code));
 }
 
 }  // namespace tool

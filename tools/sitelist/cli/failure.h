@@ -22,27 +22,28 @@ struct FailurePlace {
   unsigned long column = 0;  // both 0 where no place in a document is meant
 };
 
-// Ends a command. what() is the message and, after "\n  next: ", the advice. Both are printable
-// text.
+// Ends a command. what() is the text; the advice says what to do next. Both are printable, and
+// both may have several lines.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitStatus status, const std::string& text, FailurePlace place = {});
+  Failure(ExitStatus status, const std::string& text, const std::string& advice,
+          FailurePlace place = {});
   Failure(const Failure&);
   ~Failure() override;
 
   ExitStatus status() const { return m_status; }
+  const std::string& advice() const { return m_advice; }
   const FailurePlace& place() const { return m_place; }
-  std::string message() const;
-  std::string next() const;  // empty when there is no advice
 
  private:
   ExitStatus m_status;
+  std::string m_advice;
   FailurePlace m_place;
 };
 
-// A failure that is about a file or directory: "PATH: TEXT", and what to do next.
+// A failure that is about a file or directory: its text is "PATH: TEXT".
 Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
-                  const std::string& next);
+                  const std::string& advice);
 
 // Why a file cannot be read as a document.
 struct DocumentFault {
@@ -72,7 +73,7 @@ Failure libraryFailure(const std::string& path, int code);
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code);
 // The same with a meaning, advice and exit status of its own in place of the code's.
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
-                       const std::string& meaning, const std::string& next);
+                       const std::string& meaning, const std::string& advice);
 
 }  // namespace tool
 

@@ -54,8 +54,9 @@ std::optional<int> daysOf(const CertsOptions& options) {
   const char* const end = options.expiring.data() + options.expiring.size();
   const auto [stop, error] = std::from_chars(options.expiring.data(), end, days);
   if (error != std::errc() || stop != end || days < 0) {
-    throw Failure(exitUsage, "--expiring: \"" + shown(options.expiring) +
-                                 "\" is not a number of days\n  next: give a number such as 30");
+    throw Failure(exitUsage,
+                  "--expiring: \"" + shown(options.expiring) + "\" is not a number of days",
+                  "give a number such as 30");
   }
   return days;
 }

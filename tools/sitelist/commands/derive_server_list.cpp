@@ -6,7 +6,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
-#include "tools/sitelist/edit/edit_failure.h"
+#include "tools/sitelist/edit/list_editor.h"
 
 namespace tool {
 namespace {

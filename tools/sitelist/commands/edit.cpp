@@ -103,9 +103,8 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
     });
   }
   if (options.isPasswordFromInput && !options.passwordFile.empty()) {
-    throw Failure(exitUsage,
-                  "--password-stdin and --password-file exclude each other\n  next: give only one "
-                  "of them");
+    throw Failure(exitUsage, "--password-stdin and --password-file exclude each other",
+                  "give only one of them");
   }
   Password password;
   password.read(options.passwordFile);
@@ -121,7 +120,7 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
 
 int setValues(Context& context, const EditArguments& options) {
   if (options.assignments.empty() && !options.isPasswordFromInput && options.passwordFile.empty()) {
-    throw Failure(exitUsage, "there is nothing to set\n  next: give FIELD=VALUE, or a password");
+    throw Failure(exitUsage, "there is nothing to set", "give FIELD=VALUE, or a password");
   }
   return editValues(context, options, setFields);
 }
@@ -129,15 +128,12 @@ int setValues(Context& context, const EditArguments& options) {
 int moveInOrder(Context& context, const EditArguments& options) {
   const bool isRelative = options.place == "before" || options.place == "after";
   if (isRelative && options.other.empty()) {
-    throw Failure(exitUsage, "the site to move " + options.place +
-                                 " is missing\n  next: add its name, as in `sitelist edit move "
-                                 "Depot " +
-                                 options.place + " Offices`");
+    throw Failure(exitUsage, "the site to move " + options.place + " is missing",
+                  "add its name, as in `sitelist edit move Depot " + options.place + " Offices`");
   }
   if (!isRelative && !options.other.empty()) {
-    throw Failure(exitUsage, "\"" + shown(options.place) +
-                                 "\" takes no other site\n  next: use before or after with \"" +
-                                 shown(options.other) + "\", or leave it out");
+    throw Failure(exitUsage, "\"" + shown(options.place) + "\" takes no other site",
+                  "use before or after with \"" + shown(options.other) + "\", or leave it out");
   }
   return performEdit(context, options.list, [&](ListEditor& list) {
     return moveSite(list, options.site, options.place, options.other);
@@ -299,7 +295,7 @@ void addEdit(Command& app, Context& context) {
       for (const auto& [edit, action] : *edits) {
         if (edit.parsed()) return action(context, *options);
       }
-      throw Failure(exitUsage, "a subcommand is missing\n  next: see `sitelist edit --help`");
+      throw Failure(exitUsage, "a subcommand is missing", "see `sitelist edit --help`");
     };
   });
 }

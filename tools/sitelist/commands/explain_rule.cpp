@@ -61,8 +61,8 @@ const Rule& requireRule(const std::string& name) {
   if (const Rule* const rule = findRule(name)) return *rule;
   std::vector<std::string> known;
   for (const Rule& rule : allRules()) known.emplace_back(rule.name);
-  throw Failure(exitNotFound, "unknown rule \"" + shown(name) + "\"" + suggestion(name, known) +
-                                  "\n  next: list all rules with `sitelist explain-rule`");
+  throw Failure(exitNotFound, "unknown rule \"" + shown(name) + "\"" + suggestion(name, known),
+                "list all rules with `sitelist explain-rule`");
 }
 
 Report reportOfAll() {

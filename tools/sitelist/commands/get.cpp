@@ -24,11 +24,11 @@ struct GetOptions {
 };
 
 [[noreturn]] void failUnknownField(const std::string& field, const std::string& known) {
-  throw Failure(exitUsage, "unknown field \"" + shown(field) + "\"\n  next: use one of " + known);
+  throw Failure(exitUsage, "unknown field \"" + shown(field) + "\"", "use one of " + known);
 }
 
-Failure missing(const SiteList& list, const std::string& what, const std::string& next) {
-  return failureAt(list.path, exitNotFound, what, next);
+Failure missing(const SiteList& list, const std::string& what, const std::string& advice) {
+  return failureAt(list.path, exitNotFound, what, advice);
 }
 
 const tag_Site& findSite(const SiteList& list, const GetOptions& options) {

@@ -66,10 +66,8 @@ host::AgentSettings settingsFrom(Context& context, const InitOptions& options) {
   }
   if (options.hasMeshCommand &&
       (context.meshCommand.empty() || !fs::path(context.meshCommand.front()).is_absolute())) {
-    throw Failure(
-        exitUsage,
-        "--mesh-command: the full path of a program is missing\n  next: end the command line "
-        "with --mesh-command /full/path/of/program ARG...");
+    throw Failure(exitUsage, "--mesh-command: the full path of a program is missing",
+                  "end the command line with --mesh-command /full/path/of/program ARG...");
   }
   return settings;
 }
@@ -88,8 +86,8 @@ int init(Context& context, const InitOptions& options) {
   try {
     host::setAgent(settings);
   } catch (const host::SettingsError& refusal) {
-    throw Failure(exitUsage, std::string(refusal.what()) +
-                                 "\n  next: name another directory with --agent-dir");
+    throw Failure(exitUsage, std::string(refusal.what()),
+                  "name another directory with --agent-dir");
   }
   recordLog(context.verbose);
   for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);

@@ -72,9 +72,8 @@ int previewMerge(Context& context, const MergeOptions& options) {
 int merge(Context& context, const MergeOptions& options) {
   if (options.dryRun) return previewMerge(context, options);
   if (options.output.empty() && (context.json || context.format != "table")) {
-    throw Failure(exitUsage,
-                  "the merged list is an XML document and has no other format\n  next: leave "
-                  "--format out, or write the list to a file with --output");
+    throw Failure(exitUsage, "the merged list is an XML document and has no other format",
+                  "leave --format out, or write the list to a file with --output");
   }
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);

@@ -7,7 +7,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
-#include "tools/sitelist/edit/edit_failure.h"
+#include "tools/sitelist/edit/list_editor.h"
 #include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/validate/validation.h"
 

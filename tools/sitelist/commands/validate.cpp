@@ -84,12 +84,11 @@ Report reportOf(std::vector<CheckedList> lists, bool strict) {
 
 void requireSense(const ValidateOptions& options) {
   if (options.managed && options.unmanaged) {
-    throw Failure(exitUsage,
-                  "--managed and --unmanaged exclude each other\n  next: give at most one of them");
+    throw Failure(exitUsage, "--managed and --unmanaged exclude each other",
+                  "give at most one of them");
   }
   if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
-    throw Failure(exitUsage,
-                  "standard input can be read only once\n  next: give \"-\" at most once");
+    throw Failure(exitUsage, "standard input can be read only once", "give \"-\" at most once");
   }
 }
 

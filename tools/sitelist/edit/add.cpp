@@ -30,8 +30,8 @@ std::int64_t nextOrder(ListEditor& list) {
     if (hasPlace(*entry.record)) last = std::max<std::int64_t>(last, entry.record->iOrder);
   }
   if (last == std::numeric_limits<std::int32_t>::max()) {
-    throw Failure(exitUsage,
-                  "order: there is no free number after the last site\n  next: give order=NUMBER");
+    throw Failure(exitUsage, "order: there is no free number after the last site",
+                  "give order=NUMBER");
   }
   return last + 1;
 }
@@ -89,15 +89,14 @@ Outcome addSite(ListEditor& list, const SiteName& name, const std::vector<std::s
   refusePortAlone(nullptr, given);
   const std::string title = titleOf(name);
   if (name.name.empty()) {
-    throw Failure(exitUsage, "a site must have a name\n  next: give it a name");
+    throw Failure(exitUsage, "a site must have a name", "give it a name");
   }
   for (const Entry* site : sitesNamed(list, name)) {
     const std::string names = differences(*site, rules, given);
     if (names.empty()) return {"", title + " exists already"};
-    std::string text = shown(list.path()) + ": " + title + " exists already, with other values";
-    text += "\n  it differs in " + names +
-            "\n  next: change it with `sitelist edit set`, or use another name";
-    throw Failure(exitConflict, text, {list.path()});
+    throw failureAt(list.path(), exitConflict,
+                    title + " exists already, with other values\n  it differs in " + names,
+                    "change it with `sitelist edit set`, or use another name");
   }
   list.add(rules.element, completed(list, rules, given));
   return {"added " + title, ""};

@@ -48,10 +48,8 @@ int replaceLike(const std::string& like, const std::string& to, const std::strin
 }
 
 [[noreturn]] void failToWrite(const std::string& path, const std::string& what, int error) {
-  throw Failure(exitFile,
-                shown(path) + ": " + what + ": " + std::strerror(error) +
-                    "\n  next: check that you may write there and that there is free space",
-                {path});
+  throw failureAt(path, exitFile, what + ": " + std::strerror(error),
+                  "check that you may write there and that there is free space");
 }
 
 }  // namespace
@@ -70,17 +68,12 @@ std::string readBackup(const std::string& list) {
   std::string bytes;
   const int error = host::readRegularFile(path, c_maxInputBytes, bytes);
   if (error == ENOENT) {
-    throw Failure(exitNotFound,
-                  shown(path) +
-                      ": there is no backup\n  next: use --backup with edits that "
-                      "you may want to undo",
-                  {path});
+    throw failureAt(path, exitNotFound, "there is no backup",
+                    "use --backup with edits that you may want to undo");
   }
   if (error) {
-    throw Failure(exitFile,
-                  shown(path) + ": cannot be read: " + std::strerror(error) +
-                      "\n  next: check that it is a regular file that you may read",
-                  {path});
+    throw failureAt(path, exitFile, std::string("cannot be read: ") + std::strerror(error),
+                    "check that it is a regular file that you may read");
   }
   return bytes;
 }

@@ -1,11 +1,12 @@
 #include "tools/sitelist/edit/list_editor.h"
 
 #include <algorithm>
+#include <filesystem>
 
+#include "sitehlp/result_codes.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
-#include "tools/sitelist/edit/edit_failure.h"
 #include "tools/sitelist/edit/element_edit.h"
 
 namespace tool {
@@ -31,6 +32,28 @@ bool isLostPassword(const AnXmlNode& site, const Wanted& wanted) {
 
 }  // namespace
 
+void failIfNotEditable(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) {
+    throw libraryFailure(path, sitehlp::c_errorFileMissing);
+  }
+  if (findDocumentFault(path)) throw libraryFailure(path, sitehlp::c_errorParse);
+  AnXml document;
+  if (!document.useExistingFile(wide(path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
+                                WX_XML_SITELISTS_NAMESPACE)) {
+    throw failureAt(path, exitDocument,
+                    "the document is not a site list\n  its root is not \"ns:SiteLists\" with "
+                    "xmlns:ns=\"wxSiteList\"",
+                    "check that it is the right file");
+  }
+  AnXmlNode siteList;
+  if (!AnXmlNode(&document).getExistingChild(siteList, WX_XML_SITELIST, nullptr, nullptr, nullptr,
+                                             nullptr)) {
+    throw failureAt(path, exitDocument, "the document has no \"SiteList\"",
+                    "check that it is the right file");
+  }
+}
+
 ListEditor::ListEditor(const SiteList& list) : m_list(list) {
   failIfNotEditable(list.path);
   const tag_Site* record = list.sites.get();
@@ -45,9 +68,7 @@ ListEditor::ListEditor(const SiteList& list) : m_list(list) {
     }
     if (!record && !index.moveNext(element)) return;
   }
-  throw Failure(exitConflict,
-                shown(list.path) + ": the file changed while it was read\n  next: try again",
-                {list.path});
+  throw failureAt(list.path, exitConflict, "the file changed while it was read", "try again");
 }
 
 void ListEditor::set(Entry& entry, const Wanted& wanted) {

@@ -10,6 +10,10 @@
 
 namespace tool {
 
+// Fails when a file cannot be edited as a site list: it is missing or no document, its root is not
+// that of a site list, or it has no "SiteList". The operations that edit documents only say no.
+void failIfNotEditable(const std::string& path);
+
 // A list that is being edited: its document and, to each site element, the record that the library
 // read from it. It notes every change, so that a reading of the changed document can be held
 // against what was meant. Handles and records stay valid as long as the object and its list.

@@ -12,19 +12,16 @@ using Entry = ListEditor::Entry;
 
 [[noreturn]] void failAmbiguous(const ListEditor& list, const SiteName& name,
                                 const std::vector<Entry*>& sites) {
-  std::string text = shown(list.path()) + ": several sites are named \"" + shown(name.name) + "\"";
+  std::string text = "several sites are named \"" + shown(name.name) + "\"";
   bool haveOneKind = true;
   for (const Entry* site : sites) {
     text += "\n  " + titleOf(*site->record) + ", order " + std::to_string(site->record->iOrder);
     haveOneKind = haveOneKind &&
                   findRules(kindOf(*site->record)) == findRules(kindOf(*sites.front()->record));
   }
-  throw Failure(exitConflict,
-                text + "\n  next: " +
-                    (haveOneKind ? "give them different names in the document; "
-                                   "they have the same kind"
-                                 : "choose one with --kind KIND"),
-                {list.path()});
+  throw failureAt(list.path(), exitConflict, text,
+                  haveOneKind ? "give them different names in the document; they have the same kind"
+                              : "choose one with --kind KIND");
 }
 
 }  // namespace
@@ -58,10 +55,8 @@ Entry& siteNamed(ListEditor& list, const SiteName& name) {
 }
 
 void failNotThere(const ListEditor& list, const SiteName& name) {
-  throw Failure(exitNotFound,
-                shown(list.path()) + ": there is no " + titleOf(name) +
-                    "\n  next: list all sites with `sitelist show`",
-                {list.path()});
+  throw failureAt(list.path(), exitNotFound, "there is no " + titleOf(name),
+                  "list all sites with `sitelist show`");
 }
 
 }  // namespace tool

@@ -31,9 +31,9 @@ Entry& movable(ListEditor& list, const SiteName& name) {
   const char* const what = site.record->eSiteKind == sitehlp::SITE_KIND_PROXY ? "a proxy"
                            : site.record->bMirror                             ? "a mirror"
                                                   : "a fallback without an order";
-  throw Failure(exitUsage, titleOf(*site.record) + ": " + what +
-                               " has no place in the search order\n  next: move another site, or "
-                               "give this one another type or an order with `sitelist edit set`");
+  throw Failure(
+      exitUsage, titleOf(*site.record) + ": " + what + " has no place in the search order",
+      "move another site, or give this one another type or an order with `sitelist edit set`");
 }
 
 // Where among the `others` the site goes.
@@ -44,10 +44,9 @@ std::size_t position(const std::vector<Entry*>& others, const std::string& place
                         place.find_first_not_of("0123456789") == std::string::npos;
   const std::size_t number = isNumber ? std::strtoul(place.c_str(), nullptr, 10) : 0;
   if (number == 0 || number > others.size() + 1) {
-    throw Failure(exitUsage, "\"" + shown(place) +
-                                 "\" is not a place in the search order\n  next: " +
-                                 "use first, last, before SITE, after SITE or a number from 1 to " +
-                                 std::to_string(others.size() + 1));
+    throw Failure(exitUsage, "\"" + shown(place) + "\" is not a place in the search order",
+                  "use first, last, before SITE, after SITE or a number from 1 to " +
+                      std::to_string(others.size() + 1));
   }
   return number - 1;
 }
@@ -63,9 +62,9 @@ void renumber(ListEditor& list, const std::vector<Entry*>& before,
     const bool mayShare = !previous || previous < after[i];
     order = std::max<std::int64_t>(before[i]->record->iOrder, mayShare ? order : order + 1);
     if (order > std::numeric_limits<std::int32_t>::max()) {
-      throw Failure(exitUsage, shown(list.path()) +
-                                   ": the order numbers are too large to redistribute\n  next: "
-                                   "give the last sites smaller ones with `sitelist edit set`");
+      throw Failure(exitUsage,
+                    shown(list.path()) + ": the order numbers are too large to redistribute",
+                    "give the last sites smaller ones with `sitelist edit set`");
     }
     const KindRules& rules = *findRules(kindOf(*after[i]->record));
     list.set(*after[i], wantedNumber(*findField(rules, "order"), order));
@@ -92,9 +91,8 @@ Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& plac
   if (place == "before" || place == "after") {
     at = std::find(after.begin(), after.end(), &movable(list, {other, ""}));
     if (at == after.end()) {
-      throw Failure(exitUsage, titleOf(*site.record) +
-                                   " cannot be moved before or after itself\n  next: name "
-                                   "another site");
+      throw Failure(exitUsage, titleOf(*site.record) + " cannot be moved before or after itself",
+                    "name another site");
     }
     if (place == "after") ++at;
   } else {

@@ -17,9 +17,8 @@ Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled) {
   const std::string title = titleOf(*site.record);
   const FieldRule* const rule = findField(rulesOf(site), "enabled");
   if (!rule) {
-    throw Failure(exitUsage, title +
-                                 ": a proxy cannot be enabled or disabled\n  next: remove it with "
-                                 "`sitelist edit remove`");
+    throw Failure(exitUsage, title + ": a proxy cannot be enabled or disabled",
+                  "remove it with `sitelist edit remove`");
   }
   list.set(site, wantedNumber(*rule, isEnabled ? 1 : 0));
   const std::string state = isEnabled ? "enabled" : "disabled";
@@ -59,15 +58,13 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
   if (newName.empty()) {
-    throw Failure(exitUsage, title + ": the new name is empty\n  next: give another one");
+    throw Failure(exitUsage, title + ": the new name is empty", "give another one");
   }
   const Wanted value = wantedText(*findField(rulesOf(site), "name"), newName);
   if (isTaken) {
-    throw Failure(exitConflict,
-                  shown(list.path()) + ": the new name is already that of " +
-                      titleOf(*holders.front()->record) +
-                      "\n  next: choose another name, or remove that site",
-                  {list.path()});
+    throw failureAt(list.path(), exitConflict,
+                    "the new name is already that of " + titleOf(*holders.front()->record),
+                    "choose another name, or remove that site");
   }
   list.set(site, value);
   return {"renamed " + title + " to \"" + shown(newName) + "\"", ""};

@@ -12,7 +12,6 @@
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/edit/backup.h"
-#include "tools/sitelist/edit/edit_failure.h"
 
 namespace fs = std::filesystem;
 
@@ -25,9 +24,8 @@ unsigned int milliseconds(const std::string& seconds) {
                         seconds.find_first_not_of("0123456789") == std::string::npos;
   const unsigned long number = isNumber ? std::strtoul(seconds.c_str(), nullptr, 10) : c_most + 1;
   if (number > c_most) {
-    throw Failure(exitUsage, "--wait: \"" + shown(seconds) +
-                                 "\" is not a number of seconds\n  next: give a number from 0 to " +
-                                 std::to_string(c_most));
+    throw Failure(exitUsage, "--wait: \"" + shown(seconds) + "\" is not a number of seconds",
+                  "give a number from 0 to " + std::to_string(c_most));
   }
   return static_cast<unsigned int>(number) * 1000;
 }
@@ -47,12 +45,10 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
   SiteList after = readSiteList(draft);
   after.path = list.path();
   if (list.isAsMeant(after)) return after;
-  throw Failure(exitDocument,
-                shown(list.path()) +
-                    ": the agent would not read the changed document as intended, so "
-                    "nothing was written\n  next: look at the site in the document; "
-                    "its form may be one that the agent reads differently",
-                {list.path()});
+  throw failureAt(
+      list.path(), exitDocument,
+      "the agent would not read the changed document as intended, so nothing was written",
+      "look at the site in the document; its form may be one that the agent reads differently");
 }
 
 void previewEdit(Context& context, const SiteList& before, const SiteList& after,
@@ -84,17 +80,11 @@ void ListAccess::lock(unsigned int waitMilliseconds) {
   const std::size_t logged = logRecords().size();
   if (m_lock.lock(waitMilliseconds)) return;
   if (logRecords().size() != logged) {
-    throw Failure(exitFile,
-                  shown(m_path) +
-                      ": the agent's locks cannot be used\n  next: check that you may "
-                      "write in the directory \"locks\" of the agent",
-                  {m_path});
+    throw failureAt(m_path, exitFile, "the agent's locks cannot be used",
+                    "check that you may write in the directory \"locks\" of the agent");
   }
-  throw Failure(exitConflict,
-                shown(m_path) +
-                    ": locked by another process of the agent\n  next: try again, "
-                    "or wait longer with --wait SECONDS",
-                {m_path});
+  throw failureAt(m_path, exitConflict, "locked by another process of the agent",
+                  "try again, or wait longer with --wait SECONDS");
 }
 
 int performEdit(Context& context, const EditOptions& options,
@@ -124,7 +114,7 @@ int performEdit(Context& context, const EditOptions& options,
 int restoreBackup(Context& context, const EditOptions& options) {
   if (options.backup) {
     throw Failure(exitUsage,
-                  "--backup cannot be used with restore, which needs the existing backup\n  next: "
+                  "--backup cannot be used with restore, which needs the existing backup",
                   "leave --backup out");
   }
   const ListAccess access(context, options);

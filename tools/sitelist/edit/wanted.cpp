@@ -13,8 +13,9 @@ namespace {
 // What the reader of a record takes: it counts a delimiter even for the first host.
 constexpr std::size_t c_hostsLimit = 4000;
 
-[[noreturn]] void refuse(const FieldRule& rule, const std::string& what, const std::string& next) {
-  throw Failure(exitUsage, std::string(rule.name) + ": " + what + "\n  next: " + next);
+[[noreturn]] void refuse(const FieldRule& rule, const std::string& what,
+                         const std::string& advice) {
+  throw Failure(exitUsage, std::string(rule.name) + ": " + what, advice);
 }
 
 bool isXmlCharacter(wchar_t c) {
@@ -88,27 +89,28 @@ bool isPasswordName(const std::string& name) {
 
 [[noreturn]] void refuseField(const KindRules& rules, const std::string& name) {
   if (name == "name") {
-    throw Failure(exitUsage,
-                  "the name is not set as a field\n  next: use `sitelist edit rename OLD NEW`");
+    throw Failure(exitUsage, "the name is not set as a field",
+                  "use `sitelist edit rename OLD NEW`");
   }
   throw Failure(exitUsage,
                 "\"" + shown(name) + "\" is not a field that can be set; the fields of kind " +
-                    rules.kind + " are\n" + fieldNames(rules, "  ") + "\n  next: use one of them");
+                    rules.kind + " are\n" + fieldNames(rules, "  "),
+                "use one of them");
 }
 
 Wanted parse(const KindRules& rules, const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
   // What has no "=" may be a password that was mistyped, so it is not repeated.
   if (equals == std::string::npos) {
-    throw Failure(exitUsage, "an argument has no \"=\"\n  next: give every field as FIELD=VALUE");
+    throw Failure(exitUsage, "an argument has no \"=\"", "give every field as FIELD=VALUE");
   }
   const std::string name = assignment.substr(0, equals);
   if (isPasswordName(name)) {
-    throw Failure(exitUsage,
-                  name +
-                      ": a password does not belong on the command line, where everybody can see "
-                      "it\n  next: use --password-stdin or --password-file FILE" +
-                      (name == "password" ? "" : " with --password-field " + name));
+    throw Failure(
+        exitUsage,
+        name + ": a password does not belong on the command line, where everybody can see it",
+        std::string("use --password-stdin or --password-file FILE") +
+            (name == "password" ? "" : " with --password-field " + name));
   }
   const FieldRule* const rule = findField(rules, name);
   if (!rule || name == "name") refuseField(rules, name);
@@ -124,9 +126,9 @@ Wanted givenPassword(const KindRules& rules, const GivenPassword& password) {
     if (each.form == FieldForm::Password)
       names += (names.empty() ? "" : ", ") + std::string(each.name);
   }
-  throw Failure(exitUsage, "\"" + shown(password.field) + "\" is not a password field of kind " +
-                               rules.kind +
-                               "\n  next: use one of these with --password-field: " + names);
+  throw Failure(exitUsage,
+                "\"" + shown(password.field) + "\" is not a password field of kind " + rules.kind,
+                "use one of these with --password-field: " + names);
 }
 
 }  // namespace
@@ -203,8 +205,8 @@ void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<Wanted>&
       if (value.rule == serverRule) hasServer = !value.text.empty();
     }
     if (!hasPort || hasServer) continue;
-    throw Failure(exitUsage, std::string(port) + ": there is no " + server +
-                                 " for this port\n  next: set " + server + " as well");
+    throw Failure(exitUsage, std::string(port) + ": there is no " + server + " for this port",
+                  std::string("set ") + server + " as well");
   }
 }
 

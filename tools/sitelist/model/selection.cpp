@@ -103,7 +103,7 @@ void requireColumn(const std::string& name) {
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
   std::string known;
   for (const std::string& each : names) known += (known.empty() ? "" : ", ") + each;
-  throw Failure(exitUsage, "unknown column \"" + shown(name) + "\"\n  next: use one of " + known);
+  throw Failure(exitUsage, "unknown column \"" + shown(name) + "\"", "use one of " + known);
 }
 
 std::wstring cellOf(const tag_Site& site, const std::string& column, bool showSecrets) {

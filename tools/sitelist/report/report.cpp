@@ -43,8 +43,8 @@ Record factsOf(const Failure& failure) {
   const FailurePlace& place = failure.place();
   Record facts = {{"status", std::int64_t{failure.status()}},
                   {"name", std::string(nameOf(failure.status()))},
-                  {"message", failure.message()},
-                  {"next", orNull(failure.next())},
+                  {"message", std::string(failure.what())},
+                  {"next", failure.advice()},
                   {"file", orNull(place.file)},
                   {"line", Scalar()},
                   {"column", Scalar()},

@@ -65,7 +65,7 @@ bool isWordedAs(const std::wstring& text, const Wording& wording) {
   return text.rfind(wording.begin, 0) == 0 && endsWith(text, wording.end);
 }
 
-std::string textOf(const std::wstring& logged, const Wording& wording) {
+std::string ruleText(const std::wstring& logged, const Wording& wording) {
   const std::string text = wording.text;
   const std::string beforeValue = "not ";
   if (text.compare(text.size() - beforeValue.size(), beforeValue.size(), beforeValue) != 0) {
@@ -89,7 +89,7 @@ void addBrokenRules(const PlacedElement& root, bool isBesideKeys, Faults& faults
       const Place place = placeOf(wording.rule, root);
       const bool isKeyRule = endsWith(wording.end, L"key.bin is invalid");
       if (!isKeyRule || isBesideKeys) {
-        faults.add(wording.rule, place, textOf(record.text, wording));
+        faults.add(wording.rule, place, ruleText(record.text, wording));
       } else if (!faults.has("key-files-unchecked")) {
         faults.add("key-files-unchecked", place,
                    "the server has a version, but there is no directory in which to look for its "
@@ -142,9 +142,8 @@ Failure lastSiteFailure(const std::string& path) {
                  shown(path) + ": the last site of the list is of unknown kind (" +
                      formatCode(code) + ")\n  line " + std::to_string(place.line) + ", column " +
                      std::to_string(place.column) + ": unknown site element " +
-                     shown(inQuotes(site->element.GetName())) +
-                     "\n  next: correct the name of the element",
-                 {path, code, place.line, place.column});
+                     shown(inQuotes(site->element.GetName())),
+                 "correct the name of the element", {path, code, place.line, place.column});
 }
 
 std::vector<Fault> brokenRules(const std::string& path) {

@@ -68,12 +68,12 @@ int fail(const Context& context, const Failure& failure) {
 
 // The agent's own list may just not have been imported yet.
 Failure withAdvice(const Context& context, const Failure& failure) {
-  const FailurePlace& place = failure.place();
-  if (place.code != sitehlp::c_errorFileMissing || place.file != ownListPath(context)) {
+  const FailureOrigin& origin = failure.origin();
+  if (origin.code != sitehlp::c_errorFileMissing || origin.file != ownListPath(context)) {
     return failure;
   }
   return Failure(failure.status(), failure.what(), "create the agent's list with `sitelist import`",
-                 place);
+                 origin);
 }
 
 int perform(Context& context) {

@@ -63,7 +63,7 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
 }
 
 void failIncoming(const IncomingOptions& options, const std::string& ownList, int code) {
-  const auto document = findDocumentFault(options.file);
+  const auto document = findReadError(options.file);
   if (code == sitehlp::c_errorValidation || code == sitehlp::c_errorNoServerSite ||
       code == sitehlp::c_errorNoPath) {
     throw refusal(options.file, code);

@@ -60,65 +60,65 @@ const Meaning& meaningOf(int code) {
   return unknown;
 }
 
-DocumentFault faultOf(const ReadWriteException& e) {
-  DocumentFault fault;
-  fault.code = e.GetErrorCode();
-  fault.status = meaningOf(e.GetErrorCode()).status;
-  fault.rule = e.GetErrorCode() == ReadWriteException::INVALID_ENCODING ? "invalid-encoding"
+ReadError readErrorOf(const ReadWriteException& e) {
+  ReadError error;
+  error.code = e.GetErrorCode();
+  error.status = meaningOf(e.GetErrorCode()).status;
+  error.rule = e.GetErrorCode() == ReadWriteException::INVALID_ENCODING ? "invalid-encoding"
                : e.GetErrorCode() == ReadWriteException::LIMIT_EXCEEDED ? "over-limit"
                                                                         : "unreadable-file";
-  fault.line = e.GetLine();
-  fault.column = e.GetColumn();
-  fault.reason = shown(std::string(e.what()));
+  error.line = e.GetLine();
+  error.column = e.GetColumn();
+  error.reason = shown(std::string(e.what()));
   if (e.GetSystemError() != 0 &&
-      fault.reason.find(std::strerror(e.GetSystemError())) == std::string::npos) {
-    fault.reason += std::string(": ") + std::strerror(e.GetSystemError());
+      error.reason.find(std::strerror(e.GetSystemError())) == std::string::npos) {
+    error.reason += std::string(": ") + std::strerror(e.GetSystemError());
   }
-  return fault;
+  return error;
 }
 
 std::string textWithCode(const std::string& path, int code, const std::string& meaning) {
   return shown(path) + ": " + meaning + " (" + formatCode(code) + ")";
 }
 
-FailurePlace placeOf(const std::string& path, int code) {
-  FailurePlace place;
-  place.file = path;
-  place.code = code;
-  return place;
+FailureOrigin originOf(const std::string& path, int code) {
+  FailureOrigin origin;
+  origin.file = path;
+  origin.code = code;
+  return origin;
 }
 
-FailurePlace placeOf(const std::string& path, int code, const DocumentFault& fault) {
-  FailurePlace place = placeOf(path, code);
-  place.line = fault.line;
-  place.column = fault.column;
-  return place;
+FailureOrigin originOf(const std::string& path, int code, const ReadError& error) {
+  FailureOrigin origin = originOf(path, code);
+  origin.line = error.line;
+  origin.column = error.column;
+  return origin;
 }
 
-std::string describe(const DocumentFault& fault) {
+std::string describe(const ReadError& error) {
   std::string text = "\n  ";
-  if (fault.line != 0) {
+  if (error.line != 0) {
     text +=
-        "line " + std::to_string(fault.line) + ", column " + std::to_string(fault.column) + ": ";
+        "line " + std::to_string(error.line) + ", column " + std::to_string(error.column) + ": ";
   }
-  return text + fault.reason;
+  return text + error.reason;
 }
 
-DocumentFault notWellFormed(unsigned long line, unsigned long column, const std::string& reason) {
+ReadError notWellFormed(unsigned long line, unsigned long column, const std::string& reason) {
   return {exitDocument, "not-well-formed", line, column, reason, sitehlp::c_errorParse};
 }
 
-// A fault that was found says more than the code, which may stand for several.
-Failure documentFailure(const std::string& name, const DocumentFault& fault, int code) {
-  const Meaning& known = meaningOf(fault.code);
-  return Failure(fault.status, textWithCode(name, code, known.meaning) + describe(fault),
-                 known.advice, placeOf(name, code, fault));
+// An error in the document says more than the code, which may stand for several.
+Failure readFailure(const std::string& name, const ReadError& error, int code) {
+  const Meaning& known = meaningOf(error.code);
+  return Failure(error.status, textWithCode(name, code, known.meaning) + describe(error),
+                 known.advice, originOf(name, code, error));
 }
 
 // Parses the text that `getText` gives; tells what stops it from being a document.
 template <typename GetText>
-std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
-                                   std::unique_ptr<AdvXMLParser::Document>& document) {
+std::optional<ReadError> parse(GetText getText, std::wstring& text,
+                               std::unique_ptr<AdvXMLParser::Document>& document) {
   try {
     std::string utf8;
     AdvXMLParser::WrittenIn writtenIn{AdvXMLParser::UTF_8};
@@ -130,25 +130,25 @@ std::optional<DocumentFault> parse(GetText getText, std::wstring& text,
   } catch (const AdvXMLParser::ParsingException& e) {
     return notWellFormed(e.GetLine(), e.GetColumn(), shown(e.GetReason()));
   } catch (const ReadWriteException& e) {
-    return faultOf(e);
+    return readErrorOf(e);
   }
 }
 
 }  // namespace
 
 Failure::Failure(ExitStatus status, const std::string& text, const std::string& advice,
-                 FailurePlace place)
-    : std::runtime_error(text), m_status(status), m_advice(advice), m_place(std::move(place)) {}
+                 FailureOrigin origin)
+    : std::runtime_error(text), m_status(status), m_advice(advice), m_origin(std::move(origin)) {}
 Failure::Failure(const Failure&) = default;
 Failure::~Failure() = default;
 
 Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
                   const std::string& advice) {
-  return Failure(status, shown(path) + ": " + text, advice, placeOf(path, 0));
+  return Failure(status, shown(path) + ": " + text, advice, originOf(path, 0));
 }
 
-std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
-                                          std::unique_ptr<AdvXMLParser::Document>& document) {
+std::optional<ReadError> readDocument(const std::string& path, std::wstring& text,
+                                      std::unique_ptr<AdvXMLParser::Document>& document) {
   return parse(
       [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
         AdvXMLParser::ReadUtf8FromFile(wide(path), into, writtenIn);
@@ -156,13 +156,13 @@ std::optional<DocumentFault> readDocument(const std::string& path, std::wstring&
       text, document);
 }
 
-std::optional<DocumentFault> findDocumentFault(const std::string& path) {
+std::optional<ReadError> findReadError(const std::string& path) {
   std::wstring text;
   std::unique_ptr<AdvXMLParser::Document> document;
   return readDocument(path, text, document);
 }
 
-std::optional<DocumentFault> findFaultInBytes(const std::string& bytes) {
+std::optional<ReadError> findReadErrorInBytes(const std::string& bytes) {
   std::wstring text;
   std::unique_ptr<AdvXMLParser::Document> document;
   return parse(
@@ -188,20 +188,20 @@ Failure libraryFailure(const std::string& path, int code) {
                               (known.status == exitDocument || known.status == exitFile) &&
                               code != sitehlp::c_errorWrite;
   if (isAboutReading) {
-    if (const auto fault = findDocumentFault(path)) return documentFailure(path, *fault, code);
+    if (const auto error = findReadError(path)) return readFailure(path, *error, code);
   }
   return libraryFailure(path, code, known.status, known.meaning, known.advice);
 }
 
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code) {
   const Meaning& known = meaningOf(code);
-  if (const auto fault = findFaultInBytes(bytes)) return documentFailure(name, *fault, code);
+  if (const auto error = findReadErrorInBytes(bytes)) return readFailure(name, *error, code);
   return libraryFailure(name, code, known.status, known.meaning, known.advice);
 }
 
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
                        const std::string& meaning, const std::string& advice) {
-  return Failure(status, textWithCode(path, code, meaning), advice, placeOf(path, code));
+  return Failure(status, textWithCode(path, code, meaning), advice, originOf(path, code));
 }
 
 }  // namespace tool

@@ -15,7 +15,7 @@ class Document;
 namespace tool {
 
 // Where a failure comes from, as far as it is known.
-struct FailurePlace {
+struct FailureOrigin {
   std::string file;
   int code = 0;  // of the library
   unsigned long line = 0;
@@ -27,18 +27,18 @@ struct FailurePlace {
 class Failure : public std::runtime_error {
  public:
   Failure(ExitStatus status, const std::string& text, const std::string& advice,
-          FailurePlace place = {});
+          FailureOrigin origin = {});
   Failure(const Failure&);
   ~Failure() override;
 
   ExitStatus status() const { return m_status; }
   const std::string& advice() const { return m_advice; }
-  const FailurePlace& place() const { return m_place; }
+  const FailureOrigin& origin() const { return m_origin; }
 
  private:
   ExitStatus m_status;
   std::string m_advice;
-  FailurePlace m_place;
+  FailureOrigin m_origin;
 };
 
 // A failure that is about a file or directory: its text is "PATH: TEXT".
@@ -46,23 +46,23 @@ Failure failureAt(const std::string& path, ExitStatus status, const std::string&
                   const std::string& advice);
 
 // Why a file cannot be read as a document.
-struct DocumentFault {
+struct ReadError {
   ExitStatus status;  // exitDocument or exitFile
-  const char* rule;   // the fault's name in the output of `validate`
+  const char* rule;   // the one of `validate` that the file breaks
   unsigned long line = 0;
   unsigned long column = 0;  // both 0 where no place in the document is meant
   std::string reason;
-  int code = 0;  // of the library or the parser, for this fault
+  int code = 0;  // of the library or the parser
 };
 
 // Reads and parses a file. Returns why it is not a document, if it is not.
-std::optional<DocumentFault> readDocument(const std::string& path, std::wstring& text,
-                                          std::unique_ptr<AdvXMLParser::Document>& document);
+std::optional<ReadError> readDocument(const std::string& path, std::wstring& text,
+                                      std::unique_ptr<AdvXMLParser::Document>& document);
 // Reads and parses a file to see why an operation of the library refused it. Nothing when it can be
 // read now.
-std::optional<DocumentFault> findDocumentFault(const std::string& path);
+std::optional<ReadError> findReadError(const std::string& path);
 // The same for the bytes of a document.
-std::optional<DocumentFault> findFaultInBytes(const std::string& bytes);
+std::optional<ReadError> findReadErrorInBytes(const std::string& bytes);
 
 // A result code in both its forms: "-5, 0xFFFFFFFB".
 std::string formatCode(int code);

@@ -86,8 +86,8 @@ int certs(Context& context, const CertsOptions& options) {
   const int result = sitehlp::CSitesHelper(true).GetCaCertificates(wide(agent.path()), texts);
   if (result == sitehlp::c_errorWrite) {
     // The one query that reports a document over a limit in this way.
-    const auto fault = findDocumentFault(agent.path());
-    throw libraryFailure(agent.path(), result, fault ? fault->status : exitDocument,
+    const auto unread = findReadError(agent.path());
+    throw libraryFailure(agent.path(), result, unread ? unread->status : exitDocument,
                          "the document is over a limit", "check where it came from");
   }
   if (result != 0) throw libraryFailure(agent.path(), result);

@@ -7,7 +7,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
-#include "tools/sitelist/edit/field_rules.h"
+#include "tools/sitelist/edit/document_fields.h"
 #include "tools/sitelist/edit/operations.h"
 #include "tools/sitelist/edit/session.h"
 
@@ -59,9 +59,9 @@ void addKind(Command& command, EditArguments& options) {
 std::vector<std::string> suggestedFields(bool isPassword) {
   std::set<std::string> names;
   for (const std::string& kind : kinds()) {
-    for (const FieldRule& rule : findRules(kind)->fields) {
-      if (!rule.name || (rule.form == FieldForm::Password) != isPassword) continue;
-      names.insert(rule.name + std::string(isPassword ? "" : "="));
+    for (const DocumentField& field : findKind(kind)->fields) {
+      if (!field.name || (field.form == FieldForm::Password) != isPassword) continue;
+      names.insert(field.name + std::string(isPassword ? "" : "="));
     }
   }
   return {names.begin(), names.end()};

@@ -20,7 +20,7 @@ struct ServerListOptions {
 
 // Rewriting reports nothing, so what came of it is looked up in the file.
 void requireRewritten(const Input& input, const std::string& path, const std::string& before) {
-  if (const auto fault = findFaultInBytes(input.bytes)) {
+  if (findReadErrorInBytes(input.bytes)) {
     throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
   }
   std::string after;

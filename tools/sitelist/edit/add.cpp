@@ -13,9 +13,9 @@ namespace {
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 using Entry = ListEditor::Entry;
 
-const Wanted* findValue(const std::vector<Wanted>& values, const FieldRule& rule) {
-  for (const Wanted& value : values) {
-    if (value.rule == &rule) return &value;
+const NewValue* findValue(const std::vector<NewValue>& values, const DocumentField& field) {
+  for (const NewValue& value : values) {
+    if (value.field == &field) return &value;
   }
   return nullptr;
 }
@@ -36,28 +36,28 @@ std::int64_t nextOrder(ListEditor& list) {
   return last + 1;
 }
 
-std::wstring typeIn(const std::vector<Wanted>& given, const KindRules& rules) {
-  const FieldRule* const rule = findField(rules, "type");
-  if (!rule) return L"";
-  const Wanted* const value = findValue(given, *rule);
-  return value ? value->text : rule->initial;
+std::wstring typeIn(const std::vector<NewValue>& given, const DocumentKind& kind) {
+  const DocumentField* const field = findField(kind, "type");
+  if (!field) return L"";
+  const NewValue* const value = findValue(given, *field);
+  return value ? value->text : field->initial;
 }
 
 // Every value of the new site's element, in the library's order.
-std::vector<Wanted> completed(ListEditor& list, const KindRules& rules,
-                              const std::vector<Wanted>& given) {
-  const std::wstring type = typeIn(given, rules);
-  const FieldRule* const order = findField(rules, "order");
-  std::vector<Wanted> values;
-  for (const FieldRule& rule : rules.fields) {
-    if (const Wanted* const value = findValue(given, rule)) {
+std::vector<NewValue> completed(ListEditor& list, const DocumentKind& kind,
+                                const std::vector<NewValue>& given) {
+  const std::wstring type = typeIn(given, kind);
+  const DocumentField* const order = findField(kind, "order");
+  std::vector<NewValue> values;
+  for (const DocumentField& field : kind.fields) {
+    if (const NewValue* const value = findValue(given, field)) {
       values.push_back(*value);
-    } else if (&rule != order) {
-      if (rule.presence == Presence::Always) values.push_back(initialValue(rule));
+    } else if (&field != order) {
+      if (field.presence == Presence::Always) values.push_back(initialValue(field));
     } else if (isType(type, c_fallbackType)) {
-      values.push_back(wantedNumber(rule, c_orderOfFallback));
+      values.push_back(numberValue(field, c_orderOfFallback));
     } else if (!isType(type, schema::STR_SITE_TYPE_MIRROR)) {  // which is written without one
-      values.push_back(wantedNumber(rule, nextOrder(list)));
+      values.push_back(numberValue(field, nextOrder(list)));
     }
   }
   return values;
@@ -65,15 +65,15 @@ std::vector<Wanted> completed(ListEditor& list, const KindRules& rules,
 
 // In which fields a site that is there differs from the one that is to be added. Where that one
 // would get the next free order, any order is right.
-std::string differences(const Entry& site, const KindRules& rules,
-                        const std::vector<Wanted>& given) {
-  const FieldRule* const order = findField(rules, "order");
+std::string differences(const Entry& site, const DocumentKind& kind,
+                        const std::vector<NewValue>& given) {
+  const DocumentField* const order = findField(kind, "order");
   std::string names;
-  for (const FieldRule& rule : rules.fields) {
-    const Wanted* const value = findValue(given, rule);
-    if (!rule.name || (!value && &rule == order)) continue;
-    if (!has(*site.record, value ? *value : initialValue(rule))) {
-      names += (names.empty() ? "" : ", ") + std::string(rule.name);
+  for (const DocumentField& field : kind.fields) {
+    const NewValue* const value = findValue(given, field);
+    if (!field.name || (!value && &field == order)) continue;
+    if (!hasValue(*site.record, value ? *value : initialValue(field))) {
+      names += (names.empty() ? "" : ", ") + std::string(field.name);
     }
   }
   return names;
@@ -83,22 +83,22 @@ std::string differences(const Entry& site, const KindRules& rules,
 
 Outcome addSite(ListEditor& list, const SiteName& name, const std::vector<std::string>& assignments,
                 const GivenPassword& password) {
-  const KindRules& rules = *findRules(name.kind);
-  std::vector<Wanted> given = wantedFields(rules, assignments, password);
-  given.push_back(wantedText(*findField(rules, "name"), name.name));
+  const DocumentKind& kind = *findKind(name.kind);
+  std::vector<NewValue> given = newValues(kind, assignments, password);
+  given.push_back(textValue(*findField(kind, "name"), name.name));
   refusePortAlone(nullptr, given);
   const std::string title = titleOf(name);
   if (name.name.empty()) {
     throw Failure(exitUsage, "a site must have a name", "give it a name");
   }
   for (const Entry* site : sitesNamed(list, name)) {
-    const std::string names = differences(*site, rules, given);
+    const std::string names = differences(*site, kind, given);
     if (names.empty()) return {"", title + " exists already"};
     throw failureAt(list.path(), exitConflict,
                     title + " exists already, with other values\n  it differs in " + names,
                     "change it with `sitelist edit set`, or use another name");
   }
-  list.add(rules.element, completed(list, rules, given));
+  list.add(kind.element, completed(list, kind, given));
   return {"added " + title, ""};
 }
 

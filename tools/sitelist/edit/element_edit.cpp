@@ -46,8 +46,8 @@ AnXmlNode fieldHolder(const AnXmlNode& site) {
 }
 
 // The host in front of the last ":", the port behind it; what is not asked for stays as it is.
-void writeAddress(AnXmlNode& element, const Wanted& wanted) {
-  const wchar_t* name = wanted.rule->xmlName;
+void writeAddress(AnXmlNode& element, const NewValue& newValue) {
+  const wchar_t* name = newValue.field->xmlName;
   AString value;
   // What an agent has as "ServerDNS" is read in place of "Server".
   if (std::wcscmp(name, WX_XML_SITE_SERVER) == 0 &&
@@ -58,11 +58,11 @@ void writeAddress(AnXmlNode& element, const Wanted& wanted) {
   element.tryGetValue(name, value);
   const std::wstring& old = value.str();
   const std::size_t colon = old.rfind(L':');
-  if (wanted.rule->place == FieldPlace::Port) {
-    element.setValue(name, old.substr(0, colon) + L":" + wanted.text);
+  if (newValue.field->place == FieldPlace::Port) {
+    element.setValue(name, old.substr(0, colon) + L":" + newValue.text);
   } else {
     const std::wstring port = colon == std::wstring::npos ? c_defaultPort : old.substr(colon);
-    element.setValue(name, wanted.text + port);
+    element.setValue(name, newValue.text + port);
   }
 }
 
@@ -94,28 +94,28 @@ void writeHosts(AnXmlNode& config, const std::wstring& hosts) {
 
 }  // namespace
 
-void writeField(const AnXmlNode& site, const Wanted& wanted) {
-  const FieldRule& rule = *wanted.rule;
+void writeField(const AnXmlNode& site, const NewValue& newValue) {
+  const DocumentField& field = *newValue.field;
   AnXmlNode holder = fieldHolder(site);
-  switch (rule.place) {
+  switch (field.place) {
     case FieldPlace::Attribute:
-      return holder.setValue(rule.xmlName, wanted.text);
+      return holder.setValue(field.xmlName, newValue.text);
     case FieldPlace::Host:
     case FieldPlace::Port:
-      return writeAddress(holder, wanted);
+      return writeAddress(holder, newValue);
     case FieldPlace::Child: {
-      AnXmlNode child = lastChild(holder, rule.xmlName);
-      if (rule.form == FieldForm::Password) child.setValue(c_encrypted, L"1");
-      return child.setValue(c_elementText, wanted.text);
+      AnXmlNode child = lastChild(holder, field.xmlName);
+      if (field.form == FieldForm::Password) child.setValue(c_encrypted, L"1");
+      return child.setValue(c_elementText, newValue.text);
     }
     case FieldPlace::ExclusionHosts:
-      return writeHosts(holder, wanted.text);
+      return writeHosts(holder, newValue.text);
     case FieldPlace::None:
-      return;  // has no rule
+      return;  // has no field
   }
 }
 
-std::wstring protectedTextOf(const AnXmlNode& site, const FieldRule& password) {
+std::wstring protectedTextOf(const AnXmlNode& site, const DocumentField& password) {
   AString text;
   std::vector<AnXmlNode> holders = childrenNamed(site, WX_XML_PROXY_CONFIG);
   if (holders.empty()) holders.push_back(site);

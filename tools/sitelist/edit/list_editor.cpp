@@ -23,10 +23,10 @@ bool isSameSite(const tag_Site& a, const tag_Site& b) {
 }
 
 // A password that the agent's key does not open reads as an empty one, and is none.
-bool isLostPassword(const AnXmlNode& site, const Wanted& wanted) {
-  if (wanted.rule->form != FieldForm::Password || !wanted.clear || !wanted.clear->empty())
+bool isLostPassword(const AnXmlNode& site, const NewValue& value) {
+  if (value.field->form != FieldForm::Password || !value.clear || !value.clear->empty())
     return false;
-  const std::wstring text = protectedTextOf(site, *wanted.rule);
+  const std::wstring text = protectedTextOf(site, *value.field);
   return !text.empty() && !opensWithAgentKey(text);
 }
 
@@ -37,7 +37,7 @@ void failIfNotEditable(const std::string& path) {
   if (!std::filesystem::exists(path, error)) {
     throw libraryFailure(path, sitehlp::c_errorFileMissing);
   }
-  if (findDocumentFault(path)) throw libraryFailure(path, sitehlp::c_errorParse);
+  if (findReadError(path)) throw libraryFailure(path, sitehlp::c_errorParse);
   AnXml document;
   if (!document.useExistingFile(wide(path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
                                 WX_XML_SITELISTS_NAMESPACE)) {
@@ -71,19 +71,19 @@ ListEditor::ListEditor(const SiteList& list) : m_list(list) {
   throw failureAt(list.path, exitConflict, "the file changed while it was read", "try again");
 }
 
-void ListEditor::set(Entry& entry, const Wanted& wanted) {
-  if (has(*entry.record, wanted) && !isLostPassword(entry.element, wanted)) return;
-  writeField(entry.element, wanted);
-  entry.changes.push_back(wanted);
+void ListEditor::set(Entry& entry, const NewValue& value) {
+  if (hasValue(*entry.record, value) && !isLostPassword(entry.element, value)) return;
+  writeField(entry.element, value);
+  entry.changes.push_back(value);
   m_isChanged = true;
 }
 
-void ListEditor::add(const wchar_t* element, const std::vector<Wanted>& values) {
+void ListEditor::add(const wchar_t* element, const std::vector<NewValue>& values) {
   Entry entry;
   m_siteList.addChild(entry.element, element, nullptr, nullptr);
-  for (const Wanted& value : values) {
+  for (const NewValue& value : values) {
     writeField(entry.element, value);
-    if (value.rule->name) entry.changes.push_back(value);
+    if (value.field->name) entry.changes.push_back(value);
   }
   m_entries.push_back(std::move(entry));
   m_isChanged = true;
@@ -107,8 +107,8 @@ bool ListEditor::isAsMeant(const SiteList& after) const {
     if (!site) return false;
     const bool isUntouched = entry.changes.empty();
     if (isUntouched && !isSameSite(*entry.record, *site)) return false;
-    for (const Wanted& wanted : entry.changes) {
-      if (!has(*site, wanted)) return false;
+    for (const NewValue& value : entry.changes) {
+      if (!hasValue(*site, value)) return false;
     }
     site = site->pNext;
   }

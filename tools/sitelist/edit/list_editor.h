@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/common/anxml.h"
-#include "tools/sitelist/edit/wanted.h"
+#include "tools/sitelist/edit/new_value.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -22,7 +22,7 @@ class ListEditor {
   struct Entry {
     AnXmlNode element;
     const sitehlp::tag_Site* record = nullptr;  // null for a site that was added
-    std::vector<Wanted> changes;
+    std::vector<NewValue> changes;
     bool isRemoved = false;
   };
 
@@ -34,9 +34,9 @@ class ListEditor {
 
   // Gives a field its value. Reads the site as the library does, so that nothing changes when the
   // value is there in another form.
-  void set(Entry& entry, const Wanted& wanted);
+  void set(Entry& entry, const NewValue& value);
   // Adds a site with these values, which are all that its element gets, in their order.
-  void add(const wchar_t* element, const std::vector<Wanted>& values);
+  void add(const wchar_t* element, const std::vector<NewValue>& values);
   void remove(Entry& entry);
 
   bool isChanged() const { return m_isChanged; }

@@ -16,8 +16,8 @@ using Entry = ListEditor::Entry;
   bool haveOneKind = true;
   for (const Entry* site : sites) {
     text += "\n  " + titleOf(*site->record) + ", order " + std::to_string(site->record->iOrder);
-    haveOneKind = haveOneKind &&
-                  findRules(kindOf(*site->record)) == findRules(kindOf(*sites.front()->record));
+    haveOneKind =
+        haveOneKind && findKind(kindOf(*site->record)) == findKind(kindOf(*sites.front()->record));
   }
   throw failureAt(list.path(), exitConflict, text,
                   haveOneKind ? "give them different names in the document; they have the same kind"
@@ -39,7 +39,7 @@ std::vector<Entry*> sitesNamed(ListEditor& list, const SiteName& name) {
   const std::wstring wanted = wide(name.name);
   for (Entry& entry : list.entries()) {
     const std::string kind = kindOf(*entry.record);
-    if (findRules(kind) && (name.kind.empty() || kind == name.kind) &&
+    if (findKind(kind) && (name.kind.empty() || kind == name.kind) &&
         nameOf(*entry.record) == wanted) {
       sites.push_back(&entry);
     }

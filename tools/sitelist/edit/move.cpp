@@ -66,8 +66,8 @@ void renumber(ListEditor& list, const std::vector<Entry*>& before,
                     shown(list.path()) + ": the order numbers are too large to redistribute",
                     "give the last sites smaller ones with `sitelist edit set`");
     }
-    const KindRules& rules = *findRules(kindOf(*after[i]->record));
-    list.set(*after[i], wantedNumber(*findField(rules, "order"), order));
+    const DocumentKind& kind = *findKind(kindOf(*after[i]->record));
+    list.set(*after[i], numberValue(*findField(kind, "order"), order));
     previous = after[i];
   }
 }
@@ -77,7 +77,7 @@ void renumber(ListEditor& list, const std::vector<Entry*>& before,
 bool hasPlace(const sitehlp::tag_Site& site) {
   const bool isEndless =
       site.iOrder == c_orderOfFallback && wcsicmp(site.szType, c_fallbackType) == 0;
-  return findRules(kindOf(site)) && site.eSiteKind != sitehlp::SITE_KIND_PROXY && !site.bMirror &&
+  return findKind(kindOf(site)) && site.eSiteKind != sitehlp::SITE_KIND_PROXY && !site.bMirror &&
          !isEndless;
 }
 

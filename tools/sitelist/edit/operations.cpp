@@ -8,19 +8,19 @@ namespace {
 
 using Entry = ListEditor::Entry;
 
-const KindRules& rulesOf(const Entry& site) { return *findRules(kindOf(*site.record)); }
+const DocumentKind& documentKindOf(const Entry& site) { return *findKind(kindOf(*site.record)); }
 
 }  // namespace
 
 Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled) {
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
-  const FieldRule* const rule = findField(rulesOf(site), "enabled");
-  if (!rule) {
+  const DocumentField* const field = findField(documentKindOf(site), "enabled");
+  if (!field) {
     throw Failure(exitUsage, title + ": a proxy cannot be enabled or disabled",
                   "remove it with `sitelist edit remove`");
   }
-  list.set(site, wantedNumber(*rule, isEnabled ? 1 : 0));
+  list.set(site, numberValue(*field, isEnabled ? 1 : 0));
   const std::string state = isEnabled ? "enabled" : "disabled";
   return {state + " " + title, title + " is already " + state};
 }
@@ -28,12 +28,12 @@ Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled) {
 Outcome setFields(ListEditor& list, const SiteName& name,
                   const std::vector<std::string>& assignments, const GivenPassword& password) {
   Entry& site = siteNamed(list, name);
-  const std::vector<Wanted> values = wantedFields(rulesOf(site), assignments, password);
+  const std::vector<NewValue> values = newValues(documentKindOf(site), assignments, password);
   refusePortAlone(site.record, values);
-  for (const Wanted& value : values) list.set(site, value);
+  for (const NewValue& value : values) list.set(site, value);
   std::string names;
-  for (const Wanted& change : site.changes) {
-    names += (names.empty() ? "" : ", ") + std::string(change.rule->name);
+  for (const NewValue& change : site.changes) {
+    names += (names.empty() ? "" : ", ") + std::string(change.field->name);
   }
   const std::string title = titleOf(*site.record);
   return {"set " + names + " of " + title, title + " already has these values"};
@@ -60,7 +60,7 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
   if (newName.empty()) {
     throw Failure(exitUsage, title + ": the new name is empty", "give another one");
   }
-  const Wanted value = wantedText(*findField(rulesOf(site), "name"), newName);
+  const NewValue value = textValue(*findField(documentKindOf(site), "name"), newName);
   if (isTaken) {
     throw failureAt(list.path(), exitConflict,
                     "the new name is already that of " + titleOf(*holders.front()->record),

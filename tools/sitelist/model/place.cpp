@@ -82,9 +82,9 @@ std::wstring PlacedElement::lastValue(const wchar_t* name) const {
   return L"";
 }
 
-std::optional<DocumentFault> PlacedDocument::read(const std::string& path) {
+std::optional<ReadError> PlacedDocument::read(const std::string& path) {
   std::wstring text;
-  if (auto fault = readDocument(path, text, m_document)) return fault;
+  if (auto error = readDocument(path, text, m_document)) return error;
   const std::vector<Place> places = findStartTags(text);
   std::size_t next = 0;
   m_root = place(m_document->GetRoot(), places, next);

@@ -35,7 +35,7 @@ struct PlacedElement {
 class PlacedDocument {
  public:
   // Reads a file. Returns what is wrong with it when it is not a document.
-  std::optional<DocumentFault> read(const std::string& path);
+  std::optional<ReadError> read(const std::string& path);
   const PlacedElement& root() const { return m_root; }
 
  private:

@@ -40,20 +40,20 @@ std::string shownText(const Record& record, const std::string& name) {
 }
 
 Record factsOf(const Failure& failure) {
-  const FailurePlace& place = failure.place();
+  const FailureOrigin& origin = failure.origin();
   Record facts = {{"status", std::int64_t{failure.status()}},
                   {"name", std::string(nameOf(failure.status()))},
                   {"message", std::string(failure.what())},
                   {"next", failure.advice()},
-                  {"file", orNull(place.file)},
+                  {"file", orNull(origin.file)},
                   {"line", Scalar()},
                   {"column", Scalar()},
                   {"code", Scalar()}};
-  if (place.line != 0) {
-    facts[5].second = static_cast<std::int64_t>(place.line);
-    facts[6].second = static_cast<std::int64_t>(place.column);
+  if (origin.line != 0) {
+    facts[5].second = static_cast<std::int64_t>(origin.line);
+    facts[6].second = static_cast<std::int64_t>(origin.column);
   }
-  if (place.code != 0) facts[7].second = std::int64_t{place.code};
+  if (origin.code != 0) facts[7].second = std::int64_t{origin.code};
   return facts;
 }
 

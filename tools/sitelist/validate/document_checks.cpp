@@ -35,7 +35,7 @@ void checkRoot(const PlacedElement& root, Faults& faults) {
   if (root.attribute(WX_XML_SITELISTS_GLOBAL_VERSION).empty()) {
     faults.add("missing-global-version", root.place, "the list has no \"GlobalVersion\"");
   }
-  checkAttributes(root, rootForm(), faults);
+  checkAttributes(root, rootGrammar(), faults);
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ void checkDocument(const PlacedElement& root, bool isServerChecked, Faults& faul
       isBehindList = true;
       checkSites(root, *list, isServerChecked, faults);
     } else if (&child == bundle) {
-      checkElement(child, *formOf(child.element), faults);
+      checkElement(child, *grammarOf(child.element), faults);
       checkCertificates(child, faults);
     } else if (child.element.HasName(WX_XML_SITELIST)) {
       faults.add("second-site-list", child.place,
@@ -59,13 +59,13 @@ void checkDocument(const PlacedElement& root, bool isServerChecked, Faults& faul
       faults.add("second-ca-bundle", child.place,
                  "only the \"CaBundle\"" + inLine(bundle->place) + " is read");
     } else if (!child.element.HasName(WX_XML_POLICIES)) {
-      addUnknownChild(child, rootForm(), faults);
+      addUnknownChild(child, rootGrammar(), faults);
     } else if (isBehindList) {
       faults.add("policies-after-sites", child.place,
                  "these settings are after the \"SiteList\"" + inLine(list->place) +
                      " and are not loaded");
     } else {
-      checkElement(child, *formOf(child.element), faults);
+      checkElement(child, *grammarOf(child.element), faults);
     }
   }
 }

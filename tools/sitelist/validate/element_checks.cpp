@@ -16,24 +16,25 @@ namespace {
 // The decoder's limit on the text that holds all hosts.
 constexpr std::size_t c_exclusionListLimit = sitehlp::c_exclusionListCapacity - 1;
 
-std::string namedAs(const std::wstring& name, const std::vector<ValueForm>& forms) {
+std::string namedAs(const std::wstring& name, const std::vector<ValueGrammar>& values) {
   std::vector<std::string> known;
-  for (const ValueForm& form : forms) {
-    if (form.form != Form::Unread) known.push_back(narrow(form.name));
+  for (const ValueGrammar& value : values) {
+    if (value.type != ValueType::Unread) known.push_back(narrow(value.name));
   }
   return inQuotes(name) + suggestion(narrow(name), known);
 }
 
 bool isNamespace(const std::wstring& attribute) { return attribute.rfind(L"xml", 0) == 0; }
 
-void checkChild(const PlacedElement& child, const ElementForm& parent,
+void checkChild(const PlacedElement& child, const ElementGrammar& parent,
                 std::map<std::wstring, Place>& seen, Faults& faults) {
   const std::wstring name = child.element.GetName();
-  const ValueForm* const form = findForm(parent.children, name);
-  if (!form) return addUnknownChild(child, parent, faults);
-  if (form->form == Form::Unread) return;
-  if (form->form == Form::Elements) {
-    if (const ElementForm* const inner = formOf(child.element)) checkElement(child, *inner, faults);
+  const ValueGrammar* const grammar = findGrammar(parent.children, name);
+  if (!grammar) return addUnknownChild(child, parent, faults);
+  if (grammar->type == ValueType::Unread) return;
+  if (grammar->type == ValueType::Elements) {
+    if (const ElementGrammar* const inner = grammarOf(child.element))
+      checkElement(child, *inner, faults);
     return;
   }
   const auto [first, isNew] = seen.emplace(name, child.place);
@@ -42,7 +43,7 @@ void checkChild(const PlacedElement& child, const ElementForm& parent,
                inQuotes(name) + " replaces the one" + inLine(first->second));
     first->second = child.place;
   }
-  checkValue(*form, child.element.GetValue(), child.place, faults);
+  checkValue(*grammar, child.element.GetValue(), child.place, faults);
 }
 
 void checkExclusions(const PlacedElement& proxyConfig, Faults& faults) {
@@ -70,34 +71,34 @@ void checkExclusions(const PlacedElement& proxyConfig, Faults& faults) {
 
 }  // namespace
 
-void addUnknownChild(const PlacedElement& child, const ElementForm& parent, Faults& faults) {
+void addUnknownChild(const PlacedElement& child, const ElementGrammar& parent, Faults& faults) {
   faults.add("unknown-child", child.place,
              "\"" + narrow(parent.name) + "\" has no child element " +
                  namedAs(child.element.GetName(), parent.children));
 }
 
-void checkAttributes(const PlacedElement& element, const ElementForm& form, Faults& faults) {
+void checkAttributes(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults) {
   const bool hasDnsName = !element.element.GetAttribute(WX_XML_SITE_SERVER_FQDN).IsNull();
   for (const AdvXMLParser::Attribute attribute : element.element.Attributes()) {
     const std::wstring name = attribute.GetName();
-    const ValueForm* const value = findForm(form.attributes, name);
+    const ValueGrammar* const value = findGrammar(grammar.attributes, name);
     if (value) {
       // A name in the DNS is read in place of the server, which then does not count.
       const bool isRead = !(hasDnsName && name == WX_XML_SITE_SERVER &&
-                            findForm(form.attributes, WX_XML_SITE_SERVER_FQDN));
+                            findGrammar(grammar.attributes, WX_XML_SITE_SERVER_FQDN));
       if (isRead) checkValue(*value, attribute.GetValue(), element.place, faults);
     } else if (!isNamespace(name)) {
       faults.add(
           "unknown-attribute", element.place,
-          "\"" + narrow(form.name) + "\" has no attribute " + namedAs(name, form.attributes));
+          "\"" + narrow(grammar.name) + "\" has no attribute " + namedAs(name, grammar.attributes));
     }
   }
 }
 
-void checkElement(const PlacedElement& element, const ElementForm& form, Faults& faults) {
-  checkAttributes(element, form, faults);
+void checkElement(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults) {
+  checkAttributes(element, grammar, faults);
   std::map<std::wstring, Place> seen;
-  for (const PlacedElement& child : element.children) checkChild(child, form, seen, faults);
+  for (const PlacedElement& child : element.children) checkChild(child, grammar, seen, faults);
 }
 
 void checkProxy(const PlacedElement& proxyConfig, Faults& faults) {

@@ -7,12 +7,12 @@
 namespace tool {
 
 // Adds what is wrong with the names and values of the element's attributes.
-void checkAttributes(const PlacedElement& element, const ElementForm& form, Faults& faults);
+void checkAttributes(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults);
 // The same, and of all that the element holds.
-void checkElement(const PlacedElement& element, const ElementForm& form, Faults& faults);
+void checkElement(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults);
 
 // Says that nobody reads such a child of the element.
-void addUnknownChild(const PlacedElement& child, const ElementForm& parent, Faults& faults);
+void addUnknownChild(const PlacedElement& child, const ElementGrammar& parent, Faults& faults);
 
 // What stands on proxies alone.
 void checkProxy(const PlacedElement& proxyConfig, Faults& faults);

@@ -14,7 +14,7 @@ namespace {
 
 using sitehlp::FieldForm;
 using sitehlp::FieldPlace;
-using Values = std::vector<ValueForm>;
+using Values = std::vector<ValueGrammar>;
 
 Values operator+(Values all, const Values& more) {
   all.insert(all.end(), more.begin(), more.end());
@@ -23,36 +23,36 @@ Values operator+(Values all, const Values& more) {
 
 // Two children are flags whose number a record keeps.
 template <typename Row>
-Form numberForm(const Row& row) {
-  if (row.xmlName == &WX_XML_SITE_ORDER) return Form::Order;
+ValueType numberType(const Row& row) {
+  if (row.xmlName == &WX_XML_SITE_ORDER) return ValueType::Order;
   const bool isFlag = row.xmlName == &WX_XML_HTTPSITE_USE_AUTH ||
                       row.xmlName == &WX_XML_UNCSITE_USE_LOGON_USER_ACCOUNT;
-  return isFlag ? Form::Flag : Form::Any;
+  return isFlag ? ValueType::Flag : ValueType::Any;
 }
 
 template <typename Row>
-Form valueForm(const Row& row) {
+ValueType typeOf(const Row& row) {
   switch (row.form) {
     case FieldForm::Text:
     case FieldForm::MacroText:
-      return Form::Text;
+      return ValueType::Text;
     case FieldForm::Address:
-      return Form::Address;
+      return ValueType::Address;
     case FieldForm::NetbiosName:
-      return Form::ComputerName;
+      return ValueType::ComputerName;
     case FieldForm::Flag:
-      return Form::Flag;
+      return ValueType::Flag;
     case FieldForm::Number:
-      return numberForm(row);
+      return numberType(row);
     case FieldForm::Port:
     case FieldForm::PortOrNone:
-      return Form::Port;
+      return ValueType::Port;
     case FieldForm::Hosts:
-      return Form::Elements;
+      return ValueType::Elements;
     case FieldForm::Password:
-      return Form::Password;
+      return ValueType::Password;
   }
-  return Form::Unread;
+  return ValueType::Unread;
 }
 
 // The fields of a table that stand in such a place. The port of an address goes with its host.
@@ -61,7 +61,7 @@ Values valuesOf(const Table& table, IsThere isThere) {
   Values values;
   const auto add = [&](const auto& row) {
     if (!isThere(row.place) || row.place == FieldPlace::Port) return;
-    values.push_back({*row.xmlName, valueForm(row)});
+    values.push_back({*row.xmlName, typeOf(row)});
     if (row.capacity != 0) values.back().capacity = row.capacity;
   };
   std::apply([&](const auto&... rows) { (add(rows), ...); }, table);
@@ -79,75 +79,79 @@ Values childrenOf(const Table& table) {
 }
 
 // In the order of docs/site-list-format.md.
-std::vector<ElementForm> makeForms() {
-  const Values replication = {{WX_XML_HTTPSITE_REPLICATION_UNC, Form::Unread},
-                              {WX_XML_SITE_REPLICATION_USER_NAME, Form::Unread},
-                              {WX_XML_SITE_REPLICATION_DOMAIN_NAME, Form::Unread},
-                              {WX_XML_SITE_REPLICATION_PASSWORD, Form::Unread}};
+std::vector<ElementGrammar> makeGrammars() {
+  const Values replication = {{WX_XML_HTTPSITE_REPLICATION_UNC, ValueType::Unread},
+                              {WX_XML_SITE_REPLICATION_USER_NAME, ValueType::Unread},
+                              {WX_XML_SITE_REPLICATION_DOMAIN_NAME, ValueType::Unread},
+                              {WX_XML_SITE_REPLICATION_PASSWORD, ValueType::Unread}};
   const Values reserved =
-      Values{{WX_XML_SITE_ID, Form::Unread}, {WX_XML_SERVER_PORT, Form::Unread}};
+      Values{{WX_XML_SITE_ID, ValueType::Unread}, {WX_XML_SERVER_PORT, ValueType::Unread}};
   const auto site = [&](const wchar_t* name, const char* kind, const auto& table,
                         const Values& attributes = {}, const Values& children = {}) {
-    return ElementForm{name, kind, attributesOf(table) + reserved + replication + attributes,
-                       childrenOf(table) + replication + children};
+    return ElementGrammar{name, kind, attributesOf(table) + reserved + replication + attributes,
+                          childrenOf(table) + replication + children};
   };
-  const Values passive = {{WX_XML_FTPSITE_PASSIVE, Form::Unread}};
+  const Values passive = {{WX_XML_FTPSITE_PASSIVE, ValueType::Unread}};
   return {
-      {WX_XML_CABUNDLE, nullptr, {}, {{WX_XML_CACERTIFICATE, Form::Elements}}},
-      {WX_XML_POLICIES, nullptr, {}, {{L"Setting", Form::Elements}}},
-      {L"Setting", nullptr, {{L"name", Form::Any}}, {}},
+      {WX_XML_CABUNDLE, nullptr, {}, {{WX_XML_CACERTIFICATE, ValueType::Elements}}},
+      {WX_XML_POLICIES, nullptr, {}, {{L"Setting", ValueType::Elements}}},
+      {L"Setting", nullptr, {{L"name", ValueType::Any}}, {}},
       {WX_XML_SITELIST,
        nullptr,
-       {{WX_XML_SITELIST_DEFAULT, Form::Unread}, {WX_XML_SITE_NAME, Form::Unread}},
+       {{WX_XML_SITELIST_DEFAULT, ValueType::Unread}, {WX_XML_SITE_NAME, ValueType::Unread}},
        {}},
       site(WX_XML_SITELIST_HTTP_SITE, "http", sitehlp::c_httpFields),
       site(WX_XML_SITELIST_VESTA_SITE, "server", sitehlp::c_serverFields),
       site(WX_XML_SITELIST_KEYSTONE_SITE, "agent", sitehlp::c_httpFields,
-           {{WX_XML_SITE_SERVER_FQDN, Form::Address}}),
+           {{WX_XML_SITE_SERVER_FQDN, ValueType::Address}}),
       site(WX_XML_SITELIST_FTP_SITE, "ftp", sitehlp::c_ftpFields, passive, passive),
       site(WX_XML_SITELIST_UNC_SITE, "unc", sitehlp::c_uncFields),
       site(WX_XML_SITELIST_LOCAL_SITE, "local", sitehlp::c_localFields,
-           {{WX_XML_SITE_SERVER, Form::Unread}}),
+           {{WX_XML_SITE_SERVER, ValueType::Unread}}),
       // What stands in the list itself is read like the attributes of any site.
       {WX_XML_PROXY_CONFIG_LIST,
        "proxy",
        attributesOf(sitehlp::fields::c_head) + reserved +
-           Values{{WX_XML_SITE_NAME, Form::Text}, {WX_XML_PROXY_USE_IE_CONFIG, Form::Flag}},
-       {{WX_XML_PROXY_CONFIG, Form::Elements}}},
+           Values{{WX_XML_SITE_NAME, ValueType::Text},
+                  {WX_XML_PROXY_USE_IE_CONFIG, ValueType::Flag}},
+       {{WX_XML_PROXY_CONFIG, ValueType::Elements}}},
       {WX_XML_PROXY_CONFIG, nullptr,
-       attributesOf(sitehlp::c_proxyFields) + Values{{WX_XML_SITE_LOCAL, Form::Unread}},
-       childrenOf(sitehlp::c_proxyFields) + Values{{WX_XML_PROXY_ADDRLIST, Form::Unread}}},
-      {WX_XML_PROXY_EXCLUSIONLIST, nullptr, {}, {{WX_XML_PROXY_EXCLUSIONHOST, Form::Elements}}},
+       attributesOf(sitehlp::c_proxyFields) + Values{{WX_XML_SITE_LOCAL, ValueType::Unread}},
+       childrenOf(sitehlp::c_proxyFields) + Values{{WX_XML_PROXY_ADDRLIST, ValueType::Unread}}},
+      {WX_XML_PROXY_EXCLUSIONLIST,
+       nullptr,
+       {},
+       {{WX_XML_PROXY_EXCLUSIONHOST, ValueType::Elements}}},
   };
 }
 
 }  // namespace
 
-const ElementForm& rootForm() {
-  static const ElementForm form = {WX_XML_SITELISTS,
-                                   nullptr,
-                                   {{WX_XML_SITELISTS_GLOBAL_VERSION, Form::Any},
-                                    {WX_XML_SITELISTS_LOCAL_VERSION, Form::Any},
-                                    {WX_XML_SITELISTS_TYPE, Form::Any},
-                                    {WX_XML_SITELISTS_FIPSMODE, Form::Any}},
-                                   {{WX_XML_CABUNDLE, Form::Elements},
-                                    {WX_XML_POLICIES, Form::Elements},
-                                    {WX_XML_SITELIST, Form::Elements}}};
-  return form;
+const ElementGrammar& rootGrammar() {
+  static const ElementGrammar grammar = {WX_XML_SITELISTS,
+                                         nullptr,
+                                         {{WX_XML_SITELISTS_GLOBAL_VERSION, ValueType::Any},
+                                          {WX_XML_SITELISTS_LOCAL_VERSION, ValueType::Any},
+                                          {WX_XML_SITELISTS_TYPE, ValueType::Any},
+                                          {WX_XML_SITELISTS_FIPSMODE, ValueType::Any}},
+                                         {{WX_XML_CABUNDLE, ValueType::Elements},
+                                          {WX_XML_POLICIES, ValueType::Elements},
+                                          {WX_XML_SITELIST, ValueType::Elements}}};
+  return grammar;
 }
 
-const ElementForm* formOf(const AdvXMLParser::Element& element) {
-  static const std::vector<ElementForm> forms = makeForms();
-  const auto found = std::find_if(forms.begin(), forms.end(), [&](const ElementForm& form) {
-    return element.HasName(form.name);
-  });
-  return found == forms.end() ? nullptr : &*found;
+const ElementGrammar* grammarOf(const AdvXMLParser::Element& element) {
+  static const std::vector<ElementGrammar> grammars = makeGrammars();
+  const auto found =
+      std::find_if(grammars.begin(), grammars.end(),
+                   [&](const ElementGrammar& grammar) { return element.HasName(grammar.name); });
+  return found == grammars.end() ? nullptr : &*found;
 }
 
-const ValueForm* findForm(const std::vector<ValueForm>& forms, const std::wstring& name) {
-  const auto found = std::find_if(forms.begin(), forms.end(),
-                                  [&](const ValueForm& form) { return name == form.name; });
-  return found == forms.end() ? nullptr : &*found;
+const ValueGrammar* findGrammar(const std::vector<ValueGrammar>& values, const std::wstring& name) {
+  const auto found = std::find_if(values.begin(), values.end(),
+                                  [&](const ValueGrammar& value) { return name == value.name; });
+  return found == values.end() ? nullptr : &*found;
 }
 
 }  // namespace tool

@@ -10,7 +10,7 @@
 namespace tool {
 
 // How the library reads a value.
-enum class Form {
+enum class ValueType {
   Text,
   Address,       // host and port
   ComputerName,  // the same, with the host cut to its NetBIOS form
@@ -23,27 +23,28 @@ enum class Form {
   Unread,    // part of the vocabulary that the library leaves alone
 };
 
-struct ValueForm {
+// An attribute or a child element that an element may have.
+struct ValueGrammar {
   const wchar_t* name;
-  Form form;
+  ValueType type;
   std::size_t capacity = sitehlp::c_textCapacity;  // of the record's field, terminator included
 };
 
 // What an element may hold.
-struct ElementForm {
+struct ElementGrammar {
   const wchar_t* name;
   const char* kind;  // of the site that it stands for; null for what is no site
-  std::vector<ValueForm> attributes;
-  std::vector<ValueForm> children;
+  std::vector<ValueGrammar> attributes;
+  std::vector<ValueGrammar> children;
 };
 
-// The form of the root, whatever its name.
-const ElementForm& rootForm();
-// The form of the element by its name; null for one that holds at most text, or is not known.
-const ElementForm* formOf(const AdvXMLParser::Element& element);
+// The root, whatever its name.
+const ElementGrammar& rootGrammar();
+// Found by the name of the element; null for one that holds at most text, or is not known.
+const ElementGrammar* grammarOf(const AdvXMLParser::Element& element);
 
 // Null when there is none of that name.
-const ValueForm* findForm(const std::vector<ValueForm>& forms, const std::wstring& name);
+const ValueGrammar* findGrammar(const std::vector<ValueGrammar>& values, const std::wstring& name);
 
 }  // namespace tool
 

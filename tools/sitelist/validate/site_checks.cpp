@@ -84,14 +84,14 @@ class SiteChecks {
   std::map<int, const PlacedElement*> m_orders;
 };
 
-void checkProxies(const PlacedElement& list, const ElementForm& form,
+void checkProxies(const PlacedElement& list, const ElementGrammar& grammar,
                   const PlacedElement* unknownSite, Faults& faults) {
-  checkAttributes(list, form, faults);
+  checkAttributes(list, grammar, faults);
   const PlacedElement* before = nullptr;
   for (const PlacedElement& child : list.children) {
     if (&child == unknownSite) continue;
     if (!child.element.HasName(WX_XML_PROXY_CONFIG)) {
-      addUnknownChild(child, form, faults);
+      addUnknownChild(child, grammar, faults);
       continue;
     }
     if (before) {
@@ -99,7 +99,7 @@ void checkProxies(const PlacedElement& list, const ElementForm& form,
                  "this \"ProxyConfig\" replaces the one" + inLine(before->place));
     }
     before = &child;
-    checkElement(child, *formOf(child.element), faults);
+    checkElement(child, *grammarOf(child.element), faults);
     checkProxy(child, faults);
   }
 }
@@ -121,14 +121,14 @@ const PlacedElement* findUnknownSite(const PlacedElement& root) {
   if (!list) return nullptr;
   for (auto site = list->children.rbegin(); site != list->children.rend(); ++site) {
     if (!site->element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
-      const ElementForm* const form = formOf(site->element);
-      return form && form->kind ? nullptr : &*site;
+      const ElementGrammar* const grammar = grammarOf(site->element);
+      return grammar && grammar->kind ? nullptr : &*site;
     }
     if (site->children.empty()) continue;
     const PlacedElement& last = site->children.back();
     if (last.element.HasName(WX_XML_PROXY_CONFIG)) return nullptr;
-    const ElementForm* const form = formOf(last.element);
-    const bool isSite = form && form->kind && !last.element.HasName(WX_XML_PROXY_CONFIG_LIST);
+    const ElementGrammar* const grammar = grammarOf(last.element);
+    const bool isSite = grammar && grammar->kind && !last.element.HasName(WX_XML_PROXY_CONFIG_LIST);
     return isSite ? nullptr : &last;
   }
   return nullptr;
@@ -139,18 +139,18 @@ void checkSites(const PlacedElement& root, const PlacedElement& list, bool isSer
   const PlacedElement* const unknownSite = findUnknownSite(root);
   const PlacedElement* const server =
       isServerChecked ? list.child(WX_XML_SITELIST_VESTA_SITE) : nullptr;
-  checkAttributes(list, *formOf(list.element), faults);
+  checkAttributes(list, *grammarOf(list.element), faults);
   SiteChecks checks(faults);
   for (const PlacedElement& site : list.children) {
     if (&site == unknownSite) continue;
-    const ElementForm* const form = formOf(site.element);
-    if (!form || !form->kind) {
+    const ElementGrammar* const grammar = grammarOf(site.element);
+    if (!grammar || !grammar->kind) {
       addUnknownElement(site, faults);
     } else if (site.element.HasName(WX_XML_PROXY_CONFIG_LIST)) {
-      checkProxies(site, *form, unknownSite, faults);
+      checkProxies(site, *grammar, unknownSite, faults);
     } else {
-      checkElement(site, *form, faults);
-      checks.check(site, form->kind, &site == server);
+      checkElement(site, *grammar, faults);
+      checks.check(site, grammar->kind, &site == server);
     }
   }
 }

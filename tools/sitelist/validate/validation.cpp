@@ -109,8 +109,8 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
     return faults.take();
   }
   PlacedDocument document;
-  if (const auto fault = document.read(source.path)) {
-    faults.add(fault->rule, {fault->line, fault->column}, fault->reason);
+  if (const auto error = document.read(source.path)) {
+    faults.add(error->rule, {error->line, error->column}, error->reason);
     return faults.take();
   }
   clearLogRecords();

@@ -35,12 +35,12 @@ bool isNumber(const std::wstring& text, long least, long most) {
   return number >= least && number <= most;
 }
 
-void checkLength(const ValueForm& form, const std::wstring& text, const Place& place,
+void checkLength(const ValueGrammar& grammar, const std::wstring& text, const Place& place,
                  Faults& faults) {
-  if (text.size() < form.capacity) return;
+  if (text.size() < grammar.capacity) return;
   faults.add("text-cut", place,
-             "\"" + narrow(form.name) + "\" has " + std::to_string(text.size()) +
-                 " characters and is cut to " + std::to_string(form.capacity - 1));
+             "\"" + narrow(grammar.name) + "\" has " + std::to_string(text.size()) +
+                 " characters and is cut to " + std::to_string(grammar.capacity - 1));
 }
 
 // Several colons are right in an IPv6 address in brackets, with a port behind it.
@@ -58,39 +58,39 @@ void checkPort(const std::wstring& name, const std::wstring& port, const Place& 
                  "\" is not a number from 0 to 65535");
 }
 
-void checkAddress(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkAddress(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                   Faults& faults) {
   std::wstring host = hostOf(value);
   if (isAmbiguous(value)) {
     faults.add("ambiguous-address", place,
-               "\"" + narrow(form.name) + "\" is " + inQuotes(value) +
+               "\"" + narrow(grammar.name) + "\" is " + inQuotes(value) +
                    ", which is read as the host " + inQuotes(host) + "; write [ADDRESS]:PORT");
   } else if (host.size() != value.size()) {
-    checkPort(form.name, value.substr(host.size() + 1), place, faults);
+    checkPort(grammar.name, value.substr(host.size() + 1), place, faults);
   }
-  if (form.form == Form::ComputerName) convertFqdnToNetbios(host);
-  checkLength(form, host, place, faults);
+  if (grammar.type == ValueType::ComputerName) convertFqdnToNetbios(host);
+  checkLength(grammar, host, place, faults);
 }
 
-void checkFlag(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkFlag(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                Faults& faults) {
   if (isNumber(value, 0, 1)) return;
   faults.add("flag-value", place,
-             "\"" + narrow(form.name) + "\" is " + inQuotes(value) + ", which is read as " +
+             "\"" + narrow(grammar.name) + "\" is " + inQuotes(value) + ", which is read as " +
                  (numberIn(value) != 0 ? "1" : "0"));
 }
 
-void checkOrder(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkOrder(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                 Faults& faults) {
   using Limits = std::numeric_limits<int>;
   if (isNumber(value, Limits::min(), Limits::max())) return;
   faults.add("order-number", place,
-             "\"" + narrow(form.name) + "\" is " + inQuotes(value) + ", which is read as " +
+             "\"" + narrow(grammar.name) + "\" is " + inQuotes(value) + ", which is read as " +
                  std::to_string(numberIn(value)));
 }
 
 // The value is not repeated: it may be a clear password.
-void checkPassword(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkPassword(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                    Faults& faults) {
   const ABuffer bytes = ABase64Encode::decode(value);
   const bool isOneWord = std::none_of(value.begin(), value.end(), isSpace);
@@ -98,7 +98,7 @@ void checkPassword(const ValueForm& form, const std::wstring& value, const Place
     return;
   }
   faults.add("password-form", place,
-             "\"" + narrow(form.name) + "\" is not an encrypted password and is read as empty");
+             "\"" + narrow(grammar.name) + "\" is not an encrypted password and is read as empty");
 }
 
 }  // namespace
@@ -111,26 +111,26 @@ int numberIn(const std::wstring& text) {
 std::wstring hostOf(const std::wstring& address) { return address.substr(0, address.rfind(L':')); }
 
 // An empty value is as good as none, but for an order.
-void checkValue(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkValue(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                 Faults& faults) {
-  if (value.empty() && form.form != Form::Order) return;
-  switch (form.form) {
-    case Form::Text:
-      return checkLength(form, value, place, faults);
-    case Form::Address:
-    case Form::ComputerName:
-      return checkAddress(form, value, place, faults);
-    case Form::Flag:
-      return checkFlag(form, value, place, faults);
-    case Form::Port:
-      return checkPort(form.name, value, place, faults);
-    case Form::Order:
-      return checkOrder(form, value, place, faults);
-    case Form::Password:
-      return checkPassword(form, value, place, faults);
-    case Form::Elements:
-    case Form::Any:
-    case Form::Unread:
+  if (value.empty() && grammar.type != ValueType::Order) return;
+  switch (grammar.type) {
+    case ValueType::Text:
+      return checkLength(grammar, value, place, faults);
+    case ValueType::Address:
+    case ValueType::ComputerName:
+      return checkAddress(grammar, value, place, faults);
+    case ValueType::Flag:
+      return checkFlag(grammar, value, place, faults);
+    case ValueType::Port:
+      return checkPort(grammar.name, value, place, faults);
+    case ValueType::Order:
+      return checkOrder(grammar, value, place, faults);
+    case ValueType::Password:
+      return checkPassword(grammar, value, place, faults);
+    case ValueType::Elements:
+    case ValueType::Any:
+    case ValueType::Unread:
       return;
   }
 }

@@ -15,7 +15,7 @@ int numberIn(const std::wstring& text);
 std::wstring hostOf(const std::wstring& address);
 
 // Adds what is wrong with a value that is there.
-void checkValue(const ValueForm& form, const std::wstring& value, const Place& place,
+void checkValue(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                 Faults& faults);
 
 }  // namespace tool

@@ -1,5 +1,5 @@
-#ifndef TOOLS_SITELIST_EDIT_FIELD_RULES_H
-#define TOOLS_SITELIST_EDIT_FIELD_RULES_H
+#ifndef TOOLS_SITELIST_EDIT_DOCUMENT_FIELDS_H
+#define TOOLS_SITELIST_EDIT_DOCUMENT_FIELDS_H
 
 #include <cstdint>
 #include <string>
@@ -16,7 +16,7 @@ using sitehlp::FieldPlace;
 enum class Presence { Always, WhenGiven };
 
 // How a field of a record, by the name that it has in the output, stands in a document.
-struct FieldRule {
+struct DocumentField {
   const char* name;  // null: an attribute that is written and never read
   FieldForm form;
   FieldPlace place;
@@ -26,21 +26,22 @@ struct FieldRule {
   Presence presence = Presence::Always;
 };
 
-struct KindRules {
-  const char* kind;
+// How a site of a kind stands in a document.
+struct DocumentKind {
+  const char* name;
   const wchar_t* element;
-  std::vector<FieldRule> fields;  // in the order in which the library writes them
+  std::vector<DocumentField> fields;  // in the order in which the library writes them
 };
 
 // Null for a kind that is none.
-const KindRules* findRules(const std::string& kind);
-const FieldRule* findField(const KindRules& rules, const std::string& name);
+const DocumentKind* findKind(const std::string& name);
+const DocumentField* findField(const DocumentKind& kind, const std::string& name);
 
 std::vector<std::string> kinds();
 std::string kindNames();  // with "," between them
 
 // The fields of a kind that can be set, in lines that begin with `indent`.
-std::string fieldNames(const KindRules& rules, const std::string& indent);
+std::string fieldNames(const DocumentKind& kind, const std::string& indent);
 // The same for every kind, for the help.
 std::string fieldHelp();
 

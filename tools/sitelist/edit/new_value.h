@@ -1,11 +1,11 @@
-#ifndef TOOLS_SITELIST_EDIT_WANTED_H
-#define TOOLS_SITELIST_EDIT_WANTED_H
+#ifndef TOOLS_SITELIST_EDIT_NEW_VALUE_H
+#define TOOLS_SITELIST_EDIT_NEW_VALUE_H
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "tools/sitelist/edit/field_rules.h"
+#include "tools/sitelist/edit/document_fields.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -18,36 +18,36 @@ struct GivenPassword {
 };
 
 // A value that a field of a site is to have.
-struct Wanted {
-  const FieldRule* rule;
+struct NewValue {
+  const DocumentField* field;
   std::wstring text;                    // as it goes into the document
   const std::wstring* clear = nullptr;  // of a password
 
   std::int64_t number() const;
   // As a record has it; a text stays in this object.
-  Field field() const;
+  Field recordField() const;
 };
 
 // What a new site has in the field.
-Wanted initialValue(const FieldRule& rule);
+NewValue initialValue(const DocumentField& field);
 
-Wanted wantedNumber(const FieldRule& rule, std::int64_t number);
+NewValue numberValue(const DocumentField& field, std::int64_t number);
 
 // A text is checked as the value of the field. Fails when it is none.
-Wanted wantedText(const FieldRule& rule, const std::string& value);
+NewValue textValue(const DocumentField& field, const std::string& value);
 
 // Whether the record has the value.
-bool has(const sitehlp::tag_Site& site, const Wanted& wanted);
+bool hasValue(const sitehlp::tag_Site& site, const NewValue& value);
 
 // Understands each FIELD=VALUE for a site of that kind, and the password if one is given. Fails for
 // a field that cannot be set, with the list of those that can, and for a value that is none.
-std::vector<Wanted> wantedFields(const KindRules& rules,
-                                 const std::vector<std::string>& assignments,
-                                 const GivenPassword& password);
+std::vector<NewValue> newValues(const DocumentKind& kind,
+                                const std::vector<std::string>& assignments,
+                                const GivenPassword& password);
 
 // Fails when the port of a proxy is given without its server, which neither the values nor the
 // record, if there is one, have: the reader takes both or none.
-void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<Wanted>& values);
+void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<NewValue>& values);
 
 }  // namespace tool
 

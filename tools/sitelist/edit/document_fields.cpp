@@ -1,0 +1,132 @@
+#include "tools/sitelist/edit/document_fields.h"
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+
+#include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/model/site_list.h"
+
+namespace tool {
+namespace {
+
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+using Fields = std::vector<DocumentField>;
+
+constexpr std::int64_t c_maxNumber = std::numeric_limits<std::int32_t>::max();
+
+template <typename Row>
+std::int64_t limitOf(const Row& row) {
+  if (sitehlp::isText(row.form)) return static_cast<std::int64_t>(row.capacity) - 1;
+  if (sitehlp::isPort(row.form)) return c_maxPort;
+  return row.form == FieldForm::Number ? c_maxNumber : 0;
+}
+
+// A management server has its NetBIOS name and IP address always, agents and plain HTTP sites only
+// when they are known.
+Presence presenceOf(sitehlp::Written written, bool isServer) {
+  const bool isAlways =
+      written == sitehlp::Written::Always || (written == sitehlp::Written::ByElement && isServer);
+  return isAlways ? Presence::Always : Presence::WhenGiven;
+}
+
+template <typename Table>
+Fields fieldsIn(const Table& table, bool isServer = false) {
+  Fields fields;
+  const auto add = [&](const auto& row) {
+    if (row.place == FieldPlace::None) return;
+    fields.push_back({row.name, row.form, row.place, *row.xmlName, row.initial, limitOf(row),
+                      presenceOf(row.written, isServer)});
+  };
+  std::apply([&](const auto&... rows) { (add(rows), ...); }, table);
+  return fields;
+}
+
+// An attribute that is no field, behind one that is.
+Fields withAttribute(Fields fields, const std::string& before, const wchar_t* xmlName,
+                     const wchar_t* value) {
+  const auto found = std::find_if(fields.begin(), fields.end(),
+                                  [&](const DocumentField& field) { return before == field.name; });
+  fields.insert(found + 1, {nullptr, FieldForm::Text, FieldPlace::Attribute, xmlName, value});
+  return fields;
+}
+
+Fields serverFields() {
+  Fields fields = fieldsIn(sitehlp::c_serverFields, true);
+  for (DocumentField& field : fields) {
+    if (field.xmlName == WX_XML_SITE_TYPE) field.initial = STR_SITE_TYPE_MASTER;
+  }
+  return fields;
+}
+
+const std::vector<DocumentKind>& allKinds() {
+  static const std::vector<DocumentKind> all = {
+      {"server", WX_XML_SITELIST_VESTA_SITE, serverFields()},
+      {"agent", WX_XML_SITELIST_KEYSTONE_SITE, fieldsIn(sitehlp::c_httpFields)},
+      {"http", WX_XML_SITELIST_HTTP_SITE, fieldsIn(sitehlp::c_httpFields)},
+      {"ftp", WX_XML_SITELIST_FTP_SITE, fieldsIn(sitehlp::c_ftpFields)},
+      {"unc", WX_XML_SITELIST_UNC_SITE, fieldsIn(sitehlp::c_uncFields)},
+      {"local", WX_XML_SITELIST_LOCAL_SITE,
+       withAttribute(fieldsIn(sitehlp::c_localFields), "local", WX_XML_SITE_SERVER, L"127.0.0.1")},
+      {"proxy", WX_XML_PROXY_CONFIG_LIST,
+       withAttribute(fieldsIn(sitehlp::c_proxyFields), "useIEConfig", WX_XML_SITE_LOCAL, L"1")},
+  };
+  return all;
+}
+
+}  // namespace
+
+const DocumentKind* findKind(const std::string& name) {
+  for (const DocumentKind& kind : allKinds()) {
+    if (name == kind.name) return &kind;
+  }
+  return nullptr;
+}
+
+const DocumentField* findField(const DocumentKind& kind, const std::string& name) {
+  for (const DocumentField& field : kind.fields) {
+    if (field.name && name == field.name) return &field;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> kinds() {
+  std::vector<std::string> names;
+  for (const DocumentKind& kind : allKinds()) names.emplace_back(kind.name);
+  return names;
+}
+
+std::string kindNames() {
+  std::string names;
+  for (const std::string& kind : kinds()) names += (names.empty() ? "" : ", ") + kind;
+  return names;
+}
+
+std::string fieldNames(const DocumentKind& kind, const std::string& indent) {
+  constexpr std::size_t c_columns = 79;
+  std::string text;
+  std::string line;
+  for (const DocumentField& field : kind.fields) {
+    if (!field.name || field.name == std::string("name")) continue;
+    const std::string name = field.name;
+    if (!line.empty() && indent.size() + line.size() + 2 + name.size() >= c_columns) {
+      text += indent + line + ",\n";
+      line.clear();
+    }
+    line += (line.empty() ? "" : ", ") + name;
+  }
+  return text + indent + line;
+}
+
+std::string fieldHelp() {
+  constexpr std::size_t c_indent = 10;
+  std::string text;
+  for (const DocumentKind& kind : allKinds()) {
+    const std::string name = std::string("  ") + kind.name;
+    text += name + fieldNames(kind, std::string(c_indent, ' ')).substr(name.size()) + '\n';
+  }
+  return text;
+}
+
+}  // namespace tool

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "tools/sitelist/cli/failure.h"
-#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"

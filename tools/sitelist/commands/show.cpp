@@ -7,7 +7,6 @@
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
-#include "tools/sitelist/model/proxy_text.h"
 #include "tools/sitelist/model/selection.h"
 #include "tools/sitelist/model/site_report.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/sitelist/cli/pattern.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {

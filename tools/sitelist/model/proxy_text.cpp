@@ -1,5 +1,3 @@
-#include "tools/sitelist/model/proxy_text.h"
-
 #include <ostream>
 #include <string>
 

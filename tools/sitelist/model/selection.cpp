@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tools/sitelist/cli/failure.h"
-#include "tools/sitelist/cli/pattern.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_report.h"
 

@@ -1,6 +1,7 @@
 #ifndef TOOLS_SITELIST_MODEL_SITE_REPORT_H
 #define TOOLS_SITELIST_MODEL_SITE_REPORT_H
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ std::wstring orderOf(const sitehlp::tag_Site& site);
 std::wstring addressOf(const sitehlp::tag_Site& site);
 std::wstring pathOf(const sitehlp::tag_Site& site);
 bool hasSecurePort(const sitehlp::tag_Site& site);
+
+// Prints a proxy record as a block of lines.
+void printProxy(std::ostream& out, const sitehlp::tag_ProxySite& proxy, bool showSecrets);
 
 }  // namespace tool
 

@@ -1,9 +1,7 @@
-#include "tools/sitelist/validate/document_checks.h"
-
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/model/certificate.h"
+#include "tools/sitelist/validate/checks.h"
 #include "tools/sitelist/validate/element_checks.h"
-#include "tools/sitelist/validate/site_checks.h"
 
 namespace tool {
 

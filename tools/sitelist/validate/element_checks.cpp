@@ -3,7 +3,7 @@
 #include <map>
 
 #include "sitehlp/xmlschema/sitelist.h"
-#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/validate/value_checks.h"
 

@@ -1,13 +1,12 @@
-#include "tools/sitelist/validate/site_checks.h"
-
 #include <map>
 #include <utility>
 
 #include "platform/common/text.h"
 #include "sitehlp/xmlschema/sitelist.h"
-#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
+#include "tools/sitelist/validate/checks.h"
 #include "tools/sitelist/validate/element_checks.h"
 #include "tools/sitelist/validate/value_checks.h"
 

@@ -9,8 +9,7 @@
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
-#include "tools/sitelist/validate/document_checks.h"
-#include "tools/sitelist/validate/site_checks.h"
+#include "tools/sitelist/validate/checks.h"
 
 namespace tool {
 namespace {

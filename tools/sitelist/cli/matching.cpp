@@ -1,7 +1,10 @@
-#include "tools/sitelist/cli/near_names.h"
+#include "tools/sitelist/cli/matching.h"
 
 #include <algorithm>
 #include <utility>
+#include <vector>
+
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {
@@ -31,8 +34,7 @@ std::size_t distance(const std::string& a, const std::string& b) {
   return row[b.size()];
 }
 
-}  // namespace
-
+// Those of `known` that may have been meant, the nearest first.
 std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& known) {
   std::vector<std::pair<std::size_t, std::string>> found;
   const std::string wanted = lower(name.substr(0, c_longest));
@@ -52,6 +54,32 @@ std::vector<std::string> nearNames(const std::string& name, const std::vector<st
   std::vector<std::string> names;
   for (auto& [letters, each] : found) names.push_back(std::move(each));
   return names;
+}
+
+}  // namespace
+
+// At a mismatch the last "*" takes one character more.
+bool matchesPattern(const std::wstring& text, const std::wstring& pattern) {
+  const std::wstring wanted = caseFolded(pattern);
+  const std::wstring given = caseFolded(text);
+  std::size_t at = 0;
+  std::size_t star = std::wstring::npos;
+  std::size_t behindStar = 0;
+  for (std::size_t i = 0; i < given.size();) {
+    if (at < wanted.size() && wanted[at] == L'*') {
+      star = at++;
+      behindStar = i;
+    } else if (at < wanted.size() && (wanted[at] == L'?' || wanted[at] == given[i])) {
+      ++at;
+      ++i;
+    } else if (star != std::wstring::npos) {
+      at = star + 1;
+      i = ++behindStar;
+    } else {
+      return false;
+    }
+  }
+  return wanted.find_first_not_of(L'*', at) == std::wstring::npos;
 }
 
 std::string suggestion(const std::string& name, const std::vector<std::string>& known) {

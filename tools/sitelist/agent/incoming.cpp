@@ -35,7 +35,7 @@ bool hasVersionedServer(const std::string& path) {
 Failure refusal(const std::string& file, int code) {
   std::string text =
       shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
-  for (const Fault& fault : brokenRules(file)) text += "\n  " + lineOf(file, fault);
+  for (const Fault& fault : loggedFaults(file)) text += "\n  " + lineOf(file, fault);
   return Failure(exitNegative, text, "fix these errors; `sitelist explain-rule RULE` says how",
                  {file, code});
 }

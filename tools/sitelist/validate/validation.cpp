@@ -81,7 +81,7 @@ Place placeOf(const std::string& rule, const PlacedElement& root) {
   return server && rule.rfind("server-", 0) == 0 ? server->place : list->place;
 }
 
-void addBrokenRules(const PlacedElement& root, bool isBesideKeys, Faults& faults) {
+void addLoggedFaults(const PlacedElement& root, bool isBesideKeys, Faults& faults) {
   for (const LogRecord& record : logRecords()) {
     for (const Wording& wording : c_wordings) {
       if (!isWordedAs(record.text, wording)) continue;
@@ -124,7 +124,7 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
     throw libraryFailure(source.path, read);
   }
   const int checked = helper.SourceSiteListCheck(sites.get(), checkServer);
-  addBrokenRules(document.root(), source.isBesideKeys, faults);
+  addLoggedFaults(document.root(), source.isBesideKeys, faults);
   if (checked != 0 && faults.empty()) throw libraryFailure(source.path, checked);
   checkDocument(document.root(), checkServer, faults);
   return faults.take();
@@ -145,10 +145,10 @@ Failure lastSiteFailure(const std::string& path) {
                  "correct the name of the element", {path, code, place.line, place.column});
 }
 
-std::vector<Fault> brokenRules(const std::string& path) {
+std::vector<Fault> loggedFaults(const std::string& path) {
   Faults faults;
   PlacedDocument document;
-  if (!document.read(path)) addBrokenRules(document.root(), true, faults);
+  if (!document.read(path)) addLoggedFaults(document.root(), true, faults);
   return faults.take();
 }
 

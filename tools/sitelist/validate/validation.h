@@ -20,8 +20,8 @@ struct ListSource {
 // those of its management server. Fails when the library's result has no reason.
 std::vector<Fault> validateList(const ListSource& source, bool checkServer);
 
-// The rules of the library's own checks that were logged as broken, placed in the file.
-std::vector<Fault> brokenRules(const std::string& path);
+// The faults that the library's own checks logged, placed in the file.
+std::vector<Fault> loggedFaults(const std::string& path);
 
 // The failure of a list whose last site is of unknown kind, with the place of that site.
 Failure lastSiteFailure(const std::string& path);

@@ -1,3 +1,4 @@
+#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "tests/cli/edit_fixture.h"
@@ -184,6 +185,23 @@ TEST_F(CliEditFields, NamesTheFieldsThatThereAreForOneThatCannotBeSet) {
   }
   fail(2, {"set", "x", "--kind", "proxy", "enabled=1"});
   EXPECT_THAT(fail(2, {"set", "x", "--kind", "http", "name=y"}), HasSubstr("sitelist edit rename"));
+}
+
+TEST_F(CliEditFields, EveryKindOfTheSchemaCanBeAddedAndIsKnownToValidate) {
+  const nlohmann::json schema = nlohmann::json::parse(
+      readFile(std::string(TEST_SOURCE_DIR) + "/tools/sitelist/sitelist.schema.json"));
+  std::vector<std::string> expected = {"unknown"};
+  for (const KindCase& kind : kindCases()) {
+    expected.push_back(kind.kind);
+    setOwnList(document(""));
+    change({"add", kind.kind, "x"});
+    change(Arguments{"add", kind.kind, "last"} + assignments(kind));
+    const Output validated = sitelist({"validate", "--unmanaged", ownList()});
+    EXPECT_EQ(validated.status, 0) << kind.kind << ": " << validated.out << validated.err;
+    EXPECT_THAT(validated.out, Not(HasSubstr("unknown-"))) << kind.kind;
+  }
+  EXPECT_THAT(schema.at("definitions").at("site").at("properties").at("kind").at("enum"),
+              testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(CliEditFields, AddsASiteInTheFormInWhichTheLibraryWritesIt) {

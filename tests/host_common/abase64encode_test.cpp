@@ -13,7 +13,7 @@ std::string decoded(const std::wstring& text) {
   return std::string(reinterpret_cast<const char*>(buffer.data()), buffer.size());
 }
 
-TEST(Base64, DecodesTheStandardsExamples) {
+TEST(ABase64Encode, DecodesTheStandardsExamples) {
   EXPECT_EQ(decoded(L""), "");
   EXPECT_EQ(decoded(L"Zg=="), "f");
   EXPECT_EQ(decoded(L"Zm8="), "fo");
@@ -23,7 +23,7 @@ TEST(Base64, DecodesTheStandardsExamples) {
   EXPECT_EQ(decoded(L"Zm9vYmFy"), "foobar");
 }
 
-TEST(Base64, DecodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
+TEST(ABase64Encode, DecodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
   for (std::size_t length = 1; length <= 300; ++length) {
     std::vector<unsigned char> bytes;
     for (std::size_t i = 0; i < length; ++i) {
@@ -36,12 +36,12 @@ TEST(Base64, DecodesWhatAnotherEncoderMakesOfEveryByteAtEveryLength) {
   }
 }
 
-TEST(Base64, SkipsWhiteSpaceAnywhere) {
+TEST(ABase64Encode, SkipsWhiteSpaceAnywhere) {
   EXPECT_EQ(decoded(L" Zm\n9v\r\nYm\tE \v\f= \n"), "fooba");
   EXPECT_EQ(decoded(L"Zg= ="), "f");
 }
 
-TEST(Base64, GivesNothingForWhiteSpaceAlone) { EXPECT_EQ(decoded(L" \r\n"), ""); }
+TEST(ABase64Encode, GivesNothingForWhiteSpaceAlone) { EXPECT_EQ(decoded(L" \r\n"), ""); }
 
 class InvalidBase64 : public testing::TestWithParam<const wchar_t*> {};
 
@@ -64,9 +64,9 @@ INSTANTIATE_TEST_SUITE_P(
       return std::to_string(param.index);
     });
 
-TEST(Base64, RefusesAZeroCharacter) { EXPECT_EQ(decoded(std::wstring(L"Zm9v\0", 5)), ""); }
+TEST(ABase64Encode, RefusesAZeroCharacter) { EXPECT_EQ(decoded(std::wstring(L"Zm9v\0", 5)), ""); }
 
-TEST(Base64, KnowsExactlyTheSixtyFourCharactersOfTheAlphabet) {
+TEST(ABase64Encode, KnowsExactlyTheSixtyFourCharactersOfTheAlphabet) {
   int accepted = 0;
   for (wchar_t c = 1; c < 0x400; ++c) {
     if (!decoded(std::wstring(L"Zm9") + c).empty()) ++accepted;

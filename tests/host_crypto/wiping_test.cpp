@@ -2,10 +2,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
-#include <climits>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
@@ -14,48 +10,8 @@
 #include "host/common/encoding.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
+#include "tests/support/allocation/searched_new.h"
 #include "tests/support/test_agent.h"
-
-// Looks into every block of memory that is given back, for as long as a secret is watched; and
-// gives out none for as long as there is to be none.
-namespace {
-
-constexpr std::size_t c_head = alignof(std::max_align_t);
-std::atomic<bool> g_watching{false};
-std::atomic<int> g_found{0};
-constexpr int c_unlimited = INT_MIN;
-std::atomic<int> g_allocationsLeft{c_unlimited};
-unsigned char g_needle[64];
-std::size_t g_needleSize = 0;
-
-void* allocate(std::size_t size) {
-  const bool isExhausted = g_allocationsLeft != c_unlimited && g_allocationsLeft-- <= 0;
-  unsigned char* const block =
-      isExhausted ? nullptr : static_cast<unsigned char*>(std::malloc(size + c_head));
-  if (!block) throw std::bad_alloc();
-  std::memcpy(block, &size, sizeof size);
-  return block + c_head;
-}
-
-void release(void* memory) noexcept {
-  if (!memory) return;
-  unsigned char* const bytes = static_cast<unsigned char*>(memory);
-  if (g_watching) {
-    std::size_t size = 0;
-    std::memcpy(&size, bytes - c_head, sizeof size);
-    g_found += std::search(bytes, bytes + size, g_needle, g_needle + g_needleSize) != bytes + size;
-  }
-  std::free(bytes - c_head);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* memory) noexcept { release(memory); }
-void operator delete[](void* memory) noexcept { release(memory); }
-void operator delete(void* memory, std::size_t) noexcept { release(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
 
 namespace {
 
@@ -66,13 +22,9 @@ using test::EncryptionObject;
 // How many blocks with these bytes in them were given back while the work was done.
 template <typename Work>
 int blocksGivenBackWith(const void* needle, std::size_t size, Work work) {
-  std::memcpy(g_needle, needle, size);
-  g_needleSize = size;
-  g_found = 0;
-  g_watching = true;
+  const test::SearchedDeletes deletes(needle, size);
   work();
-  g_watching = false;
-  return g_found;
+  return deletes.found();
 }
 
 const std::string c_secret = "a quite long secret";
@@ -164,13 +116,12 @@ TEST(CryptoMemory, HoldsNoPasswordThatTheOutputHasNoRoomFor) {
   expectNoTraceOfTheSecret([&] {
     for (int before = 0; !done; ++before) {
       std::wstring out;
-      g_allocationsLeft = before;
       try {
+        const test::FailingNew failing(before);
         done = object->decrypt_string(text, out) != 0;
       } catch (const std::bad_alloc&) {
         ++refused;
       }
-      g_allocationsLeft = c_unlimited;
       wipe(out);
     }
     done = false;
@@ -207,15 +158,14 @@ TEST(CryptoMemory, IsNotNeededToGiveAnObjectBack) {
     ASSERT_NE(object, nullptr);
   }
   std::size_t givenBack = 0;
-  g_allocationsLeft = 0;
   try {
+    const test::FailingNew failing(0);
     for (auto* object : objects) {
       service->destroy_encryption_object(object);
       ++givenBack;
     }
   } catch (const std::bad_alloc&) {
   }
-  g_allocationsLeft = c_unlimited;
   EXPECT_EQ(givenBack, objects.size());
 }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/sitehlp/searched_new.h"
+#include "tests/support/allocation/searched_new.h"
 
 namespace {
 

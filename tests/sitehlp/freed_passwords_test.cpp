@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tests/sitehlp/password_fixture.h"
-#include "tests/sitehlp/searched_new.h"
+#include "tests/support/allocation/searched_new.h"
 
 namespace {
 

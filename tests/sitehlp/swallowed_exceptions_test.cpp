@@ -8,8 +8,8 @@
 #include "sitehlp/write/sites_helper_util.h"
 #include "tests/import/failing_allocation.h"
 #include "tests/sitehlp/hooked_file_system.h"
-#include "tests/sitehlp/searched_new.h"
 #include "tests/sitehlp/writer_fixture.h"
+#include "tests/support/allocation/searched_new.h"
 #include "tests/support/child_process.h"
 
 // An operation that answers with a code where something was thrown leaves one error line that says

@@ -1,9 +1,10 @@
-#ifndef TESTS_SITEHLP_SEARCHED_NEW_H
-#define TESTS_SITEHLP_SEARCHED_NEW_H
+#ifndef TESTS_SUPPORT_ALLOCATION_SEARCHED_NEW_H
+#define TESTS_SUPPORT_ALLOCATION_SEARCHED_NEW_H
 
 #include <cstddef>
 
-// The operators new and delete of a test program that can look into what is given back.
+// The operators new and delete of a test program. They can look into what is given back, and refuse
+// to give anything out.
 namespace test {
 
 // They put the size of a block in front of it. This is how much memory they ask malloc for when
@@ -20,6 +21,16 @@ class SearchedDeletes {
   SearchedDeletes& operator=(const SearchedDeletes&) = delete;
 
   int found() const;  // blocks so far that hold the bytes
+};
+
+// While it lives, operator new gives out `before` blocks and throws std::bad_alloc from then on.
+// One at a time.
+class FailingNew {
+ public:
+  explicit FailingNew(int before);
+  ~FailingNew();
+  FailingNew(const FailingNew&) = delete;
+  FailingNew& operator=(const FailingNew&) = delete;
 };
 
 }  // namespace test

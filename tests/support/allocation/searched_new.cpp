@@ -1,7 +1,8 @@
-#include "tests/sitehlp/searched_new.h"
+#include "tests/support/allocation/searched_new.h"
 
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -13,9 +14,13 @@ constexpr std::size_t c_head = blockSizeOfNew(0);
 std::atomic<const unsigned char*> g_needle{nullptr};  // null: no search
 std::atomic<std::size_t> g_size{0};
 std::atomic<int> g_found{0};
+constexpr int c_unlimited = INT_MIN;
+std::atomic<int> g_left{c_unlimited};
 
 void* allocate(std::size_t size) {
-  unsigned char* const block = static_cast<unsigned char*>(std::malloc(blockSizeOfNew(size)));
+  const bool isExhausted = g_left != c_unlimited && g_left-- <= 0;
+  unsigned char* const block =
+      isExhausted ? nullptr : static_cast<unsigned char*>(std::malloc(blockSizeOfNew(size)));
   if (!block) throw std::bad_alloc();
   std::memcpy(block, &size, sizeof size);
   return block + c_head;
@@ -43,6 +48,10 @@ SearchedDeletes::SearchedDeletes(const void* bytes, std::size_t size) {
 SearchedDeletes::~SearchedDeletes() { g_needle = nullptr; }
 
 int SearchedDeletes::found() const { return g_found; }
+
+FailingNew::FailingNew(int before) { g_left = before; }
+
+FailingNew::~FailingNew() { g_left = c_unlimited; }
 
 }  // namespace test
 

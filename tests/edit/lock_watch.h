@@ -8,13 +8,13 @@
 
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
-#include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
 // While it lives, keeps how "SiteListLock" is held whenever one of the named files is opened for
 // reading or is put in place: "read NAME: none", "read NAME: reading", "write NAME: writing".
-class LockWatch : public FaultyFileSystem {
+class LockWatch : public ForwardingFileSystem {
  public:
   explicit LockWatch(std::vector<std::string> names) : m_names(std::move(names)) {}
 
@@ -22,11 +22,11 @@ class LockWatch : public FaultyFileSystem {
 
   int open(int directory, const std::string& path, int flags, mode_t mode) override {
     if ((flags & O_ACCMODE) == O_RDONLY) note("read ", path.substr(path.rfind('/') + 1));
-    return FaultyFileSystem::open(directory, path, flags, mode);
+    return ForwardingFileSystem::open(directory, path, flags, mode);
   }
   int rename(int directory, const std::string& from, const std::string& to) override {
     note("write ", to);
-    return FaultyFileSystem::rename(directory, from, to);
+    return ForwardingFileSystem::rename(directory, from, to);
   }
 
  private:

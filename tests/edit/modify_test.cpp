@@ -4,6 +4,7 @@
 #include "tests/edit/edit_fixture.h"
 #include "tests/edit/lock_watch.h"
 #include "tests/import/key_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 using namespace sitehlp;
 using namespace test;
@@ -23,7 +24,7 @@ std::string server(const std::string& name, const std::string& more = "") {
 }
 
 // Does something once, when the file of that name is opened for the first time.
-class WhenOpened : public FaultyFileSystem {
+class WhenOpened : public ForwardingFileSystem {
  public:
   WhenOpened(std::string name, std::function<void()> action)
       : m_name(std::move(name)), m_action(std::move(action)) {}
@@ -34,7 +35,7 @@ class WhenOpened : public FaultyFileSystem {
       m_action = nullptr;
       action();
     }
-    return FaultyFileSystem::open(directory, path, flags, mode);
+    return ForwardingFileSystem::open(directory, path, flags, mode);
   }
 
  private:

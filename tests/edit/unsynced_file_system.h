@@ -3,18 +3,18 @@
 
 #include <string>
 
-#include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
 // While it lives, nothing waits for stable storage: for tests that write thousands of files. A file
 // system may also wait when a file takes the place of another one, so that one goes first.
-class UnsyncedFileSystem : public FaultyFileSystem {
+class UnsyncedFileSystem : public ForwardingFileSystem {
  public:
   int sync(int) override { return 0; }
   int rename(int directory, const std::string& from, const std::string& to) override {
-    FaultyFileSystem::unlink(directory, to);
-    return FaultyFileSystem::rename(directory, from, to);
+    ForwardingFileSystem::unlink(directory, to);
+    return ForwardingFileSystem::rename(directory, from, to);
   }
 };
 

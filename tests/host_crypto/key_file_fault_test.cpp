@@ -9,6 +9,7 @@
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/child_process.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -17,6 +18,7 @@ using test::ENCRYPTION_TYPE_PASSWORD;
 using test::EncryptionObject;
 using test::FaultyFileSystem;
 using test::FileCall;
+using test::ForwardingFileSystem;
 
 bool roundTrips() {
   const EncryptionObject object(ENCRYPTION_TYPE_PASSWORD);
@@ -103,11 +105,11 @@ TEST(KeyFileFault, ThatSplitsReadsAndWritesDoesNoHarm) {
 }
 
 // Every open file belongs to that user.
-class OwnedFileSystem : public FaultyFileSystem {
+class OwnedFileSystem : public ForwardingFileSystem {
  public:
   explicit OwnedFileSystem(uid_t owner) : m_owner(owner) {}
   int statOpen(int fd, struct stat& out) override {
-    const int result = FaultyFileSystem::statOpen(fd, out);
+    const int result = ForwardingFileSystem::statOpen(fd, out);
     out.st_uid = m_owner;
     return result;
   }

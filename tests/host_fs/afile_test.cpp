@@ -7,6 +7,7 @@
 
 #include "tests/host_fs/file_fixture.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -203,14 +204,14 @@ TEST_F(Files, AreTheSameWhenWritingOneReplacesTheOther) {
 }
 
 // A file system on which "F" is another way to write "f".
-class IgnoringCase : public test::FaultyFileSystem {
+class IgnoringCase : public test::ForwardingFileSystem {
  public:
   int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
-    return FaultyFileSystem::stat(directory, path == "F" ? "f" : path, follow, out);
+    return ForwardingFileSystem::stat(directory, path == "F" ? "f" : path, follow, out);
   }
   int readLink(int directory, const std::string& path, std::string& target,
                struct stat& link) override {
-    return FaultyFileSystem::readLink(directory, path == "F" ? "f" : path, target, link);
+    return ForwardingFileSystem::readLink(directory, path == "F" ? "f" : path, target, link);
   }
 };
 

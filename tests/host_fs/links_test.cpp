@@ -4,7 +4,9 @@
 
 #include "host/fs/temp_file.h"
 #include "tests/host_fs/file_fixture.h"
+#include "tests/support/faulty_file_system.h"
 #include "tests/support/foreign_links.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -101,11 +103,11 @@ TEST_F(Links, AreFollowedFortyTimesAndNoMore) {
 }
 
 // Some systems keep a link that says nothing, or let it go between two calls.
-class OddLinks : public test::FaultyFileSystem {
+class OddLinks : public test::ForwardingFileSystem {
  public:
   int readLink(int directory, const std::string& name, std::string& target,
                struct stat& link) override {
-    const int found = FaultyFileSystem::readLink(directory, name, target, link);
+    const int found = ForwardingFileSystem::readLink(directory, name, target, link);
     if (name == "gone") return -ENOENT;
     if (name == "a-file-by-now") return -EINVAL;
     if (name == "empty") target.clear();

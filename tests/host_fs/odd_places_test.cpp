@@ -5,6 +5,7 @@
 
 #include "tests/host_fs/file_fixture.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/recording_file_system.h"
 
@@ -37,12 +38,12 @@ TEST_F(OddPlaces, AFileOfThatLengthAndEndButAnotherBeginningIsNotTakenForALeftOv
 }
 
 // The first new file finds its name taken.
-class TakenName : public test::FaultyFileSystem {
+class TakenName : public test::ForwardingFileSystem {
  public:
   int open(int directory, const std::string& name, int flags, mode_t mode) override {
-    if ((flags & O_EXCL) == 0) return FaultyFileSystem::open(directory, name, flags, mode);
+    if ((flags & O_EXCL) == 0) return ForwardingFileSystem::open(directory, name, flags, mode);
     names.insert(name);
-    return names.size() == 1 ? -EEXIST : FaultyFileSystem::open(directory, name, flags, mode);
+    return names.size() == 1 ? -EEXIST : ForwardingFileSystem::open(directory, name, flags, mode);
   }
   std::set<std::string> names;
 };

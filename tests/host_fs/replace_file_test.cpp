@@ -8,6 +8,7 @@
 
 #include "tests/host_fs/file_fixture.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -154,10 +155,10 @@ TEST_F(ReplaceFile, StaysInTheDirectoryThatItOpenedWhenThatIsExchanged) {
 }
 
 // Reports another owner for files that are there by name, and keeps what chown is asked for.
-class OtherOwner : public test::FaultyFileSystem {
+class OtherOwner : public test::ForwardingFileSystem {
  public:
   int stat(int directory, const std::string& name, bool follow, struct stat& out) override {
-    const int result = FaultyFileSystem::stat(directory, name, follow, out);
+    const int result = ForwardingFileSystem::stat(directory, name, follow, out);
     if (result == 0) out.st_uid += 7;
     return result;
   }
@@ -168,7 +169,7 @@ class OtherOwner : public test::FaultyFileSystem {
   }
   int chmod(int fd, mode_t mode) override {
     EXPECT_NE(asked, uid_t{0}) << "the owner comes first: changing it takes mode bits away";
-    return FaultyFileSystem::chmod(fd, mode);
+    return ForwardingFileSystem::chmod(fd, mode);
   }
   static mode_t modeNow(int fd) {
     struct stat info {};

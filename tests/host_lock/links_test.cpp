@@ -4,8 +4,10 @@
 #include <iostream>
 
 #include "tests/host_lock/lock_fixture.h"
+#include "tests/support/faulty_file_system.h"
 #include "tests/support/file_times.h"
 #include "tests/support/foreign_links.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -152,11 +154,11 @@ TEST_F(LockLinks, AreNotNeededByTheUserOfTheDirectoryAfterRoot) {
 }
 
 TEST_F(LockLinks, AreOpenedByNobodyElseAndThatIsSaidOnce) {
-  class Closed : public test::FaultyFileSystem {
+  class Closed : public test::ForwardingFileSystem {
    public:
     int open(int directory, const std::string& path, int flags, mode_t mode) override {
       if (path == "SiteListLock.lock") return -EACCES;
-      return FaultyFileSystem::open(directory, path, flags, mode);
+      return ForwardingFileSystem::open(directory, path, flags, mode);
     }
   };
   const Closed files;

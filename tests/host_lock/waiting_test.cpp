@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/host_lock/lock_fixture.h"
-#include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace {
 
@@ -163,12 +163,12 @@ TEST_F(Waiting, ReadersGetInAmongWritersThatKeepComing) {
 
 // A lock that is had at the first try, which lasts until the wait is over, but with a file that was
 // exchanged meanwhile, and is taken for ever from then on.
-class ExchangedAtTheEnd : public test::FaultyFileSystem {
+class ExchangedAtTheEnd : public test::ForwardingFileSystem {
  public:
   ExchangedAtTheEnd(std::string gate, milliseconds wait) : m_gate(std::move(gate)), m_wait(wait) {}
 
   int lock(int fd, int operation) override {
-    if ((operation & LOCK_NB) == 0) return FaultyFileSystem::lock(fd, operation);
+    if ((operation & LOCK_NB) == 0) return ForwardingFileSystem::lock(fd, operation);
     if (m_exchanged) return ++m_lockings == 1 ? 0 : (++triesAfterwards, -EWOULDBLOCK);
     std::this_thread::sleep_for(m_wait);
     std::filesystem::rename(m_gate + ".new", m_gate);

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
 // While it lives: refuses write access to some files, the removal and the replacement of others,
 // and keeps the names of the files put in place and removed, in order.
-class KeyFileSystem : public FaultyFileSystem {
+class KeyFileSystem : public ForwardingFileSystem {
  public:
   std::vector<std::string> readOnly;       // full paths
   std::vector<std::string> unanswerable;   // full paths whose access cannot be asked for
@@ -24,22 +24,22 @@ class KeyFileSystem : public FaultyFileSystem {
   int access(const std::string& path, int mode) override {
     if (holds(unanswerable, path)) return -EIO;
     if (mode == W_OK && holds(readOnly, path)) return -EACCES;
-    return FaultyFileSystem::access(path, mode);
+    return ForwardingFileSystem::access(path, mode);
   }
   int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
     if (holds(unanswerable, path)) return -EIO;
-    return FaultyFileSystem::stat(directory, path, follow, out);
+    return ForwardingFileSystem::stat(directory, path, follow, out);
   }
   int unlink(int directory, const std::string& path) override {
     const std::string name = path.substr(path.rfind('/') + 1);
     if (holds(irremovable, name)) return -EPERM;
-    const int result = FaultyFileSystem::unlink(directory, path);
+    const int result = ForwardingFileSystem::unlink(directory, path);
     if (result == 0 && name[0] != '.') changes.push_back("-" + name);
     return result;
   }
   int rename(int directory, const std::string& from, const std::string& to) override {
     if (holds(irreplaceable, to)) return -EIO;
-    const int result = FaultyFileSystem::rename(directory, from, to);
+    const int result = ForwardingFileSystem::rename(directory, from, to);
     if (result == 0) changes.push_back(to);
     return result;
   }

@@ -14,6 +14,7 @@
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 #include "tests/support/child_process.h"
+#include "tests/support/faulty_file_system.h"
 
 // Several processes at the same files, through the library alone.
 namespace {

@@ -7,6 +7,7 @@
 
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/writer_fixture.h"
+#include "tests/support/faulty_file_system.h"
 
 // System calls that fail, and exceptions that come from below.
 namespace {

@@ -10,13 +10,13 @@
 #include <utility>
 
 #include "host/agent.h"
-#include "tests/support/faulty_file_system.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
 // The real file system with a look at the moments when a file is opened and when a new file takes
 // the place of an old one. The actions get the name as the call gave it.
-class HookedFileSystem : public FaultyFileSystem {
+class HookedFileSystem : public ForwardingFileSystem {
  public:
   using Action = std::function<void(const std::string& path)>;
   explicit HookedFileSystem(Action onOpen, Action onRename = nullptr)
@@ -24,11 +24,11 @@ class HookedFileSystem : public FaultyFileSystem {
 
   int open(int directory, const std::string& path, int flags, mode_t mode) override {
     if (m_onOpen) m_onOpen(path);
-    return FaultyFileSystem::open(directory, path, flags, mode);
+    return ForwardingFileSystem::open(directory, path, flags, mode);
   }
   int rename(int directory, const std::string& from, const std::string& to) override {
     if (m_onRename) m_onRename(to);
-    return FaultyFileSystem::rename(directory, from, to);
+    return ForwardingFileSystem::rename(directory, from, to);
   }
 
  private:

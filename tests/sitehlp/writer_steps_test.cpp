@@ -6,6 +6,7 @@
 
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/writer_fixture.h"
+#include "tests/support/faulty_file_system.h"
 
 // What CreateSiteList does beside making the text: unknown records, the mesh service, failures.
 namespace {

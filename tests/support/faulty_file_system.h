@@ -6,17 +6,15 @@
 #include <mutex>
 #include <vector>
 
-#include "host/fs/file_system.h"
-#include "tests/support/file_call.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
 // The real file system, in force for the life of the object, with calls that fail on demand. A
 // failing call does nothing, except that a failing close closes all the same.
-class FaultyFileSystem : public host::FileSystem {
+class FaultyFileSystem : public ForwardingFileSystem {
  public:
   FaultyFileSystem();
-  ~FaultyFileSystem() override;
 
   // Which calls fail, the first one being number 0. A later request replaces an earlier one.
   void failCall(std::size_t number, int error);
@@ -33,31 +31,14 @@ class FaultyFileSystem : public host::FileSystem {
   std::vector<FileCall> calls() const;
   std::vector<FileCall> failed() const;
 
-  int open(int directory, const std::string& path, int flags, mode_t mode) override;
   ssize_t read(int fd, void* data, std::size_t size) override;
   ssize_t write(int fd, const void* data, std::size_t size) override;
-  int sync(int fd) override;
-  int close(int fd) override;
-  int lock(int fd, int operation) override;
-  int chmod(int fd, mode_t mode) override;
-  int chown(int fd, uid_t owner, gid_t group) override;
-  int statOpen(int fd, struct stat& out) override;
-  int stat(int directory, const std::string& path, bool follow, struct stat& out) override;
-  int readLink(int directory, const std::string& path, std::string& target,
-               struct stat& link) override;
-  int list(int directory, std::vector<std::string>& names) override;
-  int rename(int directory, const std::string& from, const std::string& to) override;
-  int link(int directory, const std::string& from, const std::string& to) override;
-  int unlink(int directory, const std::string& path) override;
-  int makeDirectory(int directory, const std::string& path, mode_t mode) override;
-  int access(const std::string& path, int mode) override;
 
  private:
   using Choice = std::function<bool(std::size_t number, FileCall call)>;
 
   void fail(Choice choice, int error);
-  // The errno to fail with, or 0.
-  int fault(FileCall call);
+  int before(const FileArguments& call) override;
 
   mutable std::mutex m_mutex;
   Choice m_choice;

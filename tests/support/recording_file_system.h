@@ -5,10 +5,10 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "host/fs/file_system.h"
-#include "tests/support/file_call.h"
+#include "tests/support/forwarding_file_system.h"
 
 namespace test {
 
@@ -30,32 +30,14 @@ std::ostream& operator<<(std::ostream& out, const RecordedCall& call);
 
 // Stands before another file system, in force for the life of the object, and keeps every call in
 // the order of their ends.
-class RecordingFileSystem : public host::FileSystem {
+class RecordingFileSystem : public ForwardingFileSystem {
  public:
   explicit RecordingFileSystem(host::FileSystem& behind = host::posixFileSystem());
-  ~RecordingFileSystem() override;
 
   std::vector<RecordedCall> calls() const;
   void forget();
 
-  int open(int directory, const std::string& path, int flags, mode_t mode) override;
-  ssize_t read(int fd, void* data, std::size_t size) override;
-  ssize_t write(int fd, const void* data, std::size_t size) override;
-  int sync(int fd) override;
   int close(int fd) override;
-  int lock(int fd, int operation) override;
-  int chmod(int fd, mode_t mode) override;
-  int chown(int fd, uid_t owner, gid_t group) override;
-  int statOpen(int fd, struct stat& out) override;
-  int stat(int directory, const std::string& path, bool follow, struct stat& out) override;
-  int readLink(int directory, const std::string& path, std::string& target,
-               struct stat& link) override;
-  int list(int directory, std::vector<std::string>& names) override;
-  int rename(int directory, const std::string& from, const std::string& to) override;
-  int link(int directory, const std::string& from, const std::string& to) override;
-  int unlink(int directory, const std::string& path) override;
-  int makeDirectory(int directory, const std::string& path, mode_t mode) override;
-  int access(const std::string& path, int mode) override;
 
  private:
   struct OpenFile {
@@ -63,13 +45,11 @@ class RecordingFileSystem : public host::FileSystem {
     std::string path;
   };
 
-  RecordedCall about(FileCall call, int fd) const;
-  RecordedCall about(FileCall call, int directory, const std::string& path) const;
-  std::string full(int directory, const std::string& path) const;
-  template <typename Result>
-  Result keep(RecordedCall call, Result result);
+  void after(const FileArguments& call, long result) override;
+  // For a thread that has the mutex.
+  RecordedCall about(const FileArguments& call) const;
+  std::string full(int directory, std::string_view path) const;
 
-  host::FileSystem& m_behind;
   mutable std::mutex m_mutex;
   std::map<int, OpenFile> m_open;
   int m_opens = 0;

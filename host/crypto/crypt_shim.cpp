@@ -60,7 +60,8 @@ IEncryption* CryptShim::create_encryption_object(EncryptionType type) {
 void CryptShim::destroy_encryption_object(IEncryption* object) {
   if (!object) return;
   std::unique_ptr<host::Encryption> owned(static_cast<host::Encryption*>(object));
-  host::poolFor(owned->type())->giveBack(std::move(owned));
+  host::KeyPool* const pool = host::poolFor(owned->type());
+  pool->giveBack(std::move(owned));
 }
 
 }  // namespace crypto

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "host/common/failure_text.h"
 #include "platform/common/log.h"
@@ -74,7 +75,8 @@ int PathWalk::enter(const std::string& path) {
     const int refused = follow(name, target);
     if (refused == EINVAL) return error;  // a file
     if (refused) return refused;
-    rest = rest.empty() ? target : target + "/" + rest;
+    if (!rest.empty()) target.append("/").append(rest);
+    rest = std::move(target);
   }
   return m_directory.error() ? ENOENT : 0;
 }

@@ -19,7 +19,8 @@ constexpr unsigned int c_graceSeconds = 2;
 
 std::atomic<pid_t> g_program{0};
 std::atomic<int> g_alarms{0};
-static_assert(std::atomic<pid_t>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+static_assert(std::atomic<pid_t>::is_always_lock_free);
+static_assert(std::atomic<int>::is_always_lock_free);
 
 void report(SupervisorReport::Kind kind, int value) {
   const SupervisorReport text{kind, value};

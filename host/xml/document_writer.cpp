@@ -61,9 +61,7 @@ const char* escapeOf(std::uint32_t character) {
 
 char* writeSpecial(wchar_t character, char* out) {
   if (const char* const escape = escapeOf(static_cast<std::uint32_t>(character))) {
-    const std::size_t size = std::strlen(escape);
-    std::memcpy(out, escape, size);
-    return out + size;
+    return std::copy_n(escape, std::strlen(escape), out);
   }
   const wchar_t carried =
       host::isXmlCharacter(character) ? character : static_cast<wchar_t>(host::c_replacement);

@@ -18,8 +18,8 @@ bool hasMoreThan(std::size_t limit, const Range& range) {
 class Counts : public pugi::xml_tree_walker {
  public:
   bool for_each(pugi::xml_node& node) override {
-    constexpr int c_depthOfChildren = 2;  // the walk counts the children of the root as 0
-    return static_cast<std::size_t>(depth() + c_depthOfChildren) <= c_maxDepth && check(node);
+    constexpr std::size_t c_depthOfChildren = 2;  // the walk counts the children of the root as 0
+    return static_cast<std::size_t>(depth()) + c_depthOfChildren <= c_maxDepth && check(node);
   }
 
   // False also ends the walk.

@@ -62,7 +62,7 @@ void carryOver(CSitesHelper& helper, tag_Site* source, tag_Site** tail, tag_Site
   if (helper.GetFallbackSite(source, &fallback) >= 0 && fallback) {
     if (helper.UpdateFallbackSite(fallback, tail, head) < 0) releaseRecord(fallback);
   }
-  ListOwner chain;
+  ListOwner chain;  // NOLINT(clang-analyzer-unix.Malloc): a list without a tail is empty
   if (helper.GetVestaSite(source, chain.out()) >= 0 && chain.get()) {
     if (putServerChain(chain.get(), tail, head)) chain.release();
     result = c_success;
@@ -90,7 +90,8 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
     }
     if (first) carryOver(*this, first, &tail, finalList, result);
   } else {
-    if (second) result = MergeThisSiteList(second, false, &tail, finalList);
+    // The result is that of the step behind this one.
+    if (second) MergeThisSiteList(second, false, &tail, finalList);
     if (first) {
       result = MergeThisSiteList(first, true, &tail, finalList);
     } else {

@@ -1,5 +1,6 @@
 #include "sitehlp/write/site_writers.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <string>
 
@@ -43,9 +44,7 @@ template <std::size_t N>
 void addAddress(ElementWriter& writer, const wchar_t* name, const wchar_t (&host)[N],
                 std::uint32_t port) {
   wchar_t address[N + 1 + c_longestNumber];
-  const std::size_t length = std::wcslen(host);
-  std::wmemcpy(address, host, length);
-  wchar_t* end = address + length;
+  wchar_t* end = std::copy_n(host, std::wcslen(host), address);
   *end++ = L':';
   end = writeDecimal(port, end);
   writer.addAttribute(name, address, static_cast<std::size_t>(end - address));

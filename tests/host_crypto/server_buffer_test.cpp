@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -86,6 +87,25 @@ TEST_F(ServerBuffer, CannotBeHadWithoutTheServersKey) {
   ASSERT_EQ(errors.size(), 2u);
   EXPECT_NE(errors[0].find(test::wide(test::serverKeyPath(m_agent.dataDirectory()))),
             std::wstring::npos);
+}
+
+TEST_F(ServerBuffer, CannotBeHadWithAKeyOfAnotherSize) {
+  const std::string path = test::serverKeyPath(m_agent.dataDirectory());
+  for (const std::string& key :
+       {std::string(31, 'k'), std::string(32, 'k') + "\n", std::string(64, 'k'), std::string()}) {
+    test::writeFile(path, key, 0600);
+    EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_SERVER_BUFFER)) << key.size();
+    EXPECT_EQ(test::readFile(path), key);
+  }
+}
+
+TEST_F(ServerBuffer, KeyThatOthersMayReadIsClosedToThem) {
+  const std::string path = test::serverKeyPath(m_agent.dataDirectory());
+  test::writeFile(path, std::string(32, 'k'), 0644);
+  EXPECT_TRUE(EncryptionObject(ENCRYPTION_TYPE_SERVER_BUFFER));
+  struct stat info;
+  ASSERT_EQ(::stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0600u);
 }
 
 TEST_F(ServerBuffer, ObjectDoesNotDoStrings) {

@@ -128,6 +128,17 @@ TEST_F(MergeWithoutMemory, TheCheckOfAListPassesTheFailureOn) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
 }
 
+TEST_F(MergeWithoutMemory, TheCheckOfAnImportPassesTheFailureOn) {
+  const TempDir incoming;
+  const std::string source = incoming.file("SiteList.xml");
+  writeFile(source, document(serverElement("s")));
+  helper.SetManagedOverride(c_overrideManaged);
+  const FailingAllocation failing(sizeof(tag_Site), 1);  // the list can be read
+  EXPECT_EQ(helper.ImportSiteList(wide(source), L""), c_errorNoMemory);
+  EXPECT_EQ(failing.failed(), 1);
+  EXPECT_FALSE(exists(path));
+}
+
 TEST_F(MergeWithoutMemory, AnExceptionLeavesNoResult) {
   writeFile(path, document(httpElement("own1") + httpElement("own2")));
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "tests/edit/lock_watch.h"
 #include "tests/import/documents.h"
 #include "tests/import/log_lines.h"
@@ -157,6 +159,15 @@ TEST_F(Merge, AnUnreadableCurrentListGivesTheCodeOfTheRead) {
   current(httpElement("c") + "<Unheard Name=\"x\"/>");
   EXPECT_EQ(merge(first, none, false), c_errorGeneral);
   EXPECT_EQ(result.head(), nullptr) << "a list that was read with a failure is not merged";
+}
+
+TEST_F(Merge, ACurrentListThatCannotBeReadGivesTheCodeOfTheRead) {
+  std::filesystem::create_directory(path);
+  const SiteChain list{httpSite(L"a")};
+  EXPECT_EQ(merge(list, none, false), c_errorRead);
+  EXPECT_EQ(result.head(), nullptr);
+  EXPECT_EQ(merge(none, list, true), c_errorRead);
+  EXPECT_EQ(result.head(), nullptr);
 }
 
 TEST_F(Merge, WithoutAFileOfItsOwnTheHelperCannotMergeTheCurrentList) {

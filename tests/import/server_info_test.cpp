@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "tests/import/documents.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
@@ -171,6 +173,11 @@ TEST_F(ServerInfo, AListThatCannotBeReadTouchesNothing) {
   info.code = none.GetPYXServerInfo(info.names, info.servers, info.serverIPs, info.netbiosNames,
                                     info.port, info.versions, true, true);
   expectUntouched(info, c_errorNoPath);
+}
+
+TEST_F(ServerInfo, ADirectoryInPlaceOfTheListTouchesNothing) {
+  std::filesystem::create_directory(file);
+  expectUntouched(askFile(true, false), c_errorRead);
 }
 
 TEST_F(ServerInfo, TheCachedListIsServedAndKept) {

@@ -10,6 +10,8 @@ using namespace test;
 const Encoding c_bytes = c_encodings[0];
 const Encoding c_little16 = c_encodings[1];
 const Encoding c_big16 = c_encodings[2];
+const Encoding c_little32 = c_encodings[3];
+const Encoding c_big32 = c_encodings[4];
 
 // A document with this declaration, or without one.
 std::wstring declaring(const std::wstring& encoding) {
@@ -65,8 +67,20 @@ INSTANTIATE_TEST_SUITE_P(Cases, FalselyDeclared,
                                          Case{"BytesAndUtf16", L"UTF-16", c_bytes, false},
                                          Case{"BytesAndUtf16Little", L"utf-16le", c_bytes, false},
                                          Case{"AMarkOfUtf8AndUtf16", L"UTF-16", c_bytes, true},
+                                         Case{"BytesAndUcs2", L"ISO-10646-UCS-2", c_bytes, false},
+                                         Case{"BytesAndUtf32", L"UTF-32", c_bytes, false},
+                                         Case{"BytesAndUcs4", L"ISO-10646-UCS-4", c_bytes, false},
                                          Case{"Utf16LittleAndUtf8", L"UTF-8", c_little16, true},
-                                         Case{"Utf16BigAndUtf8", L"utf-8", c_big16, true}),
+                                         Case{"Utf16BigAndUtf8", L"utf-8", c_big16, true},
+                                         Case{"LittleAndBig", L"UTF-16BE", c_little16, true},
+                                         Case{"BigAndLittle", L"UTF-16LE", c_big16, true},
+                                         Case{"Utf16AndUtf32", L"UTF-32", c_little16, true},
+                                         Case{"Utf16AndUcs4", L"ISO-10646-UCS-4", c_big16, true},
+                                         Case{"Utf32AndUtf16", L"UTF-16", c_little32, true},
+                                         Case{"Utf32AndUtf8", L"UTF-8", c_big32, true},
+                                         Case{"Utf32AndUcs2", L"ISO-10646-UCS-2", c_big32, true},
+                                         Case{"Little32AndBig", L"UTF-32BE", c_little32, true},
+                                         Case{"Big32AndLittle", L"UTF-32LE", c_big32, true}),
                          nameOfCase);
 
 class RightlyDeclared : public DeclaredEncoding {};
@@ -108,7 +122,18 @@ INSTANTIATE_TEST_SUITE_P(Cases, RightlyDeclared,
                                          Case{"LittleWithAMarkAlone", L"", c_little16, true},
                                          Case{"LittleWithoutAMark", L"utf-16", c_little16, false},
                                          Case{"Big", L"UTF-16", c_big16, true},
-                                         Case{"BigWithAMarkAlone", L"", c_big16, true}),
+                                         Case{"BigWithAMarkAlone", L"", c_big16, true},
+                                         Case{"BytesOfNoKnownName", L"no-such-name", c_bytes,
+                                              false},
+                                         Case{"BigByName", L"UTF-16BE", c_big16, true},
+                                         Case{"LittleUcs2", L"ISO-10646-UCS-2", c_little16, true},
+                                         Case{"BigUcs2", L"iso-10646-ucs-2", c_big16, false},
+                                         Case{"Little32", L"UTF-32", c_little32, true},
+                                         Case{"Little32ByName", L"UTF-32LE", c_little32, false},
+                                         Case{"Little32Ucs4", L"ISO-10646-UCS-4", c_little32, true},
+                                         Case{"Big32", L"utf-32", c_big32, false},
+                                         Case{"Big32ByName", L"UTF-32BE", c_big32, true},
+                                         Case{"Big32Ucs4", L"ISO-10646-UCS-4", c_big32, true}),
                          nameOfCase);
 
 }  // namespace

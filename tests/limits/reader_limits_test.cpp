@@ -43,6 +43,16 @@ TEST_F(ReaderLimits, RefuseOneMoreWhereverItStands) {
   EXPECT_EQ(codeOf("<Odd/>" + repeated("<LocalSite/>", 10) + most + "<LocalSite/>"), c_overLimit);
 }
 
+TEST_F(ReaderLimits, GiveTheRecordsThatWereReadBefore) {
+  EXPECT_EQ(codeOf("<LocalSite/>" + repeated("<a/>", c_mostUnknown + 1) + "<LocalSite/>"),
+            c_overLimit);
+  EXPECT_EQ(count, 1 + c_mostUnknown);
+  constexpr std::size_t c_fit = (std::size_t{1} << 20) / sizeof(tag_Site);
+  setRecordMegabytes(1);
+  EXPECT_EQ(codeOf(repeated("<LocalSite/>", c_fit + 2)), c_overLimit);
+  EXPECT_EQ(count, c_fit);
+}
+
 // Outside of its list a "ProxyConfig" is no site either.
 TEST_F(ReaderLimits, CountAProxyOutsideOfItsListAsNoSite) {
   EXPECT_EQ(codeOf(repeated("<ProxyConfig/>", c_mostUnknown) + "<a/>"), c_overLimit);

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <regex>
 #include <string>
 #include <vector>
 
+#include "tests/sitehlp/site_generator.h"
 #include "tests/sitehlp/writer_fixture.h"
 
 // The element of each repository and server record.
@@ -114,6 +116,15 @@ TEST_F(WriterSites, AgentRepositoryNamesWhatItKnows) {
   const std::string text = sitesOf(test::chain({named, addressed}));
   EXPECT_THAT(text, HasSubstr(R"( Server=":0" ServerName="PC1:0"><RelativePath>)"));
   EXPECT_THAT(text, HasSubstr(R"( Server=":0" ServerIP="1.2.3.4:0"><RelativePath>)"));
+  EXPECT_THAT(text, Not(HasSubstr("ServerDNS")));
+}
+
+TEST_F(WriterSites, DnsNameOfAnAgentRepositoryIsWrittenAsItsServer) {
+  const Read list = read(
+      test::documentWithSites(R"(<KeystoneSite Server="srv:81" ServerDNS="dns.example:82"/>)"));
+  ASSERT_EQ(test::lengthOf(list.list.get()), 1);
+  const std::string text = sitesOf(list.list);
+  EXPECT_THAT(text, HasSubstr(R"( Server="dns.example:82")"));
   EXPECT_THAT(text, Not(HasSubstr("ServerDNS")));
 }
 
@@ -241,6 +252,20 @@ TEST_F(WriterSites, MirrorHasNoOrder) {
       EXPECT_THAT(siteOf(withType(kind, type)), HasSubstr(R"( Order="5")"));
     }
   }
+}
+
+TEST_F(WriterSites, RemediationIsATypeLikeAnyOther) {
+  for (const sitehlp::SiteKind kind : c_siteKinds) {
+    const std::string text = siteOf(withType(kind, L"remediation"));
+    EXPECT_THAT(text, HasSubstr(R"(Type="remediation" Name="" Order="5")"));
+    EXPECT_EQ(text, std::regex_replace(siteOf(withType(kind, L"any text")), std::regex("any text"),
+                                       "remediation"));
+  }
+  const auto expected = decode(R"(<HttpSite Type="any text" Name="n"/>)");
+  const auto site = decode(R"(<HttpSite Type="remediation" Name="n"/>)");
+  EXPECT_STREQ(site->szType, L"remediation");
+  put(site->szType, L"any text");
+  EXPECT_EQ(test::fieldsOf(*site), test::fieldsOf(*expected));
 }
 
 TEST_F(WriterSites, EmptyTypeIsWrittenAsRepositoryAndStaysEmpty) {

@@ -46,6 +46,7 @@ class DeriveServerList : public testing::Test {
   TempDir to;
 };
 
+// Shows: attribute-local
 TEST_F(DeriveServerList, RepositoriesMarkedLocalAreLeftOut) {
   EXPECT_EQ(derived(local("FTPSite", "1") + serverElement("s") + local("HttpSite", "1") +
                     local("UNCSite", "1") + local("LocalSite", "1")),

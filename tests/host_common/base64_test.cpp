@@ -8,6 +8,7 @@ using Bytes = std::vector<unsigned char>;
 
 Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
+// Shows: password-text
 TEST(StrictBase64, IsTheStandardAlphabetWithPadding) {
   EXPECT_EQ(host::toBase64({}), "");
   EXPECT_EQ(host::toBase64(bytesOf("f")), "Zg==");

@@ -77,6 +77,7 @@ TEST_F(KeyFile, IsTheOnlyFileLeftInItsDirectory) {
   EXPECT_EQ(files.begin()->first, "password.key");
 }
 
+// Shows: password-machine
 TEST_F(KeyFile, DiffersFromAgentToAgent) {
   const test::TempDir other;
   EXPECT_TRUE(canEncrypt());
@@ -86,6 +87,7 @@ TEST_F(KeyFile, DiffersFromAgentToAgent) {
   EXPECT_NE(test::readFile(m_path), test::readFile(test::passwordKeyPath(other.path())));
 }
 
+// Shows: password-cipher
 TEST_F(KeyFile, ThatIsThereIsUsedAndNeverChanged) {
   const std::string key = "this key has 32 bytes, no more,.";
   ASSERT_EQ(key.size(), 32u);
@@ -141,6 +143,7 @@ TEST_F(KeyFile, ThatOnlyItsOwnerMayReadIsNotTouched) {
   EXPECT_TRUE(m_agent.messages().empty());
 }
 
+// Shows: password-cipher
 TEST_F(KeyFile, OfAnotherSizeIsRefusedWithoutShowingIt) {
   for (const std::size_t size : {0, 1, 16, 31, 33, 64, 4096}) {
     test::writeFile(m_path, std::string(size, 'k'), 0600);

@@ -79,6 +79,7 @@ TEST_F(Password, ThatCouldNotBeGivenBackIsRefused) {
   }
 }
 
+// Shows: password-text
 TEST_F(Password, IsBase64TextThatDoesNotShowIt) {
   const std::wstring text = encrypted(L"visible");
   EXPECT_EQ(text.size() % 4, 0u);

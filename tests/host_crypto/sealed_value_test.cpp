@@ -41,6 +41,7 @@ class SealedValue : public testing::Test {
   host::Sealer m_sealer{keyOf(7)};
 };
 
+// Shows: password-ciphertext
 TEST_F(SealedValue, OpensToWhatWasSealed) {
   for (const std::size_t length : {0, 1, 15, 16, 17, 31, 32, 33, 1000, 1000000}) {
     Bytes clear(length);
@@ -53,6 +54,7 @@ TEST_F(SealedValue, OpensToWhatWasSealed) {
   }
 }
 
+// Shows: password-version, password-nonce, password-ciphertext, password-tag, password-cipher
 TEST_F(SealedValue, IsVersionNonceCiphertextAndTagUnderAes256GcmWithTheVersionAuthenticated) {
   const Bytes clear = bytesOf("a password");
   const Bytes sealed = seal(clear);
@@ -74,6 +76,7 @@ TEST_F(SealedValue, IsVersionNonceCiphertextAndTagUnderAes256GcmWithTheVersionAu
 }
 
 // What a later version might make: sound, and sealed under the same key.
+// Shows: password-version
 TEST_F(SealedValue, OfAnotherVersionDoesNotOpen) {
   const SecretBytes key = keyOf(7);
   for (const int version : {0, 1, 2, 255}) {
@@ -117,6 +120,7 @@ TEST_F(SealedValue, DoesNotOpenWhenCutOrLengthened) {
   EXPECT_FALSE(opens(longer));
 }
 
+// Shows: password-machine
 TEST_F(SealedValue, DoesNotOpenUnderAnotherKey) {
   const Bytes sealed = seal(bytesOf("a password"));
   SecretBytes clear;
@@ -139,6 +143,7 @@ TEST_F(SealedValue, StillOpensAfterARefusalAndAfterSealing) {
   }
 }
 
+// Shows: password-nonce
 TEST_F(SealedValue, NeverUsesANonceTwice) {
   std::set<Bytes> nonces;
   const int count = 10000;

@@ -89,6 +89,7 @@ TEST_F(ServerBuffer, CannotBeHadWithoutTheServersKey) {
             std::wstring::npos);
 }
 
+// Shows: server-key
 TEST_F(ServerBuffer, CannotBeHadWithAKeyOfAnotherSize) {
   const std::string path = test::serverKeyPath(m_agent.dataDirectory());
   for (const std::string& key :
@@ -99,6 +100,7 @@ TEST_F(ServerBuffer, CannotBeHadWithAKeyOfAnotherSize) {
   }
 }
 
+// Shows: server-key
 TEST_F(ServerBuffer, KeyThatOthersMayReadIsClosedToThem) {
   const std::string path = test::serverKeyPath(m_agent.dataDirectory());
   test::writeFile(path, std::string(32, 'k'), 0644);

@@ -27,6 +27,7 @@ using Place = std::pair<unsigned long, unsigned long>;
 
 std::string nested(std::size_t depth) { return repeated("<a>", depth) + repeated("</a>", depth); }
 
+// Shows: limit-depth
 TEST(DepthLimit, AllowsTheDeepestDocument) {
   const test::DocumentPtr document = parse(nested(host::c_maxDepth));
   ASSERT_NE(document, nullptr);
@@ -35,6 +36,7 @@ TEST(DepthLimit, AllowsTheDeepestDocument) {
   EXPECT_EQ(depth, host::c_maxDepth);
 }
 
+// Shows: limit-depth
 TEST(DepthLimit, RefusesOneElementMore) {
   EXPECT_EQ(overLimit(nested(host::c_maxDepth + 1)), Place(1, host::c_maxDepth * 3 + 1));
 }
@@ -49,6 +51,7 @@ std::string withAttributes(std::size_t count) {
   return xml + "/></a>";
 }
 
+// Shows: limit-attributes
 TEST(AttributeLimit, AllowsTheMostAttributes) {
   const test::DocumentPtr document = parse(withAttributes(host::c_maxAttributes));
   ASSERT_NE(document, nullptr);
@@ -59,6 +62,7 @@ TEST(AttributeLimit, AllowsTheMostAttributes) {
   EXPECT_EQ(count, host::c_maxAttributes);
 }
 
+// Shows: limit-attributes
 TEST(AttributeLimit, RefusesOneAttributeMore) {
   EXPECT_EQ(overLimit(withAttributes(host::c_maxAttributes + 1)), Place(2, 1));
 }
@@ -83,12 +87,14 @@ class TokenLimit : public testing::TestWithParam<Token> {
   }
 };
 
+// Shows: limit-token
 TEST_P(TokenLimit, AllowsTheLongestToken) {
   const test::DocumentPtr document = parse(this->document(host::c_maxTokenBytes));
   ASSERT_NE(document, nullptr);
   EXPECT_GE(document->GenerateXML(false).size(), host::c_maxTokenBytes);
 }
 
+// Shows: limit-token
 TEST_P(TokenLimit, RefusesOneByteMore) {
   EXPECT_EQ(overLimit(document(host::c_maxTokenBytes + 1)).first, 2u);
 }
@@ -128,6 +134,7 @@ TEST(TokenLimit, HoldsAroundTheRootToo) {
 
 std::string withChildren(std::size_t count) { return "<r>\n" + repeated("<a/>", count) + "</r>"; }
 
+// Shows: limit-children
 TEST(ChildLimit, AllowsTheMostChildElements) {
   const test::DocumentPtr document = parse(withChildren(host::c_maxChildren));
   ASSERT_NE(document, nullptr);
@@ -139,6 +146,7 @@ TEST(ChildLimit, AllowsTheMostChildElements) {
   EXPECT_EQ(count, host::c_maxChildren);
 }
 
+// Shows: limit-children
 TEST(ChildLimit, RefusesOneChildElementMore) {
   EXPECT_EQ(overLimit(withChildren(host::c_maxChildren + 1)),
             Place(2, host::c_maxChildren * 4 + 1));
@@ -216,11 +224,13 @@ std::wstring documentOfBytes(std::size_t size) {
   return text + L"</r>";
 }
 
+// Shows: limit-bytes
 TEST(DocumentLimit, AllowsTheLargestText) {
   const test::DocumentPtr document = parse(documentOfBytes(host::c_maxDocumentBytes));
   EXPECT_NE(document, nullptr);
 }
 
+// Shows: limit-bytes
 TEST(DocumentLimit, RefusesOneByteMore) {
   const std::wstring text = documentOfBytes(host::c_maxDocumentBytes + 1);
   try {

@@ -70,12 +70,14 @@ TEST_F(BufferList, TheRecordsAreWrittenToTheScratchArea) {
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist Buffer"));
 }
 
+// Shows: CreateSiteListFromBuffer=0
 TEST_F(BufferList, AFormerScratchFileIsReplaced) {
   writeFile(scratch, "former");
   EXPECT_EQ(create(document(httpElement("a"))), 0);
   EXPECT_THAT(names(), ElementsAre(L"a"));
 }
 
+// Shows: CreateSiteListFromBuffer=-2
 TEST_F(BufferList, AnEmptyTextIsRefused) {
   EXPECT_EQ(create(""), c_errorNoPath);
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist Buffer"));
@@ -165,6 +167,7 @@ TEST_F(BufferList, ATextWithoutSiteListGivesAnEmptyList) {
   EXPECT_THAT(readFile(scratch), HasSubstr("<SiteList "));
 }
 
+// Shows: CreateSiteListFromBuffer=-1
 TEST_F(BufferList, AnUnknownLastSiteKeepsTheFileFromBeingWritten) {
   EXPECT_EQ(create(document(httpElement("a") + "<Unheard/>")), c_errorGeneral);
   expectNothingWritten();
@@ -172,6 +175,7 @@ TEST_F(BufferList, AnUnknownLastSiteKeepsTheFileFromBeingWritten) {
   EXPECT_THAT(names(), ElementsAre(L"", L"a"));
 }
 
+// Shows: CreateSiteListFromBuffer=-5
 TEST_F(BufferList, ATextThatIsNoDocumentIsRefused) {
   for (const char* text : {"<ns:SiteLists>", "no markup", "  \n ", "<a/><b/>"}) {
     EXPECT_EQ(create(text), c_errorParse) << text;
@@ -179,6 +183,7 @@ TEST_F(BufferList, ATextThatIsNoDocumentIsRefused) {
   expectNothingWritten();
 }
 
+// Shows: CreateSiteListFromBuffer=-104
 TEST_F(BufferList, ADocumentOverALimitGivesTheCodeOfTheParser) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";
@@ -187,6 +192,7 @@ TEST_F(BufferList, ADocumentOverALimitGivesTheCodeOfTheParser) {
   expectNothingWritten();
 }
 
+// Shows: CreateSiteListFromBuffer=-11
 TEST_F(BufferList, AMissingScratchAreaIsAFailedWrite) {
   std::filesystem::remove(scratchDir.file("etc"));
   EXPECT_EQ(create(document(httpElement("a"))), c_errorWrite);

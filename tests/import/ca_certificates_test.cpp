@@ -37,6 +37,7 @@ class CaCertificates : public testing::Test {
   OpenHelper helper{true};
 };
 
+// Shows: GetCaCertificates=0, grammar
 TEST_F(CaCertificates, ComeInDocumentOrder) {
   EXPECT_THAT(in("<CaBundle><CaCertificate>b</CaCertificate><CaCertificate>a</CaCertificate>"
                  "<CaCertificate>b</CaCertificate></CaBundle>"),
@@ -104,6 +105,7 @@ TEST_F(CaCertificates, AnEmptyPathMeansTheHelpersOwnFile) {
   EXPECT_EQ(helper.GetCaCertificates(L"", certificates), c_errorFileMissing) << "it has none";
 }
 
+// Shows: GetCaCertificates=-4
 TEST_F(CaCertificates, AMissingFileTouchesNothing) {
   Texts certificates = {L"old"};
   EXPECT_EQ(helper.GetCaCertificates(wide(file), certificates), c_errorFileMissing);
@@ -117,11 +119,13 @@ TEST_F(CaCertificates, AFileThatIsNoXmlGivesNone) {
   }
 }
 
+// Shows: GetCaCertificates=-5
 TEST_F(CaCertificates, AnIllFormedDocumentIsAParsingFailure) {
   writeFile(file, "<a><CaBundle><CaCertificate>1</CaCertificate></CaBundle>");
   EXPECT_THAT(read(c_errorParse), IsEmpty());
 }
 
+// Shows: GetCaCertificates=-10
 TEST_F(CaCertificates, BytesThatCannotBeReadAreAReadFailure) {
   std::filesystem::create_directory(file);
   EXPECT_THAT(read(c_errorRead), IsEmpty());
@@ -130,6 +134,7 @@ TEST_F(CaCertificates, BytesThatCannotBeReadAreAReadFailure) {
   EXPECT_THAT(read(c_errorRead), IsEmpty());
 }
 
+// Shows: GetCaCertificates=-11, limit-read
 TEST_F(CaCertificates, ADocumentOverALimitIsAReadWriteFailureOfTheParser) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";

@@ -33,6 +33,7 @@ class FormatExamples : public ImportFixture {
   }
 };
 
+// Shows: smallest-list
 TEST_F(FormatExamples, TheSmallestListIsImportedByAnUnmanagedAgent) {
   const std::string list = example("The smallest list that an unmanaged agent accepts:");
   EXPECT_EQ(importing(list), 0);
@@ -43,6 +44,7 @@ TEST_F(FormatExamples, TheSmallestListIsImportedByAnUnmanagedAgent) {
   EXPECT_EQ(importing(list.substr(0, begin) + list.substr(end)), c_errorValidation);
 }
 
+// Shows: complete-server, server-keys
 TEST_F(FormatExamples, TheCompleteServerIsImportedByAManagedAgentWithItsKeys) {
   const std::string server = example("A complete management server for a managed agent:");
   agent.settings.managed = true;
@@ -53,6 +55,7 @@ TEST_F(FormatExamples, TheCompleteServerIsImportedByAManagedAgentWithItsKeys) {
   EXPECT_THAT(installedNames(), ElementsAre(L"HQ"));
 }
 
+// Shows: proxy-example
 TEST_F(FormatExamples, TheProxyIsForAllHostsExceptTwo) {
   ASSERT_EQ(importing(document(example("A proxy for all hosts except two:") + httpElement("a"))),
             0);
@@ -66,6 +69,7 @@ TEST_F(FormatExamples, TheProxyIsForAllHostsExceptTwo) {
   EXPECT_STREQ(proxy.szExclusionList, L"intranet.example;wiki.example");
 }
 
+// Shows: complete-example
 TEST_F(FormatExamples, TheCompleteListHasEveryKindOfElement) {
   const std::string text = readFile(TEST_SOURCE_DIR "/examples/incoming/SiteList.xml");
   for (const char* element :

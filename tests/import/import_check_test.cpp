@@ -32,6 +32,7 @@ class Import : public ImportFixture {
   }
 };
 
+// Shows: ImportSiteList=0
 TEST_F(Import, AnUnmanagedAgentTakesAListWithoutServerSite) {
   incomingList(document(httpElement("a")));
   EXPECT_EQ(import(), 0);
@@ -41,6 +42,7 @@ TEST_F(Import, AnUnmanagedAgentTakesAListWithoutServerSite) {
   EXPECT_THAT(installedNames(), ElementsAre(L"a"));
 }
 
+// Shows: ImportSiteList=-8, import-rules
 TEST_F(Import, AManagedAgentRefusesAListWithoutServerSite) {
   manage();
   incomingList(document(httpElement("a")));
@@ -60,6 +62,7 @@ TEST_F(Import, AManagedAgentTakesACompleteServerSiteWithItsKeys) {
   EXPECT_EQ(readFile(agent.etc("srpubkey.bin")), "srpubkey.bin");
 }
 
+// Shows: ImportSiteList=-9, import-rules, server-rules, server-keys
 TEST_F(Import, AManagedAgentRefusesAListWhoseRulesFail) {
   manage();
   incomingList(document(serverElement("s", "5.1", "1", "repository")));
@@ -84,6 +87,7 @@ TEST_F(Import, TheOverrideDecidesWhetherTheServerIsChecked) {
   EXPECT_EQ(import(), 0);
 }
 
+// Shows: ImportSiteList=-9, ImportSiteList=-2, import-rules
 TEST_F(Import, AnEmptyListIsRefused) {
   incomingList(document(""));
   const auto before = onDisk();

@@ -36,10 +36,12 @@ INSTANTIATE_TEST_SUITE_P(Way, IncomingFailure, testing::Values(false, true),
                            return way.param ? "import" : "install";
                          });
 
+// Shows: InstallSiteList=-4, ImportSiteList=-4
 TEST_P(IncomingFailure, TheFileIsMissing) {
   expectRefusal(c_errorFileMissing, {errorLine(L"Failed hr=-4")});
 }
 
+// Shows: InstallSiteList=-1, ImportSiteList=-1
 TEST_P(IncomingFailure, NoFileIsNamed) {
   const auto before = onDisk();
   agent.clearLog();
@@ -49,6 +51,7 @@ TEST_P(IncomingFailure, NoFileIsNamed) {
   EXPECT_EQ(onDisk(), before);
 }
 
+// Shows: InstallSiteList=-5, ImportSiteList=-5
 TEST_P(IncomingFailure, TheFileIsIllFormed) {
   incomingList("<ns:SiteLists><SiteList>");
   expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
@@ -56,11 +59,13 @@ TEST_P(IncomingFailure, TheFileIsIllFormed) {
   expectRefusal(c_errorParse, {errorLine(L"Failed hr=-5")});
 }
 
+// Shows: InstallSiteList=-10, ImportSiteList=-10
 TEST_P(IncomingFailure, TheFileIsADirectory) {
   std::filesystem::create_directory(src);
   expectRefusal(c_errorRead, {errorLine(L"Failed hr=-10")});
 }
 
+// Shows: InstallSiteList=-1, ImportSiteList=-1
 TEST_P(IncomingFailure, TheFileEndsWithAnUnknownElement) {
   incomingList(document(httpElement("a") + "<Unheard/>"));
   expectRefusal(c_errorGeneral, {errorLine(L"Failed hr=-1")});
@@ -84,6 +89,7 @@ TEST_P(IncomingFailure, ThePublicKeyInTheKeyDirectoryCannotBeRead) {
   expectRefusal(c_errorGeneral, beginning());
 }
 
+// Shows: InstallSiteList=-1, ImportSiteList=-1
 TEST_P(IncomingFailure, TheKeysBesideTheListAreMissing) {
   incomingList(document(serverElement("s", "5.1")));
   writeFile(keyDir.file("srpubkey.bin"), "not consulted");
@@ -154,6 +160,7 @@ TEST_P(IncomingFailure, TheDestinationDirectoryCannotBeMade) {
   EXPECT_EQ(onDisk(), before);
 }
 
+// Shows: InstallSiteList=-1, ImportSiteList=-1
 TEST_P(IncomingFailure, TheListCannotBeWrittenAndTheKeysStay) {
   incomingList(document(serverElement("s", "5.1")));
   incomingKeys("new ");
@@ -195,6 +202,7 @@ class InternalImport : public ImportFixture {
   }
 };
 
+// Shows: InternalImportSiteList=0
 TEST_F(InternalImport, WritesTheRecordsItIsGiven) {
   incomingList(document(httpElement("in the file")));
   const SiteChain sites{httpSite(L"given"), ftpSite(L"too")};
@@ -203,6 +211,7 @@ TEST_F(InternalImport, WritesTheRecordsItIsGiven) {
   EXPECT_THAT(libraryMessages(agent), ElementsAreArray(joined(beginning(), {meshLine})));
 }
 
+// Shows: InternalImportSiteList=-4, InternalImportSiteList=-1, InternalImportSiteList=-10
 TEST_F(InternalImport, FailsWithTheCodeOfTheVersions) {
   const SiteChain sites{httpSite(L"given")};
   const auto before = onDisk();

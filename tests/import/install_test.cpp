@@ -19,6 +19,7 @@ class Install : public ImportFixture {
   Install() { writeFile(keyDir.file("srpubkey.bin"), "key"); }
 };
 
+// Shows: InstallSiteList=0
 TEST_F(Install, MakesTheIncomingListTheAgentsOwn) {
   incomingList(document(httpElement("a") + serverElement("s") + proxyElement("p") +
                         element("FTPSite", "f", R"(Type="repository" Order="5" Enabled="1")") +

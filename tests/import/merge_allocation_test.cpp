@@ -22,6 +22,7 @@ class MergeWithoutMemory : public testing::Test {
   tag_Site* tail = nullptr;
 };
 
+// Shows: MergeThisSiteList=-3
 TEST_F(MergeWithoutMemory, CopyingStopsAndKeepsTheCopiesMadeSoFar) {
   const SiteChain source{httpSite(L"a"), ftpSite(L"b"), httpSite(L"c")};
   for (int before = 0; before < 3; ++before) {
@@ -39,6 +40,7 @@ TEST_F(MergeWithoutMemory, CopyingStopsAndKeepsTheCopiesMadeSoFar) {
   }
 }
 
+// Shows: GetFallbackSite=-3
 TEST_F(MergeWithoutMemory, NoFallbackIsHandedOut) {
   const SiteChain list{typed(httpSite(L"a"), L"fallback")};
   tag_Site* fallback = nullptr;
@@ -47,6 +49,7 @@ TEST_F(MergeWithoutMemory, NoFallbackIsHandedOut) {
   EXPECT_EQ(fallback, nullptr);
 }
 
+// Shows: GetVestaSite=-3
 TEST_F(MergeWithoutMemory, TheServerSitesCopiedSoFarStayWithTheCaller) {
   const SiteChain list{serverSite(L"s1"), httpSite(L"a"), serverSite(L"s2"), serverSite(L"s3")};
   SiteChain chain;
@@ -58,6 +61,7 @@ TEST_F(MergeWithoutMemory, TheServerSitesCopiedSoFarStayWithTheCaller) {
   EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"s1", L"s2"));
 }
 
+// Shows: MergeSiteLists=-3
 TEST_F(MergeWithoutMemory, AFailureOfTheLastCopyReleasesTheWholeResult) {
   const SiteChain first{httpSite(L"a"), httpSite(L"b")};
   const SiteChain second{httpSite(L"c"), httpSite(L"d")};
@@ -120,6 +124,7 @@ TEST_F(MergeWithoutMemory, TheListOnDiskNeedsNoMoreThanItsOwnRecords) {
   EXPECT_THAT(namesOf(result.head()), ElementsAre(L"a", L"p", L"s2"));
 }
 
+// Shows: SourceSiteListCheck=-3
 TEST_F(MergeWithoutMemory, TheCheckOfAListPassesTheFailureOn) {
   const SiteChain list{serverSite(L"s1"), serverSite(L"s2")};
   agent.clearLog();
@@ -128,6 +133,7 @@ TEST_F(MergeWithoutMemory, TheCheckOfAListPassesTheFailureOn) {
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-3")));
 }
 
+// Shows: ImportSiteList=-3
 TEST_F(MergeWithoutMemory, TheCheckOfAnImportPassesTheFailureOn) {
   const TempDir incoming;
   const std::string source = incoming.file("SiteList.xml");

@@ -21,6 +21,7 @@ class MergeCopy : public testing::Test {
   tag_Site* tail = nullptr;
 };
 
+// Shows: MergeThisSiteList=0
 TEST_F(MergeCopy, AppendsACopyOfEveryRecordOfTheFiveKindsInOrder) {
   SiteChain source{httpSite(L"h"),  ftpSite(L"f"),   uncSite(L"u"),
                    localSite(L"l"), proxySite(L"p"), serverSite(L"s")};
@@ -127,6 +128,7 @@ TEST_F(MergeCopy, WithoutATailTheFirstCopyOverwritesTheHead) {
   EXPECT_THAT(namesOf(former.head()), ElementsAre(L"former"));
 }
 
+// Shows: MergeThisSiteList=-2
 TEST_F(MergeCopy, RefusesNullArguments) {
   SiteChain source{httpSite(L"a")};
   EXPECT_EQ(helper.MergeThisSiteList(nullptr, false, &tail, result.address()), c_errorNoPath);

@@ -33,6 +33,7 @@ class MergeFallback : public testing::Test {
   }
 };
 
+// Shows: GetFallbackSite=0
 TEST_F(MergeFallback, TheFirstFallbackOfHttpOrFtpKindIsCopied) {
   for (const tag_Site& site : {httpSite(L"wanted"), ftpSite(L"wanted"), serverSite(L"wanted")}) {
     const SiteChain list{httpSite(L"a"), typed(site, L"fallback"),
@@ -68,6 +69,7 @@ TEST_F(MergeFallback, AFallbackOfAnotherKindIsPassedOver) {
   EXPECT_EQ(nameOf(*record), L"h");
 }
 
+// Shows: GetFallbackSite=-1
 TEST_F(MergeFallback, AListWithoutFallbackGivesNone) {
   const SiteChain list{httpSite(L"a"), typed(httpSite(L"b"), L"fallback2"), serverSite(L"s")};
   OwnedRecord record;
@@ -75,6 +77,7 @@ TEST_F(MergeFallback, AListWithoutFallbackGivesNone) {
   EXPECT_EQ(record, nullptr);
 }
 
+// Shows: GetFallbackSite=-2
 TEST_F(MergeFallback, GettingRefusesNullArguments) {
   const SiteChain list{typed(httpSite(L"b"), L"fallback")};
   tag_Site* found = nullptr;
@@ -109,6 +112,7 @@ TEST_F(MergeFallback, BecomesTheHeadOfAnEmptyResultWithoutTouchingTheTail) {
   }
 }
 
+// Shows: UpdateFallbackSite=0
 TEST_F(MergeFallback, ReplacesAnExistingFallbackOfAnyKindInItsPlace) {
   for (const tag_Site& old :
        {httpSite(L"old"), ftpSite(L"old"), uncSite(L"old"), localSite(L"old"), proxySite(L"old")}) {
@@ -195,6 +199,7 @@ TEST_F(MergeFallback, WithoutATailItIsNeitherLinkedNorReleased) {
   EXPECT_TRUE(sameContent(*fallback, content));
 }
 
+// Shows: UpdateFallbackSite=-2
 TEST_F(MergeFallback, UpdatingRefusesNullArgumentsAndLeavesTheRecordToTheCaller) {
   SiteChain result{httpSite(L"a")};
   tag_Site* tail = result.last();

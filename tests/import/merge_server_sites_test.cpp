@@ -31,6 +31,7 @@ class MergeServerSites : public testing::Test {
   }
 };
 
+// Shows: management-server, GetVestaSite=0
 TEST_F(MergeServerSites, EveryServerSiteIsCopiedInListOrder) {
   const SiteChain list{httpSite(L"a"),
                        serverSite(L"s1"),
@@ -46,6 +47,7 @@ TEST_F(MergeServerSites, EveryServerSiteIsCopiedInListOrder) {
   EXPECT_THAT(namesOf(list.head()), ElementsAre(L"a", L"s1", L"s2", L"f", L"s3", L"p"));
 }
 
+// Shows: agent-repository, GetVestaSite=-8
 TEST_F(MergeServerSites, AgentsAndOtherKindsAreNoServerSites) {
   // The element's name stands at the start of the per-kind record of proxies as well.
   tag_Site proxy = proxySite(L"p");
@@ -68,6 +70,7 @@ TEST_F(MergeServerSites, TheElementDecidesNotTheMark) {
   EXPECT_THAT(namesOf(chain.head()), ElementsAre(L"unmarked"));
 }
 
+// Shows: GetVestaSite=-2
 TEST_F(MergeServerSites, GettingRefusesNullArguments) {
   const SiteChain list{serverSite(L"s")};
   SiteChain chain;
@@ -91,6 +94,7 @@ TEST_F(MergeServerSites, BecomeTheWholeOfAnEmptyResult) {
   EXPECT_THAT(updated(result), ElementsAre(L"new1", L"new2"));
 }
 
+// Shows: UpdateVestaSite=0
 TEST_F(MergeServerSites, GoToTheEndInPlaceOfTheOldOnes) {
   SiteChain front{serverSite(L"s"), httpSite(L"a"), httpSite(L"b")};
   EXPECT_THAT(updated(front), ElementsAre(L"a", L"b", L"new1", L"new2"));
@@ -195,6 +199,7 @@ TEST_F(MergeServerSites, AResultWithoutServerSiteAndWithoutTailIsLeftAlone) {
   EXPECT_EQ(tail, nullptr);
 }
 
+// Shows: UpdateVestaSite=-2
 TEST_F(MergeServerSites, UpdatingRefusesNullArguments) {
   SiteChain result{serverSite(L"a")};
   SiteChain chain{serverSite(L"new1")};

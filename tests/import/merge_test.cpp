@@ -45,6 +45,7 @@ class Merge : public testing::Test {
   SiteChain result;
 };
 
+// Shows: MergeSiteLists=-2
 TEST_F(Merge, ANullResultIsRefusedAndLogged) {
   current(httpElement("c"));
   OpenHelper helper(wide(path));
@@ -66,6 +67,7 @@ TEST_F(Merge, TracesItsScopeAndItsSteps) {
   EXPECT_THAT(libraryMessages(agent), IsEmpty());
 }
 
+// Shows: MergeSiteLists=0
 TEST_F(Merge, WithoutAFirstListTheCurrentListIsCopiedWithItsProxies) {
   current(httpElement("c1") + proxyElement("p") + serverElement("s") +
           httpElement("fb", c_fallbackAttributes));
@@ -131,6 +133,7 @@ TEST_F(Merge, OfTwoNeighbouringServerSitesTheSecondSurvives) {
   EXPECT_THAT(names(), ElementsAre(L"c", L"s2", L"n"));
 }
 
+// Shows: MergeSiteLists=-4
 TEST_F(Merge, AMissingCurrentListFailsAndEmptiesTheResult) {
   const SiteChain first{httpSite(L"a"), typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), c_errorFileMissing);
@@ -150,6 +153,7 @@ TEST_F(Merge, AMissingCurrentListIsForgivenWhereServerSitesCameIn) {
   EXPECT_THAT(names(), ElementsAre(L"fb")) << "the fallback came first and is no server site";
 }
 
+// Shows: MergeSiteLists=-5, MergeSiteLists=-1
 TEST_F(Merge, AnUnreadableCurrentListGivesTheCodeOfTheRead) {
   const SiteChain first{httpSite(L"a")};
   writeFile(path, "<ns:SiteLists><SiteList></ns:SiteLists>");
@@ -161,6 +165,7 @@ TEST_F(Merge, AnUnreadableCurrentListGivesTheCodeOfTheRead) {
   EXPECT_EQ(result.head(), nullptr) << "a list that was read with a failure is not merged";
 }
 
+// Shows: MergeSiteLists=-10
 TEST_F(Merge, ACurrentListThatCannotBeReadGivesTheCodeOfTheRead) {
   std::filesystem::create_directory(path);
   const SiteChain list{httpSite(L"a")};
@@ -170,6 +175,7 @@ TEST_F(Merge, ACurrentListThatCannotBeReadGivesTheCodeOfTheRead) {
   EXPECT_EQ(result.head(), nullptr);
 }
 
+// Shows: MergeSiteLists=-2
 TEST_F(Merge, WithoutAFileOfItsOwnTheHelperCannotMergeTheCurrentList) {
   OpenHelper helper(true);
   EXPECT_EQ(helper.MergeSiteLists(nullptr, nullptr, false, result.address()), c_errorNoPath);

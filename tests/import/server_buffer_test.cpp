@@ -94,6 +94,7 @@ TEST_F(ServerBuffer, APlainWriteThatFailsGivesZero) {
   EXPECT_EQ(create(document(httpElement("a")), false), 0);
 }
 
+// Shows: server-passwords, store-server-list
 TEST_F(ServerBuffer, AdjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
   const std::string sealed = host::sealServerPassword("open sesame");
   ASSERT_FALSE(sealed.empty());
@@ -194,6 +195,7 @@ TEST_F(ServerBuffer, TheFormerListStaysWhenTheBytesAreNoDocument) {
 
 using AdjustPasswords = ServerBuffer;
 
+// Shows: AdjustPwd=0, AdjustPwd=-1
 TEST_F(AdjustPasswords, GiveTheResultOfTheLastSite) {
   EXPECT_EQ(adjust(document("<Unheard/>" + httpElement("a"))), 0);
   EXPECT_TRUE(tracedScope(agent, L"Reading Sitelist"));
@@ -208,6 +210,7 @@ TEST_F(AdjustPasswords, DoNotReportAFailedWrite) {
   EXPECT_EQ(adjust(document(httpElement("a"))), 0);
 }
 
+// Shows: AdjustPwd=-5, AdjustPwd=-104
 TEST_F(AdjustPasswords, RefuseBytesThatAreNoDocument) {
   EXPECT_EQ(adjust("<broken"), c_errorParse);
   EXPECT_EQ(adjust("text"), c_errorParse);

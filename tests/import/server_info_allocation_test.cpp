@@ -19,6 +19,7 @@ class ServerInfoWithoutMemory : public testing::Test {
   TestAgent agent;
 };
 
+// Shows: GetPYXServerInfo=-3
 TEST_F(ServerInfoWithoutMemory, SomeServersAreNotGivenOutForAll) {
   const std::string file = agent.etc("SiteList.xml");
   writeFile(file, document(serverElement("s1") + serverElement("s2")));

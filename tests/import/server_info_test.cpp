@@ -69,6 +69,7 @@ class ServerInfo : public testing::Test {
       server("first", "1", "10.0.0.1:80", R"(Server="a.example:80" SecurePort="443")");
 };
 
+// Shows: GetPYXServerInfo=0
 TEST_F(ServerInfo, AllServersComeByAscendingOrderWithThePortOfTheLast) {
   const Info info = ask(two, true, false);
   EXPECT_EQ(info.code, 0);
@@ -154,6 +155,7 @@ TEST_F(ServerInfo, AgentsAsRepositoriesAreNoServers) {
   EXPECT_EQ(info.names, L"s");
 }
 
+// Shows: GetPYXServerInfo=-8
 TEST_F(ServerInfo, AListWithoutServersTouchesNothing) {
   expectUntouched(ask(httpElement("a"), true, false), c_errorNoServerSite);
 }
@@ -164,6 +166,7 @@ TEST_F(ServerInfo, AnEmptyListTouchesNothing) {
               Contains(L"Unable to read from SiteList file, error hr=0"));
 }
 
+// Shows: GetPYXServerInfo=-4, GetPYXServerInfo=-5, GetPYXServerInfo=-2
 TEST_F(ServerInfo, AListThatCannotBeReadTouchesNothing) {
   expectUntouched(askFile(true, false), c_errorFileMissing);
   writeFile(file, "<ns:SiteLists>");
@@ -175,6 +178,7 @@ TEST_F(ServerInfo, AListThatCannotBeReadTouchesNothing) {
   expectUntouched(info, c_errorNoPath);
 }
 
+// Shows: GetPYXServerInfo=-10
 TEST_F(ServerInfo, ADirectoryInPlaceOfTheListTouchesNothing) {
   std::filesystem::create_directory(file);
   expectUntouched(askFile(true, false), c_errorRead);
@@ -195,6 +199,7 @@ TEST_F(ServerInfo, TheCachedListIsServedAndKept) {
   EXPECT_THAT(namesOf(cached), testing::ElementsAre(L"second", L"repository", L"first"));
 }
 
+// Shows: GetPYXServerInfo=-1
 TEST_F(ServerInfo, AListThatEndsWithAnUnknownElementIsReleasedEachTime) {
   const std::string sites = server("s", "1", "10.0.0.1", R"(Server="s:80")") + "<Odd/>";
   expectUntouched(ask(sites, true, false), c_errorGeneral);  // what is kept for good is there now

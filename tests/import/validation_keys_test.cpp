@@ -36,6 +36,7 @@ class KeyValidation : public testing::Test {
   const LogLine publicKeyFault = fault("srpubkey.bin", "sr2048pubkey.bin");
 };
 
+// Shows: server-keys
 TEST_F(KeyValidation, BothPairsAreMissedInOrder) {
   EXPECT_FALSE(validate());
   EXPECT_THAT(libraryMessages(agent), ElementsAre(requestKeyFault, publicKeyFault));
@@ -90,6 +91,7 @@ TEST_F(KeyValidation, AKeyFileThatCannotBeExaminedCountsAsMissing) {
   EXPECT_TRUE(validate());
 }
 
+// Shows: server-keys
 TEST_F(KeyValidation, AServerWithoutVersionNeedsNoKeys) {
   writeFile(file, document(serverElement("s")));
   EXPECT_TRUE(validate());

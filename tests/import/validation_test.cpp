@@ -39,23 +39,27 @@ TEST_F(Validation, AListWithSitesPassesWithoutServerCheck) {
   EXPECT_THAT(agent.traces(), Not(Contains(L"VESTA site checks")));
 }
 
+// Shows: SourceSiteListCheck=-9
 TEST_F(Validation, AnEmptyListFails) {
   EXPECT_EQ(check(SiteChain(), false), c_errorValidation);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(infoLine(L"no sites in site list")));
 }
 
+// Shows: SourceSiteListCheck=-2
 TEST_F(Validation, AnEmptyListFailsTheServerCheckWithTheCodeOfTheSearch) {
   EXPECT_EQ(check(SiteChain(), true), c_errorNoPath);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(infoLine(L"no sites in site list"),
                                                   errorLine(L"Failed to get VESTA site hr=-2")));
 }
 
+// Shows: SourceSiteListCheck=-8
 TEST_F(Validation, AListWithoutServerSiteFailsTheServerCheck) {
   const SiteChain list{httpSite(L"a"), ftpSite(L"b")};
   EXPECT_EQ(check(list, true), c_errorNoServerSite);
   EXPECT_THAT(libraryMessages(agent), ElementsAre(errorLine(L"Failed to get VESTA site hr=-8")));
 }
 
+// Shows: SourceSiteListCheck=0
 TEST_F(Validation, ACompleteServerSiteWithoutVersionPasses) {
   const SiteChain list{httpSite(L"a"), serverSite(L"s")};
   EXPECT_EQ(check(list, true), 0);
@@ -65,12 +69,14 @@ TEST_F(Validation, ACompleteServerSiteWithoutVersionPasses) {
   EXPECT_THAT(namesOf(list.head()), ElementsAre(L"a", L"s"));
 }
 
+// Shows: server-rules, SourceSiteListCheck=-9
 TEST_F(Validation, TheServerMustNotBeLocal) {
   tag_Site site = serverSite(L"s");
   site.bLocal = 1;
   EXPECT_THAT(faults(site), ElementsAre(infoLine(L"must not be local")));
 }
 
+// Shows: server-rules, SourceSiteListCheck=-9
 TEST_F(Validation, TheServerMustBeAMaster) {
   EXPECT_THAT(faults(typed(serverSite(L"s"), L"mirror")),
               ElementsAre(infoLine(L"site type must be master not mirror")));
@@ -80,6 +86,7 @@ TEST_F(Validation, TheServerMustBeAMaster) {
   EXPECT_EQ(check(upper, true), 0);
 }
 
+// Shows: server-rules, SourceSiteListCheck=-9
 TEST_F(Validation, TheServerMustHaveItsNamesAddressesAndPath) {
   tag_Site site = serverSite(L"s");
   setText(site.http.szName, L"");

@@ -43,6 +43,7 @@ class DeclaredEncoding : public LimitsTest, public testing::WithParamInterface<C
 
 class FalselyDeclared : public DeclaredEncoding {};
 
+// Shows: read-declaration, declared-with-mark, declared-utf-8, declared-utf-16, declared-utf-32
 TEST_P(FalselyDeclared, IsNotWellFormed) {
   EXPECT_EQ(readCode(path), c_errorParse);
   EXPECT_EQ(count, 0U);
@@ -85,6 +86,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, FalselyDeclared,
 
 class RightlyDeclared : public DeclaredEncoding {};
 
+// Shows: read-declaration, declared-with-mark, declared-utf-8, declared-utf-16, declared-utf-32
 TEST_P(RightlyDeclared, IsRead) {
   EXPECT_EQ(readCode(path), c_success);
   EXPECT_EQ(count, 1U);

@@ -30,6 +30,7 @@ class LimitResults : public LimitsTest {
   const std::string path = agent.dataDirectory() + "/over.xml";
 };
 
+// Shows: SmartReadSiteList=-104
 TEST_F(LimitResults, OfASmartRead) {
   expectLimit([](CSitesHelper& helper, const std::wstring& from) {
     SiteChain list;
@@ -38,6 +39,7 @@ TEST_F(LimitResults, OfASmartRead) {
   EXPECT_EQ(CSitesHelper::m_pSiteList, nullptr);
 }
 
+// Shows: MustReadSiteList=-104
 TEST_F(LimitResults, OfAReadThatNeedsAPath) {
   expectLimit([](CSitesHelper& helper, const std::wstring& from) {
     SiteChain list;
@@ -45,6 +47,7 @@ TEST_F(LimitResults, OfAReadThatNeedsAPath) {
   });
 }
 
+// Shows: ReadListContents=-104
 TEST_F(LimitResults, OfAReadOfAllContents) {
   expectLimit([](CSitesHelper&, const std::wstring& from) {
     ListContents contents;
@@ -53,6 +56,7 @@ TEST_F(LimitResults, OfAReadOfAllContents) {
   });
 }
 
+// Shows: MergeSiteLists=-104
 TEST_F(LimitResults, OfAMerge) {
   expectLimit([](CSitesHelper& helper, const std::wstring&) {
     SiteChain result;
@@ -62,6 +66,7 @@ TEST_F(LimitResults, OfAMerge) {
   });
 }
 
+// Shows: InstallSiteList=-104, ImportSiteList=-104
 TEST_F(LimitResults, OfAnInstallationAndAnImport) {
   const std::wstring target = wide(own);
   expectLimit([&](CSitesHelper&, const std::wstring& from) {
@@ -71,6 +76,7 @@ TEST_F(LimitResults, OfAnInstallationAndAnImport) {
   });
 }
 
+// Shows: GetPYXServerInfo=-104
 TEST_F(LimitResults, OfTheManagementServers) {
   expectLimit([](CSitesHelper& helper, const std::wstring&) {
     std::wstring text[5];
@@ -79,6 +85,7 @@ TEST_F(LimitResults, OfTheManagementServers) {
   });
 }
 
+// Shows: limit-bytes, limit-depth, limit-attributes, limit-children, limit-token, limit-memory
 TEST(LimitNumbers, AreThoseOfTheFormatDocument) {
   EXPECT_EQ(host::c_maxDocumentBytes, 64u << 20);
   EXPECT_EQ(host::c_maxDepth, 256u);

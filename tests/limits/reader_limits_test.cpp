@@ -29,6 +29,7 @@ class ReaderLimits : public LimitsTest {
   }
 };
 
+// Shows: limit-unknown, unknown-last-site
 TEST_F(ReaderLimits, TakeTheMostElementsThatAreNoSite) {
   EXPECT_EQ(codeOf(repeated("<a/>", c_mostUnknown)), c_errorGeneral);
   EXPECT_EQ(count, c_mostUnknown);
@@ -36,6 +37,7 @@ TEST_F(ReaderLimits, TakeTheMostElementsThatAreNoSite) {
   EXPECT_EQ(count, c_mostUnknown + 1);
 }
 
+// Shows: limit-unknown, limit-read
 TEST_F(ReaderLimits, RefuseOneMoreWhereverItStands) {
   const std::string most = repeated("<a/>", c_mostUnknown);
   EXPECT_EQ(codeOf(most + "<a/>"), c_overLimit);
@@ -43,6 +45,7 @@ TEST_F(ReaderLimits, RefuseOneMoreWhereverItStands) {
   EXPECT_EQ(codeOf("<Odd/>" + repeated("<LocalSite/>", 10) + most + "<LocalSite/>"), c_overLimit);
 }
 
+// Shows: limit-records-so-far
 TEST_F(ReaderLimits, GiveTheRecordsThatWereReadBefore) {
   EXPECT_EQ(codeOf("<LocalSite/>" + repeated("<a/>", c_mostUnknown + 1) + "<LocalSite/>"),
             c_overLimit);
@@ -54,6 +57,7 @@ TEST_F(ReaderLimits, GiveTheRecordsThatWereReadBefore) {
 }
 
 // Outside of its list a "ProxyConfig" is no site either.
+// Shows: proxy-as-site
 TEST_F(ReaderLimits, CountAProxyOutsideOfItsListAsNoSite) {
   EXPECT_EQ(codeOf(repeated("<ProxyConfig/>", c_mostUnknown) + "<a/>"), c_overLimit);
 }
@@ -75,6 +79,7 @@ TEST_F(ReaderLimits, HoldForAListFromMemory) {
   expectNothingWritten();
 }
 
+// Shows: limit-memory
 TEST_F(ReaderLimits, FollowTheAgentsSetting) {
   constexpr std::size_t c_fit = (std::size_t{1} << 20) / sizeof(tag_Site);
   setRecordMegabytes(1);

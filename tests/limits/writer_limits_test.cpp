@@ -67,6 +67,7 @@ TEST_F(WriterLimits, TakeAsManyRecordsAsAReaderDoes) {
   EXPECT_EQ(count, host::c_maxChildren);
 }
 
+// Shows: limit-written, CreateSiteList=-11
 TEST_F(WriterLimits, RefuseOneRecordMore) {
   const ManyRecords records(host::c_maxChildren + 1, SITE_KIND_LOCAL);
   expectRefused(write(records.head()));
@@ -160,6 +161,7 @@ TEST_F(WriterLimits, HoldForTheValueOfAnAttribute) {
 }
 
 // Each character of these values is five bytes in the file.
+// Shows: limit-written, limit-bytes, CreateSiteList=-11
 TEST_F(WriterLimits, HoldForTheWholeDocumentToTheByte) {
   constexpr std::size_t c_escaped = 5;
   std::vector<std::wstring> certificates(12, std::wstring(host::c_maxTokenBytes, L'&'));
@@ -185,6 +187,7 @@ TEST_F(WriterLimits, TakeAsManyUnknownElementsAsAReaderDoes) {
   EXPECT_EQ(count, c_mostUnknown);
 }
 
+// Shows: limit-written, CreateSiteList=-11
 TEST_F(WriterLimits, RefuseOneUnknownElementMore) {
   const ManyRecords records(c_mostUnknown + 1, SITE_KIND_HTTP, L"Odd");
   expectRefused(write(records.head()));

@@ -36,6 +36,7 @@ class DecodeProxy : public test::SitesHelperTest {
 // --- ProxyConfig
 // ----------------------------------------------------------------------------------
 
+// Shows: site-fields
 TEST_F(DecodeProxy, IsReadWhole) {
   const auto site =
       proxy(R"(Name="p" Local="1" HttpProxyServer="h.example" HttpProxyPort="3128")"
@@ -181,6 +182,7 @@ TEST_F(DecodeProxy, FieldsAreCutAtTheirCapacities) {
                                                        kept + L" in CopyWStr")));
 }
 
+// Shows: repeated-child
 TEST_F(DecodeProxy, LaterChildReplacesTheEarlier) {
   const auto site = proxy("",
                           "<HttpProxyUser>long one</HttpProxyUser><HttpProxyUser>b"
@@ -202,6 +204,7 @@ TEST_F(DecodeProxy, LocalAddressRangesAndOtherChildrenAreIgnored) {
 // --- The exclusion list
 // ---------------------------------------------------------------------------
 
+// Shows: exclusion-hosts
 TEST_F(DecodeProxy, HostsAreJoinedInTheirOrder) {
   const auto site = proxy("",
                           "<ExclusionList><ExclusionHost>a</ExclusionHost><Other>no</Other>"
@@ -238,6 +241,7 @@ TEST_F(DecodeProxy, FirstHostIsTestedWithADelimiter) {
   }
 }
 
+// Shows: exclusion-hosts, dropped-host
 TEST_F(DecodeProxy, HostsTogetherReachThreeThousandNineHundredAndNinetyNine) {
   const auto fits = withHosts({2000, 1998});
   EXPECT_EQ(std::wstring(fits->proxy.szExclusionList),
@@ -250,6 +254,7 @@ TEST_F(DecodeProxy, HostsTogetherReachThreeThousandNineHundredAndNinetyNine) {
   EXPECT_THAT(messages(), ElementsAre(dropped(std::wstring(2000, L'a'))));
 }
 
+// Shows: dropped-host
 TEST_F(DecodeProxy, ShorterHostIsTakenBehindADroppedOne) {
   const auto site = withHosts({2000, 3000, 1000, 2000, 10});
   const std::wstring first = std::wstring(2000, L'a');
@@ -286,6 +291,7 @@ TEST_F(DecodeProxy, ManyHostsFillTheListToTheLastThatFits) {
 // --- ProxyConfigList
 // ------------------------------------------------------------------------------
 
+// Shows: last-proxy
 TEST_F(DecodeProxy, TheLastProxyConfigWins) {
   const auto site =
       decode(R"(<ProxyConfigList><ProxyConfig Name="first" HttpProxyServer="h"><HttpProxyUser>u)"
@@ -306,6 +312,7 @@ TEST_F(DecodeProxy, CommonAttributesAreThoseOfTheProxyConfigList) {
   EXPECT_EQ(site->iOrder, 9);
 }
 
+// Shows: system-proxy
 TEST_F(DecodeProxy, EmptyListTakesUseIEConfigFromItself) {
   const auto useIE = [this](const std::string& element) {
     const auto site = decode(element);
@@ -319,6 +326,7 @@ TEST_F(DecodeProxy, EmptyListTakesUseIEConfigFromItself) {
   EXPECT_EQ(useIE("<ProxyConfigList/>"), 0);
 }
 
+// Shows: system-proxy
 TEST_F(DecodeProxy, ListWithAChildDoesNotTakeUseIEConfigFromItself) {
   EXPECT_EQ(decode(R"(<ProxyConfigList UseIEConfig="1"><ProxyConfig/></ProxyConfigList>)")
                 ->proxy.bUseIEConfig,
@@ -354,6 +362,7 @@ TEST_F(DecodeProxy, SiteElementInTheListIsDecodedByItsOwnName) {
                L"l");
 }
 
+// Shows: site-in-proxy-list
 TEST_F(DecodeProxy, SiteElementInTheListReplacesNoMoreThanItsOwnRecord) {
   const std::string config =
       R"(<ProxyConfig Name="p"><FtpProxyUser>fu</FtpProxyUser><AlternateFtpProxyUser>afu)"

@@ -25,6 +25,7 @@ const char* const c_httpFamily[] = {"HttpSite", "VestaSite", "KeystoneSite"};
 // --- The HTTP family
 // ------------------------------------------------------------------------------
 
+// Shows: attribute-name, site-fields
 TEST_F(DecodeSites, HttpFamilyIsReadWhole) {
   for (const char* element : c_httpFamily) {
     const auto site =
@@ -57,6 +58,7 @@ TEST_F(DecodeSites, OnlyTheManagementServerHasAVersion) {
   EXPECT_STREQ(http(R"(Version="5.6")", "", "KeystoneSite")->http.szVersion, L"");
 }
 
+// Shows: missing-values, nothing-required
 TEST_F(DecodeSites, AbsentValuesAreEmptyAndAbsentPortsAreEighty) {
   for (const char* element : c_httpFamily) {
     const auto site = http("", "", element);
@@ -76,6 +78,7 @@ TEST_F(DecodeSites, AbsentValuesAreEmptyAndAbsentPortsAreEighty) {
   }
 }
 
+// Shows: format-address
 TEST_F(DecodeSites, AddressWithoutPortGetsEighty) {
   const auto site = http(R"(Server="REPO1" ServerName="PC" ServerIP="10.0.0.1")");
   EXPECT_STREQ(site->http.szServer, L"REPO1");
@@ -85,6 +88,7 @@ TEST_F(DecodeSites, AddressWithoutPortGetsEighty) {
   EXPECT_EQ(http(R"(Server="REPO1:8443")")->http.uServerPort, 8443u);
 }
 
+// Shows: format-address
 TEST_F(DecodeSites, AddressIsSplitAtItsLastColon) {
   const auto site = http(R"(Server="[fe80::1]:443" ServerName="a:b:1" ServerIP="fe80::1")");
   EXPECT_STREQ(site->http.szServer, L"[fe80::1]");
@@ -107,6 +111,7 @@ TEST_F(DecodeSites, PortsUpToTheLargestAreRead) {
   EXPECT_EQ(http(R"(Server="s:0")")->http.uServerPort, 0u);
 }
 
+// Shows: format-port
 TEST_F(DecodeSites, SecurePortIsReadAsAStreamDoes) {
   EXPECT_EQ(http(R"(SecurePort="443")")->http.uSecurePort, 443u);
   EXPECT_EQ(http(R"(SecurePort="  443x")")->http.uSecurePort, 443u);
@@ -115,6 +120,7 @@ TEST_F(DecodeSites, SecurePortIsReadAsAStreamDoes) {
   EXPECT_EQ(http(R"(SecurePort="")")->http.uSecurePort, 0u);
 }
 
+// Shows: format-port
 TEST_F(DecodeSites, PortWithASignIsNotRead) {
   for (const char* port : {"-1", "+80", " -80", "-"}) {
     const std::string text = port;
@@ -125,6 +131,7 @@ TEST_F(DecodeSites, PortWithASignIsNotRead) {
   }
 }
 
+// Shows: server-dns
 TEST_F(DecodeSites, KeystoneNeverTakesThePortOfItsOtherName) {
   for (const char* port : {"", "x", "-1", "4294967296"}) {
     const auto site =
@@ -134,6 +141,7 @@ TEST_F(DecodeSites, KeystoneNeverTakesThePortOfItsOtherName) {
   }
 }
 
+// Shows: server-dns
 TEST_F(DecodeSites, KeystonePrefersTheDnsName) {
   const char* both = R"(Server="srv:81" ServerDNS="dns.example:82")";
   const auto site = http(both, "", "KeystoneSite");
@@ -155,6 +163,7 @@ TEST_F(DecodeSites, KeystoneDnsNameBringsItsOwnDefaultPort) {
   EXPECT_STREQ(http(R"(Server="srv:81")", "", "KeystoneSite")->http.szServer, L"srv");
 }
 
+// Shows: computer-name
 TEST_F(DecodeSites, ServerNameIsCutToItsNetbiosForm) {
   const auto site = http(R"(ServerName="PC1.BRANCH1.LOCAL:81")");
   EXPECT_STREQ(site->http.szServerName, L"PC1");
@@ -174,6 +183,7 @@ TEST_F(DecodeSites, OtherAddressesKeepTheirDots) {
   EXPECT_THAT(messages(), IsEmpty());
 }
 
+// Shows: format-number
 TEST_F(DecodeSites, UseAuthIsTheNumberAsItComes) {
   const std::pair<const char*, int> cases[] = {{"1", 1},   {"7", 7},  {"-3", -3},
                                                {" 2 ", 2}, {"x", 0},  {"", 0},
@@ -185,6 +195,7 @@ TEST_F(DecodeSites, UseAuthIsTheNumberAsItComes) {
   }
 }
 
+// Shows: format-text
 TEST_F(DecodeSites, HttpFieldsAreCutAtTheirCapacities) {
   const auto text = [](char letter, int length) {
     return std::string(static_cast<std::size_t>(length), letter);
@@ -236,6 +247,7 @@ TEST_F(DecodeSites, NetbiosLineStandsBetweenNameAndServerName) {
 // --- FTP
 // ------------------------------------------------------------------------------------------
 
+// Shows: attribute-name, site-fields
 TEST_F(DecodeSites, FtpSiteIsReadWhole) {
   const auto site = decode(
       R"(<FTPSite Name="n" Server="ftp.example:2121" SecurePort="990" ServerName="no.where")"
@@ -252,12 +264,14 @@ TEST_F(DecodeSites, FtpSiteIsReadWhole) {
   EXPECT_THAT(messages(), IsEmpty());
 }
 
+// Shows: format-address, nothing-required
 TEST_F(DecodeSites, FtpServerWithoutPortGetsEightyToo) {
   EXPECT_EQ(decode(R"(<FTPSite Server="ftp.example"/>)")->ftp.uServerPort, 80u);
   EXPECT_EQ(decode("<FTPSite/>")->ftp.uServerPort, 80u);
   EXPECT_EQ(decode("<FTPSite/>")->ftp.uSecurePort, 0u);
 }
 
+// Shows: format-text
 TEST_F(DecodeSites, FtpFieldsAreCutAtTheirCapacities) {
   const auto site =
       decode("<FTPSite Name=\"" + std::string(300, 'n') + "\" Server=\"" + std::string(300, 's') +
@@ -275,6 +289,7 @@ TEST_F(DecodeSites, FtpFieldsAreCutAtTheirCapacities) {
 // --- UNC
 // ------------------------------------------------------------------------------------------
 
+// Shows: attribute-name, site-fields
 TEST_F(DecodeSites, UncSiteIsReadWhole) {
   const auto site = decode(
       R"(<UNCSite Name="n" Server="srv:81" SecurePort="1"><RelativePath>\p</RelativePath>)"
@@ -291,6 +306,7 @@ TEST_F(DecodeSites, UncSiteIsReadWhole) {
   EXPECT_EQ(site->unc.iUseLoggedonUserAccount, 2);
 }
 
+// Shows: format-text
 TEST_F(DecodeSites, UncFieldsAreCutAtTheirCapacities) {
   const auto site =
       decode("<UNCSite Name=\"" + std::string(300, 'n') + "\" Server=\"" + std::string(300, 's') +
@@ -309,6 +325,7 @@ TEST_F(DecodeSites, UncFieldsAreCutAtTheirCapacities) {
 // --- Local
 // ----------------------------------------------------------------------------------------
 
+// Shows: attribute-name, site-fields
 TEST_F(DecodeSites, LocalSiteIsReadWhole) {
   const auto site = decode(
       R"(<LocalSite Name="n" Server="127.0.0.1"><DomainName>DOM</DomainName><UserName>u</UserName>)"
@@ -323,6 +340,7 @@ TEST_F(DecodeSites, LocalSiteIsReadWhole) {
   EXPECT_EQ(site->local.iUseLoggedonUserAccount, -1);
 }
 
+// Shows: format-text
 TEST_F(DecodeSites, LocalFieldsAreCutAtTheirCapacities) {
   const auto site =
       decode("<LocalSite Name=\"" + std::string(300, 'n') + "\"><RelativePath>" +
@@ -347,6 +365,7 @@ TEST_F(DecodeSites, OrderOfTheChildrenDoesNotMatter) {
   EXPECT_STREQ(site->http.szUserName, L"u");
 }
 
+// Shows: repeated-child
 TEST_F(DecodeSites, LaterChildReplacesTheEarlier) {
   const auto site = http("",
                          "<UserName>a much longer first</UserName><UserName>b</UserName>"
@@ -357,6 +376,7 @@ TEST_F(DecodeSites, LaterChildReplacesTheEarlier) {
   EXPECT_STREQ(site->http.szRelativePath, L"");
 }
 
+// Shows: exact-names
 TEST_F(DecodeSites, ChildrenAreTakenByTheirExactName) {
   const auto site = http("",
                          "<username>a</username><ns:UserName>b</ns:UserName>"
@@ -375,6 +395,7 @@ TEST_F(DecodeSites, AttributesAreNoChildrenAndChildrenNoAttributes) {
   EXPECT_EQ(site->http.uSecurePort, 0u);
 }
 
+// Shows: macro
 TEST_F(DecodeSites, TextIsKeptAsTheDocumentHoldsIt) {
   const auto site = http(R"(Name="&lt;A&gt; &amp; %%lt%%B%%gt%%")",
                          "<RelativePath>&lt;PATH&gt;/%%lt%%x%%gt%%</RelativePath><UserName>  u "

@@ -255,6 +255,7 @@ class FieldTables : public test::WriterTest {
   }
 };
 
+// Shows: site-fields
 TEST_F(FieldTables, EveryRowIsReadByItself) {
   for (const Kind& kind : kinds()) {
     const Values nothing = read(kind, "", "");
@@ -275,6 +276,7 @@ TEST_F(FieldTables, EveryRowIsReadByItself) {
   }
 }
 
+// Shows: site-fields
 TEST_F(FieldTables, NothingElseIsRead) {
   std::set<std::string> names = {"Unknown",      "ID",        "Port",        "Passive",
                                  "Encrypted",    "UseIPMask", "IPAddrStart", "LocalAddrRangeList",
@@ -303,6 +305,7 @@ TEST_F(FieldTables, NothingElseIsRead) {
   }
 }
 
+// Shows: site-fields
 TEST_F(FieldTables, EveryRowIsWrittenInTheOrderOfTheTableAndNothingElse) {
   for (const Kind& kind : kinds()) {
     for (const bool isFull : {true, false}) {
@@ -346,6 +349,7 @@ std::string wordOf(const Kind& kind, const Row& row) {
   }
 }
 
+// Shows: site-fields
 TEST_F(FieldTables, FormatDocumentHasTheRowsOfEveryKind) {
   for (const Kind& kind : kinds()) {
     SCOPED_TRACE(kind.element);

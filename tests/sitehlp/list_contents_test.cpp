@@ -49,6 +49,7 @@ class Contents : public test::SitesHelperTest {
   std::vector<test::ListPtr> sites;
 };
 
+// Shows: ReadListContents=0
 TEST_F(Contents, AreWhatTheSingleReadsTell) {
   const std::wstring file = store(c_full);
   EXPECT_EQ(readContents(file), 0);
@@ -98,6 +99,7 @@ TEST_F(Contents, AreThereBeforeTheFirstSite) {
   EXPECT_THAT(seen, ElementsAre(L"gServer2", L"gServer2", L"gServer2"));
 }
 
+// Shows: ReadListContents=-1
 TEST_F(Contents, OfAListWithAnUnknownLastSiteAreAllThere) {
   EXPECT_EQ(readContents(store(test::documentWithRoot("<SiteList><UNCSite/><Other/></SiteList>",
                                                       R"(GlobalVersion="g")"))),
@@ -106,6 +108,7 @@ TEST_F(Contents, OfAListWithAnUnknownLastSiteAreAllThere) {
   EXPECT_EQ(contents.globalVersion, L"g");
 }
 
+// Shows: ReadListContents=-2, ReadListContents=-4, ReadListContents=-5, ReadListContents=-10
 TEST_F(Contents, AreEmptyAfterEachFailureOfTheReader) {
   const std::wstring files[] = {L"", path("missing.xml"), store("no document", "text"),
                                 store("<a><b></a>", "ill"), test::wide(agent.dataDirectory())};

@@ -33,6 +33,7 @@ class MustRead : public test::SitesHelperTest {
   test::ListPtr owner;
 };
 
+// Shows: MustReadSiteList=-1
 TEST_F(MustRead, EmptyPathIsRefusedEvenWithAnOwnFile) {
   Probe own(store(c_oneSite));
   agent.clearLog();
@@ -43,6 +44,7 @@ TEST_F(MustRead, EmptyPathIsRefusedEvenWithAnOwnFile) {
               ElementsAre(LogLine{LogLevel::InternalError, L"SiteHlp", L"path is empty"}));
 }
 
+// Shows: MustReadSiteList=0
 TEST_F(MustRead, ReadsTheFile) {
   EXPECT_EQ(mustRead(store(c_oneSite)), 0);
   ASSERT_EQ(test::lengthOf(owner.get()), 1);
@@ -53,6 +55,7 @@ TEST_F(MustRead, ReadsTheFile) {
                                        detail(L"Leave: Reading Sitelist")));
 }
 
+// Shows: MustReadSiteList=-4, MustReadSiteList=-5, MustReadSiteList=-10
 TEST_F(MustRead, FailuresAreLoggedWithTheirResult) {
   EXPECT_EQ(mustRead(path("missing.xml")), -4);
   EXPECT_THAT(messages(), ElementsAre(error(L"Failed hr=-4")));
@@ -68,6 +71,7 @@ TEST_F(MustRead, EmptyListIsLoggedAsAFailure) {
   EXPECT_THAT(messages(), ElementsAre(error(L"Failed hr=0")));
 }
 
+// Shows: MustReadSiteList=-1
 TEST_F(MustRead, ListWithAnUnknownLastSiteIsHandedOutAndLogged) {
   EXPECT_EQ(mustRead(store(test::documentWithSites("<UNCSite/><Other/>"))), -1);
   EXPECT_EQ(test::lengthOf(owner.get()), 2);
@@ -201,6 +205,7 @@ class DecodeElement : public test::SitesHelperTest {
   }
 };
 
+// Shows: ReadSiteFromSiteList=0
 TEST_F(DecodeElement, KnownElementGivesARecord) {
   const Decoded http = decodeElement(L"<KeystoneSite Name=\"k\"/>");
   EXPECT_EQ(http.code, 0);
@@ -213,6 +218,7 @@ TEST_F(DecodeElement, KnownElementGivesARecord) {
   EXPECT_STREQ(static_cast<sitehlp::tag_ProxySite*>(proxy.record.get())->szName, L"p");
 }
 
+// Shows: missing-values, nothing-required
 TEST_F(DecodeElement, RecordIsZeroWhereTheElementSaysNothing) {
   const Decoded unc = decodeElement(L"<UNCSite/>");
   ASSERT_NE(unc.record, nullptr);
@@ -225,6 +231,7 @@ TEST_F(DecodeElement, RecordIsZeroWhereTheElementSaysNothing) {
   EXPECT_TRUE(isZero(*static_cast<sitehlp::tag_ProxySite*>(proxy.record.get())));
 }
 
+// Shows: ReadSiteFromSiteList=-1
 TEST_F(DecodeElement, UnknownElementGivesANullRecord) {
   for (const wchar_t* text : {L"<Other/>", L"<ProxyConfigList><ProxyConfig/></ProxyConfigList>",
                               L"<httpsite/>", L"<HTTPSite/>", L"<FtpSite/>", L"<UncSite/>",

@@ -24,6 +24,7 @@ class PasswordInDocument : public test::PasswordTest {
   }
 };
 
+// Shows: format-password
 TEST_F(PasswordInDocument, EveryKindOfSiteComesBackClear) {
   const std::string password = child("Password", sealed(L"secret \u65E5"));
   for (const char* element : {"HttpSite", "VestaSite", "KeystoneSite"}) {
@@ -73,6 +74,7 @@ TEST_F(PasswordInDocument, IsRecoveredWhateverItsMarkerSays) {
                L"secret");
 }
 
+// Shows: format-password, unrecovered-password
 TEST_F(PasswordInDocument, ThatCannotBeRecoveredIsEmptyAndEndsNothing) {
   std::string tampered = sealedUtf8(L"secret");
   tampered[20] = tampered[20] == 'A' ? 'B' : 'A';
@@ -129,6 +131,7 @@ TEST_F(PasswordInDocument, ServerFlagRecoversServerValuesOfEverySite) {
   EXPECT_EQ(helper.m_bUseDecryptData, 1);
 }
 
+// Shows: http-proxy-password
 TEST_F(PasswordInDocument, ServerFlagLeavesTheHttpProxyPasswordToTheAgentsOwnKey) {
   storeServerKey();
   const std::string own = sealedUtf8(L"own");
@@ -172,6 +175,7 @@ TEST_F(PasswordInDocument, OfTheServerThatWasTamperedWithIsEmptyAndEndsNothing) 
 // --- Written
 // --------------------------------------------------------------------------------------
 
+// Shows: written-password
 TEST_F(PasswordInDocument, IsNeverWrittenClearAndComesBackClear) {
   const auto list = [] {
     sitehlp::tag_Site* http = test::newSite(sitehlp::SITE_KIND_HTTP);
@@ -199,6 +203,7 @@ TEST_F(PasswordInDocument, IsNeverWrittenClearAndComesBackClear) {
   EXPECT_STREQ(back.list->pNext->proxy.szAlternateFtpProxyPassword, L"alternateftpsecret");
 }
 
+// Shows: written-password
 TEST_F(PasswordInDocument, EmptyOneIsWrittenProtected) {
   const auto list = test::chain({test::newSite(sitehlp::SITE_KIND_FTP)});
   ASSERT_EQ(helper.CreateSiteList(list.get(), path("out.xml"), L"1", L"2", L"", {}), 0);

@@ -96,6 +96,7 @@ TEST_F(Password, WithoutTheServiceNothingIsProtected) {
 // --- The management server's protection
 // -----------------------------------------------------------
 
+// Shows: decrypt-data
 TEST_F(Password, ServerValueComesBackClear) {
   storeServerKey();
   for (const wchar_t* clear : c_clearTexts) {

@@ -41,6 +41,7 @@ class ReaderFile : public test::SitesHelperTest {
 // --- The path
 // -------------------------------------------------------------------------------------
 
+// Shows: ReadSiteList=-2
 TEST_F(ReaderFile, WithoutAnyPathIsRefused) { expectUntouched(L"", -2); }
 
 TEST_F(ReaderFile, WithoutAnyPathForgetsTheCurrentFile) {
@@ -50,6 +51,7 @@ TEST_F(ReaderFile, WithoutAnyPathForgetsTheCurrentFile) {
   EXPECT_EQ(helper.m_strCurrentFile, L"");
 }
 
+// Shows: ReadSiteList=0
 TEST_F(ReaderFile, EmptyPathReadsTheOwnFile) {
   Probe own(store(c_oneSite));
   tag_Site* list = nullptr;
@@ -77,6 +79,7 @@ TEST_F(ReaderFile, PathMayHoldEveryScript) {
   EXPECT_EQ(test::lengthOf(result.list.get()), 1);
 }
 
+// Shows: ReadSiteList=-4
 TEST_F(ReaderFile, MissingFileIsToldApart) {
   expectUntouched(path("missing.xml"), -4);
   expectUntouched(path("no/such/directory/list.xml"), -4);
@@ -94,6 +97,7 @@ TEST_F(ReaderFile, LinkToAListIsRead) {
   EXPECT_EQ(readPath(path("link.xml")).code, 0);
 }
 
+// Shows: ReadSiteList=-10
 TEST_F(ReaderFile, DirectoryCannotBeRead) {
   std::filesystem::create_directory(test::narrow(path("directory.xml")));
   expectUntouched(path("directory.xml"), -10);
@@ -131,6 +135,7 @@ TEST_F(ReaderFile, WritesNothing) {
 // --- Encodings
 // ------------------------------------------------------------------------------------
 
+// Shows: read-encodings
 TEST_F(ReaderFile, EveryEncodingIsRecognised) {
   const std::wstring name = L"Z\u00FCrich \u65E5\u672C\u8A9E \u0645\u0631 \U0001F600";
   for (const test::Encoding& encoding : test::c_encodings) {
@@ -154,6 +159,7 @@ TEST_F(ReaderFile, EveryEncodingIsRecognised) {
   }
 }
 
+// Shows: ReadSiteList=-10
 TEST_F(ReaderFile, BytesThatAreNotValidInTheirEncodingCannotBeRead) {
   const std::string head = test::c_declaration + "<a b=\"";
   for (const char* bytes :
@@ -192,6 +198,7 @@ TEST_F(ReaderFile, EmptyFileHasNoList) {
   expectNull("\xEF\xBB\xBF", -5);
 }
 
+// Shows: ReadSiteList=-5
 TEST_F(ReaderFile, IllFormedDocumentsHaveNoList) {
   for (const char* bytes : {"<",
                             "<a",
@@ -234,6 +241,7 @@ TEST_F(ReaderFile, FaultBehindTheSitesHasNoList) {
   expectNull(test::documentWithRoot("<SiteList><HttpSite/></SiteList><open>"), -5);
 }
 
+// Shows: read-doctype, ReadSiteList=-5
 TEST_F(ReaderFile, DocumentTypeIsRefused) {
   expectNull("<!DOCTYPE a><a/>", -5);
   expectNull("<?xml version=\"1.0\"?><!DOCTYPE a [<!ENTITY e \"x\">]><a>&e;</a>", -5);
@@ -258,6 +266,7 @@ TEST_F(ReaderFile, IllFormedDocumentLoadsNoPolicies) {
 
 constexpr int c_limit = AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED;
 
+// Shows: ReadSiteList=-104, limit-read
 TEST_F(ReaderFile, TooDeepADocumentGivesTheParsersCode) {
   std::string open;
   std::string close;
@@ -268,18 +277,21 @@ TEST_F(ReaderFile, TooDeepADocumentGivesTheParsersCode) {
   expectNull(test::documentWithRoot(open + close + "<SiteList><HttpSite/></SiteList>"), c_limit);
 }
 
+// Shows: ReadSiteList=-104, limit-read
 TEST_F(ReaderFile, TooManyAttributesGiveTheParsersCode) {
   std::string attributes;
   for (int i = 0; i < 20000; ++i) attributes += " a" + std::to_string(i) + "=\"\"";
   expectNull(test::documentWithSites("<HttpSite" + attributes + "/>"), c_limit);
 }
 
+// Shows: ReadSiteList=-104, limit-read
 TEST_F(ReaderFile, TooLongATokenGivesTheParsersCode) {
   expectNull(test::documentWithSites("<HttpSite><UserName>" + std::string(20u << 20, 'x') +
                                      "</UserName></HttpSite>"),
              c_limit);
 }
 
+// Shows: ReadSiteList=-10, limit-read
 TEST_F(ReaderFile, TooLargeAFileCannotBeRead) {
   const std::wstring file = store(c_oneSite);
   std::filesystem::resize_file(test::narrow(file), std::uintmax_t{1} << 30);

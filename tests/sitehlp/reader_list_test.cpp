@@ -63,6 +63,7 @@ TEST_F(ReaderList, NameOfTheRootIsNotChecked) {
   EXPECT_THAT(kinds(result.list), ElementsAre(2));
 }
 
+// Shows: exact-names
 TEST_F(ReaderList, NamesAreComparedExactly) {
   EXPECT_EQ(read(test::documentWithRoot("<sitelist><HttpSite/></sitelist>")).list, nullptr);
   EXPECT_EQ(read(test::documentWithRoot("<ns:SiteList><HttpSite/></ns:SiteList>")).list, nullptr);
@@ -71,6 +72,7 @@ TEST_F(ReaderList, NamesAreComparedExactly) {
   EXPECT_TRUE(isEmptyData(*result.list));
 }
 
+// Shows: first-site-list
 TEST_F(ReaderList, OnlyTheFirstSiteListIsRead) {
   const Read result = read(test::documentWithRoot(
       "<SiteList><HttpSite/><FTPSite/></SiteList><SiteList><UNCSite/></SiteList>"));
@@ -78,6 +80,7 @@ TEST_F(ReaderList, OnlyTheFirstSiteListIsRead) {
   EXPECT_THAT(kinds(result.list), ElementsAre(0, 1));
 }
 
+// Shows: first-site-list
 TEST_F(ReaderList, OnlyTheFirstSiteListIsReadEvenWhenItIsEmpty) {
   const Read result = read(test::documentWithRoot("<SiteList/><SiteList><UNCSite/></SiteList>"));
   EXPECT_EQ(result.code, 0);
@@ -91,6 +94,7 @@ TEST_F(ReaderList, FaultsOfALaterSiteListDoNotShow) {
             0);
 }
 
+// Shows: unknown-in-root
 TEST_F(ReaderList, RootChildrenBeforeTheListAreSkipped) {
   const Read result = read(test::documentWithRoot(
       "<CaBundle><CaCertificate>c</CaCertificate></CaBundle><Other><SiteList><FTPSite/></SiteList>"
@@ -98,6 +102,7 @@ TEST_F(ReaderList, RootChildrenBeforeTheListAreSkipped) {
   EXPECT_THAT(kinds(result.list), ElementsAre(2));
 }
 
+// Shows: grammar
 TEST_F(ReaderList, RecordsStandInDocumentOrder) {
   const Read result = read(test::documentWithSites(
       "<LocalSite/><UNCSite/><VestaSite/><ProxyConfigList><ProxyConfig/></ProxyConfigList>"
@@ -133,6 +138,7 @@ TEST_F(ReaderList, AgentSitesAreMarked) {
 // --- Unknown elements
 // -----------------------------------------------------------------------------
 
+// Shows: unknown-site, unknown-last-site, ReadSiteList=-1
 TEST_F(ReaderList, UnknownElementYieldsAnEmptyRecordWithTheCommonFields) {
   const Read result = read(test::documentWithSites(
       R"(<Other Type="mirror" Name="n" Server="s:1" Order="7" Enabled="1" Local="1">)"
@@ -149,6 +155,7 @@ TEST_F(ReaderList, UnknownElementYieldsAnEmptyRecordWithTheCommonFields) {
   EXPECT_TRUE(isEmptyData(*result.list));
 }
 
+// Shows: unknown-last-site, ReadSiteList=-1, ReadSiteList=0
 TEST_F(ReaderList, TheLastElementDecidesTheResult) {
   const auto code = [this](const std::string& sites) {
     return read(test::documentWithSites(sites)).code;
@@ -164,6 +171,7 @@ TEST_F(ReaderList, TheLastElementDecidesTheResult) {
   EXPECT_EQ(code("<ProxyConfigList><Other/></ProxyConfigList><LocalSite/>"), 0);
 }
 
+// Shows: empty-proxy-list
 TEST_F(ReaderList, EmptyProxyListDecodesNothingAndDecidesNothing) {
   EXPECT_EQ(read(test::documentWithSites("<HttpSite/><ProxyConfigList/>")).code, 0);
   EXPECT_EQ(read(test::documentWithSites("<Other/><ProxyConfigList/>")).code, -1);
@@ -176,6 +184,7 @@ TEST_F(ReaderList, TheListIsCompleteEvenWhenTheResultIsMinusOne) {
   EXPECT_THAT(kinds(result.list), ElementsAre(1, 0, 2, 0));
 }
 
+// Shows: proxy-as-site
 TEST_F(ReaderList, ProxyConfigAsASiteIsOfNoKnownKind) {
   const Read result = read(test::documentWithSites(R"(<ProxyConfig Name="p"/>)"));
   ASSERT_EQ(test::lengthOf(result.list.get()), 1);
@@ -185,6 +194,7 @@ TEST_F(ReaderList, ProxyConfigAsASiteIsOfNoKnownKind) {
 // --- Common fields
 // --------------------------------------------------------------------------------
 
+// Shows: exact-names, attribute-type
 TEST_F(ReaderList, TypeIsKeptAsWritten) {
   EXPECT_STREQ(decode("<HttpSite Type=\"Some Type\"/>")->szType, L"Some Type");
   EXPECT_STREQ(decode("<HttpSite/>")->szType, L"");
@@ -210,6 +220,7 @@ const Flag c_flags[] = {{"1", 1},    {"0", 0},     {"2", 1},   {"5", 1},    {"-1
                         {"a1", 0},   {"- 1", 0},   {"0.9", 0}, {"9999", 1}, {"\u0661", 0},
                         {"--1", 0},  {"\uFF11", 0}};
 
+// Shows: format-flag, attribute-enabled, attribute-local
 TEST_F(ReaderList, FlagsAreOneWhenTheirNumberIsNotZero) {
   for (const Flag& flag : c_flags) {
     const auto enabled = decode(std::string("<UNCSite Enabled=\"") + flag.text + "\"/>");
@@ -222,6 +233,7 @@ TEST_F(ReaderList, FlagsAreOneWhenTheirNumberIsNotZero) {
   EXPECT_EQ(decode("<UNCSite/>")->bEnabled, 0);
 }
 
+// Shows: format-number, attribute-order
 TEST_F(ReaderList, OrderIsTheNumberAsItComes) {
   const std::pair<const char*, int> cases[] = {{"0", 0},
                                                {"7", 7},
@@ -244,6 +256,7 @@ TEST_F(ReaderList, OrderIsTheNumberAsItComes) {
   }
 }
 
+// Shows: attribute-order
 TEST_F(ReaderList, FallbackWithoutOrderComesLast) {
   for (const char* type : {"fallback", "Fallback", "FALLBACK"}) {
     for (const char* element : {"HttpSite", "FTPSite", "UNCSite", "LocalSite", "ProxyConfigList"}) {
@@ -286,6 +299,7 @@ TEST_F(ReaderList, MirrorIsToldFromTheTypeAsItWasKept) {
 // --- Policies
 // -------------------------------------------------------------------------------------
 
+// Shows: grammar
 TEST_F(ReaderList, PoliciesAreLoadedByName) {
   read(test::documentWithRoot(
       R"(<Policies><Setting name="b">2</Setting><Setting name="a"> 1 </Setting>)"
@@ -308,6 +322,7 @@ TEST_F(ReaderList, OtherChildrenOfPoliciesAreIgnored) {
   EXPECT_THAT(helper.m_policySettings, ElementsAre(Pair(L"", L"3")));
 }
 
+// Shows: policies-first
 TEST_F(ReaderList, PoliciesBehindTheSiteListAreNotLoaded) {
   read(test::documentWithRoot(R"(<Policies><Setting name="a">1</Setting></Policies><SiteList/>)"
                               R"(<Policies><Setting name="b">2</Setting></Policies>)"));

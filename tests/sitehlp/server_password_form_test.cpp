@@ -28,6 +28,7 @@ class ServerPasswordForm : public test::PasswordTest {
   }
 };
 
+// Shows: password-example, server-passwords
 TEST_F(ServerPasswordForm, OfTheDocumentedExampleIsRecovered) {
   EXPECT_EQ(recovered(c_value), L"fair weather");
   EXPECT_NE(
@@ -40,6 +41,7 @@ TEST_F(ServerPasswordForm, MayBeBrokenIntoLines) {
             L"fair weather");
 }
 
+// Shows: server-passwords, password-cipher
 TEST_F(ServerPasswordForm, HasTheVersionAuthenticated) {
   EXPECT_EQ(recovered(c_withoutVersionAuthenticated), L"could not be recovered");
 }

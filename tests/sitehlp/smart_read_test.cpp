@@ -25,6 +25,7 @@ class SmartRead : public test::SitesHelperTest {
   }
 };
 
+// Shows: SmartReadSiteList=0
 TEST_F(SmartRead, FirstReadGoesToTheFile) {
   const std::wstring file = store(named("one"));
   tag_Site* list = nullptr;
@@ -165,6 +166,7 @@ TEST_F(SmartRead, MissingFileLeavesTheCacheEmptyAndIsTriedAgain) {
   EXPECT_EQ(CSitesHelper::m_iChange, 1);
 }
 
+// Shows: SmartReadSiteList=-2, SmartReadSiteList=-4, SmartReadSiteList=-5, SmartReadSiteList=-10
 TEST_F(SmartRead, EachFailureIsLoggedWithItsResult) {
   const auto logged = [this](const std::wstring& file) {
     tag_Site* list = nullptr;
@@ -183,6 +185,7 @@ TEST_F(SmartRead, EachFailureIsLoggedWithItsResult) {
   EXPECT_EQ(logged(store(test::documentWithSites(""))), 0);
 }
 
+// Shows: SmartReadSiteList=-1
 TEST_F(SmartRead, ListWithAnUnknownLastSiteIsNotKept) {
   const std::wstring file = store(test::documentWithSites("<UNCSite/><Other/>"));
   tag_Site* list = nullptr;

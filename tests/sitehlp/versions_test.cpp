@@ -58,6 +58,7 @@ const std::string c_tooManyAttributes = [] {
 // --- Versions
 // -------------------------------------------------------------------------------------
 
+// Shows: root-type, GetSitelistVersions=0
 TEST_F(Versions, AreThoseOfTheRoot) {
   EXPECT_EQ(askRoot(R"(GlobalVersion="1.2" LocalVersion="20260116041503" Type="Server")"),
             (Answer{0, L"1.2", L"20260116041503", L"Server"}));
@@ -70,6 +71,7 @@ TEST_F(Versions, ArePassedThroughAsTheyStand) {
             (Answer{0, L" g <\" ", L"\u65E5\u672C", L"any type"}));
 }
 
+// Shows: root-type
 TEST_F(Versions, AbsentTypeIsClient) {
   EXPECT_EQ(askRoot(R"(GlobalVersion="1" LocalVersion="2")"), (Answer{0, L"1", L"2", L"Client"}));
   EXPECT_EQ(askRoot(R"(GlobalVersion="1" type="Server")").type, L"Client");
@@ -90,16 +92,19 @@ TEST_F(Versions, OnlyTheRootIsAsked) {
             (Answer{0, L"1", L"", L"Client"}));
 }
 
+// Shows: GetSitelistVersions=-4
 TEST_F(Versions, OfAMissingFileLeaveEverythingAlone) {
   EXPECT_EQ(ask(helper, path("missing.xml")), (Answer{-4, L"g was", L"l was", L"t was"}));
   EXPECT_EQ(ask(helper, L""), (Answer{-4, L"g was", L"l was", L"t was"}));
 }
 
+// Shows: GetSitelistVersions=-10
 TEST_F(Versions, OfAFileThatCannotBeReadAreEmpty) {
   EXPECT_EQ(ask(helper, test::wide(agent.dataDirectory())), (Answer{-10, L"", L"", L"t was"}));
   EXPECT_EQ(ask(helper, store("<a b=\"\xFF\"/>")), (Answer{-10, L"", L"", L"t was"}));
 }
 
+// Shows: GetSitelistVersions=-1
 TEST_F(Versions, OfAFileThatIsNoDocumentAreEmpty) {
   for (const char* bytes : {"this is not XML", "", " \n", "invalid", "<a", "<a></b>",
                             "<!DOCTYPE a><a GlobalVersion=\"1\"/>", "<a GlobalVersion=\"1\">"}) {
@@ -107,6 +112,7 @@ TEST_F(Versions, OfAFileThatIsNoDocumentAreEmpty) {
   }
 }
 
+// Shows: GetSitelistVersions=-1, limit-read
 TEST_F(Versions, OfADocumentOverALimitAreEmpty) {
   EXPECT_EQ(ask(helper, store(c_tooManyAttributes)), (Answer{-1, L"", L"", L"t was"}));
 }
@@ -151,6 +157,7 @@ TEST_F(Versions, OpenTheirScopeOnEveryWay) {
 // --- The global version
 // ---------------------------------------------------------------------------
 
+// Shows: GetGlobalSitelistVersion=0
 TEST_F(Versions, GlobalVersionIsThatOfTheOwnFile) {
   const std::wstring file = store(test::documentWithRoot("", R"(GlobalVersion="7")"));
   Probe own(file);
@@ -162,6 +169,7 @@ TEST_F(Versions, GlobalVersionIsThatOfTheOwnFile) {
   EXPECT_EQ(own.m_strSiteListType, L"Client");
 }
 
+// Shows: GetGlobalSitelistVersion=-1, GetGlobalSitelistVersion=-4, GetGlobalSitelistVersion=-10
 TEST_F(Versions, GlobalVersionGivesTheResultsOfTheVersions) {
   std::wstring version = L"as it was";
   EXPECT_EQ(helper.GetGlobalSitelistVersion(version), -4);
@@ -186,17 +194,20 @@ TEST_F(Versions, GlobalVersionOpensTheScopeOfTheVersions) {
 // --- FIPS mode
 // ------------------------------------------------------------------------------------
 
+// Shows: GetSitelistFipsMode=0
 TEST_F(Versions, FipsModeIsWhatTheRootSays) {
   EXPECT_EQ(fipsOfRoot(R"(FipsMode="1")"), (Fips{0, L"1"}));
   EXPECT_EQ(fipsOfRoot(R"(FipsMode=" any text ")"), (Fips{0, L" any text "}));
   EXPECT_EQ(fipsOfRoot(R"(FipsMode="")"), (Fips{0, L""}));
 }
 
+// Shows: GetSitelistFipsMode=-1
 TEST_F(Versions, AbsentFipsModeFailsAndLeavesTheOutputAlone) {
   EXPECT_EQ(fipsOfRoot(R"(GlobalVersion="1" fipsmode="1")"), (Fips{-1, L"as it was"}));
   EXPECT_EQ(fips(store(R"(<a><b FipsMode="1"/></a>)")), (Fips{-1, L"as it was"}));
 }
 
+// Shows: GetSitelistFipsMode=-1, GetSitelistFipsMode=-4, GetSitelistFipsMode=-10
 TEST_F(Versions, FipsModeFailuresLeaveTheOutputAlone) {
   EXPECT_EQ(fips(path("missing.xml")), (Fips{-4, L"as it was"}));
   EXPECT_EQ(fips(L""), (Fips{-4, L"as it was"}));

@@ -36,12 +36,14 @@ class WriterDocument : public test::WriterTest {
   }
 };
 
+// Shows: written-declaration, written-doctype, CreateSiteList=0
 TEST_F(WriterDocument, OfAnEmptyListIsWhole) {
   EXPECT_EQ(write(nullptr), 0);
   EXPECT_EQ(written(), emptyList());
   EXPECT_THAT(outText(), StartsWith(test::c_declaration + "<ns:SiteLists "));
 }
 
+// Shows: written-encoding
 TEST_F(WriterDocument, HasNoByteOrderMarkAndNoWhiteSpaceBetweenElements) {
   write(test::chain(
       {test::newSite(sitehlp::SITE_KIND_HTTP), test::newSite(sitehlp::SITE_KIND_PROXY)}));
@@ -52,6 +54,7 @@ TEST_F(WriterDocument, HasNoByteOrderMarkAndNoWhiteSpaceBetweenElements) {
   EXPECT_THAT(outText(), EndsWith("</ns:SiteLists>"));
 }
 
+// Shows: written-encoding
 TEST_F(WriterDocument, IsUtf8) {
   helper.CreateSiteList(nullptr, outPath(), L"\u00FC\u65E5\U0001F600", L"L", L"T", {});
   EXPECT_THAT(outText(), HasSubstr("GlobalVersion=\"\xC3\xBC\xE6\x97\xA5\xF0\x9F\x98\x80\""));
@@ -110,6 +113,7 @@ TEST_F(WriterDocument, HoldsThePoliciesByName) {
   EXPECT_EQ(helper.m_policySettings.size(), 4u);
 }
 
+// Shows: grammar
 TEST_F(WriterDocument, HoldsCertificatesBeforePoliciesBeforeSites) {
   helper.m_policySettings = {{L"a", L"1"}};
   EXPECT_EQ(write(nullptr, {L"c"}), 0);
@@ -166,6 +170,7 @@ TEST_F(WriterDocument, GivenLocalVersionIsNotLogged) {
               Not(testing::Contains(StartsWith(L"Local version of "))));
 }
 
+// Shows: new-local-version
 TEST_F(WriterDocument, StampIsTheLocalTimeInFourteenDigits) {
   Probe own(store(test::documentWithRoot("", R"(LocalVersion="rl")")));
   agent.clearLog();

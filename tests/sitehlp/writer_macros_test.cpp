@@ -41,6 +41,7 @@ class FormatEnvSymbols : public test::SitesHelperTest {
   }
 };
 
+// Shows: expanded-macro
 TEST_F(FormatEnvSymbols, TurnsExpandedDelimitersBack) {
   EXPECT_EQ(format(L"%%lt%%PATH%%gt%%/x", 260), L"<PATH>/x");
   EXPECT_EQ(format(L"%%lt%%A%%gt%%%%lt%%B%%gt%%", 260), L"<A><B>");
@@ -150,6 +151,7 @@ class WriterMacros : public test::WriterTest {
   }
 };
 
+// Shows: expanded-macro
 TEST_F(WriterMacros, HttpRecordIsChangedWhereItIsFormatted) {
   for (const wchar_t* element : {L"HttpSite", L"VestaSite", L"KeystoneSite"}) {
     const test::ListPtr list(httpWithMacros(element));
@@ -172,6 +174,7 @@ TEST_F(WriterMacros, HttpRecordIsChangedWhereItIsFormatted) {
   }
 }
 
+// Shows: expanded-macro
 TEST_F(WriterMacros, FtpRecordIsChangedWhereItIsFormatted) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_FTP);
   const test::ListPtr list(site);
@@ -188,6 +191,7 @@ TEST_F(WriterMacros, FtpRecordIsChangedWhereItIsFormatted) {
   EXPECT_TRUE(expanded(site->ftp.szPassword));
 }
 
+// Shows: expanded-macro
 TEST_F(WriterMacros, UncRecordIsChangedWhereItIsFormatted) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_UNC);
   const test::ListPtr list(site);
@@ -206,6 +210,7 @@ TEST_F(WriterMacros, UncRecordIsChangedWhereItIsFormatted) {
   EXPECT_TRUE(expanded(site->unc.szShareName));
 }
 
+// Shows: expanded-macro
 TEST_F(WriterMacros, LocalRecordIsChangedWhereItIsFormatted) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_LOCAL);
   const test::ListPtr list(site);

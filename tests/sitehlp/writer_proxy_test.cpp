@@ -29,6 +29,7 @@ class WriterProxy : public test::WriterTest {
   }
 };
 
+// Shows: site-fields, written-password
 TEST_F(WriterProxy, FilledRecord) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_PROXY);
   site->bEnabled = 1;
@@ -163,6 +164,7 @@ TEST_F(WriterProxy, RecordHoldsOnlyItsFirstHostAfterwards) {
               HasSubstr("<ExclusionList><ExclusionHost>a</ExclusionHost></ExclusionList>"));
 }
 
+// Shows: macro, expanded-macro
 TEST_F(WriterProxy, MacrosOfServersAndHostsAreFormatted) {
   tag_Site* site = withHosts(L"%%lt%%A%%gt%%.x;b%%lt%%");
   put(site->proxy.szHttpProxyServer, L"%%lt%%H%%gt%%");

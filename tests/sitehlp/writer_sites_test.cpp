@@ -61,6 +61,7 @@ const std::string c_httpChildren =
 // --- The HTTP family
 // ------------------------------------------------------------------------------
 
+// Shows: site-fields, written-password
 TEST_F(WriterSites, HttpSite) {
   EXPECT_EQ(siteOf(filledHttp(L"HttpSite")),
             R"(<HttpSite Type="master" Name="n" Order="9" Enabled="1" Local="1" SecurePort="443")"
@@ -68,6 +69,7 @@ TEST_F(WriterSites, HttpSite) {
                 c_httpChildren + "</HttpSite>");
 }
 
+// Shows: site-fields, written-password
 TEST_F(WriterSites, ManagementServer) {
   EXPECT_EQ(siteOf(filledHttp(L"VestaSite")),
             R"(<VestaSite Type="master" Name="n" Order="9" Enabled="1" Local="1" SecurePort="443")"
@@ -75,6 +77,7 @@ TEST_F(WriterSites, ManagementServer) {
                 c_httpChildren + "</VestaSite>");
 }
 
+// Shows: site-fields, written-password
 TEST_F(WriterSites, AgentRepository) {
   EXPECT_EQ(
       siteOf(filledHttp(L"KeystoneSite")),
@@ -119,6 +122,7 @@ TEST_F(WriterSites, AgentRepositoryNamesWhatItKnows) {
   EXPECT_THAT(text, Not(HasSubstr("ServerDNS")));
 }
 
+// Shows: server-dns-written
 TEST_F(WriterSites, DnsNameOfAnAgentRepositoryIsWrittenAsItsServer) {
   const Read list = read(
       test::documentWithSites(R"(<KeystoneSite Server="srv:81" ServerDNS="dns.example:82"/>)"));
@@ -160,6 +164,7 @@ TEST_F(WriterSites, NumbersAreWrittenAsTheyAre) {
 // --- FTP, UNC, local
 // ------------------------------------------------------------------------------
 
+// Shows: site-fields, written-password
 TEST_F(WriterSites, FtpSite) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_FTP);
   fillHeader(site);
@@ -183,6 +188,7 @@ TEST_F(WriterSites, EmptyFtpRecord) {
             R"(<Password Encrypted="1"></Password></FTPSite>)");
 }
 
+// Shows: site-fields, written-password
 TEST_F(WriterSites, UncSite) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_UNC);
   fillHeader(site);
@@ -209,6 +215,7 @@ TEST_F(WriterSites, EmptyUncRecord) {
             R"(<UserName></UserName><Password Encrypted="1"></Password></UNCSite>)");
 }
 
+// Shows: local-site, site-fields, written-password
 TEST_F(WriterSites, LocalSite) {
   tag_Site* site = newSite(sitehlp::SITE_KIND_LOCAL);
   fillHeader(site);
@@ -241,6 +248,7 @@ TEST_F(WriterSites, EmptyLocalRecord) {
 const sitehlp::SiteKind c_siteKinds[] = {sitehlp::SITE_KIND_HTTP, sitehlp::SITE_KIND_FTP,
                                          sitehlp::SITE_KIND_UNC, sitehlp::SITE_KIND_LOCAL};
 
+// Shows: attribute-order
 TEST_F(WriterSites, MirrorHasNoOrder) {
   for (const sitehlp::SiteKind kind : c_siteKinds) {
     for (const wchar_t* type : {L"mirror", L"Mirror", L"MIRROR"}) {
@@ -254,6 +262,7 @@ TEST_F(WriterSites, MirrorHasNoOrder) {
   }
 }
 
+// Shows: attribute-type
 TEST_F(WriterSites, RemediationIsATypeLikeAnyOther) {
   for (const sitehlp::SiteKind kind : c_siteKinds) {
     const std::string text = siteOf(withType(kind, L"remediation"));
@@ -276,6 +285,7 @@ TEST_F(WriterSites, EmptyTypeIsWrittenAsRepositoryAndStaysEmpty) {
   }
 }
 
+// Shows: unprotected-password
 TEST_F(WriterSites, WithoutTheServicePasswordsAreEmptyButMarked) {
   makeKeysUnobtainable();
   tag_Site* http = newSite(sitehlp::SITE_KIND_HTTP);

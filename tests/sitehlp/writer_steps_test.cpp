@@ -39,6 +39,7 @@ class WriterSteps : public test::WriterTest {
 // --- Records of no known kind
 // ---------------------------------------------------------------------
 
+// Shows: CreateSiteList=-1
 TEST_F(WriterSteps, UnknownLastRecordGivesMinusOneThoughTheFileIsWritten) {
   EXPECT_EQ(write(test::chain({local(L"1"), unknown()})), -1);
   EXPECT_LT(place("Name=\"1\""), place("</SiteList>"));
@@ -143,6 +144,7 @@ TEST_F(WriterSteps, FailedMeshCopyIsLoggedAndNothingIsLoaded) {
 // --- Failures
 // -------------------------------------------------------------------------------------
 
+// Shows: CreateSiteList=-11
 TEST_F(WriterSteps, FailedWriteGivesMinusElevenAndTheMeshServiceIsToldAllTheSame) {
   const std::string told = agent.dataDirectory() + "/told";
   agent.settings.meshLoadCommand = {"/bin/sh", "-c", R"(: > "$1")", "sh", told};
@@ -161,6 +163,7 @@ TEST_F(WriterSteps, FailedWriteGoesBeforeTheResultOfTheRecords) {
             -11);
 }
 
+// Shows: CreateSiteList=-11
 TEST_F(WriterSteps, WithoutAnyPathTheWriteFails) {
   EXPECT_EQ(helper.CreateSiteList(nullptr, L"", L"G", L"L", L"T", {}), -11);
   EXPECT_EQ(comparable(meshText()), emptyList());

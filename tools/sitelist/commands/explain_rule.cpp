@@ -32,7 +32,7 @@ std::string wrapped(const std::string& text, std::size_t columns) {
   std::string all;
   std::string line = " ";
   for (std::string word; words >> word;) {
-    if (line.size() > 1 && columnsOf(wide(line + " " + word)) > columns) {
+    if (line.size() > 1 && columnsOf(wide(std::string(line).append(" ").append(word))) > columns) {
       all += line + '\n';
       line = " ";
     }

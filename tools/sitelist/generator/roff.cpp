@@ -78,7 +78,7 @@ std::string marked(const std::string& text) {
 }
 
 bool endsInStop(const std::string& word) {
-  const std::size_t last = word.find_last_not_of(")");
+  const std::size_t last = word.find_last_not_of(')');
   return last != std::string::npos && std::string(".!?").find(word[last]) != std::string::npos;
 }
 

@@ -64,7 +64,7 @@ std::vector<Field> fieldsOf(const tag_Site& site) {
                    [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<Field> fields;
   fields.reserve(shown.size());
-  for (auto& [place, field] : shown) fields.push_back(std::move(field));
+  for (auto& [place, field] : shown) fields.push_back(field);
   return fields;
 }
 

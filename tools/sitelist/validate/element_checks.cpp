@@ -106,7 +106,7 @@ void checkProxy(const PlacedElement& proxyConfig, Faults& faults) {
     const std::wstring host = proxyConfig.attribute(server);
     const std::wstring number = proxyConfig.attribute(port);
     // What is no number is told as such.
-    if (host.empty() || number.find_first_not_of(L"0") != number.npos) return;
+    if (host.empty() || number.find_first_not_of(L'0') != number.npos) return;
     faults.add("proxy-without-port", proxyConfig.place,
                "\"" + narrow(server) + "\" is " + inQuotes(host) + ", but \"" + narrow(port) +
                    "\" is missing or 0");

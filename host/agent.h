@@ -18,30 +18,29 @@ struct AgentSettings {
   std::string dataDirectory = "/Library/Korvel/orb";
   // Whether the agent is under central management.
   bool managed = false;
-  // The size of the server's keys. It decides whether CSitesHelper::CreateServerSiteList adjusts
-  // passwords.
+  // The size of the management server's keys. CSitesHelper::CreateServerSiteList adjusts passwords
+  // only for 2048 bits.
   korvel_com::ZQ::crypto::KeySize cryptoKeySize = korvel_com::ZQ::crypto::KEY_SIZE_2048;
-  // Path of the mesh service's copy of the site list. Empty means
-  // <dataDirectory>/mesh/SiteList.xml.
+  // Path of the mesh copy. Empty means <dataDirectory>/mesh/SiteList.xml.
   std::string meshSiteListPath;
-  // The command that makes the mesh service load its copy: the full path of a program, and its
-  // arguments. It is started without a shell. Without a command every load fails.
+  // The load command: the full path of a program, and its arguments. It is started without a shell.
+  // Without a command every load fails.
   std::vector<std::string> meshLoadCommand;
-  // How long the command may run before it is terminated: 1 to 86,400 seconds.
+  // The number of seconds that the load command may run before it is terminated: 1 to 86,400.
   unsigned int meshLoadTimeoutSeconds = 60;
-  // How much memory the records of one site list may take, in megabytes of 2^20 bytes: 1 to
+  // The memory that the records of one site list may take, in megabytes of 2^20 bytes: 1 to
   // 1,048,576.
   unsigned int maxRecordMegabytes = 1024;
   // The lowest level that reaches the log.
   LogLevel logLevel = LogLevel::Error;
 };
 
-// Thrown for settings that cannot be used. what() has the reason, and the file and the place in it
-// or the data directory.
+// Thrown for settings that cannot be used. what() has the reason. It also has the file with line
+// and column, or the data directory.
 class PLATFORM_API SettingsError : public std::runtime_error {
  public:
   explicit SettingsError(const std::string& text);  // what() returns `text`
-  SettingsError(const SettingsError&) noexcept;     // never fails, as a copy of an error must not
+  SettingsError(const SettingsError&) noexcept;     // does not throw
   ~SettingsError() override;
 };
 
@@ -49,9 +48,9 @@ class PLATFORM_API SettingsError : public std::runtime_error {
 // of another agent are released. A process usually calls this once, before the first site list
 // operation. It must not be called while another thread uses the library.
 //
-// Throws SettingsError when the full path <dataDirectory>/etc has more than 259 characters, because
-// the library would cut such a path and use another directory. The current settings are unchanged
-// then.
+// Throws SettingsError if the full path <dataDirectory>/etc has more than 259 characters, because
+// the library would cut such a path and use another directory. The current settings are then
+// unchanged.
 PLATFORM_API void setAgent(const AgentSettings& settings);
 
 // Returns the current settings. If the process has not called setAgent, the first use reads them

@@ -66,8 +66,8 @@ class ListOwner {
   tag_Site* get() const { return m_head; }          // the first record; null for an empty list
   bool empty() const { return m_head == nullptr; }  // whether the list has no record
 
-  // The output argument for an operation that returns a list, which this object then owns. Releases
-  // the list held before, so the object is empty if the operation writes nothing.
+  // The output argument for an operation that returns a list. This object then owns that list.
+  // Releases the list held before, so the object is empty if the operation writes nothing.
   tag_Site** out() {
     ListOwner former(release());
     return &m_head;
@@ -87,27 +87,29 @@ class ListOwner {
   tag_Site* m_head = nullptr;
 };
 
-// Returns what a result code means and what to do about it: one line of ASCII without a full stop.
-// `code` may be any number. The text is never released. Any thread.
+// Returns a description of a result code with advice: one line of ASCII without a full stop. `code`
+// may be any number. The caller must not release the text. Any thread.
 inline const char* resultText(int code) {
   using AdvXMLParser::ReadWriteException;
   switch (code) {
     case c_success:
       return "done";
     case c_errorGeneral:
-      return "the last site of the list is of unknown kind, or a step failed; see the log";
+      return "the last site of the list is of unknown kind, or a file could not be read or "
+             "written; see the log";
     case c_errorNoPath:
-      return "no file, list or text was given; give one";
+      return "no file, list or text was given, or the list has no sites; give a list that has "
+             "sites";
     case c_errorNoMemory:
-      return "there is no memory for a record; free memory and try again";
+      return "there is not enough memory for a record; free memory and try again";
     case c_errorFileMissing:
       return "the file does not exist; check its path";
     case c_errorParse:
-      return "the document is not well formed; correct it, or have it sent again";
+      return "the document is not well formed; fix it, or request it again from the server";
     case c_errorNoServerSite:
       return "the list has no management server; use a list that has one";
     case c_errorValidation:
-      return "the list breaks a rule; the log names every fault";
+      return "the list has faults; see the log";
     case c_errorRead:
     case ReadWriteException::READ_FAILED:
       return "the file could not be read, is too large or is not valid in its encoding; see the "
@@ -115,11 +117,13 @@ inline const char* resultText(int code) {
     case c_errorWrite:
       return "the list could not be written, or is over a limit; check the directory and the log";
     case ReadWriteException::WRITE_FAILED:
-      return "the file could not be written; check that you may write there and that there is room";
+      return "the file could not be written; check the permissions and the free space of its "
+             "directory";
     case ReadWriteException::INVALID_ENCODING:
-      return "the bytes are not valid in their encoding; have the document sent again";
+      return "the bytes are not valid in their encoding; request the document again from the "
+             "server";
     case ReadWriteException::LIMIT_EXCEEDED:
-      return "the document is over a limit; check where it came from";
+      return "the document is over a limit; check where the document comes from";
     default:
       return "unknown result code; see the log";
   }

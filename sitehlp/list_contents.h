@@ -11,7 +11,8 @@
 
 namespace sitehlp {
 
-// What a site list file has besides its sites: what the queries of CSitesHelper return one by one.
+// The content of a site list file without its sites. The queries of CSitesHelper return the same
+// values one by one.
 struct ListContents {
   std::wstring globalVersion;                           // as in GetSitelistVersions
   std::wstring localVersion;                            // as in GetSitelistVersions

@@ -10,10 +10,10 @@
 // are zero-terminated wide text (UTF-32). A capacity counts characters and includes the terminator.
 //
 // A site element of unknown kind is read as a record of SITE_KIND_HTTP whose szElement is empty and
-// whose ports are 0. Every other record of SITE_KIND_HTTP that was read has a szElement.
+// whose ports are 0. In every other record of this kind that was read, szElement is not empty.
 //
-// The port of an address is 80 when the address has no ":" or is missing, also for FTP. It is 0
-// when no number can be read after the ":". A sign is not a digit.
+// The port of an address is 80 if the address has no ":" or is missing, also for FTP. It is 0 if no
+// number can be read after the ":". A sign is not a digit.
 namespace sitehlp {
 
 // The kind of record that a tag_Site holds.
@@ -27,11 +27,11 @@ enum SiteKind : std::int32_t {
 
 constexpr unsigned long c_textCapacity = 260;            // of most text fields, in characters
 constexpr unsigned long c_pathCapacity = 520;            // of relative paths
-constexpr unsigned long c_netbiosCapacity = 261;         // of NetBIOS names
+constexpr unsigned long c_netbiosCapacity = 261;         // of computer names
 constexpr unsigned long c_serverIpCapacity = 100;        // of IP addresses
 constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of excluded hosts
 
-// A site reached over HTTP: a repository, a management server or another agent.
+// A site reached over HTTP: a repository, a management server or an agent repository.
 struct tag_HttpSite {
   wchar_t szElement[c_textCapacity];        // name of the element of the site; see above
   wchar_t szName[c_textCapacity];           // display name of the site
@@ -41,7 +41,7 @@ struct tag_HttpSite {
   std::uint32_t uServerIPPort;              // port of szServerIP; default as above
   std::uint32_t uServerNamePort;            // port of szServerName; default as above
   wchar_t szRelativePath[c_pathCapacity];   // path below the server
-  wchar_t szServerName[c_netbiosCapacity];  // NetBIOS name
+  wchar_t szServerName[c_netbiosCapacity];  // computer name
   std::int32_t iUseAuth;                    // the number in the document, not reduced to 0 or 1
   wchar_t szUserName[c_textCapacity];       // empty: no user
   wchar_t szPassword[c_textCapacity];       // clear
@@ -95,8 +95,8 @@ struct tag_ProxySite {
   std::int32_t bUseIEConfig;                         // 0 or 1: use the system's own proxy settings
   std::int32_t iExclusionCount;                      // number of hosts in szExclusionList when read
   wchar_t szExclusionList[c_exclusionListCapacity];  // host names separated by ";"
-  std::int32_t bFtpUseAuth;                          // 0 or 1: the FTP proxy wants a user
-  std::int32_t bHttpUseAuth;                         // 0 or 1: the HTTP proxy wants a user
+  std::int32_t bFtpUseAuth;                          // 0 or 1: the FTP proxy requires a user
+  std::int32_t bHttpUseAuth;                         // 0 or 1: the HTTP proxy requires a user
   wchar_t szHttpProxyUser[c_textCapacity];           // user of the HTTP proxy
   wchar_t szHttpProxyPassword[c_textCapacity];       // clear
   wchar_t szFtpProxyUser[c_textCapacity];            // user of the FTP proxy
@@ -109,11 +109,11 @@ struct tag_ProxySite {
   wchar_t szAlternateFtpProxyPassword[c_textCapacity];   // clear
 };
 
-// One entry of a list: the fields of every kind, and the record of its kind.
+// One entry of a list. It has the fields that are common to all kinds, and those of its kind.
 struct tag_Site {
   std::int32_t bEnabled;           // 0 or 1
   std::int32_t bVestaSite;         // 1 for VestaSite and KeystoneSite, else 0
-  std::int32_t bMirror;            // 1 when szType is "mirror" in any case
+  std::int32_t bMirror;            // 1 if szType is "mirror" in any case
   std::int32_t bLocal;             // 0 or 1
   std::int32_t iOrder;             // position in the search order; 65535: fallback without an order
   std::int32_t eSiteKind;          // a SiteKind

@@ -44,27 +44,28 @@ constexpr std::int32_t c_overrideNotManaged = -2;  // not under central manageme
 
 // Splits `text` at its last ":" into host and port. Brackets of an IPv6 address stay in `host`. The
 // port is an unsigned decimal number. Leading white space is skipped, and reading stops at the
-// first character that is not a digit. A sign is not a digit. Returns true when there is a ":",
-// even if no port follows. `port` is unchanged when no digit follows the ":" or the number needs
-// more than 32 bits. Without a ":" both outputs are unchanged. Any thread.
+// first character that is not a digit. A sign is not a digit. Returns true if there is a ":", even
+// if no port follows. `port` is unchanged if no digit follows the ":" or if the number needs more
+// than 32 bits. Without a ":" both outputs are unchanged. Any thread.
 SITEHLP_API bool split_host_and_port(std::wstring text, std::wstring& host, unsigned int& port);
 
-// Decrypts a password that the management server encrypted. `in` is base64 text (standard alphabet,
-// with padding; white space is skipped) of these bytes:
+// Decrypts a password that the management server encrypted. `in` is base64 text in the standard
+// alphabet with padding. White space is skipped. The text encodes these bytes:
 //
 //   version (1 byte, 1) | nonce (12 bytes) | ciphertext | tag (16 bytes)
 //
-// The cipher is AES-256-GCM; the version byte is its additional authenticated data. The clear text
-// is UTF-8 and ends at its first zero byte. The key is the 32 bytes of the agent's file
-// "keystore/server.key". libsitehlp-host uses this form; another platform may use its own. Returns
-// nonzero on success. Returns 0 on failure and leaves `out` unchanged. Any thread.
+// The cipher is AES-256-GCM. The version byte is its additional authenticated data. The clear text
+// is UTF-8 and ends at its first zero byte. The key is the server key, the 32 bytes of the agent's
+// file "keystore/server.key". libsitehlp-host uses this form. Another platform may use its own.
+//
+// Returns nonzero on success. Returns 0 on failure and leaves `out` unchanged. Any thread.
 SITEHLP_API int decrypt_data(const std::wstring& in, std::wstring& out);
 
-// Reads, writes, merges, checks, imports and edits site lists. An instance is cheap; a caller may
-// create one for each call.
+// Reads, writes, merges, checks, imports and edits site lists. An instance is cheap, so a caller
+// may create one for each call.
 //
 // Threads: one instance must not be used by two threads at the same time. Several threads, each
-// with its own instance, may run all operations at the same time; SmartReadSiteList states one
+// with its own instance, may run all operations at the same time. SmartReadSiteList states one
 // exception. A child of fork may call every operation immediately, whatever other threads did at
 // the fork.
 //
@@ -75,21 +76,21 @@ SITEHLP_API int decrypt_data(const std::wstring& in, std::wstring& out);
 //
 // Files are replaced atomically.
 //
-// Links: a symbolic link in a path that is written is followed only when it belongs to the
-// effective user or to root. Any other link makes the write fail.
+// Links: a symbolic link in a path that is written is followed only if it belongs to the effective
+// user or to root. Any other link makes the write fail.
 //
-// Users: access(path, F_OK) decides whether a file exists, and it checks for the real user. Files
-// are read and written as the effective user. If the two users differ, an operation may report a
-// file as missing although it could read it.
+// Users: access(path, F_OK) checks as the real user whether a file exists. Files are read and
+// written as the effective user. If the two users differ, an operation may report a file as missing
+// although it could read it.
 //
-// Unless an operation says otherwise:
+// Unless the comment of an operation states an exception:
 //
-// - Results are the codes of sitehlp/result_codes.h; 0 means success.
+// - Results are the codes of sitehlp/result_codes.h. 0 means success.
 // - Outputs are unchanged on failure.
 // - An empty path means the instance's own site list file.
-// - Only std::bad_alloc is thrown. An exception that an operation catches shows in its result or in
-//   an error line of the log.
-// - A list that an operation returns belongs to the caller, who releases it with
+// - Only std::bad_alloc is thrown. An exception that an operation catches changes its result or
+//   causes an error line in the log.
+// - A list that an operation returns belongs to the caller. The caller must release it with
 //   FreeSiteListMemory. ListOwner in sitehlp/list.h does that.
 class SITEHLP_API CSitesHelper {
  public:
@@ -100,7 +101,7 @@ class SITEHLP_API CSitesHelper {
   explicit CSitesHelper(bool skipDefaultFile);
   // The instance's own file is `fullPath`. Its versions are read in the same way.
   explicit CSitesHelper(std::wstring fullPath);
-  // Does the same for a wide literal, which would otherwise convert to bool. A null pointer is an
+  // Does the same for a wide literal. Otherwise it would convert to bool. A null pointer is an
   // empty path.
   explicit CSitesHelper(const wchar_t* fullPath)
       : CSitesHelper(std::wstring(fullPath ? fullPath : L"")) {}
@@ -119,7 +120,7 @@ class SITEHLP_API CSitesHelper {
   // 0.
   int GetSiteListFilename(wchar_t* buffer, unsigned long capacity);
 
-  // Returns 1 when the agent is under central management, else 0.
+  // Returns 1 if the agent is under central management, else 0.
   int IsOrbManaged();
 
   // Sets what IsOrbManaged returns for this instance: c_overrideManaged, c_overrideNotManaged or
@@ -127,7 +128,7 @@ class SITEHLP_API CSitesHelper {
   void SetManagedOverride(std::int32_t managedOverride);
 
   // Marks the cached list of this process as changed, under the write lock "SmartSiteListLock".
-  // SmartReadSiteList reads the file again after at least two of these calls since it last read it.
+  // After at least two of these calls, SmartReadSiteList reads the file again.
   void needToUpdateInMemSiteList();
 
   // --- Records -----------------------------------------------------------------------------------
@@ -147,15 +148,15 @@ class SITEHLP_API CSitesHelper {
 
   // --- Passwords ---------------------------------------------------------------------------------
 
-  // Encrypts a clear password with the agent's own key, in the platform's format. Returns nonzero
-  // on success. Returns 0 on failure and leaves `out` unchanged. Fails when the text has a
-  // character that is not a Unicode scalar value. Does not use the state of the instance.
+  // Encrypts a clear password with the password key, in the platform's format. Returns nonzero on
+  // success. Returns 0 on failure and leaves `out` unchanged. Fails when the text has a character
+  // that is not a Unicode scalar value. Does not use the state of the instance.
   int EncryptPassword(const std::wstring& in, std::wstring& out);
 
   // --- Reading -----------------------------------------------------------------------------------
 
   // Reads a site list file into a new list, which is null when the document has no sites. Adds its
-  // policy settings to those of the instance; settings of earlier reads remain. If `useLock` is
+  // policy settings to those of the instance. Settings of earlier reads remain. If `useLock` is
   // set, the file is read under the read lock "SiteListLock". Returns
   //
   // - 0 when the document was read;
@@ -168,25 +169,25 @@ class SITEHLP_API CSitesHelper {
   //   another limit.
   //
   // `*list` is unchanged on -2, -4 and -10, and null on -5. docs/site-list-format.md gives the
-  // limits of a document; if one of them is exceeded, `*list` is null. A list may also have at most
+  // limits of a document. If one of them is exceeded, `*list` is null. A list may also have at most
   // 1,024 elements of unknown kind, and its records at most IConfiguration::GetMaxRecordBytes()
   // bytes. If one of these two limits is exceeded, `*list` has the records that were read before.
   int ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock);
 
   // Sets `*record` to null, then decodes one site element, or a "ProxyConfig", into a new
-  // zero-filled record of its kind. The caller releases it with free. Returns 0, or -1 when the
-  // element is of unknown kind. Neither pointer may be null.
+  // zero-filled record of its kind. The caller releases it with free. Neither pointer may be null.
+  // Returns 0, or -1 if the element is of unknown kind.
   int ReadSiteFromSiteList(AdvXMLParser::Element* element, void** record);
 
   // Gets the list that this process has cached. Reads the file first if no list is cached, or if
-  // needToUpdateInMemSiteList was called at least twice since the last read. The read is that of
-  // ReadSiteList with its lock. Returns 0 or the result of ReadSiteList.
+  // needToUpdateInMemSiteList was called at least twice since the last read. Reads it as
+  // ReadSiteList does with its lock. Returns 0 or the result of ReadSiteList.
   //
-  // Caution: while a list is cached, `path` is ignored, and the cached list is returned whichever
-  // file it came from.
+  // Caution: while a list is cached, `path` is ignored. The cached list is returned even if it came
+  // from another file.
   //
   // If the result is 0, the list belongs to the class and must not be released. A null list with
-  // the result 0 means that the document has no sites; nothing is cached then. A list with a
+  // the result 0 means that the document has no sites. Then nothing is cached. A list with a
   // negative result is not cached and belongs to the caller. `*list` is unchanged on -2, -4 and
   // -10.
   //
@@ -195,60 +196,64 @@ class SITEHLP_API CSitesHelper {
   int SmartReadSiteList(const std::wstring& path, tag_Site** list);
 
   // Reads a file as ReadSiteList does with its lock. An empty `path` gives -1 and leaves `*list`
-  // unchanged. ReadSiteList's own -1 comes with a list; set `*list` to null before the call to tell
-  // the two apart. A failure or an empty list is logged as an error.
+  // unchanged. ReadSiteList also returns -1, but with a list. Set `*list` to null before the call
+  // to distinguish the two cases. A failure or an empty list is logged as an error.
   int MustReadSiteList(const std::wstring& path, tag_Site** list);
 
   // Reads everything in a site list file. The file is read once, under the read lock
   // "SiteListLock". `path` must not be empty. Fills `contents`, then calls `take` for each site in
-  // document order. The next site is decoded only after `take` has returned, so the whole list is
-  // never in memory. Returns what ReadSiteList returns. `contents` is empty when the document could
-  // not be read or parsed. An exception thrown by `take` reaches the caller. Any thread.
+  // document order. The next site is decoded only after `take` has returned. The whole list is
+  // therefore never in memory. Returns what ReadSiteList returns. `contents` is empty when the
+  // document could not be read or parsed. An exception thrown by `take` reaches the caller. Any
+  // thread.
   static int ReadListContents(const std::wstring& path, ListContents& contents,
                               const TakeSite& take);
 
   // Reads the text of the instance's own file and removes the first "<CaBundle>" tag. The content
-  // and the closing tag of the bundle remain. Returns false and leaves `text` unchanged when there
-  // is no such file. Throws AdvXMLParser::ReadWriteException when the file cannot be read.
+  // and the closing tag of the bundle remain. Returns false and leaves `text` unchanged if there is
+  // no such file. Throws AdvXMLParser::ReadWriteException if the file cannot be read.
   bool GetSiteListBuffer(std::wstring& text);
 
   // --- Writing -----------------------------------------------------------------------------------
 
   // Writes a list as a complete document under the write lock "SiteListLock". Then writes the same
-  // document to the mesh service's copy, tells the service to load it, and waits for the answer.
+  // document to the mesh copy, runs the load command, and waits for its end.
   //
-  // `list` is null for an empty list. An empty `globalVersion` is replaced by that of the instance,
-  // or by the local version if that is empty too. An empty `localVersion` is replaced by the
-  // present local time in 14 digits. An empty `type` is replaced by that of the instance, or by
-  // "Client". The certificates are written in the order of `certificates`. The policy settings are
-  // those of the instance, sorted by name.
+  // `list` is null for an empty list. An empty `globalVersion` is replaced with the version of the
+  // instance. If both are empty, the local version is used. An empty `localVersion` is replaced
+  // with the current local time in 14 digits. An empty `type` is replaced with the type of the
+  // instance, or with "Client". The certificates are written in the order of `certificates`. The
+  // policy settings are those of the instance, sorted by name.
   //
   // Side effect: the records of `list` are modified. Expanded macros become "<" and ">" again. A
-  // proxy record keeps the first host of its exclusion list only; its iExclusionCount is unchanged
+  // proxy record keeps only the first host of its exclusion list. Its iExclusionCount is unchanged
   // and no longer matches the list.
   //
   // A password that cannot be encrypted is written as an empty one. If the first record is of
-  // unknown kind, all others are written after the "SiteList" element, where no reader looks for
-  // them.
+  // unknown kind, all others are written after the "SiteList" element. A read ignores them there.
   //
-  // Returns the result of the last record: 0, or -1 when it is of unknown kind. Returns -11 when
-  // the file could not be written or there is no path; the mesh service still gets the document.
-  // Also returns -11 when the document would exceed a limit of ReadSiteList; then the old file is
-  // unchanged and the mesh service is not told.
+  // Returns
+  //
+  // - 0 when the last record was processed;
+  // - -1 when the last record is of unknown kind;
+  // - -11 when the file could not be written or there is no path. The mesh copy is still written,
+  //   and the load command is run;
+  // - -11 also when the document would exceed a limit of ReadSiteList. The old file is then
+  //   unchanged and the load command is not run.
   //
   // The result 0 does not mean that every record was written, that every password was encrypted, or
-  // that the mesh service loaded its copy. If there is not enough memory to build the document,
-  // nothing is written and an error is logged. The result is then that of the records so far, which
-  // may be 0.
+  // that the mesh service loaded the mesh copy. If there is not enough memory to build the
+  // document, nothing is written and an error is logged. The result is then that of the records so
+  // far. It may be 0.
   int CreateSiteList(tag_Site* list, const std::wstring& path, const std::wstring& globalVersion,
                      const std::wstring& localVersion, const std::wstring& type,
                      const std::vector<std::wstring>& certificates);
 
   // Adds the element of one HTTP record to a tree, in the format of CreateSiteList. This is for
-  // derived classes that build their own tree: they set m_pSiteListElement to a handle on an anchor
+  // derived classes that build their own tree. They set m_pSiteListElement to a handle on an anchor
   // element. `position` 0 makes the new element a child of the anchor. Any other position adds it
   // at the end of the anchor's parent. The handle then refers to the new element. Does nothing
-  // without an anchor. `site` must not be null; it is modified as by CreateSiteList. Always returns
+  // without an anchor. `site` must not be null. It is modified as by CreateSiteList. Always returns
   // 0.
   int AddHTTPSite(tag_Site* site, int position);
   // As AddHTTPSite, for an FTP record.
@@ -268,21 +273,25 @@ class SITEHLP_API CSitesHelper {
   // --- Versions and FIPS mode --------------------------------------------------------------------
 
   // Reads the versions and the type of a site list file, under the read lock "SiteListLock". A
-  // missing version is empty; a missing type is "Client". Returns 0; -1 when the document is not
-  // well formed or is over a limit; -4 when the file does not exist; or -10 when it could not be
-  // read, is too large, or is not valid in its encoding. All outputs are unchanged on -4. On -1 and
-  // -10 both versions are empty and `type` is unchanged.
+  // missing version is empty. A missing type is "Client". Returns
+  //
+  // - 0 when the document was read;
+  // - -1 when it is not well formed or is over a limit;
+  // - -4 when the file does not exist;
+  // - -10 when the file could not be read, is too large, or is not valid in its encoding.
+  //
+  // All outputs are unchanged on -4. On -1 and -10 both versions are empty and `type` is unchanged.
   int GetSitelistVersions(const std::wstring& path, std::wstring& globalVersion,
                           std::wstring& localVersion, std::wstring& type);
   // Reads the global version of the instance's own file. Results and output are those of
   // GetSitelistVersions. Returns -4 when the instance has no file of its own.
   int GetGlobalSitelistVersion(std::wstring& globalVersion);
   // Reads the FIPS mode of a site list file. Results are those of GetSitelistVersions. Also returns
-  // -1 when the list has no FIPS mode. `fipsMode` is written on success only.
+  // -1 when the list has no FIPS mode. `fipsMode` is written only on success.
   int GetSitelistFipsMode(const std::wstring& path, std::wstring& fipsMode);
 
   // --- Merge -------------------------------------------------------------------------------------
-  // `*head` and `*tail` are the first and the last record of a list; both are null for an empty
+  // `*head` and `*tail` are the first and the last record of a list. Both are null for an empty
   // one. If `*tail` is not the last record, the records after it are cut off when a record is
   // appended. They are then no longer in the list and are not released.
 
@@ -296,10 +305,16 @@ class SITEHLP_API CSitesHelper {
   // - `useSecond` is true and `first` is null: the result is `second` with the fallback site and
   //   the server sites of the instance's own list.
   //
-  // Server sites only replace server sites. If the result is empty, it receives the server sites.
+  // Here and below, a server site is a management server. Server sites only replace server sites.
+  // If the result is empty, it receives the server sites.
   //
-  // Returns 0; -2 for a null `finalList`, which is logged; or the failure of the last step. The
-  // step that inserts server sites returns 0, so it hides a failure to read the instance's own
+  // Returns
+  //
+  // - 0 when the last step succeeded;
+  // - -2 for a null `finalList`, which is logged;
+  // - the failure of the last step.
+  //
+  // The step that inserts server sites returns 0, so it hides a failure to read the instance's own
   // list. On every failure `*finalList` is null, even when an exception is thrown.
   int MergeSiteLists(tag_Site* first, tag_Site* second, bool useSecond, tag_Site** finalList);
 
@@ -307,21 +322,29 @@ class SITEHLP_API CSitesHelper {
   // `skipProxy` is set, proxies. `source` must not be the list itself. If `*tail` is null, the
   // first copy becomes `*head`, and the list that was in `*head` remains the caller's. Afterwards
   // `*tail` is the last copy. If nothing was copied, `*tail` is unchanged, but the records after it
-  // are cut off as well. Returns 0; -2 for a null argument; or -3 with the copies so far in the
-  // list.
+  // are cut off as well. Returns
+  //
+  // - 0 when all records were copied or skipped;
+  // - -2 for a null argument;
+  // - -3 when a record could not be allocated. The copies so far are in the list.
   int MergeThisSiteList(tag_Site* source, bool skipProxy, tag_Site** tail, tag_Site** head);
 
   // Copies the first fallback site that is of kind SITE_KIND_HTTP or SITE_KIND_FTP. The pNext of
-  // the copy still points into `list`; set it to null before FreeSiteListMemory. Returns 0; -1 when
-  // there is none; -2 for a null argument; or -3. `*fallback` is unchanged on failure.
+  // the copy still points into `list`. Set it to null before FreeSiteListMemory. `*fallback` is
+  // unchanged on failure. Returns
+  //
+  // - 0 when the site was copied;
+  // - -1 when there is none;
+  // - -2 for a null argument;
+  // - -3 when the record could not be allocated.
   int GetFallbackSite(tag_Site* list, tag_Site** fallback);
 
   // Inserts a fallback site into a list. `fallback` must not be a record of the list.
   //
   // - `*head` is null: the site becomes the list, and `*tail` is unchanged.
-  // - The site is of kind SITE_KIND_HTTP or SITE_KIND_FTP and the list has a fallback site of any
-  //   kind: the content of the site replaces that of the first one, which keeps its place. The site
-  //   itself is released, and `*tail` is unchanged.
+  // - The site is of kind SITE_KIND_HTTP or SITE_KIND_FTP, and the list has a fallback site of any
+  //   kind: the content of the first such site is replaced. Its place is unchanged. The site itself
+  //   is released, and `*tail` is unchanged.
   // - Otherwise, if `*tail` is not null: the site is linked after `*tail` and becomes `*tail`.
   // - Otherwise nothing is done, and the site remains the caller's.
   //
@@ -329,12 +352,16 @@ class SITEHLP_API CSitesHelper {
   // caller's.
   int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
 
-  // Copies every management server site, in list order. `*chain` must be null. Returns 0; -8 when
-  // there is none; -2 for a null argument; or -3 with the copies so far in `*chain`. `*chain` is
-  // unchanged on -8 and -2.
+  // Copies every server site, in list order. `*chain` must be null. It is unchanged on -8 and -2.
+  // Returns
+  //
+  // - 0 when the sites were copied;
+  // - -2 for a null argument;
+  // - -3 when a record could not be allocated. The copies so far are in `*chain`;
+  // - -8 when there is none.
   int GetVestaSite(tag_Site* list, tag_Site** chain);
 
-  // Replaces the server sites of a list by `chain`, which must not be part of the list. A server
+  // Replaces the server sites of a list with `chain`, which must not be part of the list. A server
   // site that directly follows a removed one is not removed.
   //
   // - `*head` is null: the chain becomes the list, and `*tail` is unchanged.
@@ -351,14 +378,18 @@ class SITEHLP_API CSitesHelper {
 
   // --- Validation --------------------------------------------------------------------------------
 
-  // Checks that a list can be used: it must have sites. If `checkServer` is set, its first
-  // management server site must also be complete. If that site has a version, key files that are
-  // not empty must exist next to the site list file that the instance read last. Each fault gives
-  // one log line. Returns 0; -9 when a rule failed; or the failure of GetVestaSite.
+  // Checks that a list has sites. If `checkServer` is set, its first server site must also be
+  // complete. If that site has a version, key files that are not empty must exist next to the site
+  // list file that the instance read last. Each fault gives one log line. Returns
+  //
+  // - 0 when there is no fault;
+  // - -9 when there is a fault;
+  // - the failure of GetVestaSite, if `checkServer` is set. It is -2 for a list without sites and
+  //   -8 for a list without a management server.
   int SourceSiteListCheck(tag_Site* list, bool checkServer);
 
-  // Reads a file with MustReadSiteList and checks it. `path` must not be empty. Returns true when
-  // both succeeded.
+  // Reads a file with MustReadSiteList and checks it with SourceSiteListCheck. `path` must not be
+  // empty. Returns true if both succeeded.
   bool ValidateSiteListForInstall(const std::wstring& path, bool checkServer);
 
   // --- Import and install ------------------------------------------------------------------------
@@ -366,16 +397,21 @@ class SITEHLP_API CSitesHelper {
   // Makes an incoming site list the instance's own, without checks. Installs the key files first,
   // then the list with its versions, type and certificates. `srcPath` must not be empty, and the
   // instance must have a file of its own. The incoming file is read only once. `keyDir` is the
-  // directory of the server's public key, which is needed when the server in the list has no
-  // version; it may be empty.
+  // directory of the management server's public key. It is needed if the server in the list has no
+  // version, and it may be empty.
   //
-  // Returns 0; the failure of MustReadSiteList or GetSitelistVersions; or -1 when the key files or
-  // the list could not be written. The old list remains until the new one is written, but key files
-  // may be replaced before that. CreateSiteList states what the result 0 does not mean.
+  // Returns
+  //
+  // - 0 when the list was installed;
+  // - -1 when the key files or the list could not be written;
+  // - the failure of MustReadSiteList or GetSitelistVersions.
+  //
+  // The old list remains until the new one is written, but key files may be replaced before that.
+  // See CreateSiteList for failures that the result 0 does not report.
   int InstallSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
   // Checks the list with SourceSiteListCheck, then does the same as InstallSiteList. The management
-  // server is checked when the agent is managed. Also returns the failure of the check; nothing is
-  // written then.
+  // server is checked when the agent is managed. Also returns the failure of the check. Then
+  // nothing is written.
   int ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
   // Does the part that InstallSiteList and ImportSiteList share, for a list that was read from
   // `srcPath`. The list remains the caller's. AdjustSitesOrder and CreateSiteList modify its
@@ -383,102 +419,113 @@ class SITEHLP_API CSitesHelper {
   int InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
                              const std::wstring& keyDir);
 
-  // Exchanges the orders of the two default vendor repositories when FTP would come before HTTP.
-  // The HTTP one is of kind SITE_KIND_HTTP with the host c_vendorHttpHost and port 80. The FTP one
-  // is of kind SITE_KIND_FTP with the host c_vendorFtpHost and port 21. sitehlp/vendor_hosts.h
-  // defines both hosts; case is ignored. Each must be enabled (bEnabled is 1), not local and not of
-  // type "fallback"; the first such record is taken. Nothing is exchanged when one is missing or
-  // has the order 0. Null is allowed.
+  // Swaps the orders of the two default vendor repositories if FTP would come before HTTP. The HTTP
+  // one is of kind SITE_KIND_HTTP with the host c_vendorHttpHost and port 80. The FTP one is of
+  // kind SITE_KIND_FTP with the host c_vendorFtpHost and port 21. sitehlp/vendor_hosts.h defines
+  // both hosts. Case is ignored. Each must be enabled (bEnabled is 1), not local and not of type
+  // "fallback". The first such record is used. Nothing is swapped if one is missing or has the
+  // order 0. Null is allowed.
   void AdjustSitesOrder(tag_Site* sites);
 
   // --- Lists from memory -------------------------------------------------------------------------
 
   // Writes a site list document held as text to "/Library/Korvel/orb/scratch/etc/SiteList.xml",
-  // whichever agent is served. The directory must exist. The mesh service gets the document as
-  // well. The certificates are those of the text or, if it has no bundle, of the instance's own
-  // file. Versions and type are not those of the text but the defaults of CreateSiteList. The
-  // policy settings of the text are added to those of the instance.
+  // whichever agent the process uses. The directory must exist. The mesh copy is written as well,
+  // and the load command is run. The certificates are those of the text or, if it has no bundle, of
+  // the instance's own file. The versions and the type of the text are not used. They are the
+  // defaults of CreateSiteList. The policy settings of the text are added to those of the instance.
   //
-  // Returns -2 for an empty text, -5 when it is not well formed, -104 when it is over a limit, and
-  // -1 when the last site is of unknown kind; nothing is written then. Otherwise returns the result
-  // of CreateSiteList.
+  // Returns the result of CreateSiteList, or
+  //
+  // - -1 when the last site is of unknown kind;
+  // - -2 for an empty text;
+  // - -5 when the text is not well formed;
+  // - -104 when it is over a limit.
+  //
+  // On one of these four, nothing is written.
   int CreateSiteListFromBuffer(const std::wstring& buffer);
 
-  // Stores the bytes of a server site list as "ServerSiteList.xml" in the agent's data directory.
-  // If `adjustPasswords` is set and the key size is 2048 bits, does the same as AdjustPwd, but with
-  // the server's key. It then always returns 1. Otherwise stores the bytes unchanged and unchecked,
-  // and returns 1 on success and 0 on failure.
+  // Stores the bytes of a server list as "ServerSiteList.xml" in the agent's data directory. If
+  // `adjustPasswords` is set and the key size is 2048 bits, does the same as AdjustPwd, but
+  // decrypts with the server key. It then always returns 1. Otherwise stores the bytes unchanged
+  // and unchecked, and returns 1 on success and 0 on failure.
   int CreateServerSiteList(korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>& buffer,
                            bool adjustPasswords);
 
-  // Reads a server site list from bytes and writes it to "ServerSiteList.xml" in the agent's data
-  // directory, with the versions, type and certificates of the bytes. The mesh service gets the
-  // document as well. The policy settings of the bytes are added to those of the instance.
+  // Reads a server list from bytes and writes it to "ServerSiteList.xml" in the agent's data
+  // directory, with the versions, type and certificates of that list. The mesh copy is written as
+  // well, and the load command is run. The policy settings of the list are added to those of the
+  // instance.
   //
-  // Passwords are written encrypted with the agent's own key. A direct call decrypts them with the
-  // agent's own key. CreateServerSiteList decrypts them with the server's key, as decrypt_data
-  // does, except "HttpProxyPassword". A password that cannot be decrypted is stored as an empty
-  // one.
+  // Passwords are written encrypted with the password key. A direct call decrypts them with the
+  // password key. CreateServerSiteList decrypts them with the server key, as decrypt_data does,
+  // except "HttpProxyPassword". A password that cannot be decrypted is stored as an empty one.
   //
-  // Returns 0, or -1 when the last site is of unknown kind; a failed write is not reported. Returns
-  // -5 when the bytes are not a document and -104 when the document is over a limit; nothing is
-  // written then.
+  // A failed write is not reported. Returns
+  //
+  // - 0 when the last site was processed;
+  // - -1 when the last site is of unknown kind;
+  // - -5 when the bytes are not a document. Nothing is written;
+  // - -104 when the document is over a limit. Nothing is written.
   int AdjustPwd(korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>& buffer);
 
   // --- CA certificates, policy settings, management servers --------------------------------------
 
-  // Appends the texts of the CA certificates of a site list file, read under the read lock. Returns
-  // 0, also for a file without markup; -4 when the file does not exist; -5 when it is not well
-  // formed; -10 when it could not be read, is too large, or is not valid in its encoding; or -11
-  // when it is over another limit. Certificates appended before a failure remain.
+  // Appends the texts of the CA certificates of a site list file. Reads the file under the read
+  // lock "SiteListLock". Certificates that were appended before a failure remain. Returns
+  //
+  // - 0 when the file was read, also for a file without markup;
+  // - -4 when the file does not exist;
+  // - -5 when it is not well formed;
+  // - -10 when it could not be read, is too large, or is not valid in its encoding;
+  // - -11 when it is over another limit.
   int GetCaCertificates(const std::wstring& path, std::vector<std::wstring>& certificates);
 
   // Gets a policy setting that the instance has read or was given. Returns false and leaves `value`
-  // unchanged when there is no such setting.
+  // unchanged if there is no such setting.
   bool GetPolicySetting(const std::wstring& name, std::wstring& value);
   // Sets a policy setting. Every later write of this instance puts it into the document.
   void SetPolicySetting(const std::wstring& name, const std::wstring& value);
 
   // Gets the management servers of the instance's own list, sorted by order. If several have the
   // same order, only the first is taken. If `allSites` is set, each text output has the values of
-  // all servers, joined with ";"; otherwise it has the value of the first server. The list is that
-  // of SmartReadSiteList: while one is cached, it is used whichever file it came from.
+  // all servers, joined with ";". Otherwise it has the value of the first server. The list is that
+  // of SmartReadSiteList. While a list is cached, it is used even if it came from another file.
   //
-  // An IP address that has a "[" loses its first and its last character; the other outputs keep
+  // An IP address that has a "[" loses its first and its last character. The other outputs keep
   // their brackets. `port` is the secure port of the last server that was taken. If that server has
   // no secure port, or `nonSecurePort` is set, `port` is its plain port. A port above 2147483647
   // becomes negative.
   //
-  // Returns the result of SmartReadSiteList or GetVestaSite. The outputs are written only when
-  // there is a server. An empty list gives 0 and leaves them unchanged.
+  // Returns the result of SmartReadSiteList or GetVestaSite. The outputs are written only if there
+  // is a server. An empty list gives 0 and leaves them unchanged.
   int GetPYXServerInfo(std::wstring& names, std::wstring& servers, std::wstring& serverIPs,
                        std::wstring& netbiosNames, int& port, std::wstring& versions, bool allSites,
                        bool nonSecurePort);
 
   // --- Key files ---------------------------------------------------------------------------------
 
-  // Reads one key file. Returns false and leaves `out` unchanged when it cannot be read. Returns
-  // false with an empty `out` and an error line when the file is empty.
+  // Reads one key file. Returns false and leaves `out` unchanged if it cannot be read. Returns
+  // false with an empty `out` and an error line if the file is empty.
   bool readKeyFile(const AString& dir, const AString& name, ABuffer& out);
 
-  // Reads the key files of an incoming list. Each flag tells whether its buffer is valid; all flags
+  // Reads the key files of an incoming list. Each flag shows whether its buffer is valid. All flags
   // must be false before the call.
   //
   // If the list has a management server with a version, reads the two key pairs next to
-  // `srcSiteListPath`. A pair is valid only when both its files can be read. If only the public key
-  // can be read, its buffer may be filled although its flag is false. Returns false when neither
-  // pair is valid.
+  // `srcSiteListPath`. A pair is valid only if both its files can be read. If only the public key
+  // can be read, its buffer may be filled although its flag is false. Returns false if neither pair
+  // is valid.
   //
   // If there is no such server, reads the public key from `keyDir`, or nothing if `keyDir` is
-  // empty. Only the flags `hasSrPub` and `hasReqSec` are written. Returns false when the key cannot
-  // be read; the flags are unchanged then.
+  // empty. Only the flags `hasSrPub` and `hasReqSec` are written. If the key cannot be read,
+  // returns false and leaves the flags unchanged.
   bool readKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
                     const std::wstring& keyDir, ABuffer& srPub, ABuffer& reqSec, ABuffer& sr2048Pub,
                     ABuffer& req2048Sec, bool& hasSrPub, bool& hasReqSec, bool& hasSr2048Pub,
                     bool& hasReq2048Sec);
 
-  // Writes one key file into `dir`. `subDir` is not used. Returns false when it could not be
-  // written.
+  // Writes one key file into `dir`. `subDir` is not used. Returns false if it could not be written.
   bool writeKeyFile(const ABuffer& data, const AString& name, const AString& subDir,
                     const AString& dir);
 
@@ -489,44 +536,44 @@ class SITEHLP_API CSitesHelper {
                      bool hasSr2048Pub, bool hasReq2048Sec, const ABuffer& sr2048Pub,
                      const ABuffer& req2048Sec, const AString& dir);
 
-  // Returns true when the file does not exist or the effective user may write it. Returns false and
-  // logs an error when the user may not write it. Returns false without an error line when that
-  // cannot be determined.
+  // Returns true if the file does not exist or the effective user may write it. Returns false and
+  // logs an error if the user may not write it. Returns false without an error line if that cannot
+  // be determined.
   bool writable(const AString& path);
 
   // Installs the key files of an incoming list next to the instance's own file, which must be set.
   // Creates the directory if it is missing. Checks that every file can be written before it writes
-  // the first. Files that were written before a failure remain; nothing is rolled back.
+  // the first. Files that were written before a failure remain.
   //
-  // Then copies the FIPS marker and ignores whether that succeeds. Its path is the directory with
-  // "\agentfipsmode" appended: for "/data/etc/SiteList.xml" it is the file "etc\agentfipsmode" in
-  // "/data". If the source has no marker, an old one remains.
+  // Then copies the FIPS marker and ignores a failure of this copy. The path of the marker is the
+  // directory with "\agentfipsmode" appended. For "/data/etc/SiteList.xml" it is the file
+  // "etc\agentfipsmode" in "/data". If the source has no marker, an old one remains.
   bool createDirectoriesAndCopyKeyFiles(const std::wstring& srcSiteListPath, tag_Site* sites,
                                         const std::wstring& keyDir);
 
   // --- Editing documents -------------------------------------------------------------------------
-  // These edit documents directly and keep what records do not hold. Their log lines have the
-  // component "StSHlp".
+  // These operations edit documents directly and keep the parts that records do not have. Their log
+  // lines have the component "StSHlp".
 
   // Edits the instance's own file from the incoming list at `sourcePath`, installs the key files of
   // that list, and writes the file back. `sourcePath` must not be empty, and the instance must have
-  // a file of its own. `keyDir` is that of InstallSiteList. The incoming list is read only once.
+  // a file of its own. `keyDir` is used as in InstallSiteList. The incoming list is read only once.
   //
-  // If `replaceRepositories` is set, the two default vendor repositories are replaced by those of
+  // If `replaceRepositories` is set, the two default vendor repositories are replaced with those of
   // the source. They keep the two orders of the target. The source decides which of them comes
   // first, unless one of them is of type "fallback" in the target. Each keeps its type in the
-  // target, but one without "Type" in the source has none afterwards. A repository without an order
-  // in one of the lists is not replaced.
+  // target. If the source has no "Type", the target has none afterwards. A repository without an
+  // order in one of the lists is not replaced.
   //
-  // If `replaceServerSites` is set, the management servers and the CA bundle are replaced by those
-  // of the source. Servers that are in both lists are unchanged.
+  // If `replaceServerSites` is set, the management servers and the CA bundle are replaced with
+  // those of the source. Servers that are in both lists are unchanged.
   //
-  // "SiteListLock" is held while the instance's own file is read and while it is written, but not
-  // in between. A change that another process makes in between is lost. The mesh service is not
-  // told. The policy settings of the source are added to those of the instance.
+  // "SiteListLock" is held while the instance's own file is read and while it is written. It is not
+  // held between the two. A change that another process makes between them is lost. The load
+  // command is not run. The policy settings of the source are added to those of the instance.
   //
-  // Returns true only when the file was written. Fails also when the last site of the source is of
-  // unknown kind, or when the result would exceed a limit of ReadSiteList. The file is unchanged
+  // Returns true only if the file was written. Returns false also if the last site of the source is
+  // of unknown kind, or if the result would exceed a limit of ReadSiteList. The file is unchanged
   // after a failure, but key files may have been installed.
   bool modifySiteList(const wchar_t* sourcePath, bool replaceRepositories, bool replaceServerSites,
                       const AString& keyDir);
@@ -538,17 +585,17 @@ class SITEHLP_API CSitesHelper {
                             int order, const wchar_t* type);
 
   // Returns whether two management server elements have the same "Name", "Server", "ServerName" and
-  // "ServerIP". Returns false when one of these is missing.
+  // "ServerIP". Returns false if one of these is missing.
   bool IstheSamePyxSite(AnXmlNode& a, AnXmlNode& b);
 
-  // Replaces the management servers and the CA bundle of the target by those of the source. Servers
-  // that are in both are unchanged. New servers are added at the end, without "Order". If the
-  // source has no bundle, the target has none afterwards. Does nothing when either root has no
+  // Replaces the management servers and the CA bundle of the target with those of the source.
+  // Servers that are in both are unchanged. New servers are added at the end, without "Order". If
+  // the source has no bundle, the target has none afterwards. Does nothing if either root has no
   // "SiteList".
   void doReplacePyxSite(AnXmlNode& targetRoot, AnXmlNode& sourceRoot);
 
-  // Copies the attributes and the text of an element. "Order" is set to `order`; if `order` is 0,
-  // the target keeps its own. "Type" is set to `type`; if `type` is null or empty, "Type" is
+  // Copies the attributes and the text of an element. "Order" is set to `order`. If `order` is 0,
+  // the target keeps its own. "Type" is set to `type`. If `type` is null or empty, "Type" is
   // copied. An "Order" or "Type" that the source does not have is not added. Attributes that only
   // the target has are unchanged.
   void copyXmlAttributesAlter(AnXmlNode& source, AnXmlNode& target, int order, const wchar_t* type);
@@ -559,11 +606,11 @@ class SITEHLP_API CSitesHelper {
   // of the target with the same name is reused, so several children of one name become one.
   void copyXmlSubNodes(AnXmlNode& source, AnXmlNode& target);
 
-  // Reads "SiteList.xml" in `sourceDir` and removes the repositories whose "Local" is "1". Writes
-  // the result to "ServerSiteList.xml" in `targetDir`, or in `sourceDir` if `targetDir` is null. An
-  // empty directory is the current one. "SiteListLock" is held while each file is read or written.
-  // Returns true only when the file was written. Returns false and changes nothing when both paths
-  // lead to the same file.
+  // Reads "SiteList.xml" in `sourceDir` and removes the HTTP, FTP, UNC and local repositories whose
+  // "Local" is "1". Writes the result to "ServerSiteList.xml" in `targetDir`, or in `sourceDir` if
+  // `targetDir` is null. An empty directory is the current one. "SiteListLock" is held while each
+  // file is read or written. Returns true only if the file was written. Returns false and changes
+  // nothing if both paths lead to the same file, or if that cannot be determined.
   static bool createServerSiteListFromSiteList(const wchar_t* sourceDir, const wchar_t* targetDir);
 
  protected:
@@ -581,11 +628,11 @@ class SITEHLP_API CSitesHelper {
   std::map<std::wstring, std::wstring> m_policySettings;
   std::int32_t m_iManagedOverride;  // the last value of SetManagedOverride
   std::int32_t m_iReserved;         // not used
-  std::int32_t m_bUseDecryptData;   // 1: decrypt with the server's key
+  std::int32_t m_bUseDecryptData;   // 1: decrypt with the server key
 
  public:
-  // The list cached in this process, or null. It belongs to the class. SmartReadSiteList states who
-  // may use it, and from which threads.
+  // The list cached in this process, or null. It belongs to the class. SmartReadSiteList states the
+  // rules for its use.
   static tag_Site* m_pSiteList;
   // Its change counter: 1 after a read, plus 1 for each needToUpdateInMemSiteList.
   static std::int32_t m_iChange;

@@ -10,8 +10,8 @@
 
 #include "platform/export.h"
 
-// The system calls that the host makes on the agent's files. Another object can take the place of
-// the system, for example to inject faults. Any thread may make any of these calls.
+// The system calls that the host library makes on the agent's files. Another object can take the
+// place of the system, for example to inject failures. Any thread may make any of these calls.
 namespace host {
 
 // Each member does one operation. Its result is 0 or more, or the negated errno of the failure.
@@ -47,7 +47,7 @@ class PLATFORM_API FileSystem {
   // fstatat(2). If `follow` is set, a symbolic link at the end is followed.
   virtual int stat(int directory, const std::string& path, bool follow, struct stat& out) = 0;
   // Reads the whole target of a symbolic link, and the status of the link itself. Both belong to
-  // the same link, even when it is replaced meanwhile. Gives -EINVAL for anything else.
+  // the same link, even if it is replaced during the call. Gives -EINVAL for anything else.
   virtual int readLink(int directory, const std::string& path, std::string& target,
                        struct stat& link) = 0;
   // Gets the names in an open directory, without "." and "..".
@@ -67,8 +67,8 @@ class PLATFORM_API FileSystem {
 // Returns the current file system: the system's own unless another one was set.
 PLATFORM_API FileSystem& fileSystem();
 
-// Sets the file system of the whole process; null restores the system's own. The descriptors that
-// the host has open are then used and closed through the new one.
+// Sets the file system of the whole process. Null restores the system's own. The descriptors that
+// the host library has open are then used and closed through the new one.
 PLATFORM_API void setFileSystem(FileSystem* replacement);
 
 // Returns the system's own file system, for an object that forwards calls to it.

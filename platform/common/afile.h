@@ -38,13 +38,13 @@ class PLATFORM_API AFile {
   static bool readExisting(const AString& path, ABuffer& out);
 
   // Creates or atomically replaces the file with these bytes, which may be a secret. Other
-  // processes see the whole old file or the whole new one, even if this process dies. On failure
-  // the old file is unchanged, unless only the final sync of the directory failed. Only the owner
-  // may read and write the new file, whatever the mode of the old one was. The owner of an existing
-  // file is kept.
+  // processes find the whole old file or the whole new one, even if this process is killed. On
+  // failure the old file is unchanged, unless only the final sync of the directory failed. Only the
+  // owner may read and write the new file, whatever the mode of the old one was. The owner of an
+  // existing file is kept.
   //
-  // A symbolic link anywhere in the path is followed only when it belongs to the effective user or
-  // to root. Any other link makes the call fail, with an error line that names it.
+  // A symbolic link anywhere in the path is followed only if it belongs to the effective user or to
+  // root. Any other link makes the call fail, with an error line that names it.
   static bool write(const AString& path, const ABuffer& data);
 };
 
@@ -81,9 +81,10 @@ class PLATFORM_API AFiler {
   // leaves `size` unchanged when there is no such file.
   static bool getFileSize(const AString& path, unsigned long long& size);
 
-  // Returns whether writing `a` would replace the file of `b`: after symbolic links at their ends
-  // are followed, both are the same name in the same directory. The spelling of the paths does not
-  // matter. Two hard links are different files, because a file is replaced by name.
+  // Returns whether a write to `a` would replace the file of `b`. This is so if both lead to the
+  // same name in the same directory after symbolic links at their ends are followed. The spelling
+  // of the paths does not matter. Two hard links are different files, because a file is replaced by
+  // name.
   //
   // Returns false when the directory of either path does not exist. Returns true when the answer
   // cannot be determined for another reason, so that a caller never overwrites its source by

@@ -10,8 +10,8 @@
 // process locale. Any thread; throws nothing.
 PLATFORM_API int wcsicmp(const wchar_t* a, const wchar_t* b);
 
-// Turns a fully qualified host name into its NetBIOS form, in place: cuts it off at the first dot.
-// Returns true when something was cut. Any thread; throws nothing.
+// Turns a fully qualified host name into a computer name: cuts it off at the first dot, in place.
+// Returns true if something was cut. Any thread; throws nothing.
 PLATFORM_API bool convertFqdnToNetbios(std::wstring& name);
 
 #endif

@@ -5,9 +5,9 @@
 
 #include "platform/export.h"
 
-// The mesh service is a service on the same machine that works with a copy of the agent's own list.
-// Both objects belong to the configuration library and exist until the process ends. Any thread may
-// use them.
+// The mesh service is a service on the same machine. It works with the mesh copy, a copy of the
+// agent's own list. Both objects belong to the configuration library and exist until the process
+// ends. Any thread may use them.
 
 // The configuration of the mesh service.
 class PLATFORM_API MeshServiceConfiguration {
@@ -15,20 +15,19 @@ class PLATFORM_API MeshServiceConfiguration {
   // Returns the object of this process; never null.
   static MeshServiceConfiguration* GetInstance();
 
-  // Returns the full path of the mesh service's copy of the site list. Does not block.
+  // Returns the full path of the mesh copy. Does not block.
   std::wstring GetMeshSiteListPath() const;
 };
 
-// Makes the mesh service load its copy.
+// Makes the mesh service load the mesh copy.
 class PLATFORM_API MeshServiceStartupControl {
  public:
   // Returns the object of this process; never null. Both arguments are reserved and must be null.
   static MeshServiceStartupControl* GetInstance(void* reserved1, void* reserved2);
 
-  // Tells the mesh service to load its site list and waits for the answer. Returns 1 on success and
-  // another value on failure, which is logged. Blocks until the command ends, at most for the time
-  // in the agent's settings. Does not depend on how the process handles SIGCHLD or waits for its
-  // children.
+  // Runs the load command and waits for its end. Returns 1 on success and another value on failure,
+  // which is logged. Blocks at most for the time in the agent's settings. Does not depend on how
+  // the process handles SIGCHLD or waits for its children.
   int RunMeshServiceLoadSiteListCmd();
 };
 

@@ -12,14 +12,14 @@ namespace crypto {
 
 // What an encryption object does, and with which key.
 enum EncryptionType {
-  ENCRYPTION_TYPE_PASSWORD = 3,       // wide text, both directions, with the agent's own key
-  ENCRYPTION_TYPE_SERVER_BUFFER = 6,  // decrypts bytes with the server's key
+  ENCRYPTION_TYPE_PASSWORD = 3,       // wide text, both directions, with the password key
+  ENCRYPTION_TYPE_SERVER_BUFFER = 6,  // decrypts bytes with the server key
 };
 
 // Encrypts and decrypts with one key. Each operation returns nonzero on success. On failure it
-// returns 0 and leaves `out` unchanged. A value that was tampered with fails, and so does an
-// operation that the object's type does not support. One object must not be used by two threads at
-// the same time. Only std::bad_alloc is thrown.
+// returns 0 and leaves `out` unchanged. An operation fails for a value that was changed, and on an
+// object whose type does not support it. One object must not be used by two threads at the same
+// time. Only std::bad_alloc is thrown.
 //
 // An operation fails when the system does not provide the cipher, or when a value cannot be
 // decrypted. Both are logged as errors: once while a KeptKeys exists, otherwise at every call. An
@@ -28,7 +28,7 @@ class PLATFORM_API IEncryption {
  public:
   virtual ~IEncryption() = default;
 
-  // Decrypts bytes that were encrypted with the server's key.
+  // Decrypts bytes that were encrypted with the server key.
   virtual int decrypt_buffer(const AnObjectBuffer<unsigned char>& in,
                              AnObjectBuffer<unsigned char>& out) = 0;
   // Encrypts a text. Encrypting the same text twice gives different results.
@@ -60,8 +60,8 @@ class PLATFORM_API CryptShim {
 };
 
 // RAII guard for processing one document. While a KeptKeys object exists, the service reuses the
-// keys already loaded on this thread. It does not check the key files for every password. A key
-// that is replaced meanwhile may be noticed only afterwards.
+// keys already loaded on this thread. It does not check the key files for every password. If a key
+// is replaced during this time, the service may use the new key only afterwards.
 //
 // Each error is logged once. When the last guard of the thread is destroyed, the number of
 // passwords that could not be decrypted is logged. Other threads are not affected. Guards may be

@@ -7,7 +7,7 @@
 
 // Named reader/writer locks between all processes of one agent: many readers or one writer per
 // name. Locks of one process exclude each other in the same way, in one thread or in several. When
-// a process dies, for whatever reason, the system releases its locks. Readers cannot starve a
+// a process ends, for whatever reason, the system releases its locks. Readers cannot starve a
 // waiting writer.
 //
 // One object must not be used by two threads at the same time. The destructor unlocks. Locking a

@@ -168,8 +168,8 @@ bool createKeyFile(const std::string& path) {
     logInfo(c_cryptoComponent,
             AString(L"WARNING: ")
                 .append(message(path,
-                                L"there was none, so a new key was made. What was protected "
-                                L"under another one does not open with it")));
+                                L"it was missing, so a new key was created. Passwords that were "
+                                L"encrypted with another key cannot be decrypted")));
   }
   return true;
 }

@@ -48,11 +48,11 @@ class KeyReport : public testing::Test {
 };
 
 TEST_F(KeyReport, WarnsThatAMissingKeyWasMadeAnew) {
-  const std::vector<test::LogLine> warning = {
-      {LogLevel::Info, L"Crypto",
-       L"WARNING: Key file " + m_path +
-           L": there was none, so a new key was made. What was protected under another one does "
-           L"not open with it"}};
+  const std::vector<test::LogLine> warning = {{LogLevel::Info, L"Crypto",
+                                               L"WARNING: Key file " + m_path +
+                                                   L": it was missing, so a new key was created. "
+                                                   L"Passwords that were encrypted with another "
+                                                   L"key cannot be decrypted"}};
   const std::wstring text = encrypted(L"secret");
   EXPECT_EQ(m_agent.messages(), warning);
   EXPECT_TRUE(opens(text));

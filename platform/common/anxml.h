@@ -30,9 +30,10 @@ class PLATFORM_API AnXml {
   AnXml& operator=(const AnXml&) = delete;
 
   // Reads a file. Its root element must have the name `rootName` and, if `namespaceAttribute` is
-  // given, that attribute with the value `namespaceValue`. Returns false when the file cannot be
-  // read, is not valid in its encoding, is not well formed, is over a limit, or has another root.
-  // The object keeps its old document then. Blocks on the file system. May throw std::bad_alloc.
+  // given, that attribute with the value `namespaceValue`. Returns false if the file cannot be
+  // read, is not valid in its encoding, or is not well formed. Also returns false if it is over a
+  // limit or has another root. The object then keeps its old document. Blocks on the file system.
+  // May throw std::bad_alloc.
   bool useExistingFile(const AString& path, const wchar_t* rootName,
                        const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 

@@ -49,9 +49,9 @@ class PLATFORM_API ParsingException : public std::exception {
   std::string m_what;
 };
 
-// Thrown when a file could not be read or written, when its bytes are not valid in its encoding, or
-// when a document is over a limit. The error codes are negative and differ from every result code
-// of the site list library.
+// Thrown if a file could not be read or written, or if its bytes are not valid in its encoding.
+// Also thrown if a document is over a limit. The error codes are negative and differ from every
+// result code of the site list library.
 class PLATFORM_API ReadWriteException : public std::exception {
  public:
   // The results of GetErrorCode.

@@ -107,7 +107,7 @@ inline constexpr auto c_enabled =
           Written::Always, L"1", 0, "Whether the site may be used.");
 inline constexpr auto c_local =
     field("local", &xml::WX_XML_SITE_LOCAL, Place::Attribute, Form::Flag, &tag_Site::bLocal,
-          Written::Always, L"0", 0, "Whether only this agent knows the site.");
+          Written::Always, L"0", 0, "Whether only this agent uses the site.");
 inline constexpr auto c_order =
     field("order", &xml::WX_XML_SITE_ORDER, Place::Attribute, Form::Number, &tag_Site::iOrder,
           Written::Always, L"", 0, "Order number; 65535 for a fallback without one.");
@@ -118,7 +118,7 @@ inline constexpr auto c_type = field("type", &xml::WX_XML_SITE_TYPE, Place::Attr
 inline constexpr std::tuple c_head{
     c_enabled,
     field("vestaSite", nullptr, Place::None, Form::Flag, &tag_Site::bVestaSite, Written::Never, L"",
-          0, "Whether the site is a server or an agent, which speak the agent-to-server protocol."),
+          0, "Whether the site is a management server or an agent repository."),
     field("mirror", nullptr, Place::None, Form::Flag, &tag_Site::bMirror, Written::Never, L"", 0,
           "Whether the type of the site is mirror."),
     c_local,
@@ -194,12 +194,12 @@ inline constexpr std::tuple c_httpAttributes{
     server<tag_HttpSite>(Place::Host, Form::Address),
     serverPort<tag_HttpSite>(L"80"),
     field("serverName", &xml::WX_XML_SERVER_NETBIOS_NAME, Place::Host, Form::NetbiosName,
-          &tag_HttpSite::szServerName, Written::ByElement, L"", 3, "Computer name of the server."),
+          &tag_HttpSite::szServerName, Written::ByElement, L"", 3, "Computer name of the host."),
     field("serverNamePort", &xml::WX_XML_SERVER_NETBIOS_NAME, Place::Port, Form::Port,
           &tag_HttpSite::uServerNamePort, Written::ByElement, L"80", 3,
           "Port of the computer name."),
     field("serverIP", &xml::WX_XML_SITE_SERVER_IP, Place::Host, Form::Address,
-          &tag_HttpSite::szServerIP, Written::ByElement, L"", 2, "IP address of the server."),
+          &tag_HttpSite::szServerIP, Written::ByElement, L"", 2, "IP address of the host."),
     field("serverIPPort", &xml::WX_XML_SITE_SERVER_IP, Place::Port, Form::Port,
           &tag_HttpSite::uServerIPPort, Written::ByElement, L"80", 2, "Port of the IP address."),
 };
@@ -305,7 +305,7 @@ inline constexpr auto c_proxyFields = std::tuple{
           "Number of hosts that bypass the proxy."),
     field("exclusionList", &fields::xml::WX_XML_PROXY_EXCLUSIONLIST, FieldPlace::ExclusionHosts,
           FieldForm::Hosts, &tag_ProxySite::szExclusionList, Written::Always, L"", 2,
-          "Those hosts, separated by semicolons."),
+          "Hosts that bypass the proxy, separated by semicolons."),
     fields::proxyFlag("ftpUseAuth", &fields::xml::WX_XML_PROXY_FTP_USEAUTH,
                       &tag_ProxySite::bFtpUseAuth, 4,
                       "Whether the FTP proxy needs user name and password."),

@@ -21,9 +21,9 @@ void expectItFitsATerminal(const std::string& text) {
 // The commands that a help text names.
 std::vector<std::string> commandsIn(const std::string& help) {
   std::vector<std::string> commands;
-  std::size_t begin = help.find("Subcommands:\n");
+  std::size_t begin = help.find("\nCommands:\n");
   if (begin == std::string::npos) return commands;
-  for (begin = help.find('\n', begin) + 1; help.compare(begin, 2, "  ") == 0;
+  for (begin = help.find('\n', begin + 1) + 1; help.compare(begin, 2, "  ") == 0;
        begin = help.find('\n', begin) + 1) {
     if (help[begin + 2] == ' ') continue;  // a description goes on
     commands.push_back(help.substr(begin + 2, help.find(' ', begin + 2) - begin - 2));
@@ -58,14 +58,15 @@ TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
       bare({"--help"}).out,
       HasSubstr("Exit status:\n"
                 "   0  success\n"
-                "   1  a negative result: lists differ, a list breaks a rule, a certificate\n"
+                "   1  a negative result: lists differ, a list has an error, a certificate\n"
                 "      expires, or there is nothing to print\n"
-                "   2  wrong usage\n"
-                "   3  invalid document\n"
+                "   2  wrong usage, or an unknown field\n"
+                "   3  invalid document or settings file\n"
                 "   4  a file is missing, or cannot be read or written\n"
                 "   5  a key or the cryptography failed\n"
                 "   6  a conflict with existing data, or the list is locked\n"
-                "   7  a named site, field, setting, rule or backup does not exist\n"
+                "   7  a named site, setting, rule or backup does not exist, or a site does not\n"
+                "      have the field\n"
                 "  70  an internal error, or out of memory\n"));
 }
 

@@ -34,7 +34,7 @@ void gather(const std::vector<std::string>& path, const std::set<std::string>& i
     std::smatch match;
     if (section == "Options:" && std::regex_match(line, match, option)) {
       help.own.insert(match[1]);
-    } else if (section == "Subcommands:" && std::regex_match(line, match, command)) {
+    } else if (section == "Commands:" && std::regex_match(line, match, command)) {
       help.commands.insert(match[1]);
     }
   }

@@ -69,7 +69,7 @@ def help_text(tool):
 
 def commands(tool):
     text = help_text(tool)
-    return re.findall(r"^  ([a-z][a-z-]+) ", text[text.index("Subcommands:"):], re.MULTILINE)
+    return re.findall(r"^  ([a-z][a-z-]+) ", text[text.index("\nCommands:"):], re.MULTILINE)
 
 
 def status_problems(tool, cases):

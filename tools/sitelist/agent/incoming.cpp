@@ -106,11 +106,12 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
   command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
   command
       .add_option("--keys", options.keyDirectory,
-                  "Directory of the server's public key, for a list whose\nserver has no version")
+                  "Directory of the management server's public key, for a\nlist whose server has "
+                  "no version")
       .type_name("DIR");
   command.add_flag(
       "--dry-run", options.dryRun,
-      "Show what would change in the agent's list, key files and\nFIPS marker, and write nothing");
+      "Show the changes of the agent's own list, key files and\nFIPS marker, and write nothing");
 }
 
 int takeIncoming(Context& context, const IncomingOptions& options) {

@@ -104,7 +104,7 @@ Option& Option::not_empty() {
 // of another command.
 Command Command::add_subcommand(const std::string& name, const std::string& description) {
   m_app->require_subcommand(0, 1);
-  return Command(m_app->add_subcommand(name, description), m_hints);
+  return Command(m_app->add_subcommand(name, description)->group("Commands"), m_hints);
 }
 
 Option Command::add_option(const std::string& name, std::string& value, const std::string& help) {
@@ -145,7 +145,9 @@ bool Command::parsed() const { return m_app->parsed(); }
 CommandLine::CommandLine(const std::string& description, const std::string& name)
     : m_app(std::make_unique<CLI::App>(description, name)) {
   m_app->fallthrough();
+  m_app->set_help_flag("-h,--help", "Print a help message and exit");
   m_app->get_formatter()->column_width(c_nameColumns);
+  m_app->get_formatter()->label("SUBCOMMAND", "COMMAND");
 }
 
 CommandLine::~CommandLine() = default;

@@ -18,14 +18,15 @@ enum ExitStatus : int {
 constexpr const char* c_exitStatusHelp =
     "Exit status:\n"
     "   0  success\n"
-    "   1  a negative result: lists differ, a list breaks a rule, a certificate\n"
+    "   1  a negative result: lists differ, a list has an error, a certificate\n"
     "      expires, or there is nothing to print\n"
-    "   2  wrong usage\n"
-    "   3  invalid document\n"
+    "   2  wrong usage, or an unknown field\n"
+    "   3  invalid document or settings file\n"
     "   4  a file is missing, or cannot be read or written\n"
     "   5  a key or the cryptography failed\n"
     "   6  a conflict with existing data, or the list is locked\n"
-    "   7  a named site, field, setting, rule or backup does not exist\n"
+    "   7  a named site, setting, rule or backup does not exist, or a site does not\n"
+    "      have the field\n"
     "  70  an internal error, or out of memory\n";
 
 // The name of a status in the output for programs.

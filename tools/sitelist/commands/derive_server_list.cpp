@@ -34,7 +34,7 @@ int derive(Context& context, const DeriveOptions& options) {
 
 void addDeriveServerList(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("derive-server-list", "Write ServerSiteList.xml without the local sites");
+      app.add_subcommand("derive-server-list", "Derive ServerSiteList.xml from SiteList.xml");
   const auto options = std::make_shared<DeriveOptions>();
   command.add_option("SOURCE_DIR", options->source, "The directory of SiteList.xml")
       .required()
@@ -44,8 +44,8 @@ void addDeriveServerList(Command& app, Context& context) {
                   "The directory of ServerSiteList.xml\n(default: SOURCE_DIR)")
       .type_name("");
   command.footer(
-      "Copies SiteList.xml without the repositories whose \"Local\" is \"1\". Everything\n"
-      "else in the document is unchanged.\n"
+      "Copies SiteList.xml without the sites of the kinds http, ftp, unc and local whose\n"
+      "\"Local\" is \"1\". Everything else in the document is unchanged.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"

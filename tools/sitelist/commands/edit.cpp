@@ -161,8 +161,9 @@ void addSet(Command& edit, Edits& edits, EditArguments& options) {
   addKind(command, options);
   addValues(command, options);
   command.footer(
-      "A value that the agent would cut or misread is refused. A password is never part\n"
-      "of the command line.\n"
+      "A value that is too long for its field is refused. So is a value that is not a\n"
+      "number or a flag, if the field needs one. A password must not be on the command\n"
+      "line.\n"
       "\n"
       "Fields:\n" +
       fieldHelp() +
@@ -187,9 +188,9 @@ void addAdd(Command& edit, Edits& edits, EditArguments& options) {
   addName(command, options);
   addValues(command, options);
   command.footer(
-      "The new site is enabled and the last one in the search order, unless its fields\n"
-      "say otherwise. The default type is repository (master for a server). The default\n"
-      "port is 80 (21 for ftp). `sitelist edit set --help` lists the fields.\n"
+      "By default the new site is enabled and is the last one in the search order. The\n"
+      "default type is repository (master for a server). The default port is 80 (21 for\n"
+      "ftp). `sitelist edit set --help` lists the fields.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit add http Depot server=depot.example relativePath=pub\n"
@@ -236,9 +237,9 @@ void addMoves(Command& edit, Edits& edits, EditArguments& options) {
       .completes(Completion::Site);
   addKind(command, options);
   command.footer(
-      "The existing order numbers are redistributed, and as few sites as possible get\n"
-      "another one. A disabled site has a place in the search order. A mirror, a proxy\n"
-      "and a fallback without an order have none.\n"
+      "The command redistributes the existing order numbers. As few sites as possible\n"
+      "get a new number. A disabled site has a place in the search order. A mirror, a\n"
+      "proxy and a fallback without an order have none.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit move Depot first\n"
@@ -261,9 +262,9 @@ void addCommonOptions(Command& command, EditOptions& options) {
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
-  command.add_flag("--dry-run", options.dryRun, "Show what would change, and write nothing");
+  command.add_flag("--dry-run", options.dryRun, "Show the changes, and write nothing");
   command.add_flag("--backup", options.backup, "Keep the old list as FILE.bak");
-  command.add_option("--wait", options.wait, "How long to wait for other writers (default: 10)")
+  command.add_option("--wait", options.wait, "Time to wait for other writers (default: 10)")
       .type_name("SECONDS");
 }
 
@@ -280,10 +281,10 @@ void addEdit(Command& app, Context& context) {
   addMoves(command, *edits, *options);
   addRestore(command, *edits);
   command.footer(
-      "Everything else in the document is unchanged, including what the agent does not\n"
-      "read. Repeating an edit changes nothing.\n"
+      "Everything else in the document is unchanged, including the parts that the agent\n"
+      "does not read. A repeated edit changes nothing.\n"
       "\n"
-      "`sitelist edit SUBCOMMAND --help` describes each edit.\n"
+      "`sitelist edit COMMAND --help` describes each edit.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit disable Depot\n"

@@ -103,8 +103,8 @@ std::vector<std::string> ruleNames() {
 }  // namespace
 
 void addExplainRule(Command& app, Context& context) {
-  Command command = app.add_subcommand(
-      "explain-rule", "Explain a rule of `validate` and how to fix what breaks it");
+  Command command =
+      app.add_subcommand("explain-rule", "Explain a rule of `validate` and the fix for a fault");
   const auto options = std::make_shared<ExplainRuleOptions>();
   command
       .add_option("NAME", options->name, "The name of a rule, as in `validate` (default: list all)")

@@ -43,9 +43,10 @@ void addFromBuffer(Command& app, Context& context) {
       .type_name("");
   command.footer(
       "The list is written to /Library/Korvel/orb/scratch/etc/SiteList.xml, whichever\n"
-      "agent --agent-dir names. That directory must exist. Versions and type are not\n"
-      "those of the document. The certificates are those of the document or, if it has\n"
-      "no bundle, of the agent's own list.\n"
+      "agent --agent-dir names. That directory must exist. The global version and the\n"
+      "type are those of the agent's own list, and the local version is the current\n"
+      "time. The certificates are those of the document or, if it has no bundle, of the\n"
+      "agent's own list.\n"
       "\n"
       "Examples:\n"
       "  sitelist from-buffer received.xml\n"

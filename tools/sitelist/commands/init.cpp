@@ -110,20 +110,21 @@ void addInit(Command& app, Context& context) {
   const auto options = std::make_shared<InitOptions>();
   command.add_flag("--managed", options->managed, "The agent is under central management");
   command
-      .add_option(
-          "--mesh-path", options->meshPath,
-          "The mesh service's copy of the list\n(default: mesh/SiteList.xml in the data directory)")
+      .add_option("--mesh-path", options->meshPath,
+                  "Path of the mesh copy, the list for the mesh service\n(default: "
+                  "mesh/SiteList.xml in the data directory)")
       .type_name("PATH");
   // What follows the program was taken off the command line before; see Context::meshCommand.
   command
       .add_flag("--mesh-command", options->hasMeshCommand,
-                "Command that makes the mesh service load its copy: the\n"
-                "full path of a program, and its arguments. All that\n"
-                "follows belongs to it, so this option must come last.")
+                "Command that makes the mesh service load the mesh copy:\n"
+                "the full path of a program, and its arguments. All\n"
+                "arguments after this option belong to the command. Put\n"
+                "this option last.")
       .type_name("PROGRAM ARG...");
   command.footer(
       "Creates the directories, the settings file agent.toml, the lock files and the\n"
-      "password key. Fails and changes nothing if there is an agent.toml already.\n"
+      "password key. If there is already an agent.toml, fails and changes nothing.\n"
       "\n"
       "Examples:\n"
       "  sitelist --agent-dir ./agent init\n"

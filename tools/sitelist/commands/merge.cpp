@@ -99,8 +99,9 @@ void addMerge(Command& app, Context& context) {
                   "Where to write the result (default: standard output)")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
-                   "Show what would change in the list that gets the sites,\n"
-                   "and write nothing");
+                   "Show the changes from the second list (without --second,\n"
+                   "from the agent's own) to the merged list, and write\n"
+                   "nothing");
   command.footer(
       "The result depends on the options:\n"
       "  --first   the agent's own list, with the fallback site and the management\n"

@@ -83,7 +83,7 @@ int modify(Context& context, const ModifyOptions& options) {
 
 void addModify(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("modify", "Replace parts of the agent's list by those of another list");
+      app.add_subcommand("modify", "Replace parts of the agent's own list from another list");
   const auto options = std::make_shared<ModifyOptions>();
   command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
       .required()
@@ -95,13 +95,13 @@ void addModify(Command& app, Context& context) {
                    "Replace the management servers and the CA certificates");
   command
       .add_option("--keys", options->incoming.keyDirectory,
-                  "Directory of the server's public key, for a list whose\nserver has no version")
+                  "Directory of the management server's public key, for a\nlist whose server has "
+                  "no version")
       .type_name("DIR");
-  command.add_flag("--dry-run", options->incoming.dryRun,
-                   "Show what would change, and write nothing");
+  command.add_flag("--dry-run", options->incoming.dryRun, "Show the changes, and write nothing");
   command.footer(
-      "Everything else in the document is unchanged, including what the agent does not\n"
-      "read. The key files next to SOURCE are always installed.\n"
+      "Everything else in the document is unchanged, including the parts that the agent\n"
+      "does not read. The key files next to SOURCE are always installed.\n"
       "\n"
       "Examples:\n"
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"

@@ -59,7 +59,8 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
       .choices({"table", "json", "csv", "xml"});
   app.add_flag("--json", context.json, "The same as --format json");
   app.add_option("--color", context.color,
-                 "Colour in tables: auto (the default), always or never;\nauto respects NO_COLOR")
+                 "Colour in tables: auto (the default), always or never;\nauto uses no colour if "
+                 "NO_COLOR is set")
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");

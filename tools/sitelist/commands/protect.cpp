@@ -26,9 +26,9 @@ int protectLine(Context& context) {
 void addProtect(Command& app, Context& context) {
   Command command = app.add_subcommand("protect", "Encrypt a password and print the result");
   command.footer(
-      "The clear password is the first line of standard input and never part of the\n"
-      "command line. Only the same agent can decrypt the result. Put it unchanged into\n"
-      "a \"Password\" element, without white space around it.\n"
+      "The command reads the clear password from the first line of standard input.\n"
+      "Only an agent with the same password key can decrypt the result. Put it unchanged\n"
+      "into a \"Password\" element, without white space around it.\n"
       "\n"
       "Examples:\n"
       "  sitelist protect\n"

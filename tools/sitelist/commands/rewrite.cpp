@@ -44,8 +44,8 @@ void addRewrite(Command& app, Context& context) {
       .completes(Completion::File);
   command.footer(
       "Versions, type, certificates and policy settings are kept. Passwords are\n"
-      "encrypted again with the agent's key. What the agent does not read from a list\n"
-      "is lost.\n"
+      "encrypted again with the password key. Everything that the agent does not read\n"
+      "from a list is lost.\n"
       "\n"
       "Example:\n"
       "  sitelist rewrite incoming/SiteList.xml tidy.xml\n");

@@ -70,9 +70,9 @@ void addServerList(Command& app, Context& context) {
   const auto options = std::make_shared<ServerListOptions>();
   command.add_option("FILE", options->file, "The document; - or no FILE means standard input")
       .type_name("");
-  command.add_flag("--adjust-passwords", options->adjustPasswords,
-                   "Decrypt the passwords with the server's key and encrypt\nthem with the "
-                   "agent's");
+  command.add_flag(
+      "--adjust-passwords", options->adjustPasswords,
+      "Decrypt the passwords with the server key and encrypt\nthem with the password key");
   command.footer(
       "The list is stored as ServerSiteList.xml in the agent's data directory. Without\n"
       "--adjust-passwords the bytes are stored unchanged and unchecked.\n"

@@ -123,25 +123,28 @@ void addValidate(Command& app, Context& context) {
       .type_name("")
       .completes(Completion::File);
   command.add_flag("--managed", options->managed,
-                   "Check as an agent under central management does,\nincluding the management "
-                   "server (the default)");
-  command.add_flag("--unmanaged", options->unmanaged,
-                   "Check as an agent without central management does");
+                   "Apply the rules for a managed agent, including those\n"
+                   "for the management server (default)");
+  command.add_flag("--unmanaged", options->unmanaged, "Apply the rules for an unmanaged agent");
   command.add_flag("--strict", options->strict, "Treat warnings as errors");
   command.footer(
-      "Needs no agent and writes nothing. Each error or warning is one line,\n"
+      "Needs no agent and writes nothing. Each fault of a list is one line,\n"
       "  FILE:LINE:COLUMN: RULE: TEXT\n"
       "without LINE:COLUMN if it has no place in the file. `sitelist explain-rule RULE`\n"
-      "explains a rule and how to fix what breaks it.\n"
+      "explains a rule and how to fix a list that breaks it. Two limits give only a\n"
+      "message on standard error: the number of elements of unknown kind, and the\n"
+      "memory for sites.\n"
       "\n"
-      "Errors (the list is rejected):\n" +
+      "Errors (the agent refuses the list):\n" +
       ruleHelp(Severity::Error) +
       "The rules for the server apply to the first management server in the list.\n"
       "\n"
-      "Warnings (the list is accepted, but probably not read as intended); their lines\n"
-      "end in [warning]:\n" +
+      "Warnings (the agent accepts the list, but probably reads it differently than\n"
+      "intended); their lines end in [warning]:\n" +
       ruleHelp(Severity::Warning) +
-      "With several lists, the exit status is the highest of all.\n\n"
+      "The exit status is 1 if a list has an error. It is 3 for invalid-encoding,\n"
+      "over-limit, not-well-formed and unknown-site, and 4 for missing-file and\n"
+      "unreadable-file. With several lists, it is the highest of all.\n\n"
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
       "  sitelist validate --unmanaged --strict lists/*.xml\n"

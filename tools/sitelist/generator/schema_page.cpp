@@ -36,8 +36,8 @@ class SchemaPage {
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
-        "In addition, each document has the members of its command. After a failure, it has only "
-        "those that were produced before the failure.");
+        "In addition, each document has the members of its command. After a failure, these "
+        "members may be missing, empty or incomplete.");
     for (const Json& document : m_schema.at("oneOf")) {
       describeDocument(nameOfReference(document), resolved(document));
     }
@@ -132,9 +132,9 @@ class SchemaPage {
     m_page.paragraph(m_schema.at("description").get<std::string>() +
                      " Messages for people go to standard error as well.");
     m_page.paragraph(
-        "The text is ASCII: all other characters are escaped. A program must ignore names that it "
-        "does not know. The meaning of a name does not change as long as `schema_version` stays "
-        "the same.");
+        "The text is ASCII. All other characters are escaped. A program must ignore unknown "
+        "names. The meaning of a name does not change as long as `schema_version` stays the "
+        "same.");
     m_page.paragraph(
         "With `--format xml`, the first three names are attributes of the root element and the "
         "others are elements. A null value has no element. With `--format csv`, there is a line "

@@ -20,40 +20,40 @@ struct Setting {
 
 constexpr Setting c_settings[] = {
     {"managed", "true or false", "`false`",
-     "Whether the agent is under central management. If so, a list is imported only when its "
+     "Whether the agent is under central management. If so, a list is imported only if its "
      "management server is complete.",
      "managed = true", "managed = 1", "1:11: managed must be true or false"},
     {"crypto_key_size", "a string", "`\"2048\"`",
-     "The keys of the agent and its server: `\"2048\"` for keys of 2048 bits, or `\"legacy\"` for "
-     "older, shorter ones. With `\"legacy\"`, a list that the server sends is stored with its "
-     "passwords unchanged.",
+     "The size of the management server's keys: `\"2048\"` for 2048 bits, or `\"legacy\"` for "
+     "shorter keys. With `\"legacy\"`, a server list is stored with its passwords unchanged.",
      "crypto_key_size = \"legacy\"", "crypto_key_size = \"4096\"",
      "1:19: crypto_key_size must be \"legacy\" or \"2048\""},
     {"mesh.site_list_path", "a string", "`mesh/SiteList.xml` in the data directory",
-     "The path of the mesh service's copy of the list, which is written together with the agent's "
-     "own list. A relative path is relative to the data directory.",
+     "The path of the mesh copy, the list for the mesh service. The mesh copy is written together "
+     "with the agent's own list. A relative path is relative to the data directory.",
      "mesh.site_list_path = \"/var/lib/mesh/SiteList.xml\"", "mesh.site_list_path = \"\"",
      "1:23: mesh.site_list_path must not be empty"},
     {"mesh.load_command", "an array of strings", "empty",
-     "The command that makes the mesh service load its copy: a program and its arguments. It is "
-     "run without a shell. A relative path of the program is relative to the data directory. The "
-     "command succeeds if its exit status is 0. If the array is empty, every load fails; this is "
-     "logged and has no other effect.",
+     "The load command, which makes the mesh service load the mesh copy: a program and its "
+     "arguments. It is run without a shell. A relative path of the program is relative to the data "
+     "directory. The command succeeds if its exit status is 0. If the array is empty, every load "
+     "fails. This failure is logged and has no other effect.",
      "mesh.load_command = [\"/usr/bin/systemctl\", \"reload\", \"mesh\"]",
      "mesh.load_command = \"/usr/bin/systemctl reload mesh\"",
      "1:21: mesh.load_command must be an array of strings"},
     {"mesh.load_timeout_seconds", "a whole number from 1 to 86400", "`60`",
-     "How many seconds that command may run. If it runs longer, it is terminated and an error is "
-     "logged.",
+     "The number of seconds that the load command may run. If it runs longer, it is terminated "
+     "and an error is logged.",
      "mesh.load_timeout_seconds = 10", "mesh.load_timeout_seconds = 0",
      "1:29: mesh.load_timeout_seconds must be from 1 to 86400"},
     {"limits.record_megabytes", "a whole number from 1 to 1048576", "`1024`",
-     "How many megabytes of memory the sites of one list may take. A list that needs more is "
-     "refused (-104).",
+     "The number of megabytes of memory that the sites of one list may take. A list that needs "
+     "more is refused (-104).",
      "limits.record_megabytes = 256", "limits.record_megabytes = \"256\"",
      "1:27: limits.record_megabytes must be a whole number"},
     {"log.level", "a string", "`\"error\"`",
-     "The lowest level that is logged: `detail`, `info`, `error`, `internal-error` or `off`.",
+     "The lowest level that a process of the agent logs: `detail`, `info`, `error`, "
+     "`internal-error` or `off`. `sitelist` ignores this setting and has the option `--verbose`.",
      "log.level = \"info\"", "log.level = 2", "1:13: log.level must be a string"},
 };
 
@@ -68,7 +68,7 @@ void describe(ManualPage& page) {
   page.section("DESCRIPTION");
   page.paragraph(
       "The settings of one agent, in its data directory. The file is TOML in UTF-8, of at most 1 "
-      "MiB. `sitelist init` creates it; edit it by hand to change a setting.");
+      "MiB. `sitelist init` creates it. To change a setting, edit the file.");
   page.paragraph(
       "A setting that is not in the file has its default. Without the file, all settings have "
       "their defaults. A process reads the file once, when it first needs a setting.");
@@ -111,9 +111,10 @@ std::string settingsPage(const std::string& date) {
 
   page.section("DIAGNOSTICS");
   page.paragraph(
-      "If the file cannot be used, `sitelist` does nothing, prints the line and column of the "
-      "error, and exits with 3. A process of the agent uses the defaults and logs the same "
-      "error. Each of these lines is refused with the text below it:");
+      "If the file cannot be used, a command of `sitelist` that needs the agent does nothing and "
+      "exits with 3. It prints the reason, with line and column if the fault is in the text. A "
+      "process of the agent uses the defaults and logs the same reason. Each of these lines is "
+      "refused with the text below it:");
   std::vector<std::string> lines;
   for (const Setting& setting : c_settings) {
     if (!lines.empty()) lines.emplace_back();

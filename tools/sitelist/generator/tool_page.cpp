@@ -101,14 +101,15 @@ void files(ManualPage& page) {
     page.item("Pa " + roffLiteral(directory + name), what);
   };
   file("/agent.toml", "The settings of the agent.");
-  file("/etc/SiteList.xml",
-       "The agent's site list. The key files of its server are in the same directory.");
-  file("/ServerSiteList.xml", "The list that `sitelist server-list` stored.");
-  file("/mesh/SiteList.xml", "The mesh service's copy of the list.");
+  file("/etc/SiteList.xml", "The agent's own list. The key files are in the same directory.");
+  file("/ServerSiteList.xml", "The server list, which `sitelist server-list` stores.");
+  file("/mesh/SiteList.xml", "The mesh copy, the list for the mesh service.");
   file("/locks", "The lock files of the processes of the agent.");
-  file("/keystore", "The keys of the agent.");
+  file("/keystore", "The password key and the server key.");
   page.endList();
-  page.paragraph("With --agent-dir, all of these files are below that directory.");
+  page.paragraph(
+      "With --agent-dir, these files are below that directory. The setting `mesh.site_list_path` "
+      "may place the mesh copy elsewhere.");
 }
 
 std::string withSmallLetter(std::string text) {
@@ -131,9 +132,11 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
 
   page.section("DESCRIPTION");
   page.paragraph(
-      "A site list is the XML document that tells an endpoint agent which management server, "
+      "A site list is an XML document. It tells the agent of an endpoint which management server, "
       "repositories and proxy to use. `" +
-      program.name + "` prints lists, checks them, and changes the agent's own.");
+      program.name +
+      "` prints, checks and compares site lists. It also edits the agent's own list and other "
+      "lists.");
   page.paragraph(
       "Data goes to standard output and messages go to standard error. Control characters of a "
       "document are escaped, and passwords are masked.");
@@ -149,8 +152,9 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
 
   page.section("ENVIRONMENT");
   page.beginList();
-  page.item("Ev NO_COLOR",
-            "If this is set and not empty, tables have no colours unless --color is given.");
+  page.item(
+      "Ev NO_COLOR",
+      "If this is set and not empty, tables have no colours unless `--color always` is given.");
   page.item(
       "Ev TMPDIR",
       "The directory of temporary files, which are removed at the end. The default is `/tmp`.");

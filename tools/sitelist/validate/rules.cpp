@@ -37,77 +37,78 @@ const std::vector<Rule>& allRules() {
       error("over-limit", "the document is within the limits of size and depth",
             "A document far larger or deeper than any real list could take all of the agent's "
             "memory, so the agent refuses it.",
-            "Check where the document comes from; no real list is that large or deep.",
+            "Check where the document comes from. No real list is that large or deep.",
             "a million nested elements",
             "<ns:SiteLists>, <SiteList>, <HttpSite>, <RelativePath>: four", exitDocument),
       error("not-well-formed", "the document is well-formed XML without a DOCTYPE",
-            "The agent reads nothing from a document that is not XML. It also refuses a DOCTYPE: "
-            "no list needs one, and its entities can be used for attacks.",
-            "Fix the document at the reported place; the fault may begin a little before it.",
+            "The agent reads nothing from a document that is not XML. It also refuses a DOCTYPE. "
+            "No list needs one, and its entities can be used for attacks.",
+            "Fix the document at the reported place. The fault may begin a little before it.",
             "<RelativePath>Current</RelativPath>", "<RelativePath>Current</RelativePath>",
             exitDocument),
       error("unknown-site", "the last site element is of a known kind",
             "The kind of the last site decides the result of the whole read. The agent treats such "
             "a list as unreadable and refuses to import it.",
-            "Correct the name of the element; it is case-sensitive. The kinds are VestaSite, "
-            "KeystoneSite, HttpSite, FTPSite, UNCSite, LocalSite and ProxyConfigList.",
+            "Correct the name of the element. It is case-sensitive. The known elements are "
+            "VestaSite, KeystoneSite, HttpSite, FTPSite, UNCSite, LocalSite and ProxyConfigList.",
             R"(<HTTPSite Type="repository" Name="Depot" Server="depot.example:80"/>)",
             R"(<HttpSite Type="repository" Name="Depot" Server="depot.example:80"/>)",
             exitDocument),
       error("no-sites", "the list has at least one site",
-            "An agent with an empty list has no server and no repository, so an empty list is "
-            "never imported.",
+            "An agent with an empty list has no management server and no repository. It therefore "
+            "refuses an empty list.",
             "Put the sites into the first \"SiteList\" directly below the root element.",
             "<SiteList/>",
             R"(<SiteList><HttpSite Name="Depot" Server="depot.example:80"/></SiteList>)"),
       error("no-server", "the list has a management server",
-            "With such a list, a managed agent would no longer know its server.",
+            "With such a list, a managed agent would have no management server.",
             "Add a complete \"VestaSite\". For an agent that is not managed, use --unmanaged.",
             R"(<HttpSite Type="repository" Name="Depot" Server="depot.example:80"/>)",
             R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
       error("server-not-local", "the server is not local",
-            "Only one agent knows a local site, but all agents use the management server.",
+            "A local site is for one agent only. All agents use the management server.",
             "Set \"Local\" of the first \"VestaSite\" to 0, or remove it.",
             R"(<VestaSite Type="master" Name="Main" Local="1" Server="pyx.example:80"/>)",
             R"(<VestaSite Type="master" Name="Main" Local="0" Server="pyx.example:80"/>)"),
       error("server-kind-http", "the server is reached over HTTP",
             "The agent-to-server protocol uses HTTP. A list read from a document cannot break this "
             "rule, but records that a program creates can.",
-            "Set the kind of the server's record to HTTP.", "site.eSiteKind = SITE_KIND_FTP;",
-            "site.eSiteKind = SITE_KIND_HTTP;"),
+            "Set \"eSiteKind\" of the server's record to SITE_KIND_HTTP.",
+            "site.eSiteKind = SITE_KIND_FTP;", "site.eSiteKind = SITE_KIND_HTTP;"),
       error("server-type-master", "the server's type is \"master\"",
-            "The type is the role of a site. The management server is the master; sites of other "
+            "The type is the role of a site. The management server is the master. Sites of other "
             "types are for downloads.",
             "Set \"Type\" of the first \"VestaSite\" to \"master\".",
             R"(<VestaSite Type="repository" Name="Main" Server="pyx.example:80"/>)",
             R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
       error("server-element", "the server's element is \"VestaSite\"",
-            "The element shows that the site speaks the agent-to-server protocol. A list read from "
-            "a document cannot break this rule, but records that a program creates can.",
+            "The element shows that the site uses the agent-to-server protocol. A list read from a "
+            "document cannot break this rule, but records that a program creates can.",
             "Set the element of the record to \"VestaSite\".", "site.http.szElement = HttpSite",
             "site.http.szElement = VestaSite"),
       error("server-name", "the server has a name",
-            "Programs of the agent ask for the name of their server.",
+            "Processes of the agent read the name of their management server.",
             "Give the first \"VestaSite\" a \"Name\".",
             R"(<VestaSite Type="master" Name="" Server="pyx.example:80"/>)",
             R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
       error("server-address", "the server has an address",
-            "Programs of the agent use this address to reach their server.",
+            "Processes of the agent use this address to reach their management server.",
             "Give the first \"VestaSite\" a \"Server\", as HOST:PORT.",
             R"(<VestaSite Type="master" Name="Main" Server=":80"/>)",
             R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
       error("server-ip-address", "the server has an IP address",
-            "Programs of the agent use the IP address where the host name cannot be resolved.",
+            "Processes of the agent use the IP address if the host name cannot be resolved.",
             "Give the first \"VestaSite\" a \"ServerIP\". Write an IPv6 address in brackets.",
             R"(<VestaSite Type="master" Name="Main" ServerIP=""/>)",
             R"(<VestaSite Type="master" Name="Main" ServerIP="[2001:db8::10]:80"/>)"),
       error("server-computer-name", "the server has a computer name",
-            "Programs of the agent ask for the server's NetBIOS name as well as its two addresses.",
+            "Processes of the agent read the computer name of the management server and its two "
+            "addresses.",
             "Give the first \"VestaSite\" a \"ServerName\".",
             R"(<VestaSite Type="master" Name="Main" ServerName=""/>)",
             R"(<VestaSite Type="master" Name="Main" ServerName="PYX:80"/>)"),
       error("server-path", "the server has a path",
-            "The files that the agent fetches from its server are below this path.",
+            "The files that the agent downloads from its management server are below this path.",
             "Give the first \"VestaSite\" a \"RelativePath\".",
             "<VestaSite><RelativePath/></VestaSite>",
             "<VestaSite><RelativePath>Software</RelativePath></VestaSite>"),
@@ -119,8 +120,8 @@ const std::vector<Rule>& allRules() {
             "incoming: SiteList.xml srpubkey.bin",
             "incoming: SiteList.xml srpubkey.bin reqseckey.bin"),
       error("server-public-key", "a server with a version has its public key",
-            "The agent uses this key to check that an answer comes from its server. The server "
-            "sends the key with the list.",
+            "The agent uses this key to check that an answer comes from its management server. The "
+            "server sends the key with the list.",
             "Put a srpubkey.bin or sr2048pubkey.bin that is not empty into the directory of the "
             "list.",
             "incoming: SiteList.xml reqseckey.bin",
@@ -132,53 +133,56 @@ const std::vector<Rule>& allRules() {
               "Validate the file itself, in the directory from which it will be imported.",
               "sitelist validate - <incoming/SiteList.xml",
               "sitelist validate incoming/SiteList.xml"),
-      warning("root-element", "the root is \"ns:SiteLists\" with xmlns:ns=\"wxSiteList\"",
-              "The agent reads a list with any root element, but only edits a list with this one. "
-              "`sitelist edit`, `sitelist modify` and `sitelist derive-server-list` refuse others.",
-              "Name the root \"ns:SiteLists\" and give it xmlns:ns=\"wxSiteList\".",
-              R"(<SiteLists GlobalVersion="20260914083012">)",
-              R"(<ns:SiteLists xmlns:ns="wxSiteList" GlobalVersion="20260914083012">)"),
+      warning(
+          "root-element", "the root is \"ns:SiteLists\" with xmlns:ns=\"wxSiteList\"",
+          "The agent reads a list with any root element, so such a list is valid. It edits only "
+          "a list with this root. `sitelist edit`, `sitelist modify` and `sitelist "
+          "derive-server-list` refuse any other root.",
+          "Name the root \"ns:SiteLists\" and give it xmlns:ns=\"wxSiteList\".",
+          R"(<SiteLists GlobalVersion="20260914083012">)",
+          R"(<ns:SiteLists xmlns:ns="wxSiteList" GlobalVersion="20260914083012">)"),
       warning("missing-global-version", "the root has a \"GlobalVersion\"",
               "Agents and servers compare this version to find out whether an agent has the latest "
-              "list. The agent replaces a missing version by one of its own.",
+              "list. The agent replaces a missing version with one of its own.",
               "Add the version of the list to the root element.",
               R"(<ns:SiteLists xmlns:ns="wxSiteList">)",
               R"(<ns:SiteLists xmlns:ns="wxSiteList" GlobalVersion="20260914083012">)"),
       warning("policies-after-sites", "\"Policies\" is before \"SiteList\"",
-              "Reading ends with the first \"SiteList\"; settings after it are not loaded.",
+              "Reading ends with the first \"SiteList\". Settings after it are ignored.",
               "Move \"Policies\" before \"SiteList\".", "<SiteList/><Policies/>",
               "<Policies/><SiteList/>"),
       warning("second-site-list", "there is one \"SiteList\"",
-              "Only the first one is read; the agent does not see the sites of the others.",
+              "Only the first one is read. The agent ignores the sites of the others.",
               "Put all sites into one \"SiteList\".", "<SiteList/><SiteList/>", "<SiteList/>"),
       warning(
           "second-ca-bundle", "there is one \"CaBundle\"",
-          "Only the first one is read; the agent does not trust the certificates of the others.",
+          "Only the first one is read. The agent does not trust the certificates of the others.",
           "Put all certificates into one \"CaBundle\".", "<CaBundle/><CaBundle/>", "<CaBundle/>"),
       warning(
           "second-proxy-config", "a \"ProxyConfigList\" has one \"ProxyConfig\"",
           "The last one replaces all others completely.", "Keep the right one.",
           R"(<ProxyConfigList><ProxyConfig Name="A"/><ProxyConfig Name="B"/></ProxyConfigList>)",
           R"(<ProxyConfigList><ProxyConfig Name="B"/></ProxyConfigList>)"),
-      warning("unknown-element", "every element of \"SiteList\" is a site",
-              "An unknown element becomes an empty site. An import writes it back as an HTTP site "
-              "without name and address.",
-              "Correct the name of the element; it is case-sensitive.",
-              R"(<FtpSite Type="repository" Name="Files" Server="ftp.example:21"/>)",
-              R"(<FTPSite Type="repository" Name="Files" Server="ftp.example:21"/>)"),
+      warning(
+          "unknown-element", "every element of \"SiteList\" is a site",
+          "An unknown element becomes an empty site. An import writes this site as an HTTP site "
+          "without name and address.",
+          "Correct the name of the element. It is case-sensitive.",
+          R"(<FtpSite Type="repository" Name="Files" Server="ftp.example:21"/>)",
+          R"(<FTPSite Type="repository" Name="Files" Server="ftp.example:21"/>)"),
       warning(
           "unknown-child", "every child element is known",
           "The agent does not read an unknown element, and an import drops it.",
-          "Correct the name of the element; it is case-sensitive.",
+          "Correct the name of the element. It is case-sensitive.",
           R"(<HttpSite Name="Depot" Server="depot.example:80"><Path>Current</Path></HttpSite>)",
           R"(<HttpSite Name="Depot" Server="depot.example:80"><RelativePath>Current</RelativePath></HttpSite>)"),
       warning("unknown-attribute", "every attribute is known",
               "The agent does not read an unknown attribute, and an import drops it.",
-              "Correct the name of the attribute; it is case-sensitive.",
+              "Correct the name of the attribute. It is case-sensitive.",
               R"(<HttpSite Name="Depot" Oder="3" Server="depot.example:80"/>)",
               R"(<HttpSite Name="Depot" Order="3" Server="depot.example:80"/>)"),
       warning("repeated-child", "a site has each child element once",
-              "Only the last one is used; the others are lost.", "Keep the right one.",
+              "Only the last one is used. The others are lost.", "Keep the right one.",
               "<LocalSite "
               "Name=\"Disk\"><RelativePath>/a</RelativePath><RelativePath>/b</RelativePath></"
               "LocalSite>",
@@ -192,14 +196,14 @@ const std::vector<Rule>& allRules() {
               R"(<UNCSite Type="repository" Name="Offices"/>)",
               R"(<UNCSite Type="repository" Name="Offices" Server="FILES01"/>)"),
       warning("duplicate-name", "no two sites of one kind share a name",
-              "The name does not identify one of them.", "Give each site a name of its own.",
+              "The name alone does not identify a site.", "Give each site a name of its own.",
               R"(<LocalSite Name="Disk"/><LocalSite Name="Disk"/>)",
               R"(<LocalSite Name="Disk"/><LocalSite Name="Disk 2"/>)"),
       warning(
           "duplicate-order", "no two enabled sites share an order",
-          "The list does not say which of them is tried first. If several management servers have "
-          "one order, programs are given only the first. A missing \"Order\" is read as 0, or as "
-          "65535 for a fallback site.",
+          "Sites with the same order are tried in the order of the list. That may not be intended. "
+          "If several management servers have the same order, the library returns only the first "
+          "one. A missing \"Order\" is read as 0, or as 65535 for a fallback site.",
           "Give each enabled site its own \"Order\". A mirror has no place in the search order and "
           "needs none.",
           R"(<LocalSite Name="A" Enabled="1" Order="2"/><LocalSite Name="B" Enabled="1" Order="2"/>)",
@@ -235,7 +239,8 @@ const std::vector<Rule>& allRules() {
           "password-form", "a password is encrypted",
           "A password that is not encrypted is read as an empty one, even if it is marked as "
           "encrypted. A clear password must not be in a document.",
-          "Encrypt the password with `sitelist protect`, on the agent that will read it.",
+          "Encrypt the password with `sitelist protect` and the password key of the agent that "
+          "will read it.",
           R"(<LocalSite Name="Disk"><Password Encrypted="1">secret</Password></LocalSite>)",
           R"(<LocalSite Name="Disk"><Password Encrypted="1">AQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEB</Password></LocalSite>)"),
       warning(
@@ -245,12 +250,14 @@ const std::vector<Rule>& allRules() {
           "Write the port into \"HttpProxyPort\" or \"FtpProxyPort\".",
           R"(<ProxyConfigList><ProxyConfig HttpProxyServer="proxy.example:3128"/></ProxyConfigList>)",
           R"(<ProxyConfigList><ProxyConfig HttpProxyServer="proxy.example" HttpProxyPort="3128"/></ProxyConfigList>)"),
-      warning("exclusions-cut", "the exclusion hosts fit into 3999 characters",
-              "The agent keeps all hosts of a proxy in one text, separated by semicolons. A host "
-              "that does not fit is dropped, and the agent reaches it through the proxy.",
-              "Shorten the list, for example with wildcards such as *.example.",
-              "<ExclusionHost>host-400.branch.example</ExclusionHost> as the last of 400 hosts",
-              "<ExclusionHost>*.branch.example</ExclusionHost>"),
+      warning(
+          "exclusions-cut", "the exclusion hosts fit into one text",
+          "The agent keeps all hosts of a proxy in one text of at most 3999 characters, "
+          "separated by semicolons. A single host has at most 3998. A host that does not fit is "
+          "dropped, and the agent reaches it through the proxy.",
+          "Shorten the list, for example with wildcards such as *.example.",
+          "<ExclusionHost>host-400.branch.example</ExclusionHost> as the last of 400 hosts",
+          "<ExclusionHost>*.branch.example</ExclusionHost>"),
       warning("certificate-unreadable", "every CA certificate can be read",
               "The text cannot be used as a certificate, so the agent does not trust the servers "
               "that depend on it.",
@@ -260,7 +267,7 @@ const std::vector<Rule>& allRules() {
               "CERTIFICATE-----</CaCertificate>"),
       warning("certificate-expired", "no CA certificate has expired",
               "The agent no longer accepts servers whose certificates depend on it.",
-              "Replace it by the new certificate of the authority.",
+              "Replace it with the new certificate of the authority.",
               "<CaCertificate> with a \"valid until\" in the past (see `sitelist certs`)",
               "<CaCertificate> with a \"valid until\" in the future"),
   };

@@ -37,20 +37,20 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_RUNTIME_DEPENDS host)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
-    "library that owns an endpoint agent's site list
-The site list names every place that an endpoint management agent talks to:
-its management server, repositories, other agents, all perhaps through a
-proxy. This library reads and writes it for every process of the agent, and
-merges, checks, imports, installs and edits lists.")
+    "library for the site list of an endpoint agent
+A site list is an XML document. It tells the agent of an endpoint which
+management server, repositories and proxy to use. This library reads, writes,
+merges, checks, imports, installs and edits site lists for every process of
+the agent.")
 
 set(CPACK_DEBIAN_HOST_PACKAGE_NAME libsitehlp-host${SITEHLP_ABI})
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_HOST_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/triggers)
 set(CPACK_COMPONENT_HOST_DESCRIPTION
     "platform for the site list library without the agent
-Files, logs, settings, locks between processes, XML documents and the crypto
-service that ${runtime_package} needs, for machines on which the agent's own
-libraries are not installed.")
+This library implements everything that ${runtime_package} needs from the agent:
+files, logs, settings, locks between processes, XML documents and the crypto
+service. It is for machines without the agent's own libraries.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libsitehlp-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -58,8 +58,8 @@ set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime host)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS sitehlp-doc)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "development files of the site list library
-Headers, the links for the linker, the CMake package sitehlp and the
-pkg-config file of ${runtime_package}.")
+This package contains the headers, the links for the linker, the CMake package
+sitehlp and the pkg-config file of ${runtime_package}.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME sitelist)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION admin)
@@ -67,18 +67,17 @@ set(CPACK_COMPONENT_TOOL_DEPENDS runtime host)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS sitehlp-doc)
 set(CPACK_COMPONENT_TOOL_DESCRIPTION
     "show, check and change the site list of an endpoint agent
-Tells which management servers, repositories and proxies an endpoint will
-use and in which order, compares and checks site lists, imports them with
-their key files, and edits them. Prints tables, JSON, CSV and XML; masks
-passwords.")
+This tool shows which management servers, repositories and proxies an endpoint
+uses, and in which order. It compares, checks, imports and edits site lists.
+It prints tables, JSON, CSV and XML, and it masks passwords.")
 
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME sitehlp-doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION
     "documentation of the site list library and its tool
-Guides, the format of the document, the threat model, the reference of the
-headers, and example lists with their key files.")
+This package contains guides, the format of the document, the threat model, the
+reference of the headers, and example lists with their key files.")
 
 # What the scripts need to know: who is the same for every architecture, who may stand beside itself.
 set(CPACK_SITEHLP_MULTI_ARCH "same;${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}"

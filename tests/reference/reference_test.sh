@@ -45,7 +45,7 @@ case $1 in
   reference)
     make_reference || fail "$(cat said)"
     [ ! -s said ] || fail "$(cat said)"
-    shows index.html "what a call takes and gives"
+    shows index.html "the inputs, outputs, ownership and failures of each call"
     shows classsitehlp_1_1CSitesHelper.html 'when the last site element is of unknown kind'
     shows classsitehlp_1_1CSitesHelper.html 'the first "&lt;CaBundle&gt;" tag'
     shows classsitehlp_1_1CSitesHelper.html 'Their log lines have the component "StSHlp"'

@@ -44,8 +44,8 @@ void addDeriveServerList(Command& app, Context& context) {
                   "The directory of ServerSiteList.xml\n(default: SOURCE_DIR)")
       .type_name("");
   command.footer(
-      "Copies SiteList.xml without the sites of the kinds http, ftp, unc and local whose\n"
-      "\"Local\" is \"1\". Everything else in the document is unchanged.\n"
+      "Copies SiteList.xml without the sites of the kinds http, ftp, unc and local that\n"
+      "have Local=\"1\". Everything else in the document is unchanged.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"

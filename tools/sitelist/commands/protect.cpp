@@ -27,8 +27,8 @@ void addProtect(Command& app, Context& context) {
   Command command = app.add_subcommand("protect", "Encrypt a password and print the result");
   command.footer(
       "The command reads the clear password from the first line of standard input.\n"
-      "Only an agent with the same password key can decrypt the result. Put it unchanged\n"
-      "into a \"Password\" element, without white space around it.\n"
+      "Only an agent with the same password key can decrypt the result. Put it\n"
+      "unchanged into a \"Password\" element, without white space around it.\n"
       "\n"
       "Examples:\n"
       "  sitelist protect\n"

@@ -9,8 +9,8 @@ void addImport(Command& app, Context& context) {
   options->isChecked = true;
   addIncomingOptions(command, *options);
   command.footer(
-      "The management server is checked when the agent is under central management;\n"
-      "see `sitelist validate --help`.\n"
+      "If the agent is managed, the management server is checked as well; see `sitelist\n"
+      "validate --help`.\n"
       "\n"
       "Examples:\n"
       "  sitelist import incoming/SiteList.xml\n"

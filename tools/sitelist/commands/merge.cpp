@@ -95,8 +95,7 @@ void addMerge(Command& app, Context& context) {
   command.add_option("--first", options->first, "The first list").type_name("FILE");
   command.add_option("--second", options->second, "The second list").type_name("FILE");
   command
-      .add_option("--output", options->output,
-                  "Where to write the result (default: standard output)")
+      .add_option("--output", options->output, "The file for the result (default: standard output)")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
                    "Show the changes from the second list (without --second,\n"

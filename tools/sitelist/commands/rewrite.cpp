@@ -38,7 +38,7 @@ void addRewrite(Command& app, Context& context) {
       .required()
       .type_name("")
       .completes(Completion::File);
-  command.add_option("DST", options->destination, "Where to write it")
+  command.add_option("DST", options->destination, "The file for the result")
       .required()
       .type_name("")
       .completes(Completion::File);

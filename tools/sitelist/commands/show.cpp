@@ -171,7 +171,7 @@ void addShow(Command& app, Context& context) {
                     "Only sites whose kind, type or name matches; * matches any\n"
                     "characters and ? matches one. With kind=, type= or name=\n"
                     "in front, only that field is compared. This option may be\n"
-                    "repeated; all patterns must match.")
+                    "repeated. All patterns must match.")
       .type_name("PATTERN");
   command.add_flag("--wide", options->wide, "Do not cut columns to fit the terminal");
   command.add_flag("--show-secrets", options->showSecrets,

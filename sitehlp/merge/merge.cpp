@@ -23,7 +23,7 @@ bool isKept(const tag_Site& site, bool skipProxy) {
 
 // What MergeThisSiteList makes of the list into an empty result, without copies: the list was read
 // for this merge, so nobody else knows its records.
-void handOn(ListOwner& list, tag_Site** tail, tag_Site** head) {
+void moveIntoResult(ListOwner& list, tag_Site** tail, tag_Site** head) {
   const ADetailTrace trace(c_component, L"Merge this sitelist");
   *head = list.release();
   tag_Site* last = *head;
@@ -85,7 +85,7 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
   if (!useSecond) {
     result = ReadSiteList(std::wstring(), current.out(), true);
     if (result >= 0 && current.get()) {
-      handOn(current, &tail, finalList);
+      moveIntoResult(current, &tail, finalList);
       result = c_success;
     }
     if (first) carryOver(*this, first, &tail, finalList, result);

@@ -51,7 +51,7 @@ void addAddress(ElementWriter& writer, const wchar_t* name, const wchar_t (&host
 }
 
 template <typename... Fields>
-void expect(const Fields&... fields) {
+void prefetch(const Fields&... fields) {
   (__builtin_prefetch(&fields), ...);
 }
 
@@ -177,32 +177,32 @@ bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
   return true;
 }
 
-void expectHead(const tag_Site& site) { expect(site, site.pNext); }
+void prefetchHead(const tag_Site& site) { prefetch(site, site.pNext); }
 
-void expectRecord(const tag_Site& site) {
+void prefetchRecord(const tag_Site& site) {
   const std::optional<Kind> kind = kindOf(site);
   if (!kind) return;
   switch (*kind) {
     case Kind::Http: {
       const tag_HttpSite& http = site.http;
-      return expect(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
-                    http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
-                    http.szPassword, http.szVersion, http.uSecurePort);
+      return prefetch(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
+                      http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
+                      http.szPassword, http.szVersion, http.uSecurePort);
     }
     case Kind::Ftp: {
       const tag_FtpSite& ftp = site.ftp;
-      return expect(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
-                    ftp.uServerPort);
+      return prefetch(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
+                      ftp.uServerPort);
     }
     case Kind::Unc: {
       const tag_UncSite& unc = site.unc;
-      return expect(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName, unc.szUserName,
-                    unc.szPassword, unc.iUseLoggedonUserAccount);
+      return prefetch(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName,
+                      unc.szUserName, unc.szPassword, unc.iUseLoggedonUserAccount);
     }
     case Kind::Local: {
       const tag_LocalSite& local = site.local;
-      return expect(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
-                    local.szPassword, local.iUseLoggedonUserAccount);
+      return prefetch(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
+                      local.szPassword, local.iUseLoggedonUserAccount);
     }
     case Kind::Proxy:
       return;  // rare, and its fields are too many to ask for at once

@@ -22,8 +22,8 @@ bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer);
 // head, then for the record of its kind. The fields lie so far apart that a long list takes a
 // quarter longer to write without this. What is asked for was chosen by measurement: with every row
 // of the tables, writing takes a tenth longer. A field that is missing there is only read later.
-void expectHead(const tag_Site& site);
-void expectRecord(const tag_Site& site);
+void prefetchHead(const tag_Site& site);
+void prefetchRecord(const tag_Site& site);
 
 // An element with the protected form of a clear password, marked as encrypted. A password that
 // cannot be protected is written as empty.

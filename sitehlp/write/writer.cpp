@@ -71,11 +71,11 @@ void writePolicies(ElementWriter& writer, const PolicySettings& policySettings) 
   writer.close();
 }
 
-void expectNext(const tag_Site& site) {
+void prefetchNext(const tag_Site& site) {
   const tag_Site* const next = site.pNext;
   if (!next) return;
-  expectRecord(*next);
-  if (next->pNext) expectHead(*next->pNext);
+  prefetchRecord(*next);
+  if (next->pNext) prefetchHead(*next->pNext);
 }
 
 // Elements that a reader takes for sites of unknown kind, and records, which it has to hold: it
@@ -99,7 +99,7 @@ void writeSites(CSitesHelper& helper, tag_Site* list, ElementWriter& writer, int
   writer.addAttribute(WX_XML_SITELIST_DEFAULT, L"1");
   writer.addAttribute(WX_XML_SITE_NAME, L"SomeGUID");
   for (tag_Site* site = list; site; site = site->pNext) {
-    expectNext(*site);
+    prefetchNext(*site);
     result = writeSite(helper, *site, writer) ? c_success : c_errorGeneral;
     // What follows a first record of no known kind stands behind the list that it is not in.
     if (site == list && result != c_success) writer.close();

@@ -38,13 +38,16 @@ int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {
   const host::AgentSettings& settings = host::agent();
   const std::vector<std::string>& command = settings.meshLoadCommand;
   if (command.empty()) {
-    logError(host::c_logComponent, AString(L"No mesh service load command is configured"));
+    logError(host::c_logComponent,
+             AString(L"The mesh service did not load the list: no load command is set; next: set "
+                     L"mesh.load_command in agent.toml"));
     return 0;
   }
   host::OutputLines output(logLine);
   const std::string failure = host::runCommand(command, settings.meshLoadTimeoutSeconds, output);
   if (failure.empty()) return 1;
-  const std::string text = "Mesh service load command " + command.front() + " failed: " + failure;
+  const std::string text = "Mesh service load command " + command.front() + " failed: " + failure +
+                           "; next: run the command by hand; the log has its output";
   logError(host::c_logComponent, AString(text.c_str()));
   return 0;
 }

@@ -178,6 +178,21 @@ std::vector<std::string> settingNames() {
   return names;
 }
 
+namespace {
+
+// The parser's words are those of a grammar: "Error while parsing key-value pair: expected '=', saw
+// 'y'".
+std::string syntaxError(std::string_view description) {
+  if (description.find("expected '='") != std::string_view::npos) {
+    return "the line is not KEY = VALUE";
+  }
+  constexpr std::string_view start = "Error while parsing ";
+  if (description.substr(0, start.size()) == start) description.remove_prefix(start.size());
+  return "not valid TOML: " + std::string(description);
+}
+
+}  // namespace
+
 AgentSettings readAgentSettings(const std::string& dataDirectory) {
   AgentSettings settings;
   settings.dataDirectory = fullDirectory(dataDirectory);
@@ -192,7 +207,7 @@ AgentSettings readAgentSettings(const std::string& dataDirectory) {
   try {
     reader.read(toml::parse(bytes));
   } catch (const toml::parse_error& fault) {
-    reader.fail(fault.source(), std::string(fault.description()));
+    reader.fail(fault.source(), syntaxError(fault.description()));
   }
   return settings;
 }

@@ -27,8 +27,7 @@ void requireUsableLength(const std::string& dataDirectory) {
   if (length <= c_mostCharacters) return;
   throw SettingsError("the data directory " + dataDirectory + " is too long: with " +
                       c_longestBelow + " it has " + std::to_string(length) +
-                      " characters; at most " + std::to_string(c_mostCharacters) +
-                      " are allowed; use a shorter path");
+                      " characters; at most " + std::to_string(c_mostCharacters) + " are allowed");
 }
 
 std::string pathFrom(const std::string& directory, const std::string& path) {

@@ -80,12 +80,16 @@ bool isOursAlone(const struct stat& status, const std::string& path) {
 void makePrivate(int fd, const struct stat& status, const std::string& path) {
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
   if (!isOursAlone(status, path)) {
-    logInfo(c_cryptoComponent, message(path, L"open to other users, and not ours to close"));
+    logInfo(c_cryptoComponent, message(path,
+                                       L"other users can open it, and its mode was not changed; "
+                                       L"next: set its mode to 0600"));
   } else if (fileSystem().chmod(fd, c_keyMode) == 0) {
     logInfo(c_cryptoComponent, message(path, L"was open to other users; its mode is 0600 now"));
   } else {
     logInfo(c_cryptoComponent,
-            message(path, L"open to other users, and its mode cannot be changed"));
+            message(path,
+                    L"other users can open it, and its mode cannot be changed; next: set its "
+                    L"mode to 0600"));
   }
 }
 
@@ -120,12 +124,16 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
   // Non-blocking, or opening a pipe would wait for its writer.
   const Descriptor file(
       fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0));
-  if (file.error() == ELOOP) return fail(path, L"refused, it is a symbolic link");
+  if (file.error() == ELOOP) {
+    return fail(path, L"refused, it is a symbolic link; next: replace the link by the key file");
+  }
   if (file.error()) return fail(path, L"cannot be opened", file.error());
   struct stat status;
   int failed = fileSystem().statOpen(file.get(), status);
   if (failed) return fail(path, L"cannot be examined", -failed);
-  if (!S_ISREG(status.st_mode)) return fail(path, L"refused, it is not a regular file");
+  if (!S_ISREG(status.st_mode)) {
+    return fail(path, L"refused, it is not a regular file; next: restore the agent's key file");
+  }
   makePrivate(file.get(), status, path);
 
   SecretBytes bytes(c_keySize + 1);
@@ -135,7 +143,12 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
     count = fileSystem().read(file.get(), bytes.data() + size, bytes.size() - size);
     if (count < 0) return fail(path, L"cannot be read", static_cast<int>(-count));
   }
-  if (size != c_keySize) return fail(path, L"does not have the size of a key");
+  if (size != c_keySize) {
+    const std::wstring found = size < c_keySize ? std::to_wstring(size) : L"more than 32";
+    return fail(path,
+                (L"has " + found + L" bytes, but a key has 32; next: restore the agent's key file")
+                    .c_str());
+  }
   bytes.resize(c_keySize);
 
   failed = fileSystem().statOpen(file.get(), status);

@@ -48,9 +48,7 @@ int PathWalk::follow(const std::string& name, std::string& target) {
   if (const int failed = fileSystem().readLink(from, name, target, link)) return -failed;
   if (m_links == Links::OfCallerOrRoot && link.st_uid != 0 && link.st_uid != ::geteuid()) {
     m_refusal = "the symbolic link " + m_at + name + " belongs to user " +
-                std::to_string(link.st_uid) +
-                ", and only links of this process's user and of root are followed; remove the link "
-                "or give it to root";
+                std::to_string(link.st_uid) + " and is not followed";
     return EPERM;
   }
   if (target.empty()) return ENOENT;
@@ -105,7 +103,9 @@ int PathWalk::find(const std::string& path) {
 
 int PathWalk::reported(const char* what, const std::string& path, int error) const {
   if (!m_refusal.empty()) {
-    logError(c_logComponent, AString((std::string(what) + " " + path + ": " + m_refusal).c_str()));
+    const std::string text =
+        std::string(what) + " " + path + ": " + m_refusal + "; next: " + c_adviceOnRefusal;
+    logError(c_logComponent, AString(text.c_str()));
   }
   return error;
 }

@@ -35,8 +35,9 @@ class PathWalk {
   // Null when nothing has that name.
   const struct stat* found() const { return m_exists ? &m_found : nullptr; }
 
-  // Which link was not followed, whose it is and what to do about it. Empty for other failures.
+  // Which link was not followed, and whose it is. Empty for other failures.
   const std::string& refusal() const { return m_refusal; }
+  static constexpr const char* c_adviceOnRefusal = "remove the link, or make root its owner";
   // Logs a refusal as an error, after `what` and the path. Returns `error`.
   int reported(const char* what, const std::string& path, int error) const;
 

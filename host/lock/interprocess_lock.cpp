@@ -48,7 +48,8 @@ std::atomic<unsigned int> g_handOver{0};
 void logFailure(const LockFailure& failure, int error) {
   const std::string reason = failure.reason.empty() ? host::errorText(error) : failure.reason;
   const std::string text = "Cannot lock " + failure.path + ": " + reason +
-                           "; an operation that goes on is not protected from other processes";
+                           ". An operation that continues is not protected from other processes" +
+                           (failure.advice.empty() ? "" : "; next: " + failure.advice);
   logError(host::c_logComponent, AString(text.c_str()));
 }
 
@@ -87,6 +88,7 @@ int LockImpl::tryFiles(LockMode mode, const Patience& patience) {
   } else {
     failure.path = std::move(taken->main.path);
     failure.reason.clear();
+    failure.advice.clear();
     LockPool::instance().discard(taken);
   }
   return error;

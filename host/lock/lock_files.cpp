@@ -39,6 +39,7 @@ int enterDirectory(const std::string& path, PathWalk& walk, LockFailure& failure
     if (error == ENOENT) return ESTALE;
   }
   failure.reason = walk.refusal();
+  if (!failure.reason.empty()) failure.advice = PathWalk::c_adviceOnRefusal;
   return error;
 }
 
@@ -73,9 +74,11 @@ int openFile(int directory, const std::string& name, LockFiles::File& file, Lock
     if (error == ENOENT) return ESTALE;
   }
   if (error == ELOOP) {
-    failure.reason = "it is a symbolic link, which is never used as a lock file; remove the link";
+    failure.reason = "it is a symbolic link, which is never used as a lock file";
+    failure.advice = "remove the link";
   } else if (error == EINVAL) {
-    failure.reason = "it is not a regular file; remove it";
+    failure.reason = "it is not a regular file";
+    failure.advice = "remove it";
   }
   return error;
 }

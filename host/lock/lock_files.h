@@ -25,11 +25,12 @@ struct LockFiles {
   void close();
 };
 
-// Why lock files cannot be opened: the path that it happened with, and the reason where the errno
-// does not say enough.
+// Why lock files cannot be opened: the path that it happened with, and the reason and what to do
+// where the errno does not say enough.
 struct LockFailure {
   std::string path;
   std::string reason;
+  std::string advice;
 };
 
 // Opens the files of the lock `name` in the agent's lock directory, and makes what is missing for

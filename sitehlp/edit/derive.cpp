@@ -48,8 +48,7 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
   // A link from one name to the other would have the client list lose its local sites.
   if (AFiler::isSameFile(targetPath, sourcePath)) {
     logCause(L"Server site list not written: " + targetPath + L" and " + sourcePath +
-             L" lead to the same file, or that cannot be told; remove the symbolic link between "
-             L"them");
+             L" may be the same file; next: remove the symbolic link between them");
     return false;
   }
   return writeLocked(document, targetPath);

@@ -21,6 +21,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+const std::string c_advice = "; next: run the command by hand; the log has its output";
+
 int load() {
   return MeshServiceStartupControl::GetInstance(nullptr, nullptr)->RunMeshServiceLoadSiteListCmd();
 }
@@ -72,18 +74,21 @@ TEST_F(MeshService, HandsArgumentsOverAsTheyAre) {
 
 TEST_F(MeshService, FailsWithoutACommand) {
   EXPECT_EQ(loadWith({}), 0);
-  EXPECT_EQ(onlyError(), "No mesh service load command is configured");
+  EXPECT_EQ(onlyError(),
+            "The mesh service did not load the list: no load command is set; next: set "
+            "mesh.load_command in agent.toml");
 }
 
 TEST_F(MeshService, FailsWhenTheCommandCannotBeStarted) {
   EXPECT_EQ(loadWith({"/no/such/command"}), 0);
   EXPECT_EQ(onlyError(),
             "Mesh service load command /no/such/command failed: it cannot be started: "
-            "No such file or directory");
+            "No such file or directory" +
+                c_advice);
   test::writeFile(out(), "not executable", 0644);
   EXPECT_EQ(loadWith({out()}), 0);
   EXPECT_EQ(onlyError(), "Mesh service load command " + out() +
-                             " failed: it cannot be started: Permission denied");
+                             " failed: it cannot be started: Permission denied" + c_advice);
 }
 
 TEST_F(MeshService, LooksForNoCommandInThePath) {
@@ -93,9 +98,11 @@ TEST_F(MeshService, LooksForNoCommandInThePath) {
 
 TEST_F(MeshService, FailsWhenTheCommandFails) {
   EXPECT_EQ(loadWithScript("exit 3"), 0);
-  EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it ended with status 3");
+  EXPECT_EQ(onlyError(),
+            "Mesh service load command /bin/sh failed: it ended with status 3" + c_advice);
   EXPECT_EQ(loadWithScript("kill -TERM $$"), 0);
-  EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it was ended by signal 15");
+  EXPECT_EQ(onlyError(),
+            "Mesh service load command /bin/sh failed: it was ended by signal 15" + c_advice);
 }
 
 TEST_F(MeshService, LogsNoArguments) {
@@ -113,7 +120,8 @@ TEST_F(MeshService, WorksInAProcessThatIgnoresTheEndOfChildren) {
     ASSERT_EQ(::sigaction(SIGCHLD, &action, &before), 0);
     for (int i = 0; i < 10; ++i) EXPECT_EQ(loadWithScript("exit 0"), 1);
     EXPECT_EQ(loadWithScript("exit 3"), 0);
-    EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it ended with status 3");
+    EXPECT_EQ(onlyError(),
+              "Mesh service load command /bin/sh failed: it ended with status 3" + c_advice);
     ::sigaction(SIGCHLD, &before, nullptr);
   }
 }
@@ -132,7 +140,8 @@ TEST_F(MeshService, WorksBesideThreadsThatReapEveryChild) {
   EXPECT_EQ(loadWithScript("exit 3"), 0);
   done = true;
   for (std::thread& reaper : reapers) reaper.join();
-  EXPECT_EQ(onlyError(), "Mesh service load command /bin/sh failed: it ended with status 3");
+  EXPECT_EQ(onlyError(),
+            "Mesh service load command /bin/sh failed: it ended with status 3" + c_advice);
 }
 
 TEST_F(MeshService, LeavesNoChildBehind) {
@@ -146,7 +155,8 @@ TEST_F(MeshService, FailsWhenTheEndOfTheCommandCannotBeKnown) {
   EXPECT_EQ(loadWithScript("kill -KILL $PPID"), 0);
   EXPECT_EQ(onlyError(),
             "Mesh service load command /bin/sh failed: its end is not known, because the process "
-            "that waited for it was ended");
+            "that waited for it was ended" +
+                c_advice);
 }
 
 // The first one ends when it is asked to, the second only when it is killed. A busy machine may not
@@ -163,7 +173,7 @@ TEST_F(MeshService, EndsACommandThatRunsTooLongAndAllThatItStarted) {
       EXPECT_THAT(
           agent.texts(LogLevel::Error),
           ElementsAre(L"Mesh service load command /bin/sh failed: it exceeded the limit of " +
-                      std::to_wstring(limit) + L" s and was ended"));
+                      std::to_wstring(limit) + L" s and was ended" + test::wide(c_advice)));
       printed = agent.texts(LogLevel::Info);
     }
     ASSERT_THAT(printed, ElementsAre(L"Mesh service load command: begun"));

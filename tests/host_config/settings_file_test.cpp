@@ -181,6 +181,8 @@ TEST_F(SettingsFile, TakesNumbersFromOneToTheirLimit) {
 }
 
 TEST_F(SettingsFile, RefusesWhatIsNoToml) {
+  EXPECT_EQ(fault("managed yes\n"), file + ":1:9: the line is not KEY = VALUE");
+  EXPECT_THAT(fault("managed = maybe\n"), StartsWith(file + ":1:11: not valid TOML: value: "));
   EXPECT_THAT(fault("managed = true\nmanaged ="), StartsWith(file + ":2:"));
   EXPECT_THAT(fault("managed = true\nmanaged = true"), StartsWith(file + ":2:"));
   EXPECT_THAT(fault("log.level = \"\xFF\""), StartsWith(file + ":1:"));

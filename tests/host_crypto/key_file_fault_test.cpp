@@ -128,7 +128,7 @@ TEST(KeyFileFault, OpenKeyFileOfAnotherUserIsUsedAsItIsAndReported) {
   ASSERT_EQ(::stat(path.c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 07777, 0640u);
   ASSERT_FALSE(agent.texts(LogLevel::Info).empty());
-  EXPECT_NE(agent.texts(LogLevel::Info)[0].find(L"not ours to close"), std::wstring::npos);
+  EXPECT_NE(agent.texts(LogLevel::Info)[0].find(L"its mode was not changed"), std::wstring::npos);
 }
 
 TEST(KeyFileFault, OpenKeyFileThatCannotBeClosedIsUsedAndReported) {

@@ -120,7 +120,9 @@ TEST_F(KeyFile, OpenToOthersIsNotTouchedWhereItMayBeAnotherFileOfOurs) {
     EXPECT_TRUE(canEncrypt());
     EXPECT_EQ(modeOf(m_path), 0644u);
     ASSERT_EQ(m_agent.messages().size(), 1u);
-    EXPECT_NE(m_agent.messages()[0].text.find(L"not ours to close"), std::wstring::npos);
+    EXPECT_NE(m_agent.messages()[0].text.find(
+                  L": other users can open it, and its mode was not changed; next: set its mode"),
+              std::wstring::npos);
   };
   test::writeFile(m_path, std::string(32, 'k'), 0644);
   for (const mode_t mode : {0770, 0702}) {
@@ -148,7 +150,8 @@ TEST_F(KeyFile, OfAnotherSizeIsRefusedWithoutShowingIt) {
   for (const std::size_t size : {0, 1, 16, 31, 33, 64, 4096}) {
     test::writeFile(m_path, std::string(size, 'k'), 0600);
     EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)) << size;
-    expectOneError(L"does not have the size of a key");
+    expectOneError(L"has " + (size < 32 ? std::to_wstring(size) : L"more than 32") +
+                   L" bytes, but a key has 32; next: restore the agent's key file");
     EXPECT_EQ(test::readFile(m_path), std::string(size, 'k'));
   }
 }
@@ -159,12 +162,12 @@ TEST_F(KeyFile, ThatIsASymbolicLinkIsRefused) {
   ASSERT_EQ(::mkdir((m_agent.dataDirectory() + "/keystore").c_str(), 0700), 0);
   ASSERT_EQ(::symlink(target.c_str(), m_path.c_str()), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is a symbolic link");
+  expectOneError(L"refused, it is a symbolic link; next: replace the link by the key file");
   EXPECT_EQ(modeOf(target), 0644u);
 
   ASSERT_EQ(::unlink(target.c_str()), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is a symbolic link");
+  expectOneError(L"refused, it is a symbolic link; next: replace the link by the key file");
   EXPECT_FALSE(test::exists(target));
 }
 
@@ -172,11 +175,11 @@ TEST_F(KeyFile, ThatIsADirectoryOrAPipeIsRefused) {
   ASSERT_EQ(::mkdir((m_agent.dataDirectory() + "/keystore").c_str(), 0700), 0);
   ASSERT_EQ(::mkdir(m_path.c_str(), 0700), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is not a regular file");
+  expectOneError(L"refused, it is not a regular file; next: restore the agent's key file");
   ASSERT_EQ(::rmdir(m_path.c_str()), 0);
   ASSERT_EQ(::mkfifo(m_path.c_str(), 0600), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"refused, it is not a regular file");
+  expectOneError(L"refused, it is not a regular file; next: restore the agent's key file");
 }
 
 TEST_F(KeyFile, CannotBeMadeWhereItsDirectoryIsAFile) {
@@ -303,7 +306,7 @@ TEST_F(KeyFile, ThatCannotBeHadIsLookedForAgainWhileKeysAreKept) {
   const korvel_com::ZQ::crypto::KeptKeys kept;
   EXPECT_FALSE(canEncrypt());
   EXPECT_FALSE(canEncrypt());
-  expectOneError(L"does not have the size of a key");
+  expectOneError(L"has 5 bytes, but a key has 32; next: restore the agent's key file");
   test::writeFile(m_path, std::string(32, 'a'), 0600);
   EXPECT_TRUE(canEncrypt());
 }
@@ -321,7 +324,7 @@ TEST_F(KeyFile, BrokenWhileRunningIsNoLongerUsed) {
   const std::string key = test::readFile(m_path);
   test::writeFile(m_path, "short", 0600);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"does not have the size of a key");
+  expectOneError(L"has 5 bytes, but a key has 32; next: restore the agent's key file");
   test::writeFile(m_path, key, 0600);
   EXPECT_TRUE(canEncrypt());
 }

@@ -152,7 +152,8 @@ TEST_F(KeyReport, TellsOnceForAListWhyAKeyCannotBeHad) {
     for (int i = 0; i < 3; ++i) EXPECT_FALSE(opens(L"garbage"));
   }
   EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"Key file " + m_path + L": does not have the size of a key"));
+              ElementsAre(L"Key file " + m_path +
+                          L": has 5 bytes, but a key has 32; next: restore the agent's key file"));
   EXPECT_FALSE(opens(L"garbage"));
   EXPECT_EQ(m_agent.messages().size(), 2U) << "of another list";
 }

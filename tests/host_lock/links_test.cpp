@@ -46,8 +46,8 @@ TEST_F(LockLinks, AreNeverLockFilesEvenTheCallersOwn) {
       std::filesystem::create_symlink(elsewhere.file(target), file);
       EXPECT_FALSE(InterProcessReadLock(c_lockName).lock(c_forEver));
       EXPECT_THAT(error(), AllOf(HasSubstr("Cannot lock " + file + ": it is a symbolic link"),
-                                 HasSubstr("remove the link"),
-                                 HasSubstr("is not protected from other processes")));
+                                 HasSubstr(". An operation that continues is not protected from "
+                                           "other processes; next: remove the link")));
       EXPECT_FALSE(InterProcessWriteLock(c_lockName).lock(0));
       agent.clearLog();
       std::filesystem::remove(file);
@@ -75,7 +75,9 @@ TEST_F(LockLinks, OfAnotherUserLeadToNoLockDirectory) {
   EXPECT_FALSE(InterProcessWriteLock(c_lockName).lock(c_forEver));
   EXPECT_THAT(error(), AllOf(HasSubstr("the symbolic link " + agent.dataDirectory() +
                                        "/foreign belongs to user"),
-                             HasSubstr("is not protected from other processes")));
+                             HasSubstr(" and is not followed. An operation that continues is not "
+                                       "protected from other processes; next: remove the link, or "
+                                       "make root its owner")));
   EXPECT_TRUE(std::filesystem::is_empty(elsewhere.path()));
 }
 
@@ -164,7 +166,7 @@ TEST_F(LockLinks, AreOpenedByNobodyElseAndThatIsSaidOnce) {
   const Closed files;
   EXPECT_FALSE(InterProcessWriteLock(c_lockName).lock(c_forEver));
   EXPECT_EQ(error(), "Cannot lock " + mainFile() +
-                         ": Permission denied; an operation that goes on is not protected from "
+                         ": Permission denied. An operation that continues is not protected from "
                          "other processes");
 }
 

@@ -207,7 +207,7 @@ class NoLock : public test::SitesHelperTest {
     return "Cannot lock " + agent.dataDirectory() + "/locks/SiteListLock.lock: ";
   }
   static constexpr const char* c_ending =
-      "; an operation that goes on is not protected from other processes";
+      ". An operation that continues is not protected from other processes";
 };
 
 TEST_F(NoLock, ReadAndWriteGoOnAndThatIsTold) {

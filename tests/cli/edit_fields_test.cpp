@@ -180,10 +180,16 @@ TEST_F(CliEditFields, NamesTheFieldsThatThereAreForOneThatCannotBeSet) {
   for (const KindCase& kind : kindCases()) {
     const std::string message =
         fail(2, {"set", "x", "--kind", kind.kind, readOnly.at(kind.kind) + "=1"});
-    EXPECT_THAT(message, HasSubstr("\"" + readOnly.at(kind.kind) + "\" is not a field"));
+    EXPECT_THAT(message, HasSubstr("a site of kind " + kind.kind + " has no field \"" +
+                                   readOnly.at(kind.kind) + "\" that can be set\n"));
     for (const Value& value : kind.values) EXPECT_THAT(message, HasSubstr(value.field));
   }
   fail(2, {"set", "x", "--kind", "proxy", "enabled=1"});
+  EXPECT_THAT(fail(2, {"set", "x", "--kind", "proxy", "nothing=1"}),
+              HasSubstr("sitelist: unknown field \"nothing\"\n"));
+  EXPECT_THAT(fail(2, {"set", "x", "--kind", "proxy", "bypassLocalAddress=1", "secret"}),
+              testing::AllOf(HasSubstr("sitelist: FIELD=VALUE number 2 has no \"=\"\n"),
+                             testing::Not(HasSubstr("secret"))));
   EXPECT_THAT(fail(2, {"set", "x", "--kind", "http", "name=y"}), HasSubstr("sitelist edit rename"));
 }
 
@@ -345,10 +351,16 @@ TEST_F(CliEditFields, RefusesWhatTheAgentWouldCut) {
     change(site + Arguments{each.field + "=" + most});
     EXPECT_THAT(fail(2, site + Arguments{each.field + "=" + most + "x"}),
                 HasSubstr(each.field + (each.kind == "proxy" && each.field == "exclusionList"
-                                            ? ": there are too many hosts"
+                                            ? ": the host is too long\n  next: give at most 3998 "
+                                              "characters; the agent drops the rest\n"
                                             : ": the value has ")));
   }
   EXPECT_EQ(sites()[6]["exclusionList"].size(), 2 * 3998U);
+  const std::string two = "exclusionList=a;" + std::string(3997, 'b');
+  change({"set", "x", "--kind", "proxy", two});
+  EXPECT_EQ(sites()[6]["exclusionList"].size(), 3999U);
+  EXPECT_THAT(fail(2, {"set", "x", "--kind", "proxy", two + "b"}),
+              HasSubstr("there are too many hosts\n  next: give at most 3999 characters; "));
   change({"rename", "x", std::string(259, 'n'), "--kind", "unc"});
   EXPECT_THAT(fail(2, {"rename", "x", std::string(260, 'n'), "--kind", "ftp"}),
               HasSubstr("name: the value has 260 characters"));

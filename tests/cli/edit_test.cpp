@@ -79,7 +79,7 @@ TEST_F(CliEditSite, Renames) {
   changeNothing({"rename", "Depot", "東京 & <Depot>"});
   changeNothing({"rename", "End", "End"});
   EXPECT_THAT(fail(6, {"rename", "End", "Other"}),
-              HasSubstr("the new name is already that of http \"Other\""));
+              HasSubstr("the name \"Other\" is already used by http \"Other\""));
   fail(7, {"rename", "Depot", "None"});
   fail(2, {"rename", "End", ""});
   change({"rename", "End", "Other", "--kind", "ftp"});
@@ -107,7 +107,7 @@ TEST_F(CliEditSite, FailsForASiteThatIsNotThere) {
     EXPECT_THAT(fail(7, arguments), HasSubstr(expected + "site \"None\"\n"));
   }
   EXPECT_THAT(fail(7, {"enable", "Depot", "--kind", "ftp"}),
-              HasSubstr(expected + "ftp \"Depot\"\n"));
+              HasSubstr(expected + "site \"Depot\" of kind ftp\n"));
   fail(7, {"enable", "depot"});
 }
 
@@ -168,9 +168,16 @@ TEST_F(CliEditSite, DoesNotMoveWhatHasNoPlace) {
                       siteElement("HttpSite", "Last", "", "Type=\"Fallback\"") +
                       siteElement("HttpSite", "Early", "3", "Type=\"fallback\"") +
                       "<ProxyConfigList><ProxyConfig Name=\"Proxy\"/></ProxyConfigList>"));
-  EXPECT_THAT(fail(2, {"move", "Mirror", "first"}), HasSubstr("a mirror has no place"));
-  EXPECT_THAT(fail(2, {"move", "Last", "first"}), HasSubstr("a fallback without an order"));
-  EXPECT_THAT(fail(2, {"move", "Proxy", "first"}), HasSubstr("a proxy has no place"));
+  EXPECT_THAT(
+      fail(2, {"move", "Mirror", "first"}),
+      HasSubstr("a mirror has no place in the search order\n"
+                "  next: set another type with `sitelist edit set`, or name another site\n"));
+  EXPECT_THAT(fail(2, {"move", "Last", "first"}),
+              HasSubstr("a fallback without an order has no place in the search order\n"
+                        "  next: set an order with `sitelist edit set`, or name another site\n"));
+  EXPECT_THAT(fail(2, {"move", "Proxy", "first"}),
+              HasSubstr("a proxy has no place in the search order\n"
+                        "  next: name a site that is not a proxy\n"));
   EXPECT_THAT(fail(2, {"move", "a", "after", "Last"}), HasSubstr("\"Last\""));
   EXPECT_THAT(fail(2, {"move", "a", "before", "a"}), HasSubstr("itself"));
   change({"move", "Early", "first"});
@@ -251,8 +258,8 @@ TEST_F(CliEditSite, SaysHowAPlaceIsGiven) {
                         "edit move Depot before Offices`\n"));
   EXPECT_THAT(
       fail(2, {"move", "a", "behind", "b"}),
-      HasSubstr("\"behind\" takes no other site\n  next: use before or after with \"b\", or "
-                "leave it out\n"));
+      HasSubstr("PLACE \"behind\" does not take OTHER\n  next: use before or after with \"b\", or "
+                "omit it\n"));
 }
 
 TEST_F(CliEditSite, RefusesAChangeThatTheAgentWouldNotSee) {

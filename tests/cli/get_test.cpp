@@ -84,10 +84,11 @@ TEST_F(CliGet, KeepsAValueOnOneLine) {
 
 TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {
   const std::string path = write("list.xml", document(httpSite("depot")));
-  fail(7, {"fipsMode", path}, "the list has no fipsMode");
-  fail(7, {"server", path, "--site", "Depot"}, "there is no site named \"Depot\"");
-  fail(7, {"server", path, "--site", "depot", "--kind", "ftp"}, "there is no site named");
-  fail(7, {"shareName", path, "--site", "depot"}, "a site of this kind has no field \"shareName\"");
+  fail(7, {"fipsMode", path}, "the list has no FIPS mode");
+  fail(7, {"server", path, "--site", "Depot"}, "there is no site \"Depot\"\n");
+  fail(7, {"server", path, "--site", "depot", "--kind", "ftp"},
+       "there is no site \"depot\" of kind ftp\n");
+  fail(7, {"shareName", path, "--site", "depot"}, "a site of kind http has no field \"shareName\"");
 }
 
 TEST_F(CliGet, FailsWithStatus2OnWhatIsNoField) {
@@ -108,6 +109,24 @@ TEST_F(CliGet, FailsWithStatus6OnSeveralOfTheName) {
   EXPECT_EQ(value({"order", path, "--site", "twin", "--kind", "ftp"}), "3");
   fail(6, {"server", path, "--site", "twin", "--kind", "http"},
        "next: see them all with `sitelist show --json`");
+}
+
+// The status is that of a password that is empty in the list.
+TEST_F(CliGet, WarnsThatAPasswordCannotBeDecrypted) {
+  initAgent();
+  const std::string path = write(
+      "list.xml", document(httpSite("depot", "1", "foreign") + httpSite("other", "2", "foreign")));
+  const Output output = sitelist({"get", "password", path, "--site", "depot"});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_EQ(output.out, "\n");
+  EXPECT_EQ(output.err, "sitelist: " + path +
+                            ": warning: 2 passwords cannot be decrypted with this agent's key and "
+                            "are read as empty\n"
+                            "  next: name the agent that the list belongs to with --agent-dir\n");
+  EXPECT_EQ(sitelist({"get", "server", path, "--site", "depot"}).err, "") << "not asked for";
+  EXPECT_THAT(sitelist({"--verbose", "get", "password", path, "--site", "depot"}).err,
+              testing::AllOf(HasSubstr(file("agent/keystore/password.key")),
+                             testing::Not(HasSubstr(file("tmp")))));
 }
 
 TEST_F(CliGet, MasksAPasswordThatIsNotEmpty) {

@@ -92,7 +92,23 @@ TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
   ASSERT_EQ(sitelist({"init", "--mesh-command", "/bin/sh", "-c", "exit 3"}).status, 0);
   const Output output = sitelist({"import", write("list.xml", document(httpSite("depot")))});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("sitelist: Load new sitelist command failed.\n"));
+  EXPECT_THAT(
+      output.err,
+      HasSubstr("sitelist: Mesh service load command /bin/sh failed: it ended with status 3\n"
+                "  next: run the command by hand; the log has its output\n"));
+  EXPECT_THAT(output.err, Not(HasSubstr("Load new sitelist command failed.")));
+}
+
+// The class logs at error level what an operation can do without.
+TEST_F(CliImport, RepeatsNoErrorOfTheLogAfterASuccess) {
+  initAgent();
+  const std::string path = write("list.xml", document(""));
+  const Output quiet = sitelist({"install", path});
+  EXPECT_EQ(quiet.status, 0);
+  EXPECT_THAT(quiet.err, Not(HasSubstr("Failed hr=0")));
+  const Output verbose = sitelist({"--verbose", "install", path});
+  EXPECT_EQ(verbose.status, 0);
+  EXPECT_THAT(verbose.err, HasSubstr("error SiteHlp: Failed hr=0\n"));
 }
 
 TEST_F(CliImport, NamesTheSitesWhosePasswordsAreLost) {
@@ -113,11 +129,16 @@ TEST_F(CliImport, MissingKeyFilesAreAKeyFailure) {
   const Output beside = sitelist({"install", path});
   EXPECT_EQ(beside.status, 5);
   EXPECT_THAT(beside.err, HasSubstr("key files that belong to the list could not be copied (-1, "
-                                    "0xFFFFFFFF)\n  next: put srpubkey.bin and reqseckey.bin"));
+                                    "0xFFFFFFFF)\n  " +
+                                    file("in/srpubkey.bin") + ": No such file or directory\n"));
+  EXPECT_THAT(beside.err, HasSubstr("\n  next: put srpubkey.bin and reqseckey.bin"));
   const std::string unversioned = write("list.xml", document(httpSite("depot")));
   const Output named = sitelist({"import", unversioned, "--keys", file("tmp")});
   EXPECT_EQ(named.status, 5);
-  EXPECT_THAT(named.err, HasSubstr("into the directory of --keys"));
+  EXPECT_THAT(named.err, HasSubstr("\n  " + file("tmp/srpubkey.bin") +
+                                   ": No such file or directory\n  next: put a srpubkey.bin that "
+                                   "is not empty into the directory of --keys, or omit --keys\n"));
+  EXPECT_THAT(named.err, Not(HasSubstr("reqseckey")));
   EXPECT_FALSE(exists(ownList()));
 }
 
@@ -134,7 +155,12 @@ TEST_F(CliImport, AListThatCannotBeWrittenIsAFileFailure) {
   write("agent/etc/SiteList.xml/in-the-way", "");
   const Output output = sitelist({"import", write("list.xml", document(httpSite("depot")))});
   EXPECT_EQ(output.status, 4) << output.err;
-  EXPECT_THAT(output.err, HasSubstr(ownList() + ": the list could not be written"));
+  EXPECT_THAT(output.err,
+              testing::EndsWith(ownList() + ": the list could not be written (-1, 0xFFFFFFFF)\n"
+                                            "  Is a directory\n"
+                                            "  next: check that its directory exists, that you may "
+                                            "write there and that there is free space\n"));
+  EXPECT_THAT(output.err, Not(HasSubstr("not written: ")));
 }
 
 TEST_F(CliImport, ADirectoryThatCannotBeMadeIsAFileFailure) {

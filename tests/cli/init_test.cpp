@@ -45,7 +45,8 @@ TEST_F(CliInit, RefusesADirectoryThatHasAnAgent) {
   const auto before = agentFiles();
   const Output output = sitelist({"init"});
   EXPECT_EQ(output.status, 6);
-  EXPECT_THAT(output.err, HasSubstr("agent.toml: an agent exists already\n  next: "));
+  EXPECT_THAT(output.err,
+              HasSubstr("agent.toml: there is already an agent in this directory\n  next: "));
   EXPECT_EQ(agentFiles(), before);
 }
 
@@ -66,7 +67,8 @@ TEST_F(CliInit, RefusesADirectoryWhoseListTheLibraryCouldNotName) {
   const std::string tooLong = file(std::string(200, 'a') + "/" + std::string(200, 'b'));
   const Output output = bare({"--agent-dir", tooLong, "init"});
   EXPECT_EQ(output.status, 2);
-  EXPECT_THAT(output.err, HasSubstr("\n  next: name another directory with --agent-dir"));
+  EXPECT_THAT(output.err,
+              HasSubstr("\n  next: name a directory with a shorter path with --agent-dir\n"));
   EXPECT_FALSE(exists(file(std::string(200, 'a'))));
 }
 

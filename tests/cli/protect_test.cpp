@@ -59,7 +59,11 @@ TEST_F(CliProtect, FailsWithoutAUsableKey) {
   const Output output = sitelist({"protect"}, "fair\n");
   EXPECT_EQ(output.status, 5);
   EXPECT_EQ(output.out, "");
-  EXPECT_THAT(output.err, HasSubstr("the password cannot be encrypted\n  next: "));
+  EXPECT_EQ(output.err,
+            "sitelist: " + file("agent/keystore") +
+                ": the password cannot be encrypted\n  Key file " +
+                file("agent/keystore/password.key") +
+                ": has 9 bytes, but a key has 32\n  next: restore the agent's key file\n");
 }
 
 TEST_F(CliProtect, LeavesNoPasswordInTheDetailLog) {

@@ -88,8 +88,28 @@ TEST_F(CliShowOptions, FilterThatMatchesNothingIsANegativeAnswer) {
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(output.out, "");
   EXPECT_THAT(output.err, HasSubstr("no site matches\n"));
-  EXPECT_THAT(show({"--filter", "zone=a"}).err,
-              HasSubstr("no site matches; \"zone\" is not a filter key, use kind, type or name\n"));
+}
+
+TEST_F(CliShowOptions, AnUnknownFilterKeyIsWrongUsage) {
+  useSites(c_mixed);
+  const Output output = show({"--filter", "zone=a"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_EQ(output.out, "");
+  EXPECT_EQ(output.err,
+            "sitelist: unknown filter key \"zone\"\n"
+            "  next: use one of kind, type, name; name=PATTERN matches a name with \"=\"\n");
+  EXPECT_EQ(show({"--filter", "name=a=b"}).status, 1);
+  EXPECT_EQ(show({"--filter", "=x"}).status, 1);
+}
+
+TEST_F(CliShowOptions, AnEmptyNameOfAColumnIsWrongUsage) {
+  useSites(c_mixed);
+  for (const char* option : {"--columns", "--sort"}) {
+    const Output output = show({option, ""});
+    EXPECT_EQ(output.status, 2) << option;
+    EXPECT_EQ(output.err, "sitelist: " + std::string(option) +
+                              ": the value is empty\n  next: see `sitelist show --help`\n");
+  }
 }
 
 TEST_F(CliShowOptions, FilterTakesTheProxyOutOfTheTable) {

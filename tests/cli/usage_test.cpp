@@ -97,7 +97,68 @@ TEST_F(CliUsage, WrongUsageIsStatus2WithAMessageAndNoData) {
     EXPECT_EQ(output.out, "") << testing::PrintToString(arguments);
     EXPECT_NE(output.err, "") << testing::PrintToString(arguments);
   }
-  EXPECT_THAT(bare({"--bogus"}).err, HasSubstr("--bogus"));
+}
+
+TEST_F(CliUsage, NamesWhatItDoesNotExpect) {
+  const auto error = [&](const std::vector<std::string>& arguments) {
+    const Output output = bare(arguments);
+    EXPECT_EQ(output.status, 2) << output.err;
+    return output.err;
+  };
+  EXPECT_EQ(error({"--bogus"}),
+            "sitelist: unknown option \"--bogus\"\n  next: see `sitelist --help`\n");
+  EXPECT_EQ(error({"bogus"}),
+            "sitelist: unknown command \"bogus\"\n  next: see `sitelist --help`\n");
+  EXPECT_EQ(error({"edit", "bogus"}),
+            "sitelist: unknown command \"edit bogus\"\n  next: see `sitelist edit --help`\n");
+  EXPECT_EQ(error({"show", "a", "b"}),
+            "sitelist: unexpected argument \"b\"\n  next: see `sitelist show --help`\n");
+  EXPECT_EQ(error({"policies", "a", "b"}),
+            "sitelist: unexpected argument \"b\"\n  next: see `sitelist policies --help`\n");
+  EXPECT_EQ(error({"edit", "set", "Depot", "--password=secret"}),
+            "sitelist: unknown option \"--password\"\n  next: see `sitelist edit set --help`\n");
+  EXPECT_EQ(error({"show", "--agent-dir", "a", "--agent-dir", "b"}),
+            "sitelist: --agent-dir: the option is given more than once\n"
+            "  next: see `sitelist show --help`\n");
+  EXPECT_THAT(error({"import"}), testing::EndsWith("\n  next: see `sitelist import --help`\n"));
+}
+
+TEST_F(CliUsage, AnEmptyValueIsWrongUsage) {
+  initAgent();
+  setOwnList(document(httpSite("depot")));
+  const auto before = agentFiles();
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"explain", "--host", ""},
+        {"show", "--columns", ""},
+        {"certs", "--expiring", ""},
+        {"get", "server", "--site", ""},
+        {"policies", "set", "", "x"}}) {
+    const Output output = sitelist(arguments);
+    EXPECT_EQ(output.status, 2) << testing::PrintToString(arguments);
+    EXPECT_EQ(output.out, "") << testing::PrintToString(arguments);
+    EXPECT_THAT(output.err, HasSubstr(": the value is empty\n  next: see `sitelist "));
+  }
+  EXPECT_EQ(agentFiles(), before);
+  EXPECT_EQ(sitelist({"policies", "set", "a", ""}).status, 0);
+}
+
+// A path that is too long names no agent, so it is refused before a command looks at it.
+TEST_F(CliUsage, ADataDirectoryThatCannotBeOneIsWrongUsage) {
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"show"}, {"init"}, {"protect"}, {"explain-rule"}}) {
+    std::vector<std::string> arguments = {"--agent-dir", ""};
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    const Output empty = bare(arguments);
+    EXPECT_EQ(empty.status, 2) << command.front();
+    EXPECT_EQ(empty.err, "sitelist: --agent-dir: the value is empty\n  next: name a directory\n");
+    arguments[1] = file(std::string(300, 'x'));
+    const Output tooLong = bare(arguments);
+    EXPECT_EQ(tooLong.status, 2) << command.front();
+    EXPECT_THAT(tooLong.err, HasSubstr(" is too long: with /etc it has "));
+    EXPECT_THAT(
+        tooLong.err,
+        testing::EndsWith("\n  next: name a directory with a shorter path with --agent-dir\n"));
+  }
 }
 
 TEST_F(CliUsage, AWordBehindACommandIsAnArgumentAlsoWhenItNamesACommand) {
@@ -190,7 +251,13 @@ TEST_F(CliUsage, BytesThatAreNotInTheEncodingAreTheDocumentsFault) {
   const Output output = sitelist({"show", write("list.xml", "<a>\xC3\x28</a>")});
   EXPECT_EQ(output.status, 3);
   EXPECT_THAT(output.err, HasSubstr("(-10, 0xFFFFFFF6)"));
-  EXPECT_EQ(sitelist({"show", file("tmp")}).status, 4) << "a directory";
+  EXPECT_THAT(output.err, testing::EndsWith("\n  the bytes are not valid UTF-8, UTF-16 or UTF-32\n"
+                                            "  next: save the document as UTF-8, or request it "
+                                            "again from the server\n"));
+  const Output directory = sitelist({"show", file("tmp")});
+  EXPECT_EQ(directory.status, 4);
+  EXPECT_THAT(directory.err, testing::EndsWith("\n  it is a directory\n  next: check that it is a "
+                                               "regular file that you may read\n"));
 }
 
 TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {

@@ -90,7 +90,7 @@ std::vector<Case> errorCases() {
              return deep;
            }() +
            "</a>",
-       257, 1, "document over the limit: depth"},
+       257, 1, "the elements are nested deeper than 256 levels"},
       {"unknown-site", withSite("<OtherSite/>"), 5, 5,
        "the last site of the list is of unknown kind"},
       {"no-server", lines({httpSite("depot", "2")}), 3, 3, "the list has no management server"},
@@ -332,7 +332,11 @@ TEST_F(CliValidate, SaysWhatAFileIsThatCannotBeRead) {
   EXPECT_EQ(text.out, file("text.xml") + ":1:1: not-well-formed: the file has no markup\n");
   const Output directory = sitelist({"validate", file("tmp")});
   EXPECT_EQ(directory.status, 4);
-  EXPECT_THAT(directory.out, StartsWith(file("tmp") + ": unreadable-file: "));
+  EXPECT_EQ(directory.out, file("tmp") + ": unreadable-file: it is a directory\n");
+  const Output encoding = sitelist({"validate", write("bytes.xml", "<a>\xC3\x28</a>")});
+  EXPECT_EQ(
+      encoding.out,
+      file("bytes.xml") + ": invalid-encoding: the bytes are not valid UTF-8, UTF-16 or UTF-32\n");
   const Output missing = sitelist({"validate", file("none.xml")});
   EXPECT_EQ(missing.status, 4);
   EXPECT_EQ(missing.out, file("none.xml") + ": missing-file: the file does not exist\n");
@@ -347,6 +351,37 @@ TEST_F(CliValidate, ChecksSeveralListsAndKeepsTheHighestStatus) {
   EXPECT_THAT(output.out, HasSubstr(good + ": valid\n"));
   EXPECT_THAT(output.out, testing::ContainsRegex("incomplete.xml:2:[0-9]+: server-name: "));
   EXPECT_EQ(sitelist({"validate", incomplete, good}).status, 1);
+}
+
+// Each is a fault of its own list, and the other lists keep theirs.
+TEST_F(CliValidate, GoesOnAfterAListThatCannotBeRead) {
+  std::string unknown;
+  for (int i = 0; i < 1025; ++i) unknown += "<Odd/>";
+  const std::string incomplete = write("incomplete.xml", document(serverSite({{"Name", ""}})));
+  const std::string many = write("many.xml", document(unknown));
+  const Output output =
+      sitelist({"validate", "--json", incomplete, many, file("tmp"), file("none.xml"), incomplete});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_EQ(output.err, "");
+  const json report = json::parse(output.out);
+  EXPECT_EQ(report["faultCount"], 5);
+  ASSERT_EQ(report["faults"].size(), 5U);
+  std::vector<std::string> rules;
+  for (const json& fault : report["faults"]) rules.push_back(fault["rule"]);
+  EXPECT_THAT(rules, ElementsAre("server-name", "over-limit", "unreadable-file", "missing-file",
+                                 "server-name"));
+  EXPECT_EQ(report["faults"][1]["file"], many);
+  EXPECT_EQ(report["faults"][1]["text"], "the list has more than 1024 elements of unknown kind");
+  EXPECT_EQ(sitelist({"validate", many, incomplete}).status, 3);
+}
+
+TEST_F(CliValidate, StandardInputThatCannotBeReadIsAFault) {
+  const std::string good = write("good.xml", document(serverSite()));
+  const Output output = shell("exec \"$0\" validate - \"$1\" < /", {good});
+  EXPECT_EQ(output.status, 4);
+  EXPECT_EQ(output.out,
+            "standard input: unreadable-file: it is a directory\n" + good + ": valid\n");
+  EXPECT_EQ(output.err, "");
 }
 
 TEST_F(CliValidate, CountsWarningsAsFaultsWhenStrict) {

@@ -183,6 +183,7 @@ def lists(sealed):
         "broken.xml": '<?xml version="1.0"?>\n<ns:SiteLists xmlns:ns="wxSiteList">\n  <SiteList></Site>\n',
         "no-markup.xml": "no markup\n",
         "other-root.xml": "<other/>\n",
+        "many-unknown.xml": document("<WhatSite/>" * 1025),
         "deep.xml": "<a>" * 300 + "</a>" * 300,
         "encoding.xml": b"<a>\xc3\x28</a>\n",
     }

@@ -98,7 +98,7 @@ def certificates(report, table):
         if row["readable"]:
             texts.remove(shown(row["text"]))
             texts += ["(expired)"] if row["expired"] else []
-            texts += ["(expires soon)"] if row["expiring"] and not row["expired"] else []
+            texts += ["(within "] if row["expiring"] and not row["expired"] else []
         need(joined, ["".join(text.split()) for text in texts], f"certificate {row['number']}")
 
 

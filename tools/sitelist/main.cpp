@@ -7,6 +7,7 @@
 #include <new>
 #include <string_view>
 
+#include "host/agent.h"
 #include "sitehlp/result_codes.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
@@ -19,7 +20,10 @@
 namespace tool {
 namespace {
 
-constexpr const char* c_seeHelp = "see `sitelist --help` or `sitelist COMMAND --help`";
+// The command is empty when it is not known.
+std::string seeHelp(const std::string& command) {
+  return "see `sitelist" + (command.empty() ? "" : " " + command) + " --help`";
+}
 
 // The command behind --mesh-command may have options of its own, so it is taken off before the
 // command line is looked at.
@@ -31,9 +35,21 @@ std::vector<std::string> takeMeshCommand(std::vector<std::string>& arguments) {
   return command;
 }
 
-std::string fullPath(const std::string& directory) {
+// The full path, which is short enough for an agent to be there.
+std::string usableDirectory(const std::string& directory) {
+  if (directory.empty()) {
+    throw Failure(exitUsage, "--agent-dir: the value is empty", "name a directory");
+  }
   std::string path = std::filesystem::absolute(directory).lexically_normal().string();
   while (path.size() > 1 && path.back() == '/') path.pop_back();
+  host::AgentSettings settings;
+  settings.dataDirectory = path;
+  try {
+    host::setAgent(settings);
+  } catch (const host::SettingsError& refusal) {
+    throw Failure(exitUsage, shown(std::string(refusal.what())),
+                  "name a directory with a shorter path with --agent-dir");
+  }
   return path;
 }
 
@@ -77,8 +93,9 @@ Failure withAdvice(const Context& context, const Failure& failure) {
 }
 
 int perform(Context& context) {
-  recordLog(context.verbose);
   try {
+    context.agentDirectory = usableDirectory(context.agentDirectory);
+    recordLog(context.verbose);
     const int status = context.action();
     print(context, {context.command, status, nullptr});
     reportLoggedErrors(true);
@@ -116,19 +133,18 @@ int run(Context& context, std::vector<std::string> arguments) {
       return exitSuccess;
     case CommandLine::Outcome::Wrong:
       lookForFormat(arguments, context);
-      return fail(context, Failure(exitUsage, shown(text), c_seeHelp));
+      return fail(context, Failure(exitUsage, shown(text), seeHelp(line->commandName())));
     case CommandLine::Outcome::Parsed:
       break;
   }
   if (!context.action) {
     if (formatOf(context) != Format::Table) {
-      return fail(context, Failure(exitUsage, "a command is required", c_seeHelp));
+      return fail(context, Failure(exitUsage, "a command is required", seeHelp("")));
     }
     std::cerr << line->help();
     return exitUsage;
   }
   context.command = line->commandName();
-  context.agentDirectory = fullPath(context.agentDirectory);
   return perform(context);
 }
 

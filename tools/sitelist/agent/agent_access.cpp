@@ -23,7 +23,7 @@ host::AgentSettings settingsOf(const Context& context) {
     return host::readAgentSettings(context.agentDirectory);
   } catch (const host::SettingsError& e) {
     throw Failure(exitDocument, shown(std::string(e.what())),
-                  "correct the settings file, or move it away and run `sitelist init`",
+                  "correct the settings file, or rename it and run `sitelist init`",
                   {context.agentDirectory + "/agent.toml", 0, 0, 0});
   }
 }
@@ -94,6 +94,7 @@ PrivateAgent::PrivateAgent(const Context& context, Relation relation)
   }
   host::setAgent(settings);
   recordLog(context.verbose);
+  replaceInLog(m_directory + "/keystore", keystore);
 }
 
 PrivateAgent::~PrivateAgent() {

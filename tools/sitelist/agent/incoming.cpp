@@ -1,12 +1,17 @@
 #include "tools/sitelist/agent/incoming.h"
 
+#include <openssl/crypto.h>
+
 #include <filesystem>
 #include <iostream>
 
+#include "host/fs/files.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/validate/validation.h"
@@ -31,6 +36,27 @@ bool hasVersionedServer(const std::string& path) {
   return false;
 }
 
+// Which key files of the list cannot be used, and why, one on a line.
+std::string unusableKeyFiles(const IncomingOptions& options, bool isVersioned) {
+  namespace fs = std::filesystem;
+  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
+  const fs::path directory =
+      isVersioned ? fs::path(options.file).parent_path() : fs::path(options.keyDirectory);
+  std::string text;
+  for (const char* name :
+       {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin", "req2048seckey.bin"}) {
+    const std::string path = (directory / name).string();
+    std::string bytes;
+    const int error = host::readRegularFile(path, noLimit, bytes);
+    if (error != 0 || bytes.empty()) {
+      text += "\n  " + shown(path) + ": " + (error ? readFailureReason(error) : "it is empty");
+    }
+    OPENSSL_cleanse(bytes.data(), bytes.size());
+    if (!isVersioned) break;
+  }
+  return text;
+}
+
 // Names every fault.
 Failure refusal(const std::string& file, int code) {
   std::string text =
@@ -46,20 +72,20 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
   const std::string directory = std::filesystem::path(ownList).parent_path().string();
   std::error_code error;
   if (wasLogged(L"CreateSiteList failed hr=")) {
-    throw libraryFailure(ownList, code, exitFile, "the list could not be written",
-                         "check that you may write there and that there is free space");
+    throw writeFailure(ownList, code, "the list could not be written");
   }
   if (wasLogged(L"Can't write ") || !std::filesystem::is_directory(directory, error)) {
     throw libraryFailure(directory, code, exitFile, "the agent's files could not be written",
                          "check that you may write there; nothing was changed");
   }
+  const bool isVersioned = hasVersionedServer(options.file);
   throw libraryFailure(
       options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
-      hasVersionedServer(options.file)
+      isVersioned
           ? "put srpubkey.bin and reqseckey.bin, or sr2048pubkey.bin and req2048seckey.bin,\n"
             "  next to the list; they must not be empty"
-          : "put a srpubkey.bin that is not empty into the directory of --keys, or leave --keys "
-            "out");
+          : "put a srpubkey.bin that is not empty into the directory of --keys, or omit --keys",
+      unusableKeyFiles(options, isVersioned));
 }
 
 void failIncoming(const IncomingOptions& options, const std::string& ownList, int code) {

@@ -1,11 +1,13 @@
 #include <openssl/crypto.h>
 
+#include <iostream>
 #include <memory>
 
 #include "platform/crypto/crypt_shim.h"
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
 
@@ -75,6 +77,17 @@ std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
     if (holdsLostPassword(site)) names.push_back(siteName(site));
   }
   return names;
+}
+
+void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
+  const unsigned long count = takeUnreadPasswords();
+  if (count == 0) return;
+  std::cerr << "sitelist: " << shown(path) << ": warning: " << count
+            << (count == 1 ? " password cannot be decrypted with this agent's key and is read as"
+                           : " passwords cannot be decrypted with this agent's key and are read as")
+            << " empty\n  next: "
+            << (isOwnList ? "restore the agent's password key, or set the passwords again\n"
+                          : "name the agent that the list belongs to with --agent-dir\n");
 }
 
 void refuseLostPasswords(const std::string& path) {

@@ -12,6 +12,8 @@
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/read_error.h"
 
 namespace tool {
 namespace {
@@ -42,7 +44,7 @@ class NoEcho {
 constexpr const char* c_standardInput = "standard input";
 
 [[noreturn]] void failToRead(const std::string& source, int error) {
-  throw failureAt(source, exitFile, std::string("cannot be read: ") + std::strerror(error),
+  throw failureAt(source, exitFile, "cannot be read: " + readFailureReason(error),
                   "check that it is a file that you may read");
 }
 
@@ -99,9 +101,11 @@ void Password::convert(const std::string& source) {
 std::wstring protect(const Context& context, const Password& password) {
   std::wstring protectedText;
   if (sitehlp::CSitesHelper(true).EncryptPassword(password.text(), protectedText) == 0) {
-    throw failureAt(context.agentDirectory + "/keystore", exitCrypto,
-                    "the password cannot be encrypted",
-                    "check that you may read the agent's password key");
+    const LoggedReason logged = takeReasonOfKeyFile();
+    throw failureAt(
+        context.agentDirectory + "/keystore", exitCrypto,
+        "the password cannot be encrypted" + (logged.reason.empty() ? "" : "\n  " + logged.reason),
+        logged.advice.empty() ? "check that you may read the agent's password key" : logged.advice);
   }
   return protectedText;
 }

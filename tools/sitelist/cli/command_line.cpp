@@ -34,8 +34,13 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   return info;
 }
 
-// The parser's text for an option without its value is "--host: 1 required NAME missing".
+// The parser's text for an option without its value is "--host: 1 required NAME missing", and for
+// one with two "--host: At Most 1 required but received 2".
 std::string inPlainWords(const std::string& text) {
+  const std::size_t twice = text.find(": At Most 1 required but received ");
+  if (twice != std::string::npos) {
+    return text.substr(0, twice) + ": the option is given more than once";
+  }
   const std::string start = ": 1 required ";
   const std::string end = " missing";
   const std::size_t at = text.find(start);
@@ -43,6 +48,26 @@ std::string inPlainWords(const std::string& text) {
   if (at == std::string::npos || stop == std::string::npos) return text;
   const std::size_t name = at + start.size();
   return text.substr(0, at) + ": " + text.substr(name, stop - name) + " is missing";
+}
+
+// What the parser could not place, the first word of it. An option's value may be a secret, so it
+// is left out.
+std::string unexpected(const CLI::App& program) {
+  std::string command;
+  const CLI::App* app = &program;
+  while (!app->get_subcommands().empty()) {
+    app = app->get_subcommands().front();
+    command += (command.empty() ? "" : " ") + app->get_name();
+  }
+  const std::string word = program.remaining(true).front();
+  if (word.size() > 1 && word[0] == '-') {
+    return "unknown option \"" + word.substr(0, word.find('=')) + "\"";
+  }
+  const bool hasArguments =
+      !app->get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
+  const bool hasCommands = !app->get_subcommands([](const CLI::App*) { return true; }).empty();
+  if (!hasCommands || hasArguments) return "unexpected argument \"" + word + "\"";
+  return "unknown command \"" + (command.empty() ? "" : command + " ") + word + "\"";
 }
 
 CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
@@ -184,9 +209,8 @@ CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std:
       text = answer.str();
       return Outcome::Answered;
     }
-    const std::vector<std::string> left = m_app->remaining();
-    const bool isNoCommand = m_app->get_subcommands().empty() && !left.empty() && left[0][0] != '-';
-    text = isNoCommand ? "unknown command \"" + left[0] + "\"" : inPlainWords(e.what());
+    const bool isExtra = e.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+    text = isExtra ? unexpected(*m_app) : inPlainWords(e.what());
     return Outcome::Wrong;
   }
 }

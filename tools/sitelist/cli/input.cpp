@@ -3,10 +3,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "host/fs/files.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/read_error.h"
 
 namespace tool {
 namespace {
@@ -27,14 +27,18 @@ int readStandardInput(std::string& bytes) {
 
 }  // namespace
 
-Input readInput(const std::string& file) {
+int tryReadInput(const std::string& file, Input& input) {
   const bool isStandard = file.empty() || file == "-";
-  Input input{isStandard ? "standard input" : file, {}};
-  const int error = isStandard ? readStandardInput(input.bytes)
-                               : host::readRegularFile(file, c_maxInputBytes, input.bytes);
+  input.name = isStandard ? "standard input" : file;
+  return isStandard ? readStandardInput(input.bytes)
+                    : host::readRegularFile(file, c_maxInputBytes, input.bytes);
+}
+
+Input readInput(const std::string& file) {
+  Input input;
+  const int error = tryReadInput(file, input);
   if (error == 0) return input;
-  throw failureAt(input.name, exitFile, std::string("cannot be read: ") + std::strerror(error),
-                  "check that it is a regular file that you may read");
+  throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
 }
 
 }  // namespace tool

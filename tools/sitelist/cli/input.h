@@ -17,6 +17,8 @@ struct Input {
 
 // Reads a file or, for "-" and without a name, standard input. Fails when it cannot be read.
 Input readInput(const std::string& file);
+// The same, but returns why it cannot be read: 0 or an errno.
+int tryReadInput(const std::string& file, Input& input);
 
 }  // namespace tool
 

@@ -1,7 +1,10 @@
 #include "tools/sitelist/cli/log_record.h"
 
+#include <algorithm>
+#include <cwchar>
 #include <iostream>
 #include <set>
+#include <utility>
 
 #include "host/log_sink.h"
 #include "tools/sitelist/cli/text.h"
@@ -10,6 +13,9 @@ namespace tool {
 namespace {
 
 bool g_verbose = false;
+unsigned long g_unreadPasswords = 0;
+std::wstring g_actualPath;  // empty: every path is shown as it is
+std::wstring g_shownPath;
 
 std::vector<LogRecord>& records() {
   static std::vector<LogRecord> kept;
@@ -27,11 +33,74 @@ const char* nameOfLevel(LogLevel level) {
   }
 }
 
-// The tool names the sites whose passwords are lost, and says itself why a file cannot be read.
-bool isToldBetter(const std::wstring& component, const std::wstring& text) {
-  const bool isOfPasswords =
-      component == L"Crypto" && text.find(L" protected password") != std::wstring::npos;
-  return isOfPasswords || text.rfind(L"Site list not read: ", 0) == 0;
+// What the class of the library logs, at error level also for what an operation can do without.
+constexpr const wchar_t* c_libraryComponent = L"SiteHlp";
+constexpr const wchar_t* c_cryptoComponent = L"Crypto";
+// In a record of the host, what is behind this tells what to do.
+constexpr const wchar_t* c_beforeAdvice = L"; next: ";
+
+bool begins(const std::wstring& text, const wchar_t* start) { return text.rfind(start, 0) == 0; }
+
+// "3 protected passwords cannot be decrypted with ...": the tool says this itself, and knows which
+// list they are of.
+bool isOfUnreadPasswords(const LogRecord& record) {
+  return record.component == c_cryptoComponent &&
+         record.text.find(L" protected password") != std::wstring::npos;
+}
+
+void keep(const LogRecord& record) {
+  if (isOfUnreadPasswords(record)) {
+    g_unreadPasswords += std::wcstoul(record.text.c_str(), nullptr, 10);
+    return;
+  }
+  // The tool says itself why a file cannot be read.
+  if (begins(record.text, L"Site list not read: ")) return;
+  records().push_back(record);
+}
+
+std::wstring withShownPath(const std::wstring& text) {
+  const std::size_t at = g_actualPath.empty() ? std::wstring::npos : text.find(g_actualPath);
+  if (at == std::wstring::npos) return text;
+  return std::wstring(text).replace(at, g_actualPath.size(), g_shownPath);
+}
+
+LoggedReason inTwoParts(const std::wstring& text) {
+  const std::size_t at = text.find(c_beforeAdvice);
+  if (at == std::wstring::npos) return {shown(text), ""};
+  return {shown(text.substr(0, at)), shown(text.substr(at + std::wcslen(c_beforeAdvice)))};
+}
+
+// What the record says of writing `path`; empty when it is about something else.
+std::wstring reasonOfWrite(const std::wstring& text, const std::wstring& path) {
+  for (const wchar_t* start : {L"Site list not written: ", L"Server site list not written: ",
+                               L"Cannot write the edited list ", L"Cannot write "}) {
+    const std::size_t length = std::wcslen(start);
+    if (text.compare(0, length, start) != 0 || text.compare(length, path.size(), path) != 0) {
+      continue;
+    }
+    const std::wstring rest = text.substr(length + path.size());
+    if (begins(rest, L": ")) return rest.substr(2);
+    if (begins(rest, L" and ")) return text.substr(length);  // "A and B may be the same file"
+  }
+  return L"";
+}
+
+// Takes the records away of which `reasonIn` returns a text, and returns the first of the texts. A
+// refused link is logged with advice, and then the errno that it leads to without: a text with
+// advice comes before one without.
+template <typename ReasonIn>
+LoggedReason takeReason(ReasonIn reasonIn) {
+  LoggedReason found;
+  const auto isTaken = [&](const LogRecord& record) {
+    const std::wstring text = reasonIn(record);
+    if (text.empty()) return false;
+    const LoggedReason each = inTwoParts(text);
+    if (found.reason.empty() || (found.advice.empty() && !each.advice.empty())) found = each;
+    return true;
+  };
+  std::vector<LogRecord>& all = records();
+  all.erase(std::remove_if(all.begin(), all.end(), isTaken), all.end());
+  return found;
 }
 
 }  // namespace
@@ -39,12 +108,12 @@ bool isToldBetter(const std::wstring& component, const std::wstring& text) {
 void recordLog(bool verbose) {
   g_verbose = verbose;
   host::setLogThreshold(verbose ? LogLevel::Detail : LogLevel::Info);
-  host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& text) {
-    if (level >= LogLevel::Info && !isToldBetter(component, text)) {
-      records().push_back({level, text});
-    }
+  host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& logged) {
+    const LogRecord record = {level, component, withShownPath(logged)};
+    if (level >= LogLevel::Info) keep(record);
     if (g_verbose) {
-      std::cerr << nameOfLevel(level) << ' ' << shown(component) << ": " << shown(text) << '\n';
+      std::cerr << nameOfLevel(level) << ' ' << shown(component) << ": " << shown(record.text)
+                << '\n';
     }
   });
 }
@@ -52,15 +121,37 @@ void recordLog(bool verbose) {
 const std::vector<LogRecord>& logRecords() { return records(); }
 void clearLogRecords() { records().clear(); }
 
-void reportLoggedErrors(bool withCodes) {
+unsigned long takeUnreadPasswords() { return std::exchange(g_unreadPasswords, 0UL); }
+
+void replaceInLog(const std::string& actual, const std::string& shown) {
+  g_actualPath = wide(actual);
+  g_shownPath = wide(shown);
+}
+
+LoggedReason takeReasonOfWrite(const std::string& path) {
+  const std::wstring name = wide(path);
+  return takeReason([&](const LogRecord& record) { return reasonOfWrite(record.text, name); });
+}
+
+LoggedReason takeReasonOfKeyFile() {
+  return takeReason([](const LogRecord& record) {
+    const bool isOne = record.level >= LogLevel::Error && record.component == c_cryptoComponent;
+    return isOne && begins(record.text, L"Key file ") ? record.text : std::wstring();
+  });
+}
+
+void reportLoggedErrors(bool hasSucceeded) {
   if (g_verbose) return;
   std::set<std::wstring> printed;  // a missing key is logged for each password that needs it
   for (const LogRecord& record : records()) {
-    const bool isCode = record.text.find(L" hr=") != std::wstring::npos;
-    if (record.level >= LogLevel::Error && (withCodes || !isCode) &&
-        printed.insert(record.text).second) {
-      std::cerr << "sitelist: " << shown(record.text) << '\n';
+    const bool isOmitted = hasSucceeded ? record.component == c_libraryComponent
+                                        : record.text.find(L" hr=") != std::wstring::npos;
+    if (record.level < LogLevel::Error || isOmitted || !printed.insert(record.text).second) {
+      continue;
     }
+    const LoggedReason parts = inTwoParts(record.text);
+    std::cerr << "sitelist: " << parts.reason << '\n';
+    if (!parts.advice.empty()) std::cerr << "  next: " << parts.advice << '\n';
   }
 }
 

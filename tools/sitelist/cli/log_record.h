@@ -10,6 +10,7 @@ namespace tool {
 
 struct LogRecord {
   LogLevel level;
+  std::wstring component;
   std::wstring text;
 };
 
@@ -22,9 +23,28 @@ void recordLog(bool verbose);
 const std::vector<LogRecord>& logRecords();
 void clearLogRecords();
 
+// How many passwords were read as empty, because the agent's key does not decrypt them, since the
+// last call.
+unsigned long takeUnreadPasswords();
+
+// Shows a path of records that begins with `actual` as one that begins with `shown`.
+void replaceInLog(const std::string& actual, const std::string& shown);
+
+struct LoggedReason {
+  std::string reason;
+  std::string advice;  // empty when the record has none
+};
+
+// Take the records away that say why `path` could not be written, or why a key file cannot be used,
+// and return what they say. Both texts are printable, and empty when there is no such record.
+LoggedReason takeReasonOfWrite(const std::string& path);
+LoggedReason takeReasonOfKeyFile();
+
 // Prints the errors among the records, which nobody has seen yet without --verbose, to standard
-// error. A line that only repeats a result code is left out when `withCodes` is false.
-void reportLoggedErrors(bool withCodes);
+// error. The lines of the library's class are left out when the command succeeded, because what it
+// logs as an error need not be one for the command. After a failure, those are left out that only
+// repeat a result code.
+void reportLoggedErrors(bool hasSucceeded);
 
 }  // namespace tool
 

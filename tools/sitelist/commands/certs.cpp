@@ -6,6 +6,8 @@
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/certificate.h"
@@ -26,8 +28,8 @@ std::string inTwoLines(const std::string& fingerprint) {
   return fingerprint.substr(0, half) + "\n               " + fingerprint.substr(half);
 }
 
-void printCertificate(std::ostream& out, const Screen& screen, const Record& row,
-                      std::size_t count) {
+void printCertificate(std::ostream& out, const Screen& screen, const Record& row, std::size_t count,
+                      std::optional<int> days) {
   const auto text = [&](const char* name) { return shownText(row, name); };
   out << screen.styled(Style::Heading,
                        "Certificate " + text("number") + " of " + std::to_string(count))
@@ -39,7 +41,8 @@ void printCertificate(std::ostream& out, const Screen& screen, const Record& row
   const bool isExpired = text("expired") == "true";
   const bool isExpiring = text("expiring") == "true";
   const std::string left = text("daysLeft") + (isExpired    ? " (expired)"
-                                               : isExpiring ? " (expires soon)"
+                                               : isExpiring ? " (within " + std::to_string(*days) +
+                                                                  (*days == 1 ? " day)" : " days)")
                                                             : "");
   out << "  subject      " << text("subject") << "\n  issuer       " << text("issuer")
       << "\n  SHA-256      " << inTwoLines(text("sha256")) << "\n  valid from   "
@@ -88,7 +91,8 @@ int certs(Context& context, const CertsOptions& options) {
     // The one query that reports a document over a limit in this way.
     const auto unread = findReadError(agent.path());
     throw libraryFailure(agent.path(), result, unread ? unread->status : exitDocument,
-                         "the document is over a limit", "check where it came from");
+                         "the document is over a limit", "check where the document comes from",
+                         unread ? "\n  " + unread->reason : "");
   }
   if (result != 0) throw libraryFailure(agent.path(), result);
   Report report;
@@ -100,10 +104,10 @@ int certs(Context& context, const CertsOptions& options) {
   for (const std::wstring& text : texts) {
     report.rows.push_back(certificateRow(text, report.rows.size() + 1, days));
   }
-  report.table = [rows = report.rows](std::ostream& out, const Screen& screen) {
+  report.table = [rows = report.rows, days](std::ostream& out, const Screen& screen) {
     for (const Record& row : rows) {
       if (&row != rows.data()) out << '\n';
-      printCertificate(out, screen, row, rows.size());
+      printCertificate(out, screen, row, rows.size(), days);
     }
   };
   context.report = std::move(report);
@@ -128,7 +132,8 @@ void addCerts(Command& app, Context& context) {
       .add_option("--expiring", options->expiring,
                   "Exit with status 1 if a certificate has expired or has at\n"
                   "most this many days left")
-      .type_name("DAYS");
+      .type_name("DAYS")
+      .not_empty();
   command.footer(
       "Examples:\n"
       "  sitelist certs\n"

@@ -103,7 +103,7 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
     });
   }
   if (options.isPasswordFromInput && !options.passwordFile.empty()) {
-    throw Failure(exitUsage, "--password-stdin and --password-file exclude each other",
+    throw Failure(exitUsage, "--password-stdin and --password-file cannot be used together",
                   "give only one of them");
   }
   Password password;
@@ -132,8 +132,8 @@ int moveInOrder(Context& context, const EditArguments& options) {
                   "add its name, as in `sitelist edit move Depot " + options.place + " Offices`");
   }
   if (!isRelative && !options.other.empty()) {
-    throw Failure(exitUsage, "\"" + shown(options.place) + "\" takes no other site",
-                  "use before or after with \"" + shown(options.other) + "\", or leave it out");
+    throw Failure(exitUsage, "PLACE \"" + shown(options.place) + "\" does not take OTHER",
+                  "use before or after with \"" + shown(options.other) + "\", or omit it");
   }
   return performEdit(context, options.list, [&](ListEditor& list) {
     return moveSite(list, options.site, options.place, options.other);
@@ -296,7 +296,7 @@ void addEdit(Command& app, Context& context) {
       for (const auto& [edit, action] : *edits) {
         if (edit.parsed()) return action(context, *options);
       }
-      throw Failure(exitUsage, "a subcommand is missing", "see `sitelist edit --help`");
+      throw Failure(exitUsage, "a command is required", "see `sitelist edit --help`");
     };
   });
 }

@@ -50,7 +50,7 @@ void printSite(std::ostream& out, const Screen& screen, const Record& row) {
       << '\n';
   if (!isTried) return;
   if (shownText(row, "local") == "true") {
-    out << "     local  only this agent knows it; it is not in the server's list\n";
+    out << "     local  only this agent knows it; it is not in the derived server list\n";
   }
   out << "     goes   " << throughOf(shownText(row, "proxy"), shownText(row, "proxyReason"))
       << '\n';
@@ -175,7 +175,8 @@ void addExplain(Command& app, Context& context) {
       .add_option("--host", options->host,
                   "Show only whether this host bypasses the proxy. The exit\n"
                   "status is 0 if it does so over HTTP, otherwise 1.")
-      .type_name("NAME");
+      .type_name("NAME")
+      .not_empty();
   command.footer(
       "Sites are tried in ascending order. If two have the same order, the one that is\n"
       "first in the list is tried first. Disabled sites and mirrors are not tried. A\n"

@@ -3,8 +3,8 @@
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 

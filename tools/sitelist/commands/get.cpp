@@ -50,10 +50,16 @@ const tag_Site& findSite(const SiteList& list, const GetOptions& options) {
         areOfOneKind ? "see them all with `sitelist show --json`" : "choose one with --kind KIND");
   }
   if (!found) {
-    throw missing(list, "there is no site named \"" + shown(options.site) + "\"",
+    throw missing(list, missingSite(options.site, options.kind),
                   "list all sites with `sitelist show`");
   }
   return *found;
+}
+
+bool isSecret(const tag_Site& site, const std::string& name) {
+  const std::vector<Field> fields = fieldsOf(site);
+  return std::any_of(fields.begin(), fields.end(),
+                     [&](const Field& field) { return field.isSecret && field.name == name; });
 }
 
 Scalar siteValue(const SiteList& list, const GetOptions& options) {
@@ -63,10 +69,14 @@ Scalar siteValue(const SiteList& list, const GetOptions& options) {
     for (const std::string& name : names) known += (known.empty() ? "" : ", ") + name;
     failUnknownField(options.field, known);
   }
-  const Record record = recordOf(findSite(list, options), options.showSecrets);
+  const tag_Site& site = findSite(list, options);
+  const Record record = recordOf(site, options.showSecrets);
+  if (isSecret(site, options.field)) warnOfUnreadPasswords(list.path, options.file.empty());
   if (const Scalar* const value = find(record, options.field)) return *value;
-  throw missing(list, "a site of this kind has no field \"" + options.field + "\"",
-                "see its fields with `sitelist show --json`");
+  throw missing(
+      list,
+      std::string("a site of kind ") + kindOf(site) + " has no field \"" + options.field + "\"",
+      "see its fields with `sitelist show --json`");
 }
 
 Scalar policyValue(const SiteList& list, const std::string& name) {
@@ -89,8 +99,7 @@ Scalar listValue(const SiteList& list, const GetOptions& options) {
                      "site with --site NAME");
   }
   if (!std::holds_alternative<std::monostate>(*value)) return *value;
-  throw missing(list, "the list has no " + options.field,
-                "see what it has with `sitelist versions`");
+  throw missing(list, "the list has no FIPS mode", "see what it has with `sitelist versions`");
 }
 
 std::vector<std::string> valueNames() {
@@ -132,6 +141,7 @@ void addGet(Command& app, Context& context) {
   command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
   command.add_option("--site", options->site, "Print a value of the site with this name")
       .type_name("NAME")
+      .not_empty()
       .completes(Completion::Site);
   command
       .add_option("--kind", options->kind, "The kind of the site, if several sites have this name")

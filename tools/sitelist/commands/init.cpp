@@ -79,16 +79,11 @@ int init(Context& context, const InitOptions& options) {
   const host::AgentSettings settings = settingsFrom(context, options);
   std::error_code error;
   if (fs::exists(fs::symlink_status(settingsFile, error))) {
-    throw failureAt(settingsFile, exitConflict, "an agent exists already",
+    throw failureAt(settingsFile, exitConflict, "there is already an agent in this directory",
                     "edit this file to change its settings, or name another directory with "
                     "--agent-dir");
   }
-  try {
-    host::setAgent(settings);
-  } catch (const host::SettingsError& refusal) {
-    throw Failure(exitUsage, std::string(refusal.what()),
-                  "name another directory with --agent-dir");
-  }
+  host::setAgent(settings);
   recordLog(context.verbose);
   for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);
   fs::permissions(directory + "/keystore", fs::perms::owner_all, error);

@@ -4,6 +4,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/diff/diff.h"
@@ -73,7 +74,7 @@ int merge(Context& context, const MergeOptions& options) {
   if (options.dryRun) return previewMerge(context, options);
   if (options.output.empty() && (context.json || context.format != "table")) {
     throw Failure(exitUsage, "the merged list is an XML document and has no other format",
-                  "leave --format out, or write the list to a file with --output");
+                  "omit --format, or write the list to a file with --output");
   }
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);

@@ -4,7 +4,7 @@
 #include "platform/common/afile.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming.h"
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/list_editor.h"

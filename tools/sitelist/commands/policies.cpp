@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/site_list.h"
@@ -46,7 +46,8 @@ int setPolicy(Context& context, const PoliciesOptions& options) {
   refuseLostPasswords(path);
   sites.policySettings[wide(options.name)] = wide(options.value);
   writeSiteList(sites, path);
-  std::cerr << "sitelist: set " << shown(options.name) << " in " << shown(path) << '\n';
+  std::cerr << "sitelist: " << shown(path) << ": set policy setting \"" << shown(options.name)
+            << "\" to \"" << shown(options.value) << "\"\n";
   return exitSuccess;
 }
 
@@ -63,7 +64,10 @@ void addPolicies(Command& app, Context& context) {
   Command setCommand =
       command.add_subcommand("set", "Set a policy setting in the agent's own list");
   setCommand.fallthrough();
-  setCommand.add_option("NAME", options->name, "The name of the setting").required().type_name("");
+  setCommand.add_option("NAME", options->name, "The name of the setting")
+      .required()
+      .type_name("")
+      .not_empty();
   setCommand.add_option("VALUE", options->value, "The new value").required().type_name("");
   setCommand.footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
   command.footer(

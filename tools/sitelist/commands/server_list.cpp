@@ -6,6 +6,8 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/site_list.h"
@@ -30,8 +32,7 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
     after = before;
   }
   if (after == before) {
-    throw libraryFailure(path, sitehlp::c_errorWrite, exitFile, "the list could not be written",
-                         "check that you may write there and that there is free space");
+    throw writeFailure(path, sitehlp::c_errorWrite, "the list could not be written");
   }
 }
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -120,6 +120,7 @@ std::vector<std::string> split(const std::string& list) {
 int show(Context& context, ShowOptions options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
+  requireFilterKeys(options.selection);
   const AgentForReading agent(context, options.file);
   const Format format = formatOf(context);
   Report report;
@@ -139,11 +140,10 @@ int show(Context& context, ShowOptions options) {
   };
   context.report = std::move(report);
   if (list->result != 0) throw libraryFailure(agent.path(), list->result);
+  warnOfUnreadPasswords(agent.path(), options.file.empty());
   if (counts.selected != 0) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": "
-            << (counts.read != 0 ? "no site matches" + noteOnFilters(options.selection)
-                                 : "the list has no sites")
-            << '\n';
+            << (counts.read != 0 ? "no site matches" : "the list has no sites") << '\n';
   return exitNegative;
 }
 
@@ -159,12 +159,14 @@ void addShow(Command& app, Context& context) {
                   "Columns of the table, separated by commas: order, kind,\ntype, name, "
                   "address, path, state, or any field of the\nJSON form")
       .type_name("LIST")
+      .not_empty()
       .suggests(columnNames)
       .completes(Completion::List);
   command
       .add_option("--sort", options->selection.sort,
                   "Sort by this column; -COLUMN sorts in descending order")
       .type_name("COLUMN")
+      .not_empty()
       .suggests(columnNames);
   command
       .add_repeated("--filter", options->selection.filters,

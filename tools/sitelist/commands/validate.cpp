@@ -7,6 +7,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/validate/validation.h"
@@ -84,12 +85,21 @@ Report reportOf(std::vector<CheckedList> lists, bool strict) {
 
 void requireSense(const ValidateOptions& options) {
   if (options.managed && options.unmanaged) {
-    throw Failure(exitUsage, "--managed and --unmanaged exclude each other",
+    throw Failure(exitUsage, "--managed and --unmanaged cannot be used together",
                   "give at most one of them");
   }
   if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
     throw Failure(exitUsage, "standard input can be read only once", "give \"-\" at most once");
   }
+}
+
+CheckedList check(const PrivateAgent& agent, const std::string& file, bool checkServer) {
+  if (file != "-") return {file, validateList({file, file}, checkServer)};
+  Input input;
+  if (const int error = tryReadInput(file, input)) {
+    return {input.name, {faultOfReading(readErrorOf(error))}};
+  }
+  return {input.name, validateList(storeStandardInput(agent, input), checkServer)};
 }
 
 int validate(Context& context, const ValidateOptions& options) {
@@ -98,18 +108,17 @@ int validate(Context& context, const ValidateOptions& options) {
   std::vector<CheckedList> lists;
   int status = exitSuccess;
   for (const std::string& file : options.files) {
-    const ListSource source =
-        file == "-" ? storeStandardInput(agent, readInput(file)) : ListSource{file, file};
-    CheckedList list{source.name, validateList(source, !options.unmanaged)};
+    CheckedList list = check(agent, file, !options.unmanaged);
     for (const Fault& fault : list.faults) {
       if (!counts(fault, options.strict)) continue;
       list.isValid = false;
       status = std::max<int>(status, std::max(fault.rule->status, exitNegative));
     }
     lists.push_back(std::move(list));
+    // What is known so far is reported also when the next list fails.
+    context.report = reportOf(lists, options.strict);
   }
   clearLogRecords();
-  context.report = reportOf(std::move(lists), options.strict);
   return status;
 }
 

@@ -2,7 +2,7 @@
 #include <ostream>
 
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/site_report.h"

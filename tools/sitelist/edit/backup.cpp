@@ -9,6 +9,7 @@
 #include "host/fs/files.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -72,8 +73,7 @@ std::string readBackup(const std::string& list) {
                     "use --backup with edits that you may want to undo");
   }
   if (error) {
-    throw failureAt(path, exitFile, std::string("cannot be read: ") + std::strerror(error),
-                    "check that it is a regular file that you may read");
+    throw failureAt(path, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
   }
   return bytes;
 }

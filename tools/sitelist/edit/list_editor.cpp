@@ -6,6 +6,8 @@
 #include "sitehlp/result_codes.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/edit/element_edit.h"
 

@@ -55,7 +55,7 @@ Entry& siteNamed(ListEditor& list, const SiteName& name) {
 }
 
 void failNotThere(const ListEditor& list, const SiteName& name) {
-  throw failureAt(list.path(), exitNotFound, "there is no " + titleOf(name),
+  throw failureAt(list.path(), exitNotFound, missingSite(name.name, name.kind),
                   "list all sites with `sitelist show`");
 }
 

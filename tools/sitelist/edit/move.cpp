@@ -28,12 +28,20 @@ std::vector<Entry*> searchOrder(ListEditor& list) {
 Entry& movable(ListEditor& list, const SiteName& name) {
   Entry& site = siteNamed(list, name);
   if (hasPlace(*site.record)) return site;
-  const char* const what = site.record->eSiteKind == sitehlp::SITE_KIND_PROXY ? "a proxy"
-                           : site.record->bMirror                             ? "a mirror"
-                                                  : "a fallback without an order";
-  throw Failure(
-      exitUsage, titleOf(*site.record) + ": " + what + " has no place in the search order",
-      "move another site, or give this one another type or an order with `sitelist edit set`");
+  struct Placeless {
+    const char* what;
+    const char* advice;
+  };
+  const Placeless placeless =
+      site.record->eSiteKind == sitehlp::SITE_KIND_PROXY
+          ? Placeless{"a proxy", "name a site that is not a proxy"}
+      : site.record->bMirror
+          ? Placeless{"a mirror", "set another type with `sitelist edit set`, or name another site"}
+          : Placeless{"a fallback without an order",
+                      "set an order with `sitelist edit set`, or name another site"};
+  throw Failure(exitUsage,
+                titleOf(*site.record) + ": " + placeless.what + " has no place in the search order",
+                placeless.advice);
 }
 
 // Where among the `others` the site goes.

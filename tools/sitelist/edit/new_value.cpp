@@ -6,6 +6,7 @@
 #include "platform/common/astring.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_report.h"
 
 namespace tool {
 namespace {
@@ -32,7 +33,7 @@ std::wstring checkedText(const DocumentField& field, const std::string& value) {
   const auto limit = static_cast<std::size_t>(field.limit);
   if (field.form != FieldForm::Hosts && text.size() > limit) {
     refuse(field, "the value has " + std::to_string(text.size()) + " characters",
-           "give at most " + std::to_string(limit) + "; the agent would cut the rest");
+           "give at most " + std::to_string(limit) + "; the agent cuts the rest");
   }
   if (field.form == FieldForm::NetbiosName && text.find(L'.') != std::wstring::npos) {
     refuse(field, "a NetBIOS name must not have a dot", "give only the part before the first dot");
@@ -48,9 +49,9 @@ std::wstring checkedHosts(const DocumentField& field, const std::wstring& text) 
     const std::size_t end = std::min(text.find(L';', begin), text.size());
     if (end != begin) {
       if (hosts.size() + (end - begin) + 1 >= c_hostsLimit) {
-        refuse(field, "there are too many hosts",
-               "give less than " + std::to_string(c_hostsLimit - 1) +
-                   " characters; the agent would drop the rest");
+        const std::size_t most = c_hostsLimit - (hosts.empty() ? 2 : 1);
+        refuse(field, hosts.empty() ? "the host is too long" : "there are too many hosts",
+               "give at most " + std::to_string(most) + " characters; the agent drops the rest");
       }
       if (!hosts.empty()) hosts += L';';
       hosts.append(text, begin, end - begin);
@@ -89,26 +90,32 @@ bool isPasswordName(const std::string& name) {
 
 [[noreturn]] void refuseField(const DocumentKind& kind, const std::string& name) {
   if (name == "name") {
-    throw Failure(exitUsage, "the name is not set as a field",
+    throw Failure(exitUsage, "the field \"name\" cannot be set",
                   "use `sitelist edit rename OLD NEW`");
   }
+  const std::vector<std::string>& known = siteFieldNames();
+  const bool isKnown = std::find(known.begin(), known.end(), name) != known.end();
+  const std::string field = "field \"" + shown(name) + "\"";
+  const std::string kindName = kind.name;
   throw Failure(exitUsage,
-                "\"" + shown(name) + "\" is not a field that can be set; the fields of kind " +
-                    kind.name + " are\n" + fieldNames(kind, "  "),
-                "use one of them");
+                isKnown ? "a site of kind " + kindName + " has no " + field + " that can be set"
+                        : "unknown " + field,
+                "use one of the fields of kind " + kindName + ":\n" + fieldNames(kind, "  "));
 }
 
-NewValue parse(const DocumentKind& kind, const std::string& assignment) {
+NewValue parse(const DocumentKind& kind, const std::string& assignment, std::size_t number) {
   const std::size_t equals = assignment.find('=');
   // What has no "=" may be a password that was mistyped, so it is not repeated.
   if (equals == std::string::npos) {
-    throw Failure(exitUsage, "an argument has no \"=\"", "give every field as FIELD=VALUE");
+    throw Failure(exitUsage, "FIELD=VALUE number " + std::to_string(number) + " has no \"=\"",
+                  "give every field as FIELD=VALUE");
   }
   const std::string name = assignment.substr(0, equals);
   if (isPasswordName(name)) {
     throw Failure(
         exitUsage,
-        name + ": a password does not belong on the command line, where everybody can see it",
+        name +
+            ": a password must not be on the command line, because other users can read it there",
         std::string("use --password-stdin or --password-file FILE") +
             (name == "password" ? "" : " with --password-field " + name));
   }
@@ -181,7 +188,7 @@ std::vector<NewValue> newValues(const DocumentKind& kind,
                                 const GivenPassword& password) {
   std::vector<NewValue> values;
   for (const std::string& assignment : assignments) {
-    NewValue value = parse(kind, assignment);
+    NewValue value = parse(kind, assignment, values.size() + 1);
     const bool isTwice = std::any_of(values.begin(), values.end(), [&](const NewValue& before) {
       return before.field == value.field;
     });

@@ -40,7 +40,7 @@ Outcome setFields(ListEditor& list, const SiteName& name,
 }
 
 Outcome removeSite(ListEditor& list, const SiteName& name) {
-  if (sitesNamed(list, name).empty()) return {"", "there is no " + titleOf(name)};
+  if (sitesNamed(list, name).empty()) return {"", missingSite(name.name, name.kind)};
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
   list.remove(site);
@@ -53,7 +53,7 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
   const bool isTaken = !holders.empty();
   if (isTaken && newName == name.name) return {"", titleOf(target) + " already has this name"};
   if (isTaken && sitesNamed(list, name).empty()) {
-    return {"", titleOf(target) + " exists already, and there is no " + titleOf(name)};
+    return {"", titleOf(target) + " exists already, and " + missingSite(name.name, name.kind)};
   }
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
@@ -63,7 +63,8 @@ Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& ne
   const NewValue value = textValue(*findField(documentKindOf(site), "name"), newName);
   if (isTaken) {
     throw failureAt(list.path(), exitConflict,
-                    "the new name is already that of " + titleOf(*holders.front()->record),
+                    "the name \"" + shown(newName) + "\" is already used by " +
+                        titleOf(*holders.front()->record),
                     "choose another name, or remove that site");
   }
   list.set(site, value);

@@ -8,6 +8,7 @@
 
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
@@ -83,7 +84,7 @@ void ListAccess::lock(unsigned int waitMilliseconds) {
     throw failureAt(m_path, exitFile, "the agent's locks cannot be used",
                     "check that you may write in the directory \"locks\" of the agent");
   }
-  throw failureAt(m_path, exitConflict, "locked by another process of the agent",
+  throw failureAt(m_path, exitConflict, "the list is locked by another process",
                   "try again, or wait longer with --wait SECONDS");
 }
 
@@ -115,7 +116,7 @@ int restoreBackup(Context& context, const EditOptions& options) {
   if (options.backup) {
     throw Failure(exitUsage,
                   "--backup cannot be used with restore, which needs the existing backup",
-                  "leave --backup out");
+                  "omit --backup");
   }
   const ListAccess access(context, options);
   const std::string& path = access.path();

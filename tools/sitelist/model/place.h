@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/xml/advxmlparser.h"
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/read_error.h"
 
 namespace tool {
 

@@ -15,13 +15,18 @@ using sitehlp::tag_Site;
 const std::vector<std::string> c_tableColumns = {"order",   "kind", "type", "name",
                                                  "address", "path", "state"};
 
-bool matches(const tag_Site& site, const std::string& filter) {
+// What is in front of the first "=".
+std::string keyIn(const std::string& filter) {
   const std::size_t mark = filter.find('=');
-  const std::string what = mark == std::string::npos ? "" : filter.substr(0, mark);
-  const std::wstring rest = wide(filter.substr(mark + 1));
-  if (what == "kind") return matchesPattern(wide(kindOf(site)), rest);
-  if (what == "type") return matchesPattern(site.szType, rest);
-  if (what == "name") return matchesPattern(nameOf(site), rest);
+  return mark == std::string::npos ? "" : filter.substr(0, mark);
+}
+
+bool matches(const tag_Site& site, const std::string& filter) {
+  const std::string key = keyIn(filter);
+  const std::wstring rest = wide(filter.substr(filter.find('=') + 1));
+  if (key == "kind") return matchesPattern(wide(kindOf(site)), rest);
+  if (key == "type") return matchesPattern(site.szType, rest);
+  if (key == "name") return matchesPattern(nameOf(site), rest);
   const std::wstring pattern = wide(filter);
   return matchesPattern(wide(kindOf(site)), pattern) || matchesPattern(site.szType, pattern) ||
          matchesPattern(nameOf(site), pattern);
@@ -53,14 +58,13 @@ bool isSelected(const tag_Site& site, const Selection& selection) {
                      [&](const std::string& filter) { return matches(site, filter); });
 }
 
-std::string noteOnFilters(const Selection& selection) {
+void requireFilterKeys(const Selection& selection) {
   for (const std::string& filter : selection.filters) {
-    const std::size_t mark = filter.find('=');
-    const std::string key = mark == std::string::npos ? "" : filter.substr(0, mark);
+    const std::string key = keyIn(filter);
     if (key.empty() || key == "kind" || key == "type" || key == "name") continue;
-    return "; \"" + shown(key) + "\" is not a filter key, use kind, type or name";
+    throw Failure(exitUsage, "unknown filter key \"" + shown(key) + "\"",
+                  "use one of kind, type, name; name=PATTERN matches a name with \"=\"");
   }
-  return "";
 }
 
 std::vector<const tag_Site*> select(const tag_Site* list, const Selection& selection) {

@@ -17,9 +17,8 @@ struct Selection {
 // Whether the site's kind, type or name matches all the filters; case is ignored.
 bool isSelected(const sitehlp::tag_Site& site, const Selection& selection);
 
-// What to say of the filters when no site matches: a "KEY=" that is not a filter key, which makes
-// the whole text a pattern. Empty when there is none.
-std::string noteOnFilters(const Selection& selection);
+// Fails when a filter has a "KEY=" of another key in front.
+void requireFilterKeys(const Selection& selection);
 
 // The selected sites by the column asked for; without one in the order of the list.
 std::vector<const sitehlp::tag_Site*> select(const sitehlp::tag_Site* list,

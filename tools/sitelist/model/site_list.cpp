@@ -1,6 +1,6 @@
 #include "tools/sitelist/model/site_list.h"
 
-#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -40,6 +40,10 @@ SiteList asWritten(SiteList& list, const std::string& scratch) {
   SiteList written = readSiteList(scratch);
   written.path = list.path;
   return written;
+}
+
+std::string missingSite(const std::string& name, const std::string& kind) {
+  return "there is no site \"" + shown(name) + "\"" + (kind.empty() ? "" : " of kind " + kind);
 }
 
 std::string countEntries(const sitehlp::tag_Site* sites) {

@@ -37,6 +37,9 @@ void writeSiteList(SiteList& list, const std::string& path);
 // that is tried. `path` is kept.
 SiteList asWritten(SiteList& list, const std::string& scratch);
 
+// 'there is no site "Depot"'; with a kind: 'there is no site "Depot" of kind http'.
+std::string missingSite(const std::string& name, const std::string& kind);
+
 // "1 entry", "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);
 
@@ -67,6 +70,8 @@ bool opensWithAgentKey(const std::wstring& protectedText);
 // The names of the sites with a password that the key of the agent served does not open. The reader
 // gives such a password as an empty one.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
+// Warns of the passwords of `path` that were just read as empty for that reason, if any were.
+void warnOfUnreadPasswords(const std::string& path, bool isOwnList);
 // Fails when there are such sites, because writing the list would lose their passwords.
 void refuseLostPasswords(const std::string& path);
 

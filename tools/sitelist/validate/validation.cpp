@@ -2,10 +2,12 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cwchar>
 
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
@@ -101,17 +103,18 @@ void addLoggedFaults(const PlacedElement& root, bool isBesideKeys, Faults& fault
 
 }  // namespace
 
+Fault faultOfReading(const ReadError& error) {
+  return {findRule(error.rule), {error.line, error.column}, error.reason};
+}
+
 std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
   Faults faults;
-  if (::access(source.path.c_str(), F_OK) != 0) {
+  if (::access(source.path.c_str(), F_OK) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
     faults.add("missing-file", {}, "the file does not exist");
     return faults.take();
   }
   PlacedDocument document;
-  if (const auto error = document.read(source.path)) {
-    faults.add(error->rule, {error->line, error->column}, error->reason);
-    return faults.take();
-  }
+  if (const auto error = document.read(source.path)) return {faultOfReading(*error)};
   clearLogRecords();
   sitehlp::CSitesHelper helper(true);
   sitehlp::tag_Site* list = nullptr;
@@ -121,6 +124,7 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
   if (read == sitehlp::c_errorGeneral && unknownSite) {
     faults.add("unknown-site", unknownSite->place, "the last site of the list is of unknown kind");
   } else if (read != 0) {
+    if (const auto error = findReadError(source.path, read)) return {faultOfReading(*error)};
     throw libraryFailure(source.path, read);
   }
   const int checked = helper.SourceSiteListCheck(sites.get(), checkServer);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/validate/fault.h"
 
 namespace tool {
@@ -19,6 +20,9 @@ struct ListSource {
 // All faults of a list in the order of the document, warnings included. With `checkServer`, also
 // those of its management server. Fails when the library's result has no reason.
 std::vector<Fault> validateList(const ListSource& source, bool checkServer);
+
+// The fault of a document that cannot be read.
+Fault faultOfReading(const ReadError& error);
 
 // The faults that the library's own checks logged, placed in the file.
 std::vector<Fault> loggedFaults(const std::string& path);

@@ -19,8 +19,7 @@ constexpr unsigned int c_exclusionFormatCapacity = 4000;
 void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serverName,
                wchar_t (&server)[c_textCapacity], const wchar_t* portName, std::int32_t port) {
   if (server[0] == L'\0') return;
-  helper.FormatEnvSymbols(server, c_textCapacity);
-  writer.addAttribute(serverName, server);
+  writer.addAttribute(serverName, formatField(helper, server));
   writer.addAttribute(portName, Decimal(static_cast<unsigned int>(port)));
 }
 

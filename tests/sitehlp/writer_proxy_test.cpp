@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cwchar>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -208,6 +210,28 @@ TEST_F(WriterProxy, OpensItsScopes) {
   EXPECT_THAT(entered, testing::ElementsAre(L"Creating Sitelist", L"Adding Proxy site",
                                             L"Formatting environment symbols",
                                             L"Formatting environment symbols"));
+}
+
+TEST_F(WriterProxy, ServerWithoutATerminatorShowsNothingOfThePortBehindIt) {
+  tag_Site* site = newSite(sitehlp::SITE_KIND_PROXY);
+  auto& server = site->proxy.szHttpProxyServer;
+  const std::wstring macro = L"%%lt%%";
+  std::wmemset(server, L'x', std::size(server));
+  macro.copy(server, macro.size());
+  site->proxy.iHttpProxyPort = 'P';
+  const std::string rest(std::size(server) - 1 - macro.size(), 'x');
+  EXPECT_THAT(siteOf(site), HasSubstr("Server=\"&lt;" + rest + "\""));
+}
+
+TEST_F(WriterProxy, BytesBehindTheTextOfAServerAreNotTouched) {
+  tag_Site* site = newSite(sitehlp::SITE_KIND_PROXY);
+  const test::ListPtr list(site);
+  const std::wstring text(L"f\0rest", 6);
+  text.copy(site->proxy.szHttpProxyServer, text.size());
+  text.copy(site->proxy.szFtpProxyServer, text.size());
+  sitesOf(list);
+  EXPECT_EQ(std::wstring(site->proxy.szHttpProxyServer, text.size()), text);
+  EXPECT_EQ(std::wstring(site->proxy.szFtpProxyServer, text.size()), text);
 }
 
 }  // namespace

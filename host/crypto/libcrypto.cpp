@@ -33,7 +33,7 @@ void prepareProcess() HOST_REQUIRES(c_libcryptoMutex) {
 std::string describe(unsigned long code, const char* data) {
   const char* const reason = ERR_reason_error_string(code);
   std::string text = reason ? reason : "error " + std::to_string(code);
-  if (data && *data) text.append(" (").append(data).append(")");
+  if (*data) text.append(" (").append(data).append(")");
   return text;
 }
 

@@ -1,12 +1,15 @@
 #include "host/crypto/cipher.h"
 
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 #include <openssl/provider.h>
 
 #include <cstdlib>
+#include <new>
 #include <string>
 
 #include "host/crypto/libcrypto.h"
+#include "tests/support/child_process.h"
 
 namespace {
 
@@ -71,6 +74,50 @@ TEST(CipherDeathTest, IsNoneWhenTheConfigurationLeavesTheDefaultProviderOut) {
         std::_Exit(isAlone && !find() ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
+}
+
+// libcrypto gets no memory while this is 0; else it counts down, and below 0 there is always some.
+long g_allocationsLeft = -1;
+
+bool isOutOfMemory() {
+  if (g_allocationsLeft > 0) --g_allocationsLeft;
+  return g_allocationsLeft == 0;
+}
+void* allocate(std::size_t size, const char*, int) {
+  return isOutOfMemory() ? nullptr : std::malloc(size);
+}
+void* reallocate(void* memory, std::size_t size, const char*, int) {
+  return isOutOfMemory() ? nullptr : std::realloc(memory, size);
+}
+void release(void* memory, const char*, int) { std::free(memory); }
+
+// Tells how often the cipher could not be looked up for want of memory until it was found.
+CHILD_PROCESS(findCipherWithoutMemory) {
+  if (CRYPTO_set_mem_functions(allocate, reallocate, release) != 1) return 2;
+  const host::LibcryptoUse use;
+  EVP_CIPHER_free(EVP_CIPHER_fetch(nullptr, "AES-128-CBC", nullptr));
+  std::string reason;
+  CipherPtr found;
+  int refusals = 0;
+  for (long count = 1; !found && reason.empty(); ++count) {
+    g_allocationsLeft = count;
+    try {
+      found = host::findCipher(reason);
+    } catch (const std::bad_alloc&) {
+      ++refusals;
+    }
+    g_allocationsLeft = -1;
+  }
+  channel.send(std::to_string(refusals));
+  channel.send(found ? "found" : "none: " + reason);
+  return 0;
+}
+
+TEST(Cipher, IsNotCalledMissingForWantOfMemory) {
+  test::ChildProcess child("findCipherWithoutMemory", {});
+  EXPECT_GT(std::stoi("0" + child.receive()), 0);
+  EXPECT_EQ(child.receive(), "found");
+  EXPECT_EQ(child.wait(), 0);
 }
 
 }  // namespace

@@ -4,8 +4,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <functional>
 #include <string>
+#include <vector>
 
+#include "host/crypto/key_file.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/child_process.h"
 #include "tests/support/faulty_file_system.h"
@@ -140,6 +144,120 @@ TEST(KeyFileFault, OpenKeyFileThatCannotBeClosedIsUsedAndReported) {
   EXPECT_FALSE(files.failed().empty());
   ASSERT_FALSE(agent.texts(LogLevel::Info).empty());
   EXPECT_NE(agent.texts(LogLevel::Info)[0].find(L"its mode cannot be changed"), std::wstring::npos);
+}
+
+// A key file that is open to others, and what happens to it while it is read.
+class OpenKeyFile : public testing::Test {
+ protected:
+  OpenKeyFile() { test::writeFile(m_path, std::string(32, 'k'), 0640); }
+
+  bool read() {
+    host::SecretBytes key;
+    host::KeyFileState state;
+    return host::readKeyFile(m_path, key, state);
+  }
+  // Reads the key while the action is carried out just after the file was opened.
+  bool readWhile(const std::function<void()>& action) {
+    FaultyFileSystem files;
+    bool isDone = false;
+    files.beforeEach([&](FileCall call) {
+      if (call == FileCall::StatOpen && !isDone) {
+        isDone = true;
+        action();
+      }
+    });
+    const bool hasKey = read();
+    EXPECT_TRUE(isDone);
+    return hasKey;
+  }
+  void expectLeftAlone(const std::string& file) {
+    struct stat info;
+    ASSERT_EQ(::stat(file.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640u);
+    EXPECT_EQ(m_agent.texts(LogLevel::Info),
+              std::vector<std::wstring>{L"Key file " + test::wide(m_path) +
+                                        L": open to other users, and not ours to close"});
+    m_agent.clearLog();
+  }
+
+  test::TestAgent m_agent;
+  const std::string m_keystore = m_agent.dataDirectory() + "/keystore";
+  const std::string m_aside = m_agent.dataDirectory() + "/aside";
+  const std::string m_path = test::passwordKeyPath(m_agent.dataDirectory());
+};
+
+TEST_F(OpenKeyFile, ThatLosesItsNameMeanwhileIsUsedAndLeftAlone) {
+  EXPECT_TRUE(readWhile([&] { std::filesystem::rename(m_path, m_aside); }));
+  expectLeftAlone(m_aside);
+}
+
+TEST_F(OpenKeyFile, ThatIsReplacedMeanwhileIsUsedAndLeftAlone) {
+  EXPECT_TRUE(readWhile([&] {
+    std::filesystem::rename(m_path, m_aside);
+    test::writeFile(m_path, std::string(32, 'n'), 0640);
+  }));
+  expectLeftAlone(m_aside);
+  struct stat info;
+  ASSERT_EQ(::stat(m_path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0640u) << "the new file was closed";
+}
+
+TEST_F(OpenKeyFile, WhoseDirectoryIsMovedAwayMeanwhileIsUsedAndLeftAlone) {
+  EXPECT_TRUE(readWhile([&] { std::filesystem::rename(m_keystore, m_aside); }));
+  expectLeftAlone(m_aside + "/password.key");
+}
+
+// What is told about the place of a file differs in one point from what the file itself tells.
+class OddPlace : public FaultyFileSystem {
+ public:
+  enum class Point { Device, DirectoryOwner };
+  explicit OddPlace(Point point) : m_point(point) {}
+  int statOpen(int fd, struct stat& out) override {
+    const int result = FaultyFileSystem::statOpen(fd, out);
+    if (m_point == Point::DirectoryOwner && S_ISDIR(out.st_mode)) ++out.st_uid;
+    return result;
+  }
+  int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
+    const int result = FaultyFileSystem::stat(directory, path, follow, out);
+    if (m_point == Point::Device) ++out.st_dev;
+    return result;
+  }
+
+ private:
+  Point m_point;
+};
+
+TEST_F(OpenKeyFile, WhoseNameLeadsToAnotherFileSystemIsUsedAndLeftAlone) {
+  const OddPlace files(OddPlace::Point::Device);
+  EXPECT_TRUE(read());
+  expectLeftAlone(m_path);
+}
+
+TEST_F(OpenKeyFile, InADirectoryOfAnotherUserIsUsedAndLeftAlone) {
+  const OddPlace files(OddPlace::Point::DirectoryOwner);
+  EXPECT_TRUE(read());
+  expectLeftAlone(m_path);
+}
+
+TEST_F(OpenKeyFile, IsClosedOrReportedWhateverCallFails) {
+  int reports = 0;
+  for (std::size_t number = 0;; ++number) {
+    ASSERT_EQ(::chmod(m_path.c_str(), 0640), 0);
+    m_agent.clearLog();
+    FaultyFileSystem files;
+    files.failCall(number, EIO);
+    const bool hasKey = read();
+    if (files.failed().empty()) break;
+    SCOPED_TRACE(testing::Message() << "call " << number << ": " << files.failed()[0]);
+    EXPECT_EQ(m_agent.texts(LogLevel::Error).size(), hasKey ? 0u : 1u);
+    struct stat info;
+    ASSERT_EQ(::stat(m_path.c_str(), &info), 0);
+    const bool isOpen = (info.st_mode & 07777) == 0640u;
+    if (!hasKey || !isOpen) continue;
+    ++reports;
+    EXPECT_EQ(m_agent.texts(LogLevel::Info).size(), 1u);
+  }
+  EXPECT_GT(reports, 2) << "the calls that find out whose the file is";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/common/base64.h"
+#include "host/crypto/key_span.h"
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/faulty_file_system.h"
@@ -181,6 +182,26 @@ TEST_F(KeyReport, TellsOnceForAListThatTheKeyIsAnotherAgents) {
   EXPECT_EQ(other.messages().size(), 1U);
   EXPECT_THAT(other.texts(LogLevel::Error),
               ElementsAre(testing::StartsWith(L"3 protected passwords cannot be decrypted with ")));
+}
+
+// The room for what was logged is bounded.
+TEST_F(KeyReport, TellsEachOfEightErrorsOnceForAListAndFurtherOnesEachTime) {
+  std::vector<std::wstring> expected;
+  {
+    const KeptKeys kept;
+    for (int turn = 0; turn < 2; ++turn) {
+      for (int i = 0; i < 10; ++i) {
+        const std::wstring text = L"error " + std::to_wstring(i);
+        host::logErrorOnce(AString(text));
+        if (turn == 0 || i >= 8) expected.push_back(text);
+      }
+    }
+  }
+  EXPECT_EQ(m_agent.texts(LogLevel::Error), expected);
+  m_agent.clearLog();
+  const KeptKeys next;
+  host::logErrorOnce(AString(L"error 0"));
+  EXPECT_EQ(m_agent.texts(LogLevel::Error).size(), 1U) << "of another list";
 }
 
 }  // namespace

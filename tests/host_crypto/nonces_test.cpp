@@ -1,9 +1,11 @@
 #include "host/crypto/nonces.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <memory>
 #include <set>
 #include <string>
 #include <thread>
@@ -11,6 +13,7 @@
 
 #include "host/process/fork_generation.h"
 #include "tests/host_crypto/encryption_object.h"
+#include "tests/support/child_process.h"
 #include "tests/support/test_agent.h"
 
 // Nonces that are drawn in advance, in a process that forks.
@@ -164,6 +167,42 @@ TEST(ForkGeneration, IsAnotherInEveryProcessOfALine) {
       }));
   EXPECT_EQ(all.size(), 2U);
   EXPECT_EQ(distinct(all), 2U);
+}
+
+// The process cannot have the memory that a fork wipes: it takes no number, and draws one by one.
+CHILD_PROCESS(drawWithoutGeneration) {
+  {
+    // A sanitizer's allocator ends the process when it gets no memory: it has to have some in
+    // stock.
+    std::vector<std::unique_ptr<std::uint64_t>> stock(1000);
+    for (auto& each : stock) each = std::make_unique<std::uint64_t>(0);
+  }
+  rlimit usual{};
+  if (::getrlimit(RLIMIT_AS, &usual) != 0) return 2;
+  rlimit none = usual;
+  none.rlim_cur = 1;
+  if (::setrlimit(RLIMIT_AS, &none) != 0) return 2;
+  const std::uint64_t generation = host::forkGeneration();
+  if (::setrlimit(RLIMIT_AS, &usual) != 0) return 2;
+  channel.send(std::to_string(generation));
+  channel.send(std::to_string(host::forkGeneration()));
+  host::Nonces nonces;
+  std::multiset<std::string> all;
+  add(all, drawnInHex(nonces, 100));
+  add(all, inChild([&] { return drawnInHex(nonces, 100); }));
+  add(all, drawnInHex(nonces, 100));
+  channel.send(std::to_string(all.size()));
+  channel.send(std::to_string(distinct(all)));
+  return 0;
+}
+
+TEST(Nonces, AreAllDifferentInAProcessThatCannotTellItsChildrenFromItself) {
+  test::ChildProcess child("drawWithoutGeneration", {});
+  EXPECT_EQ(child.receive(), "0");
+  EXPECT_EQ(child.receive(), "0") << "not for good";
+  EXPECT_EQ(child.receive(), "300");
+  EXPECT_EQ(child.receive(), "300");
+  EXPECT_EQ(child.wait(), 0);
 }
 
 }  // namespace

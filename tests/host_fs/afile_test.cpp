@@ -236,6 +236,43 @@ TEST_F(Files, AreNotTheSameWhenTheyOnlyShareTheirNameOrTheirBytes) {
   EXPECT_TRUE(agent.log().empty());
 }
 
+// Two file systems that number their files alike: `elsewhere` is on the second one.
+class TwoFileSystems : public test::FaultyFileSystem {
+ public:
+  explicit TwoFileSystems(const std::string& elsewhere) {
+    EXPECT_EQ(::stat(elsewhere.c_str(), &m_elsewhere), 0);
+  }
+  int statOpen(int fd, struct stat& out) override {
+    return numbered(FaultyFileSystem::statOpen(fd, out), out);
+  }
+  int stat(int directory, const std::string& path, bool follow, struct stat& out) override {
+    return numbered(FaultyFileSystem::stat(directory, path, follow, out), out);
+  }
+
+ private:
+  int numbered(int result, struct stat& out) const {
+    if (result < 0) return result;
+    if (out.st_ino == m_elsewhere.st_ino) ++out.st_dev;
+    out.st_ino = 1;
+    return result;
+  }
+
+  struct stat m_elsewhere {};
+};
+
+TEST_F(Files, AreNotTheSameOnTwoFileSystems) {
+  test::writeFile(path("d/f"), "x");
+  test::writeFile(path("d/mounted"), "x");
+  test::writeFile(path("e/f"), "x");
+  {
+    const TwoFileSystems files(path("e"));
+    EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("e/f")));
+    EXPECT_TRUE(AFiler::isSameFile(wpath("d/f"), wpath("d/mounted"))) << "of one number";
+  }
+  const TwoFileSystems files(path("d/mounted"));
+  EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("d/mounted")));
+}
+
 TEST_F(Files, CountAsTheSameWhenThatCannotBeTold) {
   test::writeFile(path("f"), "x");
   std::filesystem::create_symlink("loop", path("loop"));

@@ -249,4 +249,45 @@ TEST_F(Links, MakeNoProgramThatRunsWithAnotherUsersRights) {
   EXPECT_EQ(modeOf(path("own/f")), 0755U);
 }
 
+// What some systems say to opening a symbolic link as a directory.
+class LoopForLink : public test::FaultyFileSystem {
+ public:
+  int open(int directory, const std::string& name, int flags, mode_t mode) override {
+    const int opened = FaultyFileSystem::open(directory, name, flags, mode);
+    struct stat info {};
+    const bool isLink = opened < 0 && FaultyFileSystem::stat(directory, name, false, info) == 0 &&
+                        S_ISLNK(info.st_mode);
+    return isLink ? -ELOOP : opened;
+  }
+};
+
+TEST_F(Links, AreFollowedWhereTheSystemSpeaksOfALoop) {
+  link("own", "mine");
+  link("dangling", "dangling");
+  const LoopForLink odd;
+  EXPECT_EQ(replace(path("mine/f"), "new"), 0);
+  EXPECT_EQ(test::readFile(path("own/f")), "new");
+  EXPECT_EQ(replace(path("own/f/below"), "new"), ENOTDIR);
+  EXPECT_EQ(replace(path("dangling/f"), "new"), ELOOP);
+}
+
+TEST_F(Links, AtTheBeginningOfARelativePathAreLookedAtAsAnyOther) {
+  link("own", "mine");
+  link("mine/f", "mine-to-file");
+  link("victim", "foreign");
+  const std::string before = std::filesystem::current_path();
+  std::filesystem::current_path(dir.path());
+  EXPECT_EQ(replace("mine/f", "new"), 0);
+  EXPECT_EQ(replace("mine-to-file", "newer"), 0);
+  EXPECT_EQ(host::makeDirectory("mine/d", 0700), 0);
+  EXPECT_EQ(replace("foreign/f", "new"), EPERM);
+  EXPECT_EQ(host::removeFile("mine-to-file"), 0);
+  std::filesystem::current_path(before);
+  EXPECT_EQ(test::readFile(path("own/f")), "newer");
+  EXPECT_THAT(namesIn(path("own")), ElementsAre("d", "f"));
+  EXPECT_THAT(error(), HasSubstr("Cannot write foreign/f: the symbolic link foreign belongs to"));
+  EXPECT_EQ(test::readFile(path("victim/f")), "victim's");
+  EXPECT_THAT(names(), ElementsAre("foreign", "mine", "own", "victim"));
+}
+
 }  // namespace

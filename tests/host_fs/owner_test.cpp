@@ -156,4 +156,18 @@ TEST_F(Owner, IsNotGivenToWhatALinkInBetweenLeadsTo) {
   EXPECT_EQ(info.st_uid, ::geteuid());
 }
 
+TEST_F(Owner, OfADirectoryGivesItsGroupWhereOnlyThatIsAnother) {
+  std::filesystem::create_directory(path("g"));
+  if (m_isRoot) {
+    ASSERT_EQ(::chown(path("g").c_str(), ::geteuid(), c_otherGroup), 0);
+  }
+  EXPECT_EQ(replace(path("g/f"), "new"), 0);
+  struct stat directory {};
+  struct stat file {};
+  ASSERT_EQ(::stat(path("g").c_str(), &directory), 0);
+  ASSERT_EQ(::stat(path("g/f").c_str(), &file), 0);
+  EXPECT_EQ(file.st_uid, ::geteuid());
+  EXPECT_EQ(file.st_gid, directory.st_gid);
+}
+
 }  // namespace

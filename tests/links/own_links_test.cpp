@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <functional>
 
 #include "tests/links/plants.h"
 #include "tests/links/two_users.h"
@@ -62,6 +63,29 @@ class OwnLinks : public testing::Test {
     return name.kind == Name::Kind::File && name.path.find("password.key") == std::string::npos;
   }
 
+  void giveRootsToAgent() {
+    for (const std::string& root : workshop.roots()) test::giveToAgent(root);
+  }
+
+  // The number of runs of the agent's user, each over one name where `plant` has put a link.
+  unsigned long followedByAgentsUser(const std::function<void(const Name&)>& plant) {
+    unsigned long followed = 0;
+    for (const Operation& operation : test::writingOperations()) {
+      for (const Name& name : test::namesOf(workshop)) {
+        if (!mayBeLink(name)) continue;
+        SCOPED_TRACE(testing::Message() << operation.name << " over " << name.path);
+        workshop.reset(operation);
+        workshop.agent.apply();
+        plant(name);
+        test::giveToAgent(elsewhere.path());
+        EXPECT_THAT(test::asAgentUser([&] { return runOver(name, operation); }), IsEmpty());
+        ++followed;
+        cleanUp(name);
+      }
+    }
+    return followed;
+  }
+
   void cleanUp(const Name& name) {
     if (fs::is_symlink(name.path)) fs::remove(name.path);
   }
@@ -117,22 +141,19 @@ TEST_F(OwnLinks, OnTheWayAreFollowed) {
 }
 
 TEST_F(OwnLinks, OfRootAreFollowedByTheAgentsUser) {
-  unsigned long followed = 0;
-  for (const Operation& operation : test::writingOperations()) {
-    for (const Name& name : test::namesOf(workshop)) {
-      if (!mayBeLink(name)) continue;
-      SCOPED_TRACE(testing::Message() << operation.name << " over " << name.path);
-      workshop.reset(operation);
-      workshop.agent.apply();
-      for (const std::string& root : workshop.roots()) test::giveToAgent(root);
-      link(name);  // of the user who runs the test
-      test::giveToAgent(elsewhere.path());
-      EXPECT_THAT(test::asAgentUser([&] { return runOver(name, operation); }), IsEmpty());
-      ++followed;
-      cleanUp(name);
-    }
-  }
-  EXPECT_EQ(followed, 9 * test::writingOperations().size());
+  EXPECT_EQ(followedByAgentsUser([&](const Name& name) {
+              giveRootsToAgent();
+              link(name);  // of the user who runs the test
+            }),
+            9 * test::writingOperations().size());
+}
+
+TEST_F(OwnLinks, OfTheAgentsUserAreFollowedByThatUser) {
+  EXPECT_EQ(followedByAgentsUser([&](const Name& name) {
+              link(name);
+              giveRootsToAgent();
+            }),
+            9 * test::writingOperations().size());
 }
 
 }  // namespace

@@ -180,4 +180,23 @@ TEST(TextEncoding, LimitsTheNumberOfBytes) {
   }
 }
 
+TEST(DeclaredEncoding, IsComparedWithoutRegardToTheCaseOfItsLettersAlone) {
+  for (const char* name : {"UTF-8", "utf-8", "Utf-8", "uTF-8"}) {
+    EXPECT_TRUE(host::agreesWith(name, {UTF_8, true})) << name;
+    EXPECT_FALSE(host::agreesWith(name, {UTF_16LE, true})) << name;
+  }
+  // Characters beside the letters, and as far from others as a letter is from its other case.
+  for (const char* name : {"", "UTF-", "UTF-88", "UTF{8", "UTF`8",
+                           "UTF\x0D"
+                           "8",
+                           "UTFM8", "UTF-X", "\xD5TF-8"}) {
+    EXPECT_FALSE(host::agreesWith(name, {UTF_8, true})) << name;
+  }
+  for (const char* name : {"utf-16", "Utf-16Le", "iso-10646-ucs-2"}) {
+    EXPECT_TRUE(host::agreesWith(name, {UTF_16LE, true})) << name;
+    EXPECT_FALSE(host::agreesWith(name, {UTF_8, false})) << name;
+  }
+  EXPECT_TRUE(host::agreesWith("utf{16", {UTF_8, false})) << "any name that extends ASCII";
+}
+
 }  // namespace

@@ -99,4 +99,68 @@ TEST_F(EditLimits, LeaveTheNameOfTheFileOnceInTheLineOfAFailedWrite) {
                           L"/SiteList.xml: No such file or directory"));
 }
 
+// A document that was edited node by node.
+class EditedDocument : public EditLimits {
+ protected:
+  EditedDocument() {
+    writeFile(own, document(""));
+    EXPECT_TRUE(list.useExistingFile(wide(own), L"ns:SiteLists", nullptr, nullptr));
+  }
+
+  bool isWritten() {
+    agent.clearLog();
+    const bool written = list.writeFile(wide(own), false, false);
+    EXPECT_EQ(agent.texts(LogLevel::Error).size(), written ? 0U : 1U);
+    EXPECT_TRUE(AnXml().useExistingFile(wide(own), L"ns:SiteLists", nullptr, nullptr));
+    return written;
+  }
+  void expectTooMuch(const std::wstring& what) {
+    const std::string before = readFile(own);
+    EXPECT_FALSE(isWritten());
+    EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(tooMuch + what));
+    EXPECT_TRUE(readFile(own) == before) << "the document is another one";
+  }
+
+  AnXml list;
+};
+
+TEST_F(EditedDocument, IsWrittenWithTheMostAttributesOfItsRootAndNotWithMore) {
+  AnXmlNode root(&list);
+  AnXmlValueIndex values(root);
+  AString name;
+  AString value;
+  std::size_t number = 0;
+  while (values.moveNext(name, value)) ++number;
+  for (; number < host::c_maxAttributes; ++number) {
+    root.setValue((L"a" + std::to_wstring(number)).c_str(), L"v");
+  }
+  EXPECT_TRUE(isWritten());
+  root.setValue(L"another", L"v");
+  expectTooMuch(L"number of attributes");
+}
+
+TEST_F(EditedDocument, IsWrittenWithTheMostChildrenOfItsRootAndNotWithMore) {
+  AnXmlNode root(&list);
+  AnXmlNode child;
+  AnXmlChildIndex children(root, nullptr);
+  std::size_t number = 0;
+  while (children.moveNext(child)) ++number;
+  for (; number < host::c_maxChildren; ++number) root.addChild(child, L"Odd", nullptr, nullptr);
+  EXPECT_TRUE(isWritten());
+  root.addChild(child, L"Odd", nullptr, nullptr);
+  expectTooMuch(L"number of child elements");
+}
+
+TEST_F(EditedDocument, IsWrittenAtTheGreatestDepthAndNotBeyond) {
+  AnXmlNode node(&list);
+  for (std::size_t depth = 1; depth < host::c_maxDepth; ++depth) {
+    ASSERT_TRUE(node.addChild(node, L"Odd", nullptr, nullptr));
+  }
+  EXPECT_TRUE(isWritten());
+  node.setValue(nullptr, L"a text is no element");
+  EXPECT_TRUE(isWritten());
+  ASSERT_TRUE(node.addChild(node, L"Odd", nullptr, nullptr));
+  expectTooMuch(L"depth");
+}
+
 }  // namespace

@@ -191,6 +191,9 @@ TEST_F(WriterLimits, TakeAsManyUnknownElementsAsAReaderDoes) {
 TEST_F(WriterLimits, RefuseOneUnknownElementMore) {
   const ManyRecords records(c_mostUnknown + 1, SITE_KIND_HTTP, L"Odd");
   expectRefused(write(records.head()));
+  // Known in a list of proxies alone.
+  const ManyRecords proxies(c_mostUnknown + 1, SITE_KIND_HTTP, L"ProxyConfig");
+  expectRefused(write(proxies.head()));
 }
 
 TEST_F(WriterLimits, CountOnlyUnknownElementsAsSuch) {

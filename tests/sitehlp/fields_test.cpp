@@ -255,6 +255,22 @@ class FieldTables : public test::WriterTest {
   }
 };
 
+TEST(FieldForms, OfPortsAreNumbersAndNumbersAreNoTexts) {
+  for (const FieldForm form : {FieldForm::Port, FieldForm::PortOrNone}) {
+    EXPECT_TRUE(sitehlp::isPort(form));
+    EXPECT_FALSE(sitehlp::isText(form));
+  }
+  for (const FieldForm form : {FieldForm::Flag, FieldForm::Number}) {
+    EXPECT_FALSE(sitehlp::isPort(form));
+    EXPECT_FALSE(sitehlp::isText(form));
+  }
+  for (const FieldForm form : {FieldForm::Text, FieldForm::MacroText, FieldForm::Address,
+                               FieldForm::NetbiosName, FieldForm::Hosts, FieldForm::Password}) {
+    EXPECT_FALSE(sitehlp::isPort(form));
+    EXPECT_TRUE(sitehlp::isText(form));
+  }
+}
+
 // Shows: site-fields
 TEST_F(FieldTables, EveryRowIsReadByItself) {
   for (const Kind& kind : kinds()) {

@@ -54,7 +54,7 @@ class SiteGenerator {
   sitehlp::tag_Site* site() {
     sitehlp::tag_Site* made = newSite(static_cast<sitehlp::SiteKind>(below(5)));
     if (made->eSiteKind == sitehlp::SITE_KIND_PROXY) {
-      fillFields(*made, made->proxy);
+      fillFields(*made);
       proxy(made->proxy);
       return made;
     }
@@ -74,13 +74,8 @@ class SiteGenerator {
         made->iOrder = number();
     }
     // A mirror has no order, and a fallback without one counts as the last.
-    if (made->eSiteKind == sitehlp::SITE_KIND_HTTP) {
-      fillFields(*made, made->http);
-      http(*made);
-    }
-    if (made->eSiteKind == sitehlp::SITE_KIND_FTP) fillFields(*made, made->ftp);
-    if (made->eSiteKind == sitehlp::SITE_KIND_UNC) fillFields(*made, made->unc);
-    if (made->eSiteKind == sitehlp::SITE_KIND_LOCAL) fillFields(*made, made->local);
+    fillFields(*made);
+    if (made->eSiteKind == sitehlp::SITE_KIND_HTTP) http(*made);
     return made;
   }
 
@@ -142,11 +137,10 @@ class SiteGenerator {
   }
 
   // Fills the free fields of the kind's own record.
-  template <typename Record>
-  void fillFields(sitehlp::tag_Site& site, Record&) {
+  void fillFields(sitehlp::tag_Site& site) {
     sitehlp::eachFieldOf(site, [&](const auto& row, auto& value) {
       using Row = std::decay_t<decltype(row)>;
-      if constexpr (std::is_same_v<typename Row::RecordType, Record>) {
+      if constexpr (!std::is_same_v<typename Row::RecordType, sitehlp::tag_Site>) {
         if (!isFree(row)) return;
         if constexpr (std::is_array_v<std::remove_reference_t<decltype(value)>>) {
           fill(value);

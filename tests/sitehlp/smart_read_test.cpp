@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
 #include "tests/sitehlp/sites_helper_fixture.h"
+#include "tests/support/faulty_file_system.h"
 
 // The list that a process keeps, and when it goes back to the file.
 namespace {
@@ -227,6 +230,41 @@ TEST_F(SmartRead, LoadsThePoliciesOfTheFile) {
   tag_Site* list = nullptr;
   ASSERT_EQ(smartRead(file, &list), 0);
   EXPECT_THAT(helper.m_policySettings, ElementsAre(testing::Pair(L"a", L"1")));
+}
+
+// A child is made in the middle of a read, by the thread that is at work there, and goes on with
+// it.
+class ForkWhenOpened : public test::FaultyFileSystem {
+ public:
+  int open(int directory, const std::string& name, int flags, mode_t mode) override {
+    const std::string list = "list.xml";
+    const bool isList = name.size() > list.size() &&
+                        name.compare(name.size() - list.size(), list.size(), list) == 0;
+    if (isList && child < 0) child = ::fork();
+    return FaultyFileSystem::open(directory, name, flags, mode);
+  }
+  pid_t child = -1;  // 0 in the child
+};
+
+TEST_F(SmartRead, IsFinishedByAChildOfForkThatItsOwnThreadMakesMeanwhile) {
+  const std::wstring file = store(named("one"));
+  tag_Site* list = nullptr;
+  pid_t child = -1;
+  int code = -1;
+  {
+    ForkWhenOpened files;
+    code = smartRead(file, &list);
+    child = files.child;
+  }
+  tag_Site* again = nullptr;
+  const bool isKept = code == 0 && list && helper.SmartReadSiteList(file, &again) == 0 &&
+                      again == list && std::wstring(list->unc.szName) == L"one";
+  if (child == 0) ::_exit(isKept ? 0 : 1);
+  EXPECT_TRUE(isKept);
+  ASSERT_GT(child, 0);
+  int status = -1;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace

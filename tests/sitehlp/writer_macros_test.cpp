@@ -227,6 +227,37 @@ TEST_F(WriterMacros, LocalRecordIsChangedWhereItIsFormatted) {
   EXPECT_TRUE(expanded(site->local.szPassword));
 }
 
+TEST_F(WriterMacros, FieldWithoutATerminatorIsCutToItsSize) {
+  tag_Site* http = newSite(sitehlp::SITE_KIND_HTTP);
+  tag_Site* ftp = newSite(sitehlp::SITE_KIND_FTP);
+  tag_Site* unc = newSite(sitehlp::SITE_KIND_UNC);
+  tag_Site* local = newSite(sitehlp::SITE_KIND_LOCAL);
+  tag_Site* proxy = newSite(sitehlp::SITE_KIND_PROXY);
+  const test::ListPtr list = test::chain({http, ftp, unc, local, proxy});
+  put(http->http.szElement, L"VestaSite");
+  const auto eachField = [&](auto visit) {
+    visit(http->http.szServer), visit(http->http.szServerName), visit(http->http.szServerIP);
+    visit(http->http.szRelativePath), visit(http->http.szVersion);
+    visit(ftp->ftp.szServer), visit(ftp->ftp.szRelativePath);
+    visit(unc->unc.szServer), visit(unc->unc.szRelativePath), visit(unc->unc.szDomainName);
+    visit(local->local.szRelativePath), visit(local->local.szDomainName);
+    visit(proxy->proxy.szHttpProxyServer), visit(proxy->proxy.szFtpProxyServer);
+  };
+  char letter = 'a';
+  eachField(
+      [&](auto& field) { std::wmemset(field, static_cast<wchar_t>(letter++), std::size(field)); });
+  const std::string text = sitesOf(list);
+  letter = 'a';
+  eachField([&](auto& field) {
+    const std::string cut(std::size(field) - 1, letter);
+    EXPECT_EQ(test::narrow(field), cut);
+    EXPECT_NE(text.find(cut), std::string::npos) << letter;
+    EXPECT_EQ(text.find(cut + letter), std::string::npos) << letter;
+    ++letter;
+  });
+  EXPECT_EQ(letter, 'a' + 14);
+}
+
 // --- One writer on its own
 // ------------------------------------------------------------------------
 

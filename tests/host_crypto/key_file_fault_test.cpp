@@ -176,7 +176,8 @@ class OpenKeyFile : public testing::Test {
     EXPECT_EQ(info.st_mode & 07777, 0640u);
     EXPECT_EQ(m_agent.texts(LogLevel::Info),
               std::vector<std::wstring>{L"Key file " + test::wide(m_path) +
-                                        L": open to other users, and not ours to close"});
+                                        L": other users can open it, and its mode was not changed; "
+                                        L"next: set its mode to 0600"});
     m_agent.clearLog();
   }
 

@@ -34,8 +34,8 @@ class FormatExamples : public ImportFixture {
 };
 
 // Shows: smallest-list
-TEST_F(FormatExamples, TheSmallestListIsImportedByAnUnmanagedAgent) {
-  const std::string list = example("The smallest list that an unmanaged agent accepts:");
+TEST_F(FormatExamples, TheSmallListIsImportedByAnUnmanagedAgent) {
+  const std::string list = example("A small list for an unmanaged agent, without warnings:");
   EXPECT_EQ(importing(list), 0);
   EXPECT_THAT(installedNames(), ElementsAre(L"Main"));
   EXPECT_EQ(installed().head()->http.uServerPort, 8080u);

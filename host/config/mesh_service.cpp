@@ -3,6 +3,7 @@
 #include "host/agent.h"
 #include "host/common/encoding.h"
 #include "host/common/failure_text.h"
+#include "host/lock/lock_hold.h"
 #include "host/process/command.h"
 #include "platform/common/log.h"
 
@@ -43,6 +44,8 @@ int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {
                      L"mesh.load_command in agent.toml"));
     return 0;
   }
+  // The command may read the list under its lock, which would then wait for this process.
+  host::releaseHolds();
   host::OutputLines output(logLine);
   const std::string failure = host::runCommand(command, settings.meshLoadTimeoutSeconds, output);
   if (failure.empty()) return 1;

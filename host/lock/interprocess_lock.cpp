@@ -7,6 +7,7 @@
 
 #include "host/common/failure_text.h"
 #include "host/lock/file_lock.h"
+#include "host/lock/lock_hold.h"
 #include "host/lock/lock_pool.h"
 #include "platform/common/log.h"
 
@@ -20,7 +21,8 @@ using host::LockMode;
 using host::LockPool;
 using host::Patience;
 
-// One lock object: its name and, while it is locked, its files.
+// One lock object: its name and, while it is locked, its files. It has none when its thread holds
+// the lock already.
 struct LockImpl {
   explicit LockImpl(const char* lockName) : name(lockName ? lockName : "") {}
   ~LockImpl() { unlock(); }
@@ -58,6 +60,7 @@ void logFailure(const LockFailure& failure, int error) {
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
   if (files && files->main.fd < 0) unlock();  // it was our parent's before the fork
   if (files) return true;
+  if (host::isHeldByThread(name, mode)) return true;
   int error = EINVAL;
   if (name.empty() || name.find('/') != std::string::npos) {
     failure.path = name;

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cstdlib>
 
+#include "host/lock/lock_hold.h"
 #include "host/lock/lock_pool.h"
 #include "host/process/fork_generation.h"
 
@@ -48,6 +49,7 @@ void afterFork() {
 void afterForkInChild() HOST_NOT_CHECKED {
   forgetForkGeneration();
   LockPool::closeFilesOfParent();
+  forgetHolds();
   afterFork();
 }
 

@@ -300,7 +300,7 @@ EDIT = [
     Case("edit-no-subcommand", edit(), 2),
     Case("edit-missing", edit("--file", "lists/none.xml", "disable", "x"), 4),
     Case("edit-broken", edit("--file", "lists/broken.xml", "disable", "x"), 3),
-    Case("edit-locked", agent("locked", "edit", "--wait", "0", "disable", "depot"), 6),
+    Case("edit-locked", agent("locked", "edit", "--wait", "0", "disable", "depot"), 4),
 ]
 
 USAGE = [

@@ -10,6 +10,7 @@
 #include "host/agent.h"
 #include "sitehlp/result_codes.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/list_lock.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
@@ -96,6 +97,7 @@ int perform(Context& context) {
   try {
     context.agentDirectory = usableDirectory(context.agentDirectory);
     recordLog(context.verbose);
+    context.waitMilliseconds = parseWait(context.wait);
     const int status = context.action();
     print(context, {context.command, status, nullptr});
     reportLoggedErrors(true);

@@ -59,6 +59,12 @@ std::string ownListPath(const Context& context) {
   return context.agentDirectory + "/etc/SiteList.xml";
 }
 
+bool isOwnList(const Context& context, const std::string& file) {
+  if (file.empty()) return true;
+  std::error_code error;
+  return fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error);
+}
+
 void serveAgent(const Context& context) {
   std::error_code error;
   if (!fs::is_directory(context.agentDirectory, error)) {
@@ -105,7 +111,7 @@ PrivateAgent::~PrivateAgent() {
 AgentForReading::AgentForReading(const Context& context, const std::string& file)
     : m_path(file.empty() ? ownListPath(context) : file) {
   if (file.empty()) {
-    serveAgent(context);
+    m_lock.emplace(context, file, ListUse::Read);
   } else {
     m_private.emplace(context);
   }
@@ -114,13 +120,18 @@ AgentForReading::AgentForReading(const Context& context, const std::string& file
 AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
   // Passwords are written under the agent's key, so it must be there to stay.
   serveAgent(context);
-  std::error_code error;
-  if (fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error)) {
-    return;
+  if (!file.empty()) {
+    m_lock.emplace(context, file, ListUse::Change);
+    if (isOwnList(context, file)) return;
   }
   requirePasswordKey(context);
   m_private.emplace(context);
   if (file.empty()) m_path = m_private->directory() + "/SiteList.xml";
+}
+
+void AgentForWriting::write(SiteList& list) const {
+  if (m_lock) m_lock->requireUnchanged();
+  writeSiteList(list, m_path);
 }
 
 }  // namespace tool

@@ -4,12 +4,17 @@
 #include <optional>
 #include <string>
 
+#include "tools/sitelist/agent/list_lock.h"
+#include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/report/context.h"
 
 namespace tool {
 
 // The agent's own site list file.
 std::string ownListPath(const Context& context);
+
+// Whether a file is the agent's own list: it has no name, or leads to the same file.
+bool isOwnList(const Context& context, const std::string& file);
 
 // Serves the agent that the command line names, with its locks, keys and mesh service. Fails when
 // there is no such data directory: a command never makes an agent by accident.
@@ -38,7 +43,7 @@ class PrivateAgent {
 };
 
 // The agent for a command that reads a named file or, without a name, the agent's own list: the
-// real one, with its locks, for its own list, else a private one.
+// real one, under the lock of its list, for its own list, else a private one.
 class AgentForReading {
  public:
   AgentForReading(const Context& context, const std::string& file);
@@ -48,21 +53,25 @@ class AgentForReading {
 
  private:
   std::string m_path;
+  std::optional<ListLock> m_lock;
   std::optional<PrivateAgent> m_private;
 };
 
 // Serves the agent for writing a site list: the real one when the file is its own list, else a
-// private one with the real agent's password key, which must be there. Without a file name the list
-// is written to a temporary one.
+// private one with the real agent's password key, which must be there. Holds the lock of the list.
+// Without a file name the list is written to a temporary one.
 class AgentForWriting {
  public:
   AgentForWriting(const Context& context, const std::string& file);
 
   // The file to write.
   const std::string& path() const { return m_path; }
+  // Writes the list. Fails when it cannot be written, or when another program changed the file.
+  void write(SiteList& list) const;
 
  private:
   std::string m_path;
+  std::optional<ListLock> m_lock;
   std::optional<PrivateAgent> m_private;
 };
 

@@ -142,7 +142,7 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
 
 int takeIncoming(Context& context, const IncomingOptions& options) {
   if (options.dryRun) return previewIncoming(context, options);
-  serveAgent(context);
+  const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
   sitehlp::CSitesHelper helper(wide(ownList));
   const int result = options.isChecked

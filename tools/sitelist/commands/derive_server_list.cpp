@@ -17,10 +17,11 @@ struct DeriveOptions {
 };
 
 int derive(Context& context, const DeriveOptions& options) {
-  const PrivateAgent agent(context, PrivateAgent::Detached);
   const std::wstring target = wide(options.target);
   const std::string written =
       (options.target.empty() ? options.source : options.target) + "/ServerSiteList.xml";
+  const ListLock lock(context, written, ListUse::Change);
+  const PrivateAgent agent(context, PrivateAgent::Detached);
   if (!sitehlp::CSitesHelper::createServerSiteListFromSiteList(
           wide(options.source).c_str(), options.target.empty() ? nullptr : target.c_str())) {
     failIfNotEditable(options.source + "/SiteList.xml");

@@ -110,7 +110,7 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
   password.read(options.passwordFile);
   // The key has to be there to stay: a private agent's would go away with it.
   serveAgent(context);
-  if (options.list.dryRun || !isOwnList(context, options.list)) requirePasswordKey(context);
+  if (options.list.dryRun || !isOwnList(context, options.list.file)) requirePasswordKey(context);
   const std::wstring protectedText = protect(context, password);
   return performEdit(context, options.list, [&](ListEditor& list) {
     return edit(list, options.site, options.assignments,
@@ -264,8 +264,6 @@ void addCommonOptions(Command& command, EditOptions& options) {
       .completes(Completion::File);
   command.add_flag("--dry-run", options.dryRun, "Show the changes, and write nothing");
   command.add_flag("--backup", options.backup, "Keep the old list as FILE.bak");
-  command.add_option("--wait", options.wait, "Time to wait for other writers (default: 10)")
-      .type_name("SECONDS");
 }
 
 }  // namespace

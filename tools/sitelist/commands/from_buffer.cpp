@@ -14,6 +14,7 @@ namespace {
 int fromBuffer(Context& context, const std::string& file) {
   serveAgent(context);
   const Input input = readInput(file);
+  const ListLock lock(context, "", ListUse::Change);
   std::wstring text;
   AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
   const auto* const data = reinterpret_cast<const unsigned char*>(input.bytes.data());

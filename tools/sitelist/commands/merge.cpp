@@ -78,7 +78,7 @@ int merge(Context& context, const MergeOptions& options) {
   }
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);
-  writeSiteList(merged, agent.path());
+  agent.write(merged);
   if (options.output.empty()) {
     printFile(agent.path());
   } else {

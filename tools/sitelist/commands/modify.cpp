@@ -72,7 +72,7 @@ int previewModify(Context& context, const ModifyOptions& options) {
 
 int modify(Context& context, const ModifyOptions& options) {
   if (options.incoming.dryRun) return previewModify(context, options);
-  serveAgent(context);
+  const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
   if (!modifyList(ownList, options)) failToModify(options, ownList);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";

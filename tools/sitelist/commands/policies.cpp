@@ -40,7 +40,7 @@ int listPolicies(Context& context, const PoliciesOptions& options) {
 }
 
 int setPolicy(Context& context, const PoliciesOptions& options) {
-  serveAgent(context);
+  const ListLock lock(context, "", ListUse::Change);
   const std::string path = ownListPath(context);
   SiteList sites = readWholeSiteList(path);
   refuseLostPasswords(path);

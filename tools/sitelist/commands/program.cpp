@@ -63,6 +63,8 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                  "NO_COLOR is set")
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
+  app.add_option("--wait", context.wait, "Time to wait for other users of a list (default: 10)")
+      .type_name("SECONDS");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);
   app.footer(std::string("`sitelist COMMAND --help` describes a command, with examples.\n\n") +

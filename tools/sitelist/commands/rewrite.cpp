@@ -18,7 +18,7 @@ int rewrite(Context& context, const RewriteOptions& options) {
   const AgentForWriting agent(context, options.destination);
   SiteList list = readWholeSiteList(options.source);
   refuseLostPasswords(options.source);
-  writeSiteList(list, agent.path());
+  agent.write(list);
   if (list.fipsMode) {
     std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode, "
               << shown(*list.fipsMode) << ", is not kept\n";

@@ -39,6 +39,7 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
 int serverList(Context& context, const ServerListOptions& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
+  const ListLock lock(context, "", ListUse::Change);
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";
   const bool isRewritten = options.adjustPasswords &&
                            host::agent().cryptoKeySize == korvel_com::ZQ::crypto::KEY_SIZE_2048;

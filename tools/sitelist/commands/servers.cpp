@@ -16,7 +16,7 @@ struct ServersOptions {
 };
 
 int servers(Context& context, const ServersOptions& options) {
-  serveAgent(context);
+  const ListLock lock(context, "", ListUse::ReadCached);
   const std::string path = ownListPath(context);
   sitehlp::CSitesHelper helper(wide(path));
   std::wstring names;

@@ -17,6 +17,8 @@ struct Context {
   std::string format = "table";
   bool json = false;  // the short way to say that the format is "json"
   std::string color = "auto";
+  std::string wait = "10";               // how long to wait for locks, in seconds
+  unsigned int waitMilliseconds = 0;     // the same, once it is known to be a number
   std::vector<std::string> meshCommand;  // of `init`: all behind --mesh-command
   std::string command;                   // the name of the one that was asked for
   std::function<int()> action;           // does it; gives the exit status

@@ -1,0 +1,54 @@
+#ifndef HOST_LOCK_LOCK_HOLD_H
+#define HOST_LOCK_LOCK_HOLD_H
+
+#include <string>
+
+#include "host/lock/file_lock.h"
+#include "platform/export.h"
+#include "platform/lock/interprocess_lock.h"
+
+namespace host {
+
+// A named lock that one thread holds over several operations which take it themselves. While the
+// thread holds it, InterProcessReadLock and InterProcessWriteLock of that name and agent lock at
+// once in this thread. Other threads and processes wait as for any other lock.
+//
+// A thread that holds a lock as a reader must not take it as a writer: it would wait for itself.
+// After a fork the child holds none. One object must not be used by two threads.
+class PLATFORM_API LockHold {
+ public:
+  // Names the lock but does not take it.
+  LockHold(const char* name, LockMode mode);
+  // Releases the lock.
+  ~LockHold();
+  LockHold(const LockHold&) = delete;
+  LockHold& operator=(const LockHold&) = delete;
+
+  // Waits and fails as InterProcessReadLock::lock does.
+  bool lock(unsigned int waitMilliseconds);
+  void unlock() noexcept;
+
+ private:
+  friend bool isHeldByThread(const std::string& name, LockMode mode);
+  friend void releaseHolds() noexcept;
+
+  const std::string m_name;
+  const LockMode m_mode;
+  std::string m_dataDirectory;  // of the agent whose lock it is
+  korvel_com::orb::lock::InterProcessReadLock m_reader;
+  korvel_com::orb::lock::InterProcessWriteLock m_writer;
+  LockHold* m_next = nullptr;
+};
+
+// Whether this thread holds the lock of the present agent, in that mode or in a stronger one.
+bool isHeldByThread(const std::string& name, LockMode mode);
+
+// Releases what this thread holds of the present agent's locks. For what must not run under a lock.
+void releaseHolds() noexcept;
+
+// For the child of a fork.
+void forgetHolds() noexcept;
+
+}  // namespace host
+
+#endif

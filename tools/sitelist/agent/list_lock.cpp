@@ -1,0 +1,130 @@
+#include "tools/sitelist/agent/list_lock.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+#include "host/fs/file_system.h"
+#include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/text.h"
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+using std::chrono::milliseconds;
+
+// How long nobody is told of a wait.
+constexpr milliseconds c_silentWait{1000};
+
+// Whether there is an agent whose locks may be used for a list that is not its own.
+bool canLock(const Context& context) {
+  return ::access((context.agentDirectory + "/locks").c_str(), R_OK | W_OK | X_OK) == 0;
+}
+
+// Of the file that a name leads to, or of the one that it would make.
+std::string directoryOf(const std::string& file) {
+  std::error_code error;
+  const fs::path path = fs::weakly_canonical(fs::absolute(file, error), error);
+  return error ? "." : path.parent_path().string();
+}
+
+// Another text for every state: a replaced file has another inode, an edited one another time.
+std::string stateOf(const std::string& file) {
+  struct stat status;
+  if (host::fileSystem().stat(AT_FDCWD, file, true, status) != 0) return "missing";
+  std::error_code error;
+  const auto modified = fs::last_write_time(file, error).time_since_epoch().count();
+  return std::to_string(status.st_dev) + " " + std::to_string(status.st_ino) + " " +
+         std::to_string(status.st_size) + " " + std::to_string(modified);
+}
+
+}  // namespace
+
+ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
+    : m_path(file.empty() ? ownListPath(context) : file),
+      m_start(Clock::now()),
+      m_wait(context.waitMilliseconds) {
+  const bool isOwn = isOwnList(context, file);
+  if (isOwn || canLock(context)) {
+    serveAgent(context);
+    // The library takes the two in this order.
+    if (use == ListUse::ReadCached) takeFromAgent(sitehlp::smartSiteListLock, use, m_cacheHold);
+    takeFromAgent(sitehlp::c_siteListLock, use, m_listHold);
+  }
+  if (isOwn || use != ListUse::Change) return;
+  lockDirectory();
+  m_state = stateOf(m_path);
+}
+
+void ListLock::requireUnchanged() const {
+  if (!m_state || stateOf(m_path) == *m_state) return;
+  throw failureAt(m_path, exitConflict,
+                  "another program changed the list meanwhile, so nothing was written",
+                  "try again");
+}
+
+ListLock::Answer ListLock::await(const std::function<Answer(unsigned int)>& lock) {
+  const auto left = [this](milliseconds wait) {
+    const auto passed = std::chrono::duration_cast<milliseconds>(Clock::now() - m_start);
+    return static_cast<unsigned int>(std::max(milliseconds(0), wait - passed).count());
+  };
+  if (m_wait <= c_silentWait || ::isatty(STDERR_FILENO) == 0) return lock(left(m_wait));
+  const Answer answer = lock(left(c_silentWait));
+  if (answer != Answer::Busy) return answer;
+  std::cerr << "sitelist: waiting for the lock of " << shown(m_path) << '\n';
+  return lock(left(m_wait));
+}
+
+void ListLock::takeFromAgent(const char* name, ListUse use, std::optional<host::LockHold>& hold) {
+  hold.emplace(name, use == ListUse::Change ? host::LockMode::Write : host::LockMode::Read);
+  const std::size_t logged = logRecords().size();
+  const Answer answer = await([&](unsigned int wait) {
+    if (hold->lock(wait)) return Answer::Held;
+    return logRecords().size() == logged ? Answer::Busy : Answer::Unusable;
+  });
+  if (answer == Answer::Busy) failBusy();
+  if (answer == Answer::Unusable && use == ListUse::Change) {
+    throw failureAt(m_path, exitFile, "the agent's locks cannot be used",
+                    "check that you may write in the directory \"locks\" of the agent");
+  }
+}
+
+// A directory that is missing or closed fails the write itself. One that only cannot be locked is
+// left to requireUnchanged().
+void ListLock::lockDirectory() {
+  const std::string directory = directoryOf(m_path);
+  const Answer answer = await([&](unsigned int wait) {
+    const int error = m_directory.lock(directory, wait);
+    return error == 0 ? Answer::Held : error == EWOULDBLOCK ? Answer::Busy : Answer::Unusable;
+  });
+  if (answer == Answer::Busy) failBusy();
+}
+
+void ListLock::failBusy() const {
+  throw failureAt(m_path, exitFile, "the list is locked by another process",
+                  "try again, or wait longer with --wait SECONDS");
+}
+
+unsigned int parseWait(const std::string& seconds) {
+  constexpr unsigned long c_most = 86400;
+  const bool isNumber = !seconds.empty() && seconds.size() <= 5 &&
+                        seconds.find_first_not_of("0123456789") == std::string::npos;
+  const unsigned long number = isNumber ? std::strtoul(seconds.c_str(), nullptr, 10) : c_most + 1;
+  if (number > c_most) {
+    throw Failure(exitUsage, "--wait: \"" + shown(seconds) + "\" is not a number of seconds",
+                  "give a number from 0 to " + std::to_string(c_most));
+  }
+  return static_cast<unsigned int>(number) * 1000;
+}
+
+}  // namespace tool

@@ -14,7 +14,7 @@ namespace host {
 class PLATFORM_API DirectoryLock {
  public:
   DirectoryLock() : m_directory(-1) {}
-  // Releases the lock.
+  // Releases the lock. Must not run in the child of a fork, which shares the lock.
   ~DirectoryLock();
   DirectoryLock(const DirectoryLock&) = delete;
   DirectoryLock& operator=(const DirectoryLock&) = delete;

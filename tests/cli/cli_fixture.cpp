@@ -113,6 +113,26 @@ Output CliTest::onTerminal(int columns, const std::vector<std::string>& argument
   return output;
 }
 
+Output CliTest::withTerminalForMessages(const std::vector<std::string>& arguments,
+                                        const std::string& text,
+                                        const std::function<void()>& then) {
+  constexpr int columns = 80;
+  PseudoTerminal terminal(columns);
+  const File in(write("stdin", ""), O_RDONLY);
+  const File out(write("stdout", ""), O_WRONLY);
+  std::vector<std::string> commandLine = {SITELIST_TOOL, "--agent-dir", file("agent")};
+  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+  const pid_t pid =
+      spawn(commandLine, environmentWith(file("tmp")), {in.fd(), out.fd(), terminal.programEnd()});
+  Output output;
+  output.err = terminal.readUntil(text);
+  then();
+  output.err += terminal.readAll();
+  output.status = waitFor(pid);
+  output.out = readFile(file("stdout"));
+  return output;
+}
+
 Output CliTest::sitelist(const std::vector<std::string>& arguments, const std::string& input) {
   std::vector<std::string> all = {"--agent-dir", file("agent")};
   all.insert(all.end(), arguments.begin(), arguments.end());

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,10 @@ class CliTest : public testing::Test {
   // about colour. Output::out is what the terminal gets.
   Output onTerminal(int columns, const std::vector<std::string>& arguments,
                     const std::vector<std::string>& settings = {});
+  // With standard error on a terminal. Calls `then` once the text is there, or the tool has ended.
+  // Output::err is what the terminal gets.
+  Output withTerminalForMessages(const std::vector<std::string>& arguments, const std::string& text,
+                                 const std::function<void()>& then);
   // A shell script with the tool as "$0" and the arguments as "$@".
   Output shell(const std::string& script, const std::vector<std::string>& arguments = {});
 

@@ -34,9 +34,15 @@ PseudoTerminal::~PseudoTerminal() {
   if (m_ourEnd >= 0) ::close(m_ourEnd);
 }
 
-std::string PseudoTerminal::readAll() {
-  ::close(m_programEnd);
+void PseudoTerminal::closeProgramEnd() {
+  if (m_programEnd >= 0) ::close(m_programEnd);
   m_programEnd = -1;
+}
+
+std::string PseudoTerminal::readAll() { return readUntil(""); }
+
+std::string PseudoTerminal::readUntil(const std::string& text) {
+  closeProgramEnd();
   std::string all;
   char buffer[4096];
   for (;;) {
@@ -44,6 +50,7 @@ std::string PseudoTerminal::readAll() {
     if (n > 0) all.append(buffer, static_cast<std::size_t>(n));
     // Linux reports the last writer's end as an error, others as the end of a file.
     if (n == 0 || (n < 0 && errno != EINTR)) return all;
+    if (!text.empty() && all.find(text) != std::string::npos) return all;
   }
 }
 

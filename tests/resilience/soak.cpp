@@ -11,6 +11,7 @@
 #include "tests/resilience/load.h"
 #include "tests/resilience/power_cut.h"
 #include "tests/resilience/secrets.h"
+#include "tests/resilience/updates.h"
 #include "tests/support/child_process.h"
 
 // The long forms of the experiments, one after the other or those that are named, each in so many
@@ -27,6 +28,7 @@ constexpr unsigned int c_generations = 100;
 constexpr unsigned long c_swaps = 10000;
 constexpr unsigned long c_mixedOperations = 10000;
 constexpr int c_loadSeconds = 60;
+constexpr unsigned long c_updates = 50000;
 
 class Soak {
  public:
@@ -197,14 +199,34 @@ void soakLoad(Soak& soak) {
   soak.expect(holders.worstWaitMs <= 100, "within 100 ms");
 }
 
+#ifdef SITELIST_TOOL
+void soakUpdates(Soak& soak) {
+  for (const UpdatedList which : {UpdatedList::OfAgent, UpdatedList::Named}) {
+    for (const UpdateKills kills : {UpdateKills::None, UpdateKills::OneInTen}) {
+      const UpdateFigures figures =
+          updateAtOnce(SITELIST_TOOL, which, kills, soak.part(c_updates / 4), soak.progress());
+      std::printf("   16 processes, %s: %lu changes, %lu kills\n",
+                  which == UpdatedList::OfAgent ? "the agent's list" : "a named list",
+                  figures.changes, figures.kills);
+      soak.end(figures.faults);
+    }
+  }
+}
+#endif
+
 struct Part {
   const char* name;
   void (*run)(Soak& soak);
 };
-constexpr Part c_parts[] = {{"faults", soakFaults},   {"kills", soakKills},
-                            {"forks", soakForks},     {"power-cuts", soakPowerCuts},
-                            {"hostile", soakHostile}, {"secrets", soakSecrets},
-                            {"load", soakLoad}};
+constexpr Part c_parts[] = {
+    {"faults", soakFaults},   {"kills", soakKills},
+    {"forks", soakForks},     {"power-cuts", soakPowerCuts},
+    {"hostile", soakHostile}, {"secrets", soakSecrets},
+    {"load", soakLoad},
+#ifdef SITELIST_TOOL
+    {"updates", soakUpdates},
+#endif
+};
 
 CHILD_PROCESS(soak) {
   Soak all(args.empty() ? 100 : std::stoul(args[0]));

@@ -1,0 +1,275 @@
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <future>
+#include <string>
+
+#include "host/lock/directory_lock.h"
+#include "tests/cli/edit_fixture.h"
+#include "tests/support/locker.h"
+
+// Every command that changes a list holds its lock from its first read to its last write.
+namespace test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using Mode = Locker::Mode;
+
+// What another writer adds.
+constexpr const char* c_otherSite = "Another";
+
+class CliListLock : public CliTest {
+ protected:
+  CliListLock() {
+    initAgent();
+    setOwnList(list("Depot"));
+  }
+
+  static std::string list(const std::string& site, const std::string& other = "") {
+    return document(httpSite(site) + (other.empty() ? "" : httpSite(other, "2")));
+  }
+
+  // Runs a command while another process reads the list. Once the command waits to write, changes
+  // what it is about to read, and lets it go on. A command that has read already shows in the
+  // result, and so does one that does not wait.
+  Output changingMeanwhile(const Arguments& arguments, const std::function<void()>& change) {
+    Locker reader(file("agent"));
+    Locker probe(file("agent"));
+    EXPECT_TRUE(reader.lock(Mode::Read));
+    auto running = std::async(std::launch::async, [&] { return sitelist(arguments); });
+    bool hasEnded = false;
+    // A waiting writer keeps new readers out.
+    while (!hasEnded && probe.lock(Mode::Read, 0)) {
+      probe.unlock(Mode::Read);
+      hasEnded = running.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    }
+    EXPECT_FALSE(hasEnded) << "it does not wait for a reader";
+    change();
+    reader.unlock(Mode::Read);
+    Output output = running.get();
+    EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << '\n' << output.err;
+    return output;
+  }
+
+  // The same with another site in the agent's list, which must be there in the end.
+  void keepsAnotherSite(const Arguments& arguments) {
+    changingMeanwhile(arguments, [this] { setOwnList(list("Depot", c_otherSite)); });
+    EXPECT_THAT(readFile(ownList()), HasSubstr(c_otherSite)) << testing::PrintToString(arguments);
+  }
+
+  std::string incoming(const std::string& site) { return write("in/SiteList.xml", list(site)); }
+};
+
+TEST_F(CliListLock, PoliciesSetKeepsWhatAnotherWriterAdds) {
+  keepsAnotherSite({"policies", "set", "Name", "Value"});
+  EXPECT_EQ(sitelist({"policies"}).out, "Name = Value\n");
+}
+
+TEST_F(CliListLock, ModifyKeepsWhatAnotherWriterAdds) {
+  keepsAnotherSite({"modify", "--servers", incoming("Offered")});
+}
+
+TEST_F(CliListLock, MergeIntoTheAgentsListKeepsWhatAnotherWriterAdds) {
+  keepsAnotherSite({"merge", "--first", incoming("Offered"), "--output", ownList()});
+}
+
+TEST_F(CliListLock, RewriteOfTheAgentsListKeepsWhatAnotherWriterAdds) {
+  keepsAnotherSite({"rewrite", ownList(), ownList()});
+}
+
+TEST_F(CliListLock, EditKeepsWhatAnotherWriterAdds) {
+  keepsAnotherSite({"edit", "disable", "Depot"});
+}
+
+TEST_F(CliListLock, ImportAndInstallTakeTheIncomingListUnderTheLock) {
+  for (const char* command : {"import", "install"}) {
+    changingMeanwhile({command, incoming("Old")}, [this] { incoming("New"); });
+    EXPECT_THAT(readFile(ownList()), AllOf(HasSubstr("New"), Not(HasSubstr("Old")))) << command;
+  }
+}
+
+TEST_F(CliListLock, RestoreTakesTheBackupUnderTheLock) {
+  write("agent/etc/SiteList.xml.bak", list("Old"));
+  changingMeanwhile({"edit", "restore"},
+                    [this] { write("agent/etc/SiteList.xml.bak", list("New")); });
+  EXPECT_EQ(readFile(ownList()), list("New"));
+}
+
+TEST_F(CliListLock, DeriveServerListTakesTheListUnderTheLock) {
+  changingMeanwhile({"derive-server-list", file("agent/etc")},
+                    [this] { setOwnList(list("Depot", c_otherSite)); });
+  EXPECT_THAT(readFile(file("agent/etc/ServerSiteList.xml")), HasSubstr(c_otherSite));
+}
+
+TEST_F(CliListLock, ServerListIsStoredUnderTheLock) {
+  for (const Arguments& options : {Arguments{}, {"--adjust-passwords"}}) {
+    const Arguments arguments = Arguments{"server-list", incoming("Offered")} + options;
+    changingMeanwhile(arguments, [this] {
+      EXPECT_FALSE(exists(file("agent/ServerSiteList.xml"))) << "it is written too early";
+    });
+    EXPECT_THAT(readFile(file("agent/ServerSiteList.xml")), HasSubstr("Offered"));
+    EXPECT_EQ(::unlink(file("agent/ServerSiteList.xml").c_str()), 0);
+  }
+}
+
+class CliEveryChange : public CliListLock {
+ protected:
+  CliEveryChange() {
+    write("agent/etc/SiteList.xml.bak", list("Old"));
+    const std::string in = incoming("Offered");
+    commands = {{"import", in},
+                {"install", in},
+                {"modify", "--servers", in},
+                {"policies", "set", "Name", "Value"},
+                {"merge", "--first", in, "--output", ownList()},
+                {"rewrite", in, ownList()},
+                {"from-buffer", in},
+                {"server-list", in},
+                {"derive-server-list", file("agent/etc")},
+                {"edit", "disable", "Depot"},
+                {"edit", "add", "http", "New", "server=new.example"},
+                {"edit", "restore"}};
+  }
+  std::vector<Arguments> commands;
+};
+
+TEST_F(CliEveryChange, WritesNothingWhenTheLockIsNotToBeHadInTime) {
+  Locker other(file("agent"));
+  ASSERT_TRUE(other.lock(Mode::Read));
+  const auto before = agentFiles();
+  for (const Arguments& arguments : commands) {
+    const Output output = sitelist(Arguments{"--wait", "0"} + arguments);
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("locked by another process\n  next: "))
+        << testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(agentFiles(), before);
+}
+
+TEST_F(CliEveryChange, WritesNothingWhenTheLockCannotBeOpened) {
+  ASSERT_EQ(shell("rm -r agent/locks && echo 'in the way' > agent/locks").status, 0);
+  const auto before = agentFiles();
+  for (const Arguments& arguments : commands) {
+    // One that does not serve the agent has no use for its lock.
+    if (arguments.front() == "derive-server-list") continue;
+    const Output output = sitelist(arguments);
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("the agent's locks cannot be used"))
+        << testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(agentFiles(), before);
+}
+
+TEST_F(CliEveryChange, NeedsNoLockToSayWhatItWouldChange) {
+  Locker other(file("agent"));
+  ASSERT_TRUE(other.lock(Mode::Write));
+  const std::string in = incoming("Offered");
+  for (const Arguments& arguments : {Arguments{"import", in},
+                                     {"install", in},
+                                     {"modify", "--servers", in},
+                                     {"merge", "--first", in},
+                                     {"edit", "disable", "Depot"}}) {
+    const Output output = sitelist(arguments + Arguments{"--wait", "0", "--dry-run"});
+    EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << '\n' << output.err;
+  }
+}
+
+TEST_F(CliListLock, AReaderWaitsForAWriterOnlyAsLongAsItIsTold) {
+  Locker writer(file("agent"));
+  ASSERT_TRUE(writer.lock(Mode::Write));
+  const std::vector<Arguments> commands = {{"show"},     {"versions"}, {"certs"},
+                                           {"policies"}, {"servers"},  {"get", "globalVersion"},
+                                           {"explain"}};
+  for (const Arguments& arguments : commands) {
+    const Output output = sitelist(arguments + Arguments{"--wait", "0"});
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("locked by another process"));
+  }
+  writer.unlock(Mode::Write);
+  ASSERT_TRUE(writer.lock(Mode::Read));
+  EXPECT_EQ(sitelist({"show", "--wait", "0"}).status, 0) << "readers share the lock";
+}
+
+TEST_F(CliListLock, AReaderThatCannotUseTheLockReads) {
+  ASSERT_EQ(shell("rm -r agent/locks && echo 'in the way' > agent/locks").status, 0);
+  const Output output = sitelist({"show"});
+  EXPECT_EQ(output.status, 0);
+  EXPECT_THAT(output.out, HasSubstr("Depot"));
+  EXPECT_THAT(output.err, HasSubstr("Cannot lock"));
+}
+
+TEST_F(CliListLock, TellsATerminalThatItWaits) {
+  Locker other(file("agent"));
+  ASSERT_TRUE(other.lock(Mode::Write));
+  const std::string line = "sitelist: waiting for the lock of " + ownList() + "\n";
+  const Output output = withTerminalForMessages({"policies", "set", "Name", "Value"}, line,
+                                                [&] { other.unlock(Mode::Write); });
+  EXPECT_EQ(output.status, 0);
+  EXPECT_EQ(output.err, line + "sitelist: set Name in " + ownList() + "\n");
+  ASSERT_TRUE(other.lock(Mode::Write));
+  const Output quiet = sitelist({"policies", "set", "Name", "Value", "--wait", "2"});
+  EXPECT_EQ(quiet.status, 4);
+  EXPECT_THAT(quiet.err, Not(HasSubstr("waiting"))) << "a file is told of the result alone";
+}
+
+TEST_F(CliListLock, RefusesAWaitThatIsNoNumberOfSeconds) {
+  for (const char* wait : {"soon", "-1", "86401", ""}) {
+    const Output output = sitelist({"show", "--wait", wait});
+    EXPECT_EQ(output.status, 2) << wait << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("--wait"));
+  }
+  EXPECT_EQ(sitelist({"--wait", "86400", "show"}).status, 0);
+}
+
+// A list of no agent.
+class CliNamedListLock : public CliListLock {
+ protected:
+  CliNamedListLock() { path = write("lists/list.xml", list("Depot")); }
+
+  Arguments withoutAgent(const Arguments& arguments) const {
+    return Arguments{"--agent-dir", file("none")} + arguments;
+  }
+  std::string path;
+};
+
+TEST_F(CliNamedListLock, IsTheLockOfItsDirectory) {
+  host::DirectoryLock other;
+  ASSERT_EQ(other.lock(file("lists"), 0), 0);
+  const std::vector<Arguments> commands = {
+      withoutAgent({"edit", "--file", path, "disable", "Depot"}),
+      withoutAgent({"derive-server-list", file("lists")}),
+      {"--agent-dir", file("agent"), "merge", "--second", path, "--output", path},
+      {"--agent-dir", file("agent"), "rewrite", path, path}};
+  ASSERT_EQ(shell("ln -s lists/list.xml link.xml && cp lists/list.xml lists/SiteList.xml").status,
+            0);
+  const auto before = snapshot(file("lists"));
+  for (const Arguments& arguments : commands) {
+    const Output output = bare(arguments + Arguments{"--wait", "0"});
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("locked by another process"));
+  }
+  EXPECT_EQ(
+      bare(withoutAgent({"edit", "--file", file("link.xml"), "disable", "Depot", "--wait", "0"}))
+          .status,
+      4)
+      << "another name of the list has the same lock";
+  EXPECT_EQ(snapshot(file("lists")), before);
+  EXPECT_EQ(bare(withoutAgent({"show", path, "--wait", "0"})).status, 0) << "reading needs none";
+}
+
+TEST_F(CliNamedListLock, LeavesNoFileBehind) {
+  EXPECT_EQ(bare(withoutAgent({"edit", "--file", path, "disable", "Depot"})).status, 0);
+  EXPECT_EQ(snapshot(file("lists")).size(), 1U);
+}
+
+TEST_F(CliNamedListLock, ADirectoryThatIsMissingIsNotMade) {
+  const Output output = sitelist({"rewrite", path, file("none/list.xml")});
+  EXPECT_EQ(output.status, 4) << output.err;
+  EXPECT_FALSE(exists(file("none")));
+}
+
+}  // namespace
+}  // namespace test

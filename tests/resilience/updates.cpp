@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/resilience/workshop.h"
 #include "tests/support/test_agent.h"
 
 extern char** environ;
@@ -26,7 +27,7 @@ namespace {
 
 constexpr unsigned int c_processes = 16;
 // After so many changes the list begins anew, because a change of a long list takes longer.
-constexpr unsigned long c_changesOfRound = 160;
+constexpr unsigned long c_changesOfRound = 64;
 constexpr int c_killed = 128 + SIGKILL;
 
 using Words = std::vector<std::string>;
@@ -139,6 +140,7 @@ class Updates {
       : m_tool(tool),
         m_which(which),
         m_kills(kills),
+        m_agent((useMemoryDisk(), false)),
         m_list(which == UpdatedList::OfAgent ? m_agent.etc("SiteList.xml")
                                              : m_work.file("list.xml")) {
     for (char** entry = environ; *entry; ++entry) {
@@ -146,17 +148,13 @@ class Updates {
     }
     // What a killed process leaves goes away with the directory.
     m_environment.push_back("TMPDIR=" + m_work.path());
-    writeFile(m_agent.dataDirectory() + "/agent.toml", "managed = false\n");
-    writeFile(m_agent.dataDirectory() + "/mesh/SiteList.xml", "");
-    begin(0);
-    // Makes the password key, the locks and the directories.
-    const Answer answer = run({"policies", "set", "First", "1"}, "0", nullptr);
+    const Answer answer = run({"init"}, "0", nullptr);
     if (answer.status != 0) throw std::runtime_error("the tool fails: " + answer.message);
   }
 
   // Makes changes of these numbers at once, and looks at the list that is left.
   void round(unsigned long first, unsigned long end, UpdateFigures& figures) {
-    begin(end - first);
+    writeFile(m_list, listOf(end - first));
     m_answers.assign(end - first, {});
     std::atomic<unsigned long> next{0};
     std::vector<std::thread> threads;
@@ -176,7 +174,7 @@ class Updates {
   std::string messages(const std::string& worker) const { return m_work.file("err" + worker); }
 
   // A list with a site for each change that needs one.
-  void begin(unsigned long sites) const {
+  static std::string listOf(unsigned long sites) {
     std::string text = R"(<ns:SiteLists xmlns:ns="wxSiteList" Type="Client" )"
                        R"(GlobalVersion="20260101000000" LocalVersion="20260101000000">)"
                        "<SiteList Default=\"1\" Name=\"SomeGUID\">";
@@ -184,7 +182,7 @@ class Updates {
       text += "<HttpSite Type=\"repository\" Name=\"b" + std::to_string(n) + "\" Order=\"" +
               std::to_string(n + 1) + "\" Enabled=\"1\" Local=\"1\" Server=\"old.example:80\"/>";
     }
-    writeFile(m_list, text + "</SiteList></ns:SiteLists>\n");
+    return text + "</SiteList></ns:SiteLists>\n";
   }
 
   // Everything but an edit is done for the agent; one in three writes the list as a whole.

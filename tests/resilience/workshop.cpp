@@ -23,14 +23,6 @@ constexpr const char* c_memoryDisk = "/dev/shm";
 constexpr const char* c_keys[] = {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin",
                                   "req2048seckey.bin"};
 
-// The directory for temporary files of this process and its children, set before the first one.
-bool useMemoryDisk() {
-  if (!std::getenv("TMPDIR") && ::access(c_memoryDisk, W_OK) == 0) {
-    ::setenv("TMPDIR", c_memoryDisk, 0);
-  }
-  return true;
-}
-
 std::string sealedForAgent(const std::string& clear) {
   std::wstring sealed;
   if (sitehlp::CSitesHelper(true).EncryptPassword(wide(clear), sealed) == 0) {
@@ -154,6 +146,13 @@ bool isTemporaryFile(const std::string& path) {
 
 bool isLockFile(const std::string& path) {
   return fs::path(path).parent_path().filename() == "locks";
+}
+
+bool useMemoryDisk() {
+  if (!std::getenv("TMPDIR") && ::access(c_memoryDisk, W_OK) == 0) {
+    ::setenv("TMPDIR", c_memoryDisk, 0);
+  }
+  return true;
 }
 
 Workshop::Workshop() : agent((useMemoryDisk(), false)) {

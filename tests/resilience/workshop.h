@@ -14,6 +14,10 @@ namespace test {
 // The clear password that stands in every password field. Nothing may ever show it.
 extern const std::string c_canary;
 
+// Puts the temporary files of this process and its children into memory, where the system has a
+// memory file system. Must be called before the first one is made. Always true.
+bool useMemoryDisk();
+
 // The files that operations write, by their path, with what makes two runs of one operation differ
 // taken out: protected passwords and time stamps.
 using State = std::map<std::string, std::string>;

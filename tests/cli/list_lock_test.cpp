@@ -271,5 +271,47 @@ TEST_F(CliNamedListLock, ADirectoryThatIsMissingIsNotMade) {
   EXPECT_FALSE(exists(file("none")));
 }
 
+#ifdef INTERPOSER
+// On a file system whose directories cannot be locked.
+class CliWithoutDirectoryLocks : public CliNamedListLock {
+ protected:
+  // `meanwhile` is the file that another program changes while the tool is at work.
+  Output tool(const Arguments& arguments, const std::string& meanwhile = "") {
+    return shell("CHANGED_MEANWHILE='" + meanwhile + "' LD_PRELOAD='" INTERPOSER "' \"$0\" \"$@\"",
+                 arguments);
+  }
+
+  std::vector<Arguments> commands() const {
+    return {withoutAgent({"edit", "--file", path, "rename", "Depot", "Store"}),
+            withoutAgent({"edit", "--file", path, "restore"}),
+            {"--agent-dir", file("agent"), "merge", "--second", path, "--output", path},
+            {"--agent-dir", file("agent"), "rewrite", path, path}};
+  }
+};
+
+TEST_F(CliWithoutDirectoryLocks, AListIsChanged) {
+  write("lists/list.xml.bak", list("Old"));
+  for (const Arguments& arguments : commands()) {
+    write("lists/list.xml", list("Depot"));
+    const Output output = tool(arguments);
+    EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_NE(readFile(path), list("Depot")) << testing::PrintToString(arguments);
+  }
+}
+
+TEST_F(CliWithoutDirectoryLocks, AChangeByAnotherProgramIsKeptAndTold) {
+  write("lists/list.xml.bak", list("Old"));
+  for (const Arguments& arguments : commands()) {
+    write("lists/list.xml", list("Depot"));
+    const Output output = tool(arguments, path);
+    EXPECT_EQ(output.status, 6) << testing::PrintToString(arguments) << '\n' << output.err;
+    EXPECT_THAT(output.err, HasSubstr("another program changed the list meanwhile"))
+        << testing::PrintToString(arguments);
+    EXPECT_EQ(readFile(path), list("Depot") + "\n") << testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(readFile(path + ".bak"), list("Old"));
+}
+#endif
+
 }  // namespace
 }  // namespace test

@@ -43,9 +43,10 @@ std::string stateOf(const std::string& file) {
   struct stat status;
   if (host::fileSystem().stat(AT_FDCWD, file, true, status) != 0) return "missing";
   std::error_code error;
-  const auto modified = fs::last_write_time(file, error).time_since_epoch().count();
+  const auto modified = std::chrono::duration_cast<std::chrono::nanoseconds>(
+      fs::last_write_time(file, error).time_since_epoch());
   return std::to_string(status.st_dev) + " " + std::to_string(status.st_ino) + " " +
-         std::to_string(status.st_size) + " " + std::to_string(modified);
+         std::to_string(status.st_size) + " " + std::to_string(modified.count());
 }
 
 }  // namespace

@@ -115,6 +115,20 @@ TEST_F(CliListLock, ServerListIsStoredUnderTheLock) {
   }
 }
 
+TEST_F(CliListLock, TheMeshServicesLoadCommandReadsTheListWithoutWaiting) {
+  const Output init = bare({"--agent-dir", file("meshed"), "init", "--mesh-command", SITELIST_TOOL,
+                            "--agent-dir", file("meshed"), "--wait", "0", "get", "globalVersion"});
+  ASSERT_EQ(init.status, 0) << init.err;
+  for (const Arguments& arguments :
+       {Arguments{"import", incoming("Depot")}, {"policies", "set", "Name", "Value"}}) {
+    const Output output = bare(Arguments{"--verbose", "--agent-dir", file("meshed")} + arguments);
+    EXPECT_EQ(output.status, 0) << output.err;
+    EXPECT_THAT(output.err, AllOf(HasSubstr("Mesh service load command: 20260101000000"),
+                                  Not(HasSubstr("failed"))))
+        << testing::PrintToString(arguments);
+  }
+}
+
 class CliEveryChange : public CliListLock {
  protected:
   CliEveryChange() {

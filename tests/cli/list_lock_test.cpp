@@ -5,7 +5,9 @@
 #include <future>
 #include <string>
 
+#include "host/agent.h"
 #include "host/lock/directory_lock.h"
+#include "platform/lock/interprocess_lock.h"
 #include "tests/cli/edit_fixture.h"
 #include "tests/support/locker.h"
 
@@ -206,6 +208,20 @@ TEST_F(CliListLock, AReaderWaitsForAWriterOnlyAsLongAsItIsTold) {
   writer.unlock(Mode::Write);
   ASSERT_TRUE(writer.lock(Mode::Read));
   EXPECT_EQ(sitelist({"show", "--wait", "0"}).status, 0) << "readers share the lock";
+}
+
+TEST_F(CliListLock, AReaderOfTheCachedListTakesTheLockOfTheCacheFirst) {
+  const host::AgentSettings before = host::agent();
+  host::AgentSettings settings;
+  settings.dataDirectory = file("agent");
+  host::setAgent(settings);
+  korvel_com::orb::lock::InterProcessWriteLock cache("SmartSiteListLock");
+  ASSERT_TRUE(cache.lock(0));
+  EXPECT_EQ(sitelist({"servers", "--wait", "0"}).status, 4);
+  EXPECT_EQ(sitelist({"show", "--wait", "0"}).status, 0) << "only its readers need it";
+  cache.unlock();
+  EXPECT_NE(sitelist({"servers", "--wait", "0"}).status, 4);
+  host::setAgent(before);
 }
 
 TEST_F(CliListLock, AReaderThatCannotUseTheLockReads) {

@@ -27,7 +27,9 @@ class SwallowedException : public test::WriterTest {
   std::vector<std::wstring> causes() {
     std::vector<std::wstring> texts;
     for (const test::LogLine& line : agent.messages()) {
-      if (line.level == LogLevel::Error && line.component != L"SiteHlp") texts.push_back(line.text);
+      if (line.level != LogLevel::Error || line.component == L"SiteHlp") continue;
+      EXPECT_EQ(line.component, L"Host");
+      texts.push_back(line.text);
     }
     agent.clearLog();
     return texts;
@@ -101,8 +103,11 @@ TEST_F(SwallowedException, OfTheMeshCopyIsTold) {
   std::filesystem::remove_all(agent.dataDirectory() + "/mesh");
   causes();
   EXPECT_EQ(write(nullptr), 0);
-  EXPECT_THAT(causes(), ElementsAre(L"Mesh service's list not written: " + mesh() +
-                                    L": No such file or directory"));
+  const std::wstring cause =
+      L"Mesh service's list not written: " + mesh() + L": No such file or directory";
+  EXPECT_THAT(agent.texts(LogLevel::Error),
+              ElementsAre(L"Failed to write mesh service sitelist.", cause));
+  EXPECT_THAT(causes(), ElementsAre(cause));
 }
 
 TEST_F(SwallowedException, WhileADocumentIsBuiltIsTold) {

@@ -35,8 +35,8 @@ struct AgentSettings {
   LogLevel logLevel = LogLevel::Error;
 };
 
-// Thrown for settings that cannot be used. what() has the reason. It also has the file with line
-// and column, or the data directory.
+// Thrown for settings that cannot be used. what() returns the reason, and the file with line and
+// column or the data directory.
 class PLATFORM_API SettingsError : public std::runtime_error {
  public:
   explicit SettingsError(const std::string& text);  // what() returns `text`
@@ -61,7 +61,8 @@ PLATFORM_API const AgentSettings& agent();
 
 // Reads <dataDirectory>/agent.toml. A setting that is not in the file has its default. A relative
 // path is relative to the data directory. An unknown setting is an error. Without the file, returns
-// the defaults. Throws SettingsError, also for a data directory that is too long for setAgent.
+// the defaults. Throws SettingsError if the file cannot be used, or if the data directory is too
+// long for setAgent.
 PLATFORM_API AgentSettings readAgentSettings(const std::string& dataDirectory);
 
 // Returns the text of an agent.toml with these settings. The data directory is not in the text,

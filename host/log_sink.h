@@ -9,8 +9,8 @@
 
 namespace host {
 
-// Receives each message at or above the threshold. It is called by one thread at a time: the thread
-// that logs. A sink must neither log nor fork. An exception that a sink throws is dropped.
+// Receives each message at or above the threshold. It is called on the thread that logs, by one
+// thread at a time. A sink must neither log nor fork. An exception that a sink throws is dropped.
 using LogSink =
     std::function<void(LogLevel level, const std::wstring& component, const std::wstring& text)>;
 

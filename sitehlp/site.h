@@ -29,7 +29,7 @@ constexpr unsigned long c_textCapacity = 260;            // of most text fields,
 constexpr unsigned long c_pathCapacity = 520;            // of relative paths
 constexpr unsigned long c_netbiosCapacity = 261;         // of computer names
 constexpr unsigned long c_serverIpCapacity = 100;        // of IP addresses
-constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of excluded hosts
+constexpr unsigned long c_exclusionListCapacity = 4001;  // of the list of exclusion hosts
 
 // A site reached over HTTP: a repository, a management server or an agent repository.
 struct tag_HttpSite {

@@ -27,7 +27,7 @@ constexpr const wchar_t* c_sitelistName = L"SiteList.xml";
 constexpr const wchar_t* c_serverSitelistName = L"ServerSiteList.xml";
 constexpr const char* c_siteListLock = "SiteListLock";          // guards the files
 constexpr const char* smartSiteListLock = "SmartSiteListLock";  // guards the cached list
-constexpr const wchar_t* c_proxyParamDelimiter = L";";          // separates excluded hosts
+constexpr const wchar_t* c_proxyParamDelimiter = L";";          // separates exclusion hosts
 // Starts a macro.
 constexpr const wchar_t* c_agentEnvMacroStartDelimiter = L"<";
 // Ends a macro.
@@ -180,8 +180,8 @@ class SITEHLP_API CSitesHelper {
   int ReadSiteFromSiteList(AdvXMLParser::Element* element, void** record);
 
   // Gets the list that this process has cached. Reads the file first if no list is cached, or if
-  // needToUpdateInMemSiteList was called at least twice since the last read. Reads it as
-  // ReadSiteList does with its lock. Returns 0 or the result of ReadSiteList.
+  // needToUpdateInMemSiteList was called at least twice since the last read. Reads it like
+  // ReadSiteList with `useLock` set. Returns 0 or the result of ReadSiteList.
   //
   // Caution: while a list is cached, `path` is ignored. The cached list is returned even if it came
   // from another file.
@@ -195,7 +195,7 @@ class SITEHLP_API CSitesHelper {
   // Neither may run in another thread while this operation runs or its list is used.
   int SmartReadSiteList(const std::wstring& path, tag_Site** list);
 
-  // Reads a file as ReadSiteList does with its lock. An empty `path` gives -1 and leaves `*list`
+  // Reads a file like ReadSiteList with `useLock` set. An empty `path` gives -1 and leaves `*list`
   // unchanged. ReadSiteList also returns -1, but with a list. Set `*list` to null before the call
   // to distinguish the two cases. A failure or an empty list is logged as an error.
   int MustReadSiteList(const std::wstring& path, tag_Site** list);
@@ -243,8 +243,8 @@ class SITEHLP_API CSitesHelper {
   //
   // The result 0 does not mean that every record was written, that every password was encrypted, or
   // that the mesh service loaded the mesh copy. If there is not enough memory to build the
-  // document, nothing is written and an error is logged. The result is then that of the records so
-  // far. It may be 0.
+  // document, nothing is written and an error is logged. The result then covers only the records
+  // processed so far, so it may be 0.
   int CreateSiteList(tag_Site* list, const std::wstring& path, const std::wstring& globalVersion,
                      const std::wstring& localVersion, const std::wstring& type,
                      const std::vector<std::wstring>& certificates);
@@ -299,14 +299,14 @@ class SITEHLP_API CSitesHelper {
   // remain the caller's.
   //
   // - `useSecond` is false: the result is the instance's own list, read from disk, with the
-  //   fallback site and the server sites of `first`.
+  //   fallback site and the management servers of `first`.
   // - `useSecond` is true and `first` is not null: the result is `second` followed by `first`
   //   without its proxies.
   // - `useSecond` is true and `first` is null: the result is `second` with the fallback site and
-  //   the server sites of the instance's own list.
+  //   the management servers of the instance's own list.
   //
-  // Here and below, a server site is a management server. Server sites only replace server sites.
-  // If the result is empty, it receives the server sites.
+  // Management servers replace only management servers. If the result is empty, it receives the
+  // management servers.
   //
   // Returns
   //
@@ -314,8 +314,8 @@ class SITEHLP_API CSitesHelper {
   // - -2 for a null `finalList`, which is logged;
   // - the failure of the last step.
   //
-  // The step that inserts server sites returns 0, so it hides a failure to read the instance's own
-  // list. On every failure `*finalList` is null, even when an exception is thrown.
+  // The step that inserts management servers returns 0, so it hides a failure to read the
+  // instance's own list. On every failure `*finalList` is null, even when an exception is thrown.
   int MergeSiteLists(tag_Site* first, tag_Site* second, bool useSecond, tag_Site** finalList);
 
   // Appends copies of the records of `source` after `*tail`. Skips records of unknown kind and, if
@@ -342,9 +342,9 @@ class SITEHLP_API CSitesHelper {
   // Inserts a fallback site into a list. `fallback` must not be a record of the list.
   //
   // - `*head` is null: the site becomes the list, and `*tail` is unchanged.
-  // - The site is of kind SITE_KIND_HTTP or SITE_KIND_FTP, and the list has a fallback site of any
-  //   kind: the content of the first such site is replaced. Its place is unchanged. The site itself
-  //   is released, and `*tail` is unchanged.
+  // - If the site is of kind SITE_KIND_HTTP or SITE_KIND_FTP, and the list has a fallback site: the
+  //   content of the first fallback site is replaced. Its place is unchanged. The inserted site is
+  //   released, and `*tail` is unchanged.
   // - Otherwise, if `*tail` is not null: the site is linked after `*tail` and becomes `*tail`.
   // - Otherwise nothing is done, and the site remains the caller's.
   //
@@ -352,8 +352,8 @@ class SITEHLP_API CSitesHelper {
   // caller's.
   int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
 
-  // Copies every server site, in list order. `*chain` must be null. It is unchanged on -8 and -2.
-  // Returns
+  // Copies every management server, in list order. `*chain` must be null. It is unchanged on -8 and
+  // -2. Returns
   //
   // - 0 when the sites were copied;
   // - -2 for a null argument;
@@ -361,13 +361,13 @@ class SITEHLP_API CSitesHelper {
   // - -8 when there is none.
   int GetVestaSite(tag_Site* list, tag_Site** chain);
 
-  // Replaces the server sites of a list with `chain`, which must not be part of the list. A server
-  // site that directly follows a removed one is not removed.
+  // Replaces the management servers of a list with `chain`, which must not be part of the list. A
+  // management server that directly follows a removed one is not removed.
   //
   // - `*head` is null: the chain becomes the list, and `*tail` is unchanged.
-  // - The list has a server site: the server sites are released, and the chain is linked at the
-  //   end. If the record of `*tail` was released, `*tail` is then the last record. Otherwise it is
-  //   unchanged and no longer the last record.
+  // - The list has a management server: the management servers are released, and the chain is
+  //   linked at the end. If the record of `*tail` was released, `*tail` is then the last record.
+  //   Otherwise it is unchanged and no longer the last record.
   // - The list has none and `*tail` is not null: the list is unchanged, and the chain remains the
   //   caller's. `*tail` is then the first record of the chain, and the last record of the chain
   //   points to what followed the old `*tail`.
@@ -378,9 +378,9 @@ class SITEHLP_API CSitesHelper {
 
   // --- Validation --------------------------------------------------------------------------------
 
-  // Checks that a list has sites. If `checkServer` is set, its first server site must also be
-  // complete. If that site has a version, key files that are not empty must exist next to the site
-  // list file that the instance read last. Each fault gives one log line. Returns
+  // Checks that a list has sites. If `checkServer` is set, its first management server must also be
+  // complete. If that server has a version, key files that are not empty must exist next to the
+  // site list file that the instance read last. Each fault gives one log line. Returns
   //
   // - 0 when there is no fault;
   // - -9 when there is a fault;
@@ -465,8 +465,8 @@ class SITEHLP_API CSitesHelper {
   //
   // - 0 when the last site was processed;
   // - -1 when the last site is of unknown kind;
-  // - -5 when the bytes are not a document. Nothing is written;
-  // - -104 when the document is over a limit. Nothing is written.
+  // - -5 when the bytes are not a document; nothing is written.
+  // - -104 when the document is over a limit; nothing is written.
   int AdjustPwd(korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>& buffer);
 
   // --- CA certificates, policy settings, management servers --------------------------------------
@@ -614,8 +614,9 @@ class SITEHLP_API CSitesHelper {
   static bool createServerSiteListFromSiteList(const wchar_t* sourceDir, const wchar_t* targetDir);
 
  protected:
-  // These members are for derived classes. This one is the path of the instance's own file, or
-  // empty.
+  // These members are for derived classes.
+
+  // The path of the instance's own file; empty if it has none.
   std::wstring m_strSiteListFile;
   std::wstring m_strCurrentFile;    // the path of the file read last
   std::wstring m_strLocalVersion;   // of that file when the instance was created

@@ -19,9 +19,9 @@
 // A file or directory that root creates gets the owner and group of the directory it is in.
 namespace host {
 
-// Reads a whole regular file. A directory gives EISDIR, another file that is not regular EINVAL,
-// and a file of more than `limit` bytes EFBIG. Never waits on a pipe or a device. On failure
-// `bytes` is unchanged.
+// Reads a whole regular file. Fails with EISDIR for a directory, EINVAL for another file that is
+// not regular, and EFBIG for a file of more than `limit` bytes. Never waits on a pipe or a device.
+// On failure `bytes` is unchanged.
 PLATFORM_API int readRegularFile(const std::string& path, std::size_t limit, std::string& bytes);
 
 // Creates or atomically replaces a file. Every process finds the whole old file or the whole new

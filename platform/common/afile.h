@@ -51,7 +51,7 @@ class PLATFORM_API AFile {
 // Operations on whole files and directories.
 class PLATFORM_API AFiler {
  public:
-  // The question of getFileAccessibility.
+  // The kind of access that getFileAccessibility checks.
   enum AFileAccess {
     accessExist = 0,  // whether the file is there
     accessRead = 1,   // whether it may be read

@@ -13,8 +13,9 @@ struct DocumentTree;
 struct WrittenIn;
 }  // namespace AdvXMLParser
 
-// Documents that are edited node by node. Everything that an edit does not touch is unchanged:
-// unknown elements and attributes, comments, processing instructions, CDATA sections, white space.
+// Documents that are edited node by node. All elements, attributes, comments, processing
+// instructions, CDATA sections and text that an edit does not touch are unchanged. The encoding,
+// line ends, quotes and the white space between attributes may change when the document is written.
 //
 // Names and values are compared exactly. A null or empty name means that no name is given. A null
 // value is an empty text. A character that XML does not allow is stored as U+FFFD, or as "_" in a
@@ -61,7 +62,7 @@ class PLATFORM_API AnXml {
 
 // A handle on one element: a small value that may be copied. It is valid while its AnXml exists
 // with the same document and the element is in that document. A query on a null handle returns
-// false or empty text; a change does nothing.
+// false or empty text. A change of a null handle has no effect.
 class PLATFORM_API AnXmlNode {
  public:
   AnXmlNode() = default;
@@ -103,9 +104,9 @@ class PLATFORM_API AnXmlNode {
   AString getName() const;
 
   // Finds a child as tryGetChild does. If there is none, adds one with that name and key as the
-  // last child. Then sets the child's `otherAttribute`, if given, to `otherValue`, and `out` to the
-  // child. Returns false and leaves `out` unchanged only for a null handle, or when a child must be
-  // added but no name is given. `out` may be this object.
+  // last child. If `otherAttribute` is given, sets that attribute of the child to `otherValue`.
+  // Sets `out` to the child. Returns false and leaves `out` unchanged only for a null handle, or
+  // when a child must be added but no name is given. `out` may be this object.
   bool setChild(AnXmlNode& out, const wchar_t* name, const wchar_t* keyAttribute,
                 const wchar_t* keyValue, const wchar_t* otherAttribute, const wchar_t* otherValue);
 

@@ -17,9 +17,9 @@ enum EncryptionType {
 };
 
 // Encrypts and decrypts with one key. Each operation returns nonzero on success. On failure it
-// returns 0 and leaves `out` unchanged. An operation fails for a value that was changed, and on an
-// object whose type does not support it. One object must not be used by two threads at the same
-// time. Only std::bad_alloc is thrown.
+// returns 0 and leaves `out` unchanged. An operation fails if the encrypted value was changed, or
+// if the type of the object does not support the operation. One object must not be used by two
+// threads at the same time. Only std::bad_alloc is thrown.
 //
 // An operation fails when the system does not provide the cipher, or when a value cannot be
 // decrypted. Both are logged as errors: once while a KeptKeys exists, otherwise at every call. An

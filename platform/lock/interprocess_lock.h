@@ -11,8 +11,8 @@
 // waiting writer.
 //
 // One object must not be used by two threads at the same time. The destructor unlocks. Locking a
-// locked object does nothing, and neither does unlocking one that is not locked. After a fork the
-// child holds none of its parent's locks.
+// locked object has no effect. Unlocking an unlocked object has no effect. After a fork the child
+// holds none of its parent's locks.
 namespace korvel_com {
 namespace orb {
 namespace lock {

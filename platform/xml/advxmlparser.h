@@ -13,9 +13,9 @@
 // A Document owns its tree. Node, Attribute, NodeContainer and Element are handles: small values
 // that refer into the tree and may be copied. A handle is valid while its Document exists and the
 // node is in it. A query on a null handle (IsNull) returns an empty text, a null handle or an empty
-// range; a change does nothing. One document must not be used by two threads at the same time;
-// different documents are independent. A character that an XML name must not have becomes "_" in
-// the name of a new element or attribute.
+// range. A change of a null handle has no effect. One document must not be used by two threads at
+// the same time. Different documents are independent. A character that an XML name must not have
+// becomes "_" in the name of a new element or attribute.
 namespace AdvXMLParser {
 
 // The encodings of a file.
@@ -86,7 +86,7 @@ class PLATFORM_API ReadWriteException : public std::exception {
 
 // The encoding of a document, as found at the start of its bytes.
 struct WrittenIn {
-  // Input: the encoding assumed when the bytes do not show one. Output: the encoding found.
+  // Input: the encoding to assume if it cannot be detected. Output: the encoding found.
   UTF_ENCODINGS encoding;
   bool hasMark = false;  // whether there was a byte order mark
 };
@@ -95,9 +95,9 @@ struct WrittenIn {
 using TextCallback = std::string (*)(const std::string&);
 
 // Reads a whole regular file and converts it to wide text, without the byte order mark. The file
-// may be UTF-8, UTF-16 or UTF-32 in either byte order. `encoding` is the encoding to assume when
-// the bytes do not show one; it receives the encoding found. `callback`, when not null, receives
-// the raw bytes before they are converted. Throws ReadWriteException (READ_FAILED,
+// may be UTF-8, UTF-16 or UTF-32 in either byte order. `encoding` is the encoding to assume if it
+// cannot be detected; it receives the encoding found. `callback`, when not null, receives the raw
+// bytes before they are converted. Throws ReadWriteException (READ_FAILED,
 // INVALID_ENCODING, LIMIT_EXCEEDED) or std::bad_alloc and then leaves both outputs unchanged.
 // Blocks on the file system; never waits on a pipe or a device. Any thread.
 PLATFORM_API void ReadBufferFromFile(const std::wstring& path, std::wstring& text,
@@ -303,8 +303,8 @@ class PLATFORM_API Document {
 
 // Writes a new document as text, element by element and without a tree. The text is the same as
 // that of a Document with this content, in UTF-8 and without indentation. One object must not be
-// used by two threads at the same time. Adding may throw std::bad_alloc; the object must not be
-// used any more then.
+// used by two threads at the same time. Adding may throw std::bad_alloc. The object must not be
+// used afterwards.
 class PLATFORM_API DocumentWriter {
  public:
   // Begins with an XML declaration and opens this root. The name of an element is not copied: the

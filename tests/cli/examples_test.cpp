@@ -34,7 +34,7 @@ TEST_F(CliExamples, TheIncomingListIsCompleteAndCanBeImported) {
   const Output output = sitelist({"import", incoming()});
   EXPECT_EQ(output.status, 0);
   EXPECT_EQ(output.err,
-            "sitelist: exchanged the orders of the default vendor repositories, so that the "
+            "sitelist: swapped the orders of the default vendor repositories, so that the "
             "HTTP one comes first\nsitelist: " +
                 ownList() + " now has 11 entries, global version 20260914083012\n");
   const json sites = json::parse(sitelist({"show", "--json", "--show-secrets"}).out)["sites"];

@@ -89,6 +89,22 @@ TEST_F(CliExplainRule, ItsExamplesBreakTheRuleAndKeepIt) {
   }
 }
 
+TEST_F(CliExplainRule, TheExamplesOfAServerBreakNoOtherErrorRule) {
+  std::size_t count = 0;
+  for (const json& rule : rules()) {
+    const std::string name = rule["name"];
+    const std::string mended = rule["mended"];
+    if (mended.rfind("<VestaSite", 0) != 0) continue;
+    ++count;
+    const std::string path = write("server.xml", document(mended));
+    EXPECT_EQ(json::parse(sitelist({"validate", "--json", path}).out)["faultCount"], 0) << name;
+    if (name == "no-server") continue;
+    write("server.xml", document(rule["faulty"].get<std::string>()));
+    EXPECT_EQ(json::parse(sitelist({"validate", "--json", path}).out)["faultCount"], 1) << name;
+  }
+  EXPECT_EQ(count, 8U);
+}
+
 TEST_F(CliExplainRule, TellsAllOfOneRule) {
   const Output output = sitelist({"explain-rule", "flag-value"});
   EXPECT_EQ(output.status, 0);

@@ -157,7 +157,7 @@ TEST_F(CliShow, WarnsOncePerListThatPasswordsCannotBeDecrypted) {
   setOwnList(document(httpSite("kept", "1", good) + httpSite("lost", "2", "foreign")));
   const std::string warning =
       "sitelist: " + ownList() +
-      ": warning: 1 password cannot be decrypted with this agent's key and "
+      ": warning: 1 password cannot be decrypted with the password key and "
       "is read as empty\n"
       "  next: restore the agent's password key, or set the passwords again\n";
   for (const char* format : {"table", "json", "csv", "xml"}) {

@@ -112,7 +112,7 @@ void reportNotes(const std::string& file) {
                 << ": warning: the next list from the management server will overwrite this one "
                    "(policy setting \"OverwriteClientSites\")\n";
     } else if (begins(record.text, L"Exchanged orders ")) {
-      std::cerr << "sitelist: exchanged the orders of the default vendor repositories, so that the "
+      std::cerr << "sitelist: swapped the orders of the default vendor repositories, so that the "
                    "HTTP one comes first\n";
     }
   }
@@ -123,7 +123,7 @@ void reportNotes(const std::string& file) {
 void warnOfLostPasswords(const IncomingOptions& options) {
   for (const std::string& name : sitesWithLostPasswords(options.file)) {
     std::cerr << "sitelist: " << shown(options.file) << ": warning: a password of " << name
-              << " cannot be decrypted with this agent's key; "
+              << " cannot be decrypted with the password key; "
               << (options.dryRun ? "it would be empty\n" : "it is now empty\n");
   }
 }
@@ -135,9 +135,9 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
                   "Directory of the management server's public key, for a\nlist whose server has "
                   "no version")
       .type_name("DIR");
-  command.add_flag(
-      "--dry-run", options.dryRun,
-      "Show the changes of the agent's own list, key files and\nFIPS marker, and write nothing");
+  command.add_flag("--dry-run", options.dryRun,
+                   "Show the changes to the agent's own list, the key files\nand the FIPS marker; "
+                   "write nothing");
 }
 
 int takeIncoming(Context& context, const IncomingOptions& options) {

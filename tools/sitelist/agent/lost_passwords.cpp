@@ -83,8 +83,8 @@ void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
   const unsigned long count = takeUnreadPasswords();
   if (count == 0) return;
   std::cerr << "sitelist: " << shown(path) << ": warning: " << count
-            << (count == 1 ? " password cannot be decrypted with this agent's key and is read as"
-                           : " passwords cannot be decrypted with this agent's key and are read as")
+            << (count == 1 ? " password cannot be decrypted with the password key and is read as"
+                           : " passwords cannot be decrypted with the password key and are read as")
             << " empty\n  next: "
             << (isOwnList ? "restore the agent's password key, or set the passwords again\n"
                           : "name the agent that the list belongs to with --agent-dir\n");
@@ -93,7 +93,7 @@ void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
 void refuseLostPasswords(const std::string& path) {
   const std::vector<std::string> names = sitesWithLostPasswords(path);
   if (names.empty()) return;
-  std::string text = "cannot decrypt passwords with the agent's key:";
+  std::string text = "cannot decrypt passwords with the password key:";
   for (const std::string& name : names) text += "\n  " + name;
   throw failureAt(path, exitCrypto,
                   text + "\n  Nothing was written, because the new list would have lost them.",

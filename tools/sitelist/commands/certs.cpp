@@ -127,7 +127,8 @@ int certs(Context& context, const CertsOptions& options) {
 void addCerts(Command& app, Context& context) {
   Command command = app.add_subcommand("certs", "Print the CA certificates of a list");
   const auto options = std::make_shared<CertsOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
+      .type_name("");
   command
       .add_option("--expiring", options->expiring,
                   "Exit with status 1 if a certificate has expired or has at\n"

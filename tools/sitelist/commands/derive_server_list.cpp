@@ -46,7 +46,8 @@ void addDeriveServerList(Command& app, Context& context) {
       .type_name("");
   command.footer(
       "Copies SiteList.xml without the sites of the kinds http, ftp, unc and local that\n"
-      "have Local=\"1\". Everything else in the document is unchanged.\n"
+      "have exactly Local=\"1\". All other elements, attributes, comments and text are\n"
+      "unchanged.\n"
       "\n"
       "Examples:\n"
       "  sitelist derive-server-list /Library/Korvel/orb/etc\n"

@@ -24,7 +24,7 @@ SiteList read(const std::string& path) {
   if (lost.empty()) return list;
   std::cerr
       << "sitelist: " << shown(path)
-      << ": warning: passwords that cannot be decrypted with this agent's key are compared as "
+      << ": warning: passwords that cannot be decrypted with the password key are compared as "
          "empty:";
   for (const std::string& name : lost) std::cerr << (&name == lost.data() ? " " : ", ") << name;
   std::cerr << '\n';

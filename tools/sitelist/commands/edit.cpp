@@ -161,9 +161,9 @@ void addSet(Command& edit, Edits& edits, EditArguments& options) {
   addKind(command, options);
   addValues(command, options);
   command.footer(
-      "A value that is too long for its field is refused. So is a value that is not a\n"
-      "number or a flag, if the field needs one. A password must not be on the command\n"
-      "line.\n"
+      "A value that is too long for its field is refused. A value is also refused if\n"
+      "the field needs a number or a flag and the value is not one. A password must not\n"
+      "be on the command line.\n"
       "\n"
       "Fields:\n" +
       fieldHelp() +
@@ -226,7 +226,7 @@ void addMoves(Command& edit, Edits& edits, EditArguments& options) {
   addName(command, options);
   command
       .add_option("PLACE", options.place,
-                  "first, last, a position from 1,\nor before or after with OTHER")
+                  "first, last, a position (from 1),\n\"before OTHER\" or \"after OTHER\"")
       .required()
       .type_name("")
       .suggests([] {
@@ -238,8 +238,8 @@ void addMoves(Command& edit, Edits& edits, EditArguments& options) {
   addKind(command, options);
   command.footer(
       "The command redistributes the existing order numbers. As few sites as possible\n"
-      "get a new number. A disabled site has a place in the search order. A mirror, a\n"
-      "proxy and a fallback without an order have none.\n"
+      "get a new number. A disabled site can be moved. A mirror, a proxy and a fallback\n"
+      "without an order cannot.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit move Depot first\n"
@@ -253,12 +253,14 @@ void addRestore(Command& edit, Edits& edits) {
                       return restoreBackup(context, given.list);
                     });
   command.footer(
+      "`sitelist edit --help` describes --dry-run and the other options.\n"
+      "\n"
       "Example:\n"
       "  sitelist edit restore --dry-run\n");
 }
 
 void addCommonOptions(Command& command, EditOptions& options) {
-  command.add_option("--file", options.file, "The list to edit (default: the agent's own)")
+  command.add_option("--file", options.file, "The list to edit (default: the agent's own list)")
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
@@ -279,10 +281,11 @@ void addEdit(Command& app, Context& context) {
   addMoves(command, *edits, *options);
   addRestore(command, *edits);
   command.footer(
-      "Everything else in the document is unchanged, including the parts that the agent\n"
-      "does not read. A repeated edit changes nothing.\n"
+      "All other elements, attributes, comments and text are unchanged, including those\n"
+      "that the agent does not read. A repeated edit changes nothing.\n"
       "\n"
-      "`sitelist edit COMMAND --help` describes each edit.\n"
+      "`sitelist edit COMMAND --help` describes each edit. The options of `sitelist\n"
+      "edit` may be given before or after COMMAND.\n"
       "\n"
       "Examples:\n"
       "  sitelist edit disable Depot\n"

@@ -50,7 +50,7 @@ void printSite(std::ostream& out, const Screen& screen, const Record& row) {
       << '\n';
   if (!isTried) return;
   if (shownText(row, "local") == "true") {
-    out << "     local  only this agent knows it; it is not in the derived server list\n";
+    out << "     local  only this agent uses it\n";
   }
   out << "     goes   " << throughOf(shownText(row, "proxy"), shownText(row, "proxyReason"))
       << '\n';
@@ -170,7 +170,8 @@ void addExplain(Command& app, Context& context) {
   Command command =
       app.add_subcommand("explain", "Show which sites the agent tries, in which order, and why");
   const auto options = std::make_shared<ExplainOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
+      .type_name("");
   command
       .add_option("--host", options->host,
                   "Show only whether this host bypasses the proxy. The exit\n"
@@ -180,7 +181,7 @@ void addExplain(Command& app, Context& context) {
   command.footer(
       "Sites are tried in ascending order. If two have the same order, the one that is\n"
       "first in the list is tried first. Disabled sites and mirrors are not tried. A\n"
-      "fallback without an order comes last.\n"
+      "fallback without an order has the order 65535.\n"
       "\n"
       "An exclusion is a host name in which * matches any characters and ? matches one.\n"
       "Case is ignored. A local address is a name without a dot, or this machine.\n"

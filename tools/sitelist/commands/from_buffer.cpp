@@ -38,7 +38,8 @@ int fromBuffer(Context& context, const std::string& file) {
 }  // namespace
 
 void addFromBuffer(Command& app, Context& context) {
-  Command command = app.add_subcommand("from-buffer", "Write a document to the scratch directory");
+  Command command =
+      app.add_subcommand("from-buffer", "Write a site list to /Library/Korvel/orb/scratch");
   const auto file = std::make_shared<std::string>();
   command.add_option("FILE", *file, "The document; - or no FILE means standard input")
       .type_name("");

@@ -138,7 +138,8 @@ void addGet(Command& app, Context& context) {
       .required()
       .type_name("")
       .suggests(valueNames);
-  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
+      .type_name("");
   command.add_option("--site", options->site, "Print a value of the site with this name")
       .type_name("NAME")
       .not_empty()

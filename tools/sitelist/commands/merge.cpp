@@ -99,9 +99,9 @@ void addMerge(Command& app, Context& context) {
       .add_option("--output", options->output, "The file for the result (default: standard output)")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
-                   "Show the changes from the second list (without --second,\n"
-                   "from the agent's own) to the merged list, and write\n"
-                   "nothing");
+                   "Show the differences between the merged list and the\n"
+                   "second list, and write nothing. Without --second, compare\n"
+                   "with the agent's own list.");
   command.footer(
       "The result depends on the options:\n"
       "  --first   the agent's own list, with the fallback site and the management\n"

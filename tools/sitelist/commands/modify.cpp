@@ -82,8 +82,8 @@ int modify(Context& context, const ModifyOptions& options) {
 }  // namespace
 
 void addModify(Command& app, Context& context) {
-  Command command =
-      app.add_subcommand("modify", "Replace parts of the agent's own list from another list");
+  Command command = app.add_subcommand(
+      "modify", "Replace parts of the agent's own list with those of another list");
   const auto options = std::make_shared<ModifyOptions>();
   command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
       .required()
@@ -100,8 +100,8 @@ void addModify(Command& app, Context& context) {
       .type_name("DIR");
   command.add_flag("--dry-run", options->incoming.dryRun, "Show the changes, and write nothing");
   command.footer(
-      "Everything else in the document is unchanged, including the parts that the agent\n"
-      "does not read. The key files next to SOURCE are always installed.\n"
+      "All other elements, attributes, comments and text are unchanged, including those\n"
+      "that the agent does not read. The key files next to SOURCE are always installed.\n"
       "\n"
       "Examples:\n"
       "  sitelist modify --servers --dry-run incoming/SiteList.xml\n"

@@ -59,7 +59,7 @@ void addPolicies(Command& app, Context& context) {
   const auto options = std::make_shared<PoliciesOptions>();
   command
       .add_option("FILE", options->file,
-                  "A site list (default: the agent's own); write ./set for\na file named set")
+                  "A site list (default: the agent's own list); write\n./set for a file named set")
       .type_name("");
   Command setCommand =
       command.add_subcommand("set", "Set a policy setting in the agent's own list");

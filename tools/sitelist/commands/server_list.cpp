@@ -58,7 +58,7 @@ int serverList(Context& context, const ServerListOptions& options) {
   }
   if (isRewritten) requireRewritten(input, path, before);
   if (options.adjustPasswords && !isRewritten) {
-    std::cerr << "sitelist: the agent's key size is not 2048; the passwords are unchanged\n";
+    std::cerr << "sitelist: the configured key size is not 2048; the passwords are unchanged\n";
   }
   std::cerr << "sitelist: stored " << shown(input.name) << " as " << shown(path) << '\n';
   return exitSuccess;

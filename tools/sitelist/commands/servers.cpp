@@ -54,8 +54,8 @@ void addServers(Command& app, Context& context) {
   const auto options = std::make_shared<ServersOptions>();
   command.add_flag(
       "--all", options->all,
-      "All management servers in ascending order, separated by\n\";\"; the port is that of "
-      "the last server");
+      "All management servers, sorted by order and separated by\nsemicolons. The port is that "
+      "of the last server.");
   command.add_flag("--non-secure-port", options->nonSecurePort,
                    "The plain port, even if there is a secure one");
   command.footer(

@@ -153,7 +153,8 @@ void addShow(Command& app, Context& context) {
   Command command =
       app.add_subcommand("show", "Print the sites in search order, then the proxy settings");
   const auto options = std::make_shared<ShowOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
+      .type_name("");
   command
       .add_option("--columns", options->columnList,
                   "Columns of the table, separated by commas: order, kind,\ntype, name, "
@@ -171,9 +172,9 @@ void addShow(Command& app, Context& context) {
   command
       .add_repeated("--filter", options->selection.filters,
                     "Only sites whose kind, type or name matches; * matches any\n"
-                    "characters and ? matches one. With kind=, type= or name=\n"
-                    "in front, only that field is compared. This option may be\n"
-                    "repeated. All patterns must match.")
+                    "characters and ? matches one. If PATTERN begins with\n"
+                    "kind=, type= or name=, only that field is compared. This\n"
+                    "option may be repeated. All patterns must match.")
       .type_name("PATTERN");
   command.add_flag("--wide", options->wide, "Do not cut columns to fit the terminal");
   command.add_flag("--show-secrets", options->showSecrets,

@@ -39,7 +39,7 @@ int versions(Context& context, const std::string& file) {
 void addVersions(Command& app, Context& context) {
   Command command = app.add_subcommand("versions", "Print a list's versions, type and FIPS mode");
   const auto file = std::make_shared<std::string>();
-  command.add_option("FILE", *file, "A site list (default: the agent's own)").type_name("");
+  command.add_option("FILE", *file, "A site list (default: the agent's own list)").type_name("");
   command.footer(
       "Examples:\n"
       "  sitelist versions\n"

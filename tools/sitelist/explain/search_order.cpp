@@ -23,7 +23,7 @@ std::string obstacleOf(const tag_Site& site) {
 std::string reasonOf(const tag_Site& site, const tag_Site* previous) {
   std::string text;
   if (isFallback(site) && site.iOrder == c_orderOfFallback) {
-    text = "a fallback without an order comes after all other sites";
+    text = "a fallback without an order has the order 65535";
   } else {
     text = (isFallback(site) ? "fallback with the order " : "order ") + std::to_string(site.iOrder);
     if (!previous) text += ", the lowest";

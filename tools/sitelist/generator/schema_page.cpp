@@ -36,8 +36,8 @@ class SchemaPage {
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
-        "In addition, each document has the members of its command. After a failure, these "
-        "members may be missing, empty or incomplete.");
+        "In addition, a document has the members of its command. The list of members states which "
+        "of them depend on options. After a failure, members may be missing, empty or incomplete.");
     for (const Json& document : m_schema.at("oneOf")) {
       describeDocument(nameOfReference(document), resolved(document));
     }
@@ -90,13 +90,18 @@ class SchemaPage {
     return "array of " + plainTypeOf(items) + 's';
   }
 
-  static std::string choicesOf(const Json& node) {
-    if (!node.contains("enum")) return "";
+  static std::vector<std::string> choicesOf(const Json& node) {
     std::vector<std::string> values;
     for (const Json& value : node.at("enum")) {
       const bool isWord = value.is_string() && !value.get<std::string>().empty();
       values.push_back('`' + (isWord ? value.get<std::string>() : value.dump()) + '`');
     }
+    return values;
+  }
+
+  static std::string choiceSentence(const Json& node) {
+    if (!node.contains("enum")) return "";
+    const std::vector<std::string> values = choicesOf(node);
     return (values.size() == 1 ? " Always " : " One of ") + enumerated(values) + '.';
   }
 
@@ -109,7 +114,7 @@ class SchemaPage {
       const bool mayMiss = isWithinDocument(object) &&
                            std::find(required.begin(), required.end(), name) == required.end();
       m_page.item("Ic " + roffLiteral(name) + " Pq " + typeOf(property),
-                  node.at("description").get<std::string>() + choicesOf(node) +
+                  node.at("description").get<std::string>() + choiceSentence(node) +
                       (mayMiss ? " Optional." : ""));
       if (node.contains("items") && node.at("items").contains("properties")) {
         list(node.at("items"), [](const std::string&) { return true; });
@@ -151,7 +156,9 @@ class SchemaPage {
       const std::vector<std::string> commands = wordsOf(command.at("enum"));
       const bool isCommand = std::find(commands.begin(), commands.end(), name) != commands.end();
       m_page.subsection(isCommand ? name : "other commands");
-      m_page.paragraph(document.at("description").get<std::string>() + choicesOf(command));
+      m_page.paragraph(document.at("description").get<std::string>() +
+                       " The value of `command` is one of: " + enumerated(choicesOf(command)) +
+                       '.');
     }
     const auto isOwn = [&](const std::string& property) { return !isEverywhere(property); };
     const Json& properties = document.at("properties");

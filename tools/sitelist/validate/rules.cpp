@@ -5,6 +5,10 @@
 namespace tool {
 namespace {
 
+constexpr const char* c_completeServer =
+    R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80" )"
+    R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)";
+
 constexpr Rule error(const char* name, const char* summary, const char* why, const char* mend,
                      const char* faulty, const char* mended, ExitStatus status = exitNegative) {
   return {name, Severity::Error, status, summary, why, mend, faulty, mended};
@@ -30,7 +34,7 @@ const std::vector<Rule>& allRules() {
             "sitelist validate incoming", "sitelist validate incoming/SiteList.xml", exitFile),
       error("invalid-encoding", "the bytes are valid UTF-8, UTF-16 or UTF-32",
             "The agent refuses a document with an invalid byte. Usually the document was saved in "
-            "a national encoding or cut in the middle of a character.",
+            "an 8-bit encoding such as Latin-1, or was cut in the middle of a character.",
             "Save the document as UTF-8, or request it again from the server.",
             R"(Name="D<E9>pot" with the single byte E9, as Latin-1 has it)",
             R"(Name="Dépot" with the bytes C3 A9, as UTF-8 has it)", exitDocument),
@@ -39,11 +43,12 @@ const std::vector<Rule>& allRules() {
             "memory, so the agent refuses it.",
             "Check where the document comes from. No real list is that large or deep.",
             "a million nested elements",
-            "<ns:SiteLists>, <SiteList>, <HttpSite>, <RelativePath>: four", exitDocument),
+            "four nested elements: <ns:SiteLists>, <SiteList>, <HttpSite>, <RelativePath>",
+            exitDocument),
       error("not-well-formed", "the document is well-formed XML without a DOCTYPE",
             "The agent reads nothing from a document that is not XML. It also refuses a DOCTYPE. "
             "No list needs one, and its entities can be used for attacks.",
-            "Fix the document at the reported place. The fault may begin a little before it.",
+            "Fix the document at the reported place. The cause may be before that place.",
             "<RelativePath>Current</RelativPath>", "<RelativePath>Current</RelativePath>",
             exitDocument),
       error("unknown-site", "the last site element is of a known kind",
@@ -64,54 +69,67 @@ const std::vector<Rule>& allRules() {
             "With such a list, a managed agent would have no management server.",
             "Add a complete \"VestaSite\". For an agent that is not managed, use --unmanaged.",
             R"(<HttpSite Type="repository" Name="Depot" Server="depot.example:80"/>)",
-            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
-      error("server-not-local", "the server is not local",
-            "A local site is for one agent only. All agents use the management server.",
-            "Set \"Local\" of the first \"VestaSite\" to 0, or remove it.",
-            R"(<VestaSite Type="master" Name="Main" Local="1" Server="pyx.example:80"/>)",
-            R"(<VestaSite Type="master" Name="Main" Local="0" Server="pyx.example:80"/>)"),
+            c_completeServer),
+      error(
+          "server-not-local", "the server is not local",
+          "A local site is for one agent only. All agents use the management server.",
+          "Set \"Local\" of the first \"VestaSite\" to 0, or remove it.",
+          R"(<VestaSite Type="master" Name="Main" Local="1" Server="pyx.example:80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
+          R"(<VestaSite Type="master" Name="Main" Local="0" Server="pyx.example:80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)"),
       error("server-kind-http", "the server is reached over HTTP",
             "The agent-to-server protocol uses HTTP. A list read from a document cannot break this "
             "rule, but records that a program creates can.",
             "Set \"eSiteKind\" of the server's record to SITE_KIND_HTTP.",
             "site.eSiteKind = SITE_KIND_FTP;", "site.eSiteKind = SITE_KIND_HTTP;"),
-      error("server-type-master", "the server's type is \"master\"",
-            "The type is the role of a site. The management server is the master. Sites of other "
-            "types are for downloads.",
-            "Set \"Type\" of the first \"VestaSite\" to \"master\".",
-            R"(<VestaSite Type="repository" Name="Main" Server="pyx.example:80"/>)",
-            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
+      error(
+          "server-type-master", "the server's type is \"master\"",
+          "The type is the role of a site. The management server is the master. Sites of other "
+          "types are for downloads.",
+          "Set \"Type\" of the first \"VestaSite\" to \"master\".",
+          R"(<VestaSite Type="repository" Name="Main" Server="pyx.example:80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
+          c_completeServer),
       error("server-element", "the server's element is \"VestaSite\"",
             "The element shows that the site uses the agent-to-server protocol. A list read from a "
             "document cannot break this rule, but records that a program creates can.",
             "Set the element of the record to \"VestaSite\".", "site.http.szElement = HttpSite",
             "site.http.szElement = VestaSite"),
-      error("server-name", "the server has a name",
-            "Processes of the agent read the name of their management server.",
-            "Give the first \"VestaSite\" a \"Name\".",
-            R"(<VestaSite Type="master" Name="" Server="pyx.example:80"/>)",
-            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
-      error("server-address", "the server has an address",
-            "Processes of the agent use this address to reach their management server.",
-            "Give the first \"VestaSite\" a \"Server\", as HOST:PORT.",
-            R"(<VestaSite Type="master" Name="Main" Server=":80"/>)",
-            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80"/>)"),
+      error(
+          "server-name", "the server has a name",
+          "Processes of the agent read the name of their management server.",
+          "Give the first \"VestaSite\" a \"Name\".",
+          R"(<VestaSite Type="master" Name="" Server="pyx.example:80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
+          c_completeServer),
+      error(
+          "server-address", "the server has an address",
+          "Processes of the agent use this address to reach their management server.",
+          "Give the first \"VestaSite\" a \"Server\", as HOST:PORT.",
+          R"(<VestaSite Type="master" Name="Main" Server=":80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
+          c_completeServer),
       error("server-ip-address", "the server has an IP address",
             "Processes of the agent use the IP address if the host name cannot be resolved.",
             "Give the first \"VestaSite\" a \"ServerIP\". Write an IPv6 address in brackets.",
-            R"(<VestaSite Type="master" Name="Main" ServerIP=""/>)",
-            R"(<VestaSite Type="master" Name="Main" ServerIP="[2001:db8::10]:80"/>)"),
-      error("server-computer-name", "the server has a computer name",
-            "Processes of the agent read the computer name of the management server and its two "
-            "addresses.",
-            "Give the first \"VestaSite\" a \"ServerName\".",
-            R"(<VestaSite Type="master" Name="Main" ServerName=""/>)",
-            R"(<VestaSite Type="master" Name="Main" ServerName="PYX:80"/>)"),
+            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80" )"
+            R"(ServerIP="" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
+            c_completeServer),
+      error(
+          "server-computer-name", "the server has a computer name",
+          "Processes of the agent read the computer name of the management server and its two "
+          "addresses.",
+          "Give the first \"VestaSite\" a \"ServerName\".",
+          R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80" )"
+          R"(ServerIP="[2001:db8::10]:80" ServerName=""><RelativePath>Software</RelativePath></VestaSite>)",
+          c_completeServer),
       error("server-path", "the server has a path",
             "The files that the agent downloads from its management server are below this path.",
             "Give the first \"VestaSite\" a \"RelativePath\".",
-            "<VestaSite><RelativePath/></VestaSite>",
-            "<VestaSite><RelativePath>Software</RelativePath></VestaSite>"),
+            R"(<VestaSite Type="master" Name="Main" Server="pyx.example:80" )"
+            R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath/></VestaSite>)",
+            c_completeServer),
       error("server-request-key", "a server with a version has its request key",
             "The agent signs its requests to such a server with this key. The server sends the key "
             "with the list. Without the key, the agent cannot use the new server.",
@@ -160,7 +178,7 @@ const std::vector<Rule>& allRules() {
           "Put all certificates into one \"CaBundle\".", "<CaBundle/><CaBundle/>", "<CaBundle/>"),
       warning(
           "second-proxy-config", "a \"ProxyConfigList\" has one \"ProxyConfig\"",
-          "The last one replaces all others completely.", "Keep the right one.",
+          "The last one replaces all others completely.", "Keep only the intended one.",
           R"(<ProxyConfigList><ProxyConfig Name="A"/><ProxyConfig Name="B"/></ProxyConfigList>)",
           R"(<ProxyConfigList><ProxyConfig Name="B"/></ProxyConfigList>)"),
       warning(
@@ -181,8 +199,8 @@ const std::vector<Rule>& allRules() {
               "Correct the name of the attribute. It is case-sensitive.",
               R"(<HttpSite Name="Depot" Oder="3" Server="depot.example:80"/>)",
               R"(<HttpSite Name="Depot" Order="3" Server="depot.example:80"/>)"),
-      warning("repeated-child", "a site has each child element once",
-              "Only the last one is used. The others are lost.", "Keep the right one.",
+      warning("repeated-child", "a site has each child element at most once",
+              "Only the last one is used. The others are lost.", "Keep only the intended one.",
               "<LocalSite "
               "Name=\"Disk\"><RelativePath>/a</RelativePath><RelativePath>/b</RelativePath></"
               "LocalSite>",
@@ -191,12 +209,13 @@ const std::vector<Rule>& allRules() {
               "Names identify sites in logs and on the command line.", "Give the site a \"Name\".",
               R"(<HttpSite Type="repository" Server="depot.example:80"/>)",
               R"(<HttpSite Type="repository" Name="Depot" Server="depot.example:80"/>)"),
-      warning("site-without-address", "every site but a local one has an address",
+      warning("site-without-address", "every site except a LocalSite has an address",
               "The agent tries the site but can never reach it.", "Give the site a \"Server\".",
               R"(<UNCSite Type="repository" Name="Offices"/>)",
               R"(<UNCSite Type="repository" Name="Offices" Server="FILES01"/>)"),
       warning("duplicate-name", "no two sites of one kind share a name",
-              "The name alone does not identify a site.", "Give each site a name of its own.",
+              "If two sites of one kind have the same name, the name does not identify a site.",
+              "Give each site a name of its own.",
               R"(<LocalSite Name="Disk"/><LocalSite Name="Disk"/>)",
               R"(<LocalSite Name="Disk"/><LocalSite Name="Disk 2"/>)"),
       warning(
@@ -231,7 +250,8 @@ const std::vector<Rule>& allRules() {
               R"(<HttpSite Name="Depot" Server="[2001:db8::10]:80"/>)"),
       warning("text-cut", "every text fits into its field",
               "The agent cuts a longer text and reports it only in the detail log. Most fields "
-              "have 259 characters, a path 519, a computer name 260, an IP address 99.",
+              "hold at most 259 characters. A path holds 519, a computer name 260 and an IP "
+              "address 99.",
               "Shorten the text.",
               R"(<HttpSite Name="Depot in the second building, with ... and 300 characters more">)",
               R"(<HttpSite Name="Depot 2">)"),
@@ -266,8 +286,9 @@ const std::vector<Rule>& allRules() {
               "<CaCertificate>-----BEGIN CERTIFICATE----- ... -----END "
               "CERTIFICATE-----</CaCertificate>"),
       warning("certificate-expired", "no CA certificate has expired",
-              "The agent no longer accepts servers whose certificates depend on it.",
-              "Replace it with the new certificate of the authority.",
+              "The agent no longer accepts servers whose certificates depend on an expired CA "
+              "certificate.",
+              "Replace the certificate with the new certificate of the authority.",
               "<CaCertificate> with a \"valid until\" in the past (see `sitelist certs`)",
               "<CaCertificate> with a \"valid until\" in the future"),
   };

@@ -352,8 +352,8 @@ class SITEHLP_API CSitesHelper {
   // caller's.
   int UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Site** head);
 
-  // Copies every management server, in list order. `*chain` must be null. It is unchanged on -8 and
-  // -2. Returns
+  // Copies every management server, in list order. `*chain` must be null. It is unchanged on -2
+  // and -8. Returns
   //
   // - 0 when the sites were copied;
   // - -2 for a null argument;

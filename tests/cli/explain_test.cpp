@@ -94,8 +94,8 @@ TEST_F(CliExplain, TellsSitesThatOnlyThisAgentKnows) {
                            on("every agent's", "2")));
   const std::string out = sitelist({"explain", path}).out;
   const std::size_t second = out.find("\n2. ");
-  EXPECT_THAT(out.substr(0, second), HasSubstr("only this agent knows it"));
-  EXPECT_THAT(out.substr(second), Not(HasSubstr("only this agent knows it")));
+  EXPECT_THAT(out.substr(0, second), HasSubstr("only this agent uses it"));
+  EXPECT_THAT(out.substr(second), Not(HasSubstr("only this agent uses it")));
 }
 
 TEST_F(CliExplain, HavingNoSiteToTryIsANegativeAnswer) {

@@ -118,8 +118,8 @@ TEST_F(CliImport, NamesTheSitesWhosePasswordsAreLost) {
       "list.xml", document(httpSite("kept", "1", good) + httpSite("lost", "2", "never protected")));
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("a password of site \"lost\" cannot be decrypted with this "
-                                    "agent's key; it is now empty"));
+  EXPECT_THAT(output.err, HasSubstr("a password of site \"lost\" cannot be decrypted with the "
+                                    "password key; it is now empty"));
   EXPECT_THAT(output.err, Not(HasSubstr("of kept")));
 }
 

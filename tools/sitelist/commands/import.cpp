@@ -4,7 +4,7 @@ namespace tool {
 
 void addImport(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("import", "Check an incoming site list and make it the agent's own list");
+      app.add_subcommand("import", "Check an incoming list and make it the agent's own list");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = true;
   addIncomingOptions(command, *options);

@@ -3,8 +3,8 @@
 namespace tool {
 
 void addInstall(Command& app, Context& context) {
-  Command command = app.add_subcommand(
-      "install", "Make an incoming site list the agent's own list, without checks");
+  Command command =
+      app.add_subcommand("install", "Make an incoming list the agent's own list, without checks");
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
   addIncomingOptions(command, *options);

@@ -82,8 +82,8 @@ int modify(Context& context, const ModifyOptions& options) {
 }  // namespace
 
 void addModify(Command& app, Context& context) {
-  Command command = app.add_subcommand(
-      "modify", "Replace parts of the agent's own list with those of another list");
+  Command command =
+      app.add_subcommand("modify", "Copy parts of another list into the agent's own list");
   const auto options = std::make_shared<ModifyOptions>();
   command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
       .required()

@@ -8,22 +8,36 @@
 
 namespace {
 
-TEST(CacheGuard, IsFreeInTheChildOfAForkBesideAThreadThatHoldsIt) {
+// The exit status of a child that takes the guard. Its parent is a thread of its own, which has
+// held the guard before or not, and another thread holds it at the fork.
+int guardInChild(bool hasHeldIt) {
+  std::promise<void> ready;
   std::promise<void> held;
-  std::promise<void> released;
-  std::thread holder([&] {
+  std::promise<void> done;
+  int status = -1;
+  std::thread forker([&] {
+    if (hasHeldIt) sitehlp::CacheGuard();
+    ready.set_value();
+    held.get_future().wait();
+    status = test::inChild([] {
+      const sitehlp::CacheGuard guard;
+      return true;
+    });
+    done.set_value();
+  });
+  ready.get_future().wait();
+  {
     const sitehlp::CacheGuard guard;
     held.set_value();
-    released.get_future().wait();
-  });
-  held.get_future().wait();
-  const int status = test::inChild([] {
-    const sitehlp::CacheGuard guard;
-    return true;
-  });
-  released.set_value();
-  holder.join();
-  EXPECT_EQ(status, 0);
+    done.get_future().wait();
+  }
+  forker.join();
+  return status;
+}
+
+TEST(CacheGuard, IsFreeInTheChildOfAForkBesideAThreadThatHoldsIt) {
+  EXPECT_EQ(guardInChild(false), 0);
+  EXPECT_EQ(guardInChild(true), 0);
 }
 
 }  // namespace

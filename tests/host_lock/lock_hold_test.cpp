@@ -44,6 +44,17 @@ TEST_F(Hold, LetsTheLocksOfItsThreadInAndKeepsEveryOtherOut) {
   EXPECT_FALSE(canWrite());
 }
 
+TEST_F(Hold, EndsInAnyOrderAndLeavesTheOtherHeld) {
+  LockHold first(c_lockName, LockMode::Write);
+  LockHold second("AnotherLock", LockMode::Write);
+  ASSERT_TRUE(first.lock(0));
+  ASSERT_TRUE(second.lock(0));
+  first.unlock();
+  EXPECT_FALSE(host::isHeldByThread(c_lockName, LockMode::Read));
+  EXPECT_TRUE(host::isHeldByThread("AnotherLock", LockMode::Write));
+  EXPECT_TRUE(canWriteInAnotherThread());
+}
+
 TEST_F(Hold, OfAReaderLetsReadersIn) {
   Locker other(agent.dataDirectory());
   LockHold hold(c_lockName, LockMode::Read);

@@ -6,16 +6,13 @@
 #include <set>
 
 #include "tests/support/child_process.h"
-#include "tests/support/sanitizer.h"
 #include "tests/threads/operations.h"
 
 namespace {
 
 using namespace test;
 
-// AddressSanitizer finds what a pair does to memory, whichever thread comes first. The orders are
-// tried in the other builds.
-constexpr unsigned long c_times = TESTS_ADDRESS_SANITIZED ? 50 : 200;
+constexpr unsigned long c_times = 200;
 
 class AnInstanceForEachThread : public testing::TestWithParam<std::size_t> {};
 

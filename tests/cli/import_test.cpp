@@ -1,5 +1,7 @@
 #include <sys/stat.h>
 
+#include <filesystem>
+
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
 
@@ -140,6 +142,20 @@ TEST_F(CliImport, MissingKeyFilesAreAKeyFailure) {
                                    "is not empty into the directory of --keys, or omit --keys\n"));
   EXPECT_THAT(named.err, Not(HasSubstr("reqseckey")));
   EXPECT_FALSE(exists(ownList()));
+}
+
+TEST_F(CliImport, NamesEachKeyFileThatCannotBeUsed) {
+  initAgent();
+  const std::string path = write("in/list.xml", document(serverSite({{"Version", "5.9"}})));
+  write("in/srpubkey.bin", "key");
+  write("in/sr2048pubkey.bin", "");
+  std::filesystem::create_directory(file("in/req2048seckey.bin"));
+  const Output output = sitelist({"install", path});
+  EXPECT_EQ(output.status, 5);
+  EXPECT_THAT(output.err, HasSubstr("(-1, 0xFFFFFFFF)\n  " + file("in/reqseckey.bin") +
+                                    ": No such file or directory\n  " +
+                                    file("in/sr2048pubkey.bin") + ": it is empty\n  " +
+                                    file("in/req2048seckey.bin") + ": it is a directory\n"));
 }
 
 TEST_F(CliImport, TakesThePublicKeyFromTheNamedDirectory) {

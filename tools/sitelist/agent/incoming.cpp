@@ -1,11 +1,11 @@
 #include "tools/sitelist/agent/incoming.h"
 
-#include <openssl/crypto.h>
-
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 
 #include "host/fs/files.h"
+#include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
@@ -36,22 +36,25 @@ bool hasVersionedServer(const std::string& path) {
   return false;
 }
 
+// Why the key file cannot be used; empty if it can be. Nothing of the key is read.
+std::string whyUnusable(const std::string& path) {
+  std::string nothing;
+  const int error = host::readRegularFile(path, 0, nothing);
+  if (error == EFBIG) return "";
+  return error ? readFailureReason(error) : "it is empty";
+}
+
 // Which key files of the list cannot be used, and why, one on a line.
 std::string unusableKeyFiles(const IncomingOptions& options, bool isVersioned) {
   namespace fs = std::filesystem;
-  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
   const fs::path directory =
       isVersioned ? fs::path(options.file).parent_path() : fs::path(options.keyDirectory);
   std::string text;
-  for (const char* name :
-       {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin", "req2048seckey.bin"}) {
-    const std::string path = (directory / name).string();
-    std::string bytes;
-    const int error = host::readRegularFile(path, noLimit, bytes);
-    if (error != 0 || bytes.empty()) {
-      text += "\n  " + shown(path) + ": " + (error ? readFailureReason(error) : "it is empty");
-    }
-    OPENSSL_cleanse(bytes.data(), bytes.size());
+  for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
+                              sitehlp::c_req2048SecKey}) {
+    const std::string path = (directory / narrow(name)).string();
+    const std::string reason = whyUnusable(path);
+    if (!reason.empty()) text += "\n  " + shown(path) + ": " + reason;
     if (!isVersioned) break;
   }
   return text;

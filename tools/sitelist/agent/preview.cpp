@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "platform/common/afile.h"
+#include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming.h"
@@ -37,7 +38,7 @@ FileChange changeOf(const std::string& directory, const std::string& name, const
 }
 
 struct KeyFile {
-  const char* name;
+  std::string name;
   ABuffer bytes;
   bool isTaken = false;
 };
@@ -45,10 +46,10 @@ struct KeyFile {
 // The library's own steps, up to the first write.
 std::vector<FileChange> keyFileChanges(CSitesHelper& helper, const IncomingOptions& options,
                                        tag_Site* sites, const Target& target) {
-  KeyFile publicKey{"srpubkey.bin", {}};
-  KeyFile requestKey{"reqseckey.bin", {}};
-  KeyFile publicKey2048{"sr2048pubkey.bin", {}};
-  KeyFile requestKey2048{"req2048seckey.bin", {}};
+  KeyFile publicKey{narrow(sitehlp::c_srPubKey), {}};
+  KeyFile requestKey{narrow(sitehlp::c_reqSecKey), {}};
+  KeyFile publicKey2048{narrow(sitehlp::c_sr2048PubKey), {}};
+  KeyFile requestKey2048{narrow(sitehlp::c_req2048SecKey), {}};
   if (!helper.readKeyFiles(wide(options.file), sites, wide(options.keyDirectory), publicKey.bytes,
                            requestKey.bytes, publicKey2048.bytes, requestKey2048.bytes,
                            publicKey.isTaken, requestKey.isTaken, publicKey2048.isTaken,
@@ -77,16 +78,16 @@ std::vector<FileChange> keyFileChanges(CSitesHelper& helper, const IncomingOptio
 
 std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions& options,
                                     tag_Site* sites, const std::string& ownList) {
-  constexpr const wchar_t* marker = L"\\agentfipsmode";
   const Target target{ownList, fs::path(ownList).parent_path().string()};
   std::vector<FileChange> changes = keyFileChanges(helper, options, sites, target);
   std::wstring source;
   splitPath(wide(options.file), &source, nullptr);
   ABuffer bytes;
-  if (AFile::readExisting(source + marker, bytes)) {
+  if (AFile::readExisting(source + sitehlp::c_fipsMarker, bytes)) {
     const fs::path directory = target.directory;
     changes.push_back(changeOf(directory.parent_path().string(),
-                               directory.filename().string() + narrow(marker), bytes));
+                               directory.filename().string() + narrow(sitehlp::c_fipsMarker),
+                               bytes));
   }
   return changes;
 }

@@ -93,9 +93,10 @@ Outcome addSite(ListEditor& list, const SiteName& name, const std::vector<std::s
   }
   for (const Entry* site : sitesNamed(list, name)) {
     const std::string names = differences(*site, kind, given);
-    if (names.empty()) return {"", title + " exists already"};
-    throw failureAt(list.path(), exitConflict,
-                    title + " exists already, with other values\n  it differs in " + names,
+    std::string text = title + " exists already";
+    if (names.empty()) return {"", text};
+    text += ", with other values\n  it differs in " + names;
+    throw failureAt(list.path(), exitConflict, text,
                     "change it with `sitelist edit set`, or use another name");
   }
   list.add(kind.element, completed(list, kind, given));

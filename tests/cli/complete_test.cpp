@@ -141,6 +141,7 @@ TEST_F(CliComplete, GoesOnWithAListBehindItsCommas) {
 TEST_F(CliComplete, OffersFieldsUntilOneHasItsValue) {
   EXPECT_THAT(offered({"edit", "set", "Depot", "order=1", "relative"}),
               ElementsAre("relativePath="));
+  EXPECT_THAT(offered({"edit", "set", "Depot", "n"}), ElementsAre()) << "rename sets the name";
   EXPECT_EQ(lastLine({"edit", "set", "Depot", ""}), c_noSpace);
   EXPECT_EQ(linesFor({"edit", "set", "Depot", "server="}), Words{c_nothing});
   EXPECT_EQ(linesFor({"edit", "set", "Depot", "server=use"}), Words{c_nothing});

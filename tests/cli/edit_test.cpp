@@ -54,7 +54,7 @@ TEST_F(CliEditSite, KeepsWhatItDoesNotTouch) {
   change({"set", "Depot", "userName=reader", "relativePath=pub"});
   change({"rename", "Depot", "Depot 2"});
   change({"move", "Depot 2", "last"});
-  change({"add", "unc", "Share"});
+  change({"add", "unc", "Share", "server=FILES01"});
   change({"remove", "End"});
   const std::string list = readFile(ownList());
   EXPECT_THAT(list, HasSubstr(replaced(c_surroundings, "Order=\"2\"", "Order=\"1\"")));
@@ -69,7 +69,7 @@ TEST_F(CliEditSite, Removes) {
   EXPECT_EQ(change({"remove", "Depot"}), "sitelist: " + ownList() + ": removed http \"Depot\"\n");
   EXPECT_THAT(readFile(ownList()), Not(HasSubstr("Depot")));
   EXPECT_EQ(sites().size(), 3U);
-  changeNothing({"remove", "Depot"});
+  EXPECT_THAT(fail(7, {"remove", "Depot"}), HasSubstr("there is no site \"Depot\"\n"));
 }
 
 TEST_F(CliEditSite, Renames) {
@@ -101,6 +101,7 @@ TEST_F(CliEditSite, FailsForASiteThatIsNotThere) {
   for (const Arguments& arguments : {Arguments{"enable", "None"},
                                      {"disable", "None"},
                                      {"set", "None", "userName=x"},
+                                     {"remove", "None"},
                                      {"rename", "None", "New"},
                                      {"move", "None", "first"},
                                      {"move", "Depot", "before", "None"}}) {
@@ -190,7 +191,7 @@ TEST_F(CliEditSite, ProxiesAreNotSwitchedOff) {
   setOwnList(document("<ProxyConfigList><ProxyConfig Name=\"Proxy\"/></ProxyConfigList>"));
   EXPECT_THAT(fail(2, {"disable", "Proxy"}), HasSubstr("sitelist edit remove"));
   change({"rename", "Proxy", "Way out"});
-  change({"remove", "Way out"});
+  change({"remove", "Way out", "--force"});
   EXPECT_TRUE(sites().empty());
 }
 

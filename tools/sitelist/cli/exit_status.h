@@ -18,9 +18,9 @@ enum ExitStatus : int {
 constexpr const char* c_exitStatusHelp =
     "Exit status:\n"
     "   0  success\n"
-    "   1  a negative result: lists differ, a list has an error, a certificate\n"
-    "      has expired or expires within the given days, or there is nothing to\n"
-    "      print\n"
+    "   1  a negative result: lists differ, a list has an error, an edit would add a\n"
+    "      fault, a certificate has expired or expires within the given days, or\n"
+    "      there is nothing to print\n"
     "   2  wrong usage, or an unknown field\n"
     "   3  invalid document or settings file\n"
     "   4  a file is missing or locked, or cannot be read or written\n"

@@ -55,12 +55,13 @@ void addKind(Command& command, EditArguments& options) {
       .choices(kinds());
 }
 
-// The fields that a site of some kind has: those of passwords, or all others with "=" behind them.
+// The fields that can be set of some kind: those of passwords, or all others with "=" behind them.
 std::vector<std::string> suggestedFields(bool isPassword) {
   std::set<std::string> names;
   for (const std::string& kind : kinds()) {
     for (const DocumentField& field : findKind(kind)->fields) {
       if (!field.name || (field.form == FieldForm::Password) != isPassword) continue;
+      if (field.name == std::string("name")) continue;  // `rename` sets it
       names.insert(field.name + std::string(isPassword ? "" : "="));
     }
   }
@@ -162,8 +163,9 @@ void addSet(Command& edit, Edits& edits, EditArguments& options) {
   addValues(command, options);
   command.footer(
       "A value that is too long for its field is refused. A value is also refused if\n"
-      "the field needs a number or a flag and the value is not one. A password must not\n"
-      "be on the command line.\n"
+      "the field needs a number, a flag, a type or a host and the value is not one. The\n"
+      "types are master, repository, mirror, fallback and remediation. A host has no\n"
+      "white space. A password must not be on the command line.\n"
       "\n"
       "Fields:\n" +
       fieldHelp() +
@@ -253,7 +255,8 @@ void addRestore(Command& edit, Edits& edits) {
                       return restoreBackup(context, given.list);
                     });
   command.footer(
-      "`sitelist edit --help` describes --dry-run and the other options.\n"
+      "The backup is not checked by the rules of `sitelist validate`. `sitelist edit\n"
+      "--help` describes --dry-run and the other options.\n"
       "\n"
       "Example:\n"
       "  sitelist edit restore --dry-run\n");
@@ -266,6 +269,7 @@ void addCommonOptions(Command& command, EditOptions& options) {
       .completes(Completion::File);
   command.add_flag("--dry-run", options.dryRun, "Show the changes, and write nothing");
   command.add_flag("--backup", options.backup, "Keep the old list as FILE.bak");
+  command.add_flag("--force", options.force, "Write the list although the change adds a fault");
 }
 
 }  // namespace
@@ -282,7 +286,14 @@ void addEdit(Command& app, Context& context) {
   addRestore(command, *edits);
   command.footer(
       "All other elements, attributes, comments and text are unchanged, including those\n"
-      "that the agent does not read. A repeated edit changes nothing.\n"
+      "that the agent does not read. A repeated edit changes nothing; a repeated remove\n"
+      "exits with status 7, because the site does not exist.\n"
+      "\n"
+      "The rules of `sitelist validate` apply to the changed list, even those\n"
+      "for warnings. If the change adds a fault, the edit writes nothing and exits with\n"
+      "status 1. With --force it writes the list and prints the fault. A fault has its\n"
+      "line and column in the changed list. The rules for the management server\n"
+      "apply if the agent is managed.\n"
       "\n"
       "`sitelist edit COMMAND --help` describes each edit. The options of `sitelist\n"
       "edit` may be given before or after COMMAND.\n"

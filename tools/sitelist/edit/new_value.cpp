@@ -4,12 +4,16 @@
 #include <cstdlib>
 
 #include "platform/common/astring.h"
+#include "platform/common/text.h"
+#include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
 namespace {
+
+namespace schema = korvel_com::orb::xmlschema::sitelist;
 
 // What the reader of a record takes: it counts a delimiter even for the first host.
 constexpr std::size_t c_hostsLimit = 4000;
@@ -39,6 +43,25 @@ std::wstring checkedText(const DocumentField& field, const std::string& value) {
     refuse(field, "a NetBIOS name must not have a dot", "give only the part before the first dot");
   }
   return text;
+}
+
+// A misspelt type would be one without a meaning.
+std::wstring checkedType(const DocumentField& field, const std::wstring& type) {
+  std::string known;
+  for (const wchar_t* each :
+       {schema::STR_SITE_TYPE_MASTER, schema::STR_SITE_TYPE_REPOSITORY,
+        schema::STR_SITE_TYPE_MIRROR, c_fallbackType, schema::STR_SITE_TYPE_REMEDIATION}) {
+    if (wcsicmp(type.c_str(), each) == 0) return type;
+    known += (known.empty() ? "" : ", ") + narrow(each);
+  }
+  refuse(field, "\"" + shown(type) + "\" is not a type of sites", "use one of " + known);
+}
+
+std::wstring checkedHost(const DocumentField& field, const std::wstring& host) {
+  if (host.find_first_of(L" \t\r\n") != std::wstring::npos) {
+    refuse(field, "\"" + shown(host) + "\" has white space", "give the host without it");
+  }
+  return host;
 }
 
 // The hosts as a record has them, without empty ones.
@@ -172,8 +195,12 @@ NewValue textValue(const DocumentField& field, const std::string& value) {
     case FieldForm::Hosts:
       return {&field, checkedHosts(field, checkedText(field, value))};
     default:
-      return {&field, checkedText(field, value)};
+      break;
   }
+  const std::wstring text = checkedText(field, value);
+  if (field.place == FieldPlace::Host) return {&field, checkedHost(field, text)};
+  const bool isType = field.xmlName == schema::WX_XML_SITE_TYPE;
+  return {&field, isType ? checkedType(field, text) : text};
 }
 
 bool hasValue(const sitehlp::tag_Site& site, const NewValue& value) {

@@ -40,7 +40,6 @@ Outcome setFields(ListEditor& list, const SiteName& name,
 }
 
 Outcome removeSite(ListEditor& list, const SiteName& name) {
-  if (sitesNamed(list, name).empty()) return {"", missingSite(name.name, name.kind)};
   Entry& site = siteNamed(list, name);
   const std::string title = titleOf(*site.record);
   list.remove(site);

@@ -1,13 +1,16 @@
 #include "tools/sitelist/edit/session.h"
 
+#include <filesystem>
 #include <iostream>
 
+#include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/edit/backup.h"
+#include "tools/sitelist/edit/new_faults.h"
 
 namespace tool {
 namespace {
@@ -26,6 +29,23 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
       list.path(), exitDocument,
       "the agent would not read the changed document as intended, so nothing was written",
       "look at the site in the document; its form may be one that the agent reads differently");
+}
+
+// A server with a version must have key files beside its list, so the draft has them as well.
+void linkKeyFiles(const std::string& list, const std::string& draft) {
+  namespace fs = std::filesystem;
+  const fs::path from = fs::absolute(list).parent_path();
+  const fs::path to = fs::path(draft).parent_path();
+  for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
+                              sitehlp::c_req2048SecKey}) {
+    fs::create_symlink(from / narrow(name), to / narrow(name));
+  }
+}
+
+void warnOf(const std::string& path, const std::vector<Fault>& faults) {
+  for (const Fault& fault : faults) {
+    std::cerr << "sitelist: warning: the change adds a fault: " << lineOf(path, fault) << '\n';
+  }
 }
 
 void previewEdit(Context& context, const SiteList& before, const SiteList& after,
@@ -57,10 +77,17 @@ int performEdit(Context& context, const EditOptions& options,
   ListEditor list(before);
   const Outcome outcome = edit(list);
   SiteList after;
-  if (list.isChanged()) after = readDraft(list, access.draftPath());
-  if (options.dryRun) {
-    previewEdit(context, before, list.isChanged() ? after : before, path);
-  } else if (!list.isChanged()) {
+  std::vector<Fault> faults;
+  if (list.isChanged()) {
+    after = readDraft(list, access.draftPath());
+    linkKeyFiles(path, access.draftPath());
+    faults = newFaults(path, access.draftPath());
+  }
+  if (options.dryRun) previewEdit(context, before, list.isChanged() ? after : before, path);
+  if (!faults.empty() && !options.force) throw refusalOf(path, faults);
+  warnOf(path, faults);
+  if (options.dryRun) return exitSuccess;
+  if (!list.isChanged()) {
     say(path, "nothing to change: " + outcome.already);
   } else {
     access.requireUnchanged();

@@ -15,6 +15,7 @@ struct EditOptions {
   std::string file;  // empty: the agent's own list
   bool dryRun = false;
   bool backup = false;
+  bool force = false;  // also when the change adds faults
 };
 
 // Access to a list for reading, changing and writing it in one piece, under its lock unless nothing
@@ -39,7 +40,7 @@ class ListAccess {
 };
 
 // Makes an edit, or says what it would change. Nothing is written unless the changed document reads
-// as the edit meant it. Gives the exit status.
+// as the edit meant it, nor without `force` when the edit adds a fault. Gives the exit status.
 int performEdit(Context& context, const EditOptions& options,
                 const std::function<Outcome(ListEditor&)>& edit);
 

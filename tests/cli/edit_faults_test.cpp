@@ -1,0 +1,124 @@
+#include "tests/cli/edit_fixture.h"
+
+// An edit adds no fault to a list, by the rules of `sitelist validate`.
+namespace test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class CliEditFaults : public CliEdit {
+ protected:
+  // The fault of a refused edit, without the place in front of it.
+  std::string faultOf(const Arguments& arguments) {
+    const std::string message = fail(1, arguments);
+    const std::string start = "\n  " + ownList() + ":";
+    const std::size_t at = message.find(start);
+    EXPECT_NE(at, std::string::npos) << message;
+    if (at == std::string::npos) return message;
+    const std::size_t begin = message.find(": ", at + start.size()) + 2;
+    return message.substr(begin, message.find('\n', begin) - begin);
+  }
+};
+
+TEST_F(CliEditFaults, AreRefusedAsValidateNamesThem) {
+  setOwnList(document(serverSite() + httpSite("Depot", "2")));
+  const std::vector<std::pair<Arguments, std::string>> changes = {
+      {{"set", "Depot", "server=x:99"},
+       "ambiguous-address: \"Server\" is \"x:99:8080\", which is read as the host \"x:99\"; write "
+       "[ADDRESS]:PORT [warning]"},
+      {{"set", "Depot", "server=http://x/"},
+       "ambiguous-address: \"Server\" is \"http://x/:8080\", which is read as the host "
+       "\"http://x/\"; write [ADDRESS]:PORT [warning]"},
+      {{"set", "Depot", "server="},
+       "site-without-address: the site \"Depot\" has no \"Server\" [warning]"},
+      {{"set", "Depot", "useAuth=5"},
+       "flag-value: \"UseAuth\" is \"5\", which is read as 1 [warning]"},
+      {{"set", "Depot", "order=1"},
+       "duplicate-order: the order 1 is also that of the site \"Main\" in line 2 [warning]"},
+      {{"add", "http", "New"},
+       "site-without-address: the site \"New\" has no \"Server\" [warning]"},
+  };
+  for (const auto& [arguments, fault] : changes) EXPECT_EQ(faultOf(arguments), fault);
+  EXPECT_THAT(
+      fail(1, {"add", "http", "New"}),
+      AllOf(HasSubstr(ownList() +
+                      ": the change would add a fault to the list, so nothing "
+                      "was written\n  " +
+                      ownList() + ":2:"),
+            HasSubstr("\n  next: correct it (`sitelist explain-rule RULE` says how), or use "
+                      "--force\n")));
+}
+
+TEST_F(CliEditFaults, AreWrittenByForceWithAWarning) {
+  setOwnList(document(serverSite() + httpSite("Depot", "2")));
+  EXPECT_THAT(change({"set", "Depot", "server=", "--force"}),
+              AllOf(HasSubstr("sitelist: warning: the change adds a fault: " + ownList() + ":2:"),
+                    HasSubstr(": site-without-address: the site \"Depot\" has no \"Server\""),
+                    HasSubstr(": set server of http \"Depot\"\n")));
+  EXPECT_EQ(site("Depot")["server"], "");
+}
+
+TEST_F(CliEditFaults, OfTheListItselfHinderNoEdit) {
+  setOwnList(document(serverSite() + siteElement("HttpSite", "Depot", "1", "Enabled=\"1\"") +
+                      siteElement("FTPSite", "Files", "9", "Server=\"[fe80::1]\"")));
+  change({"rename", "Depot", "Depot 2"});
+  change({"set", "Depot 2", "userName=reader"});
+  change({"set", "Files", "relativePath=pub"});
+  change({"move", "Depot 2", "first"});
+  change({"remove", "Depot 2"});
+  EXPECT_THAT(faultOf({"set", "Main", "serverIP=fe80::1"}), HasSubstr("ambiguous-address"));
+}
+
+TEST_F(CliEditFaults, OfADryRunAreToldWithTheChange) {
+  setOwnList(document(httpSite("Depot")));
+  const Output output = edit({"--dry-run", "set", "Depot", "server="});
+  EXPECT_EQ(output.status, 1);
+  EXPECT_THAT(output.out, HasSubstr("depot.example -> (none)"));
+  EXPECT_THAT(output.err, HasSubstr("site-without-address"));
+  EXPECT_EQ(edit({"--dry-run", "--force", "set", "Depot", "server="}).status, 0);
+}
+
+TEST_F(CliEditFaults, OfTheManagementServerCountForAManagedAgentOnly) {
+  const std::string list = document(
+      serverSite() + serverSite({{"Name", "Second"}, {"Order", "2"}}) + httpSite("Depot", "3"));
+  setOwnList(list);
+  change({"set", "Main", "type=repository"});
+  change({"remove", "Main"});
+  change({"remove", "Second"});
+  write("agent/agent.toml", "managed = true\n");
+  setOwnList(list);
+  EXPECT_EQ(faultOf({"set", "Main", "type=repository"}),
+            "server-type-master: the type of the management server must be \"master\", not "
+            "\"repository\"");
+  EXPECT_EQ(faultOf({"set", "Main", "relativePath="}),
+            "server-path: the management server has no \"RelativePath\"");
+  change({"remove", "Main"});
+  EXPECT_EQ(faultOf({"remove", "Second"}), "no-server: the list has no management server");
+  change({"remove", "Second", "--force"});
+}
+
+// The draft of a change is in another directory than the list.
+TEST_F(CliEditFaults, OfAServersKeyFilesAreThoseBesideTheList) {
+  write("agent/agent.toml", "managed = true\n");
+  setOwnList(document(serverSite()));
+  EXPECT_THAT(faultOf({"set", "Main", "version=5.9"}), HasSubstr("server-request-key: "));
+  write("agent/etc/reqseckey.bin", "key");
+  write("agent/etc/srpubkey.bin", "key");
+  EXPECT_THAT(change({"set", "Main", "version=5.9"}), Not(HasSubstr("warning")));
+  const std::string copy = write("lists/list.xml", document(serverSite({{"Version", "5.9"}})));
+  const Output output =
+      shell("cd lists && \"$0\" --agent-dir ../agent edit --file list.xml disable Main");
+  EXPECT_EQ(output.status, 0) << output.err;
+}
+
+TEST_F(CliEditFaults, DoNotKeepABackupFromBeingPutBack) {
+  setOwnList(document(siteElement("HttpSite", "Depot", "1")));
+  change({"--backup", "set", "Depot", "server=depot.example"});
+  change({"restore"});
+  EXPECT_EQ(site("Depot")["server"], "");
+}
+
+}  // namespace
+}  // namespace test

@@ -35,8 +35,8 @@ struct AgentSettings {
   LogLevel logLevel = LogLevel::Error;
 };
 
-// Thrown for settings that cannot be used. what() returns the reason, and the file with line and
-// column or the data directory.
+// Thrown for settings that cannot be used. what() returns the reason and the place: either the file
+// with line and column, or the data directory.
 class PLATFORM_API SettingsError : public std::runtime_error {
  public:
   explicit SettingsError(const std::string& text);  // what() returns `text`

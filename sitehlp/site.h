@@ -84,7 +84,8 @@ struct tag_LocalSite {
 
 // The proxies between the agent and its sites.
 struct tag_ProxySite {
-  wchar_t szElement[c_textCapacity];  // which are set: "HttpSite", "FTPSite", "FtpHttp" or empty
+  wchar_t szElement[c_textCapacity];  // the proxies that are set: "HttpSite", "FTPSite", "FtpHttp"
+                                      // or empty
   wchar_t szName[c_textCapacity];     // display name of the proxies
   wchar_t szHttpProxyServer[c_textCapacity];         // host of the HTTP proxy
   std::int32_t iHttpProxyPort;                       // its port; 0 when there is none

@@ -38,7 +38,7 @@ constexpr const wchar_t* c_agentEnvMacroStartDelimiterExpanded = L"%%lt%%";
 constexpr const wchar_t* c_agentEnvMacroEndDelimiterExpanded = L"%%gt%%";
 
 // The values of CSitesHelper::SetManagedOverride.
-constexpr std::int32_t c_overrideNone = 0;         // the agent's configuration decides
+constexpr std::int32_t c_overrideNone = 0;         // the agent's configuration determines it
 constexpr std::int32_t c_overrideManaged = -1;     // under central management
 constexpr std::int32_t c_overrideNotManaged = -2;  // not under central management
 
@@ -83,7 +83,7 @@ SITEHLP_API int decrypt_data(const std::wstring& in, std::wstring& out);
 // written as the effective user. If the two users differ, an operation may report a file as missing
 // although it could read it.
 //
-// Unless the comment of an operation states an exception:
+// Unless the comment of an operation states otherwise:
 //
 // - Results are the codes of sitehlp/result_codes.h. 0 means success.
 // - Outputs are unchanged on failure.
@@ -397,8 +397,8 @@ class SITEHLP_API CSitesHelper {
   // Makes an incoming site list the instance's own, without checks. Installs the key files first,
   // then the list with its versions, type and certificates. `srcPath` must not be empty, and the
   // instance must have a file of its own. The incoming file is read only once. `keyDir` is the
-  // directory of the management server's public key. It is needed if the server in the list has no
-  // version, and it may be empty.
+  // directory of the management server's public key. It is used only if the server in the list has
+  // no version. If it is empty, no key is read.
   //
   // Returns
   //
@@ -432,8 +432,9 @@ class SITEHLP_API CSitesHelper {
   // Writes a site list document held as text to "/Library/Korvel/orb/scratch/etc/SiteList.xml",
   // whichever agent the process uses. The directory must exist. The mesh copy is written as well,
   // and the load command is run. The certificates are those of the text or, if it has no bundle, of
-  // the instance's own file. The versions and the type of the text are not used. They are the
-  // defaults of CreateSiteList. The policy settings of the text are added to those of the instance.
+  // the instance's own file. The versions and the type of the text are not used. CreateSiteList
+  // writes its defaults instead. The policy settings of the text are added to those of the
+  // instance.
   //
   // Returns the result of CreateSiteList, or
   //
@@ -560,8 +561,8 @@ class SITEHLP_API CSitesHelper {
   // a file of its own. `keyDir` is used as in InstallSiteList. The incoming list is read only once.
   //
   // If `replaceRepositories` is set, the two default vendor repositories are replaced with those of
-  // the source. They keep the two orders of the target. The source decides which of them comes
-  // first, unless one of them is of type "fallback" in the target. Each keeps its type in the
+  // the source. They keep the two orders of the target. The source determines which of them
+  // comes first, unless one of them is of type "fallback" in the target. Each keeps its type in the
   // target. If the source has no "Type", the target has none afterwards. A repository without an
   // order in one of the lists is not replaced.
   //
@@ -619,9 +620,9 @@ class SITEHLP_API CSitesHelper {
   // The path of the instance's own file; empty if it has none.
   std::wstring m_strSiteListFile;
   std::wstring m_strCurrentFile;    // the path of the file read last
-  std::wstring m_strLocalVersion;   // of that file when the instance was created
-  std::wstring m_strGlobalVersion;  // of that file when the instance was created
-  std::wstring m_strSiteListType;   // of that file; "Client" without one
+  std::wstring m_strLocalVersion;   // of the own file when the instance was created
+  std::wstring m_strGlobalVersion;  // of the own file when the instance was created
+  std::wstring m_strSiteListType;   // of the own file; "Client" without one
   std::wstring m_strReserved;       // not used
   // The anchor of AddHTTPSite and the operations like it; null unless a derived class sets it.
   AdvXMLParser::Element* m_pSiteListElement;

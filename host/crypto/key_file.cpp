@@ -145,9 +145,9 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
   }
   if (size != c_keySize) {
     const std::wstring found = size < c_keySize ? std::to_wstring(size) : L"more than 32";
-    return fail(path,
-                (L"has " + found + L" bytes, but a key has 32; next: restore the agent's key file")
-                    .c_str());
+    return fail(path, (L"the file has " + found +
+                       L" bytes, but a key has 32; next: restore the agent's key file")
+                          .c_str());
   }
   bytes.resize(c_keySize);
 

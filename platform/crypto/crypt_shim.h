@@ -38,8 +38,8 @@ class PLATFORM_API IEncryption {
 };
 
 // The crypto service. It owns the encryption objects. A caller must return each object exactly once
-// and must not delete it. Any thread may get and return objects. So may a child of fork, whatever
-// other threads of its parent did at the fork.
+// and must not delete it. Any thread may get and return objects. A child of fork may do so too,
+// whatever other threads of its parent did at the fork.
 class PLATFORM_API CryptShim {
  public:
   // Returns the service of this process; never null.

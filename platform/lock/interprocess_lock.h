@@ -29,12 +29,12 @@ class PLATFORM_API InterProcessReadLock {
   InterProcessReadLock& operator=(const InterProcessReadLock&) = delete;
 
   // Locks. Waits at most `waitMilliseconds`; 0 does not wait, 0x7FFFFFFF waits without limit.
-  // Changes of the lock files do not make the wait longer. Returns whether the lock is held
+  // Changes to the lock files do not make the wait longer. Returns whether the lock is held
   // afterwards. Returns false without a log line when the time has run out. Returns false with one
   // error line, and without waiting, when the lock cannot be opened:
   // - the lock's directory or its files cannot be made or opened,
   // - a lock file is a symbolic link or not a regular file,
-  // - a symbolic link on the way to them belongs neither to the effective user nor to root,
+  // - a symbolic link in their path belongs neither to the effective user nor to root,
   // - the name is empty or has a "/".
   // Nothing is protected then, and the caller decides whether to continue. The operations of the
   // site list library continue. Files are replaced atomically, so a reader still sees one whole

@@ -303,8 +303,8 @@ class PLATFORM_API Document {
 
 // Writes a new document as text, element by element and without a tree. The text is the same as
 // that of a Document with this content, in UTF-8 and without indentation. One object must not be
-// used by two threads at the same time. Adding may throw std::bad_alloc. The object must not be
-// used afterwards.
+// used by two threads at the same time. Adding may throw std::bad_alloc. After that
+// exception the object must not be used.
 class PLATFORM_API DocumentWriter {
  public:
   // Begins with an XML declaration and opens this root. The name of an element is not copied: the

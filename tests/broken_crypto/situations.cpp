@@ -59,8 +59,8 @@ const std::vector<Situation>& situations() {
     std::vector<Situation> list(6);
     list[0] = {"noCipher", leave, c_baseAlone, "AES-256-GCM", "AES-256-GCM", true};
     list[1] = {"onlyFips", leave, c_fipsAlone, "AES-256-GCM", "AES-256-GCM", true};
-    list[2] = {"shortKey", shortenKey, "", "has 31 bytes, but a key has 32",
-               "has 31 bytes, but a key has 32"};
+    list[2] = {"shortKey", shortenKey, "", "the file has 31 bytes, but a key has 32",
+               "the file has 31 bytes, but a key has 32"};
     list[3] = {"closedKey",         closeKey, "",    "Permission denied",
                "Permission denied", false,    false, true};
     // A new key protects what is written, and opens nothing of what was written before.

@@ -202,7 +202,8 @@ TEST_F(CliEditing, FilesThatCannotBeReadAreNamed) {
   for (const char* command : {"from-buffer", "server-list"}) {
     const Output output = sitelist({command, file("none.xml")});
     EXPECT_EQ(output.status, 4);
-    EXPECT_THAT(output.err, HasSubstr(file("none.xml") + ": cannot be read: "));
+    EXPECT_THAT(output.err, HasSubstr(file("none.xml") +
+                                      ": the file does not exist\n  next: check the path\n"));
   }
 }
 

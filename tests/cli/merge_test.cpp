@@ -118,7 +118,7 @@ TEST_F(CliRewrite, CarriesEverythingThatIsReadOver) {
   const std::string target = file("target.xml");
   const Output output = sitelist({"rewrite", source, target});
   EXPECT_EQ(output.status, 0) << output.err;
-  EXPECT_THAT(output.err, HasSubstr("the FIPS mode, 1, is not kept\n"));
+  EXPECT_THAT(output.err, HasSubstr("the FIPS mode \"1\" is not kept\n"));
   EXPECT_THAT(output.err, HasSubstr("wrote 1 entry to " + target));
   EXPECT_EQ(sitelist({"versions", target}).out,
             "global version  g\nlocal version   l\ntype            Server\n"

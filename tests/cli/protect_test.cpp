@@ -63,7 +63,7 @@ TEST_F(CliProtect, FailsWithoutAUsableKey) {
             "sitelist: " + file("agent/keystore") +
                 ": the password cannot be encrypted\n  Key file " +
                 file("agent/keystore/password.key") +
-                ": has 9 bytes, but a key has 32\n  next: restore the agent's key file\n");
+                ": the file has 9 bytes, but a key has 32\n  next: restore the agent's key file\n");
 }
 
 TEST_F(CliProtect, LeavesNoPasswordInTheDetailLog) {

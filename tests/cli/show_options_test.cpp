@@ -97,7 +97,8 @@ TEST_F(CliShowOptions, AnUnknownFilterKeyIsWrongUsage) {
   EXPECT_EQ(output.out, "");
   EXPECT_EQ(output.err,
             "sitelist: unknown filter key \"zone\"\n"
-            "  next: use one of kind, type, name; name=PATTERN matches a name with \"=\"\n");
+            "  next: use one of kind, type, name; to match a name that contains \"=\", use "
+            "name=PATTERN\n");
   EXPECT_EQ(show({"--filter", "name=a=b"}).status, 1);
   EXPECT_EQ(show({"--filter", "=x"}).status, 1);
 }

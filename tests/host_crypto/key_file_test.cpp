@@ -150,7 +150,7 @@ TEST_F(KeyFile, OfAnotherSizeIsRefusedWithoutShowingIt) {
   for (const std::size_t size : {0, 1, 16, 31, 33, 64, 4096}) {
     test::writeFile(m_path, std::string(size, 'k'), 0600);
     EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD)) << size;
-    expectOneError(L"has " + (size < 32 ? std::to_wstring(size) : L"more than 32") +
+    expectOneError(L"the file has " + (size < 32 ? std::to_wstring(size) : L"more than 32") +
                    L" bytes, but a key has 32; next: restore the agent's key file");
     EXPECT_EQ(test::readFile(m_path), std::string(size, 'k'));
   }
@@ -306,7 +306,7 @@ TEST_F(KeyFile, ThatCannotBeHadIsLookedForAgainWhileKeysAreKept) {
   const korvel_com::ZQ::crypto::KeptKeys kept;
   EXPECT_FALSE(canEncrypt());
   EXPECT_FALSE(canEncrypt());
-  expectOneError(L"has 5 bytes, but a key has 32; next: restore the agent's key file");
+  expectOneError(L"the file has 5 bytes, but a key has 32; next: restore the agent's key file");
   test::writeFile(m_path, std::string(32, 'a'), 0600);
   EXPECT_TRUE(canEncrypt());
 }
@@ -324,7 +324,7 @@ TEST_F(KeyFile, BrokenWhileRunningIsNoLongerUsed) {
   const std::string key = test::readFile(m_path);
   test::writeFile(m_path, "short", 0600);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_PASSWORD));
-  expectOneError(L"has 5 bytes, but a key has 32; next: restore the agent's key file");
+  expectOneError(L"the file has 5 bytes, but a key has 32; next: restore the agent's key file");
   test::writeFile(m_path, key, 0600);
   EXPECT_TRUE(canEncrypt());
 }

@@ -152,9 +152,10 @@ TEST_F(KeyReport, TellsOnceForAListWhyAKeyCannotBeHad) {
     const KeptKeys kept;
     for (int i = 0; i < 3; ++i) EXPECT_FALSE(opens(L"garbage"));
   }
-  EXPECT_THAT(m_agent.texts(LogLevel::Error),
-              ElementsAre(L"Key file " + m_path +
-                          L": has 5 bytes, but a key has 32; next: restore the agent's key file"));
+  EXPECT_THAT(
+      m_agent.texts(LogLevel::Error),
+      ElementsAre(L"Key file " + m_path +
+                  L": the file has 5 bytes, but a key has 32; next: restore the agent's key file"));
   EXPECT_FALSE(opens(L"garbage"));
   EXPECT_EQ(m_agent.messages().size(), 2U) << "of another list";
 }

@@ -24,7 +24,7 @@ constexpr const char* c_exitStatusHelp =
     "   2  wrong usage, or an unknown field\n"
     "   3  invalid document or settings file\n"
     "   4  a file is missing or locked, or cannot be read or written\n"
-    "   5  a key or the cryptography failed\n"
+    "   5  a key cannot be used, or encryption or decryption failed\n"
     "   6  a conflict with existing data, or with a change by another program\n"
     "   7  a named site, setting, rule or backup does not exist, or a site does not\n"
     "      have the field\n"

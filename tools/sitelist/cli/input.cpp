@@ -38,6 +38,9 @@ Input readInput(const std::string& file) {
   Input input;
   const int error = tryReadInput(file, input);
   if (error == 0) return input;
+  if (error == ENOENT) {
+    throw failureAt(input.name, exitFile, "the file does not exist", "check the path");
+  }
   throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
 }
 

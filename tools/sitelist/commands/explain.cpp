@@ -174,8 +174,9 @@ void addExplain(Command& app, Context& context) {
       .type_name("");
   command
       .add_option("--host", options->host,
-                  "Show only whether this host bypasses the proxy. The exit\n"
-                  "status is 0 if it does so over HTTP, otherwise 1.")
+                  "Show only whether the agent reaches this host without a\n"
+                  "proxy. The exit status is 0 if it does so over HTTP,\n"
+                  "otherwise 1.")
       .type_name("NAME")
       .not_empty();
   command.footer(

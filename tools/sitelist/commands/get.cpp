@@ -99,7 +99,8 @@ Scalar listValue(const SiteList& list, const GetOptions& options) {
                      "site with --site NAME");
   }
   if (!std::holds_alternative<std::monostate>(*value)) return *value;
-  throw missing(list, "the list has no FIPS mode", "see what it has with `sitelist versions`");
+  throw missing(list, "the list has no FIPS mode",
+                "print the versions, type and FIPS mode with `sitelist versions`");
 }
 
 std::vector<std::string> valueNames() {

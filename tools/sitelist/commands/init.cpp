@@ -119,7 +119,8 @@ void addInit(Command& app, Context& context) {
       .type_name("PROGRAM ARG...");
   command.footer(
       "Creates the directories, the settings file agent.toml, the lock files and the\n"
-      "password key. If there is already an agent.toml, fails and changes nothing.\n"
+      "password key. If there is already an agent.toml, the command fails and changes\n"
+      "nothing.\n"
       "\n"
       "Examples:\n"
       "  sitelist --agent-dir ./agent init\n"

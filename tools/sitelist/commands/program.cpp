@@ -63,7 +63,7 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                  "NO_COLOR is set")
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
-  app.add_option("--wait", context.wait, "Time to wait for other users of a list (default: 10)")
+  app.add_option("--wait", context.wait, "Longest wait for the lock of a list (default: 10)")
       .type_name("SECONDS");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);

@@ -20,8 +20,8 @@ int rewrite(Context& context, const RewriteOptions& options) {
   refuseLostPasswords(options.source);
   agent.write(list);
   if (list.fipsMode) {
-    std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode, "
-              << shown(*list.fipsMode) << ", is not kept\n";
+    std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode \""
+              << shown(*list.fipsMode) << "\" is not kept\n";
   }
   std::cerr << "sitelist: wrote " << countEntries(list.sites.get()) << " to "
             << shown(options.destination) << '\n';

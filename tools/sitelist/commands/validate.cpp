@@ -137,12 +137,12 @@ void addValidate(Command& app, Context& context) {
   command.add_flag("--unmanaged", options->unmanaged, "Apply the rules for an unmanaged agent");
   command.add_flag("--strict", options->strict, "Treat warnings as errors");
   command.footer(
-      "Needs no agent and writes nothing. Each fault is printed as one line:\n"
+      "The command needs no agent and writes nothing. Each fault is one line:\n"
       "  FILE:LINE:COLUMN: RULE: TEXT\n"
       "If a fault has no place in the file, LINE:COLUMN is omitted. `sitelist\n"
-      "explain-rule RULE` explains a rule and how to fix a list that breaks it. If a\n"
-      "list exceeds one of these two limits, only a message on standard error reports\n"
-      "it: the number of elements of unknown kind, and the memory for sites.\n"
+      "explain-rule RULE` explains a rule and how to fix a list that breaks it. Two\n"
+      "limits are reported only by a message on standard error: the number of elements\n"
+      "of unknown kind, and the memory for sites.\n"
       "\n"
       "Errors (the agent refuses the list):\n" +
       ruleHelp(Severity::Error) +

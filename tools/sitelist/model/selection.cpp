@@ -63,7 +63,8 @@ void requireFilterKeys(const Selection& selection) {
     const std::string key = keyIn(filter);
     if (key.empty() || key == "kind" || key == "type" || key == "name") continue;
     throw Failure(exitUsage, "unknown filter key \"" + shown(key) + "\"",
-                  "use one of kind, type, name; name=PATTERN matches a name with \"=\"");
+                  "use one of kind, type, name; to match a name that contains \"=\", use "
+                  "name=PATTERN");
   }
 }
 

@@ -52,8 +52,8 @@ const std::vector<Rule>& allRules() {
             "<RelativePath>Current</RelativPath>", "<RelativePath>Current</RelativePath>",
             exitDocument),
       error("unknown-site", "the last site element is of a known kind",
-            "The kind of the last site decides the result of the whole read. The agent treats such "
-            "a list as unreadable and refuses to import it.",
+            "The kind of the last site determines the result of the whole read. The agent treats "
+            "such a list as unreadable and refuses to import it.",
             "Correct the name of the element. It is case-sensitive. The known elements are "
             "VestaSite, KeystoneSite, HttpSite, FTPSite, UNCSite, LocalSite and ProxyConfigList.",
             R"(<HTTPSite Type="repository" Name="Depot" Server="depot.example:80"/>)",
@@ -73,7 +73,7 @@ const std::vector<Rule>& allRules() {
       error(
           "server-not-local", "the server is not local",
           "A local site is for one agent only. All agents use the management server.",
-          "Set \"Local\" of the first \"VestaSite\" to 0, or remove it.",
+          "Set the attribute \"Local\" of the first \"VestaSite\" to 0, or remove the attribute.",
           R"(<VestaSite Type="master" Name="Main" Local="1" Server="pyx.example:80" )"
           R"(ServerIP="[2001:db8::10]:80" ServerName="PYX:80"><RelativePath>Software</RelativePath></VestaSite>)",
           R"(<VestaSite Type="master" Name="Main" Local="0" Server="pyx.example:80" )"
@@ -147,7 +147,7 @@ const std::vector<Rule>& allRules() {
 
       warning("key-files-unchecked", "the key files of a server can be checked",
               "Key files must be in the directory of the list, and standard input has no "
-              "directory. An import may not find them.",
+              "directory. An import possibly does not find them.",
               "Validate the file itself, in the directory from which it will be imported.",
               "sitelist validate - <incoming/SiteList.xml",
               "sitelist validate incoming/SiteList.xml"),

@@ -10,59 +10,59 @@
 #include "sitehlp/site.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
-// What a field of a record is: one row a field, from which reading, writing, wiping and the tool
-// are derived. A table has its rows in the order in which they are written. What is true of one or
-// two fields only is no column but code where it matters.
+// The fields of the records, one row for each field. Reading, writing, wiping and the tool use
+// these rows. The rows of a table are in the order in which they are written. A property of only
+// one or two fields is in the code that needs it, not in a column.
 namespace sitehlp {
 
-// Where a value stands below the element of its site.
+// The place of a value in the element of its site.
 enum class FieldPlace {
   Attribute,
-  Host,  // in an attribute, in front of the last ":"
-  Port,  // behind it
+  Host,  // in an attribute, before the last ":"
+  Port,  // in an attribute, after the last ":"
   Child,
-  ExclusionHosts,  // a child element for each host, in one that holds them
-  None,            // not in the document: the reader works it out
+  ExclusionHosts,  // one child element for each host, in a common parent
+  None,            // not in the document; the reader derives it
 };
 
-// What a value is.
+// The kind of a value.
 enum class FieldForm {
   Text,
-  MacroText,    // a text whose expanded macros are turned back when it is written
-  Address,      // a host, with macros as above
-  NetbiosName,  // the same, cut at its first dot when it is read
+  MacroText,    // a text; writing turns expanded macros back
+  Address,      // a host; writing turns expanded macros back
+  NetbiosName,  // as Address; reading cuts it at its first dot
   Flag,         // 0 or 1
-  Number,       // as written
+  Number,       // written as it was read
   Port,
-  PortOrNone,  // 0 is none
-  Hosts,       // names with ";" between them
-  Password,    // clear in the record, protected in the document
+  PortOrNone,  // 0 means none
+  Hosts,       // names, separated by ";"
+  Password,    // clear in the record, encrypted in the document
 };
 
 // When a field is written.
 enum class Written {
   Always,
-  WhenSet,    // when it is not 0, not empty, or belongs to what is not
-  ByElement,  // of a management server always; of others when it is not empty, if at all
+  WhenSet,    // if it, or the value that it belongs to, is neither 0 nor empty
+  ByElement,  // always for a server; for other elements never, or only if it is not empty
   Never,
 };
 
 template <typename Record, typename Value>
 struct FieldRow {
   using RecordType = Record;
-  // In characters, the terminator included; 0 for a number.
+  // In characters, including the terminator; 0 for a number.
   static constexpr std::size_t capacity = std::is_array_v<Value> ? std::extent_v<Value> : 0;
   static constexpr std::size_t size = sizeof(Value);  // in bytes
 
-  const char* name;               // that people and programs see
+  const char* name;               // for people and programs
   const wchar_t* const* xmlName;  // of the attribute or child element; null for FieldPlace::None
   FieldPlace place;
   FieldForm form;
   Value Record::*member;
   Written written;
-  const wchar_t* initial;  // what a new site has
-  int shown;               // fields are shown by this number, then in the order of the table
-  const char* help;        // one line
+  const wchar_t* initial;  // value in a new site
+  int shown;               // fields are shown in the order of this number, then of the table
+  const char* help;        // in one line
 };
 
 constexpr bool isText(FieldForm form) {
@@ -82,7 +82,7 @@ constexpr bool isInAttribute(FieldPlace place) {
   return place == FieldPlace::Attribute || place == FieldPlace::Host || place == FieldPlace::Port;
 }
 
-// A row; one that contradicts itself is not compiled.
+// Makes a row. A row that contradicts itself does not compile.
 template <typename Record, typename Value>
 constexpr FieldRow<Record, Value> field(const char* name, const wchar_t* const* xmlName,
                                         FieldPlace place, FieldForm form, Value Record::*member,
@@ -101,7 +101,7 @@ namespace xml = korvel_com::orb::xmlschema::sitelist;
 using Form = FieldForm;
 using Place = FieldPlace;
 
-// What every kind of site has. The tables below say where among its own fields a kind has them.
+// The fields of every kind of site. The tables below give their places among the other fields.
 inline constexpr auto c_enabled =
     field("enabled", &xml::WX_XML_SITE_ENABLED, Place::Attribute, Form::Flag, &tag_Site::bEnabled,
           Written::Always, L"1", 0, "Whether the site may be used.");
@@ -203,7 +203,7 @@ inline constexpr std::tuple c_httpAttributes{
     field("serverIPPort", &xml::WX_XML_SITE_SERVER_IP, Place::Port, Form::Port,
           &tag_HttpSite::uServerIPPort, Written::ByElement, L"80", 2, "Port of the IP address."),
 };
-// Of a management server alone.
+// Only for a management server.
 inline constexpr auto c_version =
     field("version", &xml::WX_XML_SITE_SERVER_VERSION, Place::Attribute, Form::MacroText,
           &tag_HttpSite::szVersion, Written::WhenSet, L"", 6, "Version of the management server.");
@@ -216,12 +216,12 @@ inline constexpr std::tuple c_httpChildren{
     password<tag_HttpSite>(),
 };
 
-// The flag of a proxy configuration that is a child element of it.
+// A flag in a child element of a proxy configuration.
 constexpr auto proxyFlag(const char* name, const wchar_t* const* xmlName,
                          std::int32_t tag_ProxySite::*member, int shown, const char* help) {
   return field(name, xmlName, Place::Child, Form::Flag, member, Written::Always, L"0", shown, help);
 }
-// The same for a text or a password.
+// A text or password in a child element of a proxy configuration.
 constexpr auto proxyText(const char* name, const wchar_t* const* xmlName, Form form,
                          wchar_t (tag_ProxySite::*member)[c_textCapacity], int shown,
                          const char* help) {
@@ -230,7 +230,7 @@ constexpr auto proxyText(const char* name, const wchar_t* const* xmlName, Form f
 
 }  // namespace fields
 
-// The tables. A management server has all fields of its record.
+// The tables. That of a management server has all fields of its record.
 inline constexpr auto c_httpFields =
     std::tuple_cat(fields::c_httpAttributes, fields::c_httpChildren);
 inline constexpr auto c_serverFields =
@@ -346,13 +346,14 @@ inline constexpr auto c_proxyFields = std::tuple{
 
 namespace fields {
 
-// The bytes that the rows of the record itself take: its members leave no gaps.
+// Returns the number of bytes of those rows that belong to the record itself. It is the size of the
+// record, because the record has no padding.
 template <typename Record, typename... Rows>
 constexpr std::size_t sizeOf(const std::tuple<Rows...>&) {
   return ((std::is_same_v<typename Rows::RecordType, Record> ? Rows::size : 0) + ...);
 }
 
-// A member without a row is not compiled.
+// A member without a row does not compile.
 static_assert(sizeOf<tag_Site>(c_head) + sizeof(tag_Site::eSiteKind) == offsetof(tag_Site, pNext));
 static_assert(sizeOf<tag_HttpSite>(c_serverFields) == sizeof(tag_HttpSite));
 static_assert(sizeOf<tag_FtpSite>(c_ftpFields) == sizeof(tag_FtpSite));
@@ -362,7 +363,7 @@ static_assert(sizeOf<tag_ProxySite>(c_proxyFields) == sizeof(tag_ProxySite));
 
 }  // namespace fields
 
-// One row as a constant of the compiler.
+// One row as a constant expression.
 template <const auto& Table, std::size_t Index>
 struct FieldAt {
   static constexpr const auto& row = std::get<Index>(Table);
@@ -378,8 +379,8 @@ constexpr void each(Visit& visit, std::index_sequence<Index...>) {
 
 }  // namespace fields
 
-// Calls visit(FieldAt) for every row, unrolled when it is compiled: to look the rows up while it
-// runs makes reading 6 to 8 % slower.
+// Calls visit(FieldAt) for every row. The calls are unrolled at compile time, because a loop makes
+// reading 6 to 8 % slower.
 template <const auto& Table, typename Visit>
 constexpr void eachField(Visit&& visit) {
   fields::each<Table>(visit,
@@ -389,8 +390,9 @@ constexpr void eachField(Visit&& visit) {
 inline constexpr SiteKind c_siteKinds[] = {SITE_KIND_HTTP, SITE_KIND_FTP, SITE_KIND_UNC,
                                            SITE_KIND_LOCAL, SITE_KIND_PROXY};
 
-// Calls visit(row, value) for every field of a record by its kind, those common to all kinds first.
-// `Site` is tag_Site or const tag_Site. A record of no kind has only the common ones.
+// Calls visit(row, value) for every field of a record by its kind, beginning with the fields of all
+// kinds. `Site` is tag_Site or const tag_Site. For a record of unknown kind, calls it only for the
+// fields of all kinds.
 template <typename Site, typename Visit>
 void eachFieldOf(Site& site, Visit&& visit) {
   const auto visitAll = [&](auto& record, const auto&... rows) {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-// Conversion of the plain ASCII that nearly all text consists of, in blocks that compilers turn
-// into vector instructions.
+// Conversion of plain ASCII in blocks. Nearly all text is plain ASCII, and compilers turn the loops
+// over a block into vector instructions.
 namespace host {
 
 constexpr std::size_t c_asciiBlock = 16;
@@ -24,7 +24,7 @@ inline bool isAsciiBlock(const wchar_t* text) {
   return all < 0x80;
 }
 
-// How many blocks of plain ASCII stand at the start, in characters.
+// Returns how many characters at the start are in whole blocks of plain ASCII.
 template <typename Character>
 std::size_t asciiBlocks(const Character* text, std::size_t length) {
   std::size_t done = 0;
@@ -32,8 +32,8 @@ std::size_t asciiBlocks(const Character* text, std::size_t length) {
   return done;
 }
 
-// Through an array of its own: as `out` may overlap `text` for all that the compiler knows, it
-// would convert one character at a time.
+// `out` may overlap `text`, so without the local array the compiler would convert one character at
+// a time.
 inline void widenBlock(const char* text, wchar_t* out) {
   wchar_t block[c_asciiBlock];
   for (std::size_t i = 0; i < c_asciiBlock; ++i) {
@@ -48,8 +48,8 @@ inline void narrowBlock(const wchar_t* text, char* out) {
   std::memcpy(out, block, sizeof block);
 }
 
-// Both functions stop at the first character that is not ASCII, or after `length`, and return how
-// many they converted.
+// Both functions stop at the first character that is not ASCII, or after `length`. They return the
+// number of converted characters.
 inline std::size_t widenAscii(const char* text, std::size_t length, wchar_t* out) {
   std::size_t done = 0;
   for (; length - done >= c_asciiBlock && isAsciiBlock(text + done); done += c_asciiBlock) {
@@ -72,7 +72,7 @@ inline std::size_t narrowAscii(const wchar_t* text, std::size_t length, char* ou
   return done;
 }
 
-// For text that is known to be ASCII.
+// Does the same for text that must be ASCII. Returns the end of the written characters.
 inline char* narrowPlain(const wchar_t* text, std::size_t length, char* out) {
   std::size_t done = 0;
   for (; length - done >= c_asciiBlock; done += c_asciiBlock) narrowBlock(text + done, out + done);

@@ -7,13 +7,13 @@
 
 namespace host {
 
-// The component that the host's own messages name.
+// The component of the host library's own messages.
 extern const wchar_t* const c_logComponent;
 
-// The system's text for an errno.
+// Returns the system's text for an errno.
 std::string errorText(int error);
 
-// One log text for a failed system call: what could not be done, with which file, and why.
+// Returns the log text for a failed system call: what failed, the file and the reason.
 AString failureText(const char* what, const std::string& path, int error);
 
 }  // namespace host

@@ -6,7 +6,7 @@
 
 #include "platform/common/log.h"
 
-// The log levels as settings and log lines name them.
+// The names of the log levels in settings and log lines.
 namespace host {
 
 const char* levelName(LogLevel level);

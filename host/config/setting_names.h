@@ -6,7 +6,7 @@
 
 namespace host {
 
-// Every setting that an agent.toml may hold; "mesh.load_command" is the key load_command in the
+// All settings that an agent.toml may have. "mesh.load_command" is the key load_command in the
 // table mesh.
 std::vector<std::string> settingNames();
 

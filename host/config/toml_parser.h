@@ -1,10 +1,12 @@
 #ifndef HOST_CONFIG_TOML_PARSER_H
 #define HOST_CONFIG_TOML_PARSER_H
 
-// The TOML parser, made safe for files of any bytes. It asserts what a file may well break, and
-// refuses the file right behind that: without the assertions, and without their being promises to
-// the compiler where NDEBUG is defined, it does so. And its tables of white space do not hold for
-// all characters; what they leave out is no white space.
+// Includes the TOML parser so that a file with any bytes is safe. The parser has assertions that a
+// file can break. After each of them it also refuses the file, so the assertions are disabled. With
+// NDEBUG defined, they would be assumptions for the optimiser.
+//
+// Its tables of white space do not cover all characters. A character that they do not cover is not
+// white space.
 #undef NDEBUG
 #define TOML_ASSERT(condition) static_cast<void>(0)
 #include <cstdint>

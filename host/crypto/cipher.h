@@ -15,8 +15,9 @@ struct FreeCipher {
 };
 using CipherPtr = std::unique_ptr<EVP_CIPHER, FreeCipher>;
 
-// AES-256-GCM by its name, as the configuration of libcrypto has it. Null when that has none; then
-// `reason` says why. Throws std::bad_alloc. The caller must hold a LibcryptoUse.
+// Fetches AES-256-GCM from the provider that the configuration of libcrypto determines. Returns
+// null, with the reason in `reason`, if there is none. Throws std::bad_alloc. The caller must hold
+// a LibcryptoUse.
 CipherPtr findCipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex);
 
 }  // namespace host

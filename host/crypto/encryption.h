@@ -10,14 +10,14 @@
 
 namespace host {
 
-// The service's encryption objects. A password is the UTF-8 of its wide text, sealed, as base64; a
-// server buffer is a sealed value as it is.
+// The encryption objects of the crypto service. A password is converted to UTF-8, encrypted as a
+// sealed value, and written as base64. A server buffer is a sealed value without base64.
 class Encryption final : public korvel_com::ZQ::crypto::IEncryption {
  public:
   using Type = korvel_com::ZQ::crypto::EncryptionType;
   using Buffer = korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>;
 
-  // `generation` tells the service which state of the key file the object belongs to.
+  // `generation` is the generation of the key in the KeyPool that made the object.
   Encryption(Type type, const SecretBytes& key, std::uint64_t generation)
       : m_type(type), m_generation(generation), m_key(key) {}
 
@@ -29,16 +29,16 @@ class Encryption final : public korvel_com::ZQ::crypto::IEncryption {
   int decrypt_string(const std::wstring& in, std::wstring& out) override;
 
  private:
-  // Null, with an error logged, when libcrypto does not offer the cipher.
+  // Returns null, with an error logged, when libcrypto does not offer the cipher.
   Sealer* sealer();
-  // Reports what does not open.
+  // Decrypts a sealed value. Reports a value that cannot be decrypted.
   bool open(const unsigned char* sealed, std::size_t length, SecretBytes& clear);
 
   Type m_type;
   std::uint64_t m_generation;
-  SecretBytes m_key;  // until the sealer has it
-  std::optional<Sealer>
-      m_sealer;  // made at first use: the first one of a process starts the cipher
+  SecretBytes m_key;  // empty once m_sealer has the key
+  // Created at first use, because the first sealer of a process fetches the cipher.
+  std::optional<Sealer> m_sealer;
 };
 
 }  // namespace host

@@ -8,7 +8,7 @@
 
 #include "host/process/secret.h"
 
-// Key files: c_keySize bytes in a regular file of their own, <dataDirectory>/keystore/<name>.
+// A key file has c_keySize bytes. It is a regular file, <dataDirectory>/keystore/<name>.
 namespace host {
 
 constexpr const char* c_passwordKeyName = "password.key";
@@ -16,14 +16,13 @@ constexpr const char* c_serverKeyName = "server.key";
 
 std::string keyFilePath(const std::string& dataDirectory, const char* name);
 
-// Tells one state of a key file from another.
+// Distinguishes the states of a key file.
 struct KeyFileState {
   dev_t device = 0;
   ino_t inode = 0;
   off_t size = 0;
   std::int64_t changedNs = 0;
-  // Whether the file was read so long after its last change that another change cannot bear the
-  // same time.
+  // Whether the last change was so long before the read that a later change has another time.
   bool settled = false;
 
   bool sameFile(const KeyFileState& other) const {
@@ -32,22 +31,24 @@ struct KeyFileState {
   }
 };
 
-// What the file looks like now, one call into the system. 0 or the errno of what failed.
+// Gets the present state of the file with one system call. Returns 0 or an errno.
 int keyFileState(const std::string& path, KeyFileState& state);
 
-// Reads a key and the state of the file that it was read from. A file that others than its owner
-// may use loses these permissions when it has no other name, it and its directory belong to this
-// process's user, and nobody else may write in that directory. False, with an error logged, when
-// there is no such key: no file, no regular file, not the right size.
+// Reads a key, and the state of its file. Returns false, with an error logged, when the file does
+// not exist, is not regular or has the wrong size.
+//
+// Removes the permissions of others than the owner if these conditions hold: the file has no other
+// name, the file and its directory belong to the effective user, and nobody else may write in that
+// directory.
 bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state);
 
-// Makes a new random key with its directory, both for their owner alone. Links and owners are as
-// host/fs/files.h says. The file appears whole or not at all, and a key that is there already, or
-// that another process makes at the same moment, is left alone. A warning is logged when it is this
-// one. False, with an error logged, when there is no key afterwards.
+// Creates a key file with a new random key, and its directory. Only their owner may use them. Links
+// and owners are handled as in host/fs/files.h. The file is created atomically. An existing key
+// remains, even if another process creates it at the same time. If the new key is used, a warning
+// is logged. Returns false, with an error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 
-// Removes the temporary files that a process left next to this key when it died while creating it.
+// Removes the temporary files of processes that ended while they created this key.
 void cleanBesideKeyFile(const std::string& path);
 
 }  // namespace host

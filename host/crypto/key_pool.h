@@ -12,18 +12,17 @@
 
 namespace host {
 
-// One key and the encryption objects with it that nobody uses at the moment. Making one costs
-// several times what a password costs, so they are kept for as long as the key file stays as it
-// was. Any thread.
+// One key and the idle encryption objects with this key. Creating an object takes several times as
+// long as a password. The objects are therefore kept until the key file changes. Any thread.
 class KeyPool {
  public:
-  // `mutex` is that of this pool alone. With `createsKey`, a missing key is created.
+  // `mutex` must be used by this pool only. If `createsKey` is set, a missing key is created.
   KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName, bool createsKey);
 
-  // An object with the key of the agent in this directory; null, with an error logged, when the key
-  // cannot be had. Throws std::bad_alloc.
+  // Returns an object with the key of the agent that has this data directory. Returns null, with an
+  // error logged, when the key cannot be read or created. Throws std::bad_alloc.
   std::unique_ptr<Encryption> take(const std::string& dataDirectory);
-  // Takes an object back. Needs no memory.
+  // Takes an object back. Allocates nothing.
   void giveBack(std::unique_ptr<Encryption> object);
 
  private:
@@ -39,7 +38,7 @@ class KeyPool {
   SecretBytes m_key HOST_GUARDED_BY(m_mutex);     // empty: not loaded
   KeyFileState m_state HOST_GUARDED_BY(m_mutex);  // of the file that m_key was read from
   std::uint64_t m_generation HOST_GUARDED_BY(m_mutex) = 0;
-  std::uint64_t m_span HOST_GUARDED_BY(m_mutex) = 0;  // in which m_key was looked at last
+  std::uint64_t m_span HOST_GUARDED_BY(m_mutex) = 0;  // the last span in which m_key was checked
   std::vector<std::unique_ptr<Encryption>> m_idle HOST_GUARDED_BY(m_mutex);
 };
 

@@ -6,22 +6,23 @@
 #include "platform/common/astring.h"
 #include "platform/crypto/crypt_shim.h"
 
-// A span is the work of one thread on one document, from the first KeptKeys to the last. In a span,
-// keys are taken as unchanged and each error is logged once. Without a span every call is
+// A span is the time from the first KeptKeys of a thread to the destruction of its last one. In a
+// span, keys are assumed to be unchanged and each error is logged once. Calls outside of a span are
 // independent.
 namespace host {
 
-// The component that messages about passwords and keys name.
+// The component of messages about passwords and keys.
 constexpr const wchar_t* c_cryptoComponent = L"Crypto";
 
-// The number of this thread's span; no two spans have one number. 0: none.
+// Returns the number of this thread's span, or 0 outside of a span. Each span has a different
+// number.
 std::uint64_t currentSpan();
 
-// Logs an error, but each text only once in a span.
+// Logs an error, but the same text only once in a span.
 void logErrorOnce(const AString& text);
 
-// Counts a password that is not empty and cannot be decrypted. One error at the end of the span
-// says how many there were and what to do.
+// Counts a password that is not empty and cannot be decrypted. At the end of the span, one error
+// reports the number and gives advice.
 void reportUnopened(korvel_com::ZQ::crypto::EncryptionType type);
 
 }  // namespace host

@@ -7,9 +7,9 @@
 
 namespace host {
 
-// Held around every call into libcrypto that may take a lock in there, so that no other thread is
-// inside at a fork. The first one of a process also sees to it that libcrypto frees nothing when
-// the process ends: other threads may still be at work then.
+// Must be held around every call into libcrypto that may take a lock of libcrypto. No other thread
+// is then in such a call at a fork. The first object of a process also prevents libcrypto from
+// releasing its data when the process ends, because other threads may still use it then.
 class HOST_SCOPED_LOCK LibcryptoUse {
  public:
   LibcryptoUse() noexcept HOST_ACQUIRES(c_libcryptoMutex);
@@ -21,9 +21,8 @@ class HOST_SCOPED_LOCK LibcryptoUse {
   ForkLock m_lock;
 };
 
-// What libcrypto says about the calls that failed in this thread, in one line; never empty. Forgets
-// it. Throws std::bad_alloc when they failed for want of memory. The caller must hold a
-// LibcryptoUse.
+// Returns libcrypto's reasons for the failed calls of this thread, in one line that is never empty.
+// Clears them. Throws std::bad_alloc if memory was the reason. The caller must hold a LibcryptoUse.
 std::string takeLibcryptoError() HOST_REQUIRES(c_libcryptoMutex);
 
 }  // namespace host

@@ -8,13 +8,13 @@ namespace host {
 
 constexpr std::size_t c_nonceSize = 12;
 
-// Random nonces. They are drawn several at a time, because the random number generator costs far
-// more by the request than by the byte. One object is used by one thread at a time; a child process
-// does not use what its parent drew, or the two would seal under one key with one nonce.
+// Random nonces. They are drawn in blocks, because each request to the random number generator is
+// expensive. One object must not be used by two threads at the same time. A child process must not
+// use nonces that its parent drew: both would encrypt with one key and one nonce.
 class Nonces {
  public:
-  // Writes c_nonceSize bytes that were never given out before. False when the system has no random
-  // numbers to give.
+  // Writes c_nonceSize bytes that were never returned before. Returns false when the system has no
+  // random numbers.
   bool next(unsigned char* nonce);
 
  private:
@@ -22,7 +22,7 @@ class Nonces {
 
   unsigned char m_bytes[c_count * c_nonceSize];
   std::size_t m_left = 0;
-  std::uint64_t m_generation = 0;  // of the process that drew them
+  std::uint64_t m_generation = 0;  // generation of the process that drew the block
 };
 
 }  // namespace host

@@ -12,35 +12,38 @@
 #include "host/process/secret.h"
 #include "platform/export.h"
 
-// A sealed value is what a clear value becomes under a 32-byte key with AES-256-GCM:
+// A sealed value is a clear value that was encrypted with a 32-byte key and AES-256-GCM:
 //
-//   version (1 byte, 1) | nonce (12 bytes, random) | ciphertext (as long as the clear) | tag (16)
+//   version (1 byte, 1) | nonce (12 bytes, random) | ciphertext (as long as the clear value) | tag
+//   (16)
 //
-// The version is authenticated along with the rest: a value of which any bit was changed, or that
-// was cut or made longer, does not open.
+// The version is authenticated together with the rest. A value with any changed, missing or
+// additional bit cannot be decrypted.
 namespace host {
 
 constexpr std::size_t c_keySize = 32;
 
-// Seals and opens values under one key. Setting up costs about as much as three short values, so an
-// object is worth keeping. One object is used by one thread at a time. The key is wiped with it.
+// Encrypts and decrypts values with one key. Creating an object takes about as long as encrypting
+// three short values, so callers should keep it. One object must not be used by two threads at the
+// same time. The destructor wipes the key.
 class Sealer {
  public:
-  // `key` holds c_keySize bytes. Throws std::bad_alloc.
+  // `key` must have c_keySize bytes. Throws std::bad_alloc.
   explicit Sealer(const SecretBytes& key);
   ~Sealer();
   Sealer(const Sealer&) = delete;
   Sealer& operator=(const Sealer&) = delete;
 
-  // Why this one neither seals nor opens anything: libcrypto does not offer the cipher, or the key
-  // is not a key. Empty when it does.
+  // Returns why this object cannot encrypt or decrypt: libcrypto does not offer the cipher, or the
+  // key is not valid. Otherwise empty.
   const std::string& refusal() const { return m_refusal; }
 
-  // Returns false and leaves `sealed` unchanged when the system has no random numbers to give or
-  // the value is too long for the cipher (2 GiB).
+  // Encrypts a value. Returns false and leaves `sealed` unchanged when the system has no random
+  // numbers or the value is too long for the cipher (2 GiB).
   bool seal(const unsigned char* clear, std::size_t length, std::vector<unsigned char>& sealed);
 
-  // Returns false and leaves `clear` unchanged for anything that was not sealed with this key.
+  // Decrypts a value. Returns false and leaves `clear` unchanged if the value was not encrypted
+  // with this key.
   bool open(const unsigned char* sealed, std::size_t length, SecretBytes& clear);
 
  private:
@@ -48,15 +51,16 @@ class Sealer {
     void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
   };
   std::string m_refusal;
-  std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;  // null when there is a refusal
+  std::unique_ptr<EVP_CIPHER_CTX, Free> m_context;  // null if refusal() is not empty
   Nonces m_nonces;
 };
 
-// Whether the sealer refuses all; then logs why, once in a span.
+// Returns whether the sealer cannot encrypt or decrypt. The reason is logged, once in a span.
 bool reportRefusal(const Sealer& sealer);
 
-// What a management server does to a password before it sends it: `clear` (UTF-8) sealed under the
-// server key of the agent in force, as base64 text. Empty when the key cannot be had. Any thread.
+// Encrypts a password as a management server does before it sends a list. Returns `clear` (UTF-8),
+// encrypted with the server key of the current agent, as base64 text. Returns an empty text when
+// the key cannot be read. Any thread.
 PLATFORM_API std::string sealServerPassword(const std::string& clear);
 
 }  // namespace host

@@ -21,7 +21,7 @@ class Descriptor {
   }
 
   int get() const { return m_fd; }
-  // 0, or the errno of the open that failed.
+  // Returns 0, or the errno of the failed open.
   int error() const { return m_fd < 0 ? -m_fd : 0; }
 
  private:

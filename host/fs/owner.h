@@ -3,9 +3,9 @@
 
 namespace host {
 
-// What root makes belongs to the owner and the group of the directory that it is made in, so that
-// the user whose directory it is goes on with it. For other users nothing is done. `fd` is a new
-// file or directory in the open `directory`. 0 or an errno.
+// Gives a new file or directory that root created the owner and group of its directory, so that the
+// agent's user can use it. Does nothing for other users. `fd` is the new file or directory, and
+// `directory` is the open directory. Returns 0 or an errno.
 int giveToOwnerOf(int directory, int fd);
 
 }  // namespace host

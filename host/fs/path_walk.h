@@ -11,34 +11,34 @@ namespace host {
 
 // Which symbolic links a walk follows.
 enum class Links {
-  OfCallerOrRoot,  // those of the effective user and of root: the rule for everything that is made
-  All              // any: for questions, which change nothing
+  OfCallerOrRoot,  // links of the effective user and of root; for every change
+  All              // every link; for queries
 };
 
-// Resolves one path directory by directory. Call enter or find once per object. A directory that is
-// exchanged meanwhile sends the walk nowhere else, and every symbolic link on the way is looked at
-// before it is followed. For one thread.
+// Resolves one path, directory by directory. It checks every symbolic link before it follows the
+// link. A directory that another process replaces during the walk does not redirect it. Call enter
+// or find once for each object. One object must not be used by two threads at the same time.
 class PathWalk {
  public:
   explicit PathWalk(Links links = Links::OfCallerOrRoot) : m_links(links) {}
 
-  // Opens the directory that `path` leads to, so that it can be read and synced. 0, or the errno of
-  // what failed; EPERM with a text in refusal() for a link that is not followed.
+  // Opens the directory that `path` leads to, so that it can be read and synced. Returns 0 or an
+  // errno. For a link that is not followed, returns EPERM and sets refusal().
   int enter(const std::string& path);
-  // Finds the file that `path` leads to, links at its end included, whether it is there or not:
-  // directory() and name() then say where it is, found() what it is. Results as of enter; a path
-  // that names a directory by its end gives EISDIR.
+  // Finds the file that `path` leads to, after links at its end. The file need not exist.
+  // Afterwards directory() and name() give its place, and found() its status. Returns the same as
+  // enter, or EISDIR for a path with a directory form at its end, such as "/".
   int find(const std::string& path);
 
   int directory() const { return m_directory.get(); }
   const std::string& name() const { return m_name; }
-  // Null when nothing has that name.
+  // Returns the status of the file, or null if it does not exist.
   const struct stat* found() const { return m_exists ? &m_found : nullptr; }
 
-  // Which link was not followed, and whose it is. Empty for other failures.
+  // Returns which link was not followed, and who owns it. Empty after other failures.
   const std::string& refusal() const { return m_refusal; }
   static constexpr const char* c_adviceOnRefusal = "remove the link, or make root its owner";
-  // Logs a refusal as an error, after `what` and the path. Returns `error`.
+  // Logs a refusal as an error, with `what` and the path. Returns `error`.
   int reported(const char* what, const std::string& path, int error) const;
 
  private:
@@ -47,7 +47,7 @@ class PathWalk {
 
   Links m_links;
   Descriptor m_directory{-EBADF};
-  std::string m_at;  // the path of m_directory, ready for a name to be appended
+  std::string m_at;  // the path of m_directory, with a separator at its end
   std::string m_name;
   bool m_exists = false;
   struct stat m_found {};
@@ -55,10 +55,10 @@ class PathWalk {
   std::string m_refusal;
 };
 
-// The directory part of a path, with its separator; "." without one. Separators at the end of the
-// path do not count.
+// Returns the directory part of a path, with its separator, or "." without one. Ignores separators
+// at the end of the path.
 std::string parentOf(const std::string& path);
-// The last name of a path, without the separators at its end.
+// Returns the last name of a path, without separators at its end.
 std::string nameOf(const std::string& path);
 
 }  // namespace host

@@ -7,22 +7,23 @@
 
 namespace host {
 
-// A new file under an unpredictable name in a directory, there to be written and then renamed over
-// another one. It is locked as long as its writer lives; that is how a left-over one is told.
+// A new file with an unpredictable name in a directory. The caller writes it and then renames it
+// over another file. The file is locked until its writer ends, so other processes can recognise a
+// file that a killed process left.
 class TempFile {
  public:
-  // `directory` is an open directory that outlives the object.
+  // `directory` must be an open directory that outlives the object.
   explicit TempFile(int directory);
   // Removes the file unless it was renamed.
   ~TempFile();
   TempFile(const TempFile&) = delete;
   TempFile& operator=(const TempFile&) = delete;
 
-  // Each returns 0 or an errno. create comes first and once.
+  // Each function returns 0 or an errno. create must be called first, and once.
   int create();
   int writeAll(const void* data, std::size_t size);
   int renameTo(const std::string& name);
-  // Gives the file this name unless the name is taken (EEXIST).
+  // Gives the file a second name, `name`. Returns EEXIST if that name exists.
   int linkAs(const std::string& name);
 
   int fd() const { return m_file.get(); }
@@ -35,8 +36,8 @@ class TempFile {
   Descriptor m_file;
 };
 
-// Removes the temporary files in the directory that no living writer holds. What cannot be removed
-// stays for the next time.
+// Removes the temporary files in the directory whose writers have ended. The next call tries again
+// to remove a file that cannot be removed now.
 void removeLeftOverTempFiles(int directory) noexcept;
 
 }  // namespace host

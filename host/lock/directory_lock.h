@@ -8,19 +8,19 @@
 
 namespace host {
 
-// The write lock of a directory, for those who replace its files. It is a kernel lock on the
-// directory itself: no lock file is left there, and it survives the replacement of a file. Only
-// those who take it are kept out. Not every network file system has it.
+// The write lock of a directory, for programs that replace its files. It is a kernel lock on the
+// directory itself, so there is no lock file, and the lock remains when a file is replaced. It
+// excludes only programs that take it. Some network file systems do not support such locks.
 class PLATFORM_API DirectoryLock {
  public:
   DirectoryLock() : m_directory(-1) {}
-  // Releases the lock. Must not run in the child of a fork, which shares the lock.
+  // Releases the lock. Must not run in the child of a fork, because the child shares the lock.
   ~DirectoryLock();
   DirectoryLock(const DirectoryLock&) = delete;
   DirectoryLock& operator=(const DirectoryLock&) = delete;
 
-  // Takes the lock when none is held; waits as the locks of the agent do. 0, EWOULDBLOCK when the
-  // time ran out, or the errno of what failed.
+  // Takes the lock when no other process holds it. Waits as the locks of the agent do. Returns 0,
+  // EWOULDBLOCK when the time has run out, or another errno.
   int lock(const std::string& directory, unsigned int waitMilliseconds);
 
  private:

@@ -9,18 +9,19 @@ namespace host {
 
 enum class LockMode { Read, Write };
 
-// The wait that never ends.
+// A wait without a limit.
 constexpr unsigned int c_waitForEver = 0x7FFFFFFF;
 
-// How long one locking may wait in all, from now on, however many steps and attempts it takes.
+// The longest wait of one locking operation, from the creation of the object. It covers all steps
+// and attempts.
 class Patience {
  public:
   explicit Patience(unsigned int milliseconds);
 
-  // Whether it only tries.
+  // Returns whether the operation does not wait.
   bool isNone() const { return m_isNone; }
-  // flock(2) that waits as long as there is patience. 0, EWOULDBLOCK when the time ran out, or
-  // another errno.
+  // flock(2) that waits until the time has run out. Returns 0, EWOULDBLOCK when the time has run
+  // out, or another errno.
   int lock(int fd, int operation) const;
 
  private:
@@ -29,11 +30,11 @@ class Patience {
   std::chrono::steady_clock::time_point m_end;
 };
 
-// Locks open lock files. 0, EWOULDBLOCK when the time ran out, or the errno of what failed; nothing
-// is locked then.
+// Locks open lock files. Returns 0, EWOULDBLOCK when the time has run out, or another errno. After
+// a failure nothing is locked.
 int lockFiles(const LockFiles& files, LockMode mode, const Patience& patience);
 
-// 0 or an errno.
+// Returns 0 or an errno.
 int unlockFiles(const LockFiles& files);
 
 }  // namespace host

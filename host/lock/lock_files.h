@@ -7,8 +7,8 @@
 
 namespace host {
 
-// The two open files behind one lock. Each holder has files of its own, because a kernel lock
-// belongs to the open file: with a shared one, two threads would share the lock.
+// The two open files of one lock. Each holder opens its own files, because a kernel lock belongs to
+// the open file. Two threads with a shared open file would share the lock.
 struct LockFiles {
   struct File {
     std::string path;
@@ -19,25 +19,26 @@ struct LockFiles {
   File main;
   File gate;
 
-  // Whether the paths still lead to the files that are open. 0, ESTALE, or why it cannot be told.
+  // Determines whether the paths still lead to the open files. Returns 0 if they do, ESTALE if they
+  // do not, or another errno.
   int check() const;
-  // Does nothing when they are closed.
+  // Closes the files. Does nothing if they are closed.
   void close();
 };
 
-// Why lock files cannot be opened: the path that it happened with, and the reason and what to do
-// where the errno does not say enough.
+// Why lock files cannot be opened. `reason` and `advice` are empty if the errno is sufficient.
 struct LockFailure {
   std::string path;
   std::string reason;
   std::string advice;
 };
 
-// Opens the files of the lock `name` in the agent's lock directory, and makes what is missing for
-// the owner of the directory alone. A lock file must be a regular file and no symbolic link; on the
-// way to the directory, links are followed as for a write. 0; ESTALE when somebody removes what is
-// made here; or another errno. After a failure `failure` says why. Files that were opened stay
-// open; the caller closes them.
+// Opens the files of the lock `name` in the agent's lock directory. Creates missing files and
+// directories, which only the owner of the directory may use. A lock file must be a regular file.
+// Symbolic links in the path of the directory are followed as for a write.
+//
+// Returns 0, ESTALE when another process removes what this call creates, or another errno. After a
+// failure, `failure` has the reason, and the caller must close the files that were opened.
 int openLockFiles(const std::string& directory, const std::string& name, LockFiles& files,
                   LockFailure& failure);
 

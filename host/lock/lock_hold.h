@@ -9,12 +9,12 @@
 
 namespace host {
 
-// A named lock that one thread holds over several operations which take it themselves. While the
-// thread holds it, InterProcessReadLock and InterProcessWriteLock of that name and agent lock at
-// once in this thread. Other threads and processes wait as for any other lock.
+// A named lock that one thread holds during several operations that take the same lock. While the
+// thread holds it, InterProcessReadLock and InterProcessWriteLock of that name and agent do not
+// wait in this thread. Other threads and processes wait as for any other lock.
 //
-// A thread that holds a lock as a reader must not take it as a writer: it would wait for itself.
-// After a fork the child holds none. One object must not be used by two threads.
+// A thread that holds a lock as a reader must not take it as a writer, because it would wait for
+// itself. After a fork the child holds no lock. One object must not be used by two threads.
 class PLATFORM_API LockHold {
  public:
   // Names the lock but does not take it.
@@ -34,19 +34,20 @@ class PLATFORM_API LockHold {
 
   const std::string m_name;
   const LockMode m_mode;
-  std::string m_dataDirectory;  // of the agent whose lock it is
+  std::string m_dataDirectory;  // of the agent of this lock
   korvel_com::orb::lock::InterProcessReadLock m_reader;
   korvel_com::orb::lock::InterProcessWriteLock m_writer;
   LockHold* m_next = nullptr;
 };
 
-// Whether this thread holds the lock of the present agent, in that mode or in a stronger one.
+// Returns whether this thread holds the lock of the current agent, in that mode or as a writer.
 bool isHeldByThread(const std::string& name, LockMode mode);
 
-// Releases what this thread holds of the present agent's locks. For what must not run under a lock.
+// Releases all holds of this thread on locks of the current agent. For operations that must not run
+// under a lock.
 void releaseHolds() noexcept;
 
-// For the child of a fork.
+// Removes all holds without unlocking; for the child of a fork.
 void forgetHolds() noexcept;
 
 }  // namespace host

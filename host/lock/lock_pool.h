@@ -10,23 +10,23 @@
 
 namespace host {
 
-// Keeps lock files open from one use to the next, since opening costs more than locking. Any
-// thread. In the child of a fork every file is closed: one that stayed open would keep the parent's
-// lock after the parent's death.
+// Keeps lock files open between uses, because opening takes longer than locking. Any thread. The
+// child of a fork closes all files. An open one would keep the parent's lock after the end of the
+// parent.
 class LockPool {
  public:
   static LockPool& instance();
-  // For the child of a fork, while the mutex of the pool is held.
+  // For the child of a fork. The mutex of the pool must be held.
   static void closeFilesOfParent() HOST_REQUIRES(c_lockFilesMutex);
 
-  // Files for the lock `name` of the present agent that nobody else uses. Results and `failure` as
-  // of openLockFiles. Throws std::bad_alloc, and then nothing is taken.
+  // Returns files of the lock `name` of the current agent that no other holder uses. The result and
+  // `failure` are those of openLockFiles. Throws std::bad_alloc, and then takes nothing.
   int take(const std::string& name, LockFiles*& files, LockFailure& failure);
-  // Takes back files that are not locked.
+  // Takes back files, which must not be locked.
   void giveBack(LockFiles* files) noexcept;
   // Closes files, which unlocks them.
   void discard(LockFiles* files) noexcept;
-  // Closes what nobody uses now, and what is in use as soon as it is given back.
+  // Closes the idle files. Files in use are closed when they are given back.
   void dropIdle();
 
  private:

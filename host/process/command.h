@@ -8,15 +8,15 @@
 
 namespace host {
 
-// Runs a program, given by full path, with arguments and without a shell, and waits for its end, at
-// most `timeoutSeconds`: then it and its process group get SIGTERM, and SIGKILL two seconds later.
-// The program reads nothing, what it prints goes to `output`, and it inherits no descriptor and no
-// signal setting. Processes that it leaves running get SIGPIPE when they print, or EPIPE where they
-// ignore that signal.
+// Runs a program, given by full path, without a shell and waits for its end. After `timeoutSeconds`
+// the program and its process group get SIGTERM, and SIGKILL two seconds later. Its standard input
+// is empty, and `output` receives what it prints. It inherits no descriptors and no signal
+// settings. Processes that it leaves running get SIGPIPE when they print, or EPIPE if they ignore
+// that signal.
 //
-// Returns an empty text when the program ended with status 0, else what went wrong. What the
-// process does with its own children and with SIGCHLD changes nothing. Any thread; the caller holds
-// no ForkLock.
+// Returns an empty text when the program ended with status 0, otherwise a description of the
+// failure. The result does not depend on how the process handles SIGCHLD or waits for its children.
+// Any thread. The caller must not hold a ForkLock.
 std::string runCommand(const std::vector<std::string>& words, unsigned int timeoutSeconds,
                        OutputLines& output);
 

@@ -5,10 +5,9 @@
 
 namespace host {
 
-// Tells this process from the one that it was forked from: a number that a child has never seen,
-// neither in its parent nor in what the parent itself was forked from. What must not be used in two
-// processes bears the number of the process that made it. 0 when the system does not say; then
-// nothing may be kept. Any thread.
+// Returns a number that is different in every process of a chain of forks. Data that must not be
+// used in two processes has the number of the process that created it. Returns 0 when the system
+// does not provide such a number; such data must not be kept then. Any thread.
 std::uint64_t forkGeneration();
 
 // For the child of a fork.

@@ -20,12 +20,11 @@ class HOST_MUTEX ForkMutex {
   std::size_t m_place;
 };
 
-// All of them, each with what it guards, in their order: a thread that holds one takes only later
-// ones.
-inline constexpr ForkMutex c_settingsMutex(0);  // which agent the process serves, until it is known
+// All mutexes, each with the data that it guards. A thread that holds one may take only later ones.
+inline constexpr ForkMutex c_settingsMutex(0);     // the agent of the process, until it is known
 inline constexpr ForkMutex c_lockFilesMutex(1);    // the open lock files
 inline constexpr ForkMutex c_passwordKeyMutex(2);  // the agent's password key and its idle objects
-inline constexpr ForkMutex c_serverKeyMutex(3);    // the same of the server key
+inline constexpr ForkMutex c_serverKeyMutex(3);    // the server key and its idle objects
 inline constexpr ForkMutex c_libcryptoMutex(4);    // every call that may take a lock in libcrypto
 inline constexpr ForkMutex c_logMutex(5);          // the sink
 inline constexpr ForkMutex c_errorTextMutex(6);    // the system's table of error texts

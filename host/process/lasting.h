@@ -6,13 +6,13 @@
 
 namespace host {
 
-// One object that is made at its first use and never destroyed, because it may be needed until the
-// very end of the process. It is for variables of namespace scope, which are there before any code
-// runs.
+// One object that is created at its first use and never destroyed, because it may be used until the
+// process ends. Use it only for variables at namespace scope, which exist before any code runs.
 //
-// The first use takes no lock: the guard of a function-local static that another thread holds at a
-// fork stays held in the child for ever. Threads that come first together may each make an object;
-// one stays. So making one must have no effect beyond itself.
+// The first use takes no lock. With a function-local static, a thread can hold the guard at a fork,
+// and in the child the guard is then never released. Several threads may each create an object at
+// the same time; one object remains. The constructor must therefore have no effect outside its
+// object.
 template <typename T>
 class Lasting {
  public:
@@ -20,13 +20,13 @@ class Lasting {
   Lasting(const Lasting&) = delete;
   Lasting& operator=(const Lasting&) = delete;
 
-  // The object. Throws what its constructor throws. Any thread.
+  // Returns the object. Throws what its constructor throws. Any thread.
   T& get() {
     T* const made = find();
     return made ? *made : make();
   }
 
-  // The object, or null before its first use. Any thread.
+  // Returns the object, or null before its first use. Any thread.
   T* find() const { return m_object.load(std::memory_order_acquire); }
 
  private:

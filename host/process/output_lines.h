@@ -7,18 +7,19 @@
 
 namespace host {
 
-// Cuts what a program prints into lines and hands on the first ones. Empty lines do not count. One
-// object is used by one thread at a time.
+// Divides the output of a program into lines and passes on the first ones. Empty lines are skipped.
+// One object must not be used by two threads at the same time.
 class OutputLines {
  public:
   static constexpr std::size_t c_maxLines = 64;
-  static constexpr std::size_t c_maxBytes = 8192;  // of all lines together
+  static constexpr std::size_t c_maxBytes = 8192;  // total of all lines
 
-  // `take` gets each line without its end.
+  // `take` receives each line without its end.
   explicit OutputLines(std::function<void(const std::string& line)> take);
 
   void add(const char* bytes, std::size_t size);
-  // Hands on a last line that has no end, then one that says how much was left out, if any.
+  // Passes on a last line that has no end. If bytes were omitted, then passes on a line with their
+  // number.
   void end();
 
  private:
@@ -29,7 +30,7 @@ class OutputLines {
   std::string m_line;
   std::size_t m_lines = 0;
   std::size_t m_bytes = 0;
-  unsigned long long m_leftOut = 0;  // in bytes
+  unsigned long long m_leftOut = 0;  // omitted bytes
 };
 
 }  // namespace host

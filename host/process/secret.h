@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-// Keys and clear text, wiped before their memory is given back. One object is used by one thread at
-// a time.
+// Keys and clear text. Their memory is wiped before it is released. One object must not be used by
+// two threads at the same time.
 namespace host {
 
-// Overwrites memory, also when nobody reads it afterwards. `memory` may be null when `size` is 0.
+// Overwrites memory, even if nothing reads it afterwards. `memory` may be null when `size` is 0.
 void wipe(void* memory, std::size_t size) noexcept;
 
-// Wipes memory before it gives it back, so that a container of secrets needs no care when it grows
-// or dies. Not for strings: a short one is not in memory of its allocator.
+// Wipes memory before it releases it, so a container of secrets is also wiped when it grows. Must
+// not be used for strings, because a short string is not in allocated memory.
 template <typename T>
 struct WipingAllocator {
   using value_type = T;
@@ -41,15 +41,14 @@ struct WipingAllocator {
 
 using SecretBytes = std::vector<unsigned char, WipingAllocator<unsigned char>>;
 
-// A std::string or std::wstring for interfaces that ask for one, wiped when the object dies. It
-// must have all its room before it is filled: what a string leaves behind when it grows is not
-// wiped.
+// A std::string or std::wstring for interfaces that need one. The destructor wipes it. It must have
+// its full capacity before it is filled, because growing does not wipe the old memory.
 template <typename Text>
 class Secret {
  public:
   explicit Secret(std::size_t size = 0) : m_text(size, typename Text::value_type()) {}
   ~Secret() {
-    m_text.resize(m_text.capacity());  // takes no memory
+    m_text.resize(m_text.capacity());  // does not allocate
     wipe(m_text.data(), m_text.size() * sizeof(typename Text::value_type));
   }
   Secret(const Secret&) = delete;

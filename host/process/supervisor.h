@@ -3,25 +3,25 @@
 
 namespace host {
 
-// What a supervisor and its program need, all of it made before the fork.
+// Data for a supervisor and its program, created before the fork.
 struct SupervisorPlan {
   char* const* argv;  // argv[0] is the full path of the program
   unsigned int timeoutSeconds;
-  int output;           // takes what the program prints; more than 3
-  int report;           // takes the reports; more than 3
-  int descriptorLimit;  // no descriptor of the process is this or more; not used with glibc
+  int output;           // receives what the program prints; greater than 3
+  int report;           // receives the reports; greater than 3
+  int descriptorLimit;  // every descriptor of the process is below this; not used with glibc
 };
 
-// What a supervisor writes as a whole; only its first report counts.
+// The report of a supervisor, in one write. Only the first report counts.
 struct SupervisorReport {
   enum Kind : int { NotStarted, Ended, TimedOut };
   Kind kind;
-  int value;  // an errno when the program was not started, else its status as of waitpid
+  int value;  // NotStarted: an errno; otherwise the status as of waitpid
 };
 
-// The life of a supervisor: the child of a fork that starts a program, waits for it and reports its
-// end, so that its parent need not wait for a process. Calls only what is safe in the child of a
-// process with threads. All signals are blocked when it begins.
+// Runs a supervisor in the child of a fork. The supervisor starts a program, waits for its end and
+// reports it, so that its parent need not wait for a process. Calls only functions that are safe in
+// the child of a process with threads. All signals must be blocked before the call.
 [[noreturn]] void supervise(const SupervisorPlan& plan);
 
 }  // namespace host

@@ -1,7 +1,8 @@
 #ifndef HOST_PROCESS_THREAD_SAFETY_H
 #define HOST_PROCESS_THREAD_SAFETY_H
 
-// What clang checks with -Wthread-safety: which mutex guards a variable, and who must hold it.
+// Annotations that clang checks with -Wthread-safety. They say which mutex guards a variable, and
+// which mutex a caller must hold.
 #if defined(__clang__)
 #define HOST_THREAD_SAFETY(attribute) __attribute__((attribute))
 #else

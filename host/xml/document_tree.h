@@ -10,10 +10,10 @@
 
 namespace AdvXMLParser {
 
-// UTF-8 that is about to become a tree, in memory that the tree can take over.
+// UTF-8 that becomes a tree, in memory that the tree can own.
 class TreeText {
  public:
-  // Has room for `size` bytes and a terminator. Throws std::bad_alloc.
+  // Allocates `size` bytes and a terminator. Throws std::bad_alloc.
   explicit TreeText(std::size_t size);
 
   char* data() { return m_bytes.get(); }
@@ -26,31 +26,31 @@ class TreeText {
   std::unique_ptr<char, Free> m_bytes;
 };
 
-// The tree behind every kind of document handle. Its text is UTF-8 of characters that XML can
-// carry. Besides elements it keeps everything that an edit must leave alone: white space (also
-// around the root), comments, CDATA sections and processing instructions. Its first node is the XML
-// declaration.
+// The tree of all kinds of document handles. Its text is UTF-8 with only those characters that XML
+// allows. Besides elements it has everything that an edit must not change: white space, comments,
+// CDATA sections and processing instructions. White space before and after the root is also kept.
+// The first node is the XML declaration.
 struct DocumentTree {
-  // Holds the declaration alone. Throws std::bad_alloc.
+  // Creates a tree with only the declaration. Throws std::bad_alloc.
   DocumentTree();
-  // The tree of the first `size` bytes of a text that is well formed, has no DOCTYPE, and has its
-  // lines end in line feeds. Names and values stay where they are in the text. Throws
-  // std::bad_alloc.
+  // Creates the tree of the first `size` bytes of a text. The text must be well formed, without a
+  // DOCTYPE, and its lines must end in line feeds. Names and values remain in the memory of the
+  // text. Throws std::bad_alloc.
   DocumentTree(TreeText text, std::size_t size, host::Standalone standalone);
 
   pugi::xml_node root() const { return document.document_element(); }
 
-  // The document as UTF-8. Throws std::bad_alloc.
+  // Returns the document as UTF-8. Throws std::bad_alloc.
   std::string toText(bool indent) const;
 
   pugi::xml_document document;
-  std::size_t textSize = 0;  // of the text that it was made of
+  std::size_t textSize = 0;  // of the text from which it was made
 };
 
-// The tree of a text, with the contract of Parser::Parse.
+// Parses a text, with the contract of Parser::Parse.
 std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length);
 
-// The tree of bytes, with the contract of Parser::ParseUtf8.
+// Parses bytes, with the contract of Parser::ParseUtf8.
 std::unique_ptr<DocumentTree> parseUtf8(const char* utf8, std::size_t length,
                                         const WrittenIn* writtenIn);
 

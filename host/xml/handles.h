@@ -3,8 +3,8 @@
 
 #include <pugixml.hpp>
 
-// What the handles of the public interfaces stand for. A null handle gives a null node, which
-// answers with nothing.
+// Convert the handles of the public interfaces to nodes of a tree. A null handle becomes a null
+// node, and queries on a null node return empty values.
 namespace host {
 
 inline pugi::xml_attribute asAttribute(void* handle) {

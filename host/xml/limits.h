@@ -3,20 +3,20 @@
 
 #include <cstddef>
 
-// What a document may be at most. A list of a thousand sites has some 500 KB, is four elements
-// deep, has some 15 attributes to an element, and its longest token is a certificate of a few KB.
+// The limits of a document. A list of a thousand sites has about 500 KB, a depth of four and about
+// 15 attributes in an element. Its longest token is a certificate of a few KB.
 namespace host {
 
-// Bytes of a file, and of a text in UTF-8.
+// Bytes of a file, or of a text in UTF-8.
 constexpr std::size_t c_maxDocumentBytes = std::size_t{64} << 20;
 // The depth of nested elements; the root has depth 1.
 constexpr std::size_t c_maxDepth = 256;
 constexpr std::size_t c_maxAttributes = 1024;
-// Child elements of one element. A site becomes a record of some 27 KB, however short its element
-// is, so this bounds the memory that a small document can ask for.
+// Child elements of one element. Each site becomes a record of about 27 KB, so this also limits the
+// memory that a small document can need.
 constexpr std::size_t c_maxChildren = 32768;
-// Bytes in UTF-8 of one piece of markup (a tag with all its attributes, a comment, a processing
-// instruction) or of one run of text between two pieces.
+// Bytes in UTF-8 of one token. A token is a tag with all its attributes, a comment, a processing
+// instruction, or the text between two of these.
 constexpr std::size_t c_maxTokenBytes = std::size_t{1} << 20;
 
 }  // namespace host

@@ -8,14 +8,14 @@
 
 namespace host {
 
-// A new document file is for its owner, and for its group to read.
+// The mode of a new document file: its owner may read and write it, and its group may read it.
 constexpr mode_t c_modeOfNewDocument = 0640;
 
 }  // namespace host
 
 namespace AdvXMLParser {
 
-// Creates or replaces a document file whole. Throws ReadWriteException (WRITE_FAILED).
+// Creates or atomically replaces a document file. Throws ReadWriteException (WRITE_FAILED).
 void writeDocumentBytes(const std::wstring& path, const char* bytes, std::size_t size);
 
 }  // namespace AdvXMLParser

@@ -6,14 +6,15 @@
 #include <pugixml.hpp>
 #include <string>
 
-// Changes to a tree. Texts are UTF-8 of characters that XML can carry. All throw std::bad_alloc.
+// Changes of a tree. Texts are UTF-8 with only those characters that XML allows. All functions
+// throw std::bad_alloc.
 namespace host {
 
-// Whether XML 1.0 can carry a character.
+// Returns whether XML 1.0 allows a character.
 bool isXmlCharacter(wchar_t character);
 
-// The UTF-8 form of a text, with U+FFFD in place of every character that XML 1.0 cannot carry.
-// Short plain ones, which nearly all names and values are, need no memory of their own.
+// The UTF-8 form of a text. A character that XML 1.0 does not allow becomes U+FFFD. A short plain
+// text needs no allocation; nearly all names and values are short and plain.
 class XmlText {
  public:
   XmlText(const wchar_t* text, std::size_t length);
@@ -32,27 +33,28 @@ class XmlText {
   std::size_t m_size;
 };
 
-// Adds a node as the last child of `parent`. The name is used for the kinds that have one.
+// Adds a node as the last child of `parent`. `name` is used only for kinds of nodes that have a
+// name.
 pugi::xml_node appendNode(pugi::xml_node parent, pugi::xml_node_type type, const char* name);
 
-// Sets what a text, CDATA, comment or processing instruction node holds.
+// Sets the content of a text, CDATA, comment or processing instruction node.
 void setNodeValue(pugi::xml_node node, const char* value, std::size_t size);
 
 // Adds a text, CDATA or comment node as the last child of `parent`.
 void appendText(pugi::xml_node parent, pugi::xml_node_type type, const XmlText& text);
 
-// Adds an attribute after the others. None of them may have that name.
+// Adds an attribute after the others. The node must not have an attribute of that name.
 pugi::xml_attribute appendAttribute(pugi::xml_node node, const char* name, const char* value);
 
 // Sets an attribute. An existing one keeps its place; a new one is added after the others.
 pugi::xml_attribute setAttribute(pugi::xml_node node, const char* name, const char* value);
 void setAttributeValue(pugi::xml_attribute attribute, const char* value);
 
-// Puts one text node in the place of all text directly inside the node, before its other children;
-// none when the text is empty.
+// Replaces all text directly in the node with one text node, before its other children. If the text
+// is empty, there is no text node afterwards.
 void setText(pugi::xml_node node, const XmlText& text);
 
-// Adds a deep copy of a node, of this or another tree, as the last child of `parent`.
+// Adds a deep copy of a node as the last child of `parent`. The node may be in another tree.
 void appendCopy(pugi::xml_node parent, pugi::xml_node source);
 
 }  // namespace host

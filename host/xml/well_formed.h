@@ -7,11 +7,11 @@
 
 namespace host {
 
-// What a document says of itself in its XML declaration.
+// The value of "standalone" in the XML declaration.
 enum class Standalone { NotSaid, Yes, No };
 
-// Checks that UTF-8 is one well-formed document within the limits and without a DOCTYPE, and that
-// the encoding it declares agrees with `writtenIn` where that is given. Throws ParsingException,
+// Checks that the UTF-8 text is one well-formed document within the limits and without a DOCTYPE.
+// If `writtenIn` is given, its declared encoding must agree with it. Throws ParsingException,
 // ReadWriteException (LIMIT_EXCEEDED) or std::bad_alloc.
 Standalone checkWellFormed(const char* utf8, std::size_t size,
                            const AdvXMLParser::WrittenIn* writtenIn = nullptr);

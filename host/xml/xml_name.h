@@ -6,13 +6,13 @@
 
 namespace host {
 
-// Writes a plain name of less than `capacity` characters, without a terminator, and returns its
-// length. 0 when the name is another, and `out` is then unspecified.
+// Writes a plain name of less than `capacity` characters, without a terminator. Returns its length,
+// or 0 if the name is not plain or too long. The content of `out` is then unspecified.
 std::size_t writePlainName(const wchar_t* name, char* out, std::size_t capacity);
 
-// The UTF-8 form of the name of a new element or attribute, with "_" in place of what a name cannot
-// have there: a document with a broken name would be lost as a whole. Short plain names, which
-// nearly all are, need no memory of their own.
+// The UTF-8 form of the name of a new element or attribute. A character that a name must not have
+// becomes "_", because a document with an invalid name cannot be read. A short plain name needs no
+// allocation; nearly all names are short and plain.
 class XmlName {
  public:
   explicit XmlName(const wchar_t* name);

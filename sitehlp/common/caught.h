@@ -5,12 +5,13 @@
 
 namespace sitehlp {
 
-// Logs the exception that is being handled and goes no further as one error line: `what` was not
-// done, with the file at `path`, and why. Call it in a handler. A line that cannot be built for
-// want of memory is dropped.
+// Logs the exception that is being handled as one error line: what failed, the file at `path`, and
+// the reason. `what` must be the start of the line. Must be called in a handler that does not
+// rethrow the exception. The line is dropped if there is not enough memory to build it.
 void logCaught(const wchar_t* what, const std::wstring& path) noexcept;
 
-// Logs one error line that tells why an operation failed, where its own lines do not.
+// Logs one error line with the reason why an operation failed, when the lines of the operation do
+// not give the reason.
 void logCause(const std::wstring& text) noexcept;
 
 }  // namespace sitehlp

@@ -3,7 +3,7 @@
 
 namespace sitehlp {
 
-// The component that log lines and traces of the class name.
+// The component of the class in log lines and traces.
 constexpr const wchar_t* c_component = L"SiteHlp";
 
 }  // namespace sitehlp

@@ -3,7 +3,7 @@
 
 namespace sitehlp {
 
-// The wait that every lock of the library is given.
+// The wait of every lock of the library: without a limit.
 constexpr unsigned int c_waitForEver = 0x7FFFFFFF;
 
 }  // namespace sitehlp

@@ -17,7 +17,7 @@ wchar_t* writeDecimal(Number number, wchar_t* out) {
   return std::copy(digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr, out);
 }
 
-// The decimal text of a number, without a terminator and without memory of its own.
+// The decimal text of a number, without a terminator. Allocates nothing.
 class Decimal {
  public:
   template <typename Number>
@@ -33,17 +33,17 @@ class Decimal {
   wchar_t* m_end;
 };
 
-// The number at the start of a narrow text: white space and a sign are accepted, reading stops at
-// the first character that is no digit, and a text without a number gives 0. What does not fit into
-// a long counts as the largest or smallest long, and what does not fit into an int loses its upper
+// Returns the number at the start of a narrow text. White space and a sign are accepted. Reading
+// stops at the first character that is not a digit. A text without a number gives 0. A number out
+// of the range of long becomes the nearest long. A number out of the range of int loses its upper
 // bits.
 int toInt(const char* text);
 
-// The unsigned decimal number at the start of a text, behind white space. Returns false, with
-// `number` as it was, when there is none, also behind a sign, or when it does not fit.
+// Reads the unsigned decimal number at the start of a text, after white space. Returns false and
+// leaves `number` unchanged when there is no number, when it has a sign, or when it is too large.
 bool toUnsigned(const wchar_t* text, unsigned int& number);
 
-// The position of the last ":" in a text; null when there is none.
+// Returns the position of the last ":" in a text, or null if there is none.
 const wchar_t* findPort(const wchar_t* text);
 
 }  // namespace sitehlp

@@ -5,8 +5,8 @@
 
 namespace sitehlp {
 
-// Turns a clear password into its protected form (`encrypt`) or back. Returns nonzero on success;
-// on failure it returns 0 and leaves `out` unchanged.
+// Encrypts a clear password if `encrypt` is set; otherwise decrypts an encrypted one. Returns
+// nonzero on success. On failure returns 0 and leaves `out` unchanged.
 int EncryptDecryptPassword(const std::wstring& in, std::wstring& out, bool encrypt);
 
 }  // namespace sitehlp

@@ -3,12 +3,12 @@
 
 #include <ctime>
 
-// What all instances in a process share, safe for threads and for the children of a fork.
+// State that all instances in a process share. It is safe for threads and for children of fork.
 namespace sitehlp {
 
 // Guards CSitesHelper::m_pSiteList and m_iChange between the threads of this process, for the life
-// of the object. It is held while an inter-process lock is waited for, so a fork does not wait for
-// it: in the child it is free, unless the forking thread itself holds it.
+// of the object. A thread may hold it while it waits for an inter-process lock, so a fork does not
+// wait for it. In the child it is free, unless the forking thread itself holds it.
 class CacheGuard {
  public:
   CacheGuard();
@@ -17,7 +17,7 @@ class CacheGuard {
   CacheGuard& operator=(const CacheGuard&) = delete;
 };
 
-// The local time in the time zone in force now. Returns false when the system cannot convert it.
+// Gets the local time in the current time zone. Returns false when the system cannot convert it.
 bool toLocalTime(std::time_t time, std::tm& local);
 
 }  // namespace sitehlp

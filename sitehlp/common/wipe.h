@@ -5,10 +5,10 @@
 
 namespace sitehlp {
 
-// Overwrites memory that held a secret in a way that the compiler does not remove.
+// Overwrites memory that has a secret. The compiler must not remove this.
 void wipeMemory(void* memory, std::size_t size) noexcept;
 
-// Wipes the characters of a text before its memory is given back, whatever ends the scope.
+// Wipes the characters of a text at the end of the scope, before their memory is released.
 template <typename Text>
 class WipeAtExit {
  public:

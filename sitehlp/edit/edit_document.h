@@ -7,10 +7,10 @@
 
 namespace sitehlp {
 
-// The component that log lines and traces of document editing name.
+// The component of document editing in log lines and traces.
 constexpr const wchar_t* c_editComponent = L"StSHlp";
 
-// Opens what was read of a list as a site list document.
+// Opens the text of a list that was read as a site list document.
 bool openSiteListText(AnXml& document, const ListSource& source);
 
 // Opens a file as a site list document, under the read lock "SiteListLock".
@@ -19,7 +19,7 @@ bool openLocked(AnXml& document, const AString& path);
 // Writes a document under the write lock "SiteListLock".
 bool writeLocked(const AnXml& document, const AString& path);
 
-// Finds the "SiteList" element under a root.
+// Finds the "SiteList" element directly below a root.
 bool findSiteList(const AnXmlNode& root, AnXmlNode& siteList);
 
 }  // namespace sitehlp

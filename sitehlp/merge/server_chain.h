@@ -5,8 +5,8 @@
 
 namespace sitehlp {
 
-// What CSitesHelper::UpdateVestaSite does, for arguments that are not null. Returns whether `chain`
-// became part of the list; otherwise it stays the caller's.
+// Does the same as CSitesHelper::UpdateVestaSite, for arguments that are not null. Returns whether
+// `chain` became part of the list. Otherwise the caller still owns it.
 bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head);
 
 }  // namespace sitehlp

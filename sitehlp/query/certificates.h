@@ -9,10 +9,10 @@
 
 namespace sitehlp {
 
-// Appends the certificates of the first bundle under a root. Returns whether there is a bundle.
+// Appends the certificates of the first CA bundle of a document. Returns whether there is a bundle.
 bool readCertificates(const AdvXMLParser::Element& root, std::vector<std::wstring>& certificates);
 
-// What CSitesHelper::GetCaCertificates does with a file.
+// Does the same as CSitesHelper::GetCaCertificates, for the file of `source`.
 int queryCertificates(ListSource& source, std::vector<std::wstring>& certificates);
 
 }  // namespace sitehlp

@@ -8,14 +8,14 @@
 
 namespace sitehlp {
 
-// The versions and the type of a document; a missing type is "Client".
+// Reads the versions and the type of a document. A missing type is "Client".
 void readVersions(const AdvXMLParser::Element& root, std::wstring& globalVersion,
                   std::wstring& localVersion, std::wstring& type);
 
-// Returns false and leaves `fipsMode` unchanged when the document has none.
+// Reads the FIPS mode. Returns false and leaves `fipsMode` unchanged when the document has none.
 bool readFipsMode(const AdvXMLParser::Element& root, std::wstring& fipsMode);
 
-// What CSitesHelper::GetSitelistVersions does with a file.
+// Does the same as CSitesHelper::GetSitelistVersions, for the file of `source`.
 int queryVersions(ListSource& source, std::wstring& globalVersion, std::wstring& localVersion,
                   std::wstring& type);
 

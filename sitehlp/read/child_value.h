@@ -9,7 +9,7 @@
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/read/text_field.h"
 
-// Values that are not plain text.
+// Functions that read values other than plain text.
 namespace sitehlp {
 
 inline int readNumber(const AdvXMLParser::Attribute& attribute) {
@@ -18,20 +18,21 @@ inline int readNumber(const AdvXMLParser::Attribute& attribute) {
 
 int readNumber(const AdvXMLParser::Element& element);
 
-// 0 when there is none that can be read.
+// Returns 0 when there is no readable port.
 unsigned int readUnsignedPort(const AdvXMLParser::Attribute& attribute);
 
-// 0 or 1. A value that does not fit a text field is cut like that of one.
+// Returns 0 or 1. A value that is too long for a text field is cut as in a text field.
 int readFlag(const AdvXMLParser::Element& element);
 
-// The clear form of a protected password; empty when it cannot be recovered.
+// Returns the clear form of an encrypted password. Returns an empty text when the password cannot
+// be decrypted.
 std::wstring recoverPassword(const AdvXMLParser::Element& element, bool useDecryptData);
 
 template <std::size_t N>
 void setPassword(wchar_t (&field)[N], const AdvXMLParser::Element& element, bool useDecryptData) {
   std::wstring clear = recoverPassword(element, useDecryptData);
   const WipeAtExit<std::wstring> wipe(clear);
-  // As zero-terminated text: what a password holds behind a zero is not part of it.
+  // The password ends at the first zero.
   const std::size_t length = std::wcslen(clear.c_str());
   if (length < N) {
     setField(field, clear.c_str(), length);

@@ -11,11 +11,11 @@ namespace sitehlp {
 
 SiteElement classify(const AdvXMLParser::Element& element);
 
-// The size of the record that an element of this kind decodes into; 0 for None.
+// Returns the size of the record of an element of this kind, or 0 for None.
 std::size_t recordSize(SiteElement kind);
 
-// Decodes an element into `record`, which is recordSize(kind) zero bytes. With `useDecryptData`,
-// passwords are recovered with decrypt_data, all but that of the HTTP proxy.
+// Decodes an element into `record`, which must be recordSize(kind) zero bytes. If `useDecryptData`
+// is set, decrypts passwords with decrypt_data, except that of the HTTP proxy.
 void decodeSite(SiteElement kind, const AdvXMLParser::Element& element,
                 const SiteAttributes& attributes, bool useDecryptData, void* record);
 

@@ -13,10 +13,10 @@
 #include "sitehlp/read/site_attributes.h"
 #include "sitehlp/read/text_field.h"
 
-// Reading derived from the tables of fields.
+// Functions that read fields according to their rows.
 namespace sitehlp {
 
-// Reads a row that is an attribute by itself.
+// Reads a row that is a whole attribute.
 template <typename At, typename Record>
 void readAttribute(At, const SiteAttributes& attributes, Record& record) {
   constexpr const auto& row = At::row;
@@ -33,9 +33,9 @@ void readAttribute(At, const SiteAttributes& attributes, Record& record) {
   }
 }
 
-// Reads the rows of the table that are attributes by themselves, in its order: all of the record
-// but its name. A kind of site reads that when its turn comes, so that values which are cut stand
-// in the log in the order that they always had.
+// Reads the rows of the table that are whole attributes, in the order of the table, except the
+// name. The decoder of each kind reads the name, so that log lines about cut values keep their
+// order.
 template <const auto& Table, typename Record>
 void readAttributes(const SiteAttributes& attributes, Record& record) {
   eachField<Table>([&](auto at) {
@@ -48,7 +48,7 @@ void readAttributes(const SiteAttributes& attributes, Record& record) {
   });
 }
 
-// The rows of a table that are child elements.
+// The positions of the rows that are child elements.
 template <std::size_t Capacity>
 struct ChildRows {
   std::array<std::size_t, Capacity> rows{};
@@ -66,8 +66,8 @@ constexpr auto childRows() {
   return children;
 }
 
-// Reads child elements into the rows of a table; other children are ignored. An object is made when
-// the library is loaded: see site_attributes.cpp.
+// Reads child elements into the rows of a table and ignores other children. The objects are created
+// when the library is loaded; see site_attributes.cpp.
 template <const auto& Table>
 class ChildReader {
  public:

@@ -6,9 +6,9 @@
 
 namespace sitehlp {
 
-// Reads a "SiteList" element: one record per child element in document order, each of which `take`
-// becomes the owner of as soon as it is decoded. `result` is that of the element decoded last, also
-// when something is thrown.
+// Reads a "SiteList" element. Decodes each child element, in document order, into one record.
+// `take` becomes the owner of each record immediately. `result` receives the result of the last
+// element, even if an exception is thrown.
 void readSites(const AdvXMLParser::Element& siteList, bool useDecryptData, const TakeSite& take,
                int& result);
 

@@ -9,40 +9,40 @@
 
 namespace sitehlp {
 
-// The encoding that site lists are written in, and the hint that they are read with.
+// The encoding of written site lists, and the hint for reading them.
 constexpr AdvXMLParser::UTF_ENCODINGS c_encoding = AdvXMLParser::UTF_8;
 
 using DocumentPtr = boost::scoped_ptr<AdvXMLParser::Document>;
 
-// A list for one operation. A file is read once and parsed once, so that all that the operation
-// takes from it is of the same bytes, whoever exchanges the file meanwhile.
+// The list of one operation. Its file is read and parsed only once. All values that the operation
+// takes are therefore from the same bytes, even if another process replaces the file.
 class ListSource {
  public:
   explicit ListSource(std::wstring path);
-  // A text that was read already.
+  // Uses a text that was already read.
   ListSource(std::string utf8, const AdvXMLParser::WrittenIn& writtenIn);
   ListSource(const ListSource&) = delete;
   ListSource& operator=(const ListSource&) = delete;
 
   const std::wstring& path() const { return m_path; }
 
-  // Reads the file at the first call, under the read lock "SiteListLock" when `useLock`. Returns
-  // what the first call returned: 0, -4, or -10, for which an error line says why.
+  // The first call reads the file, under the read lock "SiteListLock" if `useLock` is set. Every
+  // call returns the result of the first one: 0, -4 or -10. An error line gives the reason for -10.
   int read(bool useLock);
 
-  // What was read; empty once there is a document.
+  // Returns the text that was read, or an empty text after document() has parsed it.
   const std::string& utf8() const { return m_utf8; }
   const AdvXMLParser::WrittenIn& writtenIn() const { return m_writtenIn; }
 
-  // The document of what was read, parsed at the first call; null when the text holds no markup.
-  // Throws what AdvXMLParser::Parser throws.
+  // Returns the document, or null if the text has no markup. The first call parses the text. Throws
+  // the exceptions of AdvXMLParser::Parser.
   AdvXMLParser::Document* document();
 
  private:
   int readFile(bool useLock);
 
   std::wstring m_path;
-  std::optional<int> m_result;  // of the read
+  std::optional<int> m_result;  // the result of the first read
   std::string m_utf8;
   AdvXMLParser::WrittenIn m_writtenIn{c_encoding};
   DocumentPtr m_document;

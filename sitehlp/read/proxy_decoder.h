@@ -7,10 +7,10 @@
 
 namespace sitehlp {
 
-// Adds the hosts of an ExclusionList element to those of the record.
+// Appends the hosts of an ExclusionList element to those of the record.
 void readExclusions(const AdvXMLParser::Element& element, tag_ProxySite& site);
 
-// Decodes a ProxyConfig element into a zero-filled record.
+// Decodes a ProxyConfig element into `record`, which must be zero.
 void decodeProxy(const AdvXMLParser::Element& element, const SiteAttributes& attributes,
                  bool useDecryptData, tag_ProxySite& site);
 

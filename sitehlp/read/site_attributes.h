@@ -13,7 +13,7 @@ namespace attributes {
 
 using Name = const wchar_t* const*;
 
-// The names of attributes that one table or several have, each once.
+// The names of the attributes in the tables, each once.
 template <std::size_t Capacity>
 struct Names {
   std::array<Name, Capacity> names{};
@@ -38,13 +38,13 @@ struct Names {
 };
 
 constexpr auto collectNames() {
-  Names<32> names;  // too few would not be compiled
+  Names<32> names;  // a smaller capacity does not compile
   names.addTable(c_serverFields);
   names.addTable(c_ftpFields);
   names.addTable(c_uncFields);
   names.addTable(c_localFields);
   names.addTable(c_proxyFields);
-  // No field has it: an agent's stands in place of "Server".
+  // No field has this name. An agent repository has its value instead of "Server".
   names.add(&fields::xml::WX_XML_SITE_SERVER_FQDN);
   return names;
 }
@@ -53,12 +53,12 @@ inline constexpr auto c_names = collectNames();
 
 }  // namespace attributes
 
-// The attributes of a site or proxy element that records are made of, found in one pass.
+// The attributes of a site or proxy element that are used for records. One pass finds them all.
 class SiteAttributes {
  public:
   explicit SiteAttributes(const AdvXMLParser::Element& element);
 
-  // A null handle when the element does not have it.
+  // Returns a null handle when the element does not have the attribute.
   template <attributes::Name Name>
   const AdvXMLParser::Attribute& get() const {
     constexpr std::size_t at = attributes::c_names.find(Name);

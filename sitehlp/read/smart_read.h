@@ -9,8 +9,8 @@ namespace sitehlp {
 
 class CSitesHelper;
 
-// What CSitesHelper::SmartReadSiteList does, for a caller that holds a CacheGuard as long as it
-// uses the list. A list that comes with a negative result is the caller's.
+// Does the same as CSitesHelper::SmartReadSiteList. The caller must hold a CacheGuard as long as it
+// uses the list. After a negative result the caller owns the list.
 int smartRead(CSitesHelper& helper, const std::wstring& path, tag_Site** list);
 
 }  // namespace sitehlp

@@ -8,11 +8,11 @@
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 
-// Filling the text fields of a record straight from the document. The outcome is that of
-// CSitesHelper::CopyWStr on the whole value; a field that is still zero is not zeroed again.
+// Functions that copy texts from the document into the fields of a record. The result is that of
+// CSitesHelper::CopyWStr on the whole value. A field that is already zero is not cleared again.
 namespace sitehlp {
 
-// `length` characters, which need no terminator and hold no zero.
+// `text` has `length` characters. It needs no terminator and must not contain a zero.
 template <std::size_t N>
 void setField(wchar_t (&field)[N], const wchar_t* text, std::size_t length) {
   if (length >= N) {
@@ -28,7 +28,7 @@ void setField(wchar_t (&field)[N], const std::wstring& text) {
   setField(field, text.data(), text.size());
 }
 
-// The value of an attribute or an element; a null handle counts as empty text.
+// Copies the value of an attribute or an element. A null handle has an empty value.
 template <std::size_t N, typename Source>
 void setField(wchar_t (&field)[N], const Source& source) {
   if (field[0] != L'\0') std::wmemset(field, L'\0', N);

@@ -8,7 +8,7 @@
 
 namespace sitehlp {
 
-// A kind as the compiler checks it: a switch over it that leaves one out is a warning.
+// SiteKind as a scoped enumeration. The compiler warns about a switch without all kinds.
 enum class Kind : std::int32_t {
   Http = SITE_KIND_HTTP,
   Ftp = SITE_KIND_FTP,
@@ -17,20 +17,20 @@ enum class Kind : std::int32_t {
   Proxy = SITE_KIND_PROXY,
 };
 
-// None when the record holds no kind of site.
+// Returns the kind of a record, or none for an unknown kind.
 std::optional<Kind> kindOf(const tag_Site& record);
 
-// Wipes what passwords the record holds, of whatever kind it was, and releases it. Its
-// successors are not touched.
+// Wipes the passwords of a record of any kind and releases the record. The records after it are
+// unchanged.
 void releaseRecord(tag_Site* record) noexcept;
 
-// A server site: the management server, of the HTTP family.
+// Returns whether a record is a management server.
 bool isServerSite(const tag_Site& record);
 
-// One that says its version, and so knows the 2048-bit key set.
+// Returns whether a record is a management server with a version. Such a server has 2048-bit keys.
 bool isVersionedServer(const tag_Site& record);
 
-// Whether the record's type is "fallback", in any case.
+// Returns whether the type of a record is "fallback". Case is ignored.
 bool isFallback(const tag_Site& record);
 
 }  // namespace sitehlp

@@ -7,17 +7,18 @@
 
 namespace sitehlp {
 
-// Elements of unknown kind in one list. Each becomes a record of some 27 KB, however short it is,
-// so this bounds what a small document can ask for.
+// The limit on elements of unknown kind in one list. Even a short element becomes a record of about
+// 27 KB, so this limits the memory that a small document can need.
 constexpr std::size_t c_maxUnknownElements = 1024;
 
-// Counts the records of one list against that limit, and against the memory that the agent's
-// configuration allows them. The same limits hold for a list that is read and one that is written.
+// Compares the number of records in a list with that limit, and their memory with the limit of the
+// agent's configuration. The limits apply to reading and writing.
 class RecordLimits {
  public:
   RecordLimits();
 
-  // Counts one more record. Null while the list is within the limits; else the name of the limit.
+  // Counts one more record. Returns null while the list is within the limits, otherwise the name of
+  // the exceeded limit.
   const char* add(bool isKnown);
 
  private:
@@ -26,7 +27,7 @@ class RecordLimits {
   std::size_t m_unknown = 0;
 };
 
-// Whether the element that is written for a record is one that the reader does not know.
+// Returns whether a record is written as an element that the reader does not know.
 bool isWrittenAsUnknown(const tag_Site& record);
 
 }  // namespace sitehlp

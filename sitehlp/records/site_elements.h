@@ -5,16 +5,16 @@
 
 namespace sitehlp {
 
-// The elements that have a per-kind record, and None for all others.
+// The elements with a record for their kind, and None for all others.
 enum class SiteElement { Http, Vesta, Keystone, Ftp, Unc, Local, Proxy, None };
 
 constexpr std::size_t c_siteElementCount = static_cast<std::size_t>(SiteElement::None);
 
-// Their names, in the order of the enumerators.
+// The names of the elements, in the order of the enumerators.
 extern const wchar_t* const c_siteElementNames[c_siteElementCount];
 
-// Whether the reader knows an element of this name directly in a list. Proxies are known only
-// inside a list of their own.
+// Returns whether the reader knows an element of this name directly in a list. A proxy is known
+// only in a "ProxyConfigList".
 bool isKnownInList(const wchar_t* elementName);
 
 }  // namespace sitehlp

@@ -10,8 +10,8 @@
 
 namespace sitehlp {
 
-// Where the writers of records put their elements, in document order. An element gets its
-// attributes before anything is put into it.
+// Receives the elements of records in document order. All attributes of an element must be added
+// before its content.
 class ElementWriter {
  public:
   ElementWriter() = default;
@@ -34,7 +34,7 @@ class ElementWriter {
     addAttribute(name, number.data(), number.size());
   }
 
-  // An element with text and nothing else.
+  // Adds an element with only a text.
   void addElement(const wchar_t* name, const wchar_t* text, std::size_t length) {
     open(name);
     addText(text, length);
@@ -70,10 +70,11 @@ class TextElementWriter final : public ElementWriter {
   AdvXMLParser::DocumentWriter& m_document;
 };
 
-// Adds one element with all that is in it to a tree.
+// Adds one element and its content to a tree.
 class TreeElementWriter final : public ElementWriter {
  public:
-  // At position 0 into the anchor, at any other behind it.
+  // At position 0 the element becomes the last child of the anchor, otherwise of the anchor's
+  // parent.
   TreeElementWriter(const AdvXMLParser::Element& anchor, int position)
       : m_anchor(anchor), m_isInto(position == 0) {}
 
@@ -83,11 +84,11 @@ class TreeElementWriter final : public ElementWriter {
   void addText(const wchar_t* text, std::size_t length) override;
   void close() override { --m_depth; }
 
-  // What was opened first.
+  // Returns the element that was opened first.
   const AdvXMLParser::Element& added() const { return m_open[0]; }
 
  private:
-  static constexpr std::size_t c_deepest = 4;  // a host in the list of a configuration in its list
+  static constexpr std::size_t c_deepest = 4;  // levels of an exclusion host, from ProxyConfigList
 
   AdvXMLParser::Element m_anchor;
   bool m_isInto;

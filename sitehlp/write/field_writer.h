@@ -12,18 +12,19 @@
 #include "sitehlp/write/element_writer.h"
 #include "sitehlp/write/site_writers.h"
 
-// Writing derived from the tables of fields. Attributes are not: their order and when each is
-// written differ from kind to kind, so the writers have a line for each.
+// Functions that write fields according to their rows. Attributes are not written from the tables.
+// Their order and conditions differ between kinds, so each kind has its own code.
 namespace sitehlp {
 
 constexpr const wchar_t* c_formatScope = L"Formatting environment symbols";
 
-// As FormatEnvSymbols, but a text that has nothing to be replaced is not touched, and neither is
-// what stands behind it: to clear memory that nothing else needs was the dearest part of writing.
+// Does the same as FormatEnvSymbols, but leaves a text without an expanded macro unchanged,
+// including the bytes after its end. Clearing these bytes took more time than any other step of
+// writing.
 template <std::size_t N>
 const wchar_t* formatField(CSitesHelper& helper, wchar_t (&field)[N]) {
   const std::size_t length = ::wcsnlen(field, N);
-  if (length == N) field[N - 1] = L'\0';  // it has no terminator, and must not be read beyond
+  if (length == N) field[N - 1] = L'\0';  // no terminator, so reading must stop here
   if (length == N || std::wmemchr(field, c_agentEnvMacroStartDelimiterExpanded[0], length)) {
     helper.FormatEnvSymbols(field, N);
   } else {

@@ -7,14 +7,13 @@
 
 namespace sitehlp {
 
-// Tells the mesh service of a new site list. One instance, made at first use and never released.
-// Any thread.
+// Writes the mesh copy. The only instance is created at its first use and never released. Any
+// thread.
 class SitesHelperUtil {
  public:
   static SitesHelperUtil* getInstance();
 
-  // Writes the mesh service's copy of a document and has the service load it.
-  // Failures are logged only.
+  // Writes the mesh copy of a document and runs the load command. Failures are only logged.
   void writeMeshServiceSiteList(const AdvXMLParser::DocumentWriter& document);
 
  private:

@@ -10,23 +10,26 @@
 
 namespace tool {
 
-// The agent's own site list file.
+// Returns the path of the agent's own list.
 std::string ownListPath(const Context& context);
 
-// Whether a file is the agent's own list: it has no name, or leads to the same file.
+// Returns whether a file is the agent's own list. This is so if the name is empty or leads to the
+// same file.
 bool isOwnList(const Context& context, const std::string& file);
 
-// Serves the agent that the command line names, with its locks, keys and mesh service. Fails when
-// there is no such data directory: a command never makes an agent by accident.
+// Makes the process serve the agent of the command line, with its locks, keys and mesh service.
+// Fails if its data directory does not exist, because a command must not create an agent by
+// accident.
 void serveAgent(const Context& context);
 
-// Fails when the agent that the command line names has no key for passwords.
+// Fails when the agent of the command line has no password key.
 void requirePasswordKey(const Context& context);
 
-// Serves an agent in a temporary directory, which goes away with the object, so that nothing is
-// written into the real agent's directory and nobody's mesh service is told of anything. It stands
-// for the real agent as far as it can: managed or not, and with the real password key if there is
-// one; or, when it is `Detached`, for no agent at all.
+// Makes the process serve an agent in a temporary directory, which the destructor removes. Nothing
+// is then written into the directory of the real agent, and no load command is run.
+//
+// An agent `InPlaceOfReal` is managed if the real agent is, and has the real password key if there
+// is one. A `Detached` agent does not depend on the real agent.
 class PrivateAgent {
  public:
   enum Relation { InPlaceOfReal, Detached };
@@ -42,8 +45,9 @@ class PrivateAgent {
   std::string m_directory;
 };
 
-// The agent for a command that reads a named file or, without a name, the agent's own list: the
-// real one, under the lock of its list, for its own list, else a private one.
+// Makes the process serve an agent for a command that reads a list. For the agent's own list it is
+// the real agent, under the lock of the list. For another file it is a private agent. An empty file
+// name means the agent's own list.
 class AgentForReading {
  public:
   AgentForReading(const Context& context, const std::string& file);
@@ -57,9 +61,10 @@ class AgentForReading {
   std::optional<PrivateAgent> m_private;
 };
 
-// Serves the agent for writing a site list: the real one when the file is its own list, else a
-// private one with the real agent's password key, which must be there. Holds the lock of the list.
-// Without a file name the list is written to a temporary one.
+// Makes the process serve an agent for a command that writes a list, and holds the lock of that
+// list. For the agent's own list it is the real agent. For another file it is a private agent with
+// the real password key, which must exist. Without a file name the list is written to a temporary
+// file.
 class AgentForWriting {
  public:
   AgentForWriting(const Context& context, const std::string& file);

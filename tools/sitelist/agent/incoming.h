@@ -11,7 +11,7 @@
 
 namespace tool {
 
-// What `import` and `install` have in common.
+// The parts that `import` and `install` share.
 struct IncomingOptions {
   std::string file;
   std::string keyDirectory;
@@ -22,21 +22,21 @@ struct IncomingOptions {
 void addIncomingOptions(Command& command, IncomingOptions& options);
 int takeIncoming(Context& context, const IncomingOptions& options);
 
-// Says what taking the list would change, and changes nothing.
+// Prints what the import of the list would change, and changes nothing.
 int previewIncoming(Context& context, const IncomingOptions& options);
 
-// Says which sites come without their passwords.
+// Warns about the sites whose passwords are lost.
 void warnOfLostPasswords(const IncomingOptions& options);
 
-// What would become of the key files and the marker beside the agent's list.
+// Returns how an import would change the key files and the FIPS marker of the agent's list.
 std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
                                     sitehlp::tag_Site* sites, const std::string& ownList);
 
-// Fails because the key files could not be copied or the list could not be written.
+// Fails because the key files or the list could not be written.
 [[noreturn]] void failOwnFiles(const IncomingOptions& options, const std::string& ownList,
                                int code);
 
-// The failure of import or install, from the library's code and log.
+// Fails with the result code and the log of an import or installation.
 [[noreturn]] void failIncoming(const IncomingOptions& options, const std::string& ownList,
                                int code);
 

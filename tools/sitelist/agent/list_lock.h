@@ -12,25 +12,27 @@
 
 namespace tool {
 
-// What a command does with a list: reads it, reads it through the library's cache, or changes it.
+// How a command uses a list: it reads it, reads it through the cached list, or changes it.
 enum class ListUse { Read, ReadCached, Change };
 
-// Holds the lock of a list from a command's first read to its last write. The library's operations
-// take the same lock and get it at once.
+// Holds the lock of a list from the first read of a command to its last write. The operations of
+// the library take the same lock without waiting.
 //
-// The lock of the agent's own list is the agent's "SiteListLock". The mesh service's load command
-// runs without it. The lock of another file is that of its directory, and the agent's as well if
-// its lock files may be used. Only a change takes the lock of another file, because a read finds
-// one whole list without it.
+// The lock of the agent's own list is the agent's "SiteListLock". The load command runs without it.
+// Any other list is locked through its directory. It is also locked with the agent's lock if the
+// user may use the lock files. Only a change locks any other list, because a read finds one
+// complete list without a lock.
 class ListLock {
  public:
-  // An empty file name means the agent's own list. Serves the agent whose lock it takes. Waits as
-  // long as --wait says; says so on a terminal. Fails when the lock is not to be had, except for a
-  // read when the lock files cannot be used: the library logs that, and reads.
+  // Makes the process serve the agent whose lock it takes. An empty file name means the agent's own
+  // list. Waits at most for the time of --wait. On a terminal, prints a message while it waits.
+  // Fails when the lock cannot be taken. A read does not fail if the lock files cannot be used,
+  // because the library logs that and reads the list.
   ListLock(const Context& context, const std::string& file, ListUse use);
 
-  // Fails when a named file was changed since the lock was taken: by a program that does not take
-  // the lock, or in a directory that cannot be locked. Must be called before the file is written.
+  // Fails when a named file was changed after the lock was taken. That is possible for a program
+  // that does not take the lock, and in a directory that cannot be locked. Must be called before
+  // the file is written.
   void requireUnchanged() const;
 
  private:
@@ -48,10 +50,10 @@ class ListLock {
   std::optional<host::LockHold> m_cacheHold;
   std::optional<host::LockHold> m_listHold;
   host::DirectoryLock m_directory;
-  std::optional<std::string> m_state;  // of a named file that is to be changed
+  std::optional<std::string> m_state;  // of a named file for a change
 };
 
-// The value of --wait in milliseconds. Fails when it is not a number of seconds.
+// Returns the value of --wait in milliseconds. Fails when it is not a number of seconds.
 unsigned int parseWait(const std::string& seconds);
 
 }  // namespace tool

@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// A clear password that a site list can carry, in memory that is wiped.
+// A clear password that fits into a site list. Its memory is wiped.
 class Password {
  public:
   Password() = default;
@@ -17,8 +17,8 @@ class Password {
   Password(const Password&) = delete;
   Password& operator=(const Password&) = delete;
 
-  // Takes the first line of a file or, without a name, of standard input, which a terminal does not
-  // show. Fails when it cannot be read, is no UTF-8, or is too long.
+  // Reads the first line of a file or, without a name, of standard input. A terminal does not show
+  // the typed text. Fails when the line cannot be read, is not valid UTF-8, or is too long.
   void read(const std::string& file);
 
   const std::wstring& text() const { return m_text; }
@@ -34,7 +34,7 @@ class Password {
   std::wstring m_text;
 };
 
-// The form in which a site list carries it, by the key of the agent served. Fails without the key.
+// Returns the password, encrypted with the password key of the served agent. Fails without the key.
 std::wstring protect(const Context& context, const Password& password);
 
 }  // namespace tool

@@ -16,7 +16,7 @@ class Option;
 
 namespace tool {
 
-// What the parser does not keep of its options.
+// Properties of options that the parser does not store.
 struct OptionHints {
   std::vector<std::string> choices;
   std::function<std::vector<std::string>()> suggestions;
@@ -24,24 +24,25 @@ struct OptionHints {
 };
 using HintTable = std::map<const CLI::Option*, OptionHints>;
 
-// One option or argument of a command. Handles on the command line's own objects, which live until
-// the program ends its work. The parser behind them is kept out of this header: compiling it takes
-// seconds, and every command would.
+// A handle on one option or argument of a command. The option belongs to the command line. This
+// header does not include the parser, because that would make the compilation of every command
+// slow.
 class Option {
  public:
   Option(CLI::Option* option, HintTable* hints) : m_option(option), m_hints(hints) {}
   Option& required();
-  // What stands for the value in help texts; empty for nothing.
+  // Sets the name of the value in help texts; empty for no name.
   Option& type_name(const std::string& name);
-  // The only values there are.
+  // Sets the permitted values.
   Option& choices(const std::vector<std::string>& values);
-  // An empty value is wrong usage.
+  // Makes an empty value wrong usage.
   Option& not_empty();
-  // Words that the completion of a shell offers as the value, among others that there may be.
-  // They are asked for only when the command line is described.
+  // Sets a function for values that the completion of a shell offers. Other values are also
+  // permitted. Only CommandLine::describe calls the function.
   Option& suggests(std::function<std::vector<std::string>()> values);
-  // What else it offers, if not what the name of the value says: files for FILE and PATH,
-  // directories for DIR, also behind a "_".
+  // Sets what the completion of a shell also offers. By default the name of the value determines
+  // it: files for FILE and PATH, directories for DIR. The name may also end with "_" and one of
+  // these words.
   Option& completes(Completion what);
 
  private:
@@ -49,7 +50,8 @@ class Option {
   HintTable* m_hints;
 };
 
-// A command, or the program itself. What options write to has to outlive the parsing.
+// A handle on a command, or on the program itself. The variables of options must exist until the
+// command line is parsed.
 class Command {
  public:
   Command(CLI::App* app, HintTable* hints) : m_app(app), m_hints(hints) {}
@@ -57,17 +59,17 @@ class Command {
   Option add_option(const std::string& name, std::string& value, const std::string& help);
   Option add_option(const std::string& name, std::vector<std::string>& values,
                     const std::string& help);
-  // An option that may be given several times, with one value each time.
+  // Adds an option that may be given several times, with one value each time.
   Option add_repeated(const std::string& name, std::vector<std::string>& values,
                       const std::string& help);
   Option add_flag(const std::string& name, bool& value, const std::string& help);
   void footer(const std::string& text);
-  // Called when the command line names this command.
+  // Sets a function that is called when the command line names this command.
   void callback(std::function<void()> function);
-  // Options that this command does not know are looked for in the one above.
+  // Makes this command accept the options of the command above it.
   void fallthrough();
   bool has_subcommand(const std::string& name) const;
-  // Whether the command line named this command.
+  // Returns whether the command line named this command.
   bool parsed() const;
 
  private:
@@ -75,7 +77,7 @@ class Command {
   HintTable* m_hints;
 };
 
-// The command line as a whole.
+// The complete command line.
 class CommandLine {
  public:
   enum class Outcome { Parsed, Answered, Wrong };
@@ -88,15 +90,16 @@ class CommandLine {
   Command program();
   void version(const std::string& text);
   std::string help() const;
-  // All of it as data, with the program itself at the top.
+  // Returns a description of all commands and options, with the program itself as the root.
   CommandInfo describe() const;
-  // The command that was asked for, with those above it: "policies set".
+  // Returns the given command with the commands above it, for example "policies set".
   std::string commandName() const;
-  // Answered: `text` is the help or the version that was asked for. Wrong: `text` says why.
+  // Parses the arguments. If the result is Answered, `text` is the help or version text. If it is
+  // Wrong, `text` is the reason.
   Outcome parse(std::vector<std::string> arguments, std::string& text);
 
  private:
-  static constexpr std::size_t c_nameColumns = 22;  // of options and commands in help texts
+  static constexpr std::size_t c_nameColumns = 22;  // width of the names in help texts
 
   std::unique_ptr<CLI::App> m_app;
   HintTable m_hints;

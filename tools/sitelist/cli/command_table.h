@@ -6,30 +6,30 @@
 
 namespace tool {
 
-// What a value names, for those who offer values to choose from: a site of the agent's own list, or
-// several of the words that are suggested, with commas between them.
+// The kind of a value, for completion. Site is a site of the agent's own list. List is a
+// comma-separated list of the suggested words.
 enum class Completion { Nothing, File, Directory, Site, List };
 
-// An option, or an argument that is told from others by its place.
+// An option or a positional argument.
 struct OptionInfo {
-  std::vector<std::string> names;  // with their dashes; none: an argument
+  std::vector<std::string> names;  // including dashes; empty for an argument
   std::string valueName;           // empty for a flag
   std::string help;
-  bool isFlag = false;  // one with a value name takes all that follows it on the line
+  bool isFlag = false;  // a flag with a value name takes all words after it
   bool isRequired = false;
   bool isRepeatable = false;
-  std::vector<std::string> choices;      // all values there are; empty when anything may be said
-  std::vector<std::string> suggestions;  // some of the values there are
+  std::vector<std::string> choices;      // all permitted values; empty if there is no restriction
+  std::vector<std::string> suggestions;  // some of the permitted values
   Completion completes = Completion::Nothing;
 };
 
-// A command, or the program itself, in the order in which it was put together.
+// A command, or the program itself. All lists are in the order of creation.
 struct CommandInfo {
   std::string name;
   std::string description;
   std::string footer;
   std::vector<OptionInfo> arguments;
-  std::vector<OptionInfo> options;  // a command takes those of the commands above it, too
+  std::vector<OptionInfo> options;  // a command also accepts the options of the commands above it
   std::vector<CommandInfo> commands;
 };
 

@@ -7,7 +7,7 @@
 
 #include "tools/sitelist/cli/command_table.h"
 
-// Completion of a command line that is being typed.
+// Completion of the last word of a command line.
 namespace tool {
 
 // What the shell must do in addition to offering the candidates.
@@ -20,19 +20,20 @@ struct Candidate {
 };
 
 struct Answer {
-  std::vector<Candidate> candidates;  // also those without the prefix that was typed
+  std::vector<Candidate> candidates;  // may include candidates without the typed prefix
   Further further = Further::Nothing;
 };
 
-// Returns the names of the sites in a list. The list is `file` or, when this is empty, the own list
-// of the agent in `agentDirectory`. Both are as typed, and empty when the line does not have them.
+// Returns the names of the sites in a list. The list is `file` or, if that is empty, the own list
+// of the agent in `agentDirectory`. Both are unchanged values of the command line. A value that the
+// line does not have is empty.
 using SiteNames = std::function<std::vector<std::string>(const std::string& agentDirectory,
                                                          const std::string& file)>;
 
-// `words` are the words after the name of the program, without the quotes of the shell. They may
-// have any bytes. The last one is being typed. A candidate is omitted when it is not printable, or
-// when the command line would read a value as an option. Throws what `siteNames` throws, and
-// std::bad_alloc.
+// Returns the candidates for the last of `words`. `words` are the words after the name of the
+// program, without the quotes of the shell. They may have any bytes. A candidate is omitted if it
+// is not printable, or if the command line would read the value as an option. Throws the exceptions
+// of `siteNames`, and std::bad_alloc.
 Answer completionsOf(const CommandInfo& program, const std::vector<std::string>& words,
                      const SiteNames& siteNames);
 

@@ -30,7 +30,7 @@ constexpr const char* c_exitStatusHelp =
     "      have the field\n"
     "  70  an internal error, or out of memory\n";
 
-// The name of a status in the output for programs.
+// Returns the name of a status in the output for programs.
 constexpr const char* nameOf(ExitStatus status) {
   switch (status) {
     case exitSuccess:

@@ -8,16 +8,16 @@
 
 namespace tool {
 
-// Where a failure comes from, as far as it is known.
+// The origin of a failure, if it is known.
 struct FailureOrigin {
   std::string file;
-  int code = 0;  // of the library
+  int code = 0;  // result code of the library
   unsigned long line = 0;
-  unsigned long column = 0;  // both 0 where no place in a document is meant
+  unsigned long column = 0;  // line and column are 0 without a place in a document
 };
 
-// Ends a command. what() is the text; the advice says what to do next. Both are printable, and
-// both may have several lines.
+// Ends a command. what() returns the text. advice() says what the user can do next. Both are
+// printable, and both may have several lines.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitStatus status, const std::string& text, const std::string& advice,
@@ -35,7 +35,7 @@ class Failure : public std::runtime_error {
   FailureOrigin m_origin;
 };
 
-// A failure that is about a file or directory: its text is "PATH: TEXT".
+// Returns a failure about a file or directory, with the text "PATH: TEXT".
 Failure failureAt(const std::string& path, ExitStatus status, const std::string& text,
                   const std::string& advice);
 

@@ -6,18 +6,19 @@
 
 namespace tool {
 
-// More than any document may have; the library says so of what is larger than its own limit.
+// More than the limit of the library on a document, so that the library reports a document over its
+// limit.
 constexpr std::size_t c_maxInputBytes = std::size_t{128} << 20;
 
-// A document that is handed to the library from memory.
+// A document that is passed to the library in memory.
 struct Input {
   std::string name;  // for messages
   std::string bytes;
 };
 
-// Reads a file or, for "-" and without a name, standard input. Fails when it cannot be read.
+// Reads a file or, for "-" or an empty name, standard input. Fails when it cannot be read.
 Input readInput(const std::string& file);
-// The same, but returns why it cannot be read: 0 or an errno.
+// Does the same, but returns 0 or an errno.
 int tryReadInput(const std::string& file, Input& input);
 
 }  // namespace tool

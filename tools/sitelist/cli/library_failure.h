@@ -7,20 +7,21 @@
 
 namespace tool {
 
-// A result code in both its forms: "-5, 0xFFFFFFFB".
+// Returns a result code in both forms, for example "-5, 0xFFFFFFFB".
 std::string formatCode(int code);
 
-// The failure of an operation of the library on a file.
+// Returns the failure of an operation of the library on a file.
 Failure libraryFailure(const std::string& path, int code);
-// The same for a document that was handed over as bytes.
+// Does the same for a document that was passed as bytes.
 Failure libraryFailure(const std::string& name, const std::string& bytes, int code);
-// The same with a meaning, advice and exit status of its own in place of the code's. `details` are
-// more lines of the text, each with a line feed in front.
+// Does the same with a given meaning, advice and exit status. `details` are further lines of the
+// text, each after a line feed.
 Failure libraryFailure(const std::string& path, int code, ExitStatus status,
                        const std::string& meaning, const std::string& advice,
                        const std::string& details = "");
 
-// The failure to write a file, with the reason that was logged. That record is not reported again.
+// Returns the failure to write a file, with the reason from the log. The log record of this reason
+// is not printed again.
 Failure writeFailure(const std::string& path, int code, const std::string& meaning);
 
 }  // namespace tool

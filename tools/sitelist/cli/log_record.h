@@ -14,36 +14,36 @@ struct LogRecord {
   std::wstring text;
 };
 
-// Keeps log records from information level on, except those that the tool reports itself. With
-// `verbose` every message also goes to standard error as it comes. Call it again after setAgent,
-// which resets the threshold.
+// Keeps log records from information level on, except those that the tool itself reports. If
+// `verbose` is set, each message also goes to standard error immediately. Call it again after
+// setAgent, which resets the threshold.
 void recordLog(bool verbose);
 
-// What was logged so far in this process.
+// Returns the records of this process so far.
 const std::vector<LogRecord>& logRecords();
 void clearLogRecords();
 
-// How many passwords were read as empty, because the agent's key does not decrypt them, since the
-// last call.
+// Returns how many passwords were read as empty since the last call, because the agent's key cannot
+// decrypt them.
 unsigned long takeUnreadPasswords();
 
-// Shows a path of records that begins with `actual` as one that begins with `shown`.
+// Replaces the path prefix `actual` with `shown` in the text of records.
 void replaceInLog(const std::string& actual, const std::string& shown);
 
 struct LoggedReason {
   std::string reason;
-  std::string advice;  // empty when the record has none
+  std::string advice;  // may be empty
 };
 
-// Take the records away that say why `path` could not be written, or why a key file cannot be used,
-// and return what they say. Both texts are printable, and empty when there is no such record.
+// Remove the record that says why `path` could not be written, or why a key file cannot be used.
+// They return its reason and advice. Both texts are printable, and empty if there is no such
+// record.
 LoggedReason takeReasonOfWrite(const std::string& path);
 LoggedReason takeReasonOfKeyFile();
 
-// Prints the errors among the records, which nobody has seen yet without --verbose, to standard
-// error. The lines of the library's class are left out when the command succeeded, because what it
-// logs as an error need not be one for the command. After a failure, those are left out that only
-// repeat a result code.
+// Prints errors among the records to standard error. With --verbose they were already printed.
+// After a success, it omits lines of the library's class, because an error of an operation need not
+// be one of the command. After a failure, it omits lines that only repeat a result code.
 void reportLoggedErrors(bool hasSucceeded);
 
 }  // namespace tool

@@ -6,12 +6,12 @@
 
 namespace tool {
 
-// Whether the whole text is like the pattern, in which "*" stands for any characters and "?" for
-// one. Case does not count, in any script.
+// Returns whether the whole text matches the pattern. "*" matches any characters and "?" matches
+// one. Ignores case in all scripts.
 bool matchesPattern(const std::wstring& text, const std::wstring& pattern);
 
-// Names those of `known` that may have been meant by a name that is none of them, the nearest
-// first: "; did you mean A, B or C?". Empty when there is nothing near.
+// Returns a suggestion for an unknown name: "; did you mean A, B or C?", with the most similar of
+// `known` first. Returns an empty text if none is similar.
 std::string suggestion(const std::string& name, const std::vector<std::string>& known);
 
 }  // namespace tool

@@ -13,30 +13,30 @@ class Document;
 
 namespace tool {
 
-// Why a file cannot be read as a document.
+// The reason why a file cannot be read as a document.
 struct ReadError {
   ExitStatus status = exitDocument;  // or exitFile
-  const char* rule = nullptr;        // the one of `validate` that the file breaks
+  const char* rule = nullptr;        // the rule of `validate` that the file breaks
   unsigned long line = 0;
-  unsigned long column = 0;  // both 0 where no place in the document is meant
+  unsigned long column = 0;  // line and column are 0 without a place in the document
   std::string reason;        // printable, without the name of the file
   const char* advice = "";
-  int code = 0;  // of the library or the parser
+  int code = 0;  // error code of the library or the parser
 };
 
 constexpr const char* c_checkFile = "check that it is a regular file that you may read";
 
-// Why a file cannot be read, from the errno of reading it.
+// Return the reason why a file cannot be read, from the errno of the read.
 std::string readFailureReason(int systemError);
 ReadError readErrorOf(int systemError);
 
-// Reads and parses a file. Returns why it is not a document, if it is not.
+// Reads and parses a file. If it is not a document, returns the reason.
 std::optional<ReadError> readDocument(const std::string& path, std::wstring& text,
                                       std::unique_ptr<AdvXMLParser::Document>& document);
-// Reads and parses a file to see why an operation of the library refused it with this code. Nothing
-// when it can be read now.
+// Reads and parses a file to find the reason why an operation of the library returned `code`.
+// Returns nothing if the file can now be read.
 std::optional<ReadError> findReadError(const std::string& path, int code = 0);
-// The same for the bytes of a document.
+// Does the same for the bytes of a document.
 std::optional<ReadError> findReadErrorInBytes(const std::string& bytes, int code = 0);
 
 }  // namespace tool

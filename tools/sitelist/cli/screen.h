@@ -6,12 +6,12 @@
 
 namespace tool {
 
-// Styles that can be read on light and on dark ground.
+// Styles that are readable on light and dark backgrounds.
 enum class Style { Plain, Heading, Dim, Good, Bad, Changed };
 
-// Where the form for people goes.
+// The output device of the table format.
 struct Screen {
-  std::size_t columns = 0;  // 0: lines may be as long as they like
+  std::size_t columns = 0;  // the width; 0: no limit
   bool color = false;
 
   std::string styled(Style style, const std::string& text) const;
@@ -19,8 +19,9 @@ struct Screen {
 
 enum class ColorChoice { Auto, Always, Never };
 
-// Standard output: lines are bounded on a terminal only, and there is colour on a terminal only
-// unless `choice` says otherwise or the environment has a NO_COLOR that is not empty.
+// Returns the properties of standard output. The width is limited only on a terminal. `choice`
+// determines the colour. With Auto there is colour only on a terminal, and only if NO_COLOR is
+// unset or empty.
 Screen standardOutput(ColorChoice choice);
 
 }  // namespace tool

@@ -9,13 +9,14 @@
 
 namespace tool {
 
-// Rows of texts from documents, printed in columns that line up in every script.
+// A table of texts from documents. The columns are aligned in all scripts.
 class Table {
  public:
   explicit Table(std::vector<std::wstring> headings);
-  // As many cells as headings; an empty one is printed as "-".
+  // Adds a row with as many cells as headings. An empty cell is printed as "-".
   void add(std::vector<std::wstring> cells, Style style = Style::Plain);
-  // On a screen that is too narrow, the longest texts are cut and end in an ellipsis.
+  // Prints the table. If the screen is too narrow, the longest texts are cut and end in an
+  // ellipsis.
   void print(std::ostream& out, const Screen& screen) const;
 
  private:

@@ -9,16 +9,16 @@ namespace tool {
 std::wstring wide(const std::string& utf8);
 std::string narrow(const std::wstring& text);
 
-// The text in a form that does nothing to a terminal: control characters, and the invisible ones
-// that turn the direction of writing, become \uXXXX.
+// Returns the text in a form that cannot control a terminal. Control characters and invisible
+// characters for the writing direction become \uXXXX.
 std::wstring printable(const std::wstring& text);
 std::string shown(const std::wstring& text);
 std::string shown(const std::string& utf8);
 
-// The text with what differs only in case made the same.
+// Returns the text in a form in which texts that differ only in case are equal.
 std::wstring caseFolded(const std::wstring& text);
 
-// How many columns of a terminal a printable text takes.
+// Returns the number of terminal columns of a printable text.
 std::size_t columnsOf(const std::wstring& text);
 
 }  // namespace tool

@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// Each adds its command, which lives in the source file of that name, to the command line.
+// Each function adds one command to the command line. The source file of the command has its name.
 void addInit(Command& app, Context& context);
 void addShow(Command& app, Context& context);
 void addGet(Command& app, Context& context);

@@ -10,13 +10,13 @@
 
 namespace tool {
 
-// The command line of the tool with all its options and commands, which put what they read into the
-// context.
+// Makes the command line of the tool with all options and commands. Their values are stored in
+// `context`.
 std::unique_ptr<CommandLine> makeCommandLine(Context& context);
 
-// The same with no other commands than those whose names are among `words`, because most of what a
-// short command takes would be the making of all others. A line of these words that it parses means
-// the same to the whole command line; of any other line only that one can say what is wrong.
+// Makes a command line with only those commands whose names are in `words`. It saves most of the
+// time of a short command. A line that it can parse means the same on the complete command line.
+// For any other line, only the complete command line gives the correct message.
 std::unique_ptr<CommandLine> makeCommandLineFor(const std::vector<std::string>& words,
                                                 Context& context);
 

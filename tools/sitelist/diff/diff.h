@@ -9,18 +9,18 @@
 
 namespace tool {
 
-// What happens to a file that comes with a list.
+// A change of a file that comes with a list.
 struct FileChange {
   std::string name;
   std::string change;  // "added", "changed", "removed" or "unchanged"
 };
 
-// In what one list differs from another.
+// The differences between two lists.
 class Diff {
  public:
   Diff(const SiteList& before, const SiteList& after, bool showSecrets);
 
-  // To be told with the lists' own differences.
+  // Adds the changes of files to the differences.
   void add(const std::vector<FileChange>& files);
 
   bool isEmpty() const { return m_rows.empty(); }
@@ -30,7 +30,7 @@ class Diff {
 
  private:
   struct Section {
-    std::string name;  // as in the rows
+    std::string name;  // the value in the rows
     std::size_t unchanged = 0;
     bool isUsed = false;
   };

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-// A section of a diff that has something to tell, and how many things in it did not change.
+// A section of a diff that is printed, with the number of unchanged things in it.
 struct DiffSection {
   std::string name;
   std::size_t unchanged;

@@ -5,21 +5,22 @@
 
 namespace tool {
 
-// The file next to a list that has the content before an edit.
+// Returns the path of the backup of a list. It is next to the list and has the content before an
+// edit.
 std::string backupPath(const std::string& list);
 
-// Makes the backup, with the list's mode and owner. Fails when it cannot be written, and then the
-// backup that was there is as it was.
+// Writes the backup, with the mode and owner of the list. Fails when it cannot be written; the old
+// backup is then unchanged.
 void writeBackup(const std::string& list, const std::string& bytes);
 
-// The backup's bytes. Fails when there is none.
+// Returns the content of the backup. Fails when there is none.
 std::string readBackup(const std::string& list);
 
-// Puts the bytes of the backup in the list's place. Fails when they cannot be written, and then the
-// list is as it was.
+// Replaces the list with the content of the backup. Fails when it cannot be written; the list is
+// then unchanged.
 void putBack(const std::string& list, const std::string& bytes);
 
-// The bytes of a list; false when it cannot be read.
+// Reads the bytes of a list. Returns false when it cannot be read.
 bool readBytes(const std::string& list, std::string& bytes);
 
 }  // namespace tool

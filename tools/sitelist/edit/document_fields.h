@@ -12,37 +12,37 @@ namespace tool {
 using sitehlp::FieldForm;
 using sitehlp::FieldPlace;
 
-// Whether a new site has the attribute or child element without being given a value, too.
+// Whether a new site always has the attribute or child element, or only if its value is given.
 enum class Presence { Always, WhenGiven };
 
-// How a field of a record, by the name that it has in the output, stands in a document.
+// The form of a record's field in a document. `name` is the name of the field in the output.
 struct DocumentField {
-  const char* name;  // null: an attribute that is written and never read
+  const char* name;  // null for an attribute that is written but never read
   FieldForm form;
   FieldPlace place;
   const wchar_t* xmlName;
-  const wchar_t* initial;  // what a new site has
-  std::int64_t limit = 0;  // the most characters or the greatest number
+  const wchar_t* initial;  // value in a new site
+  std::int64_t limit = 0;  // largest number of characters, or largest number
   Presence presence = Presence::Always;
 };
 
-// How a site of a kind stands in a document.
+// The form of the sites of one kind in a document.
 struct DocumentKind {
   const char* name;
   const wchar_t* element;
   std::vector<DocumentField> fields;  // in the order in which the library writes them
 };
 
-// Null for a kind that is none.
+// Returns null for an unknown kind.
 const DocumentKind* findKind(const std::string& name);
 const DocumentField* findField(const DocumentKind& kind, const std::string& name);
 
 std::vector<std::string> kinds();
-std::string kindNames();  // with "," between them
+std::string kindNames();  // separated by ","
 
-// The fields of a kind that can be set, in lines that begin with `indent`.
+// Returns lines with the fields of a kind that can be set. Each line begins with `indent`.
 std::string fieldNames(const DocumentKind& kind, const std::string& indent);
-// The same for every kind, for the help.
+// Returns these lines for every kind, for the help.
 std::string fieldHelp();
 
 }  // namespace tool

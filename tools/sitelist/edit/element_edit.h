@@ -6,11 +6,11 @@
 
 namespace tool {
 
-// Puts a value into the element of a site, where the library reads it from. Of several children of
-// a name that is the last one.
+// Writes a value to the place in the element of a site from which the library reads it. If a child
+// element is repeated, that is the last one.
 void writeField(const AnXmlNode& site, const NewValue& newValue);
 
-// The protected text that the element has for the password.
+// Returns the encrypted text of the password in the element.
 std::wstring protectedTextOf(const AnXmlNode& site, const DocumentField& password);
 
 }  // namespace tool

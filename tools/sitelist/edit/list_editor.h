@@ -10,40 +10,42 @@
 
 namespace tool {
 
-// Fails when a file cannot be edited as a site list: it is missing or no document, its root is not
-// that of a site list, or it has no "SiteList". The operations that edit documents only say no.
+// Fails with the reason why a file cannot be edited as a site list. The file is missing, is not a
+// document, has another root or has no "SiteList". The edit operations of the library do not give
+// this reason.
 void failIfNotEditable(const std::string& path);
 
-// A list that is being edited: its document and, to each site element, the record that the library
-// read from it. It notes every change, so that a reading of the changed document can be held
-// against what was meant. Handles and records stay valid as long as the object and its list.
+// A list that is being edited. It has the document and, for each site element, the record that the
+// library read from it. It stores every change, so that isAsMeant can compare the changes with a
+// new read of the document. Handles and records are valid as long as the object and its list.
 class ListEditor {
  public:
   struct Entry {
     AnXmlNode element;
-    const sitehlp::tag_Site* record = nullptr;  // null for a site that was added
+    const sitehlp::tag_Site* record = nullptr;  // null for a new site
     std::vector<NewValue> changes;
     bool isRemoved = false;
   };
 
-  // `list` was read from the file; it outlives the object. Fails when the file cannot be edited.
+  // `list` must be the content of the file and outlive the object. Fails when the file cannot be
+  // edited.
   explicit ListEditor(const SiteList& list);
 
   const std::string& path() const { return m_list.path; }
   std::vector<Entry>& entries() { return m_entries; }
 
-  // Gives a field its value. Reads the site as the library does, so that nothing changes when the
-  // value is there in another form.
+  // Sets a field. Reads the site in the same way as the library, so a value in another form is not
+  // changed.
   void set(Entry& entry, const NewValue& value);
-  // Adds a site with these values, which are all that its element gets, in their order.
+  // Adds a site. Its element gets exactly these values, in this order.
   void add(const wchar_t* element, const std::vector<NewValue>& values);
   void remove(Entry& entry);
 
   bool isChanged() const { return m_isChanged; }
   bool write(const std::string& path) const;
 
-  // Whether a reading of the changed document holds every change and, in all other sites, nothing
-  // new.
+  // Returns whether `after`, read from the changed document, has every change and no other
+  // differences.
   bool isAsMeant(const SiteList& after) const;
 
  private:

@@ -8,18 +8,18 @@
 
 namespace tool {
 
-// What a command line names a site by.
+// The name and kind of a site on the command line.
 struct SiteName {
   std::string name;
-  std::string kind;  // empty: any
+  std::string kind;  // empty for any kind
 };
 
 std::vector<ListEditor::Entry*> sitesNamed(ListEditor& list, const SiteName& name);
 
-// The one site of that name. Fails when there is none, and when there are several.
+// Returns the only site of that name. Fails when there is none or more than one.
 ListEditor::Entry& siteNamed(ListEditor& list, const SiteName& name);
 
-// http "Depot"; without a kind: site "Depot"
+// Returns the kind and name for messages, for example: http "Depot". Without a kind: site "Depot".
 std::string titleOf(const SiteName& name);
 std::string titleOf(const sitehlp::tag_Site& site);
 

@@ -10,43 +10,43 @@
 
 namespace tool {
 
-// A password that goes into a field: both forms outlive what is made of it.
+// A password for a field. The texts must outlive every NewValue with this password.
 struct GivenPassword {
   std::string field;
   const std::wstring* clear = nullptr;
   const std::wstring* protectedText = nullptr;
 };
 
-// A value that a field of a site is to have.
+// A new value of a site's field.
 struct NewValue {
   const DocumentField* field;
-  std::wstring text;                    // as it goes into the document
-  const std::wstring* clear = nullptr;  // of a password
+  std::wstring text;                    // the text in the document
+  const std::wstring* clear = nullptr;  // the clear text of a password
 
   std::int64_t number() const;
-  // As a record has it; a text stays in this object.
+  // Returns the value in the form of a record's field. A text remains in this object.
   Field recordField() const;
 };
 
-// What a new site has in the field.
+// Returns the value of the field in a new site.
 NewValue initialValue(const DocumentField& field);
 
 NewValue numberValue(const DocumentField& field, std::int64_t number);
 
-// A text is checked as the value of the field. Fails when it is none.
+// Converts a text to a value of the field. Fails when the text is not valid for the field.
 NewValue textValue(const DocumentField& field, const std::string& value);
 
-// Whether the record has the value.
+// Returns whether the record has the value.
 bool hasValue(const sitehlp::tag_Site& site, const NewValue& value);
 
-// Understands each FIELD=VALUE for a site of that kind, and the password if one is given. Fails for
-// a field that cannot be set, with the list of those that can, and for a value that is none.
+// Parses each FIELD=VALUE for a site of that kind, and adds the password if one is given. Fails for
+// a value that is not valid. Also fails for a field that cannot be set, and lists those that can.
 std::vector<NewValue> newValues(const DocumentKind& kind,
                                 const std::vector<std::string>& assignments,
                                 const GivenPassword& password);
 
-// Fails when the port of a proxy is given without its server, which neither the values nor the
-// record, if there is one, have: the reader takes both or none.
+// Fails when the port of a proxy is given, but neither the values nor the record have its server.
+// The library reads a proxy only with both. `record` may be null.
 void refusePortAlone(const sitehlp::tag_Site* record, const std::vector<NewValue>& values);
 
 }  // namespace tool

@@ -8,29 +8,30 @@
 
 namespace tool {
 
-// What to tell about an edit: one text for a list that it changed, one for a list that had all that
-// was asked for before.
+// Messages about an edit: `done` if it changed the list, `already` if the list already had all
+// values.
 struct Outcome {
   std::string done;
   std::string already;
 };
 
-// Each makes one edit. An edit that cannot be made fails before anything is changed.
+// Each function makes one edit. If it fails, it has changed nothing.
 Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled);
 Outcome setFields(ListEditor& list, const SiteName& name,
                   const std::vector<std::string>& assignments, const GivenPassword& password);
-// The kind is one that there is.
+// The kind must be a known one.
 Outcome addSite(ListEditor& list, const SiteName& name, const std::vector<std::string>& assignments,
                 const GivenPassword& password);
 Outcome removeSite(ListEditor& list, const SiteName& name);
 Outcome renameSite(ListEditor& list, const SiteName& name, const std::string& newName);
 
-// `place`: "first", "last" or a position counted from 1; or "before" or "after" another site.
+// `place` is "first", "last", a position from 1, "before" or "after". `other` is the name of the
+// site for the last two.
 Outcome moveSite(ListEditor& list, const SiteName& name, const std::string& place,
                  const std::string& other);
 
-// Whether the site has a place in the search order: no proxy, no mirror, and no fallback that has
-// none.
+// Returns whether the site has a place in the search order. A proxy, a mirror, and a fallback
+// without an order have none.
 bool hasPlace(const sitehlp::tag_Site& site);
 
 }  // namespace tool

@@ -12,17 +12,17 @@
 namespace tool {
 
 struct EditOptions {
-  std::string file;  // empty: the agent's own list
+  std::string file;  // empty for the agent's own list
   bool dryRun = false;
   bool backup = false;
-  bool force = false;  // also when the change adds faults
+  bool force = false;  // writes a list with new faults, too
 };
 
-// Access to a list for reading, changing and writing it in one piece, under its lock unless nothing
-// is to be written. Meanwhile a private agent is served.
+// Access to a list for reading, changing and writing it as one operation. Holds the lock of the
+// list, except for a dry run. Meanwhile the process serves a private agent.
 class ListAccess {
  public:
-  // Fails when the lock cannot be taken in time.
+  // Fails when the lock cannot be taken within the time of --wait.
   ListAccess(const Context& context, const EditOptions& options);
 
   const std::string& path() const { return m_path; }
@@ -30,7 +30,7 @@ class ListAccess {
   void requireUnchanged() const {
     if (m_lock) m_lock->requireUnchanged();
   }
-  // For a draft that nobody else sees; it goes away with the object.
+  // Returns the path for a draft in the private agent. The destructor removes the draft.
   std::string draftPath() const { return m_private->directory() + "/SiteList.xml"; }
 
  private:
@@ -39,12 +39,13 @@ class ListAccess {
   std::optional<PrivateAgent> m_private;
 };
 
-// Makes an edit, or says what it would change. Nothing is written unless the changed document reads
-// as the edit meant it, nor without `force` when the edit adds a fault. Gives the exit status.
+// Makes an edit or, in a dry run, prints what it would change. The list is written only if a read
+// of the changed document gives the result of the edit. An edit that adds a fault to the list is
+// refused unless `force` is set. Returns the exit status.
 int performEdit(Context& context, const EditOptions& options,
                 const std::function<Outcome(ListEditor&)>& edit);
 
-// Puts the list back as the last edit with a backup found it.
+// Replaces the list with the backup of the last edit with a backup. Returns the exit status.
 int restoreBackup(Context& context, const EditOptions& options);
 
 }  // namespace tool

@@ -8,23 +8,23 @@
 
 namespace tool {
 
-// How a host is reached, and why.
+// The way in which a host is reached, and the reason.
 struct Route {
   bool isDirect = true;
-  std::string proxy;   // "HOST:PORT" or "system settings"; empty when it is direct
+  std::string proxy;   // "HOST:PORT" or "system settings"; empty without a proxy
   std::string reason;  // printable
 };
 
-// What a list's proxy settings mean for hosts. The first proxy record of a list counts.
+// The effect of a list's proxy settings on hosts. Only the first proxy record of a list is used.
 class ProxyChoice {
  public:
   explicit ProxyChoice(const sitehlp::tag_Site* list);
 
-  // Null when the list has no proxy settings.
+  // Returns null when the list has no proxy settings.
   const sitehlp::tag_ProxySite* settings() const { return m_settings; }
-  // "none", "system" or "manual".
+  // Returns "none", "system" or "manual".
   const char* mode() const;
-  std::string httpProxy() const;  // "HOST:PORT", empty for none
+  std::string httpProxy() const;  // "HOST:PORT", or empty
   std::string ftpProxy() const;
   std::vector<std::wstring> exclusions() const;
 

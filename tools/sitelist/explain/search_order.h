@@ -8,14 +8,15 @@
 
 namespace tool {
 
-// A site's place in the agent's search.
+// The place of a site in the search order.
 struct SearchPlace {
   const sitehlp::tag_Site* site;
-  int number;          // from 1; 0: the agent does not try it
+  int number;          // from 1; 0 if the agent does not try it
   std::string reason;  // printable
 };
 
-// The repositories of a list, first those that the agent tries, in that order, then the others.
+// Returns the repositories of a list: first those that the agent tries, in their order, then the
+// others.
 std::vector<SearchPlace> searchOrder(const sitehlp::tag_Site* list);
 
 }  // namespace tool

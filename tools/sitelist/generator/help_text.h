@@ -7,21 +7,21 @@
 
 namespace tool {
 
-// A piece of a help text, which is plain text for a terminal.
+// A part of a help text. Help texts are plain text for a terminal.
 struct HelpBlock {
   enum class Kind { Paragraph, Literal, Definitions };
 
   Kind kind = Kind::Paragraph;
-  bool isApart = false;            // an empty line stands before it
-  std::vector<std::string> lines;  // of a literal text; of a paragraph one, not broken
+  bool isApart = false;            // there is an empty line before it
+  std::vector<std::string> lines;  // all lines of a literal text, or one long line of a paragraph
   std::vector<std::pair<std::string, std::string>> definitions;
 };
 
-// Takes a help text apart: lines at the margin are paragraphs; indented ones are definitions when
-// each has two columns, and are meant as they stand when not.
+// Divides a help text into parts. Lines without an indent are paragraphs. Indented lines are
+// definitions if each has two columns; otherwise they are literal text.
 std::vector<HelpBlock> helpBlocks(const std::string& text);
 
-// The text as one line.
+// Returns the text as one line.
 std::string unbroken(const std::string& text);
 
 }  // namespace tool

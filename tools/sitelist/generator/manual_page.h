@@ -12,19 +12,19 @@ namespace tool {
 // A manual page in the mdoc language.
 class ManualPage {
  public:
-  // `date` is written as in "May 1, 2001"; `description` has no full stop.
+  // `date` has a form as in "May 1, 2001". `description` has no full stop.
   ManualPage(const std::string& name, int section, const std::string& date,
              const std::string& description);
 
   void section(const std::string& title);
   void subsection(const std::string& title);
-  // A line of macros, written as it stands.
+  // Adds a line of macros without changes.
   void macro(const std::string& line);
-  // Continues the paragraph that is open.
+  // Continues the current paragraph.
   void text(const std::string& text);
   void paragraph(const std::string& text);
   void literal(const std::vector<std::string>& lines);
-  // In two columns.
+  // Adds a list in two columns.
   void definitions(const std::vector<std::pair<std::string, std::string>>& pairs);
   void help(const std::vector<HelpBlock>& blocks);
   void beginList();
@@ -35,7 +35,7 @@ class ManualPage {
 
  private:
   std::string m_source;
-  bool m_isOpening = true;  // nothing stands under the heading yet
+  bool m_isOpening = true;  // there is no text below the heading yet
 };
 
 }  // namespace tool

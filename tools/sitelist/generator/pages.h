@@ -7,12 +7,12 @@
 
 namespace tool {
 
-// Manual pages, as their source. `date` is written as in "May 1, 2001".
+// Return the source of a manual page. `date` has a form as in "May 1, 2001".
 std::string toolPage(const CommandInfo& program, const std::string& date);
 std::string settingsPage(const std::string& date);
-// The JSON Schema of what the tool prints, with the fields of a site put into it.
+// Returns the JSON Schema of the tool's output: `schema` with the fields of a site added.
 std::string completeSchema(const std::string& schema);
-// `schema` is what completeSchema made.
+// `schema` must be a result of completeSchema.
 std::string schemaPage(const std::string& schema, const std::string& date);
 
 }  // namespace tool

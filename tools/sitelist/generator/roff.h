@@ -5,11 +5,11 @@
 
 namespace tool {
 
-// A text whose characters have no special meaning.
+// Returns a text whose characters have no special meaning.
 std::string roffLiteral(const std::string& text);
 
-// Running text, broken into lines of the source; options, and what stands between backticks, come
-// out bold.
+// Returns running text, divided into lines of the source. Options and text between backticks become
+// bold.
 std::string roffText(const std::string& text);
 
 }  // namespace tool

@@ -6,18 +6,19 @@
 
 namespace tool {
 
-// What a certificate says, as printable text.
+// The content of a certificate, as printable text.
 struct Certificate {
   std::string subject;
   std::string issuer;
-  std::string fingerprint;  // SHA-256 in pairs of hexadecimal digits with ":" between them
+  std::string fingerprint;  // SHA-256: pairs of hexadecimal digits, separated by ":"
   std::string notBefore;
   std::string notAfter;
-  int daysLeft = 0;  // whole days; negative when it expired a day ago or earlier
+  int daysLeft = 0;  // whole days; negative from one day after the expiry
   bool isExpired = false;
 };
 
-// Reads a certificate in PEM form, or as bare base64 of its DER form. Nothing when it is neither.
+// Reads a certificate in PEM form, or as base64 of its DER form. Returns nothing for any other
+// text.
 std::optional<Certificate> readCertificate(const std::wstring& text);
 
 }  // namespace tool

@@ -11,7 +11,7 @@
 
 namespace tool {
 
-// A place in a document: line and character, both from 1, or both 0 for none.
+// A place in a document: line and character. Both count from 1, or are 0 for no place.
 struct Place {
   unsigned long line = 0;
   unsigned long column = 0;
@@ -23,18 +23,19 @@ struct PlacedElement {
   Place place;
   std::vector<PlacedElement> children;
 
-  // The first child of that name; null when there is none.
+  // Returns the first child with that name, or null.
   const PlacedElement* child(const wchar_t* name) const;
-  // The value of an attribute, empty without one.
+  // Returns the value of an attribute, or an empty text.
   std::wstring attribute(const wchar_t* name) const;
-  // The value of the last child of that name, which is the one that counts; empty without one.
+  // Returns the value of the last child with that name, or an empty text. The library uses the last
+  // one.
   std::wstring lastValue(const wchar_t* name) const;
 };
 
-// A document whose elements know their places.
+// A document with the places of its elements.
 class PlacedDocument {
  public:
-  // Reads a file. Returns what is wrong with it when it is not a document.
+  // Reads a file. If it is not a document, returns the reason.
   std::optional<ReadError> read(const std::string& path);
   const PlacedElement& root() const { return m_root; }
 

@@ -8,30 +8,31 @@
 
 namespace tool {
 
-// Which sites of a list are meant, and in which order.
+// The selection of sites from a list, and their order.
 struct Selection {
-  std::vector<std::string> filters;  // each "[kind=|type=|name=]PATTERN"; all have to match
-  std::string sort;                  // a column, with "-" in front for the descending order
+  std::vector<std::string> filters;  // each "[kind=|type=|name=]PATTERN"; all must match
+  std::string sort;                  // a column; "-" before it means descending order
 };
 
-// Whether the site's kind, type or name matches all the filters; case is ignored.
+// Returns whether the site matches all filters by its kind, type or name. Ignores case.
 bool isSelected(const sitehlp::tag_Site& site, const Selection& selection);
 
-// Fails when a filter has a "KEY=" of another key in front.
+// Fails when a filter begins with "KEY=" and the key is unknown.
 void requireFilterKeys(const Selection& selection);
 
-// The selected sites by the column asked for; without one in the order of the list.
+// Returns the selected sites, sorted by the given column. Without a column they are in the order of
+// the list.
 std::vector<const sitehlp::tag_Site*> select(const sitehlp::tag_Site* list,
                                              const Selection& selection);
 
-// Sites by their place in the search order; those without one come last.
+// Sorts sites by the search order. Sites without a place in it come last.
 void sortBySearchOrder(std::vector<const sitehlp::tag_Site*>& sites);
 
-// The names that columns can have: those of the table for people, then the fields.
+// Returns the names of all columns: those of the table format, then the fields.
 std::vector<std::string> columnNames();
-// The text of a column. Fails when there is none of that name.
+// Returns the text of a column. Fails when there is no such column.
 std::wstring cellOf(const sitehlp::tag_Site& site, const std::string& column, bool showSecrets);
-// Fails with the names that there are.
+// Fails when there is no such column, and lists the names.
 void requireColumn(const std::string& name);
 
 }  // namespace tool

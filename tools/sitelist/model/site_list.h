@@ -18,61 +18,62 @@ struct FreeSites {
 };
 using Sites = std::unique_ptr<sitehlp::tag_Site, FreeSites>;
 
-// All that the library reads from one site list file.
+// Everything that the library reads from one site list file.
 struct SiteList : sitehlp::ListContents {
   std::string path;
-  int result = 0;  // of reading the sites
+  int result = 0;  // of the read of the sites
   Sites sites;
 };
 
-// Reads what can be read; `result` tells how that went. Takes the lock of the agent that is served.
+// Reads everything that can be read. `result` has the result code. Takes the lock of the served
+// agent.
 SiteList readSiteList(const std::string& path);
-// The same; fails when the result is not 0.
+// Does the same. Fails when the result code is not 0.
 SiteList readWholeSiteList(const std::string& path);
 
-// Writes the sites with all else that `list` holds. Empty versions are left to the library.
+// Writes the sites and the other content of `list`. The library replaces empty versions.
 void writeSiteList(SiteList& list, const std::string& path);
 
-// The list as it reads when it has been written, which is not always as it was; `scratch` is where
-// that is tried. `path` is kept.
+// Returns the list that a read would give after `list` was written. It can differ from `list`.
+// Writes it to `scratch`, but the result has the path of `list`.
 SiteList asWritten(SiteList& list, const std::string& scratch);
 
-// 'there is no site "Depot"'; with a kind: 'there is no site "Depot" of kind http'.
+// Returns 'there is no site "Depot"' or, with a kind, 'there is no site "Depot" of kind http'.
 std::string missingSite(const std::string& name, const std::string& kind);
 
-// "1 entry", "2 entries".
+// Returns, for example, "1 entry" or "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);
 
-// "server", "agent", "http", "ftp", "unc", "local", "proxy", or "unknown" for an element that the
-// library does not know.
+// Returns "server", "agent", "http", "ftp", "unc", "local" or "proxy". Returns "unknown" for an
+// element that the library does not know.
 const char* kindOf(const sitehlp::tag_Site& site);
 const wchar_t* nameOf(const sitehlp::tag_Site& site);
 
-constexpr const wchar_t* c_fallbackType = L"fallback";  // in any case
-// What the library reads for the order of a fallback that has none.
+constexpr const wchar_t* c_fallbackType = L"fallback";  // case is ignored
+// The order that the library reads for a fallback without an order.
 constexpr std::int32_t c_orderOfFallback = 65535;
 
 constexpr long c_maxPort = 65535;
 
 struct Field {
   const char* name;
-  std::variant<bool, std::int64_t, const wchar_t*> value;  // a text stays in the record
+  std::variant<bool, std::int64_t, const wchar_t*> value;  // a text belongs to the record
   bool isSecret = false;
 };
 
-// The fields of a record under plain names, those common to all kinds first.
+// Returns the fields of a record by their names, beginning with those of all kinds.
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
 
-// Whether the key of the agent served opens the protected form of a password.
+// Returns whether the password key of the served agent decrypts an encrypted password.
 bool opensWithAgentKey(const std::wstring& protectedText);
 
-// The names of the sites with a password that the key of the agent served does not open. The reader
-// gives such a password as an empty one.
+// Returns the names of the sites with a password that the password key of the served agent cannot
+// decrypt. The library reads such a password as an empty one.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
-// Warns of the passwords of `path` that were just read as empty for that reason, if any were.
+// Warns about the passwords of `path` that the last read gave as empty for that reason.
 void warnOfUnreadPasswords(const std::string& path, bool isOwnList);
-// Fails when there are such sites, because writing the list would lose their passwords.
+// Fails when there are such sites, because their passwords would be lost when the list is written.
 void refuseLostPasswords(const std::string& path);
 
 }  // namespace tool

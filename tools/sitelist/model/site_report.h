@@ -10,20 +10,20 @@
 
 namespace tool {
 
-// Replaces a password that is not empty.
+// Printed instead of a password that is not empty.
 constexpr const char* c_mask = "********";
 
-// A site's kind and fields, as the output for programs has them.
+// Returns the kind and fields of a site for the output for programs.
 Record recordOf(const sitehlp::tag_Site& site, bool showSecrets);
 Scalar scalarOf(const Field& field, bool showSecrets);
 
-// The names of the fields of all kinds, "kind" first.
+// Returns the names of the fields of all kinds, beginning with "kind".
 const std::vector<std::string>& siteFieldNames();
 
-// What the list as a whole says of itself.
+// Returns the facts about the list as a whole.
 Record listFacts(const SiteList& list);
 
-// Columns of the tables for people that are no fields: where the site is, and whether it is on.
+// Columns of the table format that are not fields: order, address and path of a site.
 std::wstring orderOf(const sitehlp::tag_Site& site);
 std::wstring addressOf(const sitehlp::tag_Site& site);
 std::wstring pathOf(const sitehlp::tag_Site& site);

@@ -10,22 +10,22 @@
 
 namespace tool {
 
-// What the command line says, apart from a command's own options, and what the command answers.
+// The options that all commands share, and the result of the command.
 struct Context {
   std::string agentDirectory;
   bool verbose = false;
   std::string format = "table";
-  bool json = false;  // the short way to say that the format is "json"
+  bool json = false;  // the same as format "json"
   std::string color = "auto";
-  std::string wait = "10";               // how long to wait for locks, in seconds
-  unsigned int waitMilliseconds = 0;     // the same, once it is known to be a number
-  std::vector<std::string> meshCommand;  // of `init`: all behind --mesh-command
-  std::string command;                   // the name of the one that was asked for
-  std::function<int()> action;           // does it; gives the exit status
-  std::optional<Report> report;          // what the action has to tell, also when it fails
+  std::string wait = "10";               // longest wait for locks, in seconds
+  unsigned int waitMilliseconds = 0;     // the same as a number, once it is checked
+  std::vector<std::string> meshCommand;  // for `init`: all words after --mesh-command
+  std::string command;                   // the name of the given command
+  std::function<int()> action;           // runs the command; returns the exit status
+  std::optional<Report> report;          // the result of the action, also after a failure
 };
 
-// The form that the output is to have.
+// Returns the format of the output.
 Format formatOf(const Context& context);
 
 }  // namespace tool

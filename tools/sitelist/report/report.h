@@ -15,30 +15,31 @@ namespace tool {
 
 class Failure;
 
-// Goes up when a name of the output for programs goes away or means something else.
+// Must be raised when a name in the output for programs is removed or changes its meaning.
 constexpr int c_schemaVersion = 1;
 
-// One value; texts are UTF-8 as the document has them, made harmless by whoever prints them.
+// One value. Texts are UTF-8, unchanged from the document. The code that prints them must make them
+// printable.
 using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string>;
 using Record = std::vector<std::pair<std::string, Scalar>>;
 
-// What a command has to tell, in every form: single facts, and rows of one kind. The names are part
-// of the tool's interface.
+// The result of a command in every format: facts, and rows of one kind. The names are part of the
+// tool's interface.
 struct Report {
   Record facts;
-  std::string rowsName;              // empty: there are no rows
-  std::string rowName;               // of a single row, in XML
-  std::vector<std::string> columns;  // every name that a row may have
-  std::vector<Record> rows;          // a row leaves out what does not apply to it
-  std::string writtenRows;           // those behind them that have the form asked for already
-  // The form for people.
+  std::string rowsName;              // empty without rows
+  std::string rowName;               // of one row, in XML
+  std::vector<std::string> columns;  // all names that a row may have
+  std::vector<Record> rows;          // a row omits values that do not apply
+  std::string writtenRows;           // further rows, already in the output format
+  // Prints the report as a table for people.
   std::function<void(std::ostream&, const Screen&)> table;
 };
 
 enum class Format { Table, Json, Csv, Xml };
 
-// Writes rows into `Report::writtenRows` as they come, so that there need not be more than one of
-// them at a time. The form for people has none.
+// Appends rows to `Report::writtenRows`, so that only one of them at a time is in memory. The table
+// format does not use it.
 class RowWriter {
  public:
   RowWriter(Format format, Report& report) : m_format(format), m_report(report) {}
@@ -50,36 +51,36 @@ class RowWriter {
   Report& m_report;
 };
 
-// How a command ended.
+// The end of a command.
 struct Ending {
   std::string command;
   int status = 0;
   const Failure* failure = nullptr;
 };
 
-// Prints a report in a form for programs. `report` may be null: the command had nothing to tell.
+// Print a report in a format for programs. `report` may be null if the command has no result.
 void printJson(std::ostream& out, const Report* report, const Ending& ending);
 void printXml(std::ostream& out, const Report* report, const Ending& ending);
-// The rows or, in a report without rows, name and value of every fact. One line each, whatever the
-// texts hold.
+// Prints the rows or, without rows, the name and value of every fact. Each takes one line, for any
+// text.
 void printCsv(std::ostream& out, const Report& report);
 
-// Each appends one row to those that `rows` holds.
+// Each function appends one row to `rows`.
 void appendJsonRow(std::string& rows, const Record& row);
 void appendXmlRow(std::string& rows, const std::string& name, const Record& row);
 void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row);
 
-// What a failure tells programs.
+// Returns the facts of a failure for programs.
 Record factsOf(const Failure& failure);
 
-// The text of a value, empty for none.
+// Returns the text of a value, or an empty text for none.
 std::string textOf(const Scalar& value);
-// A text as a value; none for an empty one.
+// Returns a text as a value, or none for an empty text.
 Scalar orNull(const std::string& text);
 
-// The value of that name; null when there is none.
+// Returns the value with that name, or null.
 const Scalar* find(const Record& record, const std::string& name);
-// Its text, made printable; empty when there is none.
+// Returns the printable text of the value with that name, or an empty text.
 std::string shownText(const Record& record, const std::string& name);
 
 }  // namespace tool

@@ -5,14 +5,16 @@
 
 namespace tool {
 
-// Adds the warnings: what the library reads without a word, but not as it seems to be meant. The
-// management server is left out of what the rules of errors ask, too, when `isServerChecked`.
+// Adds the warnings: values that the library reads without an error, but probably not as intended.
+// If `isServerChecked` is set, skips values of the management server that the rules for errors
+// check.
 void checkDocument(const PlacedElement& root, bool isServerChecked, Faults& faults);
-// The part of it that looks at the "SiteList" that is read, and at all in it.
+// Adds the warnings about the "SiteList" that the library reads, and about its content.
 void checkSites(const PlacedElement& root, const PlacedElement& list, bool isServerChecked,
                 Faults& faults);
 
-// The site that decides the result of reading the list, when it is of no known kind; else null.
+// Returns the last site if its kind is unknown, because it determines the result of reading the
+// list. Otherwise returns null.
 const PlacedElement* findUnknownSite(const PlacedElement& root);
 
 }  // namespace tool

@@ -6,15 +6,15 @@
 
 namespace tool {
 
-// Adds what is wrong with the names and values of the element's attributes.
+// Adds the faults of the names and values of the element's attributes.
 void checkAttributes(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults);
-// The same, and of all that the element holds.
+// Adds the faults of the element, its attributes and all its content.
 void checkElement(const PlacedElement& element, const ElementGrammar& grammar, Faults& faults);
 
-// Says that nobody reads such a child of the element.
+// Adds the fault that the library does not read this child element.
 void addUnknownChild(const PlacedElement& child, const ElementGrammar& parent, Faults& faults);
 
-// What stands on proxies alone.
+// Adds the faults that only a proxy configuration can have.
 void checkProxy(const PlacedElement& proxyConfig, Faults& faults);
 
 }  // namespace tool

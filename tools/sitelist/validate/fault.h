@@ -10,7 +10,7 @@
 
 namespace tool {
 
-// A rule that a document breaks.
+// A place where a document breaks a rule.
 struct Fault {
   const Rule* rule;
   Place place;
@@ -20,24 +20,24 @@ struct Fault {
 // The faults of one document.
 class Faults {
  public:
-  // There has to be a rule of that name.
+  // There must be a rule with that name.
   void add(const char* rule, const Place& place, const std::string& text);
   bool has(const char* rule) const;
   bool empty() const { return m_faults.empty(); }
-  // Hands them out in the order of the document.
+  // Removes the faults and returns them in the order of the document.
   std::vector<Fault> take();
 
  private:
   std::vector<Fault> m_faults;
 };
 
-// A text of a document, in quotation marks and of bearable length.
+// Returns a text of a document in quotation marks, shortened if it is long.
 std::string inQuotes(const std::wstring& text);
 
-// " in line LINE"
+// Returns " in line LINE".
 std::string inLine(const Place& place);
 
-// "FILE:LINE:COLUMN: RULE: TEXT", printable.
+// Returns "FILE:LINE:COLUMN: RULE: TEXT", printable.
 std::string lineOf(const std::string& file, const Fault& fault, const Screen& screen = Screen());
 
 }  // namespace tool

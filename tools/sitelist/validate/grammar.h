@@ -9,41 +9,43 @@
 
 namespace tool {
 
-// How the library reads a value.
+// The way in which the library reads a value.
 enum class ValueType {
   Text,
   Address,       // host and port
-  ComputerName,  // the same, with the host cut to its NetBIOS form
+  ComputerName,  // as Address, with the host cut to its NetBIOS name
   Flag,
   Port,
   Order,
   Password,
-  Elements,  // no value: an element with others in it, or one that may be there several times
-  Any,       // read as it stands
-  Unread,    // part of the vocabulary that the library leaves alone
+  Elements,  // not a value: an element with child elements, or one that may be repeated
+  Any,       // any text is correct
+  Unread,    // in the vocabulary, but the library does not read it
 };
 
 // An attribute or a child element that an element may have.
 struct ValueGrammar {
   const wchar_t* name;
   ValueType type;
-  std::size_t capacity = sitehlp::c_textCapacity;  // of the record's field, terminator included
+  std::size_t capacity =
+      sitehlp::c_textCapacity;  // of the record's field, including the terminator
 };
 
-// What an element may hold.
+// The attributes and child elements of an element.
 struct ElementGrammar {
   const wchar_t* name;
-  const char* kind;  // of the site that it stands for; null for what is no site
+  const char* kind;  // of the site; null for an element that is not a site
   std::vector<ValueGrammar> attributes;
   std::vector<ValueGrammar> children;
 };
 
-// The root, whatever its name.
+// Returns the grammar of the root, for any name of the root.
 const ElementGrammar& rootGrammar();
-// Found by the name of the element; null for one that holds at most text, or is not known.
+// Returns the grammar of an element, by its name. Returns null for an unknown element, or for one
+// that has only text.
 const ElementGrammar* grammarOf(const AdvXMLParser::Element& element);
 
-// Null when there is none of that name.
+// Returns the grammar with that name, or null.
 const ValueGrammar* findGrammar(const std::vector<ValueGrammar>& values, const std::wstring& name);
 
 }  // namespace tool

@@ -8,31 +8,32 @@
 
 namespace tool {
 
-// An error stops the library from taking the list. A warning does not, but the agent then has
-// something other than what the document seems to say.
+// Because of an error the agent refuses the list. Despite a warning it accepts the list, but
+// probably reads it differently than intended.
 enum class Severity { Error, Warning };
 
-// What a list is asked for. The names never change from one release to the next.
+// A condition on a list. Names must not change in later releases.
 struct Rule {
   const char* name;
   Severity severity;
-  ExitStatus status;  // of a list that breaks it
+  ExitStatus status;  // exit status for a list that breaks it
   const char* summary;
   const char* why;
   const char* mend;
-  const char* faulty;  // one line as an example
-  const char* mended;  // the same line, put right
+  const char* faulty;  // one line as an example of a fault
+  const char* mended;  // the same line after the correction
 };
 
-// All rules: of the file, of the list, of the management server, then the warnings.
+// Returns all rules: first those of the file, the list and the management server, then the
+// warnings.
 const std::vector<Rule>& allRules();
 
-// Null when there is none of that name.
+// Returns the rule with that name, or null.
 const Rule* findRule(const std::string& name);
 
 const char* nameOf(Severity severity);
 
-// Names and summaries of the rules of that severity, for the help.
+// Returns the names and summaries of the rules of that severity, for the help.
 std::string ruleHelp(Severity severity);
 
 }  // namespace tool

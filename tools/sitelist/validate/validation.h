@@ -10,24 +10,25 @@
 
 namespace tool {
 
-// A list to be checked.
+// A list to check.
 struct ListSource {
   std::string name;  // for messages
-  std::string path;  // where the library finds it
+  std::string path;  // path for the library
   bool isBesideKeys = true;
 };
 
-// All faults of a list in the order of the document, warnings included. With `checkServer`, also
-// those of its management server. Fails when the library's result has no reason.
+// Returns all faults of a list, including warnings, in the order of the document. If `checkServer`
+// is set, also checks its management server. Fails when the library refuses the list without a
+// known reason.
 std::vector<Fault> validateList(const ListSource& source, bool checkServer);
 
-// The fault of a document that cannot be read.
+// Returns the fault of a document that cannot be read.
 Fault faultOfReading(const ReadError& error);
 
-// The faults that the library's own checks logged, placed in the file.
+// Returns the faults that the library's own checks logged, with their places in the file.
 std::vector<Fault> loggedFaults(const std::string& path);
 
-// The failure of a list whose last site is of unknown kind, with the place of that site.
+// Returns the failure for a list whose last site is of unknown kind, with the place of that site.
 Failure lastSiteFailure(const std::string& path);
 
 }  // namespace tool

@@ -8,13 +8,13 @@
 
 namespace tool {
 
-// The number that the library reads at the start of a text.
+// Returns the number that the library reads at the start of a text.
 int numberIn(const std::wstring& text);
 
-// What stands in front of the last ":" of an address.
+// Returns the part of an address before the last ":".
 std::wstring hostOf(const std::wstring& address);
 
-// Adds what is wrong with a value that is there.
+// Adds the faults of a value. The attribute or element must exist.
 void checkValue(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                 Faults& faults);
 

@@ -16,7 +16,7 @@ namespace {
 Lasting<AgentSettings> g_settings;
 std::atomic<bool> g_isKnown{false};
 
-// The settings with full paths.
+// Returns the settings with full paths.
 AgentSettings completed(AgentSettings settings) {
   settings.dataDirectory = fullDirectory(settings.dataDirectory);
   requireUsableLength(settings.dataDirectory);

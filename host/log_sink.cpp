@@ -18,7 +18,7 @@ std::atomic<int> g_logThreshold{static_cast<int>(LogLevel::Error)};
 namespace host {
 namespace {
 
-// A message is one line, and what it quotes must not steer a terminal.
+// A message must be one line, and a text in it must not control a terminal.
 std::string oneLine(std::wstring text) {
   for (wchar_t& c : text) {
     if (c < 0x20 || (c >= 0x7F && c < 0xA0)) c = L'?';
@@ -26,7 +26,7 @@ std::string oneLine(std::wstring text) {
   return toUtf8(text);
 }
 
-// One line a message, which a single write of the stream brings out.
+// Writes one line for each message with a single write of the stream.
 class StandardError {
  public:
   void operator()(LogLevel level, const std::wstring& component, const std::wstring& text) {
@@ -47,7 +47,7 @@ struct Output {
   LogSink sink HOST_GUARDED_BY(c_logMutex) = StandardError();
 };
 
-// Destructors of the process may still log.
+// Never destroyed, because destructors at the end of the process may log
 Lasting<Output> g_output;
 
 void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
@@ -59,7 +59,7 @@ void deliver(LogLevel level, const wchar_t* component, const wchar_t* prefix,
     const ForkLock lock(c_logMutex);
     output.sink(level, componentText, whole);
   } catch (...) {
-    // A log that fails must not disturb what it tells about.
+    // A failure to log must not change the result of the operation.
   }
 }
 

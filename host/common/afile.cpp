@@ -37,7 +37,7 @@ bool read(const AString& path, host::SecretText& content) {
 int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
   if (access == AFiler::accessWrite) {
     host::PathWalk place;
-    if (place.find(path) == EPERM) {  // over a link that no write follows
+    if (place.find(path) == EPERM) {  // a link that a write does not follow
       exists = true;
       return place.reported("Cannot write", path, 0);
     }
@@ -49,7 +49,7 @@ int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists,
   exists = true;
   if (access != AFiler::accessExist) {
     error = -host::fileSystem().access(path, access == AFiler::accessRead ? R_OK : W_OK);
-    exists = !isAbsence(error);  // it may have gone meanwhile
+    exists = !isAbsence(error);  // it may have been removed in the meantime
     if (!exists) return 0;
   }
   accessible = error == 0;

@@ -11,8 +11,8 @@
 namespace host {
 namespace {
 
-// Every character has exactly one byte that does not continue another, so this is the length of
-// valid text and no less than what can be decoded of any other.
+// Returns the number of bytes that begin a character. For valid text this is its length. For any
+// other text it is at least the number of characters that can be decoded.
 std::size_t countLeads(const char* utf8, std::size_t length) {
   return static_cast<std::size_t>(std::count_if(
       utf8, utf8 + length, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
@@ -39,7 +39,7 @@ bool appendWide(const char* utf8, std::size_t length, std::wstring& out) {
       }
     }
   } catch (const utf8::exception&) {
-    // What came before the fault may be part of a password.
+    // The text before the invalid byte may be part of a password.
     wipe(out.data() + before, (out.size() - before) * sizeof(wchar_t));
     out.resize(before);
     return false;
@@ -68,7 +68,8 @@ std::wstring toWide(const char* utf8, std::size_t length) {
   if (!appendWide(utf8, length, wide)) {
     SecretText repaired;  // the text may be a password
     repaired->reserve(3 * length);
-    // With the marker named, or the library keeps it in a static whose guard a fork may find held.
+    // The replacement must be given. Otherwise the library stores it in a function-local static,
+    // and a fork may happen while a thread holds the guard.
     utf8::replace_invalid(utf8, utf8 + length, std::back_inserter(*repaired), c_replacement);
     appendWide(repaired->data(), repaired->size(), wide);
   }
@@ -90,7 +91,7 @@ std::size_t utf8Size(const wchar_t* text, std::size_t length) {
     const std::size_t end = std::min(length, i + c_asciiBlock);
     for (; i < end; ++i) {
       const auto c = static_cast<std::uint32_t>(text[i]);
-      // What is beyond U+10FFFF is written as U+FFFD, which takes three bytes.
+      // A number above U+10FFFF is written as U+FFFD, which takes three bytes.
       size += 1u + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000 && c <= 0x10FFFF);
     }
   }

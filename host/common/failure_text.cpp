@@ -9,7 +9,7 @@ namespace host {
 const wchar_t* const c_logComponent = L"Host";
 
 std::string errorText(int error) {
-  // The system takes a lock of its own when it translates the text.
+  // The system takes a lock when it translates the text.
   const ForkLock lock(c_errorTextMutex);
   return std::generic_category().message(error);
 }

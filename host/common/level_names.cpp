@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-// In the order of the levels' values.
+// In the order of the values of the levels
 constexpr const char* c_names[] = {"detail", "info", "error", "internal-error", "off"};
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 namespace {
 
-// Upper-case letters beyond ASCII and their distance to the lower-case ones: every `step`-th
-// character from `first` to `last`. Scripts that are not here are compared exactly.
+// Upper-case letters beyond ASCII and their distance to the lower-case letters: every `step`-th
+// character from `first` to `last`. Letters of other scripts are compared exactly.
 struct CaseRange {
   std::uint32_t first;
   std::uint32_t last;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Without members, so there is nothing to make or to destroy.
+// It has no members, so nothing must be created or destroyed.
 MeshServiceConfiguration g_meshConfiguration;
 MeshServiceStartupControl g_meshControl;
 
@@ -44,7 +44,8 @@ int MeshServiceStartupControl::RunMeshServiceLoadSiteListCmd() {
                      L"mesh.load_command in agent.toml"));
     return 0;
   }
-  // The command may read the list under its lock, which would then wait for this process.
+  // The command may read the list under its lock. It would wait for this process, so the locks are
+  // released first.
   host::releaseHolds();
   host::OutputLines output(logLine);
   const std::string failure = host::runCommand(command, settings.meshLoadTimeoutSeconds, output);

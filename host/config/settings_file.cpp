@@ -22,14 +22,14 @@ constexpr std::int64_t c_maxRecordMegabytes = 1'048'576;
 constexpr const char* c_legacyKeySize = "legacy";
 constexpr const char* c_keySize2048 = "2048";
 
-// One settings file, with what it takes to name the place of a fault in it.
+// Reads one settings file and finds the place of a fault in it.
 class SettingsReader {
  public:
   SettingsReader(const std::string& file, AgentSettings& settings)
       : m_file(file), m_settings(settings) {}
 
   struct Setting {
-    std::string_view table;  // empty for a key at the top
+    std::string_view table;  // empty for a key outside of a table
     std::string_view key;
     void (SettingsReader::*read)(const std::string& name, const toml::node& value);
 
@@ -180,8 +180,8 @@ std::vector<std::string> settingNames() {
 
 namespace {
 
-// The parser's words are those of a grammar: "Error while parsing key-value pair: expected '=', saw
-// 'y'".
+// Replaces the parser's texts, which name parts of a grammar: "Error while parsing key-value pair:
+// expected '=', saw 'y'".
 std::string syntaxError(std::string_view description) {
   if (description.find("expected '='") != std::string_view::npos) {
     return "the line is not KEY = VALUE";
@@ -228,8 +228,8 @@ std::string formatAgentSettings(const AgentSettings& settings) {
                          {"mesh", std::move(mesh)},
                          {"limits", toml::table{{"record_megabytes", settings.maxRecordMegabytes}}},
                          {"log", toml::table{{"level", levelName(settings.logLevel)}}}};
-  // Strings with escapes alone: in its other forms the formatter loses a line feed at the beginning
-  // and does not notice quotes that end the string.
+  // Writes strings only with escapes. In its other forms the formatter loses a line feed at the
+  // beginning, and does not escape quotes that end the string.
   constexpr toml::format_flags c_otherStrings =
       toml::format_flags::allow_literal_strings | toml::format_flags::allow_multi_line_strings;
   std::ostringstream text;

@@ -19,7 +19,7 @@ struct ServerPool : KeyPool {
   ServerPool() : KeyPool(ENCRYPTION_TYPE_SERVER_BUFFER, c_serverKeyMutex, c_serverKeyName, false) {}
 };
 
-// Other objects may still need passwords while the process ends.
+// Never destroyed, because other objects may need passwords while the process ends
 Lasting<PasswordPool> g_passwords;
 Lasting<ServerPool> g_server;
 
@@ -41,7 +41,7 @@ namespace ZQ {
 namespace crypto {
 namespace {
 
-CryptShim g_shim;  // without members, so there is nothing to make or to destroy
+CryptShim g_shim;  // it has no members, so nothing must be created or destroyed
 
 }  // namespace
 

@@ -9,7 +9,8 @@
 namespace host {
 namespace {
 
-// False for a text with a character that is no Unicode scalar value: it could not be given back.
+// Returns false for a text with a character that is not a Unicode scalar value, because decryption
+// could not restore it.
 bool toSecretUtf8(const std::wstring& text, SecretBytes& utf8Bytes) {
   if (!std::all_of(text.begin(), text.end(),
                    [](wchar_t c) { return isScalar(static_cast<std::uint32_t>(c)); })) {

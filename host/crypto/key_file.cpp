@@ -26,7 +26,7 @@ namespace {
 constexpr const char* c_keyDirectory = "/keystore/";
 constexpr mode_t c_keyMode = S_IRUSR | S_IWUSR;
 constexpr mode_t c_directoryMode = S_IRWXU;
-// File systems count the time of a change in steps of up to two seconds.
+// File systems store the time of a change in steps of up to two seconds.
 constexpr std::int64_t c_settledNs = 3'000'000'000;
 
 AString message(const std::string& path, const wchar_t* text) {
@@ -65,8 +65,9 @@ KeyFileState stateOf(const struct stat& status) {
   return state;
 }
 
-// Whether the file that is open has no name but this, in a directory that this process's user alone
-// can change. Elsewhere somebody may have given the name to a file of ours that is something else.
+// Returns whether the open file has only this name, in a directory that only the effective user can
+// change. In any other directory, another user may have given this name to a different file of the
+// effective user.
 bool isOursAlone(const struct stat& status, const std::string& path) {
   if (status.st_uid != ::geteuid() || status.st_nlink != 1) return false;
   PathWalk place;
@@ -93,8 +94,8 @@ void makePrivate(int fd, const struct stat& status, const std::string& path) {
   }
 }
 
-// Puts a complete new file under `name`, on the disk. EEXIST, and nothing changed, when something
-// has that name.
+// Creates a complete file with the name `name` on the disk. Returns EEXIST and changes nothing if
+// the name exists.
 int publish(int directory, const std::string& name, const SecretBytes& key) {
   TempFile file(directory);
   int error = file.create();
@@ -121,7 +122,7 @@ int keyFileState(const std::string& path, KeyFileState& state) {
 bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state) {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
-  // Non-blocking, or opening a pipe would wait for its writer.
+  // Without O_NONBLOCK, opening a pipe would wait for its writer.
   const Descriptor file(
       fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0));
   if (file.error() == ELOOP) {

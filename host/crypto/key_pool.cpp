@@ -15,7 +15,7 @@ constexpr std::size_t c_idleLimit = 16;
 KeyPool::KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName,
                  bool createsKey)
     : m_type(type), m_mutex(mutex), m_keyName(keyName), m_createsKey(createsKey) {
-  m_idle.reserve(c_idleLimit);  // giving back must not fail
+  m_idle.reserve(c_idleLimit);  // so that giveBack cannot fail
 }
 
 std::unique_ptr<Encryption> KeyPool::take(const std::string& dataDirectory) {
@@ -55,7 +55,8 @@ bool KeyPool::refreshKey() {
   if (key != m_key) {
     drop();
     m_key = std::move(key);
-    // A key is made once, so its maker's death is followed by no other making that would clean.
+    // A key is created only once. If its creator was killed, no later creation removes the
+    // temporary file.
     if (m_createsKey) cleanBesideKeyFile(m_path);
   }
   return true;

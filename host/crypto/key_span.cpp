@@ -23,12 +23,12 @@ std::atomic<std::uint64_t> g_lastSpan{0};
 
 thread_local std::uint64_t t_span = 0;
 thread_local unsigned int t_depth = 0;
-thread_local unsigned long t_unopened = 0;        // under the agent's key
-thread_local unsigned long t_unopenedServer = 0;  // under the server's key
+thread_local unsigned long t_unopened = 0;        // with the password key
+thread_local unsigned long t_unopenedServer = 0;  // with the server key
 
-// The errors that were logged in this span, by their hash; more different ones than there is room
-// for would be logged again. An array, because a thread_local object with a destructor ends the
-// process when there is no memory for it.
+// The hashes of the errors that were logged in this span. An error that does not fit is logged
+// again. It is an array, because a thread_local object with a destructor ends the process when
+// there is no memory for it.
 thread_local std::array<std::size_t, 8> t_logged;
 thread_local std::size_t t_loggedCount = 0;
 
@@ -96,7 +96,7 @@ KeptKeys::~KeptKeys() {
   try {
     host::logUnopened();
   } catch (const std::bad_alloc&) {
-    // A log that fails must not disturb what it tells about.
+    // A failure to log must not change the result of the operation.
   }
 }
 

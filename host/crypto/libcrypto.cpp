@@ -15,15 +15,16 @@ pthread_key_t g_threadEnd HOST_GUARDED_BY(c_libcryptoMutex);
 
 thread_local bool t_isKnown = false;
 
-// libcrypto frees what it keeps for a thread when that ends, under a lock of its own. Done here,
-// that happens under ours as well.
+// libcrypto releases its data of a thread at the end of the thread, under a lock of its own. This
+// function does it under c_libcryptoMutex as well.
 void endThread(void*) {
   const ForkLock lock(c_libcryptoMutex);
   OPENSSL_thread_stop();
 }
 
-// Ours comes before libcrypto's own key, because keys are worked off in the order of their making.
-// A thread_local object with a destructor would end the process when there is no memory for it.
+// g_threadEnd must be created before libcrypto's own key, because the destructors of keys run in
+// the order of creation. A thread_local object with a destructor would end the process when there
+// is no memory for it.
 void prepareProcess() HOST_REQUIRES(c_libcryptoMutex) {
   g_hasThreadEnd = ::pthread_key_create(&g_threadEnd, endThread) == 0;
   OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_LOAD_CONFIG, nullptr);
@@ -39,7 +40,7 @@ std::string describe(unsigned long code, const char* data) {
 
 }  // namespace
 
-// The compiler does not follow a lock that is a member.
+// The analysis of clang does not follow a lock that is a member.
 LibcryptoUse::LibcryptoUse() noexcept HOST_NOT_CHECKED : m_lock(c_libcryptoMutex) {
   if (!g_isReady) prepareProcess();
   if (!t_isKnown && g_hasThreadEnd) {

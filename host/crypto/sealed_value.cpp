@@ -22,10 +22,10 @@ constexpr std::size_t c_versionSize = 1;
 constexpr std::size_t c_tagSize = 16;
 constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
-constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts in int
+constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts bytes in int
 
-// Finding the cipher is the dearest step of all; once per process is enough. Null until it was
-// found.
+// Finding the cipher takes longer than any other step, so it is done once in a process. Null until
+// then.
 const EVP_CIPHER* g_cipher HOST_GUARDED_BY(c_libcryptoMutex) = nullptr;
 
 const EVP_CIPHER* cipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex) {
@@ -98,7 +98,7 @@ bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& 
   const unsigned char* const body = sealed + c_headSize;
   unsigned char tag[c_tagSize];
   std::copy(body + bodySize, body + bodySize + c_tagSize, tag);
-  // One byte more than the value, so that an empty one has a place to be written to as well.
+  // One byte more than the value, so that the buffer of an empty value is not empty.
   SecretBytes result(bodySize + 1);
   EVP_CIPHER_CTX* const context = m_context.get();
   const LibcryptoUse use;

@@ -12,10 +12,11 @@ namespace {
 
 constexpr const char* c_cannotMake = "Cannot make directory";
 
-// Gives a directory that was just made its owner. Only root gives anything away, and another user
-// may have put another directory in the place of the new one. The owner of the parent may move
-// another directory of root there, but only from within the parent: whoever moves a directory out
-// of another one must be able to write to it.
+// Gives a directory that was just created its owner. Only root changes owners.
+//
+// Another user may have replaced the new directory. The owner of the parent can replace it only
+// with a directory of root in the same parent: moving a directory to another parent needs
+// permission to write to that directory.
 int giveAway(int parent, const std::string& name) {
   if (::geteuid() != 0) return 0;
   const Descriptor made(fileSystem().open(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW, 0));
@@ -45,7 +46,8 @@ int makeDirectory(const std::string& path, mode_t mode) {
   const std::string name = nameOf(path);
   int error = -fileSystem().makeDirectory(parent.directory(), name, mode);
   if (error == EEXIST) {
-    // Another process may have been faster; a file or a dangling link in its place is a failure.
+    // Another process may have created it at the same time. A file or a dangling link with this
+    // name is a failure.
     PathWalk there;
     return there.reported(c_cannotMake, path, there.enter(path));
   }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int c_maxLinks = 40;
 
-// A directory that is only passed through need not be readable.
+// An intermediate directory need not be readable.
 #if defined(O_SEARCH)
 constexpr int c_toPass = O_SEARCH;
 #elif defined(O_PATH)
@@ -29,7 +29,7 @@ std::size_t nameStart(const std::string& path) {
   return slash == std::string::npos ? 0 : slash + 1;
 }
 
-// What systems say to opening a symbolic link, or a file, as a directory.
+// The errors of systems when a symbolic link or a file is opened as a directory.
 bool mayBeLink(int error) { return error == ENOTDIR || error == ELOOP; }
 
 }  // namespace
@@ -58,7 +58,7 @@ int PathWalk::follow(const std::string& name, std::string& target) {
 int PathWalk::enter(const std::string& path) {
   std::string rest = path;
   while (!rest.empty()) {
-    // A leading separator is the root directory, as a name of its own.
+    // A leading separator is the name of the root directory.
     const std::size_t end = rest.front() == '/' ? 0 : rest.find('/');
     const std::string name = end == 0 ? "/" : rest.substr(0, end);
     const std::size_t next = end == std::string::npos ? end : rest.find_first_not_of('/', end);
@@ -71,7 +71,7 @@ int PathWalk::enter(const std::string& path) {
     if (!mayBeLink(error)) return error;
     std::string target;
     const int refused = follow(name, target);
-    if (refused == EINVAL) return error;  // a file
+    if (refused == EINVAL) return error;  // it is a file
     if (refused) return refused;
     if (!rest.empty()) target.append("/").append(rest);
     rest = std::move(target);

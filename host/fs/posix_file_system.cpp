@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-// The one place that knows about interrupted calls and errno.
+// Only this function handles interrupted calls and errno.
 template <typename Call>
 auto retried(Call call) -> decltype(call()) {
   for (;;) {
@@ -27,7 +27,8 @@ bool isPath(const std::string& path) { return path.find('\0') == std::string::np
 
 int flush(int fd) {
 #ifdef F_FULLFSYNC
-  // fsync alone leaves the bytes in the drive's cache; some file systems know nothing better.
+  // fsync alone may leave the bytes in the cache of the drive. Some file systems support only
+  // fsync.
   if (::fcntl(fd, F_FULLFSYNC) == 0) return 0;
 #endif
   return ::fsync(fd);
@@ -47,7 +48,7 @@ int readTarget(int directory, const char* path, std::string& target) {
   }
 }
 
-// The owner and the target of one link, whatever happens to its name meanwhile.
+// Gets the owner and the target of the same link, even if its name is replaced during the call.
 #ifdef O_PATH
 int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
   const int fd =
@@ -60,7 +61,8 @@ int readOneLink(int directory, const char* path, std::string& target, struct sta
   return result;
 }
 #else
-// Without a descriptor of the link itself: asked again until nothing changed in between.
+// There is no descriptor of the link itself, so this repeats the calls until the link is the same
+// before and after.
 int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
   for (;;) {
     struct stat after;
@@ -99,7 +101,7 @@ class PosixFileSystem : public FileSystem {
   }
 
   int close(int fd) override {
-    // Never retried: the descriptor is free already and may be another thread's by now.
+    // Must not be retried: the descriptor is already free, and another thread may have it.
     return ::close(fd) == 0 || errno == EINTR ? 0 : -errno;
   }
 
@@ -132,7 +134,8 @@ class PosixFileSystem : public FileSystem {
   }
 
   int list(int directory, std::vector<std::string>& names) override {
-    // A descriptor of its own: the position in a directory belongs to the open directory.
+    // This needs its own descriptor, because the position in a directory belongs to the open
+    // directory.
     const int fd = open(directory, ".", O_RDONLY | O_DIRECTORY, 0);
     if (fd < 0) return fd;
     DIR* entries = ::fdopendir(fd);
@@ -197,7 +200,7 @@ std::atomic<FileSystem*> g_replacement{nullptr};
 FileSystem::~FileSystem() = default;
 
 FileSystem& posixFileSystem() {
-  // Locks may be let go while the process ends.
+  // The object is never destroyed, because locks may be released while the process ends
   return g_posix.get();
 }
 

@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-// The file may hold a key, so what a text leaves behind when it grows is wiped as well.
+// Grows into new memory and wipes the old memory, because the file may have a key.
 void grow(SecretText& text, std::size_t size) {
   SecretText larger(size);
   std::copy(text->begin(), text->end(), larger->begin());
@@ -31,14 +31,14 @@ int checkRegular(int fd, std::size_t limit, std::size_t& size) {
 }  // namespace
 
 int readRegularFile(const std::string& path, std::size_t limit, std::string& bytes) {
-  // Non-blocking, or opening a pipe would wait for its writer.
+  // Without O_NONBLOCK, opening a pipe would wait for its writer.
   const Descriptor file(fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0));
   if (file.error() == ENXIO || file.error() == EOPNOTSUPP) return EINVAL;  // a socket
   if (file.error()) return file.error();
   std::size_t size = 0;
   if (const int error = checkRegular(file.get(), limit, size)) return error;
 
-  // One byte more than the size, so that the end shows without growing.
+  // One byte more than the size, so that the end is found without growing.
   SecretText buffer(size + 1);
   std::size_t done = 0;
   for (;;) {
@@ -47,7 +47,7 @@ int readRegularFile(const std::string& path, std::size_t limit, std::string& byt
     if (n < 0) return static_cast<int>(-n);
     if (n == 0) break;
     done += static_cast<std::size_t>(n);
-    if (done > limit) return EFBIG;  // it grew meanwhile
+    if (done > limit) return EFBIG;  // it grew during the read
   }
   wipe(buffer->data() + done, buffer->size() - done);
   buffer->resize(done);

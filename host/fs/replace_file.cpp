@@ -11,12 +11,12 @@ namespace host {
 namespace {
 
 constexpr mode_t c_modeOfSecret = S_IRUSR | S_IWUSR;
-// A program that runs with another user's rights never comes of a file that is written here.
+// Set-user-ID and set-group-ID bits are never kept.
 constexpr mode_t c_permissions = S_IRWXU | S_IRWXG | S_IRWXO;
 
 enum class OldMode { Kept, Dropped };
 
-// Gives the new file its owner and its mode before it has a name.
+// Sets the owner and mode of the new file before it gets its name.
 int prepare(const PathWalk& place, int fd, mode_t mode, OldMode oldMode) {
   const struct stat* old = place.found();
   if (!old) {
@@ -31,7 +31,7 @@ int prepare(const PathWalk& place, int fd, mode_t mode, OldMode oldMode) {
   if (mine.st_uid != old->st_uid || mine.st_gid != old->st_gid) {
     if (const int failed = fileSystem().chown(fd, old->st_uid, old->st_gid)) return -failed;
   }
-  // After the owner: changing the owner takes mode bits away.
+  // The mode is set after the owner, because changing the owner clears bits of the mode.
   return -fileSystem().chmod(fd, oldMode == OldMode::Kept ? old->st_mode & c_permissions : mode);
 }
 

@@ -6,8 +6,8 @@
 namespace host {
 namespace {
 
-// Whether both are one file that has a single name. On a file system that ignores case that name
-// may have been written in two ways.
+// Returns whether both are the same file and it has only one name. On a file system that ignores
+// case, the name may have two spellings.
 bool haveOneName(const struct stat* a, const struct stat* b) {
   return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino && a->st_nlink == 1;
 }

@@ -56,8 +56,8 @@ int TempFile::create() {
   return error;
 }
 
-// EAGAIN when the name was taken, or when another process took the new file for a left-over one
-// before it could be locked.
+// Returns EAGAIN if the name exists, or if another process removed the new file before it was
+// locked.
 int TempFile::tryToCreate() {
   std::string name;
   if (const int error = makeName(name)) return error;
@@ -73,7 +73,7 @@ int TempFile::tryToCreate() {
     fileSystem().unlink(m_directory, name);
     return error;
   }
-  m_name = std::move(name);  // a copy could fail, and the file would stay
+  m_name = std::move(name);  // a copy could fail and leave the file behind
   m_file = std::move(file);
   return 0;
 }
@@ -107,14 +107,14 @@ void removeLeftOverTempFiles(int directory) noexcept try {
     if (!isTempName(name)) continue;
     const Descriptor file(
         fileSystem().open(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0));
-    // A writer that lives holds the lock. One that has just renamed its file does not, but then
-    // there is nothing under this name any more.
+    // A running writer holds the lock. A writer that has just renamed its file does not hold it,
+    // but then the name no longer exists.
     if (file.error() == 0 && fileSystem().lock(file.get(), LOCK_EX | LOCK_NB) == 0) {
       fileSystem().unlink(directory, name);
     }
   }
 } catch (const std::bad_alloc&) {
-  // The writing that this belongs to has succeeded.
+  // The write before this call has succeeded.
 }
 
 }  // namespace host

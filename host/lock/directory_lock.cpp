@@ -10,7 +10,7 @@
 namespace host {
 
 DirectoryLock::~DirectoryLock() {
-  // Closing alone would leave the lock to a child that was forked meanwhile.
+  // Only closing the descriptor would not release the lock if a child was forked in the meantime.
   if (m_directory.error() == 0) fileSystem().lock(m_directory.get(), LOCK_UN);
 }
 

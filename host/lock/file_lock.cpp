@@ -38,12 +38,13 @@ int Patience::lock(int fd, int operation) const {
 
 int lockFiles(const LockFiles& files, LockMode mode, const Patience& patience) {
   const int operation = mode == LockMode::Write ? LOCK_EX : LOCK_SH;
-  // A writer that does not wait has no use for the gate, and would only turn readers away there.
+  // A writer that does not wait does not need the gate. Holding the gate would only make readers
+  // fail.
   if (mode == LockMode::Write && patience.isNone()) {
     return -fileSystem().lock(files.main.fd, operation | LOCK_NB);
   }
-  // A waiting writer holds the gate, so that new readers queue behind it; without that, readers
-  // that take turns keep a writer out for ever.
+  // A waiting writer holds the gate, so new readers wait behind it. Otherwise readers could starve
+  // the writer.
   int error = patience.lock(files.gate.fd, operation);
   if (error) return error;
   error = patience.lock(files.main.fd, operation);

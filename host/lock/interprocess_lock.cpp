@@ -21,8 +21,8 @@ using host::LockMode;
 using host::LockPool;
 using host::Patience;
 
-// One lock object: its name and, while it is locked, its files. It has none when its thread holds
-// the lock already.
+// One lock object: its name and, while it is locked, its files. It has no files if its thread
+// already holds the lock.
 struct LockImpl {
   explicit LockImpl(const char* lockName) : name(lockName ? lockName : "") {}
   ~LockImpl() { unlock(); }
@@ -40,11 +40,11 @@ struct LockImpl {
 
 namespace {
 
-// How often lock files may be found exchanged before that counts as a failure.
+// After this many attempts with replaced lock files, locking fails.
 constexpr int c_attempts = 100;
 
-// What one thread wrote under a lock is visible to the next holder in the same process. The kernel
-// sees to that in fact, but only an atomic says so to the compiler.
+// Makes the writes of one thread under a lock visible to the next holder in the same process. The
+// kernel ensures this, but the compiler knows it only from an atomic.
 std::atomic<unsigned int> g_handOver{0};
 
 void logFailure(const LockFailure& failure, int error) {
@@ -58,7 +58,7 @@ void logFailure(const LockFailure& failure, int error) {
 }  // namespace
 
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
-  if (files && files->main.fd < 0) unlock();  // it was our parent's before the fork
+  if (files && files->main.fd < 0) unlock();  // the parent held it before the fork
   if (files) return true;
   if (host::isHeldByThread(name, mode)) return true;
   int error = EINVAL;
@@ -80,8 +80,8 @@ int LockImpl::tryFiles(LockMode mode, const Patience& patience) {
   int error = LockPool::instance().take(name, taken, failure);
   if (error) return error;
   error = host::lockFiles(*taken, mode, patience);
-  // Somebody may have removed or exchanged the files since they were opened; the lock of a file
-  // that others do not find is none.
+  // Another process may have removed or replaced the files after they were opened. The lock of a
+  // file without its name does not exclude anybody.
   if (error == 0) error = taken->check();
   if (error == 0) {
     files = taken;

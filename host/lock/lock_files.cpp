@@ -43,7 +43,7 @@ int enterDirectory(const std::string& path, PathWalk& walk, LockFailure& failure
   return error;
 }
 
-// Read-only is enough for a lock, and works with a file that may not be written.
+// A lock needs only read access. This also works with a file that must not be written.
 int openOld(int directory, const std::string& name, LockFiles::File& file) {
   file.fd = fileSystem().open(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0);
   if (file.fd < 0) return -file.fd;
@@ -56,7 +56,7 @@ int openOld(int directory, const std::string& name, LockFiles::File& file) {
   return 0;
 }
 
-// The file gets its owner before its name, so that its owner never finds it closed.
+// The file gets its owner before its name, so its owner can always open it.
 int makeNew(int directory, const std::string& name) {
   TempFile file(directory);
   int error = file.create();

@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-// The first of those that this thread holds.
+// The first object of a list of all holds of this thread.
 thread_local LockHold* g_firstHold = nullptr;
 
 }  // namespace

@@ -20,7 +20,8 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
   const std::string directory = agent().dataDirectory + "/locks";
   const std::string mainPath = directory + "/" + name + ".lock";
 
-  // Held while opening too: a fork at that moment would give the child a file that nobody closes.
+  // Also held during the opening, because a fork at that moment would give the child a file that is
+  // never closed.
   const ForkLock lock(c_lockFilesMutex);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {
@@ -75,7 +76,7 @@ void LockPool::closeFilesOfParent() {
   LockPool* const pool = g_pool.find();
   if (!pool) return;
   pool->eraseIdle();
-  // The holders keep their entries, now without a file, and find out by that.
+  // The holders keep their entries. They recognise the fork by the closed file.
   for (const auto& entry : pool->m_entries) entry->files.close();
 }
 

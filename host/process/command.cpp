@@ -20,9 +20,10 @@
 namespace host {
 namespace {
 
-constexpr int c_aboveFixed = 4;  // the supervisor puts what it keeps below
+constexpr int c_aboveFixed = 4;  // descriptors below this are for the supervisor
 
-// Two descriptors that, where the system can, no program inherits that another thread starts.
+// Makes a pipe. If the system supports it, a program that another thread starts does not inherit
+// the descriptors.
 int openEnds(int (&ends)[2]) {
 #ifdef __linux__
   return ::pipe2(ends, O_CLOEXEC);
@@ -31,7 +32,7 @@ int openEnds(int (&ends)[2]) {
 #endif
 }
 
-// A pipe whose ends no other program inherits.
+// A pipe whose descriptors no other program inherits.
 class Pipe {
  public:
   Pipe() = default;
@@ -42,7 +43,7 @@ class Pipe {
     closeEnd(m_write);
   }
 
-  // 0 or an errno.
+  // Returns 0 or an errno.
   int open() {
     int ends[2] = {-1, -1};
     if (openEnds(ends) != 0) return errno;
@@ -68,10 +69,11 @@ class Pipe {
   int m_write = -1;
 };
 
-// Above every descriptor of this process, with room for those that other threads open meanwhile.
+// Returns a number above all descriptors of this process, with a margin for descriptors that other
+// threads open in the meantime.
 int descriptorLimit() {
 #ifdef __GLIBC__
-  return 0;  // the supervisor has a call that needs none
+  return 0;  // the supervisor uses closefrom, which needs no limit
 #else
   int highest = 256;
   DIR* const descriptors = ::opendir("/dev/fd");
@@ -84,7 +86,7 @@ int descriptorLimit() {
 #endif
 }
 
-// Forks with all signals blocked, so that no handler of this process runs in the child.
+// Forks with all signals blocked, so that no signal handler of this process runs in the child.
 pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   sigset_t all;
   sigset_t before;
@@ -97,7 +99,8 @@ pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   return pid;
 }
 
-// Waits for a process, only so that no zombie stays; somebody else may have waited for it before.
+// Waits for a process so that no zombie remains. Other code of the process may already have waited
+// for it.
 class WaitAtExit {
  public:
   explicit WaitAtExit(pid_t pid) : m_pid(pid) {}
@@ -112,7 +115,7 @@ class WaitAtExit {
   pid_t m_pid;
 };
 
-// The number of bytes; 0 at the end or on failure.
+// Returns the number of bytes that were read, or 0 at the end and on failure.
 std::size_t readSome(int fd, void* data, std::size_t size) {
   ssize_t count = 0;
   while ((count = ::read(fd, data, size)) < 0 && errno == EINTR) {
@@ -120,7 +123,7 @@ std::size_t readSome(int fd, void* data, std::size_t size) {
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-// Hands on what is in the pipe, at most `limit` bytes. The number of bytes; 0 at the end.
+// Passes on at most `limit` bytes from the pipe. Returns the number of bytes, or 0 at the end.
 std::size_t passOn(int fd, std::size_t limit, OutputLines& output) {
   char buffer[4096];
   const std::size_t count = readSome(fd, buffer, std::min(limit, sizeof buffer));
@@ -128,7 +131,7 @@ std::size_t passOn(int fd, std::size_t limit, OutputLines& output) {
   return count;
 }
 
-// Hands on the output until there is a report.
+// Passes on the output until there is a report.
 void passOnUntilReport(int reports, int printed, OutputLines& output) {
   for (pollfd ends[] = {{printed, POLLIN, 0}, {reports, POLLIN, 0}};;) {
     if (::poll(ends, 2, -1) < 0) {
@@ -138,8 +141,8 @@ void passOnUntilReport(int reports, int printed, OutputLines& output) {
     if (ends[0].revents != 0 && passOn(printed, SIZE_MAX, output) == 0) ends[0].fd = -1;
     if (ends[1].revents != 0) break;
   }
-  // What the program itself printed is in the pipe by now. The end of it may be far, because a
-  // process that the program left behind may still write.
+  // All output of the program is now in the pipe. This does not read to the end of the pipe,
+  // because a process that the program left running may still write.
   int left = 0;
   ::ioctl(printed, FIONREAD, &left);
   for (std::size_t count = 1; left > 0 && count > 0; left -= static_cast<int>(count)) {

@@ -12,7 +12,7 @@ namespace {
 
 using Number = std::atomic<std::uint64_t>;
 
-// The number of this process, on memory of its own; 0 in a child until it takes one.
+// The number of this process, in memory of its own. It is 0 in a child until the first use.
 class Current {
  public:
   Current() {
@@ -21,7 +21,7 @@ class Current {
     if (memory == MAP_FAILED) return;
     m_number = new (memory) Number(0);
 #ifdef MADV_WIPEONFORK
-    // The kernel itself zeroes it, however the child is made.
+    // The kernel sets the number to 0 in every child, even if no fork handler runs.
     ::madvise(memory, sizeof(Number), MADV_WIPEONFORK);
 #endif
   }
@@ -39,7 +39,7 @@ class Current {
 
 Lasting<Current> g_current;
 
-// The last number that this process or one before it took.
+// The last number that this process or one of its ancestors used.
 Number g_lastGeneration{0};
 
 }  // namespace

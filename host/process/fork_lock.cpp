@@ -12,14 +12,14 @@
 namespace host {
 namespace {
 
-// Never destroyed, and there before any code runs.
+// Never destroyed, and initialised at compile time.
 struct Mutex {
   pthread_mutex_t system = PTHREAD_MUTEX_INITIALIZER;
 };
 Mutex g_mutexes[c_forkMutexCount];
 
 #ifndef NDEBUG
-// One bit for each mutex that this thread holds.
+// One bit for each mutex that this thread holds
 thread_local unsigned int t_held = 0;
 #endif
 
@@ -53,8 +53,9 @@ void afterForkInChild() HOST_NOT_CHECKED {
   afterFork();
 }
 
-// Registered when the library is loaded, so before anything that may be locked while one of these
-// is taken: handlers run before a fork in the reverse of the order of their registration.
+// Handlers before a fork run in the reverse order of their registration. These are registered when
+// the library is loaded. They thus run after those of any lock that a thread may hold when it takes
+// one of these mutexes.
 [[gnu::constructor(101)]] void watchForks() {
   if (::pthread_atfork(beforeFork, afterFork, afterForkInChild) != 0) std::abort();
 }

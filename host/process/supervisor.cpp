@@ -24,11 +24,11 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 void report(SupervisorReport::Kind kind, int value) {
   const SupervisorReport text{kind, value};
-  // With nobody to read it, there is nobody to tell of that either.
+  // The write fails only if the reader has ended, so there is nobody to report the failure to.
   if (::write(c_report, &text, sizeof text) < 0) ::_exit(1);
 }
 
-// Descriptors 0 to 3 are nothing to read, the output twice and the reports; there are no others.
+// Sets up descriptors 0 to 3: no input, the output twice, and the reports. Closes all others.
 bool arrangeDescriptors(const SupervisorPlan& plan) {
   if (::dup2(plan.report, c_report) < 0 || ::fcntl(c_report, F_SETFD, FD_CLOEXEC) < 0) return false;
   ::close(0);
@@ -75,15 +75,15 @@ void watchTime(pid_t program, unsigned int seconds) {
   ::alarm(seconds);
 }
 
-// The program stays a zombie until the alarm is off, so that no signal reaches another process that
-// got its number.
+// The program remains a zombie until the alarm is off. Its number can therefore not be given to
+// another process, which would then get the signal.
 int waitFor(pid_t program) {
   siginfo_t ended;
   while (::waitid(P_PID, static_cast<id_t>(program), &ended, WEXITED | WNOWAIT) < 0 &&
          errno == EINTR) {
   }
   ::alarm(0);
-  if (g_alarms > 0) ::kill(-program, SIGKILL);  // what else is in its group
+  if (g_alarms > 0) ::kill(-program, SIGKILL);  // ends the other processes of its group
   int status = 0;
   while (::waitpid(program, &status, 0) < 0 && errno == EINTR) {
   }
@@ -94,7 +94,8 @@ int waitFor(pid_t program) {
 
 void supervise(const SupervisorPlan& plan) {
   resetSignals();
-  ::setpgid(0, 0);  // a signal from the terminal must not end it before its program
+  ::setpgid(0,
+            0);  // otherwise a signal from the terminal would end the supervisor before its program
   if (!arrangeDescriptors(plan)) {
     const int error = errno;
     ::dup2(plan.report, c_report);
@@ -107,7 +108,7 @@ void supervise(const SupervisorPlan& plan) {
     report(SupervisorReport::NotStarted, errno);
     ::_exit(1);
   }
-  ::setpgid(program, program);  // here as well, because either process may come first
+  ::setpgid(program, program);  // also set here, because either process may run first
   watchTime(program, plan.timeoutSeconds);
   const int status = waitFor(program);
   report(g_alarms > 0 ? SupervisorReport::TimedOut : SupervisorReport::Ended, status);

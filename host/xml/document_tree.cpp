@@ -8,8 +8,9 @@
 namespace AdvXMLParser {
 namespace {
 
-// A raw carriage return would come back as a line feed. The tree holds one only where the text has
-// to be escaped anyway, so every one that arrives here stands for a character reference.
+// Writes a carriage return as a character reference, because a reader would turn a raw one into a
+// line feed. The tree writes one only for a character that must be escaped, so every one here
+// stands for a reference.
 class TextWriter : public pugi::xml_writer {
  public:
   void write(const void* data, std::size_t size) override {
@@ -26,8 +27,8 @@ class TextWriter : public pugi::xml_writer {
   std::string text;
 };
 
-// Keeps all that stands in the text, but the declaration: what a document says there holds for
-// its bytes, not for the tree.
+// Keeps the whole text except the declaration, because the declaration describes the bytes and not
+// the tree.
 constexpr unsigned int c_parseOptions =
     pugi::parse_fragment | pugi::parse_pi | pugi::parse_comments | pugi::parse_cdata |
     pugi::parse_ws_pcdata | pugi::parse_escapes | pugi::parse_wconv_attribute;
@@ -52,10 +53,10 @@ DocumentTree::DocumentTree() { prependDeclaration(document); }
 DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone standalone)
     : textSize(size) {
   text.data()[size] = '\0';
-  // With the terminator as part of the text; without it the last character would be lost.
+  // The terminator is part of the text. Otherwise pugixml would lose the last character.
   const pugi::xml_parse_result parsed = document.load_buffer_inplace_own(
       text.release(), size + 1, c_parseOptions, pugi::encoding_utf8);
-  // The text is known to be well formed.
+  // The text is well formed, so the only possible failure is memory.
   if (!parsed) throw std::bad_alloc();
   const pugi::xml_node declaration = prependDeclaration(document);
   if (standalone == host::Standalone::NotSaid) return;
@@ -65,7 +66,7 @@ DocumentTree::DocumentTree(TreeText text, std::size_t size, host::Standalone sta
 
 std::string DocumentTree::toText(bool indent) const {
   TextWriter writer;
-  // Most edits change little: some room for that, and the text need not be moved as it grows.
+  // Most edits change little. With this margin, the text need not be moved when it grows.
   writer.text.reserve(textSize + textSize / 8);
   document.save(writer, "  ", indent ? pugi::format_indent : pugi::format_raw, pugi::encoding_utf8);
   return std::move(writer.text);

@@ -18,16 +18,16 @@ namespace {
 
 constexpr std::size_t c_firstCapacity = 16384;
 constexpr std::size_t c_longestPlainName = 64;
-constexpr std::size_t c_markup = 8;  // more than what stands around a name or a value
+constexpr std::size_t c_markup = 8;  // more than the markup around a name or a value
 constexpr std::size_t c_nameRoom = c_longestPlainName + c_markup;
-// What is escaped at once; no character takes more bytes than "&quot;".
+// The number of characters that are escaped at a time. No character takes more bytes than "&quot;".
 constexpr std::size_t c_piece = 128;
 constexpr std::size_t c_pieceRoom = c_piece * 6 + c_markup;
 
 constexpr unsigned int c_inText = 1;
 constexpr unsigned int c_inValue = 2;
 
-// Where a character below 0x80 cannot stand as it is.
+// Says where a character below 0x80 must be escaped.
 constexpr std::array<unsigned char, 0x80> specialPlaces() {
   std::array<unsigned char, 0x80> places{};
   for (std::size_t c = 0; c < 0x20; ++c) places[c] = c_inText | c_inValue;
@@ -68,7 +68,8 @@ char* writeSpecial(wchar_t character, char* out) {
   return host::writeUtf8(&carried, 1, out);
 }
 
-// The text so far, with room behind it. It grows in place where it can, which no string does.
+// The text so far, with free space after it. It grows in place if possible; a std::string never
+// does.
 class Buffer {
  public:
   Buffer() = default;
@@ -79,7 +80,7 @@ class Buffer {
   const char* data() const { return m_data; }
   std::size_t size() const { return m_size; }
 
-  // Where the next `size` bytes may be written.
+  // Returns space for the next `size` bytes.
   char* room(std::size_t size) {
     if (m_capacity - m_size < size) grow(size);
     return m_data + m_size;
@@ -100,9 +101,9 @@ class Buffer {
   std::size_t m_capacity = 0;
 };
 
-// The size in UTF-8 of what a reader will get of a text.
+// Returns the size in UTF-8 of a text after it is read again.
 std::size_t carriedSize(const wchar_t* text, std::size_t length) {
-  // One byte in UTF-8, but written as U+FFFD, which has three.
+  // This character has one byte in UTF-8, but is written as U+FFFD, which has three.
   const auto replaced = std::count_if(text, text + length, [](wchar_t c) {
     return static_cast<std::uint32_t>(c) < 0x80 && !host::isXmlCharacter(c);
   });
@@ -117,8 +118,8 @@ char* put(const char* text, std::size_t size, char* out) {
 }  // namespace
 
 struct DocumentWriter::State {
-  // Writes behind `out`, for which there is room for a plain name and `more` bytes; so there is
-  // afterwards, behind the end that is returned, for `more`.
+  // Writes a name to `out`, which must have space for a plain name and `more` bytes. Returns the
+  // end, with space for `more` bytes after it.
   char* putName(const wchar_t* name, char* out, std::size_t more) {
     const std::size_t length = host::writePlainName(name, out, c_longestPlainName);
     if (length != 0) return out + length;
@@ -128,8 +129,8 @@ struct DocumentWriter::State {
     return put(repaired.c_str(), size, text.room(size + more));
   }
 
-  // Writes behind `out`, for which there is room for a piece and as many bytes more as there are
-  // behind the end that is returned.
+  // Writes an escaped text to `out`, which must have space for c_pieceRoom bytes. Returns the end.
+  // It has as much space after it as `out` had beyond those bytes.
   char* putEscaped(const wchar_t* from, std::size_t length, unsigned int place, char* out) {
     for (;;) {
       const wchar_t* const end = from + std::min(c_piece, length);
@@ -161,7 +162,7 @@ struct DocumentWriter::State {
     require(size <= host::c_maxTokenBytes, "length of a token");
   }
 
-  // A parser counts what a text stands for, without escapes.
+  // A parser counts the characters of a text without escapes.
   void countText(const wchar_t* from, std::size_t length, std::size_t written) {
     textSize += written == length ? length : carriedSize(from, length);
     require(textSize <= host::c_maxTokenBytes, "length of a text");
@@ -178,11 +179,11 @@ struct DocumentWriter::State {
 
   Buffer text;
   std::vector<OpenElement> open;
-  bool isInStartTag = false;  // of the innermost
+  bool isInStartTag = false;  // of the innermost element
   std::size_t tagStart = 0;
   std::size_t attributes = 0;  // of the element opened last
-  std::size_t textSize = 0;    // of the run of text so far
-  std::string overLimit;       // empty while a reader accepts the document
+  std::size_t textSize = 0;    // of the current text
+  std::string overLimit;       // empty while the document is within the limits
 };
 
 DocumentWriter::DocumentWriter(const wchar_t* rootName) : m_state(std::make_unique<State>()) {
@@ -229,7 +230,7 @@ void DocumentWriter::AddText(const wchar_t* text, std::size_t length) {
   state.countText(text, length, state.text.size() - start);
 }
 
-// The name is made again: it is short, and what was written a moment ago is slow to read back.
+// The name is converted again, because it is short and reading back what was just written is slow.
 void DocumentWriter::Close() {
   State& state = *m_state;
   char* out = state.text.room(c_nameRoom);

@@ -12,7 +12,7 @@
 namespace AdvXMLParser {
 namespace {
 
-// A byte that is refused wherever it stands in UTF-8.
+// A byte that is not valid anywhere in UTF-8.
 constexpr char c_invalidByte = '\xFF';
 
 template <typename Char>
@@ -22,7 +22,7 @@ bool beginsAsMarkup(const Char* text, const Char* end) {
   return first != end && *first == '<';
 }
 
-// Where the first character stands that is none in Unicode.
+// Returns the position of the first character that is not a Unicode scalar value.
 std::size_t scalars(const wchar_t* text, std::size_t length) {
   std::size_t done = 0;
   while (done < length) {
@@ -35,7 +35,7 @@ std::size_t scalars(const wchar_t* text, std::size_t length) {
   return done;
 }
 
-// A line ends in a line feed, however it is written. Returns the new end.
+// Replaces every line end with a line feed. Returns the new end.
 char* foldLineEnds(char* text, char* end) {
   char* from = static_cast<char*>(std::memchr(text, '\r', static_cast<std::size_t>(end - text)));
   if (!from) return end;
@@ -50,7 +50,7 @@ char* foldLineEnds(char* text, char* end) {
   return to;
 }
 
-// The tree of bytes that may be anything.
+// Returns the tree of any bytes, after the check that they are a document.
 std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end, const WrittenIn* writtenIn) {
   const host::Standalone standalone =
       host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()), writtenIn);
@@ -76,12 +76,12 @@ std::unique_ptr<DocumentTree> parseTree(const wchar_t* text, std::size_t length)
   host::requireDocumentSize(size);
   TreeText utf8(size);
   char* end = utf8.data();
-  if (size == length) {  // nothing beyond ASCII
+  if (size == length) {  // the text is plain ASCII
     end = host::narrowPlain(text, length, end);
   } else {
     const std::size_t validLength = scalars(text, length);
     end = host::writeUtf8(text, validLength, end);
-    // In place of what is no character; the parser then finds it and says where it is.
+    // Stands for the invalid character, so that the parser reports its place.
     if (validLength != length) *end++ = c_invalidByte;
   }
   return checkedTree(std::move(utf8), end, nullptr);

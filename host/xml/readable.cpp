@@ -14,15 +14,16 @@ bool hasMoreThan(std::size_t limit, const Range& range) {
   return static_cast<std::size_t>(std::distance(range.begin(), range.end())) > limit;
 }
 
-// Whether the numbers of children and attributes, and the depth, are within the limits.
+// Compares the numbers of children and attributes, and the depth, with the limits.
 class Counts : public pugi::xml_tree_walker {
  public:
   bool for_each(pugi::xml_node& node) override {
-    constexpr std::size_t c_depthOfChildren = 2;  // the walk counts the children of the root as 0
+    constexpr std::size_t c_depthOfChildren =
+        2;  // the depth of the root's children; the walk counts it as 0
     return static_cast<std::size_t>(depth()) + c_depthOfChildren <= c_maxDepth && check(node);
   }
 
-  // False also ends the walk.
+  // A result of false also ends the walk.
   static bool check(pugi::xml_node node) {
     return !hasMoreThan(c_maxAttributes, node.attributes()) &&
            !hasMoreThan(c_maxChildren, node.children());
@@ -39,7 +40,7 @@ void requireDocumentSize(std::size_t size) {
 
 void requireReadable(pugi::xml_node root, const std::string& text) {
   requireDocumentSize(text.size());
-  // No token is longer than the whole. Counting costs far less than parsing again.
+  // No token is longer than the whole text. Counting takes much less time than parsing again.
   Counts counts;
   if (text.size() <= c_maxTokenBytes && Counts::check(root) && root.traverse(counts)) return;
   checkWellFormed(text.data(), text.size());

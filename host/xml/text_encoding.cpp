@@ -49,8 +49,8 @@ bool isMarkupOrSpace(std::uint32_t unit) {
   return unit == '<' || unit == ' ' || unit == '\t' || unit == '\n' || unit == '\r';
 }
 
-// The number of units that the scalar value at `data` takes, of which there are `available`; 0 when
-// there is no valid one.
+// Returns how many of the `available` units at `data` belong to the first scalar value, or 0 if it
+// is not valid.
 std::size_t readScalar(const unsigned char* data, std::size_t available, UTF_ENCODINGS encoding,
                        std::uint32_t& value) {
   value = readUnit(data, encoding);
@@ -62,7 +62,8 @@ std::size_t readScalar(const unsigned char* data, std::size_t available, UTF_ENC
   return 2;
 }
 
-// Encoding names are ASCII, and the locale of the process must not change what is equal.
+// Compares ASCII names without regard to case. The result must not depend on the locale of the
+// process.
 bool isOneOf(std::string_view name, std::initializer_list<std::string_view> upperCaseNames) {
   const auto equals = [](char c, char upper) {
     return (c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c) == upper;
@@ -76,8 +77,8 @@ bool isOneOf(std::string_view name, std::initializer_list<std::string_view> uppe
 
 FoundEncoding findEncoding(const unsigned char* data, std::size_t length, UTF_ENCODINGS hint) {
   if (length >= 3 && data[0] == 0xEF && data[1] == 0xBB && data[2] == 0xBF) return {UTF_8, 3};
-  // The wider forms first: a mark or a character of UTF-32LE begins like one of UTF-16LE, whose
-  // next character would be NUL.
+  // The wider encodings are tested first. A mark or a character of UTF-32LE begins like one of
+  // UTF-16LE, followed by a zero character.
   for (const UTF_ENCODINGS encoding : {UTF_32LE, UTF_32BE, UTF_16LE, UTF_16BE}) {
     const std::size_t size = unitSize(encoding);
     if (length < size) continue;

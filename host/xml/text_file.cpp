@@ -35,14 +35,15 @@ std::string readBytes(const std::string& path) {
   return bytes;
 }
 
-// In place, because nearly all documents are UTF-8. False when the bytes are not.
+// Converts in place, because nearly all documents are UTF-8. Returns false if the bytes are not
+// UTF-8.
 bool stripToUtf8(std::string& bytes, std::size_t markLength) {
   if (!host::isUtf8(bytes.data() + markLength, bytes.size() - markLength)) return false;
   bytes.erase(0, markLength);
   return true;
 }
 
-// `utf8` may be what holds the bytes.
+// `utf8` may own the memory of `data`.
 bool convertToUtf8(const unsigned char* data, std::size_t length, const host::FoundEncoding& found,
                    std::string& utf8) {
   std::wstring text;

@@ -52,7 +52,8 @@ void setNodeValue(pugi::xml_node node, const char* value, std::size_t size) {
 }
 
 pugi::xml_attribute appendAttribute(pugi::xml_node node, const char* name, const char* value) {
-  // Named in a step of its own, because append_attribute does not tell whether that failed.
+  // The name is set in a separate step, because append_attribute does not report whether that
+  // failed.
   pugi::xml_attribute attribute = node.append_attribute("");
   require(attribute && attribute.set_name(name));
   setAttributeValue(attribute, value);
@@ -80,12 +81,12 @@ void setText(pugi::xml_node node, const XmlText& text) {
     setNodeValue(node.prepend_child(pugi::node_pcdata), text.c_str(), text.size());
 }
 
-// The tree's own copying does not tell when it ran out of memory.
+// pugixml's own copy does not report a failed allocation.
 void appendCopy(pugi::xml_node parent, pugi::xml_node source) {
   pugi::xml_node from = source;
   pugi::xml_node to = copyAlone(source, parent);
   const pugi::xml_node copy = to;
-  // A copy that goes into its own source must not be copied itself.
+  // If the copy is inside its own source, the walk must skip it.
   const auto unlessCopy = [copy](pugi::xml_node node) {
     return node == copy ? pugi::xml_node() : node;
   };

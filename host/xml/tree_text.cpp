@@ -11,8 +11,8 @@
 namespace host {
 namespace {
 
-// Fills [out, end) with the wide form of valid UTF-8. The end of what was written; null when there
-// is not enough room.
+// Writes the wide form of valid UTF-8 to [out, end). Returns the end of the written characters, or
+// null when there is not enough space.
 wchar_t* decode(const char* utf8, wchar_t* out, wchar_t* end) {
   const char* const utf8End = utf8 + std::strlen(utf8);
   while (utf8 != utf8End) {
@@ -43,7 +43,7 @@ bool equals(const char* utf8, const wchar_t* wide) {
 }
 
 std::size_t findName(const char* utf8, const wchar_t* const* names, std::size_t count) {
-  // Most names differ in their first character.
+  // Compares the first characters first, because they differ in most names.
   const auto byte = static_cast<unsigned char>(*utf8);
   const auto first = static_cast<wchar_t>(byte < 0x80 ? byte : utf8::unchecked::peek_next(utf8));
   for (std::size_t i = 0; i < count; ++i) {
@@ -54,8 +54,8 @@ std::size_t findName(const char* utf8, const wchar_t* const* names, std::size_t 
 
 namespace {
 
-// Shows each text directly inside the node to `take` until that returns false. Not by iterators,
-// which ask pugixml four times as often.
+// Calls `take` for each text directly in the node until it returns false. Iterators would call
+// pugixml four times as often.
 template <typename Take>
 bool eachText(pugi::xml_node node, Take take) {
   for (pugi::xml_node child = node.first_child();; child = child.next_sibling()) {

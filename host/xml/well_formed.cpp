@@ -24,8 +24,9 @@ struct FreeParser {
 };
 using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
-// What keeps others from making a document whose names all fall into one place of expat's tables.
-// Drawn once, where expat would draw it for every document; 0 lets expat do so.
+// A random salt, so that nobody can write a document whose names all have the same hash in expat's
+// tables. It is drawn once in a process, because expat would draw one for every document. With 0,
+// expat draws its own.
 std::atomic<unsigned long> g_hashSalt{0};
 
 unsigned long hashSalt() {
@@ -42,13 +43,14 @@ ParserPtr makeParser() {
   return parser;
 }
 
-// What expat gets at once: as much as nearly all documents have, because after each piece but the
-// last it goes through it again to count its lines, and little enough that a token over the limit
-// is refused before much of it has been looked at.
+// The number of bytes that expat gets at a time. Most documents fit into one piece, because expat
+// reads each piece but the last again to count lines. A token over the limit is refused after one
+// piece.
 constexpr std::size_t c_pieceBytes = 4 * c_maxTokenBytes;
 
-// Counts while expat parses. The handlers are what expat calls; no exception may pass through its
-// frames, so the first one is kept and stops the parser, which may still make a call or two.
+// Counts while expat parses. The handlers are called by expat. An exception must not pass through
+// its frames, so the first one is stored and stops the parser. The parser may still call a handler
+// once or twice afterwards.
 class Checker {
  public:
   Checker() : m_parser(makeParser()) {
@@ -62,7 +64,7 @@ class Checker {
     XML_SetCdataSectionHandler(parser, onMarkup, onMarkup);
     XML_SetCommentHandler(parser, onComment);
     XML_SetProcessingInstructionHandler(parser, onInstruction);
-    // What no other handler takes is the white space around the root.
+    // The other handlers take everything except the white space around the root.
     XML_SetDefaultHandlerExpand(parser, onText);
   }
 
@@ -94,9 +96,9 @@ class Checker {
     refuse(XML_ErrorString(error));
   }
 
-  // The token that has no end in what was fed.
+  // Checks the token whose end was not in the bytes so far.
   void requireTokenWithin() const {
-    // Negative: nothing has come before it.
+    // The index is negative if no token precedes this one.
     const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));
     if (m_fed - static_cast<std::size_t>(start) > c_maxTokenBytes) {
       refuseAsTooLarge("length of a token");
@@ -178,10 +180,10 @@ class Checker {
 
   ParserPtr m_parser;
   const AdvXMLParser::WrittenIn* m_writtenIn = nullptr;
-  std::size_t m_fed = 0;  // in bytes
+  std::size_t m_fed = 0;  // bytes that expat has received
   std::size_t m_depth = 0;
   std::array<std::size_t, c_maxDepth + 1> m_children{};  // by the depth of the parent
-  std::size_t m_textSize = 0;                            // of the run of text so far
+  std::size_t m_textSize = 0;                            // of the current text
   Standalone m_standalone = Standalone::NotSaid;
   std::exception_ptr m_failure;
 };

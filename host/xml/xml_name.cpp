@@ -14,8 +14,8 @@ namespace {
 
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
-constexpr unsigned char c_first = 1;  // may be the first of a name
-constexpr unsigned char c_other = 2;  // may be another
+constexpr unsigned char c_first = 1;  // may be the first character of a name
+constexpr unsigned char c_other = 2;  // may be another character of a name
 
 constexpr std::array<unsigned char, 0x80> placesInNames() {
   std::array<unsigned char, 0x80> places{};
@@ -27,8 +27,8 @@ constexpr std::array<unsigned char, 0x80> placesInNames() {
 }
 constexpr std::array<unsigned char, 0x80> c_places = placesInNames();
 
-// Of the plain characters; which ones beyond ASCII a name may have is for the parser to say that
-// will read it.
+// Returns whether a plain character may be at this place in a name. The parser that reads the
+// document checks all other characters.
 bool fits(wchar_t c, unsigned char place) {
   const auto at = static_cast<std::uint32_t>(c);
   return at < c_places.size() && (c_places[at] & place) != 0;

@@ -8,14 +8,14 @@
 namespace sitehlp {
 namespace {
 
-// A component of its own, because people search logs for the fixed lines of the class.
+// A separate component, because people search logs for the fixed lines of the class.
 constexpr const wchar_t* c_causeComponent = L"Host";
 
 AString reasonOf(const std::wstring& path) {
   try {
     throw;
   } catch (const AdvXMLParser::ReadWriteException& failure) {
-    return AString(failure.what());  // names the file
+    return AString(failure.what());  // the text has the path of the file
   } catch (const std::bad_alloc&) {
     return AString(path).append(L": not enough memory");
   } catch (const std::exception& failure) {
@@ -31,7 +31,7 @@ void logCause(const std::wstring& text) noexcept {
   try {
     logError(c_causeComponent, text);
   } catch (...) {
-    // There is no memory for the line.
+    // There is not enough memory for the line.
   }
 }
 
@@ -39,7 +39,7 @@ void logCaught(const wchar_t* what, const std::wstring& path) noexcept {
   try {
     logCause(AString(what).append(reasonOf(path)).str());
   } catch (...) {
-    // There is no memory for the line either.
+    // There is not enough memory for the line.
   }
 }
 

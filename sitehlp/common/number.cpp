@@ -10,14 +10,14 @@
 namespace sitehlp {
 
 int toInt(const char* text) {
-  // atoi itself leaves a number that does not fit undefined.
+  // atoi has undefined behaviour for a number out of range.
   return static_cast<int>(std::strtol(text, nullptr, 10));
 }
 
 bool toUnsigned(const wchar_t* text, unsigned int& number) {
   constexpr std::uint64_t c_limit = std::numeric_limits<unsigned int>::max();
   while (*text == L' ' || (*text >= L'\t' && *text <= L'\r')) ++text;
-  // A sign is not a digit: "-1" would otherwise wrap around to a port of another host.
+  // A sign is not accepted. Otherwise "-1" would become a valid port of another host.
   if (*text < L'0' || *text > L'9') return false;
   std::uint64_t value = 0;
   for (; *text >= L'0' && *text <= L'9'; ++text) {

@@ -14,7 +14,7 @@ using korvel_com::ZQ::crypto::CryptShim;
 using korvel_com::ZQ::crypto::EncryptionType;
 using korvel_com::ZQ::crypto::IEncryption;
 
-// An encryption object that goes back to the service however the scope is left.
+// Owns an encryption object and returns it to the service at the end of the scope.
 class EncryptionObject {
  public:
   explicit EncryptionObject(EncryptionType type)

@@ -10,7 +10,8 @@ namespace {
 pthread_mutex_t g_cache = PTHREAD_MUTEX_INITIALIZER;
 thread_local bool t_holdsCache = false;
 
-// The C library takes a lock of its own for the time zone, which a child of a fork would find held.
+// Held during a fork, because the C library takes a lock for the time zone. Without g_zone, another
+// thread could hold that lock at the fork, and the child could never take it.
 pthread_mutex_t g_zone = PTHREAD_MUTEX_INITIALIZER;
 
 void beforeFork() { ::pthread_mutex_lock(&g_zone); }
@@ -19,11 +20,11 @@ void afterForkInParent() { ::pthread_mutex_unlock(&g_zone); }
 
 void afterForkInChild() {
   ::pthread_mutex_unlock(&g_zone);
-  // Its holder is a thread that the child does not have.
+  // The thread that holds it does not exist in the child.
   if (!t_holdsCache) new (&g_cache) pthread_mutex_t(PTHREAD_MUTEX_INITIALIZER);
 }
 
-// When the library is loaded, so that no fork comes before it.
+// Registered when the library is loaded, so before any fork.
 const int g_registered = ::pthread_atfork(beforeFork, afterForkInParent, afterForkInChild);
 
 }  // namespace
@@ -40,7 +41,7 @@ CacheGuard::~CacheGuard() {
 
 bool toLocalTime(std::time_t time, std::tm& local) {
   ::pthread_mutex_lock(&g_zone);
-  ::tzset();  // localtime_r alone need not notice that the zone has changed
+  ::tzset();  // localtime_r alone may miss a change of the time zone
   const bool converted = ::localtime_r(&time, &local) != nullptr;
   ::pthread_mutex_unlock(&g_zone);
   return converted;

@@ -5,7 +5,8 @@
 namespace sitehlp {
 
 void wipeMemory(void* memory, std::size_t size) noexcept {
-  // A call through a volatile pointer cannot be proved to be a memset, so it is not removed.
+  // The compiler cannot prove that a call through a volatile pointer is memset, so it does not
+  // remove the call.
   static void* (*volatile const set)(void*, int, std::size_t) = std::memset;
   if (size != 0) set(memory, 0, size);
 }

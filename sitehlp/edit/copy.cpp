@@ -11,7 +11,7 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_SITE_TYPE;
 
 namespace {
 
-// In place of a name: the text of the element.
+// Given instead of a name, it means the text of the element.
 constexpr const wchar_t* c_elementText = L"";
 
 void copyText(const AnXmlNode& source, AnXmlNode& target) {
@@ -19,8 +19,7 @@ void copyText(const AnXmlNode& source, AnXmlNode& target) {
   if (source.tryGetValue(c_elementText, text)) target.setValue(c_elementText, text);
 }
 
-// The first child of each name. Looking for each name in turn would take the square of their
-// number.
+// Returns the first child of each name. Finding each name separately would take quadratic time.
 std::unordered_map<std::wstring, AnXmlNode> firstChildren(const AnXmlNode& node) {
   std::unordered_map<std::wstring, AnXmlNode> children;
   AnXmlChildIndex index(node, nullptr);
@@ -38,7 +37,7 @@ void CSitesHelper::copyXmlAttributesAlter(AnXmlNode& source, AnXmlNode& target, 
   AString value;
   while (attributes.moveNext(name, value)) {
     if (name.str() == WX_XML_SITE_ORDER) {
-      // Without an order the default of the reader applies.
+      // Without an order, the reader uses its default.
       if (order != 0) target.setValue(name.c_str(), AString(order));
     } else if (name.str() == WX_XML_SITE_TYPE && type && type[0] != L'\0') {
       target.setValue(name.c_str(), type);

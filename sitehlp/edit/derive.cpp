@@ -32,7 +32,7 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
   if (!openLocked(document, sourcePath)) return false;
   AnXmlNode siteList(&document);
   if (!siteList.tryGetChildMove(WX_XML_SITELIST, nullptr, nullptr, nullptr, nullptr)) {
-    // The quote is not closed; those who search logs for the line rely on it.
+    // The quote is not closed, because people search logs for this exact line.
     logError(c_editComponent, AString(L"Site list '")
                                   .append(sourcePath)
                                   .append(L" missing section ")
@@ -45,7 +45,7 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
   }
   const std::wstring targetPath =
       joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);
-  // A link from one name to the other would have the client list lose its local sites.
+  // If a link leads from one name to the other, the own list would lose its local sites.
   if (AFiler::isSameFile(targetPath, sourcePath)) {
     logCause(L"Server site list not written: " + targetPath + L" and " + sourcePath +
              L" may be the same file; next: remove the symbolic link between them");

@@ -21,7 +21,7 @@ namespace {
 
 constexpr const wchar_t* c_fallbackType = L"fallback";
 
-// A default vendor repository as a document has it.
+// A default vendor repository in a document.
 struct VendorSite {
   VendorSite(const AnXmlNode& siteList, const wchar_t* elementName, const std::wstring& server) {
     AString orderText;
@@ -34,7 +34,7 @@ struct VendorSite {
   }
 
   AnXmlNode node;
-  int order = 0;  // 0: not there, or without an order
+  int order = 0;  // 0 if the repository or its order is missing
   AString type;
 };
 
@@ -53,7 +53,7 @@ struct VendorSites {
   VendorSite ftp;
 };
 
-// The target keeps its two order slots; which repository has which follows the source.
+// Keeps the two orders of the target. The source determines which repository gets which order.
 void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
                            const AnXmlNode& sourceSiteList) {
   VendorSites target(targetSiteList);
@@ -74,7 +74,7 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
   }
 }
 
-// Servers that were added may make more records than a reader takes.
+// With the added servers, the list may have more records than a reader accepts.
 bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
   RecordLimits limits;
   AnXmlChildIndex sites(siteList, nullptr);
@@ -89,9 +89,9 @@ bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
   return true;
 }
 
-// What MustReadSiteList does, but of all the records only the one is kept that decides which key
-// files come with the list, a versioned server or else the first: memory for the others, of which
-// there may be thousands, would cost more than all the rest.
+// Does the same as MustReadSiteList, but keeps only one record. This record determines which key
+// files come with the list: the first server with a version, otherwise the first record. Memory for
+// the others would take more time than all other steps.
 int mustReadDecidingSite(ListSource& source, bool useDecryptData, PolicySettings& policySettings,
                          ListOwner& deciding) {
   const auto take = [&deciding](tag_Site* site) {

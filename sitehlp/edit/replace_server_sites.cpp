@@ -11,8 +11,8 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// What a management server is told by, as one text. False when the element lacks one of the
-// attributes: it is then the same as no other.
+// Gets the values that identify a management server, as one text. Returns false if one of the
+// attributes is missing; the element is then different from every other.
 bool identityOf(const AnXmlNode& server, std::wstring& identity) {
   identity.clear();
   AString value;
@@ -20,7 +20,7 @@ bool identityOf(const AnXmlNode& server, std::wstring& identity) {
        {WX_XML_SITE_NAME, WX_XML_SITE_SERVER, WX_XML_SERVER_NETBIOS_NAME, WX_XML_SITE_SERVER_IP}) {
     if (!server.tryGetValue(name, value)) return false;
     identity.append(value.str());
-    identity.push_back(L'\0');  // stands in no value
+    identity.push_back(L'\0');  // no value has this character
   }
   return true;
 }
@@ -38,7 +38,7 @@ Identities identitiesIn(const AnXmlNode& siteList) {
   return identities;
 }
 
-// Removes the servers that are not in the source; those that stay keep all they have.
+// Removes the servers that are not in the source. The others are unchanged.
 void removeServersNotIn(const Identities& sourceIdentities, const AnXmlNode& targetSiteList) {
   AnXmlChildIndex servers(targetSiteList, WX_XML_SITELIST_VESTA_SITE);
   AnXmlNode server;

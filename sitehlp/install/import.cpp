@@ -30,7 +30,7 @@ bool isVendorFtp(const tag_Site& site) {
          site.ftp.uServerPort == c_vendorFtpPort;
 }
 
-// The common part of import and install into the instance's own file `target`.
+// The common part of import and install into the instance's own file, `target`.
 int importFrom(CSitesHelper& helper, const std::wstring& target, ListSource& source,
                const std::wstring& srcPath, tag_Site* sites, const std::wstring& keyDir) {
   helper.AdjustSitesOrder(sites);
@@ -50,7 +50,7 @@ int importFrom(CSitesHelper& helper, const std::wstring& target, ListSource& sou
       AString(L"Original local version of ").append(srcPath).append(L" is ").append(localVersion));
   std::vector<std::wstring> certificates;
   queryCertificates(source, certificates);
-  // The keys first: the list must not name a server whose keys are missing.
+  // The key files are written first, because the list must not name a server without its keys.
   if (!helper.createDirectoriesAndCopyKeyFiles(srcPath, sites, keyDir)) return c_errorGeneral;
   const int writeResult =
       helper.CreateSiteList(sites, target, globalVersion, localVersion, type, certificates);

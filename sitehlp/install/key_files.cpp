@@ -75,7 +75,7 @@ bool CSitesHelper::writeKeyFiles(bool hasSrPub, bool hasReqSec, const ABuffer& s
   if (hasSr2048Pub && !writeKeyFile(sr2048Pub, c_sr2048PubKey, noSubDir, dir)) return false;
   if (hasReqSec && !writeKeyFile(reqSec, c_reqSecKey, noSubDir, dir)) return false;
   if (hasReq2048Sec && !writeKeyFile(req2048Sec, c_req2048SecKey, noSubDir, dir)) return false;
-  // A request key that is left over would not belong to the new public key.
+  // An old request key would not belong to the new public key.
   const bool onlyPublic = (hasSrPub || hasSr2048Pub) && !hasReqSec && !hasReq2048Sec;
   return !onlyPublic || AFiler::deleteFile(APath(dir, c_reqSecKey).str());
 }

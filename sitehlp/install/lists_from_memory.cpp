@@ -19,7 +19,7 @@ namespace {
 
 constexpr const wchar_t* c_scratchSiteList = L"/Library/Korvel/orb/scratch/etc/SiteList.xml";
 
-// What a text holds before a document was read into it: no markup.
+// The initial text, before a document is read. It has no markup.
 constexpr const char* c_noDocument = "invalid";
 
 std::wstring serverSiteListPath() {
@@ -27,7 +27,7 @@ std::wstring serverSiteListPath() {
          c_serverSitelistName;
 }
 
-// Sets a flag of the instance for one scope, whatever ends it.
+// Sets a flag of the instance until the end of the scope.
 class FlagForScope {
  public:
   explicit FlagForScope(std::int32_t& flag) : m_flag(flag) { m_flag = 1; }
@@ -88,7 +88,7 @@ int CSitesHelper::AdjustPwd(AnObjectBuffer<unsigned char>& buffer) {
                                 readVersions(root, globalVersion, localVersion, type);
                                 readCertificates(root, certificates);
                               });
-  // Bytes that are no document must not replace the stored list with an empty one.
+  // Bytes that are not a document must not replace the stored list with an empty one.
   if (result != c_success && result != c_errorGeneral) return result;
   CreateSiteList(list.get(), serverSiteListPath(), globalVersion, localVersion, type, certificates);
   return result;

@@ -19,7 +19,7 @@ bool isFilledFile(const AString& path) {
   return AFiler::getFileSize(path, size) && size != 0;
 }
 
-// Logs a fault for every rule that fails and remembers that one did.
+// Logs each fault and remembers whether there was one.
 class Checks {
  public:
   void fail(const AString& text) {
@@ -29,7 +29,7 @@ class Checks {
   void failIf(bool fault, const wchar_t* text) {
     if (fault) fail(text);
   }
-  // One of the two files of a pair is enough.
+  // One of the two files of a pair is sufficient.
   void requireKeyFile(const AString& directory, const wchar_t* name, const wchar_t* otherName) {
     const APath path(directory, name);
     const APath otherPath(directory, otherName);

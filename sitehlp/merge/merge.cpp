@@ -21,8 +21,8 @@ bool isKept(const tag_Site& site, bool skipProxy) {
   return kind && !(skipProxy && *kind == Kind::Proxy);
 }
 
-// What MergeThisSiteList makes of the list into an empty result, without copies: the list was read
-// for this merge, so nobody else knows its records.
+// Does the same as MergeThisSiteList with an empty result, but without copies. The list was read
+// for this merge, so nobody else uses its records.
 void moveIntoResult(ListOwner& list, tag_Site** tail, tag_Site** head) {
   const ADetailTrace trace(c_component, L"Merge this sitelist");
   *head = list.release();
@@ -31,7 +31,8 @@ void moveIntoResult(ListOwner& list, tag_Site** tail, tag_Site** head) {
   *tail = last;
 }
 
-// Releases a result that is not kept, also when something is thrown, and leaves null behind.
+// Releases the result and sets it to null, unless keep() was called. This also happens after an
+// exception.
 class Unfinished {
  public:
   explicit Unfinished(tag_Site** list) : m_list(list) {}
@@ -49,13 +50,13 @@ class Unfinished {
   tag_Site** m_list;
 };
 
-// Kinds that a fallback site is carried over with.
+// Returns whether a fallback of this kind is added to the list.
 bool isCarriedKind(const tag_Site& site) {
   return site.eSiteKind == SITE_KIND_HTTP || site.eSiteKind == SITE_KIND_FTP;
 }
 
-// Puts the fallback and server sites of `source` into the list. Only the server sites count for the
-// result, which stays as it is when `source` has none.
+// Adds the fallback and server sites of `source` to the list. `result` becomes the result of the
+// server sites. It is unchanged if `source` has none.
 void carryOver(CSitesHelper& helper, tag_Site* source, tag_Site** tail, tag_Site** head,
                int& result) {
   tag_Site* fallback = nullptr;
@@ -90,7 +91,7 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
     }
     if (first) carryOver(*this, first, &tail, finalList, result);
   } else {
-    // The result is that of the step behind this one.
+    // The result is that of the second step below.
     if (second) MergeThisSiteList(second, false, &tail, finalList);
     if (first) {
       result = MergeThisSiteList(first, true, &tail, finalList);
@@ -151,7 +152,7 @@ int CSitesHelper::UpdateFallbackSite(tag_Site* fallback, tag_Site** tail, tag_Si
   while (match && !isFallback(*match)) match = match->pNext;
   if (!*head) {
     fallback->pNext = nullptr;
-    *head = fallback;  // the tail stays as it is
+    *head = fallback;  // the tail is unchanged
   } else if (match && isCarriedKind(*fallback)) {
     fallback->pNext = match->pNext;
     std::memcpy(match, fallback, sizeof(tag_Site));

@@ -23,7 +23,7 @@ bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head) {
   tag_Site** link = head;
   while (*link && !isServerSite(**link)) link = &(*link)->pNext;
   if (!*link) {
-    // Server sites only replace server sites. The tail moves on to the chain all the same.
+    // Server sites replace only server sites. The tail still moves on to the chain.
     if (*tail) {
       lastOf(chain)->pNext = (*tail)->pNext;
       *tail = chain;
@@ -38,7 +38,7 @@ bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head) {
       tailRemoved = tailRemoved || removed == *tail;
       releaseRecord(removed);
       if (!*link) break;
-      // The record behind a removed one is passed over, whatever it is.
+      // Skips the record after a removed one, even if it is a server site.
     }
     link = &(*link)->pNext;
   }

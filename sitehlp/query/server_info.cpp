@@ -10,7 +10,7 @@
 namespace sitehlp {
 namespace {
 
-// An IPv6 literal without its brackets.
+// Returns an IPv6 literal without its brackets.
 std::wstring plainAddress(const wchar_t* text) {
   const std::wstring address = text;
   if (address.find(L'[') == std::wstring::npos) return address;
@@ -19,11 +19,12 @@ std::wstring plainAddress(const wchar_t* text) {
 
 // Copies the server sites of the instance's own list.
 int readServers(CSitesHelper& helper, ListOwner& servers) {
-  const CacheGuard guard;  // until they are copied: another thread may replace the cached list
+  const CacheGuard
+      guard;  // held until they are copied, because another thread may replace the cached list
   tag_Site* list = nullptr;
   const int result = smartRead(helper, std::wstring(), &list);
   if (result < 0) {
-    if (list) CSitesHelper::FreeSiteListMemory(list);  // it did not become the cached one
+    if (list) CSitesHelper::FreeSiteListMemory(list);  // it did not become the cached list
     return result;
   }
   return list ? helper.GetVestaSite(list, servers.out()) : result;

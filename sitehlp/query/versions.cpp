@@ -13,7 +13,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// Shows the root of a list to `query`, whose result it returns; -1 when there is no root.
+// Calls `query` with the root of a list and returns its result, or -1 when there is no root.
 template <typename Query>
 int queryRoot(ListSource& source, Query query) {
   try {

@@ -34,14 +34,15 @@ void readChildren(const Children& children, const Element& element, bool useDecr
   for (const Element child : element.Elements()) children.read(child, useDecryptData, site);
 }
 
-// A server address, split. The host points into the object or into its long text.
+// A server address, divided into host and port. The host points into the object or into m_long.
 class Address {
  public:
   explicit Address(const Attribute& attribute) { set(attribute); }
   Address(const Address&) = delete;
   Address& operator=(const Address&) = delete;
 
-  // A port that cannot be read behind the ":" is 0, and never that of another address.
+  // A port after the ":" that cannot be read becomes 0. It never keeps the value of another
+  // address.
   void set(const Attribute& attribute) {
     m_text = m_buffer;
     m_port = 0;

@@ -38,7 +38,7 @@ void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySe
   }
 }
 
-// `open` gives the document, or null when there is no markup.
+// `open` must return the document, or null when there is no markup.
 template <typename Open>
 int readDocument(const Open& open, bool useDecryptData, PolicySettings& policySettings,
                  const TakeSite& take, const Inspect& inspect) {

@@ -48,8 +48,8 @@ SiteKind kindOf(SiteElement element) {
   return SITE_KIND_PROXY;
 }
 
-// What an element directly in a list is. Proxies are known only inside a list of their own, which
-// stands for them here.
+// Returns the kind of an element directly in a list. A ProxyConfigList there has the kind Proxy. A
+// ProxyConfig is unknown there, because it must be in a ProxyConfigList.
 SiteElement classifySite(const Element& element) {
   if (element.HasName(WX_XML_PROXY_CONFIG_LIST)) return SiteElement::Proxy;
   const SiteElement kind = classify(element);
@@ -64,8 +64,8 @@ void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
   }
 }
 
-// Each child in turn is decoded over the site data, so the last one wins. Any site element may
-// stand there, and a smaller record leaves what a larger one before it left behind its own end.
+// Decodes each child over the data of the one before it, so the last one is used. Any site element
+// may be in a ProxyConfigList. A smaller record does not overwrite the rest of a larger one.
 void readProxyConfigList(const Element& element, const SiteAttributes& attributes,
                          bool useDecryptData, tag_Site& site, int& result) {
   bool hasChild = false;

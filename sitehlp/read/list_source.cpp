@@ -45,7 +45,7 @@ int ListSource::readFile(bool useLock) {
 AdvXMLParser::Document* ListSource::document() {
   if (!m_document) {
     m_document.reset(AdvXMLParser::Parser().ParseUtf8(m_utf8.data(), m_utf8.size(), &m_writtenIn));
-    if (m_document) std::string().swap(m_utf8);  // the tree holds all of it
+    if (m_document) std::string().swap(m_utf8);  // the tree has all of it
   }
   return m_document.get();
 }

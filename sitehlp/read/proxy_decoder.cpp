@@ -14,7 +14,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// The list stays below this length, the delimiter in front of each host counted.
+// The text must be shorter than this. A delimiter is counted for each host.
 constexpr std::size_t c_exclusionListLimit = 4000;
 
 const ChildReader<c_proxyFields> c_children;
@@ -25,7 +25,7 @@ void readExclusions(const Element& element, tag_ProxySite& site) {
   std::size_t length = std::wcslen(site.szExclusionList);
   for (const Element child : element.Elements()) {
     if (!child.HasName(WX_XML_PROXY_EXCLUSIONHOST)) continue;
-    // The delimiter counts against the limit even for the first host, which has none.
+    // A delimiter is counted even for the first host, which has none.
     const std::size_t room = c_exclusionListLimit - length;
     const std::size_t start = site.iExclusionCount != 0 ? length + 1 : length;
     if (room > 1 && child.CopyValue(site.szExclusionList + start, room - 1)) {
@@ -48,7 +48,7 @@ void decodeProxy(const Element& element, const SiteAttributes& attributes, bool 
   readAttributes<c_proxyFields>(attributes, site);
   const bool http = site.szHttpProxyServer[0] != L'\0';
   const bool ftp = site.szFtpProxyServer[0] != L'\0';
-  // A port counts only with its server.
+  // A port is used only with its server.
   if (!http) site.iHttpProxyPort = 0;
   if (!ftp) site.iFtpProxyPort = 0;
   const wchar_t* const which = http && ftp ? WX_XML_SITELIST_FTPHTTP_SITE
@@ -57,7 +57,7 @@ void decodeProxy(const Element& element, const SiteAttributes& attributes, bool 
                                            : L"";
   setField(site.szElement, which, std::wcslen(which));
   for (const Element child : element.Elements()) {
-    // The one password that is always in the agent's own protection.
+    // Only this password is always encrypted with the password key.
     const bool isOwn = useDecryptData && child.HasName(WX_XML_HTTP_PROXY_PROXYPASSWORD);
     c_children.read(child, useDecryptData && !isOwn, site);
   }

@@ -21,7 +21,7 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_CABUNDLE;
 
 namespace {
 
-// A cached list is read anew once the counter is above this.
+// The cached list is read again when the counter is greater than this.
 constexpr std::int32_t c_changesServed = 2;
 
 void logNumber(const wchar_t* text, int number) {
@@ -39,7 +39,8 @@ int smartRead(CSitesHelper& helper, const std::wstring& path, tag_Site** list) {
   std::int32_t& changes = CSitesHelper::m_iChange;
   if (!cached || changes > c_changesServed) {
     logNumber(L"Reading from FILE", changes);
-    // Null first: a child of a fork at this moment must not find a list that is half released.
+    // Set to null before the release, so that a child of fork does not find a list that is partly
+    // released.
     if (cached) CSitesHelper::FreeSiteListMemory(std::exchange(cached, nullptr));
     result = helper.ReadSiteList(path, list, true);
     if (result < 0 || !*list) {
@@ -88,7 +89,8 @@ bool CSitesHelper::GetSiteListBuffer(std::wstring& text) {
   lock.lock(c_waitForEver);
   AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
   AdvXMLParser::ReadBufferFromFile(m_strSiteListFile, text, encoding, nullptr);
-  // Start and end marker are the same text, so only the opening tag goes; callers rely on the rest.
+  // The start and end markers are the same text, so only the opening tag is removed. Callers rely
+  // on this.
   const std::wstring marker = std::wstring(L"<") + WX_XML_CABUNDLE + L">";
   const std::size_t start = text.find(marker);
   if (start != std::wstring::npos) text.erase(start, marker.size());

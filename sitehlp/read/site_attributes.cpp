@@ -3,8 +3,8 @@
 namespace sitehlp {
 namespace {
 
-// Filled when the library is loaded, as in the other tables of names: the guard of a static of a
-// function would stay held in the child of a fork at its first use.
+// Initialised when the library is loaded, as the other tables of names. The guard of a
+// function-local static could be held at a fork, and the child would wait for it without end.
 struct NameTexts {
   NameTexts() {
     for (std::size_t i = 0; i < attributes::c_names.count; ++i) {

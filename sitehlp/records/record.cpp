@@ -18,7 +18,7 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
 
 template <std::size_t N>
 void wipeField(wchar_t (&field)[N]) noexcept {
-  // Fields are zero behind their text, so the text is all there is to wipe.
+  // A field is zero after its text, so only the text must be wiped.
   wipeMemory(field, ::wcsnlen(field, N) * sizeof(wchar_t));
 }
 
@@ -30,19 +30,20 @@ void eachPassword(Record& record, const Wipe& wipe) noexcept {
   });
 }
 
-// A record may have been of another kind before, and its password then lies where that kind has it.
+// A record may have had another kind before. Its password is then at the place for that kind.
 void wipePasswords(tag_Site& record) noexcept {
   if (record.eSiteKind == SITE_KIND_PROXY) {
-    // It may hold any kind of site that stood in its list.
+    // It may have the data of any site element in its ProxyConfigList.
     return wipeMemory(&record.proxy, sizeof record.proxy);
   }
-  // In full: a field of another kind may have put a zero into the password since.
+  // The whole field is wiped, because a later field of another kind may have put a zero into the
+  // password.
   const auto wipeInFull = [](auto& password) { wipeMemory(password, sizeof password); };
   eachPassword<c_httpFields>(record.http, wipeInFull);
   eachPassword<c_ftpFields>(record.ftp, wipeInFull);
   eachPassword<c_uncFields>(record.unc, wipeInFull);
   eachPassword<c_localFields>(record.local, wipeInFull);
-  // No other kind reaches as far as these.
+  // The records of the other kinds are too small to reach these fields.
   eachPassword<c_proxyFields>(record.proxy, [](auto& password) { wipeField(password); });
 }
 
@@ -78,7 +79,7 @@ bool isVersionedServer(const tag_Site& record) {
 bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, L"fallback") == 0; }
 
 void CSitesHelper::CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity) {
-  std::wcsncpy(dest, src, capacity);  // fills what the text leaves with zeros
+  std::wcsncpy(dest, src, capacity);  // fills the rest of the field with zeros
   if (dest[capacity - 1] == L'\0') return;
   dest[capacity - 1] = L'\0';
   if (!logEnabled(LogLevel::Detail)) return;

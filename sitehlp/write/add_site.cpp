@@ -2,7 +2,7 @@
 #include "sitehlp/write/element_writer.h"
 #include "sitehlp/write/site_writers.h"
 
-// The writers of one record each, on a tree.
+// The operations that write one record into a tree.
 namespace sitehlp {
 namespace {
 

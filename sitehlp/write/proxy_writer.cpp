@@ -13,7 +13,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// One less than the field holds; the agent's other readers of the record count on it.
+// One less than the capacity of the field. Other readers of the record in the agent rely on it.
 constexpr unsigned int c_exclusionFormatCapacity = 4000;
 
 void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serverName,

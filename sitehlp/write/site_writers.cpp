@@ -29,7 +29,7 @@ void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to)
   }
 }
 
-// The attributes "Type", "Name" and, but for a mirror, "Order".
+// Adds the attributes "Type" and "Name". Adds "Order" unless the site is a mirror.
 void addIdentity(ElementWriter& writer, const tag_Site& site, const wchar_t* name) {
   writer.addAttribute(WX_XML_SITE_TYPE,
                       site.szType[0] != L'\0' ? site.szType : STR_SITE_TYPE_REPOSITORY);
@@ -39,7 +39,7 @@ void addIdentity(ElementWriter& writer, const tag_Site& site, const wchar_t* nam
   }
 }
 
-// "host:port", of a host that was formatted.
+// Adds "host:port". The macros of the host must already be turned back.
 template <std::size_t N>
 void addAddress(ElementWriter& writer, const wchar_t* name, const wchar_t (&host)[N],
                 std::uint32_t port) {
@@ -95,7 +95,7 @@ void writeHttpSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) 
   const bool isVesta = wcsicmp(name, WX_XML_SITELIST_VESTA_SITE) == 0;
   const bool isKeystone = wcsicmp(name, WX_XML_SITELIST_KEYSTONE_SITE) == 0;
   if (isVesta || isKeystone) {
-    // The management server gets both addresses even when they are empty.
+    // A management server has both addresses, even if they are empty.
     formatField(helper, http.szServerName);
     if (isVesta || http.szServerName[0] != L'\0') {
       addAddress(writer, WX_XML_SERVER_NETBIOS_NAME, http.szServerName, http.uServerNamePort);
@@ -205,7 +205,7 @@ void prefetchRecord(const tag_Site& site) {
                       local.szPassword, local.iUseLoggedonUserAccount);
     }
     case Kind::Proxy:
-      return;  // rare, and its fields are too many to ask for at once
+      return;  // a proxy is rare and has too many fields for a prefetch
   }
 }
 

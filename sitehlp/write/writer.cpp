@@ -25,7 +25,7 @@ namespace {
 
 constexpr const wchar_t* c_notWritten = L"Site list not written: ";
 
-// Fourteen digits; empty when the local time is not to be had.
+// Returns fourteen digits, or an empty text if the system cannot give the local time.
 std::wstring localTimeStamp() {
   const std::time_t now = std::time(nullptr);
   std::tm local = {};
@@ -78,8 +78,7 @@ void prefetchNext(const tag_Site& site) {
   if (next->pNext) prefetchHead(*next->pNext);
 }
 
-// Elements that a reader takes for sites of unknown kind, and records, which it has to hold: it
-// accepts no more of them.
+// Refuses a document with more records, or more elements of unknown kind, than a reader accepts.
 void refuseUnreadable(const tag_Site* list, AdvXMLParser::DocumentWriter& document) {
   RecordLimits limits;
   for (; list; list = list->pNext) {
@@ -90,10 +89,10 @@ void refuseUnreadable(const tag_Site* list, AdvXMLParser::DocumentWriter& docume
   }
 }
 
-// Writes "SiteList" with the records. `result` is that of the last record, also when an exception
-// ends the writing.
+// Writes "SiteList" with the records. `result` receives the result of the last record, even if an
+// exception is thrown.
 void writeSites(CSitesHelper& helper, tag_Site* list, ElementWriter& writer, int& result) {
-  // All passwords of a list are under one key.
+  // All passwords of a list are encrypted with the same key.
   const korvel_com::ZQ::crypto::KeptKeys kept;
   writer.open(WX_XML_SITELIST);
   writer.addAttribute(WX_XML_SITELIST_DEFAULT, L"1");
@@ -101,7 +100,7 @@ void writeSites(CSitesHelper& helper, tag_Site* list, ElementWriter& writer, int
   for (tag_Site* site = list; site; site = site->pNext) {
     prefetchNext(*site);
     result = writeSite(helper, *site, writer) ? c_success : c_errorGeneral;
-    // What follows a first record of no known kind stands behind the list that it is not in.
+    // If the first record is of unknown kind, the other records are written after the list.
     if (site == list && result != c_success) writer.close();
   }
 }
@@ -130,7 +129,8 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
     writeSites(*this, list, writer, result);
     document.Finish();
     refuseUnreadable(list, document);
-    // Made before the list is written: nothing behind that may end in the outer handler.
+    // Created before the list is written, because a failure after the write must not reach the
+    // outer handler.
     SitesHelperUtil* const meshService = SitesHelperUtil::getInstance();
 
     InterProcessWriteLock lock(c_siteListLock);
@@ -138,14 +138,15 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
     try {
       AdvXMLParser::WriteDocumentToFile(target, document);
     } catch (...) {
-      // The mesh service is told all the same: it serves the list that the caller wanted.
+      // The mesh copy is still written, because the mesh service uses the list that the caller
+      // intended.
       logCaught(c_notWritten, target);
       result = c_errorWrite;
     }
     lock.unlock();
     meshService->writeMeshServiceSiteList(document);
   } catch (...) {
-    // Nothing was written; the caller gets the result so far.
+    // Nothing was written. The caller gets the result so far.
     logCaught(c_notWritten, path.empty() ? m_strSiteListFile : path);
   }
   return result;

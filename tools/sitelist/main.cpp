@@ -21,13 +21,13 @@
 namespace tool {
 namespace {
 
-// The command is empty when it is not known.
+// `command` is empty if it is not known.
 std::string seeHelp(const std::string& command) {
   return "see `sitelist" + (command.empty() ? "" : " " + command) + " --help`";
 }
 
-// The command behind --mesh-command may have options of its own, so it is taken off before the
-// command line is looked at.
+// The program after --mesh-command may have its own options, so its words are removed before the
+// command line is parsed.
 std::vector<std::string> takeMeshCommand(std::vector<std::string>& arguments) {
   const auto option = std::find(arguments.begin(), arguments.end(), "--mesh-command");
   if (option == arguments.end()) return {};
@@ -36,7 +36,7 @@ std::vector<std::string> takeMeshCommand(std::vector<std::string>& arguments) {
   return command;
 }
 
-// The full path, which is short enough for an agent to be there.
+// Returns the full path. Fails if it is too long for an agent.
 std::string usableDirectory(const std::string& directory) {
   if (directory.empty()) {
     throw Failure(exitUsage, "--agent-dir: the value is empty", "name a directory");
@@ -83,7 +83,7 @@ int fail(const Context& context, const Failure& failure) {
   return failure.status();
 }
 
-// The agent's own list may just not have been imported yet.
+// Adds advice for an own list that was not imported yet.
 Failure withAdvice(const Context& context, const Failure& failure) {
   const FailureOrigin& origin = failure.origin();
   if (origin.code != sitehlp::c_errorFileMissing || origin.file != ownListPath(context)) {
@@ -108,7 +108,7 @@ int perform(Context& context) {
   }
 }
 
-// Whether the output is to be for programs also when the command line cannot be parsed.
+// Finds the output format, so that a failure to parse the command line is also printed in it.
 void lookForFormat(const std::vector<std::string>& arguments, Context& context) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (arguments[i] == "--json" || arguments[i] == "--format=json") context.json = true;
@@ -150,7 +150,7 @@ int run(Context& context, std::vector<std::string> arguments) {
   return perform(context);
 }
 
-// The end of what nobody foresaw. A report may be what failed, so it is left out.
+// Ends after an unexpected exception. Omits the report, because it may be the cause.
 int failInternally(Context& context, const std::string& reason, const char* advice) {
   context.report.reset();
   return fail(context, Failure(exitInternal, reason, advice));
@@ -176,8 +176,8 @@ int main(int argc, char** argv) {
     tool::complete(argc - 2, argv + 2);
     return tool::exitSuccess;
   }
-  // No message of libcrypto is printed, and making its table of them takes longer than a
-  // decryption. The libraries, too, leave its exit handler out.
+  // The tool prints no messages of libcrypto, and loading them takes longer than a decryption. The
+  // libraries do not use its exit handler either.
   OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CRYPTO_STRINGS | OPENSSL_INIT_NO_ATEXIT, nullptr);
   int status = tool::exitInternal;
   try {

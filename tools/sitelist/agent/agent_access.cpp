@@ -118,7 +118,7 @@ AgentForReading::AgentForReading(const Context& context, const std::string& file
 }
 
 AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
-  // Passwords are written under the agent's key, so it must be there to stay.
+  // Passwords are encrypted with the real password key, so that key must exist.
   serveAgent(context);
   if (!file.empty()) {
     m_lock.emplace(context, file, ListUse::Change);

@@ -36,7 +36,7 @@ bool hasVersionedServer(const std::string& path) {
   return false;
 }
 
-// Why the key file cannot be used; empty if it can be. Nothing of the key is read.
+// Returns why a key file cannot be used, or an empty text. Does not read the key.
 std::string whyUnusable(const std::string& path) {
   std::string nothing;
   const int error = host::readRegularFile(path, 0, nothing);
@@ -44,7 +44,7 @@ std::string whyUnusable(const std::string& path) {
   return error ? readFailureReason(error) : "it is empty";
 }
 
-// Which key files of the list cannot be used, and why, one on a line.
+// Returns which key files of the list cannot be used, with the reason, one in each line.
 std::string unusableKeyFiles(const IncomingOptions& options, bool isVersioned) {
   namespace fs = std::filesystem;
   const fs::path directory =
@@ -60,7 +60,7 @@ std::string unusableKeyFiles(const IncomingOptions& options, bool isVersioned) {
   return text;
 }
 
-// Names every fault.
+// Returns a failure with all faults.
 Failure refusal(const std::string& file, int code) {
   std::string text =
       shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
@@ -107,7 +107,7 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
 
 namespace {
 
-// What the log says of the import, in the words of people.
+// Prints notes from the log about the import.
 void reportNotes(const std::string& file) {
   for (const LogRecord& record : logRecords()) {
     if (begins(record.text, L"WARNING: imported site list ")) {

@@ -23,15 +23,15 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How long nobody is told of a wait.
+// A shorter wait is not reported.
 constexpr milliseconds c_silentWait{1000};
 
-// Whether there is an agent whose locks may be used for a list that is not its own.
+// Returns whether the agent's lock can be used for a list that is not the agent's own.
 bool canLock(const Context& context) {
   return ::access((context.agentDirectory + "/locks").c_str(), R_OK | W_OK | X_OK) == 0;
 }
 
-// Of the file that a name leads to, or of the one that it would make.
+// Returns the directory of the file, after links. The file need not exist.
 std::string directoryOf(const std::string& file) {
   std::error_code error;
   const fs::path path = fs::weakly_canonical(fs::absolute(file, error), error);
@@ -58,7 +58,7 @@ ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
   const bool isOwn = isOwnList(context, file);
   if (isOwn || canLock(context)) {
     serveAgent(context);
-    // The library takes the two in this order.
+    // The library takes the two locks in this order.
     if (use == ListUse::ReadCached) takeFromAgent(sitehlp::smartSiteListLock, use, m_cacheHold);
     takeFromAgent(sitehlp::c_siteListLock, use, m_listHold);
   }

@@ -18,7 +18,7 @@
 namespace tool {
 namespace {
 
-// Keeps what is typed off the terminal, if standard input is one.
+// Switches off the echo of a terminal on standard input.
 class NoEcho {
  public:
   NoEcho() {
@@ -67,7 +67,7 @@ void Password::read(const std::string& file) {
   convert(file.empty() ? c_standardInput : file);
 }
 
-// Without a stream, which would keep a copy in its buffer.
+// Does not use a stream, because its buffer would keep a copy of the password.
 void Password::readLine(int descriptor, const std::string& source) {
   for (; m_size < m_bytes.size(); ++m_size) {
     const ssize_t n = host::fileSystem().read(descriptor, &m_bytes[m_size], 1);
@@ -80,7 +80,7 @@ void Password::readLine(int descriptor, const std::string& source) {
   }
 }
 
-// A file of text may begin with a byte order mark, which is not part of the password.
+// A text file may begin with a byte order mark, which is not part of the password.
 void Password::convert(const std::string& source) {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(m_bytes.data());
   AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;

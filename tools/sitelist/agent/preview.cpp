@@ -19,7 +19,7 @@ namespace {
 using sitehlp::CSitesHelper;
 using sitehlp::tag_Site;
 
-// Where the files go, and what they would be compared with.
+// The place of the list and of its files.
 struct Target {
   std::string ownList;
   std::string directory;
@@ -43,7 +43,7 @@ struct KeyFile {
   bool isTaken = false;
 };
 
-// The library's own steps, up to the first write.
+// Repeats the steps of the library up to the first write.
 std::vector<FileChange> keyFileChanges(CSitesHelper& helper, const IncomingOptions& options,
                                        tag_Site* sites, const Target& target) {
   KeyFile publicKey{narrow(sitehlp::c_srPubKey), {}};

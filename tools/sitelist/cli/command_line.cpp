@@ -8,7 +8,7 @@
 namespace tool {
 namespace {
 
-// What the name of a value says of it.
+// Returns the completion for the name of a value.
 Completion completionByName(const std::string& valueName) {
   const std::string word = valueName.substr(valueName.rfind('_') + 1);
   if (word == "FILE" || word == "PATH") return Completion::File;
@@ -34,8 +34,8 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   return info;
 }
 
-// The parser's text for an option without its value is "--host: 1 required NAME missing", and for
-// one with two "--host: At Most 1 required but received 2".
+// Replaces two texts of the parser: "--host: 1 required NAME missing" for a missing value, and
+// "--host: At Most 1 required but received 2" for an option that is given twice.
 std::string inPlainWords(const std::string& text) {
   const std::size_t twice = text.find(": At Most 1 required but received ");
   if (twice != std::string::npos) {
@@ -50,8 +50,8 @@ std::string inPlainWords(const std::string& text) {
   return text.substr(0, at) + ": " + text.substr(name, stop - name) + " is missing";
 }
 
-// What the parser could not place, the first word of it. An option's value may be a secret, so it
-// is left out.
+// Describes the first word that the parser could not use. Omits the value of an option, because it
+// may be a secret.
 std::string unexpected(const CLI::App& program) {
   std::string command;
   const CLI::App* app = &program;
@@ -125,8 +125,8 @@ Option& Option::not_empty() {
   return *this;
 }
 
-// With at most one command at each level, a word behind it is an argument, also when it is the name
-// of another command.
+// With at most one command at each level, a word after a command is an argument even if another
+// command has this name.
 Command Command::add_subcommand(const std::string& name, const std::string& description) {
   m_app->require_subcommand(0, 1);
   return Command(m_app->add_subcommand(name, description)->group("Commands"), m_hints);

@@ -11,7 +11,7 @@ namespace {
 
 bool isSafe(const std::string& text) { return !text.empty() && shown(text) == text; }
 
-// The first sentence of a help text, on one line.
+// Returns the first sentence of a help text, in one line.
 std::string brief(const std::string& help) {
   std::string text = help;
   std::replace(text.begin(), text.end(), '\n', ' ');
@@ -20,10 +20,10 @@ std::string brief(const std::string& help) {
   return text.substr(0, end);
 }
 
-// Whether the word is only the first part of a value.
+// Returns whether the word is only the first part of a value.
 bool isOpen(const std::string& word) { return word.back() == '=' || word.back() == '.'; }
 
-// Whether there are words with the prefix `typed`, and all of these are open.
+// Returns whether there are words with the prefix `typed`, and all of these are open.
 bool areOpen(const std::vector<std::string>& words, const std::string& typed) {
   bool areThere = false;
   for (const std::string& word : words) {
@@ -50,7 +50,7 @@ std::vector<std::string> sitesFor(const TypedLine& line, const SiteNames& siteNa
   return siteNames(line.value("--agent-dir"), file.empty() ? line.value("FILE") : file);
 }
 
-// `front` is the text before the value in the same word: empty, or an option with "=".
+// `front` is the text before the value in the same word. It is empty, or an option with "=".
 Answer completeValue(const TypedLine& line, const OptionInfo& option, const std::string& front,
                      const std::string& typed, const SiteNames& siteNames) {
   if (option.completes == Completion::File) return {{}, Further::Files};

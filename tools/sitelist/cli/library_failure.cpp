@@ -25,7 +25,7 @@ constexpr const char* c_notWritten = "the file could not be written";
 constexpr const char* c_checkTarget =
     "check that its directory exists, that you may write there and that there is free space";
 
-// The advice is for a document that can be read now. Else the reason has advice of its own.
+// This advice is for a document that can now be read. Otherwise the read error has its own advice.
 constexpr Meaning c_meanings[] = {
     {sitehlp::c_errorGeneral, exitDocument, "the last site of the list is of unknown kind",
      "check the names of the elements in the document's \"SiteList\""},
@@ -87,7 +87,7 @@ std::string describe(const ReadError& error) {
   return text + error.reason;
 }
 
-// An error in the document says more than the code, which may stand for several.
+// The code may have several causes, so the error in the document is more exact.
 Failure readFailure(const std::string& name, const ReadError& error, int code) {
   return Failure(error.status,
                  textWithCode(name, code, meaningOf(error.code).meaning) + describe(error),

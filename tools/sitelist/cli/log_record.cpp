@@ -14,7 +14,7 @@ namespace {
 
 bool g_verbose = false;
 unsigned long g_unreadPasswords = 0;
-std::wstring g_actualPath;  // empty: every path is shown as it is
+std::wstring g_actualPath;  // empty: paths are not replaced
 std::wstring g_shownPath;
 
 std::vector<LogRecord>& records() {
@@ -33,16 +33,17 @@ const char* nameOfLevel(LogLevel level) {
   }
 }
 
-// What the class of the library logs, at error level also for what an operation can do without.
+// The component of the library's class. It logs a failed step as an error even if the operation
+// continues.
 constexpr const wchar_t* c_libraryComponent = L"SiteHlp";
 constexpr const wchar_t* c_cryptoComponent = L"Crypto";
-// In a record of the host, what is behind this tells what to do.
+// In a record of the host library, the text after this is advice.
 constexpr const wchar_t* c_beforeAdvice = L"; next: ";
 
 bool begins(const std::wstring& text, const wchar_t* start) { return text.rfind(start, 0) == 0; }
 
-// "3 protected passwords cannot be decrypted with ...": the tool says this itself, and knows which
-// list they are of.
+// "3 protected passwords cannot be decrypted with ...": the tool prints its own message, which
+// names the list.
 bool isOfUnreadPasswords(const LogRecord& record) {
   return record.component == c_cryptoComponent &&
          record.text.find(L" protected password") != std::wstring::npos;
@@ -53,7 +54,7 @@ void keep(const LogRecord& record) {
     g_unreadPasswords += std::wcstoul(record.text.c_str(), nullptr, 10);
     return;
   }
-  // The tool says itself why a file cannot be read.
+  // The tool prints its own reason why a file cannot be read.
   if (begins(record.text, L"Site list not read: ")) return;
   records().push_back(record);
 }
@@ -70,7 +71,7 @@ LoggedReason inTwoParts(const std::wstring& text) {
   return {shown(text.substr(0, at)), shown(text.substr(at + std::wcslen(c_beforeAdvice)))};
 }
 
-// What the record says of writing `path`; empty when it is about something else.
+// Returns the reason of a failed write of `path`, or an empty text for any other record.
 std::wstring reasonOfWrite(const std::wstring& text, const std::wstring& path) {
   for (const wchar_t* start : {L"Site list not written: ", L"Server site list not written: ",
                                L"Cannot write the edited list ", L"Cannot write "}) {
@@ -85,9 +86,9 @@ std::wstring reasonOfWrite(const std::wstring& text, const std::wstring& path) {
   return L"";
 }
 
-// Takes the records away of which `reasonIn` returns a text, and returns the first of the texts. A
-// refused link is logged with advice, and then the errno that it leads to without: a text with
-// advice comes before one without.
+// Removes the records for which `reasonIn` returns a text. Returns the first text that has advice,
+// otherwise the first text. A refused link gives two records: one with advice, and one with only
+// its errno.
 template <typename ReasonIn>
 LoggedReason takeReason(ReasonIn reasonIn) {
   LoggedReason found;
@@ -142,7 +143,7 @@ LoggedReason takeReasonOfKeyFile() {
 
 void reportLoggedErrors(bool hasSucceeded) {
   if (g_verbose) return;
-  std::set<std::wstring> printed;  // a missing key is logged for each password that needs it
+  std::set<std::wstring> printed;  // a missing key is logged for each password
   for (const LogRecord& record : records()) {
     const bool isOmitted = hasSucceeded ? record.component == c_libraryComponent
                                         : record.text.find(L" hr=") != std::wstring::npos;

@@ -9,7 +9,7 @@
 namespace tool {
 namespace {
 
-constexpr std::size_t c_longest = 64;  // no name is longer
+constexpr std::size_t c_longest = 64;  // all names are shorter
 constexpr std::size_t c_mostNames = 3;
 
 std::string lower(std::string text) {
@@ -18,7 +18,7 @@ std::string lower(std::string text) {
   return text;
 }
 
-// How many letters have to be put in, taken out or replaced.
+// Returns how many letters must be inserted, removed or replaced.
 std::size_t distance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> row(b.size() + 1);
   for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
@@ -34,7 +34,7 @@ std::size_t distance(const std::string& a, const std::string& b) {
   return row[b.size()];
 }
 
-// Those of `known` that may have been meant, the nearest first.
+// Returns the similar names of `known`, the most similar first.
 std::vector<std::string> nearNames(const std::string& name, const std::vector<std::string>& known) {
   std::vector<std::pair<std::size_t, std::string>> found;
   const std::string wanted = lower(name.substr(0, c_longest));
@@ -58,7 +58,7 @@ std::vector<std::string> nearNames(const std::string& name, const std::vector<st
 
 }  // namespace
 
-// At a mismatch the last "*" takes one character more.
+// At a mismatch the last "*" matches one more character.
 bool matchesPattern(const std::wstring& text, const std::wstring& pattern) {
   const std::wstring wanted = caseFolded(pattern);
   const std::wstring given = caseFolded(text);

@@ -26,7 +26,7 @@ std::string megabytes(std::size_t bytes) {
   return std::to_string(bytes / c_bytesOfMegabyte) + " MiB";
 }
 
-// The parser names a limit by a few words at the end of its text.
+// The parser gives the name of a limit only at the end of its text.
 std::string limitReason(const ReadWriteException& e) {
   const std::string text = e.what();
   const auto isOf = [&](const char* limit) {
@@ -93,7 +93,7 @@ ReadError notWellFormed(unsigned long line, unsigned long column, const std::str
   return error;
 }
 
-// Parses the text that `getText` gives; tells what stops it from being a document.
+// Parses the text that `getText` returns. If it is not a document, returns the reason.
 template <typename GetText>
 std::optional<ReadError> parse(GetText getText, std::wstring& text,
                                std::unique_ptr<Document>& document) {
@@ -124,8 +124,8 @@ std::optional<ReadError> parseBytes(const std::string& bytes, std::unique_ptr<Do
       text, document);
 }
 
-// The library does not say which of the two limits a list is over. Only a list with more elements
-// than there may be records can be over that one.
+// The library does not report which of the two limits a list exceeds. The memory can be exceeded
+// only by a list with more elements than records are allowed.
 ReadError recordLimitOf(const Document& document) {
   const std::size_t bytes = IConfiguration::GetConfiguration()->GetMaxRecordBytes();
   std::size_t elements = 0;

@@ -11,7 +11,7 @@ namespace tool {
 namespace {
 
 constexpr std::size_t c_gap = 2;
-constexpr std::size_t c_leastWidth = 6;  // below it a cut text tells nothing
+constexpr std::size_t c_leastWidth = 6;  // a shorter text would be useless
 
 std::wstring cutTo(const std::wstring& text, std::size_t width) {
   if (columnsOf(text) <= width) return text;

@@ -27,13 +27,13 @@ locale_t openUnicodeLocale() {
   return nullptr;
 }
 
-// Null when the machine has none.
+// Returns null if the machine has no Unicode locale.
 locale_t unicodeLocale() {
   static const locale_t locale = openUnicodeLocale();
   return locale;
 }
 
-// Gives this thread the Unicode locale, if there is one; the process keeps its own.
+// Sets the Unicode locale for this thread, if there is one. The locale of the process is unchanged.
 class InUnicode {
  public:
   InUnicode() : m_before(::uselocale(unicodeLocale())) {}
@@ -67,7 +67,7 @@ std::wstring printable(const std::wstring& text) {
 std::string shown(const std::wstring& text) { return narrow(printable(text)); }
 std::string shown(const std::string& utf8) { return shown(wide(utf8)); }
 
-// First to upper case, for what has two lower ones, as sigma has.
+// Converts to upper case first, because a letter such as sigma has two lower-case forms.
 std::wstring caseFolded(const std::wstring& text) {
   const InUnicode inUnicode;
   std::wstring folded = text;
@@ -76,8 +76,8 @@ std::wstring caseFolded(const std::wstring& text) {
   return folded;
 }
 
-// Without a Unicode locale on the machine every character counts as one column, as those of ASCII
-// do anyway: looking for the locale takes a while.
+// Each character has one column if it is ASCII, or if the machine has no Unicode locale. ASCII is
+// tested first, because finding the locale is slow.
 std::size_t columnsOf(const std::wstring& text) {
   const bool isAscii = std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
   if (isAscii || !unicodeLocale()) return text.size();

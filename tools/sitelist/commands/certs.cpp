@@ -21,7 +21,7 @@ struct CertsOptions {
   std::string expiring;
 };
 
-// A SHA-256 fingerprint in two halves, so that it fits a narrow terminal.
+// Divides a SHA-256 fingerprint into two lines, so that it fits into a narrow terminal.
 std::string inTwoLines(const std::string& fingerprint) {
   constexpr std::size_t half = 48;
   if (fingerprint.size() <= half) return fingerprint;
@@ -50,7 +50,7 @@ void printCertificate(std::ostream& out, const Screen& screen, const Record& row
       << screen.styled(isExpired || isExpiring ? Style::Bad : Style::Plain, left) << '\n';
 }
 
-// Without --expiring nothing counts as expiring.
+// Returns nothing without --expiring.
 std::optional<int> daysOf(const CertsOptions& options) {
   if (options.expiring.empty()) return std::nullopt;
   int days = 0;
@@ -88,7 +88,7 @@ int certs(Context& context, const CertsOptions& options) {
   std::vector<std::wstring> texts;
   const int result = sitehlp::CSitesHelper(true).GetCaCertificates(wide(agent.path()), texts);
   if (result == sitehlp::c_errorWrite) {
-    // The one query that reports a document over a limit in this way.
+    // Only this query returns c_errorWrite for a document over a limit.
     const auto unread = findReadError(agent.path());
     throw libraryFailure(agent.path(), result, unread ? unread->status : exitDocument,
                          "the document is over a limit", "check where the document comes from",

@@ -24,7 +24,7 @@ namespace {
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 using AdvXMLParser::Element;
 
-// The shell has not expanded the word.
+// Expands "~/", because the shell has not expanded the word.
 std::string fromHome(const std::string& path) {
   const char* const home = std::getenv("HOME");
   return home && path.compare(0, 2, "~/") == 0 ? home + path.substr(1) : path;
@@ -36,9 +36,9 @@ std::vector<const wchar_t*> siteElements() {
   return names;
 }
 
-// Reads the document and not the records: reading records recovers passwords and may create a key.
-// No lock is needed, because lists are replaced atomically. A record cuts a longer name, so no
-// command would find it.
+// Reads only the document. Reading records decrypts passwords and may create a key. No lock is
+// needed, because lists are replaced atomically. A name that is too long for a record is omitted,
+// because commands cannot find it.
 std::vector<std::string> siteNames(const std::string& path) {
   std::wstring text;
   std::unique_ptr<AdvXMLParser::Document> document;
@@ -97,7 +97,7 @@ void complete(int argc, const char* const* argv) noexcept {
     }
     std::cout << text << lastLine(found.further) << '\n' << std::flush;
   } catch (const std::exception&) {
-    // A message would only disturb the line that is being typed.
+    // A message would disturb the line that the user types.
   }
 }
 

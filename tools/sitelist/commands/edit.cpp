@@ -29,7 +29,7 @@ struct EditArguments {
 using Edit = std::function<Outcome(ListEditor&)>;
 using Action = std::function<int(Context&, const EditArguments&)>;
 
-// The edits that can be asked for.
+// the subcommands with their actions
 using Edits = std::vector<std::pair<Command, Action>>;
 
 Command addSubcommand(Command& edit, Edits& edits, const std::string& name,
@@ -55,7 +55,7 @@ void addKind(Command& command, EditArguments& options) {
       .choices(kinds());
 }
 
-// The fields that can be set of some kind: those of passwords, or all others with "=" behind them.
+// Returns the fields of all kinds that can be set: those of passwords, or all others with "=".
 std::vector<std::string> suggestedFields(bool isPassword) {
   std::set<std::string> names;
   for (const std::string& kind : kinds()) {
@@ -109,7 +109,7 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
   }
   Password password;
   password.read(options.passwordFile);
-  // The key has to be there to stay: a private agent's would go away with it.
+  // The key of the real agent is needed, because a private agent's key would be removed with it.
   serveAgent(context);
   if (options.list.dryRun || !isOwnList(context, options.list.file)) requirePasswordKey(context);
   const std::wstring protectedText = protect(context, password);

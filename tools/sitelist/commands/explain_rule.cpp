@@ -26,7 +26,7 @@ Record ruleRecord(const Rule& rule) {
           {"mended", std::string(rule.mended)}};
 }
 
-// The text in lines that are indented by two columns.
+// Returns the text in lines with an indent of two columns.
 std::string wrapped(const std::string& text, std::size_t columns) {
   std::istringstream words(text);
   std::string all;
@@ -52,7 +52,7 @@ void printRule(std::ostream& out, const Screen& screen, const Rule& rule) {
       << wrapped(rule.summary, columns) << heading("Why") << wrapped(rule.why, columns)
       << heading("What to do")
       << wrapped(rule.mend, columns)
-      // Examples stay whole, to be copied.
+      // Examples are not broken into lines, so that they can be copied.
       << heading("Wrong") << "  " << rule.faulty << '\n'
       << heading("Right") << "  " << rule.mended << '\n';
 }

@@ -72,7 +72,7 @@ host::AgentSettings settingsFrom(Context& context, const InitOptions& options) {
   return settings;
 }
 
-// The settings file comes last: an attempt that failed half-way can be repeated.
+// The settings file is written last, so a failed attempt can be repeated.
 int init(Context& context, const InitOptions& options) {
   const std::string& directory = context.agentDirectory;
   const std::string settingsFile = directory + "/agent.toml";

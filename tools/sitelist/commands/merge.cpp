@@ -26,8 +26,8 @@ SiteList readSource(const std::string& path) {
   return list;
 }
 
-// What is not a site comes from the list that the sites go into: the second or the agent's own. The
-// result is a new copy, so its local version is left for the library to make.
+// All content except sites comes from the list that receives the sites: the second list or the
+// agent's own. The result is a new copy, so the library makes its local version.
 SiteList mergeLists(const std::string& ownList, const MergeOptions& options) {
   SiteList first;
   SiteList base;
@@ -55,7 +55,7 @@ void printFile(const std::string& path) {
   std::cout << bytes << '\n';
 }
 
-// What becomes of the list that the sites go into.
+// Prints how the list that receives the sites would change.
 int previewMerge(Context& context, const MergeOptions& options) {
   const PrivateAgent agent(context);
   const std::string ownList = ownListPath(context);
@@ -63,7 +63,7 @@ int previewMerge(Context& context, const MergeOptions& options) {
   SiteList merged = mergeLists(ownList, options);
   merged.path = options.output.empty() ? "the merged list" : options.output;
   SiteList after = asWritten(merged, agent.directory() + "/SiteList.xml");
-  after.localVersion = before.localVersion;  // it is the time of writing
+  after.localVersion = before.localVersion;  // the real one would be the time of the write
   const Diff diff(before, after, false);
   context.report =
       diff.report("What would change from " + shown(before.path), "Nothing was written.");

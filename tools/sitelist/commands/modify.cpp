@@ -49,7 +49,7 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
   throw libraryFailure(ownList, sitehlp::c_errorWrite);
 }
 
-// Edits a copy, and compares.
+// Edits a copy and compares it with the list.
 int previewModify(Context& context, const ModifyOptions& options) {
   const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);

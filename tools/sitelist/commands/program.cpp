@@ -45,7 +45,7 @@ void add(const CommandEntry& entry, Command& app, Context& context) {
   if (!app.has_subcommand(entry.name)) throw std::logic_error("a command has another name");
 }
 
-// The options that all commands have.
+// The options of all commands.
 std::unique_ptr<CommandLine> makeProgram(Context& context) {
   auto line =
       std::make_unique<CommandLine>("Manages the site list of an endpoint agent.", "sitelist");

@@ -20,7 +20,7 @@ struct ServerListOptions {
   bool adjustPasswords = false;
 };
 
-// Rewriting reports nothing, so what came of it is looked up in the file.
+// AdjustPwd does not report a failed write, so the file is checked.
 void requireRewritten(const Input& input, const std::string& path, const std::string& before) {
   if (findReadErrorInBytes(input.bytes)) {
     throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
@@ -47,7 +47,7 @@ int serverList(Context& context, const ServerListOptions& options) {
   try {
     if (isRewritten) before = readInput(path).bytes;
   } catch (const Failure&) {
-    before.clear();  // there is none yet
+    before.clear();  // there is no file yet
   }
   korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char> buffer(
       static_cast<unsigned int>(input.bytes.size()),

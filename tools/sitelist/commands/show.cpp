@@ -18,7 +18,7 @@ using sitehlp::tag_Site;
 struct ShowOptions {
   std::string file;
   std::string columnList;
-  std::vector<std::string> columns;  // of the list, once it is split
+  std::vector<std::string> columns;  // the words of columnList
   Selection selection;
   bool wide = false;
   bool showSecrets = false;
@@ -84,7 +84,7 @@ struct Counts {
   std::size_t selected = 0;
 };
 
-// The sites in the order of the list, each of which is let go before the next one is read.
+// Reads the sites in the order of the list. Each is released before the next one is read.
 Counts readInPassing(SiteList& list, const ShowOptions& options, RowWriter& rows) {
   Counts counts;
   list.result =

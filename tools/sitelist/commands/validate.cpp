@@ -32,7 +32,7 @@ bool counts(const Fault& fault, bool strict) {
   return strict || fault.rule->severity == Severity::Error;
 }
 
-// The library reads files only.
+// The library reads only files.
 ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
   const ListSource source{input.name, agent.directory() + "/standard-input.xml", false};
   std::ofstream file(source.path, std::ios::binary);
@@ -115,7 +115,7 @@ int validate(Context& context, const ValidateOptions& options) {
       status = std::max<int>(status, std::max(fault.rule->status, exitNegative));
     }
     lists.push_back(std::move(list));
-    // What is known so far is reported also when the next list fails.
+    // The results so far are also reported if the next list causes a failure.
     context.report = reportOf(lists, options.strict);
   }
   clearLogRecords();

@@ -81,7 +81,7 @@ Scalar fingerprintOf(const std::wstring& text) {
   return certificate ? Scalar(certificate->fingerprint) : Scalar();
 }
 
-// The same text, or the same certificate written in another way.
+// Returns whether both are the same certificate, perhaps in different forms.
 bool isSameCertificate(const std::wstring& a, const std::wstring& b) {
   if (a == b) return true;
   const Scalar fingerprint = fingerprintOf(a);

@@ -17,9 +17,9 @@ constexpr Heading c_headings[] = {{"version", "Versions"},       {"site", "Sites
                                   {"proxy", "Proxy settings"},   {"certificate", "Certificates"},
                                   {"policy", "Policy settings"}, {"file", "Files beside the list"}};
 
-constexpr std::size_t c_fieldColumns = 20;  // at least, for the name of a field
+constexpr std::size_t c_fieldColumns = 20;  // smallest width of the name of a field
 
-// As much of a fingerprint as tells two certificates apart: 12 bytes.
+// The first 12 bytes of a fingerprint are enough to distinguish certificates.
 constexpr std::size_t c_fingerprintStart = 35;
 
 bool isNull(const Record& row, const char* name) {
@@ -70,7 +70,7 @@ class Printer {
   }
 
  private:
-  // One thing that was changed, which may have several rows; gives the index behind them.
+  // Prints one changed thing, which may have several rows. Returns the index after them.
   std::size_t thing(const std::vector<Record>& rows, std::size_t first) {
     std::size_t end = first + 1;
     while (end < rows.size() && isSameThing(rows[first], rows[end])) ++end;

@@ -43,7 +43,7 @@ std::wstring typeIn(const std::vector<NewValue>& given, const DocumentKind& kind
   return value ? value->text : field->initial;
 }
 
-// Every value of the new site's element, in the library's order.
+// Returns all values of the new site's element, in the order of the library.
 std::vector<NewValue> completed(ListEditor& list, const DocumentKind& kind,
                                 const std::vector<NewValue>& given) {
   const std::wstring type = typeIn(given, kind);
@@ -56,7 +56,7 @@ std::vector<NewValue> completed(ListEditor& list, const DocumentKind& kind,
       if (field.presence == Presence::Always) values.push_back(initialValue(field));
     } else if (isType(type, c_fallbackType)) {
       values.push_back(numberValue(field, c_orderOfFallback));
-    } else if (!isType(type, schema::STR_SITE_TYPE_MIRROR)) {  // which is written without one
+    } else if (!isType(type, schema::STR_SITE_TYPE_MIRROR)) {  // a mirror has no order
       values.push_back(numberValue(field, nextOrder(list)));
     }
   }

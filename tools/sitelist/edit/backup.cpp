@@ -21,7 +21,7 @@ int statOf(const std::string& path, struct stat& status) {
   return -host::fileSystem().stat(AT_FDCWD, path, true, status);
 }
 
-// Gives `to` the mode and owner of `from`.
+// Sets the mode and owner of `from` on `to`.
 int takeOver(const std::string& from, const std::string& to) {
   struct stat wanted;
   struct stat present;
@@ -34,7 +34,7 @@ int takeOver(const std::string& from, const std::string& to) {
     const int failed = host::fileSystem().chown(file.get(), wanted.st_uid, wanted.st_gid);
     if (failed) return -failed;
   }
-  // After the owner: changing the owner takes mode bits away.
+  // The mode is set after the owner, because changing the owner clears bits of the mode.
   return -host::fileSystem().chmod(file.get(), wanted.st_mode & c_modeBits);
 }
 

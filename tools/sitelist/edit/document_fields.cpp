@@ -43,7 +43,7 @@ Fields fieldsIn(const Table& table, bool isServer = false) {
   return fields;
 }
 
-// An attribute that is no field, behind one that is.
+// Inserts an attribute that is not a field.
 Fields withAttribute(Fields fields, const std::string& before, const wchar_t* xmlName,
                      const wchar_t* value) {
   const auto found = std::find_if(fields.begin(), fields.end(),

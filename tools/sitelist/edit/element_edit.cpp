@@ -13,7 +13,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 constexpr const wchar_t* c_elementText = L"";
 constexpr const wchar_t* c_encrypted = L"Encrypted";
-constexpr const wchar_t* c_defaultPort = L":80";  // of an address without one
+constexpr const wchar_t* c_defaultPort = L":80";  // for an address without a port
 
 std::vector<AnXmlNode> childrenNamed(const AnXmlNode& node, const wchar_t* name) {
   std::vector<AnXmlNode> children;
@@ -45,11 +45,11 @@ AnXmlNode fieldHolder(const AnXmlNode& site) {
   return config;
 }
 
-// The host in front of the last ":", the port behind it; what is not asked for stays as it is.
+// Writes the host before the last ":", or the port after it. The other part is unchanged.
 void writeAddress(AnXmlNode& element, const NewValue& newValue) {
   const wchar_t* name = newValue.field->xmlName;
   AString value;
-  // What an agent has as "ServerDNS" is read in place of "Server".
+  // The "ServerDNS" of an agent repository is read instead of "Server".
   if (std::wcscmp(name, WX_XML_SITE_SERVER) == 0 &&
       element.getName().str() == WX_XML_SITELIST_KEYSTONE_SITE &&
       element.tryGetValue(WX_XML_SITE_SERVER_FQDN, value)) {
@@ -66,7 +66,7 @@ void writeAddress(AnXmlNode& element, const NewValue& newValue) {
   }
 }
 
-// Host by host, so that those which stay where they are stay untouched.
+// Compares host by host, so that elements with the right text are unchanged.
 void writeHosts(AnXmlNode& config, const std::wstring& hosts) {
   std::vector<AnXmlNode> old;
   for (const AnXmlNode& list : childrenNamed(config, WX_XML_PROXY_EXCLUSIONLIST)) {

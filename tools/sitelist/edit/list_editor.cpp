@@ -24,7 +24,7 @@ bool isSameSite(const tag_Site& a, const tag_Site& b) {
          std::equal(left.begin(), left.end(), right.begin(), right.end(), isSame);
 }
 
-// A password that the agent's key does not open reads as an empty one, and is none.
+// Returns whether there is a password that the key cannot decrypt. It is read as an empty one.
 bool isLostPassword(const AnXmlNode& site, const NewValue& value) {
   if (value.field->form != FieldForm::Password || !value.clear || !value.clear->empty())
     return false;

@@ -44,7 +44,7 @@ Entry& movable(ListEditor& list, const SiteName& name) {
                 placeless.advice);
 }
 
-// Where among the `others` the site goes.
+// Returns the position of the site among the `others`.
 std::size_t position(const std::vector<Entry*>& others, const std::string& place) {
   if (place == "first") return 0;
   if (place == "last") return others.size();
@@ -66,7 +66,7 @@ void renumber(ListEditor& list, const std::vector<Entry*>& before,
   std::int64_t order = std::numeric_limits<std::int32_t>::min();
   const Entry* previous = nullptr;
   for (std::size_t i = 0; i < after.size(); ++i) {
-    // Entries stand in one array, in the order of the document.
+    // Entries are in one array, in the order of the document.
     const bool mayShare = !previous || previous < after[i];
     order = std::max<std::int64_t>(before[i]->record->iOrder, mayShare ? order : order + 1);
     if (order > std::numeric_limits<std::int32_t>::max()) {

@@ -15,7 +15,7 @@ namespace {
 
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 
-// What the reader of a record takes: it counts a delimiter even for the first host.
+// The limit of the reader, which counts a delimiter even for the first host.
 constexpr std::size_t c_hostsLimit = 4000;
 
 [[noreturn]] void refuse(const DocumentField& field, const std::string& what,
@@ -64,7 +64,7 @@ std::wstring checkedHost(const DocumentField& field, const std::wstring& host) {
   return host;
 }
 
-// The hosts as a record has them, without empty ones.
+// Returns the hosts in the form of a record, without empty ones.
 std::wstring checkedHosts(const DocumentField& field, const std::wstring& text) {
   std::wstring hosts;
   std::size_t begin = 0;
@@ -128,7 +128,7 @@ bool isPasswordName(const std::string& name) {
 
 NewValue parse(const DocumentKind& kind, const std::string& assignment, std::size_t number) {
   const std::size_t equals = assignment.find('=');
-  // What has no "=" may be a password that was mistyped, so it is not repeated.
+  // A word without "=" may be a mistyped password, so the message does not repeat it.
   if (equals == std::string::npos) {
     throw Failure(exitUsage, "FIELD=VALUE number " + std::to_string(number) + " has no \"=\"",
                   "give every field as FIELD=VALUE");

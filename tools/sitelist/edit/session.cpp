@@ -19,7 +19,7 @@ void say(const std::string& path, const std::string& text) {
   std::cerr << "sitelist: " << shown(path) << ": " << text << '\n';
 }
 
-// The edited document, as the library reads it.
+// Returns the edited document as the library reads it.
 SiteList readDraft(const ListEditor& list, const std::string& draft) {
   if (!list.write(draft)) throw libraryFailure(draft, sitehlp::c_errorWrite);
   SiteList after = readSiteList(draft);

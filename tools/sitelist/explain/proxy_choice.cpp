@@ -10,7 +10,7 @@ namespace {
 
 using sitehlp::tag_Site;
 
-// A name without a domain, or this machine itself.
+// Returns whether a host is a name without a dot, or this machine.
 bool isLocalAddress(const std::wstring& host) {
   const std::wstring name = caseFolded(host);
   if (name == L"localhost" || name == L"::1" || name == L"[::1]" || name.rfind(L"127.", 0) == 0) {

@@ -12,7 +12,7 @@ using sitehlp::tag_Site;
 
 bool isFallback(const tag_Site& site) { return wcsicmp(site.szType, c_fallbackType) == 0; }
 
-// Why the agent does not try a site; empty when it does.
+// Returns why the agent does not try a site, or an empty text.
 std::string obstacleOf(const tag_Site& site) {
   if (std::string(kindOf(site)) == "unknown") return "its element is of unknown kind";
   if (!site.bEnabled) return "it is disabled";

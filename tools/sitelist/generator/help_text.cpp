@@ -10,7 +10,7 @@ using Lines = std::vector<std::string>;
 
 std::size_t indentOf(const std::string& line) { return line.find_first_not_of(' '); }
 
-// Where the second column of a definition begins; npos when the line is none.
+// Returns the start of a definition's second column, or npos for any other line.
 std::size_t secondColumn(const std::string& line) {
   const std::size_t gap = line.find(' ', indentOf(line));
   if (gap == std::string::npos || line.compare(gap, 2, "  ") != 0) return std::string::npos;
@@ -52,7 +52,7 @@ HelpBlock blockOf(const Lines& lines) {
   return block;
 }
 
-// Whether the last line is a sentence of its own that announces what is indented below it.
+// Returns whether the last line is a separate sentence that introduces the indented lines below it.
 bool isHeadingBehind(const Lines& lines) {
   return lines.size() > 1 && lines.back().back() == ':' && lines[lines.size() - 2].back() == '.';
 }

@@ -8,9 +8,9 @@
 #include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/generator/pages.h"
 
-// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the JSON Schema of the tool
-// below the directory. The date is that of the pages, as in "May 1, 2001"; the schema is the file
-// with the JSON Schema of what the tool prints, without the fields of a site.
+// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the JSON Schema of the
+// tool's output below DIRECTORY. DATE is the date of the pages, for example "May 1, 2001". SCHEMA
+// is the file with the JSON Schema, without the fields of a site.
 
 namespace tool {
 namespace {

@@ -46,7 +46,7 @@ std::string bold(const std::string& text) { return "\\fB" + roffLiteral(text) + 
 
 bool isWordPart(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-'; }
 
-// The end of the option that begins at `at`; `at` itself when none does.
+// Returns the end of the option that begins at `at`, or `at` if there is none.
 std::size_t endOfOption(const std::string& text, std::size_t at) {
   if (text[at] != '-' || (at > 0 && isWordPart(text[at - 1]))) return at;
   const std::size_t name = text.find_first_not_of('-', at);
@@ -86,7 +86,7 @@ bool endsSentence(const std::string& word) {
   return endsInStop(word) && word.size() > 1 && word.find("..") == std::string::npos;
 }
 
-// Whether the word is a path or the name of a field, which has large letters inside.
+// Returns whether the word is a path, or the name of a field with a capital letter inside.
 bool isName(const std::string& word) {
   if (word.find_first_of("/_=") != std::string::npos) return true;
   for (std::size_t i = 1; i < word.size(); ++i) {
@@ -98,8 +98,8 @@ bool isName(const std::string& word) {
   return false;
 }
 
-// The word as the formatter is to take it: no name is hyphenated, and no stop that does not end a
-// sentence is taken for its end.
+// Returns the word for the formatter. A name must not be hyphenated. A full stop inside a sentence
+// must not end it.
 std::string guarded(const std::string& word) {
   const std::string open = isName(word) ? "\\%" : "";
   return open + word + (endsInStop(word) && !endsSentence(word) ? "\\&" : "");

@@ -10,7 +10,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The words of a list in running text: "a, b or c".
+// Returns the words in the form "a, b or c".
 std::string enumerated(const std::vector<std::string>& words) {
   std::string text;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -69,7 +69,7 @@ class SchemaPage {
         [&](const Json& document) { return resolved(document).at("properties").contains(name); });
   }
 
-  // Whether the definition is that of a record which documents have, and no document itself.
+  // Returns whether the definition is that of a record inside documents, not of a document.
   bool isRecord(const std::string& name) const {
     const Json& definition = m_schema.at("definitions").at(name);
     return definition.contains("properties") && !definition.at("properties").contains("command");

@@ -14,7 +14,7 @@ struct Setting {
   const char* byDefault;
   const char* meaning;
   const char* example;
-  const char* refused;  // a line that is an error, and which
+  const char* refused;  // a line that is an error, with its message below
   const char* error;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t c_programWidth = sizeof "sitelist" - 1;
 
-// As macros: "Fl \-verbose", "Fl \-agent\-dir Ar DIR", "Ar FILE".
+// Returns macros, for example "Fl \-verbose", "Fl \-agent\-dir Ar DIR" or "Ar FILE".
 std::string named(const OptionInfo& option, const std::string& name) {
   const std::string flag = name.empty() ? "" : "Fl " + roffLiteral(name.substr(1));
   const std::string value = option.valueName.empty() ? "" : "Ar " + roffLiteral(option.valueName);
@@ -68,7 +68,7 @@ bool hasItems(const CommandInfo& command) {
 
 void command(ManualPage& page, const CommandInfo& info, const std::string& path) {
   page.subsection(path);
-  // What does not fit in the first line stands below the first option.
+  // Options that do not fit into the first line are placed below the first option.
   page.macro(".Bl -hang -width " + std::to_string(c_programWidth + path.size()) + "n -compact");
   page.macro(".It Nm Cm " + roffLiteral(path));
   synopsis(page, info.options);

@@ -33,9 +33,9 @@ void onStartTag(void* data, const char*, const char**) {
   }
 }
 
-// The places of all start tags of a well-formed text, in its order.
+// Returns the places of all start tags of a well-formed text, in the order of the text.
 std::vector<Place> findStartTags(const std::wstring& text) {
-  // Whatever encoding the document says it has: its text is decoded already.
+  // The text is already decoded, so the declared encoding is not used.
   const std::unique_ptr<XML_ParserStruct, FreeParser> parser(XML_ParserCreate("UTF-8"));
   if (!parser) throw std::bad_alloc();
   Finder finder;
@@ -52,7 +52,7 @@ std::vector<Place> findStartTags(const std::wstring& text) {
   return std::move(finder.places);
 }
 
-// Takes the places, from `next` on, for the element and all below it.
+// Assigns places to the element and all elements below it, beginning with the place at `next`.
 PlacedElement place(const AdvXMLParser::Element& element, const std::vector<Place>& places,
                     std::size_t& next) {
   PlacedElement placed{element, places.at(next++), {}};

@@ -21,7 +21,7 @@ class Lines {
     if (*server) add(name, shown(std::wstring(server)) + ":" + std::to_string(port));
   }
 
-  // Credentials that nothing uses are left out only when they are empty.
+  // Omits unused credentials only if they are empty.
   void addCredentials(const char* name, std::int32_t isUsed, const wchar_t* user,
                       const wchar_t* password) {
     if (!isUsed && !*user && !*password) return;

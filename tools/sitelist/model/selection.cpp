@@ -15,7 +15,7 @@ using sitehlp::tag_Site;
 const std::vector<std::string> c_tableColumns = {"order",   "kind", "type", "name",
                                                  "address", "path", "state"};
 
-// What is in front of the first "=".
+// Returns the text before the first "=".
 std::string keyIn(const std::string& filter) {
   const std::size_t mark = filter.find('=');
   return mark == std::string::npos ? "" : filter.substr(0, mark);
@@ -32,7 +32,7 @@ bool matches(const tag_Site& site, const std::string& filter) {
          matchesPattern(nameOf(site), pattern);
 }
 
-// Numbers by their value, everything else by its text.
+// A sort key: a number is compared by its value, any other field by its text.
 struct Key {
   std::int64_t number = 0;
   std::wstring text;

@@ -13,7 +13,7 @@ namespace {
 using sitehlp::FieldForm;
 using sitehlp::tag_Site;
 
-// Flags hold 0 or 1; a number stays as the document has it.
+// A flag becomes true or false. A number is unchanged.
 template <typename Row, typename Value>
 Field fieldOf(const Row& row, const Value& value) {
   if constexpr (std::is_array_v<Value>) {

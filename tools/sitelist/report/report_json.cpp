@@ -7,8 +7,8 @@
 namespace tool {
 namespace {
 
-// Down to ASCII: what a document holds does nothing to a terminal. What the command line or a file
-// name brought need not be UTF-8, all else already is.
+// Writes only ASCII, so a text of a document cannot control a terminal. Texts of the command line
+// and file names need not be valid UTF-8. All other texts are valid.
 void append(std::string& out, const std::string& text) {
   using nlohmann::json;
   out += json(text).dump(-1, ' ', true, json::error_handler_t::replace);
@@ -19,11 +19,11 @@ void append(std::string& out, const Scalar& value) {
   out += std::holds_alternative<std::monostate>(value) ? "null" : textOf(value);
 }
 
-// One member of an object, whose first one `isFirst` is.
+// Appends the name of a member of an object. `isFirst` must be set for the first member.
 void appendName(std::string& out, const char* indent, const std::string& name, bool isFirst) {
   out += isFirst ? "\n" : ",\n";
   out += indent;
-  out += '"' + name + "\": ";  // the names are the tool's own
+  out += '"' + name + "\": ";  // the names belong to the tool and need no escapes
 }
 
 void appendMembers(std::string& out, const char* indent, const Record& record) {

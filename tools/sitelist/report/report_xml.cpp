@@ -7,8 +7,8 @@
 namespace tool {
 namespace {
 
-// Characters beyond ASCII become references: what a document holds does nothing to a terminal. What
-// XML cannot carry, which only file names and messages can hold, becomes U+FFFD.
+// Characters beyond ASCII become references, so a text of a document cannot control a terminal. A
+// character that XML does not allow becomes U+FFFD. Only file names and messages can have one.
 std::string escaped(const std::string& raw) {
   std::string text;
   for (const wchar_t c : wide(raw)) {
@@ -25,7 +25,7 @@ std::string escaped(const std::string& raw) {
   return text;
 }
 
-// A value that is null, unlike an empty text, has no element.
+// A null value has no element. An empty text has one.
 void append(std::string& text, const Record& record, const char* indent) {
   for (const auto& [name, value] : record) {
     if (std::holds_alternative<std::monostate>(value)) continue;

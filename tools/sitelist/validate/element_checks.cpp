@@ -13,7 +13,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// The decoder's limit on the text that holds all hosts.
+// The limit of the decoder on the text of all hosts.
 constexpr std::size_t c_exclusionListLimit = sitehlp::c_exclusionListCapacity - 1;
 
 std::string namedAs(const std::wstring& name, const std::vector<ValueGrammar>& values) {
@@ -83,7 +83,7 @@ void checkAttributes(const PlacedElement& element, const ElementGrammar& grammar
     const std::wstring name = attribute.GetName();
     const ValueGrammar* const value = findGrammar(grammar.attributes, name);
     if (value) {
-      // A name in the DNS is read in place of the server, which then does not count.
+      // If there is a "ServerDNS", the library reads it instead of "Server".
       const bool isRead = !(hasDnsName && name == WX_XML_SITE_SERVER &&
                             findGrammar(grammar.attributes, WX_XML_SITE_SERVER_FQDN));
       if (isRead) checkValue(*value, attribute.GetValue(), element.place, faults);
@@ -105,7 +105,7 @@ void checkProxy(const PlacedElement& proxyConfig, Faults& faults) {
   const auto requirePort = [&](const wchar_t* server, const wchar_t* port) {
     const std::wstring host = proxyConfig.attribute(server);
     const std::wstring number = proxyConfig.attribute(port);
-    // What is no number is told as such.
+    // Another rule reports a text that is not a number.
     if (host.empty() || number.find_first_not_of(L'0') != number.npos) return;
     faults.add("proxy-without-port", proxyConfig.place,
                "\"" + narrow(server) + "\" is " + inQuotes(host) + ", but \"" + narrow(port) +

@@ -21,7 +21,7 @@ Values operator+(Values all, const Values& more) {
   return all;
 }
 
-// Two children are flags whose number a record keeps.
+// Two child elements are flags, but their records have the number.
 template <typename Row>
 ValueType numberType(const Row& row) {
   if (row.xmlName == &WX_XML_SITE_ORDER) return ValueType::Order;
@@ -55,7 +55,7 @@ ValueType typeOf(const Row& row) {
   return ValueType::Unread;
 }
 
-// The fields of a table that stand in such a place. The port of an address goes with its host.
+// Returns the fields of a table in these places. The port of an address is checked with its host.
 template <typename Table, typename IsThere>
 Values valuesOf(const Table& table, IsThere isThere) {
   Values values;
@@ -108,7 +108,7 @@ std::vector<ElementGrammar> makeGrammars() {
       site(WX_XML_SITELIST_UNC_SITE, "unc", sitehlp::c_uncFields),
       site(WX_XML_SITELIST_LOCAL_SITE, "local", sitehlp::c_localFields,
            {{WX_XML_SITE_SERVER, ValueType::Unread}}),
-      // What stands in the list itself is read like the attributes of any site.
+      // The attributes of the list itself are read like those of any site.
       {WX_XML_PROXY_CONFIG_LIST,
        "proxy",
        attributesOf(sitehlp::fields::c_head) + reserved +

@@ -16,7 +16,7 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// As the record has it.
+// Cuts a text to the length in a record.
 std::wstring cut(const std::wstring& text) { return text.substr(0, sitehlp::c_textCapacity - 1); }
 
 bool isType(const PlacedElement& site, const wchar_t* type) {
@@ -38,12 +38,12 @@ bool hasAddress(const PlacedElement& site, const std::string& kind) {
   return kind == "local" || !(kind == "unc" ? address : hostOf(address)).empty();
 }
 
-// Sees all sites of a list, one after the other.
+// Checks all sites of a list, one after the other.
 class SiteChecks {
  public:
   explicit SiteChecks(Faults& faults) : m_faults(faults) {}
 
-  // `isComplete`: other rules ask whether it has a name and an address.
+  // `isComplete`: other rules require a name and an address.
   void check(const PlacedElement& site, const std::string& kind, bool isComplete) {
     const std::wstring name = cut(site.attribute(WX_XML_SITE_NAME));
     if (name.empty()) {
@@ -113,8 +113,8 @@ void addUnknownElement(const PlacedElement& element, Faults& faults) {
 
 }  // namespace
 
-// The library's result is that of what it decoded last, and it decodes the children of a proxy list
-// in place of the list.
+// The library's result is that of the last element that it decoded. In a proxy list it decodes the
+// children instead of the list.
 const PlacedElement* findUnknownSite(const PlacedElement& root) {
   const PlacedElement* const list = root.child(WX_XML_SITELIST);
   if (!list) return nullptr;

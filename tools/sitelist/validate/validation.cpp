@@ -19,9 +19,9 @@ namespace {
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
 
-// How the library's log words a broken rule: what the line begins with and what it ends with. A
-// rule without an end is one whose line ends with a value, or is the whole line. The text for
-// people takes the value, in quotation marks, when it ends with "not ".
+// The text of a log line for a broken rule: its beginning and its end. If `isWhole` is not set and
+// `end` is empty, the line ends with a value. The message also has this value in quotation marks if
+// `text` ends with "not ".
 struct Wording {
   const char* rule;
   const wchar_t* begin;
@@ -75,7 +75,7 @@ std::string ruleText(const std::wstring& logged, const Wording& wording) {
   return text + inQuotes(logged.substr(std::wcslen(wording.begin)));
 }
 
-// Where the fault is: in the server that was checked or, for what is missing, where it would be.
+// Returns the place of a fault: the server, or the place where a missing thing should be.
 Place placeOf(const std::string& rule, const PlacedElement& root) {
   const PlacedElement* const list = root.child(WX_XML_SITELIST);
   if (!list) return root.place;

@@ -12,7 +12,7 @@
 namespace tool {
 namespace {
 
-// Version byte, nonce and tag of a protected value, which is longer by what it protects.
+// The size of an encrypted empty password: version byte, nonce and tag.
 constexpr std::size_t c_leastProtectedSize = 1 + 12 + 16;
 constexpr unsigned char c_protectedVersion = 1;
 
@@ -24,7 +24,7 @@ std::wstring trimmed(const std::wstring& text) {
   return first < last ? std::wstring(first, last) : std::wstring();
 }
 
-// Whether the text is a decimal number within the bounds, and nothing else.
+// Returns whether the text is only a decimal number within the bounds.
 bool isNumber(const std::wstring& text, long least, long most) {
   const std::wstring digits = trimmed(text);
   const std::size_t sign = !digits.empty() && (digits[0] == L'-' || digits[0] == L'+') ? 1 : 0;
@@ -43,7 +43,7 @@ void checkLength(const ValueGrammar& grammar, const std::wstring& text, const Pl
                  " characters and is cut to " + std::to_string(grammar.capacity - 1));
 }
 
-// Several colons are right in an IPv6 address in brackets, with a port behind it.
+// Several colons are correct only in an IPv6 address in brackets, with a port after it.
 bool isAmbiguous(const std::wstring& address) {
   if (std::count(address.begin(), address.end(), L':') < 2) return false;
   const std::wstring host = hostOf(address);
@@ -89,7 +89,7 @@ void checkOrder(const ValueGrammar& grammar, const std::wstring& value, const Pl
                  std::to_string(numberIn(value)));
 }
 
-// The value is not repeated: it may be a clear password.
+// The message does not repeat the value, because it may be a clear password.
 void checkPassword(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                    Faults& faults) {
   const ABuffer bytes = ABase64Encode::decode(value);
@@ -103,14 +103,14 @@ void checkPassword(const ValueGrammar& grammar, const std::wstring& value, const
 
 }  // namespace
 
-// As the library does it where the number does not fit, too.
+// Converts a number in the same way as the library, even if it is out of range.
 int numberIn(const std::wstring& text) {
   return static_cast<int>(std::strtol(narrow(text).c_str(), nullptr, 10));
 }
 
 std::wstring hostOf(const std::wstring& address) { return address.substr(0, address.rfind(L':')); }
 
-// An empty value is as good as none, but for an order.
+// An empty value is treated as a missing one, except for an order.
 void checkValue(const ValueGrammar& grammar, const std::wstring& value, const Place& place,
                 Faults& faults) {
   if (value.empty() && grammar.type != ValueType::Order) return;

@@ -31,6 +31,8 @@ struct AgentSettings {
   // The memory that the records of one site list may take, in megabytes of 2^20 bytes: 1 to
   // 1,048,576.
   unsigned int maxRecordMegabytes = 1024;
+  // The number of replaced site lists that `sitelist` keeps: 0 to 10,000. The libraries keep none.
+  unsigned int historyLength = 10;
   // The lowest level that reaches the log.
   LogLevel logLevel = LogLevel::Error;
 };

@@ -19,6 +19,7 @@ namespace {
 constexpr std::size_t c_maxSettingsBytes = std::size_t{1} << 20;
 constexpr std::int64_t c_maxLoadTimeoutSeconds = 86'400;
 constexpr std::int64_t c_maxRecordMegabytes = 1'048'576;
+constexpr std::int64_t c_maxHistoryLength = 10'000;
 constexpr const char* c_legacyKeySize = "legacy";
 constexpr const char* c_keySize2048 = "2048";
 
@@ -37,7 +38,7 @@ class SettingsReader {
       return table.empty() ? std::string(key) : std::string(table).append(".").append(key);
     }
   };
-  using Settings = std::array<Setting, 7>;
+  using Settings = std::array<Setting, 8>;
   static const Settings& settings();
 
   void read(const toml::table& entries, const std::string& tableName = "") {
@@ -90,11 +91,15 @@ class SettingsReader {
   }
 
   void readMeshTimeout(const std::string& name, const toml::node& value) {
-    m_settings.meshLoadTimeoutSeconds = number(name, value, c_maxLoadTimeoutSeconds);
+    m_settings.meshLoadTimeoutSeconds = number(name, value, 1, c_maxLoadTimeoutSeconds);
   }
 
   void readRecordMegabytes(const std::string& name, const toml::node& value) {
-    m_settings.maxRecordMegabytes = number(name, value, c_maxRecordMegabytes);
+    m_settings.maxRecordMegabytes = number(name, value, 1, c_maxRecordMegabytes);
+  }
+
+  void readHistory(const std::string& name, const toml::node& value) {
+    m_settings.historyLength = number(name, value, 0, c_maxHistoryLength);
   }
 
   void readLogLevel(const std::string& name, const toml::node& value) {
@@ -117,11 +122,12 @@ class SettingsReader {
     return result;
   }
 
-  unsigned int number(const std::string& name, const toml::node& value,
+  unsigned int number(const std::string& name, const toml::node& value, std::int64_t smallest,
                       std::int64_t largest) const {
     const auto result = as<std::int64_t>(name, value, "a whole number");
-    if (result < 1 || result > largest) {
-      fail(value, name + " must be from 1 to " + std::to_string(largest));
+    if (result < smallest || result > largest) {
+      fail(value, name + " must be from " + std::to_string(smallest) + " to " +
+                      std::to_string(largest));
     }
     return static_cast<unsigned int>(result);
   }
@@ -161,6 +167,7 @@ const SettingsReader::Settings& SettingsReader::settings() {
   static constexpr Settings all = {{
       {"", "managed", &SettingsReader::readManaged},
       {"", "crypto_key_size", &SettingsReader::readKeySize},
+      {"", "history", &SettingsReader::readHistory},
       {"mesh", "site_list_path", &SettingsReader::readMeshPath},
       {"mesh", "load_command", &SettingsReader::readMeshCommand},
       {"mesh", "load_timeout_seconds", &SettingsReader::readMeshTimeout},
@@ -225,6 +232,7 @@ std::string formatAgentSettings(const AgentSettings& settings) {
 
   const toml::table root{{"managed", settings.managed},
                          {"crypto_key_size", legacy ? c_legacyKeySize : c_keySize2048},
+                         {"history", settings.historyLength},
                          {"mesh", std::move(mesh)},
                          {"limits", toml::table{{"record_megabytes", settings.maxRecordMegabytes}}},
                          {"log", toml::table{{"level", levelName(settings.logLevel)}}}};

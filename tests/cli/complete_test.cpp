@@ -89,7 +89,7 @@ TEST_F(CliComplete, OffersCommandsWithWhatTheyDo) {
   EXPECT_EQ(lastLine({""}), c_nothing);
   EXPECT_THAT(offered({"sh"}), ElementsAre("show"));
   EXPECT_THAT(offered({"--verbose", "--format", "show", "sh"}), ElementsAre("show"));
-  EXPECT_THAT(offered({"edit", "re"}), UnorderedElementsAre("remove", "rename", "restore"));
+  EXPECT_THAT(offered({"edit", "re"}), UnorderedElementsAre("remove", "rename"));
   EXPECT_THAT(offered({"edit", "disable", "x", "re"}), ElementsAre());
   EXPECT_THAT(offered({"policies", "lists/SiteList.xml", "se"}), ElementsAre());
 }

@@ -113,10 +113,10 @@ TEST_F(CliEditFaults, OfAServersKeyFilesAreThoseBesideTheList) {
   EXPECT_EQ(output.status, 0) << output.err;
 }
 
-TEST_F(CliEditFaults, DoNotKeepABackupFromBeingPutBack) {
+TEST_F(CliEditFaults, DoNotPreventAnUndo) {
   setOwnList(document(siteElement("HttpSite", "Depot", "1")));
-  change({"--backup", "set", "Depot", "server=depot.example"});
-  change({"restore"});
+  change({"set", "Depot", "server=depot.example"});
+  EXPECT_EQ(sitelist({"undo"}).status, 0);
   EXPECT_EQ(site("Depot")["server"], "");
 }
 

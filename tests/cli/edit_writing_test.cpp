@@ -6,7 +6,7 @@
 #include "tests/cli/edit_fixture.h"
 #include "tests/support/locker.h"
 
-// How an edit writes: under the lock, with a backup, as a trial, and with secrets.
+// How an edit writes: under the lock, as a trial, and with secrets.
 namespace test {
 namespace {
 
@@ -26,16 +26,15 @@ class CliEditWriting : public CliEdit {
   CliEditWriting() { setOwnList(text()); }
 
   static std::string text() { return document(sitesWithOrders({"1", "2", "3", "4", "5", "6"})); }
-  std::string backup() const { return ownList() + ".bak"; }
 };
 
 TEST_F(CliEditWriting, WaitsForOtherWritersAndReadersOnlyAsLongAsItIsTold) {
   Locker other(file("agent"));
   for (const Locker::Mode mode : {Locker::Mode::Write, Locker::Mode::Read}) {
     ASSERT_TRUE(other.lock(mode));
-    for (const Arguments& arguments : {Arguments{"enable", "a"}, {"restore"}}) {
+    for (const Arguments& arguments : {Arguments{"edit", "enable", "a"}, {"undo"}}) {
       const auto before = agentFiles();
-      const Output output = edit(arguments + Arguments{"--wait", "0"});
+      const Output output = sitelist(arguments + Arguments{"--wait", "0"});
       EXPECT_EQ(output.status, 4) << output.err;
       EXPECT_THAT(output.err, HasSubstr("locked by another process"));
       EXPECT_EQ(agentFiles(), before);
@@ -87,7 +86,7 @@ TEST_F(CliEditWriting, ADryRunTellsTheChangeAndWritesNothing) {
       {{"move", "e", "first"}, "reordered"},
   };
   for (const auto& [arguments, expected] : trials) {
-    const Output output = edit(Arguments{"--dry-run", "--backup"} + arguments);
+    const Output output = edit(Arguments{"--dry-run"} + arguments);
     EXPECT_EQ(output.status, 0) << output.err;
     EXPECT_EQ(output.err, "");
     EXPECT_THAT(output.out, AllOf(HasSubstr("What would change in " + ownList()),
@@ -106,11 +105,10 @@ TEST_F(CliEditWriting, EditsAnotherFileWithoutAnAgent) {
   EXPECT_EQ(edit({"--file", path, "enable", "a"}).status, 0);
   EXPECT_EQ(agentFiles(), before);
   const Output output =
-      bare({"--agent-dir", file("none"), "edit", "--backup", "--file", path, "disable", "a"});
+      bare({"--agent-dir", file("none"), "edit", "--file", path, "disable", "a"});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_FALSE(exists(file("none")));
   EXPECT_THAT(readFile(path), HasSubstr("Enabled=\"0\""));
-  EXPECT_THAT(readFile(path + ".bak"), HasSubstr("Enabled=\"1\""));
   EXPECT_EQ(modeOf(path), 0604U);
   EXPECT_EQ(bare({"--agent-dir", file("none"), "edit", "enable", "a"}).status, 4);
 }
@@ -126,68 +124,14 @@ TEST_F(CliEditWriting, TakesAnotherNameOfTheOwnListForTheOwnList) {
   EXPECT_EQ(site("a")["enabled"], "true");
 }
 
-TEST_F(CliEditWriting, KeepsABackupWithTheListsModeAndPutsItBack) {
-  ::chmod(ownList().c_str(), 0600);
-  const std::string first = "\xEF\xBB\xBF" + text();  // a mark, which no edit would write
-  writeFile(ownList(), first, 0600);
-  changeNothing({"--backup", "disable", "a"});
-  EXPECT_FALSE(exists(backup())) << "nothing was changed";
-  writeFile(backup(), "an older one, open to all", 0666);
-  change({"--backup", "enable", "a"});
-  EXPECT_EQ(readFile(backup()), first);
-  EXPECT_EQ(modeOf(backup()), 0600U);
-  fs::remove(backup());
-  change({"remove", "b", "--backup"});
-  EXPECT_EQ(modeOf(backup()), 0600U);
-
-  const auto before = agentFiles();
-  const Output trial = edit({"restore", "--dry-run"});
-  EXPECT_EQ(trial.status, 0) << trial.err;
-  EXPECT_THAT(trial.out, HasSubstr("added"));
-  EXPECT_EQ(agentFiles(), before);
-  ::chmod(ownList().c_str(), 0640);
-  EXPECT_EQ(change({"restore"}), "sitelist: " + ownList() + ": restored from " + backup() + "\n");
-  EXPECT_EQ(readFile(ownList()), readFile(backup()));
-  EXPECT_EQ(modeOf(ownList()), 0640U) << "the list's own";
-  changeNothing({"restore"});
-}
-
-TEST_F(CliEditWriting, RestoresAListThatIsGoneOrBroken) {
-  change({"--backup", "enable", "a"});
-  ::chmod(backup().c_str(), 0600);
-  setOwnList("<broken");
-  EXPECT_EQ(edit({"restore", "--dry-run"}).status, 0);
-  EXPECT_EQ(edit({"restore"}).status, 0);
-  EXPECT_EQ(readFile(ownList()), text());
-  fs::remove(ownList());
-  EXPECT_EQ(edit({"restore", "--dry-run"}).status, 0);
-  EXPECT_EQ(edit({"restore"}).status, 0);
-  EXPECT_EQ(readFile(ownList()), text());
-  EXPECT_EQ(modeOf(ownList()), 0600U) << "the backup's";
-}
-
-TEST_F(CliEditWriting, RestoresNothingFromABackupThatIsMissingOrDamaged) {
-  EXPECT_THAT(fail(7, {"restore"}), HasSubstr(backup() + ": there is no backup"));
-  writeFile(backup(), "<ns:SiteLists>\n</a>");
-  EXPECT_THAT(fail(3, {"restore"}), HasSubstr(backup() + ": the document is not well formed"));
-  writeFile(backup(), "<other/>");
-  EXPECT_THAT(fail(3, {"restore"}), HasSubstr("the document is not a site list"));
-  writeFile(backup(), document(sitesWithOrders({"1"}) + "<Unknown/>"));
-  EXPECT_THAT(fail(3, {"restore"}), HasSubstr(backup()));
-  fs::remove(backup());
-  fs::create_directory(backup());
-  EXPECT_THAT(fail(4, {"restore"}), HasSubstr(backup() + ": cannot be read"));
-  EXPECT_THAT(fail(4, {"--backup", "enable", "a"}),
-              HasSubstr(backup() + ": the backup cannot be written, so nothing was changed"));
-}
-
 // A file system without room for a single byte.
 TEST_F(CliEditWriting, KeepsTheOldListWhenThereIsNoRoom) {
-  writeFile(backup(), document(""));
+  write("agent/etc/history/1-20260101T000000Z-import.xml", document(""));
+  write("agent/agent.toml", "history = 0\n");
   const auto before = agentFiles();
-  for (const Arguments& arguments : {Arguments{"enable", "a"}, {"restore"}}) {
+  for (const Arguments& arguments : {Arguments{"edit", "enable", "a"}, {"undo"}}) {
     const Output output =
-        shell("(trap '' XFSZ; ulimit -f 0; exec \"$0\" --agent-dir agent edit \"$@\") 2>&1 | cat",
+        shell("(trap '' XFSZ; ulimit -f 0; exec \"$0\" --agent-dir agent \"$@\") 2>&1 | cat",
               arguments);
     EXPECT_THAT(output.out, AllOf(HasSubstr("written"), HasSubstr("\n  next: ")));
     EXPECT_EQ(agentFiles(), before);

@@ -94,10 +94,10 @@ TEST_F(CliListLock, ImportAndInstallTakeTheIncomingListUnderTheLock) {
   }
 }
 
-TEST_F(CliListLock, RestoreTakesTheBackupUnderTheLock) {
-  write("agent/etc/SiteList.xml.bak", list("Old"));
-  changingMeanwhile({"edit", "restore"},
-                    [this] { write("agent/etc/SiteList.xml.bak", list("New")); });
+TEST_F(CliListLock, UndoTakesTheHistoryUnderTheLock) {
+  write("agent/etc/history/1-20260101T000000Z-import.xml", list("Old"));
+  changingMeanwhile(
+      {"undo"}, [this] { write("agent/etc/history/2-20260102T000000Z-import.xml", list("New")); });
   EXPECT_EQ(readFile(ownList()), list("New"));
 }
 
@@ -135,7 +135,7 @@ TEST_F(CliListLock, TheMeshServicesLoadCommandReadsTheListWithoutWaiting) {
 class CliEveryChange : public CliListLock {
  protected:
   CliEveryChange() {
-    write("agent/etc/SiteList.xml.bak", list("Old"));
+    write("agent/etc/history/1-20260101T000000Z-import.xml", list("Old"));
     const std::string in = incoming("Offered");
     commands = {{"import", in},
                 {"install", in},
@@ -148,7 +148,7 @@ class CliEveryChange : public CliListLock {
                 {"derive-server-list", file("agent/etc")},
                 {"edit", "disable", "Depot"},
                 {"edit", "add", "http", "New", "server=new.example"},
-                {"edit", "restore"}};
+                {"undo"}};
   }
   std::vector<Arguments> commands;
 };
@@ -314,14 +314,12 @@ class CliWithoutDirectoryLocks : public CliNamedListLock {
 
   std::vector<Arguments> commands() const {
     return {withoutAgent({"edit", "--file", path, "rename", "Depot", "Store"}),
-            withoutAgent({"edit", "--file", path, "restore"}),
             {"--agent-dir", file("agent"), "merge", "--second", path, "--output", path},
             {"--agent-dir", file("agent"), "rewrite", path, path}};
   }
 };
 
 TEST_F(CliWithoutDirectoryLocks, AListIsChanged) {
-  write("lists/list.xml.bak", list("Old"));
   for (const Arguments& arguments : commands()) {
     write("lists/list.xml", list("Depot"));
     const Output output = tool(arguments);

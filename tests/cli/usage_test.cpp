@@ -66,8 +66,8 @@ TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
                 "   4  a file is missing or locked, or cannot be read or written\n"
                 "   5  a key cannot be used, or encryption or decryption failed\n"
                 "   6  a conflict with existing data, or with a change by another program\n"
-                "   7  a named site, setting, rule or backup does not exist, or a site does not\n"
-                "      have the field\n"
+                "   7  a named site, setting, rule or list of the history does not exist, or a\n"
+                "      site does not have the field\n"
                 "  70  an internal error, or out of memory\n"));
 }
 

@@ -74,7 +74,7 @@ TEST_F(BashCompletion, OffersFieldsToGiveValuesTo) {
               ElementsAre("relativePath="));
   EXPECT_THAT(offered({"sitelist", "edit", "set", "Depot", "server", "="}), IsEmpty());
   EXPECT_THAT(offered({"sitelist", "edit", "set", "Depot", "server", "=", "use"}), IsEmpty());
-  EXPECT_THAT(offered({"sitelist", "edit", "--backup", "add", "f"}), ElementsAre("ftp"));
+  EXPECT_THAT(offered({"sitelist", "edit", "--dry-run", "add", "f"}), ElementsAre("ftp"));
 }
 
 TEST_F(BashCompletion, LeavesFilesToTheShell) {

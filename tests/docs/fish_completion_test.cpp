@@ -77,7 +77,7 @@ TEST_F(FishCompletion, OffersChoicesFieldsAndColumns) {
   EXPECT_THAT(words("sitelist show --format=j"), ElementsAre("--format=json"));
   EXPECT_THAT(words("sitelist get glob"), ElementsAre("globalVersion"));
   EXPECT_THAT(words("sitelist edit set Depot order=1 relative"), ElementsAre("relativePath="));
-  EXPECT_THAT(words("sitelist edit --backup add f"), ElementsAre("ftp"));
+  EXPECT_THAT(words("sitelist edit --dry-run add f"), ElementsAre("ftp"));
   EXPECT_THAT(words("sitelist show --columns name,pat"), ElementsAre("name,path"));
 }
 

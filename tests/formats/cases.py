@@ -296,11 +296,17 @@ EDIT = [
     Case("edit-rename-dry", edit("--dry-run", "rename", "Disk", "Disc"), table=tables.changes),
     Case("edit-rename-taken", edit("rename", "Disk", "Offices"), 6),
     Case("edit-move-dry", edit("--dry-run", "move", "Offices", "first"), table=tables.changes),
-    Case("edit-restore", edit("restore"), writes=True),
-    Case("edit-restore-dry", edit("--dry-run", "restore"), table=tables.changes),
-    Case("edit-restore-no-backup", agent("serverless", "edit", "restore"), 7),
     Case("edit-no-site", edit("disable", NASTY), 7),
     Case("edit-several", edit("disable", "Twin"), 6),
+    Case("history", own("history"), table=tables.history),
+    Case("history-empty", agent("serverless", "history"), 1, tables.history),
+    Case("undo", own("undo", "1"), writes=True),
+    Case("undo-dry", own("undo", "--dry-run", "1"), table=tables.changes),
+    Case("undo-hostile", own("undo"), writes=True),
+    Case("undo-no-number", own("undo", NASTY), 7),
+    Case("undo-empty", agent("serverless", "undo"), 7),
+    Case("diff-history", own("diff", "--history", "1"), table=tables.changes),
+    Case("import-older", own("import", "lists/older.xml"), 6),
     Case("edit-no-subcommand", edit(), 2),
     Case("edit-missing", edit("--file", "lists/none.xml", "disable", "x"), 4),
     Case("edit-broken", edit("--file", "lists/broken.xml", "disable", "x"), 3),
@@ -334,4 +340,4 @@ ALL = [case for cases in GROUPS.values() for case in cases]
 # What the name of a case begins with.
 COMMANDS = ("show", "get", "explain", "explain-rule", "diff", "versions", "servers", "certs", "policies",
             "protect", "init", "import", "install", "modify", "merge", "rewrite", "derive-server-list",
-            "server-list", "from-buffer", "validate", "edit", "usage")
+            "server-list", "from-buffer", "validate", "edit", "history", "undo", "usage")

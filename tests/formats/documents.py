@@ -172,6 +172,7 @@ def lists(sealed):
             + proxy("p", "<AllowUserToConfigureProxy>1</AllowUserToConfigureProxy>", UseIEConfig=1)
         ),
         "direct.xml": document(site("HttpSite", "depot", 1, "depot.example")),
+        "older.xml": document(server("HQ", 1, "hq.example"), root='GlobalVersion="20200101000000"'),
         "unknown-last.xml": document(site("HttpSite", "depot", 1, "depot.example") + '<WhatSite Name="x"/>'),
         "certificates.xml": document("", bundle("expired", "lasting", "no certificate at all")),
         "lasting.xml": document("", bundle("lasting")),

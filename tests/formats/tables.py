@@ -156,3 +156,8 @@ def nothing(report, table):
     silent(report, table)
     if report.facts or report.rows_name is not None:
         raise Wrong("something is told")
+
+
+def history(report, table):
+    fields = ("number", "time", "replacedBy", "globalVersion", "localVersion")
+    need_lines(table, [[shown(row[field]) or "-" for field in fields] for row in report.rows])

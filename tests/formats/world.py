@@ -45,7 +45,9 @@ class World:
             (self.dir / agent / "etc/SiteList.xml").write_bytes(documents.own(sealed).encode())
         for agent in ("serverless", "locked"):
             shutil.copy(self.dir / "lists/direct.xml", self.dir / agent / "etc/SiteList.xml")
-        shutil.copy(self.dir / "lists/direct.xml", self.dir / "agent/etc/SiteList.xml.bak")
+        for number, name in (("1-20260101T000000Z-import", "direct"), ("2-20260102T000000Z-edit_set", "hostile")):
+            (self.dir / "agent/etc/history").mkdir(exist_ok=True)
+            shutil.copy(self.dir / f"lists/{name}.xml", self.dir / f"agent/etc/history/{number}.xml")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "hostile/etc/SiteList.xml")
         (self.dir / "bad-key/keystore/password.key").write_text("too short")
         (self.dir / "keyless/agent.toml").write_text("managed = false\n")
@@ -92,7 +94,8 @@ class World:
         (copy / "lists").symlink_to(self.dir / "lists")
         shutil.copytree(self.dir / "in", copy / "in")
         if (self.dir / agent).exists():
-            shutil.copytree(self.dir / agent, copy / agent)
+            # What another run puts there for a moment.
+            shutil.copytree(self.dir / agent, copy / agent, ignore=shutil.ignore_patterns("pending-*", ".sitehlp-*"))
         return copy
 
     def snapshot(self):

@@ -52,6 +52,7 @@ void expectDefaults(const host::AgentSettings& settings) {
   EXPECT_EQ(settings.meshLoadCommand, defaults.meshLoadCommand);
   EXPECT_EQ(settings.meshLoadTimeoutSeconds, defaults.meshLoadTimeoutSeconds);
   EXPECT_EQ(settings.maxRecordMegabytes, defaults.maxRecordMegabytes);
+  EXPECT_EQ(settings.historyLength, defaults.historyLength);
   EXPECT_EQ(settings.logLevel, defaults.logLevel);
 }
 
@@ -71,6 +72,7 @@ TEST_F(SettingsFile, NamesEverySetting) {
   const host::AgentSettings settings = read(R"(
 managed = true
 crypto_key_size = "legacy"
+history = 25
 [mesh]
 site_list_path = "/mesh/list.xml"
 load_command = ["/bin/mesh", "load", "two words", ""]
@@ -83,6 +85,7 @@ level = "detail"
   EXPECT_EQ(settings.dataDirectory, dir.path());
   EXPECT_TRUE(settings.managed);
   EXPECT_EQ(settings.cryptoKeySize, KEY_SIZE_LEGACY);
+  EXPECT_EQ(settings.historyLength, 25U);
   EXPECT_EQ(settings.meshSiteListPath, "/mesh/list.xml");
   EXPECT_THAT(settings.meshLoadCommand, ElementsAre("/bin/mesh", "load", "two words", ""));
   EXPECT_EQ(settings.meshLoadTimeoutSeconds, 5U);
@@ -161,11 +164,17 @@ TEST_F(SettingsFile, RefusesValuesThatMeanNothing) {
   EXPECT_THAT(fault("mesh.load_command = [\"/a\", \"b\\u0000\"]"), HasSubstr("zero character"));
 }
 
-TEST_F(SettingsFile, TakesNumbersFromOneToTheirLimit) {
+TEST_F(SettingsFile, TakesNumbersUpToTheirLimit) {
   EXPECT_EQ(read("mesh.load_timeout_seconds = 1").meshLoadTimeoutSeconds, 1U);
   EXPECT_EQ(read("mesh.load_timeout_seconds = 86400").meshLoadTimeoutSeconds, 86400U);
   EXPECT_EQ(read("limits.record_megabytes = 1").maxRecordMegabytes, 1U);
   EXPECT_EQ(read("limits.record_megabytes = 1048576").maxRecordMegabytes, 1048576U);
+  EXPECT_EQ(read("history = 0").historyLength, 0U);
+  EXPECT_EQ(read("history = 10000").historyLength, 10000U);
+  for (const char* value : {"-1", "10001"}) {
+    EXPECT_EQ(fault(std::string("history = ") + value),
+              file + ":1:11: history must be from 0 to 10000");
+  }
   for (const char* value : {"0", "-1", "86401", "9223372036854775807"}) {
     EXPECT_EQ(fault(std::string("mesh.load_timeout_seconds = ") + value),
               file + ":1:29: mesh.load_timeout_seconds must be from 1 to 86400");
@@ -246,6 +255,7 @@ TEST_F(SettingsFile, SaysWhatTheSettingsSay) {
                               "\xE2\x82\xAC"};
   settings.meshLoadTimeoutSeconds = 7;
   settings.maxRecordMegabytes = 3;
+  settings.historyLength = 0;
   settings.logLevel = LogLevel::InternalError;
   const host::AgentSettings back = read(host::formatAgentSettings(settings));
   EXPECT_EQ(back.managed, settings.managed);
@@ -254,6 +264,7 @@ TEST_F(SettingsFile, SaysWhatTheSettingsSay) {
   EXPECT_EQ(back.meshLoadCommand, settings.meshLoadCommand);
   EXPECT_EQ(back.meshLoadTimeoutSeconds, settings.meshLoadTimeoutSeconds);
   EXPECT_EQ(back.maxRecordMegabytes, settings.maxRecordMegabytes);
+  EXPECT_EQ(back.historyLength, settings.historyLength);
   EXPECT_EQ(back.logLevel, settings.logLevel);
   EXPECT_EQ(back.dataDirectory, dir.path());
 }

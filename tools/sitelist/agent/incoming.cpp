@@ -107,6 +107,20 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
 
 namespace {
 
+std::wstring globalVersionOf(const std::string& path) {
+  std::wstring global;
+  std::wstring local;
+  std::wstring type;
+  sitehlp::CSitesHelper(true).GetSitelistVersions(wide(path), global, local, type);
+  return global;
+}
+
+// A management server numbers its lists by the time. Other versions have no order.
+bool isTime(const std::wstring& version) {
+  constexpr std::size_t digits = 14;
+  return version.size() == digits && version.find_first_not_of(L"0123456789") == std::wstring::npos;
+}
+
 // Prints notes from the log about the import.
 void reportNotes(const std::string& file) {
   for (const LogRecord& record : logRecords()) {
@@ -131,6 +145,18 @@ void warnOfLostPasswords(const IncomingOptions& options) {
   }
 }
 
+void refuseOlder(const IncomingOptions& options, const std::string& ownList) {
+  std::error_code error;
+  if (options.allowsOlder || !std::filesystem::exists(ownList, error)) return;
+  const std::wstring own = globalVersionOf(ownList);
+  const std::wstring incoming = globalVersionOf(options.file);
+  if (!isTime(own) || !isTime(incoming) || incoming >= own) return;
+  throw failureAt(options.file, exitConflict,
+                  "the list is older than the agent's own list: its global version is " +
+                      shown(incoming) + ", that of the agent's own list is " + shown(own),
+                  "use a newer list, or --allow-older");
+}
+
 void addIncomingOptions(Command& command, IncomingOptions& options) {
   command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
   command
@@ -138,6 +164,8 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
                   "Directory of the management server's public key, for a\nlist whose server has "
                   "no version")
       .type_name("DIR");
+  command.add_flag("--allow-older", options.allowsOlder,
+                   "Accept a list with an older global version than that of\nthe agent's own list");
   command.add_flag("--dry-run", options.dryRun,
                    "Show the changes to the agent's own list, the key files\nand the FIPS marker; "
                    "write nothing");
@@ -147,6 +175,7 @@ int takeIncoming(Context& context, const IncomingOptions& options) {
   if (options.dryRun) return previewIncoming(context, options);
   const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
+  refuseOlder(options, ownList);
   sitehlp::CSitesHelper helper(wide(ownList));
   const int result = options.isChecked
                          ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))

@@ -16,6 +16,7 @@ struct IncomingOptions {
   std::string file;
   std::string keyDirectory;
   bool dryRun = false;
+  bool allowsOlder = false;
   bool isChecked = false;  // import checks the list first
 };
 
@@ -31,6 +32,9 @@ void warnOfLostPasswords(const IncomingOptions& options);
 // Returns how an import would change the key files and the FIPS marker of the agent's list.
 std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const IncomingOptions& options,
                                     sitehlp::tag_Site* sites, const std::string& ownList);
+
+// Fails if the list is older than the agent's own list, unless that is allowed.
+void refuseOlder(const IncomingOptions& options, const std::string& ownList);
 
 // Fails because the key files or the list could not be written.
 [[noreturn]] void failOwnFiles(const IncomingOptions& options, const std::string& ownList,

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "host/agent.h"
 #include "host/fs/file_system.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
@@ -62,7 +63,11 @@ ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
     if (use == ListUse::ReadCached) takeFromAgent(sitehlp::smartSiteListLock, use, m_cacheHold);
     takeFromAgent(sitehlp::c_siteListLock, use, m_listHold);
   }
-  if (isOwn || use != ListUse::Change) return;
+  if (use != ListUse::Change) return;
+  if (isOwn) {
+    m_kept.emplace(ownListPath(context), context.command, host::agent().historyLength);
+    return;
+  }
   lockDirectory();
   m_state = stateOf(m_path);
 }

@@ -8,6 +8,7 @@
 
 #include "host/lock/directory_lock.h"
 #include "host/lock/lock_hold.h"
+#include "tools/sitelist/history/history.h"
 #include "tools/sitelist/report/context.h"
 
 namespace tool {
@@ -22,6 +23,8 @@ enum class ListUse { Read, ReadCached, Change };
 // Any other list is locked through its directory. It is also locked with the agent's lock if the
 // user may use the lock files. Only a change locks any other list, because a read finds one
 // complete list without a lock.
+//
+// A change of the agent\'s own list puts the old list into the history.
 class ListLock {
  public:
   // Makes the process serve the agent whose lock it takes. An empty file name means the agent's own
@@ -49,6 +52,7 @@ class ListLock {
   std::chrono::milliseconds m_wait;
   std::optional<host::LockHold> m_cacheHold;
   std::optional<host::LockHold> m_listHold;
+  std::optional<KeptList> m_kept;  // under the lock
   host::DirectoryLock m_directory;
   std::optional<std::string> m_state;  // of a named file for a change
 };

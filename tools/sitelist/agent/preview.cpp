@@ -95,6 +95,7 @@ std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions&
 int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
   const PrivateAgent agent(context);
+  refuseOlder(options, ownList);
   CSitesHelper helper(wide(ownList));
   tag_Site* list = nullptr;
   const int read = helper.MustReadSiteList(wide(options.file), &list);

@@ -26,6 +26,8 @@ void addProtect(Command& app, Context& context);
 void addFromBuffer(Command& app, Context& context);
 void addServerList(Command& app, Context& context);
 void addEdit(Command& app, Context& context);
+void addHistory(Command& app, Context& context);
+void addUndo(Command& app, Context& context);
 void addModify(Command& app, Context& context);
 void addDeriveServerList(Command& app, Context& context);
 

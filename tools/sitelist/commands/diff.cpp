@@ -2,11 +2,13 @@
 
 #include <iostream>
 #include <memory>
+#include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/history/history.h"
 
 namespace tool {
 namespace {
@@ -14,6 +16,7 @@ namespace {
 struct DiffOptions {
   std::string before;
   std::string after;
+  std::string number;  // in the history
   bool exitCode = false;
   bool showSecrets = false;
 };
@@ -31,13 +34,27 @@ SiteList read(const std::string& path) {
   return list;
 }
 
+// The names of the two lists.
+std::pair<std::string, std::string> namesOf(const Context& context, const DiffOptions& options) {
+  if (options.number.empty()) {
+    if (!options.after.empty()) return {options.before, options.after};
+    throw Failure(exitUsage, "BEFORE or AFTER is missing", "give two lists, or --history NUMBER");
+  }
+  if (!options.before.empty()) {
+    throw Failure(exitUsage, "--history cannot be used with BEFORE and AFTER",
+                  "omit the lists; --history compares with the agent's own list");
+  }
+  const std::string own = ownListPath(context);
+  return {historyEntry(own, options.number).path, own};
+}
+
 int diff(Context& context, const DiffOptions& options) {
+  const auto [from, to] = namesOf(context, options);
   const PrivateAgent agent(context);
-  const SiteList before = read(options.before);
-  const SiteList after = read(options.after);
+  const SiteList before = read(from);
+  const SiteList after = read(to);
   const Diff result(before, after, options.showSecrets);
-  context.report =
-      result.report("From " + shown(options.before) + "\n  to " + shown(options.after), "");
+  context.report = result.report("From " + shown(from) + "\n  to " + shown(to), "");
   return options.exitCode && !result.isEmpty() ? exitNegative : exitSuccess;
 }
 
@@ -47,13 +64,17 @@ void addDiff(Command& app, Context& context) {
   Command command = app.add_subcommand("diff", "Show the differences between two site lists");
   const auto options = std::make_shared<DiffOptions>();
   command.add_option("BEFORE", options->before, "The old list")
-      .required()
       .type_name("")
       .completes(Completion::File);
   command.add_option("AFTER", options->after, "The new list")
-      .required()
       .type_name("")
       .completes(Completion::File);
+  command
+      .add_option("--history", options->number,
+                  "Compare the list with this number in `sitelist history`\nwith the agent's own "
+                  "list")
+      .type_name("NUMBER")
+      .not_empty();
   command.add_flag("--exit-code", options->exitCode, "Exit with status 1 if the lists differ");
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");
@@ -65,7 +86,8 @@ void addDiff(Command& app, Context& context) {
       "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"
-      "  sitelist diff --exit-code --format json old.xml new.xml\n");
+      "  sitelist diff --exit-code --format json old.xml new.xml\n"
+      "  sitelist diff --history 3\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return diff(context, *options); };
   });

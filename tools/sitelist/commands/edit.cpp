@@ -248,27 +248,12 @@ void addMoves(Command& edit, Edits& edits, EditArguments& options) {
       "  sitelist edit move Depot before Offices\n");
 }
 
-void addRestore(Command& edit, Edits& edits) {
-  Command command =
-      addSubcommand(edit, edits, "restore", "Restore the list from its backup, FILE.bak",
-                    [](Context& context, const EditArguments& given) {
-                      return restoreBackup(context, given.list);
-                    });
-  command.footer(
-      "The backup is not checked by the rules of `sitelist validate`. `sitelist edit\n"
-      "--help` describes --dry-run and the other options.\n"
-      "\n"
-      "Example:\n"
-      "  sitelist edit restore --dry-run\n");
-}
-
 void addCommonOptions(Command& command, EditOptions& options) {
   command.add_option("--file", options.file, "The list to edit (default: the agent's own list)")
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
   command.add_flag("--dry-run", options.dryRun, "Show the changes, and write nothing");
-  command.add_flag("--backup", options.backup, "Keep the old list as FILE.bak");
   command.add_flag("--force", options.force, "Write the list although the change adds a fault");
 }
 
@@ -283,11 +268,11 @@ void addEdit(Command& app, Context& context) {
   addSet(command, *edits, *options);
   addAdd(command, *edits, *options);
   addMoves(command, *edits, *options);
-  addRestore(command, *edits);
   command.footer(
       "All other elements, attributes, comments and text are unchanged, including those\n"
       "that the agent does not read. A repeated edit changes nothing; a repeated remove\n"
       "exits with status 7, because the site does not exist.\n"
+      "`sitelist undo` undoes an edit of the agent's own list.\n"
       "\n"
       "The rules of `sitelist validate` apply to the changed list, even those\n"
       "for warnings. If the change adds a fault, the edit writes nothing and exits with\n"
@@ -300,8 +285,7 @@ void addEdit(Command& app, Context& context) {
       "\n"
       "Examples:\n"
       "  sitelist edit disable Depot\n"
-      "  sitelist edit --backup set Depot server=depot2.example\n"
-      "  sitelist edit restore\n"
+      "  sitelist edit set Depot server=depot2.example\n"
       "  sitelist edit --file lists/SiteList.xml --dry-run remove Depot\n");
   command.callback([&context, options, edits] {
     context.action = [&context, options, edits] {

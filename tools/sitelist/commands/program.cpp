@@ -33,6 +33,8 @@ constexpr CommandEntry c_commands[] = {
     {"merge", addMerge},
     {"rewrite", addRewrite},
     {"edit", addEdit},
+    {"history", addHistory},
+    {"undo", addUndo},
     {"modify", addModify},
     {"derive-server-list", addDeriveServerList},
     {"from-buffer", addFromBuffer},

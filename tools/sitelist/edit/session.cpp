@@ -9,7 +9,6 @@
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
-#include "tools/sitelist/edit/backup.h"
 #include "tools/sitelist/edit/new_faults.h"
 
 namespace tool {
@@ -71,8 +70,6 @@ int performEdit(Context& context, const EditOptions& options,
   const ListAccess access(context, options);
   const std::string& path = access.path();
   failIfNotEditable(path);
-  std::string old;
-  if (!readBytes(path, old)) throw libraryFailure(path, sitehlp::c_errorRead);
   const SiteList before = readWholeSiteList(path);
   ListEditor list(before);
   const Outcome outcome = edit(list);
@@ -91,35 +88,8 @@ int performEdit(Context& context, const EditOptions& options,
     say(path, "nothing to change: " + outcome.already);
   } else {
     access.requireUnchanged();
-    if (options.backup) writeBackup(path, old);
     if (!list.write(path)) throw libraryFailure(path, sitehlp::c_errorWrite);
     say(path, outcome.done);
-  }
-  return exitSuccess;
-}
-
-int restoreBackup(Context& context, const EditOptions& options) {
-  if (options.backup) {
-    throw Failure(exitUsage,
-                  "--backup cannot be used with restore, which needs the existing backup",
-                  "omit --backup");
-  }
-  const ListAccess access(context, options);
-  const std::string& path = access.path();
-  const std::string backup = backupPath(path);
-  const std::string bytes = readBackup(path);
-  failIfNotEditable(backup);
-  SiteList after = readWholeSiteList(backup);
-  after.path = path;
-  std::string present;
-  if (options.dryRun) {
-    previewEdit(context, readSiteList(path), after, path);
-  } else if (readBytes(path, present) && present == bytes) {
-    say(path, "nothing to change: the list is the same as its backup");
-  } else {
-    access.requireUnchanged();
-    putBack(path, bytes);
-    say(path, "restored from " + shown(backup));
   }
   return exitSuccess;
 }

@@ -14,7 +14,6 @@ namespace tool {
 struct EditOptions {
   std::string file;  // empty for the agent's own list
   bool dryRun = false;
-  bool backup = false;
   bool force = false;  // writes a list with new faults, too
 };
 
@@ -44,9 +43,6 @@ class ListAccess {
 // refused unless `force` is set. Returns the exit status.
 int performEdit(Context& context, const EditOptions& options,
                 const std::function<Outcome(ListEditor&)>& edit);
-
-// Replaces the list with the backup of the last edit with a backup. Returns the exit status.
-int restoreBackup(Context& context, const EditOptions& options);
 
 }  // namespace tool
 

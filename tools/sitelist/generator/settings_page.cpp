@@ -28,6 +28,11 @@ constexpr Setting c_settings[] = {
      "shorter keys. With `\"legacy\"`, a server list is stored with its passwords unchanged.",
      "crypto_key_size = \"legacy\"", "crypto_key_size = \"4096\"",
      "1:19: crypto_key_size must be \"legacy\" or \"2048\""},
+    {"history", "a whole number from 0 to 10000", "`10`",
+     "The number of lists that the history of the agent's own list keeps. A command of `sitelist` "
+     "that changes the list puts the old list into the history, in etc/history/ of the data "
+     "directory. With `0` no list is put there.",
+     "history = 100", "history = -1", "1:11: history must be from 0 to 10000"},
     {"mesh.site_list_path", "a string", "`mesh/SiteList.xml` in the data directory",
      "The path of the mesh copy, the list for the mesh service. The mesh copy is written together "
      "with the agent's own list. A relative path is relative to the data directory.",

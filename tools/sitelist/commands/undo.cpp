@@ -1,0 +1,91 @@
+#include <sys/stat.h>
+
+#include <cstring>
+#include <iostream>
+#include <memory>
+
+#include "host/fs/files.h"
+#include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/diff/diff.h"
+#include "tools/sitelist/edit/list_editor.h"
+#include "tools/sitelist/history/history.h"
+
+namespace tool {
+namespace {
+
+struct UndoOptions {
+  std::string number;
+  bool dryRun = false;
+};
+
+std::string bytesOf(const std::string& path) {
+  std::string bytes;
+  if (host::readRegularFile(path, c_maxInputBytes, bytes) != 0) {
+    throw libraryFailure(path, sitehlp::c_errorRead);
+  }
+  return bytes;
+}
+
+int preview(Context& context, const UndoOptions& options) {
+  const PrivateAgent agent(context);
+  const std::string path = ownListPath(context);
+  const HistoryEntry entry = historyEntry(path, options.number);
+  SiteList after = readWholeSiteList(entry.path);
+  after.path = path;
+  context.report = Diff(readSiteList(path), after, false)
+                       .report("What would change in " + shown(path), "Nothing was written.");
+  return exitSuccess;
+}
+
+int undo(Context& context, const UndoOptions& options) {
+  if (options.dryRun) return preview(context, options);
+  const ListLock lock(context, "", ListUse::Change);
+  const std::string path = ownListPath(context);
+  const HistoryEntry entry = historyEntry(path, options.number);
+  failIfNotEditable(entry.path);
+  readWholeSiteList(entry.path);
+  const std::string bytes = bytesOf(entry.path);
+  std::string present;
+  if (host::readRegularFile(path, c_maxInputBytes, present) == 0 && present == bytes) {
+    std::cerr << "sitelist: " << shown(path) << ": nothing to change: the list is the same\n";
+    return exitSuccess;
+  }
+  const int error = host::replaceFile(path, bytes.data(), bytes.size(), S_IRUSR | S_IWUSR);
+  if (error) {
+    throw failureAt(path, exitFile, std::string("cannot be written: ") + std::strerror(error),
+                    "check that you may write there and that there is free space");
+  }
+  std::cerr << "sitelist: " << shown(path) << ": restored list " << entry.number << ", which \""
+            << shown(entry.command) << "\" replaced at " << entry.time << '\n';
+  return exitSuccess;
+}
+
+}  // namespace
+
+void addUndo(Command& app, Context& context) {
+  Command command = app.add_subcommand("undo", "Restore a list that a command has replaced");
+  const auto options = std::make_shared<UndoOptions>();
+  command
+      .add_option("NUMBER", options->number,
+                  "The number of the list in `sitelist history` (default: the\nnewest list)")
+      .type_name("");
+  command.add_flag("--dry-run", options->dryRun, "Show the changes, and write nothing");
+  command.footer(
+      "Replaces the agent's own list by the list from the history, byte for byte. The\n"
+      "list that is replaced goes into the history as well, so a second `sitelist undo`\n"
+      "undoes the first. Key files and the FIPS marker are unchanged.\n"
+      "\n"
+      "Examples:\n"
+      "  sitelist undo\n"
+      "  sitelist undo --dry-run 3\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return undo(context, *options); };
+  });
+}
+
+}  // namespace tool

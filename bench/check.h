@@ -6,7 +6,7 @@
 
 namespace bench {
 
-// Ends the program when a step did not do what it is measured for.
+// Ends the program with a message if a step failed.
 inline void check(bool done, const char* otherwise) {
   if (done) return;
   std::fprintf(stderr, "sitehlp-bench: %s\n", otherwise);

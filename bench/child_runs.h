@@ -3,7 +3,8 @@
 
 namespace bench {
 
-// Does what addMemoryRows started this program for; false when it was started for something else.
+// Runs the measurement for which addMemoryRows started this program. Returns false if this program
+// was started for another reason.
 bool runAsChild(int argc, char** argv);
 
 }  // namespace bench

@@ -23,7 +23,7 @@ void addModifyRow(std::size_t sourceCount, const char* against, double bound, Re
           }});
 }
 
-// The edit needs both documents, so no less than this can do it.
+// The edit parses both documents, so the floor must do the same.
 void addRowOfBothDocuments() {
   addRow({"modifySiteList, 1000 sites by 1000", "the same, and expat + pugixml on the source", 0,
           60, [] {

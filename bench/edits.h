@@ -8,21 +8,21 @@
 
 namespace bench {
 
-// One edit of a document, ready to be done again and again on the same bytes.
+// One edit of a document that can be repeated on the same bytes.
 struct Edit {
-  std::string target;  // the file that it writes
-  std::string bytes;   // what the document is before
+  std::string target;  // the file that the edit writes
+  std::string bytes;   // the document before the edit
   std::function<void()> restore;
   std::function<void()> perform;
 
   Cost cost() const { return timedAfter(restore, perform); }
 };
 
-// modifySiteList of a list like the file `list` by the file `source`, repositories, servers and
-// certificates all replaced.
+// modifySiteList of a copy of `list` with `source`. It replaces repositories, servers and
+// certificates.
 Edit modifyOf(const std::string& list, const std::string& source);
 
-// createServerSiteListFromSiteList of a list like the file `list`.
+// createServerSiteListFromSiteList of a copy of `list`.
 Edit deriveOf(const std::string& list);
 
 }  // namespace bench

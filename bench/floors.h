@@ -8,26 +8,26 @@
 
 #include "sitehlp/site.h"
 
-// What the operations are measured against: the least that somebody else needs for a part of the
-// same work. All abort the program when they fail.
+// The floors of the operations. A floor is the least work of another library for a part of the same
+// task. All functions abort the program if they fail.
 namespace bench {
 
-// expat with handlers that do nothing.
+// expat with empty handlers.
 void parseWithExpat(const std::string& bytes);
-// libxml2, with its tree.
+// libxml2 with its tree.
 void parseWithLibxml2(const std::string& bytes);
-// pugixml, which does not check, with its tree.
+// pugixml with its tree. It does not check the document.
 void parseWithPugixml(const std::string& bytes);
 
-// pugixml: parses a document without checks, prints it and replaces the file with it.
+// pugixml: parses a document without checks, prints it and replaces the file.
 void rewriteWithPugixml(const std::string& bytes, const std::string& path);
-// The same after expat has checked it.
+// Does the same after a check by expat.
 void rewriteChecked(const std::string& bytes, const std::string& path);
-// The same with libxml2, which checks.
+// Does the same with libxml2, which includes the check.
 void rewriteWithLibxml2(const std::string& bytes, const std::string& path);
 
-// pugixml: builds the tree of a document anew, element by element, and prints it. Holds what it
-// takes to do so.
+// pugixml: builds the tree of a document element by element and prints it. The object has all the
+// data for this.
 class TreeRecipe {
  public:
   explicit TreeRecipe(const std::string& document);
@@ -48,12 +48,12 @@ class TreeRecipe {
   Text store(const char* text);
   const char* text(Text text) const { return m_texts.data() + text.offset; }
 
-  std::string m_texts;  // each with its terminator
+  std::string m_texts;  // each text has its terminator
   std::vector<Step> m_steps;
 };
 
-// Records with the fields of a list: each allocated with calloc, every field of its kind written
-// and the rest of the field's capacity zeroed. Holds the list's texts close together.
+// Builds records with the fields of a list. Each record is allocated with calloc. Each field of its
+// kind is written, and the rest of its capacity is zeroed. The texts are close together in memory.
 class RecordRecipe {
  public:
   explicit RecordRecipe(const sitehlp::tag_Site* list);
@@ -67,15 +67,15 @@ class RecordRecipe {
   std::vector<std::int32_t> m_kinds;
 };
 
-// Copies of all records, in the given order of lists, each allocated with calloc.
+// Returns copies of all records, in the given order of lists. Each is allocated with calloc.
 sitehlp::tag_Site* copyRecords(const std::vector<const sitehlp::tag_Site*>& lists);
 
 void freeRecords(sitehlp::tag_Site* list);
 
-// One read lock taken and given back.
+// Takes and releases one read lock.
 void lockAndUnlock(const char* name);
 
-// The whole file replaced with the bytes.
+// Atomically replaces the file with the bytes.
 void writeAtomically(const std::string& path, const std::string& bytes);
 
 }  // namespace bench

@@ -21,7 +21,7 @@ constexpr std::size_t c_small = 1000;
 constexpr std::size_t c_large = 10000;
 constexpr double c_bound = 11;
 
-// What an operation costs with a list of that many elements.
+// Returns the cost of an operation on a list with that many elements.
 using CostOfSize = std::function<Cost(std::size_t)>;
 
 void addGrowthRow(const std::string& name, const CostOfSize& cost, int samples = 9,
@@ -88,7 +88,7 @@ Cost merging(std::size_t count) {
   });
 }
 
-// The other kind of merge: the list on disk with the servers of another one, all of them replaced.
+// The other kind of merge: all servers of the list on disk are replaced with those of another list.
 Cost mergingServers(std::size_t count) {
   const std::shared_ptr<tag_Site> first = shared(makeServers(count, 1));
   const auto helper = std::make_shared<CSitesHelper>(widePath(serversFile(count, 2)));
@@ -118,14 +118,14 @@ Cost ordering(std::size_t count) {
 
 Cost askingServers(std::size_t count) {
   const auto helper = std::make_shared<CSitesHelper>(widePath(sitesFile(count)));
-  // A process keeps one list; this one is made to keep the one that is asked about.
+  // A process has only one cached list. This replaces it with the list of `count` sites.
   const auto keepList = [helper, count] {
     static std::size_t kept = 0;
     if (kept == count) return;
     for (int i = 0; i < 3; ++i) CSitesHelper(true).needToUpdateInMemSiteList();
     tag_Site* list = nullptr;
     check(helper->SmartReadSiteList(std::wstring(), &list) == 0 && list, "cannot read the list");
-    letMemoryGo();  // that of the list that was kept before
+    letMemoryGo();  // the memory of the list that was cached before
     kept = count;
   };
   return timedAfter(keepList, [helper] {
@@ -169,7 +169,7 @@ Cost modifyingServers(std::size_t count) {
   return editing(modifyOf(serversFile(c_large, 1), serversFile(count, 2)));
 }
 
-// What is below the edits, for comparison.
+// The floor of the edits, for comparison.
 Cost rewriting(std::size_t count) {
   return timed([bytes = readFile(sitesFile(count)), path = inEtc("rewritten.xml")] {
     rewriteChecked(bytes, path);

@@ -10,10 +10,11 @@
 #include "bench/row_groups.h"
 #include "bench/sample_agent.h"
 
-// Measures one or all lines of the table; each is a benchmark named "operation / floor" whose
-// counter "ratio" is the median over all samples.
+// Measures one or all rows of the table. Each row is a benchmark with the name "operation / floor".
+// Its counter "ratio" is the median of all samples.
 //   sitehlp-bench DIRECTORY [options of Google Benchmark]
-// DIRECTORY is the agent that is measured; it is made when it is empty, and stays.
+// DIRECTORY is the data directory of the measured agent. The program creates its files if it is
+// empty, and does not remove them.
 namespace bench {
 namespace {
 

@@ -3,18 +3,18 @@
 
 #include "bench/row.h"
 
-// What the allocator of the C library does with memory that was freed decides what the next run
-// costs: a page fetched anew costs more than reading a site. By default it keeps some and gives the
-// rest back, by thresholds that depend on what ran before.
+// Controls for the allocator of the C library. A new page costs more than reading a site, so the
+// cost of a run depends on which freed memory the allocator kept. By default this depends on the
+// runs before.
 namespace bench {
 
-// Gives back what was freed, so that what follows starts as a new process does.
+// Returns freed memory to the system, so that the next run begins as in a new process.
 void letMemoryGo();
 
-// Does that before each run.
+// Calls letMemoryGo before each run.
 Cost withNewMemory(const Cost& cost);
 
-// From now on all is kept.
+// From now on, the allocator keeps all freed memory.
 void keepFreedMemory();
 
 }  // namespace bench

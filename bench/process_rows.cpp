@@ -17,7 +17,7 @@ Cost running(const Words& words) {
   return timed([words] { runProgram(words); });
 }
 
-// Without the lines about passwords: only the tool can tell whether a protected one is empty.
+// Omits lines with passwords, because only the tool shows whether an encrypted password is empty.
 std::string outputOf(const Words& words) {
   const std::string file = inEtc("output");
   runProgram(words, file);
@@ -29,7 +29,7 @@ std::string outputOf(const Words& words) {
   return kept;
 }
 
-// The agent's own list is the one with that many sites.
+// Makes the list with that many sites the agent's own list.
 std::string ownList(std::size_t count) {
   writeFile(inEtc("SiteList.xml"), readFile(sitesFile(count)));
   return inEtc("SiteList.xml");

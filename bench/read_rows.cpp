@@ -27,7 +27,7 @@ std::function<void()> parsingOf(const std::string& path, void (*parse)(const std
   return [bytes = readFile(path), parse] { parse(bytes); };
 }
 
-// expat and the records, one after the other.
+// expat, followed by the allocation of the records.
 std::function<void()> parsingAndFillingOf(const std::string& path) {
   CSitesHelper helper(true);
   tag_Site* list = nullptr;
@@ -58,7 +58,7 @@ void addRowsOfMany(std::size_t count, int samples) {
           }});
 }
 
-// One list again and again, so small that what it needs stays with the process.
+// Reads one small list again and again, so its memory stays in the process.
 void addRowOf12(const char* against, double bound,
                 std::function<void()> (*floorOf)(const std::string&)) {
   addRow({"ReadSiteList, 12 sites", against, bound, 400, [floorOf] {

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-// One line of the table: what an operation costs as a multiple of a floor, both done in turn by the
-// same process on the same bytes, so that what disturbs the machine disturbs both.
+// One row of the table: the cost of an operation as a multiple of the cost of a floor. The same
+// process runs both alternately on the same bytes, so that a disturbance affects both.
 namespace bench {
 
-// Runs once and returns what it cost: nanoseconds, or KiB where memory is measured.
+// Runs once and returns the cost: nanoseconds, or KiB for memory.
 using Cost = std::function<double()>;
 
 struct Measurement {
@@ -20,21 +20,21 @@ struct Measurement {
 struct Row {
   std::string name;
   std::string against;
-  double bound = 0;  // the highest ratio that is good; 0: told for comparison only
+  double bound = 0;  // largest good ratio; 0: for comparison only
   int samples = 0;
   std::function<Measurement()> prepare;
-  const char* unit = "us";  // of a thousand
+  const char* unit = "us";  // the unit of 1,000
 };
 
 void addRow(Row row);
 const std::vector<Row>& rows();
 
-// Nanoseconds for one run of `action`, taken over `runs` of them in a row.
+// Returns the nanoseconds of one run of `action`, as the average of `runs` consecutive runs.
 Cost timed(std::function<void()> action, int runs = 1);
-// The same for one run, with a step before each that does not count.
+// Does the same for one run. `before` is called first and is not measured.
 Cost timedAfter(std::function<void()> before, std::function<void()> action);
 
-// Keeps the compiler from dropping what nobody looks at.
+// Prevents the compiler from removing the computation of an unused value.
 template <typename T>
 void keep(const T& value) {
   asm volatile("" : : "r,m"(value) : "memory");

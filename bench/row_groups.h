@@ -1,7 +1,7 @@
 #ifndef BENCH_ROW_GROUPS_H
 #define BENCH_ROW_GROUPS_H
 
-// Each adds the lines of one group of operations to the table.
+// Each function adds the rows of one group of operations to the table.
 namespace bench {
 
 void addReadRows();
@@ -10,9 +10,10 @@ void addMergeRows();
 void addEditRows();
 void addGrowthRows();
 void addTraceRows();
-// `program` is this program, which runs itself to have memory of its own.
+// `program` is the path of this program. It runs itself, so that each measurement has its own
+// process.
 void addMemoryRows(const char* program);
-// The tool is looked for beside this program.
+// The tool must be next to this program.
 void addProcessRows(const char* program);
 
 }  // namespace bench

@@ -17,8 +17,8 @@ namespace {
 
 std::string g_directory;
 
-// A key that was made a moment ago is read again for every password, because the time of its last
-// change does not tell yet whether it changed; an agent's key is older than that.
+// The key file is read again for every password if its last change is too recent to detect another
+// one. The key of a real agent is older, so this waits.
 void makeKey() {
   if (fs::exists(g_directory + "/keystore/password.key")) return;
   std::wstring ignored;

@@ -3,14 +3,13 @@
 
 #include <string>
 
-// The agent that is measured: unmanaged, with a password key of its own, logging nothing and
-// without a mesh service to start.
+// The measured agent. It is unmanaged, has a password key, logs nothing and has no load command.
 namespace bench {
 
-// Serves the agent in a directory, which gets what an agent needs as far as that is not there.
+// Makes the process serve the agent in a directory. Creates the files that are missing.
 void serveSampleAgent(const std::string& directory);
 
-// Where its files are, and a file in its "etc" directory.
+// The directory of its files, and the path of a file in its "etc" directory.
 const std::string& agentDirectory();
 std::string inEtc(const std::string& name);
 

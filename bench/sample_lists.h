@@ -6,22 +6,23 @@
 
 #include "sitehlp/site.h"
 
-// Site lists to measure with. Their documents are written by the library itself, under the agent
-// that is served.
+// Site lists for the measurements. The library itself writes their documents, with the agent that
+// is served.
 namespace bench {
 
 enum class Passwords { Protected, None };
 
-// `count` sites of all kinds in turn: management server, HTTP, FTP, UNC, agent repository, local
-// and, once in a list, the proxy. `variant` tells lists apart: no server of one is in another.
-// Release it with CSitesHelper::FreeSiteListMemory.
+// Returns `count` sites of all kinds in turn: management server, HTTP, FTP, UNC, agent repository
+// and local. One entry is the proxy. Lists with different values of `variant` have no server in
+// common. Release the result with CSitesHelper::FreeSiteListMemory.
 sitehlp::tag_Site* makeSites(std::size_t count, int variant = 0,
                              Passwords passwords = Passwords::Protected);
 
-// The same with management servers only.
+// Does the same with only management servers.
 sitehlp::tag_Site* makeServers(std::size_t count, int variant);
 
-// The file in "etc" that holds such a list, with two certificates; written when first asked for.
+// Returns the path of a file in "etc" with such a list and two certificates. The first call writes
+// it.
 std::string sitesFile(std::size_t count, int variant = 0,
                       Passwords passwords = Passwords::Protected);
 std::string serversFile(std::size_t count, int variant);

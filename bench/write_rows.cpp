@@ -23,7 +23,8 @@ void create(CSitesHelper& helper, tag_Site* list, const std::wstring& path,
 Measurement prepareCreate(std::size_t count) {
   tag_Site* const list = makeSites(count);
   const std::string path = inEtc("created.xml");
-  // Writing cuts the proxy's exclusions down to the first; from then on all writes are the same.
+  // Writing reduces the proxy's exclusions to the first one. After this first write, all writes are
+  // the same.
   CSitesHelper helper(true);
   create(helper, list, widePath(path), {});
   const TreeRecipe tree(readFile(path));
@@ -39,7 +40,7 @@ Measurement prepareCreate(std::size_t count) {
           })};
 }
 
-// The steps of an import, as ImportSiteList makes them.
+// Does the same steps as ImportSiteList.
 void importInSteps(CSitesHelper& helper, const std::wstring& own, const std::wstring& incoming,
                    const std::function<void(int, const std::function<void()>&)>& step) {
   tag_Site* list = nullptr;

@@ -1,4 +1,4 @@
-"""The small changes that can be made to a source."""
+"""The mutations of a source."""
 import collections
 import random
 import re
@@ -20,7 +20,7 @@ LEFT_OUT = re.compile(r'^\s+(?!return|const |static |using |case |default|delete
 
 
 class Change:
-    """Lines of a file and what takes their place. `context` is the line of code before them."""
+    """Lines of a file and their replacement. `context` is the line before them."""
 
     def __init__(self, path, text, number, count, new, kind, what):
         self.path, self.number, self.count, self.new = path, number, count, new
@@ -35,7 +35,7 @@ class Change:
         return f'{self.path}:{self.number + 1}: {self.kind}: {self.what}'
 
     def entry(self):
-        """As it stands in the list of explained changes."""
+        """Returns the mutation in the form of explained.txt."""
         path, context, old, new = self.key
         lines = [path] + [f'  {context}'] * bool(context)
         return '\n'.join(lines + [f'- {line}' for line in old] + [f'+ {line}' for line in new])
@@ -45,7 +45,7 @@ class Change:
 
 
 def block_of(text, number):
-    """The first and the last line of the function that a line is in; None for data."""
+    """Returns the first and last line of the function around a line, or None for data."""
     start = number
     while start > 0 and not text[start][:1].isalnum():
         start -= 1
@@ -66,7 +66,7 @@ def without_comment(line):
 
 
 def masked(line):
-    """The line with the contents of its texts blotted out."""
+    """Returns the line without the contents of its string literals."""
     return re.sub(r'"[^"\\]*(?:\\.[^"\\]*)*"|\'(?:[^\'\\]|\\.)\'',
                   lambda match: match.group()[0] + '~' * (len(match.group()) - 2) + match.group()[-1], line)
 
@@ -81,12 +81,12 @@ def closing(line, opening):
 
 
 def replacements(line):
-    """(from, to, new, kind) for every small change inside a line."""
+    """Yields (from, to, new, kind) for every mutation inside a line."""
     bare = masked(line)
     for kind, pairs in KINDS.items():
         for old, new in pairs:
             edge = r'\b' if old[0].isalpha() else ''
-            if kind == 'arithmetic' and '"' in bare:  # pieces of a text are put together
+            if kind == 'arithmetic' and '"' in bare:  # this joins string literals
                 continue
             for match in re.finditer(edge + re.escape(old) + edge, bare):
                 yield match.start(), match.end(), new, kind
@@ -115,7 +115,7 @@ def is_code(line):
 
 
 def is_whole_statement(text, number):
-    """A statement on a line of its own."""
+    """Returns whether the line is one complete statement."""
     before = next((without_comment(line).rstrip() for line in reversed(text[:number])
                    if line.strip() and not line.strip().startswith('//')), '')
     return bool(STATEMENT.match(without_comment(text[number]))) and before[-1:] in ('{', '}', ';', ':')
@@ -149,7 +149,7 @@ def changes_of(path, text):
 
 
 def spread(changes, most, seed):
-    """Picks from every file and every kind as evenly as they come."""
+    """Picks mutations evenly from all files and kinds."""
     chance = random.Random(seed)
     waiting = collections.defaultdict(lambda: collections.defaultdict(list))
     for change in changes:

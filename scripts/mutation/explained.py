@@ -1,10 +1,10 @@
-"""The list of changes that no test can notice, each with the reason.
+"""The list of mutations that no test can detect, each with the reason.
 
   FILE
-    the line of code before the change
-  - a line that goes
-  + a line that comes instead
-  = the reason, on as many lines as it takes
+    the line before the mutation
+  - an old line
+  + a new line
+  = the reason, in one or more lines
 
 An empty line ends an entry.
 """
@@ -14,7 +14,7 @@ PATH = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'explained.txt')
 
 
 def read():
-    """{key of a change: reason}"""
+    """Returns {key of a mutation: reason}."""
     entries = {}
     with open(PATH) as file:
         blocks = [block for block in file.read().split('\n\n') if block.strip()]

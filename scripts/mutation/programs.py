@@ -1,4 +1,4 @@
-"""Builds the test programs with one changed source, and runs the tests that can notice."""
+"""Builds the test programs with one mutated source, and runs the tests that can detect it."""
 import bisect
 import collections
 import os
@@ -9,15 +9,15 @@ import signal
 import subprocess
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-FLOOR = 20  # seconds that every run of tests may take, however short it usually is
-TIMES = 5  # and how many times its usual length
-SHORT = 300  # milliseconds of tests that are run first
+FLOOR = 20  # seconds that every run of tests may take, even if it is usually short
+TIMES = 5  # the factor on its usual time
+SHORT = 300  # milliseconds of the tests that run first
 MEMORY = 6 << 20  # KiB
 ENDLESS = 'does not end'
 
 
 class Broken(Exception):
-    """The unchanged sources do not build, or their tests fail."""
+    """Raised if the original sources do not build or their tests fail."""
 
 
 def run(command, **options):
@@ -32,7 +32,7 @@ def must(command, **options):
 
 
 class Tree:
-    """A build of the unchanged sources, and how its parts are compiled and linked."""
+    """A build of the original sources, with the commands that compile and link its parts."""
 
     def __init__(self, source, build, programs, settings):
         self.source, self.build, self.programs = source, build, programs
@@ -47,7 +47,7 @@ class Tree:
             for words in map(shlex.split, commands):
                 path = os.path.relpath(words[-1], source)
                 if words[-2] == '-c' and path.startswith('sitehlp/'):
-                    if os.path.basename(words[0]) == 'ccache':  # it would keep every change for ever
+                    if os.path.basename(words[0]) == 'ccache':  # it would store every mutation
                         del words[0]
                     self.compile[path] = words
         unit = None
@@ -62,7 +62,7 @@ class Tree:
         return words[words.index('-o') + 1]
 
     def compiled(self, unit, directory, options=()):
-        """Compiles into `directory`, which also holds the changed sources; None when it does not."""
+        """Compiles into `directory`, which also has the mutated sources. Returns None on failure."""
         changed = os.path.join(directory, unit)
         source = changed if os.path.exists(changed) else os.path.join(self.source, unit)
         target = os.path.join(directory, unit.replace('/', '_') + '.o')
@@ -78,7 +78,7 @@ class Tree:
         return target if run(words, cwd=self.build).returncode == 0 else None
 
     def linked(self, program, objects, directory, extra=()):
-        """`objects`: {unit: its object}, in place of those of the build."""
+        """Links with `objects`, {unit: its object}, instead of the objects of the build."""
         places = {self.object_of(unit): target for unit, target in objects.items()}
         target = os.path.join(directory, program)
         words = [places.get(word, word) for word in self.link[program]]
@@ -88,7 +88,7 @@ class Tree:
 
 
 class Tests:
-    """Which test runs which lines, and how long it takes. Tests are pairs (program, name)."""
+    """The lines and the time of each test. Tests are pairs (program, name)."""
 
     def __init__(self, tree, directory):
         shutil.rmtree(directory, ignore_errors=True)
@@ -116,7 +116,7 @@ class Tests:
         symbols = must(['nm', binary])
         start = int(re.search(r'^([0-9a-f]+) . __executable_start$', symbols, re.M).group(1), 16)
         offsets = sorted(set().union(*runs.values()))
-        # The place that is recorded is the one behind the call.
+        # The recorded place is the one after the call.
         answer = must(['addr2line', '-e', binary], input='\n'.join(hex(start + o - 1) for o in offsets))
         lines = {}
         for offset, line in zip(offsets, answer.splitlines()):
@@ -129,9 +129,9 @@ class Tests:
                 self.places[path][number].add(test)
 
     def in_order(self, change):
-        """Lists of tests, the likeliest to notice first."""
+        """Returns lists of tests, beginning with the most probable to detect the mutation."""
         numbers = self.places.get(change.path, {})
-        if change.block:  # a test that does not come into the function cannot notice
+        if change.block:  # a test that does not run the function cannot detect it
             start, end = change.block
             possible = set().union(*(tests for number, tests in numbers.items()
                                      if start < number <= end + 1))
@@ -155,7 +155,7 @@ class Tests:
 
 
 def run_tests(binary, names, seconds, directory, memory=MEMORY):
-    """The name of the test that failed, None when all passed, or ENDLESS."""
+    """Returns the name of the failed test, None if all passed, or ENDLESS."""
     temporary = os.path.join(directory, 'tmp')
     shutil.rmtree(temporary, ignore_errors=True)
     os.makedirs(temporary)

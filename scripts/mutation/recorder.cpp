@@ -1,7 +1,7 @@
-// Linked with a test program whose library sources are compiled with -fsanitize-coverage=trace-pc:
-// writes down which places of them every test runs, for scripts/mutate. A place is an offset from
-// the start of the program. Child processes of a test count for it, whether they are forked or
-// started anew: all map the same file.
+// scripts/mutate links this with a test program whose library sources are compiled with
+// -fsanitize-coverage=trace-pc. It records which places of these sources each test runs. A place is
+// an offset from the start of the program. All child processes of a test map the same file, so
+// their places are recorded for the test.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>

@@ -30,7 +30,7 @@ void Channel::send(const std::string& line) {
   while (done < text.size()) {
     const ssize_t n = ::write(m_writeFd, text.data() + done, text.size() - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return;  // the other side is gone; its absence shows at the next receive
+    if (n < 0) return;  // the other process has ended; the next receive shows this
     done += static_cast<std::size_t>(n);
   }
 }
@@ -65,7 +65,7 @@ ChildProcess::Started ChildProcess::start(const std::string& name,
   const pid_t pid = ::fork();
   if (pid < 0) throw std::runtime_error("fork");
   if (pid == 0) {
-    // The child finds its channel on descriptors 3 and 4.
+    // The child gets its channel as descriptors 3 and 4.
     const int in = ::fcntl(toChild[0], F_DUPFD, 10);
     const int out = ::fcntl(toParent[1], F_DUPFD, 10);
     ::dup2(in, 3);

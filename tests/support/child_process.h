@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Real processes for tests: the test program runs itself again as `program --child NAME ARG...`,
-// which calls the function registered under NAME instead of any test.
+// Child processes for tests. The test program starts itself as `program --child NAME ARG...`. The
+// child runs the function that is registered with NAME and no tests.
 //
 //   CHILD_PROCESS(holdWriteLock) {          // (args, channel)
 //     ...
@@ -22,12 +22,12 @@
 //   EXPECT_EQ(child.wait(), 0);
 namespace test {
 
-// One end of the two pipes between parent and child; messages are lines.
+// One end of the two pipes between parent and child. Messages are lines.
 class Channel {
  public:
   Channel(int readFd, int writeFd) : m_readFd(readFd), m_writeFd(writeFd) {}
   void send(const std::string& line);
-  // The next line; empty when the other side is gone.
+  // Returns the next line, or an empty text if the other process has ended.
   std::string receive();
 
  private:
@@ -39,14 +39,14 @@ class Channel {
 class ChildProcess {
  public:
   ChildProcess(const std::string& name, const std::vector<std::string>& args);
-  // Kills a child that still runs.
+  // Kills the child if it is running.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   void send(const std::string& line) { m_channel.send(line); }
   std::string receive() { return m_channel.receive(); }
-  // The exit status, or 128 + the number of the signal that ended it.
+  // Waits for the child. Returns the exit status, or 128 + the number of the signal that ended it.
   int wait();
   void kill(int signal);
   pid_t pid() const { return m_pid; }
@@ -72,7 +72,7 @@ struct ChildRegistration {
   ChildRegistration(const char* name, ChildFunction function);
 };
 
-// Runs the child function that the command line asks for and exits; returns when it asks for none.
+// Runs the child function that the command line names, and exits. Returns if it names none.
 void runChildIfAsked(int argc, char** argv);
 
 }  // namespace test

@@ -10,24 +10,26 @@
 
 namespace test {
 
-// The real file system, in force for the life of the object, with calls that fail on demand. A
-// failing call does nothing, except that a failing close closes all the same.
+// The real file system with calls that fail on demand. It is in force for the life of the object. A
+// failing call does nothing, but a failing close still closes the descriptor.
 class FaultyFileSystem : public ForwardingFileSystem {
  public:
   FaultyFileSystem();
 
-  // Which calls fail, the first one being number 0. A later request replaces an earlier one.
+  // Select the calls that fail. The first call has the number 0. A later selection replaces an
+  // earlier one.
   void failCall(std::size_t number, int error);
   void failFrom(std::size_t number, int error);
   void failEvery(FileCall call, int error);
   void failNothing();
 
-  // Reads and writes move at most this many bytes at a time.
+  // Limits each read and write to this many bytes.
   void limitTransfers(std::size_t bytes);
-  // Called just before each call is carried out, from the thread that makes it.
+  // Sets a function that the calling thread runs before each call.
   void beforeEach(std::function<void(FileCall)> action);
 
-  // The calls so far, in order, failed ones included, and those that were made to fail.
+  // All calls so far, including those that failed, and the calls that were made to fail. Both are
+  // in order.
   std::vector<FileCall> calls() const;
   std::vector<FileCall> failed() const;
 

@@ -8,7 +8,7 @@
 
 namespace test {
 
-// The times of a file's last writing and last change, of a "struct stat" that may be const.
+// The times of the last write and of the last change of a file. The "struct stat" may be const.
 #ifdef __APPLE__
 template <typename Status>
 auto& writtenAt(Status& status) {

@@ -9,8 +9,8 @@
 
 namespace test {
 
-// The real file system, except that symbolic links seem to belong to other users: those whose name
-// begins with "foreign" to a third one, those whose name begins with "root" to root.
+// The real file system, but with other owners for some symbolic links. A link whose name begins
+// with "foreign" belongs to a third user. One whose name begins with "root" belongs to root.
 class ForeignLinks : public FaultyFileSystem {
  public:
   static uid_t stranger() { return ::geteuid() + 7; }

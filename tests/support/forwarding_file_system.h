@@ -8,20 +8,20 @@
 
 namespace test {
 
-// One call and its arguments. Those that the call does not have are as they are here.
+// One call and its arguments. Arguments that the call does not have keep these defaults.
 struct FileArguments {
   FileCall call;
   int fd = -1;                        // the descriptor, or the directory that `path` is relative to
-  std::string_view path{};            // for a call that has one
+  std::string_view path{};            // the path, if the call has one
   std::string_view newPath{};         // rename, link
-  int flags = 0;                      // open's flags, lock's operation, access' mode
+  int flags = 0;                      // flags of open, operation of lock, mode of access
   mode_t mode = 0;                    // open, chmod, makeDirectory
-  const void* data = nullptr;         // the bytes to write or the room for those read
-  const std::string* text = nullptr;  // readLink's target
+  const void* data = nullptr;         // the bytes to write, or the buffer for a read
+  const std::string* text = nullptr;  // the target of readLink
 };
 
-// Passes every call on to another file system. It is in force for the life of the object. Fakes
-// override the calls that they change, or look at all calls.
+// Forwards every call to another file system. It is in force for the life of the object. Fakes
+// override the calls that they change, or examine all calls.
 class ForwardingFileSystem : public host::FileSystem {
  public:
   explicit ForwardingFileSystem(host::FileSystem& behind = host::posixFileSystem());
@@ -50,8 +50,8 @@ class ForwardingFileSystem : public host::FileSystem {
   host::FileSystem& behind() { return m_behind; }
 
  private:
-  // Called before each call. Returns 0, or the errno to fail with instead of passing the call on. A
-  // close is passed on all the same.
+  // Called before each call. Returns 0, or an errno with which the call fails without being
+  // forwarded. A close is always forwarded.
   virtual int before(const FileArguments& call);
   // Called after each call with its result.
   virtual void after(const FileArguments& call, long result);

@@ -5,7 +5,7 @@
 
 namespace test {
 
-// The bytes that are allocated in this process at the moment, those of this thread at least.
+// Returns how many bytes are allocated in this process, or at least in this thread.
 std::size_t heapInUse();
 
 }  // namespace test

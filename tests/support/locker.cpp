@@ -39,7 +39,7 @@ void Locker::fork() {
 }
 
 CHILD_PROCESS(locker) {
-  // Interrupts system calls, and otherwise changes nothing.
+  // Interrupts system calls and has no other effect.
   struct sigaction interrupt {};
   interrupt.sa_handler = [](int) {};
   ::sigaction(SIGUSR1, &interrupt, nullptr);

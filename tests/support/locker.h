@@ -9,8 +9,8 @@ namespace test {
 
 constexpr unsigned int c_forEver = 0x7FFFFFFF;
 
-// Another process of the same agent that takes and gives back one read and one write lock of the
-// name "SiteListLock" as it is told.
+// Another process of the same agent. On demand it takes and releases one read lock and one write
+// lock with the name "SiteListLock".
 class Locker {
  public:
   enum class Mode { Read, Write };
@@ -23,11 +23,11 @@ class Locker {
   }
   void unlock(Mode mode);
 
-  // For a lock that will have to wait.
+  // Begins a lock operation that has to wait. finishLock returns its result.
   void beginLock(Mode mode, unsigned int waitMilliseconds = c_forEver);
   bool finishLock() { return m_process.receive() == "yes"; }
 
-  // Forks. The process answers nothing from then on, its child takes all orders.
+  // Forks. Afterwards only the child does what this object demands.
   void fork();
 
   ChildProcess& process() { return m_process; }

@@ -10,7 +10,7 @@
 namespace test {
 namespace {
 
-// Far above the descriptors of the system, so that neither is taken for the other.
+// Far above the descriptors of the system, so that the two cannot be confused.
 constexpr int c_firstDescriptor = 1 << 20;
 
 std::string withoutDoubleSlashes(const std::string& path) {

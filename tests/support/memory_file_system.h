@@ -11,20 +11,20 @@
 
 namespace test {
 
-// A file system that lies in memory, in force for the life of the object: plain files with their
-// modes, and directories that are there once they were made or something is in them. No links, and
-// no waiting: a lock is granted at once, because there is one process alone. For one thread.
+// A file system in memory, in force for the life of the object. It has regular files with their
+// modes. A directory exists if it was created or has a file. There are no links. A lock never
+// waits, because there is only one process. One object must not be used by two threads.
 class MemoryFileSystem : public host::FileSystem {
  public:
   MemoryFileSystem();
   ~MemoryFileSystem() override;
 
   void put(const std::string& path, const std::string& bytes, mode_t mode = 0600);
-  // Null when there is no such file.
+  // Returns the content of a file, or null if it does not exist.
   const std::string* find(const std::string& path) const;
   void clear();
   std::size_t openDescriptors() const { return m_open.size(); }
-  // The names of all files.
+  // Returns the paths of all files.
   std::vector<std::string> paths() const;
 
   int open(int directory, const std::string& path, int flags, mode_t mode) override;

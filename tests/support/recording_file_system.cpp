@@ -68,7 +68,7 @@ void RecordingFileSystem::after(const FileArguments& call, long result) {
 int RecordingFileSystem::close(int fd) {
   RecordedCall recorded{};
   {
-    // Before the descriptor is free, or another thread's open could get it in between.
+    // Done before the descriptor is free. Otherwise an open of another thread could get it first.
     const std::lock_guard<std::mutex> guard(m_mutex);
     recorded = about({FileCall::Close, fd});
     m_open.erase(fd);

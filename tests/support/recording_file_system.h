@@ -14,22 +14,22 @@ namespace test {
 
 struct RecordedCall {
   FileCall call;
-  // What the call was about: the path it named, or the one that its descriptor was opened by. Full
-  // when it counted from a directory that was opened by full path.
+  // The path in the call, or the path with which its descriptor was opened. It is a full path if
+  // the directory of the call was opened with a full path.
   std::string path;
-  // The number of the open, from 1 on, that gave or will give the descriptor used; 0 for none.
-  // Tells apart what a reused descriptor number does not.
+  // The number of the open, from 1, that returned or will return the descriptor of the call. 0
+  // without one. It distinguishes files that had the same descriptor one after the other.
   int file = 0;
   std::string newPath;  // rename, link
-  std::string data;     // the bytes written or read, or the link's target
-  int flags = 0;        // open's flags, lock's operation, access' mode
+  std::string data;     // the bytes written or read, or the target of the link
+  int flags = 0;        // flags of open, operation of lock, mode of access
   mode_t mode = 0;      // open, chmod, makeDirectory
   long result = 0;
 };
 std::ostream& operator<<(std::ostream& out, const RecordedCall& call);
 
-// Stands before another file system, in force for the life of the object, and keeps every call in
-// the order of their ends.
+// Records every call to another file system, in the order in which the calls end. It is in force
+// for the life of the object.
 class RecordingFileSystem : public ForwardingFileSystem {
  public:
   explicit RecordingFileSystem(host::FileSystem& behind = host::posixFileSystem());
@@ -46,7 +46,7 @@ class RecordingFileSystem : public ForwardingFileSystem {
   };
 
   void after(const FileArguments& call, long result) override;
-  // For a thread that has the mutex.
+  // The caller must hold the mutex.
   RecordedCall about(const FileArguments& call) const;
   std::string full(int directory, std::string_view path) const;
 

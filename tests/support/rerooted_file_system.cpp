@@ -52,7 +52,7 @@ int RerootedFileSystem::open(int directory, const std::string& path, int flags, 
 
 int RerootedFileSystem::close(int fd) {
   {
-    // Before the descriptor is free, or another thread's open could get it in between.
+    // Done before the descriptor is free. Otherwise an open of another thread could get it first.
     const std::lock_guard<std::mutex> guard(m_mutex);
     m_above.erase(fd);
   }

@@ -9,8 +9,9 @@
 
 namespace test {
 
-// While it lives, the directory `from` and all below it stand for `to`, so that a test can let the
-// library write to a fixed place without touching it. The directories above `from` need not exist.
+// Replaces the directory `from` and everything below it with `to`, for the life of the object. A
+// test can thus let the library write to a fixed path without changing it. The directories above
+// `from` need not exist.
 class RerootedFileSystem : public FaultyFileSystem {
  public:
   RerootedFileSystem(std::string from, std::string to);
@@ -32,7 +33,7 @@ class RerootedFileSystem : public FaultyFileSystem {
 
   bool isAboveFrom(const std::string& path) const;
   std::string moved(const std::string& path) const;
-  // The path as it was meant, when its directory only stands for one above `from`.
+  // Returns the intended path if `directory` stands for one above `from`.
   std::string meant(int directory, const std::string& path);
   Place placeOf(int directory, const std::string& path);
 

@@ -1,8 +1,8 @@
 #ifndef TESTS_SUPPORT_SANITIZER_H
 #define TESTS_SUPPORT_SANITIZER_H
 
-// 1 in a build with AddressSanitizer or ThreadSanitizer, else 0. Both replace the allocator. GCC
-// tells by macros of its own, and so do newer versions of clang.
+// 1 in a build with AddressSanitizer or ThreadSanitizer, otherwise 0. Both replace the allocator.
+// GCC and newer versions of clang have their own macros for this.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define TESTS_SANITIZED 1
 #elif defined(__has_feature)

@@ -33,7 +33,7 @@ TempDir::TempDir() {
 
 TempDir::~TempDir() {
   std::error_code ignored;
-  // Tests take permissions away; give them back so that everything can be removed.
+  // Tests remove permissions. They are restored so that all files can be removed.
   for (fs::recursive_directory_iterator it(m_path, ignored), end; it != end;
        it.increment(ignored)) {
     if (it->is_directory(ignored) && !it->is_symlink(ignored)) {

@@ -12,7 +12,8 @@
 
 namespace test {
 
-// A new empty directory under the system's temporary directory, removed with all it holds.
+// A new empty directory in the system's temporary directory. The destructor removes it with its
+// content.
 class TempDir {
  public:
   TempDir();
@@ -33,7 +34,7 @@ std::string narrow(const std::wstring& text);
 void writeFile(const std::string& path, const std::string& bytes, mode_t mode = 0644);
 std::string readFile(const std::string& path);  // throws when it cannot be read
 bool exists(const std::string& path);
-// Every file under the directory, by its path below it, with its bytes.
+// Returns the content of every file below the directory, by its relative path.
 std::map<std::string, std::string> snapshot(const std::string& directory);
 
 struct LogLine {
@@ -46,28 +47,28 @@ struct LogLine {
 };
 std::ostream& operator<<(std::ostream& out, const LogLine& line);
 
-// A real agent in a directory of its own, for the life of the object: data directory with etc/,
-// lock and key directories as the host makes them, and every log line from detail level on kept in
-// order.
+// A real agent in its own data directory, for the life of the object. The directory has etc/. The
+// host library creates the directories for locks and keys. All log lines from detail level on are
+// kept in order.
 class TestAgent {
  public:
   explicit TestAgent(bool managed = false);
   ~TestAgent();
 
-  // Change settings (managed, key size, mesh command, ...) and apply them.
+  // The settings. Call apply() after a change.
   host::AgentSettings settings;
   void apply();
 
   const std::string& dataDirectory() const { return m_dir.path(); }
   std::string etc(const std::string& name) const { return m_dir.path() + "/etc/" + name; }
 
-  // What was logged so far. Scope traces are lines that begin with "Enter: " or "Leave: ".
+  // Returns the log lines so far. Trace lines begin with "Enter: " or "Leave: ".
   const std::vector<LogLine>& log() const;
-  // The lines that are no scope trace.
+  // Returns the log lines without trace lines.
   std::vector<LogLine> messages() const;
-  // The texts of the messages of one level.
+  // Returns the texts of the messages of one level.
   std::vector<std::wstring> texts(LogLevel level) const;
-  // The texts of the scope traces entered, in order.
+  // Returns the texts of the traces that were entered, in order.
   std::vector<std::wstring> traces() const;
   void clearLog();
 

@@ -3,16 +3,16 @@
 
 #include <cstddef>
 
-// The operators new and delete of a test program. They can look into what is given back, and refuse
-// to give anything out.
+// The operators new and delete of a test program. They can search released blocks and make
+// allocations fail.
 namespace test {
 
-// They put the size of a block in front of it. This is how much memory they ask malloc for when
-// they are asked for `size` bytes.
+// Returns how many bytes the operators request from malloc for `size` bytes. They store the size of
+// a block before it.
 constexpr std::size_t blockSizeOfNew(std::size_t size) { return size + alignof(std::max_align_t); }
 
-// While it lives, each block that is given back to operator delete is searched for these bytes,
-// which must live as long. One at a time.
+// Searches each released block for these bytes, for the life of the object. The bytes must live as
+// long. Only one object may exist at a time.
 class SearchedDeletes {
  public:
   SearchedDeletes(const void* bytes, std::size_t size);
@@ -20,11 +20,11 @@ class SearchedDeletes {
   SearchedDeletes(const SearchedDeletes&) = delete;
   SearchedDeletes& operator=(const SearchedDeletes&) = delete;
 
-  int found() const;  // blocks so far that hold the bytes
+  int found() const;  // number of blocks so far that have the bytes
 };
 
-// While it lives, operator new gives out `before` blocks and throws std::bad_alloc from then on.
-// One at a time.
+// For the life of the object, operator new succeeds `before` times and then throws std::bad_alloc.
+// Only one object may exist at a time.
 class FailingNew {
  public:
   explicit FailingNew(int before);

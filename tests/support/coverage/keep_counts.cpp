@@ -1,5 +1,5 @@
-// Built for coverage alone, where the linker puts these functions before those of the system: a
-// child process that ends at once would take along what it has counted.
+// Only in a build for coverage. The linker uses these functions instead of those of the system.
+// Otherwise a child process that ends without cleaning up would lose its counts.
 extern "C" {
 
 void __gcov_dump();

@@ -38,8 +38,7 @@ int Patience::lock(int fd, int operation) const {
 
 int lockFiles(const LockFiles& files, LockMode mode, const Patience& patience) {
   const int operation = mode == LockMode::Write ? LOCK_EX : LOCK_SH;
-  // A writer that does not wait does not need the gate. Holding the gate would only make readers
-  // fail.
+  // A writer that does not wait does not need the gate, and would only delay readers there.
   if (mode == LockMode::Write && patience.isNone()) {
     return -fileSystem().lock(files.main.fd, operation | LOCK_NB);
   }

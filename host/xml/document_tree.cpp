@@ -8,9 +8,8 @@
 namespace AdvXMLParser {
 namespace {
 
-// Writes a carriage return as a character reference, because a reader would turn a raw one into a
-// line feed. The tree writes one only for a character that must be escaped, so every one here
-// stands for a reference.
+// Writes each carriage return as a character reference, because a reader would turn a raw one into
+// a line feed. The tree has one only in a text or a value, where a reference is allowed.
 class TextWriter : public pugi::xml_writer {
  public:
   void write(const void* data, std::size_t size) override {

@@ -6,7 +6,7 @@
 // The measured agent. It is unmanaged, has a password key, logs nothing and has no load command.
 namespace bench {
 
-// Makes the process serve the agent in a directory. Creates the files that are missing.
+// Makes the agent in a directory the current agent. Creates the files that are missing.
 void serveSampleAgent(const std::string& directory);
 
 // The directory of its files, and the path of a file in its "etc" directory.

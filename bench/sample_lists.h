@@ -6,8 +6,8 @@
 
 #include "sitehlp/site.h"
 
-// Site lists for the measurements. The library itself writes their documents, with the agent that
-// is served.
+// Site lists for the measurements. The library itself writes their documents, with the current
+// agent.
 namespace bench {
 
 enum class Passwords { Protected, None };

@@ -39,8 +39,8 @@ std::string makeTemporaryDirectory() {
   return pattern;
 }
 
-// The crypto service would make a key at first use, and see to it that it survives a power cut,
-// which takes longer than reading a list.
+// The crypto service would create a missing key durably. That takes longer than reading a list, so
+// a private agent gets this key.
 void makeKeyThatOpensNothing(const std::string& directory) {
   std::error_code error;
   fs::create_directory(directory, error);

@@ -17,16 +17,16 @@ std::string ownListPath(const Context& context);
 // same file.
 bool isOwnList(const Context& context, const std::string& file);
 
-// Makes the process serve the agent of the command line, with its locks, keys and mesh service.
-// Fails if its data directory does not exist, because a command must not create an agent by
-// accident.
+// Makes the agent of the command line the current agent of the process, with its locks, keys and
+// mesh service. Fails if its data directory does not exist, because a command must not create an
+// agent by accident.
 void serveAgent(const Context& context);
 
 // Fails when the agent of the command line has no password key.
 void requirePasswordKey(const Context& context);
 
-// Makes the process serve an agent in a temporary directory, which the destructor removes. Nothing
-// is then written into the directory of the real agent, and no load command is run.
+// Makes an agent in a temporary directory the current agent. The destructor removes the directory.
+// Nothing is written into the directory of the real agent, and no load command is run.
 //
 // An agent `InPlaceOfReal` is managed if the real agent is, and has the real password key if there
 // is one. A `Detached` agent does not depend on the real agent.
@@ -45,9 +45,9 @@ class PrivateAgent {
   std::string m_directory;
 };
 
-// Makes the process serve an agent for a command that reads a list. For the agent's own list it is
-// the real agent, under the lock of the list. For another file it is a private agent. An empty file
-// name means the agent's own list.
+// Sets the current agent for a command that reads a list. For the agent's own list it is the real
+// agent, under the lock of the list. For another file it is a private agent. An empty file name
+// means the agent's own list.
 class AgentForReading {
  public:
   AgentForReading(const Context& context, const std::string& file);
@@ -61,10 +61,9 @@ class AgentForReading {
   std::optional<PrivateAgent> m_private;
 };
 
-// Makes the process serve an agent for a command that writes a list, and holds the lock of that
-// list. For the agent's own list it is the real agent. For another file it is a private agent with
-// the real password key, which must exist. Without a file name the list is written to a temporary
-// file.
+// Sets the current agent for a command that writes a list, and holds the lock of that list. For the
+// agent's own list it is the real agent. For another file it is a private agent with the real
+// password key, which must exist. Without a file name the list is written to a temporary file.
 class AgentForWriting {
  public:
   AgentForWriting(const Context& context, const std::string& file);

@@ -39,7 +39,8 @@ std::string directoryOf(const std::string& file) {
   return error ? "." : path.parent_path().string();
 }
 
-// Another text for every state: a replaced file has another inode, an edited one another time.
+// Returns a text for the state of a file. A replaced file has another inode, and an edited one has
+// another time.
 std::string stateOf(const std::string& file) {
   struct stat status;
   if (host::fileSystem().stat(AT_FDCWD, file, true, status) != 0) return "missing";
@@ -105,8 +106,8 @@ void ListLock::takeFromAgent(const char* name, ListUse use, std::optional<host::
   }
 }
 
-// A directory that is missing or closed fails the write itself. One that only cannot be locked is
-// left to requireUnchanged().
+// If the directory is missing or must not be used, the write itself fails. If it cannot be locked,
+// requireUnchanged() checks the file.
 void ListLock::lockDirectory() {
   const std::string directory = directoryOf(m_path);
   const Answer answer = await([&](unsigned int wait) {

@@ -27,10 +27,10 @@ enum class ListUse { Read, ReadCached, Change };
 // A change of the agent\'s own list puts the old list into the history.
 class ListLock {
  public:
-  // Makes the process serve the agent whose lock it takes. An empty file name means the agent's own
-  // list. Waits at most for the time of --wait. On a terminal, prints a message while it waits.
-  // Fails when the lock cannot be taken. A read does not fail if the lock files cannot be used,
-  // because the library logs that and reads the list.
+  // Makes the agent of the lock the current agent. An empty file name means the agent's own list.
+  // Waits at most for the time of --wait. On a terminal, prints a message while it waits. Fails
+  // when the lock cannot be taken. A read does not fail if the lock files cannot be used, because
+  // the library logs that and reads the list.
   ListLock(const Context& context, const std::string& file, ListUse use);
 
   // Fails when a named file was changed after the lock was taken. That is possible for a program

@@ -34,7 +34,8 @@ class Password {
   std::wstring m_text;
 };
 
-// Returns the password, encrypted with the password key of the served agent. Fails without the key.
+// Returns the password, encrypted with the password key of the current agent. Fails without the
+// key.
 std::wstring protect(const Context& context, const Password& password);
 
 }  // namespace tool

@@ -55,8 +55,8 @@ void printTable(std::ostream& out, const Screen& screen, const ShowOptions& opti
   }
 }
 
-// Columns that were asked for show every record; else proxies, which have little in common with the
-// sites, are blocks of their own.
+// With given columns, every record is a row. Otherwise each proxy is a separate block, because it
+// has few fields in common with sites.
 void printForPeople(std::ostream& out, const Screen& screen, ShowOptions options,
                     const SiteList& list) {
   std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);

@@ -24,8 +24,8 @@ Sequence sitesOf(const SiteList& list, bool proxies) {
   return sites;
 }
 
-// Sites are the same one when kind and name agree; of several alike the first ones pair up. Gives
-// for every new site the index of its old one, or -1.
+// Returns the index of the old site for each new site, or -1. Sites with the same kind and name are
+// the same. Several of them are matched in their order.
 std::vector<int> pairUp(const Sequence& before, const Sequence& after) {
   std::map<std::pair<std::string, std::wstring>, std::deque<int>> left;
   for (std::size_t i = 0; i < before.size(); ++i) {
@@ -40,10 +40,10 @@ std::vector<int> pairUp(const Sequence& before, const Sequence& after) {
   return partners;
 }
 
-// The new sites that keep their place among those in both lists: a longest rising subsequence of
-// the old places. Everything else was moved.
+// Returns which new sites were not moved: a longest increasing subsequence of the old places. All
+// other sites in both lists were moved.
 std::vector<bool> findUnmoved(const std::vector<int>& partners) {
-  std::vector<int> tails;  // indices into `partners` where the best sequences of each length end
+  std::vector<int> tails;  // indices into `partners` of the last elements of the best sequences
   std::vector<int> previous(partners.size(), -1);
   for (std::size_t i = 0; i < partners.size(); ++i) {
     if (partners[i] < 0) continue;

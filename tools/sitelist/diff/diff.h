@@ -24,8 +24,8 @@ class Diff {
   void add(const std::vector<FileChange>& files);
 
   bool isEmpty() const { return m_rows.empty(); }
-  // One row for every change, for a changed site one for every field. `title` and `end` are the
-  // first and the last line for people; an empty one is left out.
+  // Returns one row for every change. A changed site has one row for every changed field. `title`
+  // and `end` are the first and last line of the table format. An empty one is omitted.
   Report report(const std::string& title, const std::string& end) const;
 
  private:

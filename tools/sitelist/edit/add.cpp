@@ -63,8 +63,8 @@ std::vector<NewValue> completed(ListEditor& list, const DocumentKind& kind,
   return values;
 }
 
-// In which fields a site that is there differs from the one that is to be added. Where that one
-// would get the next free order, any order is right.
+// Returns the fields in which an existing site differs from the site to add. If no order is given,
+// the order is not compared.
 std::string differences(const Entry& site, const DocumentKind& kind,
                         const std::vector<NewValue>& given) {
   const DocumentField* const order = findField(kind, "order");

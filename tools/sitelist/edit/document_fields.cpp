@@ -23,8 +23,8 @@ std::int64_t limitOf(const Row& row) {
   return row.form == FieldForm::Number ? c_maxNumber : 0;
 }
 
-// A management server has its NetBIOS name and IP address always, agents and plain HTTP sites only
-// when they are known.
+// A management server always has its computer name and IP address. Agent repositories and HTTP
+// sites have them only if they are known.
 Presence presenceOf(sitehlp::Written written, bool isServer) {
   const bool isAlways =
       written == sitehlp::Written::Always || (written == sitehlp::Written::ByElement && isServer);

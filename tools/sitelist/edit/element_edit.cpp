@@ -31,8 +31,8 @@ AnXmlNode lastChild(AnXmlNode node, const wchar_t* name) {
   return added;
 }
 
-// The fields of a proxy stand in the last "ProxyConfig" of its list. The list's own "UseIEConfig"
-// counts only as long as there is none.
+// Returns the element with the fields of a site. For a proxy it is the last "ProxyConfig" of its
+// list. The list's own "UseIEConfig" is used only without a "ProxyConfig".
 AnXmlNode fieldHolder(const AnXmlNode& site) {
   if (site.getName().str() != WX_XML_PROXY_CONFIG_LIST) return site;
   AnXmlNode config;

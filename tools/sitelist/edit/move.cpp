@@ -12,8 +12,8 @@ namespace {
 
 using Entry = ListEditor::Entry;
 
-// The sites that have a place, in search order. Those with the same order follow each other as the
-// document has them.
+// Returns the sites that have a place, in search order. Sites with the same order keep the order of
+// the document.
 std::vector<Entry*> searchOrder(ListEditor& list) {
   std::vector<Entry*> sites;
   for (Entry& entry : list.entries()) {
@@ -59,8 +59,8 @@ std::size_t position(const std::vector<Entry*>& others, const std::string& place
   return number - 1;
 }
 
-// Redistributes the existing orders, the smallest to the first site. Two sites may share an order
-// only in the sequence of the document; otherwise the second one gets the next number.
+// Redistributes the existing orders, beginning with the smallest. Two sites keep the same order
+// only if they are in the order of the document. Otherwise the second one gets the next number.
 void renumber(ListEditor& list, const std::vector<Entry*>& before,
               const std::vector<Entry*>& after) {
   std::int64_t order = std::numeric_limits<std::int32_t>::min();

@@ -11,8 +11,7 @@
 
 namespace tool {
 
-// A count for each rule, because the text and the place of a fault change with a name or with a
-// line that comes before it.
+// Counts the faults of each rule, because the text and the place of an old fault may change.
 std::vector<Fault> newFaults(const std::string& path, const std::string& draft) {
   const bool isServerChecked = sitehlp::CSitesHelper(true).IsOrbManaged() != 0;
   std::vector<Fault> before = validateList({path, path}, isServerChecked);

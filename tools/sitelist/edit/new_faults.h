@@ -9,12 +9,12 @@
 
 namespace tool {
 
-// The faults that a change of the list would add, by the rules of `validate`. `draft` is the
-// changed list, next to the same key files. A fault is new if the list breaks its rule less often.
-// The rules for the management server apply if the agent that is served is managed.
+// Returns the faults that a change would add to the list at `path`. `draft` is the changed list.
+// Its key files must be next to it. A fault is new if the old list breaks its rule less often. The
+// rules for the management server apply if the current agent is managed.
 std::vector<Fault> newFaults(const std::string& path, const std::string& draft);
 
-// The failure of a change of the list that would add these faults.
+// Returns the failure of a change that would add these faults.
 Failure refusalOf(const std::string& path, const std::vector<Fault>& faults);
 
 }  // namespace tool

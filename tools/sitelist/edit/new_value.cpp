@@ -45,7 +45,7 @@ std::wstring checkedText(const DocumentField& field, const std::string& value) {
   return text;
 }
 
-// A misspelt type would be one without a meaning.
+// Refuses an unknown type, because a misspelt one has no meaning.
 std::wstring checkedType(const DocumentField& field, const std::wstring& type) {
   std::string known;
   for (const wchar_t* each :

@@ -30,7 +30,7 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
       "look at the site in the document; its form may be one that the agent reads differently");
 }
 
-// A server with a version must have key files beside its list, so the draft has them as well.
+// A server with a version must have key files next to its list, so the draft gets links to them.
 void linkKeyFiles(const std::string& list, const std::string& draft) {
   namespace fs = std::filesystem;
   const fs::path from = fs::absolute(list).parent_path();

@@ -18,7 +18,7 @@ struct EditOptions {
 };
 
 // Access to a list for reading, changing and writing it as one operation. Holds the lock of the
-// list, except for a dry run. Meanwhile the process serves a private agent.
+// list, except for a dry run. A private agent is the current agent during this time.
 class ListAccess {
  public:
   // Fails when the lock cannot be taken within the time of --wait.

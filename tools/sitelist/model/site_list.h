@@ -25,7 +25,7 @@ struct SiteList : sitehlp::ListContents {
   Sites sites;
 };
 
-// Reads everything that can be read. `result` has the result code. Takes the lock of the served
+// Reads everything that can be read. `result` has the result code. Takes the lock of the current
 // agent.
 SiteList readSiteList(const std::string& path);
 // Does the same. Fails when the result code is not 0.
@@ -65,10 +65,10 @@ struct Field {
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
 
-// Returns whether the password key of the served agent decrypts an encrypted password.
+// Returns whether the password key of the current agent decrypts an encrypted password.
 bool opensWithAgentKey(const std::wstring& protectedText);
 
-// Returns the names of the sites with a password that the password key of the served agent cannot
+// Returns the names of the sites with a password that the password key of the current agent cannot
 // decrypt. The library reads such a password as an empty one.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
 // Warns about the passwords of `path` that the last read gave as empty for that reason.

@@ -13,7 +13,7 @@ namespace tool {
 enum class ValueType {
   Text,
   Address,       // host and port
-  ComputerName,  // as Address, with the host cut to its NetBIOS name
+  ComputerName,  // as Address, with the host cut at its first dot
   Flag,
   Port,
   Order,

@@ -13,7 +13,8 @@ bool same(const host::AgentSettings& a, const host::AgentSettings& b) {
 
 }  // namespace
 
-// A settings file of any bytes: refused with a reason, or read, written and read as the same.
+// Reads a settings file of any bytes. It must be refused with a reason, or be the same after
+// writing and reading.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   files.put("/agent/agent.toml", std::string(reinterpret_cast<const char*>(data), size));

@@ -6,7 +6,8 @@
 
 using namespace sitehlp;
 
-// A text of any characters as a list. The first byte says how the others make characters.
+// Reads a text of any characters as a list. The first byte determines how the other bytes become
+// characters.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   files.makeDirectory(AT_FDCWD, "/Library/Korvel/orb/scratch/etc", 0700);

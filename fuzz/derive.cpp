@@ -4,7 +4,7 @@
 
 using namespace sitehlp;
 
-// The agent's own list of any bytes, from which that for servers is derived.
+// Derives the server list from an own list of any bytes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   files.put("/agent/etc/SiteList.xml", std::string(reinterpret_cast<const char*>(data), size));
@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string* const first = files.find("/agent/etc/ServerSiteList.xml");
   fuzz::require(done == (first != nullptr), "a list is written exactly on success");
   if (!done) return 0;
-  // Nothing is left to be taken out, and writing what was written changes nothing.
+  // Deriving again must remove nothing, and writing the result again must change nothing.
   const std::string once = *first;
   files.put("/agent/etc/SiteList.xml", once);
   fuzz::require(CSitesHelper::createServerSiteListFromSiteList(L"/agent/etc", nullptr),

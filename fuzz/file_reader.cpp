@@ -13,7 +13,7 @@ bool isTerminated(const wchar_t* field, std::size_t capacity) {
 
 }  // namespace
 
-// A file of any bytes, read as a list and by one of the queries.
+// Reads a file of any bytes as a list and with one of the queries.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   files.put(fuzz::c_list, std::string(reinterpret_cast<const char*>(data), size));
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   helper.AdjustSitesOrder(list);
   CSitesHelper::FreeSiteListMemory(chain);
   CSitesHelper::FreeSiteListMemory(list);
-  // Each query reads the same file anew, so one of them is enough for one input.
+  // Each query reads the file separately, so one query for each input is sufficient.
   switch (size % 4) {
     case 0: {
       std::wstring global;
@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       try {
         helper.GetSiteListBuffer(text);
       } catch (const AdvXMLParser::ReadWriteException&) {
-        // Its header says so.
+        // The header states this exception.
       }
     }
   }

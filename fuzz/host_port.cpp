@@ -2,7 +2,7 @@
 #include "host/common/encoding.h"
 #include "sitehlp/sites_helper.h"
 
-// An address of any text.
+// Splits an address of any text.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   const std::wstring text = host::toWide(bytes.data(), bytes.size());
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   fuzz::require(host == text.substr(0, colon), "the host stands before the last one");
-  // Digits alone are the port, whatever else may be taken for one.
+  // Only a port of digits is compared below.
   const std::wstring digits = text.substr(colon + 1);
   if (digits.empty() || digits.find_first_not_of(L"0123456789") != std::wstring::npos) return 0;
   const std::size_t start = digits.find_first_not_of(L'0');

@@ -5,8 +5,8 @@
 
 using namespace sitehlp;
 
-// Key files of any content beside an incoming list, and the agent's own key. The first byte says
-// which files are there.
+// Imports with key files of any content beside the incoming list, and with any password key. The
+// first byte determines which files exist.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   fuzz::Input input(data, size);

@@ -4,7 +4,7 @@
 
 using namespace sitehlp;
 
-// Two documents, the agent's own and an incoming one. The first byte holds the two switches.
+// Edits one document of any bytes from another. The first byte has the two switches.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   fuzz::Input input(data, size);

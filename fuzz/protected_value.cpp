@@ -3,7 +3,7 @@
 #include "sitehlp/common/password.h"
 #include "sitehlp/sites_helper.h"
 
-// A protected value of any text, and a clear one that comes back.
+// Decrypts any text, and encrypts and decrypts a clear value.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Stage::clear();
   const std::string bytes(reinterpret_cast<const char*>(data), size);
@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::require(sitehlp::EncryptDecryptPassword(sealed, clear, false) != 0 && clear == text,
                 "and comes back");
   if (size == 0) return 0;
-  // One bit, wherever the input says.
+  // The input determines which bit is changed.
   const std::size_t at = data[0] % sealed.size();
   sealed[at] = static_cast<wchar_t>(sealed[at] ^ (1 << (data[size - 1] % 7)));
   fuzz::require(sitehlp::EncryptDecryptPassword(sealed, clear, false) == 0,

@@ -8,8 +8,8 @@
 
 #include "fuzz/stage.h"
 
-// Gives a target each file of the directories once: what was found stays found, with any compiler.
-// A directory without a file is a failure.
+// Runs a target once on each file of the directories, so that a fixed failure stays fixed with
+// every compiler. A directory without a file is a failure.
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
   std::vector<std::filesystem::path> files;

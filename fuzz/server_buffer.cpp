@@ -4,7 +4,7 @@
 
 using namespace sitehlp;
 
-// Bytes from a server. The first one says whether the passwords are adjusted.
+// Stores bytes from a server. The first byte determines whether passwords are adjusted.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   fuzz::Input input(data, size);

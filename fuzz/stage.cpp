@@ -28,8 +28,8 @@ test::MemoryFileSystem& makeFileSystem() {
 test::MemoryFileSystem& Stage::clear() {
   static test::MemoryFileSystem& files = makeFileSystem();
   files.clear();
-  // The library keeps lock files open and looks whether they are still there; new ones each time
-  // would only cost time.
+  // The library keeps lock files open and checks that they exist. New lock files for each input
+  // would only take time.
   host::AgentSettings settings = host::agent();
   host::setAgent(settings);
   const std::string keys = std::string(c_directory) + "/keystore/";

@@ -8,33 +8,35 @@
 
 #include "tests/support/memory_file_system.h"
 
-// What the targets have in common. Every input starts with the same agent, whose files lie in
+// The common parts of the targets. Every input starts with the same agent, whose files are in
 // memory.
 namespace fuzz {
 
-// The library asks the system itself whether a list is there before it reads it, so a list that is
-// to be read has the name of a file that every system has.
+// The library uses the system itself to check whether a list exists. A list to be read therefore
+// has the name of a file that exists on every system.
 constexpr const char* c_list = "/dev/null";
 constexpr const wchar_t* c_widePath = L"/dev/null";
 constexpr const char* c_directory = "/agent";
 
 class Stage {
  public:
-  // The file system of this process, with the agent's keys and nothing else in it.
+  // Clears the file system of this process, so that it has only the agent's keys.
   static test::MemoryFileSystem& clear();
 };
 
-// The bytes of an input, taken from its front piece by piece; zero and empty behind its end.
+// The bytes of an input, taken piece by piece from the start. After the end they are zero or empty.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_left(size) {}
 
   std::uint8_t byte();
-  // All that is left.
+  // Returns all remaining bytes.
   std::string rest();
-  // Up to the next separator, which is dropped, or all that is left.
+  // Returns the bytes up to the next separator and drops the separator. Without one, returns all
+  // remaining bytes.
   std::string part();
-  // One printable text of at most so many characters, some of them of meaning in markup.
+  // Returns a printable text of at most so many characters, including characters with a meaning in
+  // markup.
   std::wstring text(std::size_t most);
 
  private:
@@ -42,7 +44,7 @@ class Input {
   std::size_t m_left;
 };
 
-// Ends the process with a message when a property does not hold.
+// Ends the process with a message if a property does not hold.
 void require(bool holds, const char* property);
 
 }  // namespace fuzz

@@ -80,7 +80,7 @@ bool same(const tag_Site& a, const tag_Site& b) {
 
 }  // namespace
 
-// Records of any content: what is written is what is read.
+// Writes records of any content. Reading must give the same records.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Stage::clear().makeDirectory(AT_FDCWD, "/dev", 0700);
   fuzz::Input input(data, size);

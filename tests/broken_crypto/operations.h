@@ -6,7 +6,7 @@
 
 namespace test {
 
-// Where an operation finds what it works on, for a process that has no workshop of its own.
+// The paths and the document for an operation in a process without its own Workshop.
 struct Places {
   std::string data;
   std::string own;
@@ -19,16 +19,16 @@ struct Places {
 
 struct CryptoOperation {
   const char* name;
-  // Whether it reports success.
+  // Runs the operation. Returns whether it reports success.
   bool (*run)(const Places& places);
-  // The list that it writes.
+  // Returns the list that the operation writes.
   std::string (*written)(const Places& places);
-  // How many lists it reads and writes whose passwords are under the agent's key, and how many it
-  // reads whose passwords are under the server's.
+  // How many lists the operation reads and writes with passwords for the password key, and how many
+  // it reads with passwords for the server key.
   unsigned reads;
   unsigned writes;
   unsigned serverReads;
-  // The list is there for the first time.
+  // The operation creates the list.
   bool isFirst = false;
 };
 const std::vector<CryptoOperation>& cryptoOperations();

@@ -10,26 +10,26 @@
 
 namespace test {
 
-// A way in which passwords cannot be protected or recovered.
+// A situation in which passwords cannot be encrypted or decrypted.
 struct Situation {
   const char* name;
-  // Brings it about.
+  // Creates the situation.
   void (*prepare)(const Workshop& workshop);
-  // What libcrypto is told; empty: the system's own configuration.
+  // The configuration of libcrypto; empty for that of the system.
   const char* configuration = "";
-  // The pattern of what an error line about a list that is read or written says; null when there is
-  // no such line.
+  // The pattern of the error line about a list that is read or written. Null if there is no such
+  // line.
   const char* reasonToRead = nullptr;
   const char* reasonToWrite = nullptr;
-  // Also holds for passwords under the server's key.
+  // The situation also affects passwords for the server key.
   bool withoutCipher = false;
   bool makesKey = false;
-  // The operation runs as another user, where that can be.
+  // If possible, the operation runs as another user.
   bool asOtherUser = false;
 };
 const std::vector<Situation>& situations();
 
-// A user without rights.
+// An unprivileged user.
 constexpr uid_t c_otherUser = 65534;
 
 std::string passwordKey(const Workshop& workshop);

@@ -8,20 +8,20 @@
 
 namespace test {
 
-// Whose key protects a password.
+// The owner of the key for a password.
 enum class Owner { Agent, Server, OtherAgent };
 
-// The protected form of any bytes. The key files are as before afterwards.
+// Returns the encrypted form of any bytes. The key files are unchanged afterwards.
 std::string protect(const Workshop& workshop, const std::string& clear, Owner owner);
 
-// Bytes that hold the canary in ways that make a reader leave its usual path, by name.
+// Passwords with the canary for which a reader uses an unusual code path, by name.
 struct OddPassword {
   std::string name;
   std::string clear;
 };
 std::vector<OddPassword> oddPasswords();
 
-// Parts of the canary and of the agent's keys, as no freed memory may hold them.
+// Returns parts of the canary and of the agent's keys. Freed memory must not contain them.
 std::vector<std::string> secretsOf(const Workshop& workshop);
 
 }  // namespace test

@@ -12,39 +12,40 @@
 namespace test {
 
 struct Output {
-  int status = -1;  // 128 + the signal's number when one ended it
+  int status = -1;  // 128 + the number of the signal that ended the tool
   std::string out;
   std::string err;
 };
 
-// Runs the built tool as a process, in a temporary directory that holds an agent's data directory
-// ("agent", not made yet), the documents of the test and the tool's own temporary files.
+// Runs the built tool as a process, in a temporary directory. The directory has the data directory
+// of an agent ("agent", not created yet), the documents of the test, and the temporary files of the
+// tool.
 class CliTest : public testing::Test {
  protected:
   CliTest();
-  // Fails the test when the tool left temporary files behind.
+  // Fails the test when the tool has left temporary files.
   ~CliTest() override;
 
-  // Serves "agent"; the clear text of a password goes in through `input`.
+  // Runs the tool for "agent". `input` is its standard input, for example a clear password.
   Output sitelist(const std::vector<std::string>& arguments, const std::string& input = "");
-  // Without --agent-dir in front.
+  // Runs the tool without --agent-dir.
   Output bare(const std::vector<std::string>& arguments);
-  // On a terminal of this width, with these settings ("TERM=dumb") in an environment that has none
-  // about colour. Output::out is what the terminal gets.
+  // Runs the tool on a terminal of this width. The environment has these settings ("TERM=dumb") and
+  // no others about colour. Output::out has the text on the terminal.
   Output onTerminal(int columns, const std::vector<std::string>& arguments,
                     const std::vector<std::string>& settings = {});
-  // With standard error on a terminal. Calls `then` once the text is there, or the tool has ended.
-  // Output::err is what the terminal gets.
+  // Runs the tool with standard error on a terminal. Calls `then` when the text was printed or the
+  // tool has ended. Output::err has the text on the terminal.
   Output withTerminalForMessages(const std::vector<std::string>& arguments, const std::string& text,
                                  const std::function<void()>& then);
-  // A shell script with the tool as "$0" and the arguments as "$@".
+  // Runs a shell script with the tool as "$0" and the arguments as "$@".
   Output shell(const std::string& script, const std::vector<std::string>& arguments = {});
 
   void initAgent(const std::vector<std::string>& options = {});
-  // Makes the document the agent's own without asking the tool.
+  // Stores the document as the agent's own list, without the tool.
   void setOwnList(const std::string& document);
   std::string ownList() const { return file("agent/etc/SiteList.xml"); }
-  // The protected form of a password, by the agent's key.
+  // Returns the form of a password that is encrypted with the password key.
   std::string protectedText(const std::string& clear);
 
   std::string file(const std::string& name) const { return m_dir.file(name); }

@@ -6,13 +6,13 @@
 
 namespace test {
 
-// A document with these root attributes and this content in front of its "SiteList".
+// Returns a document with these root attributes and `beforeSites` before its "SiteList".
 std::string document(const std::string& sites, const std::string& beforeSites = "",
                      const std::string& rootAttributes =
                          R"(GlobalVersion="20260101000000" LocalVersion="20260102000000")");
 
-// A complete management server without a version. An attribute in `changes` replaces the one of
-// that name, or takes it away when its text is empty; "RelativePath" is the child element.
+// Returns a complete management server without a version. An attribute in `changes` replaces the
+// attribute of that name. An empty text removes it. "RelativePath" is the child element.
 std::string serverSite(const std::map<std::string, std::string>& changes = {});
 
 std::string httpSite(const std::string& name, const std::string& order = "1",
@@ -21,7 +21,7 @@ std::string httpSite(const std::string& name, const std::string& order = "1",
 // A self-signed certificate in PEM form with the common name "Test authority", and its fingerprint.
 extern const char* const c_certificatePem;
 extern const char* const c_certificateFingerprint;
-// One of "Old authority" that expired at the end of 2001.
+// A certificate of "Old authority" that expired at the end of 2001.
 extern const char* const c_expiredCertificatePem;
 
 }  // namespace test

@@ -15,28 +15,28 @@ class CliEdit : public CliTest {
   CliEdit() { initAgent(); }
 
   Output edit(const Arguments& arguments, const std::string& input = "");
-  // An edit that changes the list. Gives its message.
+  // Makes an edit that must change the list. Returns its message.
   std::string change(const Arguments& arguments, const std::string& input = "");
-  // An edit that finds nothing to change and leaves the file alone.
+  // Makes an edit that must find nothing to change. The file must be unchanged.
   void changeNothing(const Arguments& arguments, const std::string& input = "");
-  // An edit that fails with this status and changes nothing. Gives its message.
+  // Makes an edit that must fail with this status and change nothing. Returns its message.
   std::string fail(int status, const Arguments& arguments, const std::string& input = "");
 
-  // The sites of the agent's list in its order, each with its fields and its "kind" by name; texts
-  // as they are, numbers in decimal, flags as "true" and "false". Passwords are clear.
+  // Returns the sites of the agent's list in its order. Each has its fields and its "kind" by name.
+  // Texts are unchanged, numbers are decimal, and flags are "true" or "false". Passwords are clear.
   std::vector<std::map<std::string, std::string>> sites();
-  // The first one of that name.
+  // Returns the first site with that name.
   std::map<std::string, std::string> site(const std::string& name);
-  // The sites with a place in the search order, in it: "a=1 b=2".
+  // Returns the sites with a place in the search order, in that order: "a=1 b=2".
   std::string orders();
 };
 
-// A site element with these attributes behind its name and order.
+// Returns a site element with these attributes after its name and order.
 std::string siteElement(const std::string& element, const std::string& name,
                         const std::string& order, const std::string& attributes = "",
                         const std::string& children = "");
 
-// Sites named by letters, with these orders; an empty one is left out.
+// Returns sites with letters as names and with these orders. An empty order is omitted.
 std::string sitesWithOrders(const std::vector<std::string>& orders);
 
 }  // namespace test

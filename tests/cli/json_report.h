@@ -7,14 +7,14 @@
 
 namespace test {
 
-// What a JSON document of the tool says: texts as they are, numbers in decimal, flags as "true" and
-// "false"; what is null is left out.
+// The content of a JSON document of the tool. Texts are unchanged, numbers are decimal, and flags
+// are "true" or "false". Null values are omitted.
 struct JsonReport {
   using Record = std::map<std::string, std::string>;
   Record facts;
-  std::vector<Record> rows;  // of the one array that a document may have
+  std::vector<Record> rows;  // of the only array that a document may have
 
-  // The values of one field, row by row.
+  // Returns the values of one field from all rows.
   std::vector<std::string> column(const std::string& name) const;
 };
 

@@ -5,7 +5,7 @@
 
 namespace test {
 
-// A terminal of this width, for a program to write to.
+// A terminal of this width for the output of a program.
 class PseudoTerminal {
  public:
   explicit PseudoTerminal(int columns);
@@ -13,11 +13,11 @@ class PseudoTerminal {
   PseudoTerminal(const PseudoTerminal&) = delete;
   PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
-  // The end that the program writes to. Closed by readAll() and readUntil().
+  // The descriptor for the program. readAll() and readUntil() close it.
   int programEnd() const { return m_programEnd; }
-  // What is written until the text is there, or until the last program is gone.
+  // Returns what is written until the text was written or the last program has ended.
   std::string readUntil(const std::string& text);
-  // What is written until the last program is gone, as it was written.
+  // Returns what is written until the last program has ended, unchanged.
   std::string readAll();
 
  private:

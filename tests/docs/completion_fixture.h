@@ -14,26 +14,26 @@ using Words = std::vector<std::string>;
 const std::string c_scripts = std::string(TEST_SOURCE_DIR) + "/tools/sitelist/completion/";
 
 Words splitLines(const std::string& text);
-// Those of the words that are long options, without a description behind a tabulator.
+// Returns the long options among the words, without the description after a tab.
 std::set<std::string> longOptions(const Words& words);
 
-// A directory with documents to complete, and an agent whose sites have names that a shell has to
-// be careful with.
+// A directory with documents to complete, and an agent whose sites have names with characters that
+// are special in a shell.
 class CompletionTest : public CliTest {
  protected:
   CompletionTest();
 
-  // Shell commands that make the tool the one that is built.
+  // Returns shell commands that make the built tool available.
   static std::string tool();
 
   // Gives the agent sites with special characters in their names. Returns pairs of a typed prefix
-  // and the only name that it may become.
+  // and its only completion.
   std::vector<std::pair<std::string, std::string>> setSpecialNames();
-  // Puts a program "sitelist" into the directory that offers one word, "other".
+  // Creates a program "sitelist" in the directory that offers one word, "other".
   void makeOtherTool();
 };
 
-// A shell on a terminal, where what it makes of a line can be seen.
+// A shell on a terminal. It shows how the shell changes a line.
 class ShellSession {
  public:
   ShellSession(const Words& commandLine, const std::string& directory, const std::string& setup)
@@ -41,18 +41,18 @@ class ShellSession {
     run("words() { printf '[%s]' \"$@\"; echo ' words'-end; }; PS1='go''> '; " + setup + "; words");
   }
 
-  // The words of the line, each in brackets, after the tabulator was pressed behind it.
+  // Returns the words of the line after pressing the tab key at its end, each in brackets.
   std::string completed(const std::string& line) {
     const std::string printed = run(line + "\t\x01words ");
     return printed.substr(printed.rfind("\n[") + 1);
   }
 
-  // What is listed when the tabulator is pressed behind the line.
+  // Returns the list that is shown after pressing the tab key at the end of the line.
   std::string listed(const std::string& line) { return run(line + "\t\x15words"); }
 
  private:
-  // Returns what is printed. Waits until the shell takes keys again: what is typed before goes to
-  // the terminal, which knows nothing of the tabulator. Neither mark is ever typed in one piece.
+  // Returns the printed text. Waits until the shell reads keys again, because the terminal does not
+  // complete keys that are typed before. The two end marks are never typed as one word.
   std::string run(const std::string& keys) {
     m_terminal.type(keys + '\n');
     const std::string printed = m_terminal.readUntil(" words-end");

@@ -7,18 +7,18 @@
 
 namespace test {
 
-// What the help of one command says.
+// The content of the help of one command.
 struct HelpText {
-  std::vector<std::string> path;   // of the command; empty for the program
+  std::vector<std::string> path;   // the path of the command; empty for the program
   std::set<std::string> own;       // options with two dashes
-  std::set<std::string> options;   // with those of the commands above
-  std::set<std::string> commands;  // below it
+  std::set<std::string> options;   // including those of the commands above
+  std::set<std::string> commands;  // subcommands
   std::string text;
 
-  std::string name() const;  // of the whole command line
+  std::string name() const;  // the name of the complete command line
 };
 
-// The program's help, then that of all commands.
+// Returns the help of the program, then that of all commands.
 const std::vector<HelpText>& helpTexts();
 
 }  // namespace test

@@ -8,23 +8,23 @@
 
 namespace test {
 
-// A program on a large terminal of its own, used as by a person.
+// A program on a large terminal that is operated by keys.
 class Terminal {
  public:
-  // The program is looked for in PATH.
+  // The program is searched in PATH.
   Terminal(const std::vector<std::string>& commandLine, const std::string& directory);
   ~Terminal();
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
 
   void type(const std::string& keys);
-  // Returns what was printed up to and without the text. Throws when it does not come.
+  // Returns what was printed up to and without the text. Throws when the text is not printed.
   std::string readUntil(const std::string& text);
 
  private:
   int m_terminal = -1;
   pid_t m_pid = -1;
-  std::string m_printed;  // and not yet returned
+  std::string m_printed;  // printed, but not returned yet
 };
 
 }  // namespace test

@@ -5,9 +5,9 @@
 
 namespace test {
 
-// A document in a form in which two that say the same are equal: without XML declaration, and with
-// the attributes of each element sorted by name. All else stays, white space included. Throws when
-// the text is not well formed.
+// Returns a document in a form in which equivalent documents are equal. It has no XML declaration,
+// and the attributes of each element are sorted by name. Everything else is unchanged, including
+// white space. Throws when the text is not well formed.
 std::string canonical(const std::string& document);
 
 }  // namespace test

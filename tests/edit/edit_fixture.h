@@ -18,13 +18,14 @@
 
 namespace test {
 
-// Writes a new file; one of that name goes first, which is quicker than to write over it.
+// Writes a new file. Removes an old file with that name first, because that is faster than
+// overwriting.
 inline void writeAnew(const std::string& path, const std::string& bytes) {
   std::remove(path.c_str());
   writeFile(path, bytes);
 }
 
-// An open document with its "SiteList" element, for the operations on nodes.
+// An open document with its "SiteList" element, for operations on nodes.
 struct OpenDocument {
   OpenDocument(const TempDir& dir, const std::string& text) : path(dir.file("opened.xml")) {
     writeAnew(path, text);
@@ -32,12 +33,12 @@ struct OpenDocument {
     root = AnXmlNode(&xml);
     root.tryGetChild(siteList, L"SiteList", nullptr, nullptr, nullptr, nullptr);
   }
-  // The document as it is now.
+  // Returns the current document.
   std::string text() {
     EXPECT_TRUE(xml.writeFile(AString(wide(path)), false, false));
     return canonical(readFile(path));
   }
-  // The first child of "SiteList" with that name and "Name".
+  // Returns the first child of "SiteList" with that element name and "Name".
   AnXmlNode site(const wchar_t* element, const wchar_t* name) {
     AnXmlNode node;
     EXPECT_TRUE(siteList.tryGetChild(node, element, L"Name", name, nullptr, nullptr));
@@ -51,7 +52,7 @@ struct OpenDocument {
   AnXmlNode siteList;
 };
 
-// An agent with a list of its own that is edited from an incoming one.
+// An agent with its own list, which is edited from an incoming list.
 class EditFixture : public testing::Test {
  protected:
   void target(const std::string& bytes) { writeAnew(own, bytes); }

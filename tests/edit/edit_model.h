@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// What an edit is to give, worked out on plain values.
+// A model of the edits: their results, computed from plain values.
 namespace test {
 
 // A vendor repository of one document.
@@ -14,21 +14,21 @@ struct Repository {
   std::optional<std::string> type;   // the "Type" attribute
 };
 
-// The vendor repositories that a document has.
+// The vendor repositories of a document.
 struct Repositories {
   std::optional<Repository> http;
   std::optional<Repository> ftp;
 };
 
-// The order slots that the replaced repositories get; none for one that is not replaced.
+// The orders of the replaced repositories; none for a repository that is not replaced.
 struct Replacement {
   std::optional<int> http;
   std::optional<int> ftp;
 };
 Replacement modelReplacement(const Repositories& target, const Repositories& source);
 
-// Management servers of two lists by their identities; an empty one is incomplete and the same as
-// no other. The result holds where each server comes from, in order.
+// Merges the management servers of two lists. A server with an empty identity is incomplete and
+// differs from every other. The result has the origin of each server, in order.
 struct Server {
   std::string identity;
   bool fromSource = false;

@@ -12,8 +12,9 @@
 
 namespace test {
 
-// While it lives, keeps how "SiteListLock" is held whenever one of the named files is opened for
-// reading or is put in place: "read NAME: none", "read NAME: reading", "write NAME: writing".
+// Records how "SiteListLock" is held when one of the named files is opened for reading or replaced,
+// for the life of the object. Entries are "read NAME: none", "read NAME: reading" and "write NAME:
+// writing".
 class LockWatch : public ForwardingFileSystem {
  public:
   explicit LockWatch(std::vector<std::string> names) : m_names(std::move(names)) {}

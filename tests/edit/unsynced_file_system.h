@@ -7,8 +7,9 @@
 
 namespace test {
 
-// While it lives, nothing waits for stable storage: for tests that write thousands of files. A file
-// system may also wait when a file takes the place of another one, so that one goes first.
+// Makes every sync return immediately, for the life of the object. It is for tests that write
+// thousands of files. A file system may also wait when a file is replaced, so the old file is
+// removed first.
 class UnsyncedFileSystem : public ForwardingFileSystem {
  public:
   int sync(int) override { return 0; }

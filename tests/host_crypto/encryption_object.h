@@ -14,7 +14,7 @@ using korvel_com::ZQ::crypto::ENCRYPTION_TYPE_SERVER_BUFFER;
 using korvel_com::ZQ::crypto::IEncryption;
 using CryptoBuffer = korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char>;
 
-// An object of the crypto service, given back at the end of the scope.
+// An object of the crypto service. It is returned to the service at the end of the scope.
 class EncryptionObject {
  public:
   explicit EncryptionObject(korvel_com::ZQ::crypto::EncryptionType type)

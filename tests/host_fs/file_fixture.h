@@ -22,7 +22,7 @@ class FileTest : public testing::Test {
 
   std::string path(const std::string& name) const { return dir.file(name); }
 
-  // Every name in the directory, hidden ones included.
+  // Returns every name in the directory, including hidden ones.
   std::set<std::string> names() const { return namesIn(dir.path()); }
 
   static std::set<std::string> namesIn(const std::string& directory) {

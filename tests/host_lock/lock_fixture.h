@@ -19,7 +19,7 @@ using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::lock::InterProcessWriteLock;
 
 constexpr const char* c_lockName = "SiteListLock";
-// Long enough for anything that must happen, so that a fault shows as a failure and not as a hang.
+// Long enough for everything that must happen, so that a fault becomes a failure and not a hang.
 constexpr unsigned int c_longWait = 60000;
 
 class LockTest : public testing::Test {
@@ -33,7 +33,8 @@ class LockTest : public testing::Test {
   static bool canRead() { return InterProcessReadLock(c_lockName).lock(0); }
   static bool canWrite() { return InterProcessWriteLock(c_lockName).lock(0); }
 
-  // Returns once a writer of another process or thread waits: from then on no new reader gets in.
+  // Returns when a writer of another process or thread is waiting. From then on no new reader gets
+  // the lock.
   static void awaitWaitingWriter() {
     while (canRead()) {
     }

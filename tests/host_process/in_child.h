@@ -8,8 +8,8 @@
 
 namespace test {
 
-// The exit status of a forked child that does the work: 0 when it was done. 128 + the number of a
-// signal when that ended it, that of the alarm when the work was not done in time.
+// Runs the work in a forked child and returns its exit status: 0 if the work was done. Returns 128
+// + the number of the signal that ended it. That is SIGALRM if the work was not done in time.
 template <typename Work>
 int inChild(Work work) {
   const pid_t child = ::fork();

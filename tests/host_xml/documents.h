@@ -20,7 +20,7 @@ inline DocumentPtr parse(const std::string& utf8) { return parse(wide(utf8)); }
 
 const std::string c_declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
-// The document as UTF-8, without the declaration that every one begins with.
+// Returns the document as UTF-8, without its XML declaration.
 inline std::string written(const AdvXMLParser::Document& document, bool indent = false) {
   const std::string text = narrow(document.GenerateXML(indent));
   return text.compare(0, c_declaration.size(), c_declaration) == 0

@@ -6,7 +6,7 @@
 // Site list documents as text.
 namespace test {
 
-// `head` stands before the "SiteList" element, `sites` inside it and `tail` behind it.
+// `head` is before the "SiteList" element, `sites` is in it, and `tail` is after it.
 inline std::string document(
     const std::string& sites, const std::string& head = "",
     const std::string& rootAttributes = R"(GlobalVersion="G1" LocalVersion="L1" Type="Client")",
@@ -29,7 +29,7 @@ inline std::string httpElement(
                  "<UseAuth>0</UseAuth><UserName>user</UserName>");
 }
 
-// A management server that passes every rule for one; `version` empty leaves its version out.
+// Returns a management server that satisfies every rule. If `version` is empty, it has no version.
 inline std::string serverElement(const std::string& name, const std::string& version = "",
                                  const std::string& order = "1",
                                  const std::string& type = "master") {

@@ -5,8 +5,8 @@
 
 namespace test {
 
-// While it lives, malloc and calloc for blocks of `size` bytes work `before` times and fail from
-// then on. One at a time; for the objects of this program alone.
+// For the life of the object, malloc and calloc of blocks of `size` bytes succeed `before` times
+// and then fail. Only one object may exist at a time. It affects only the code of this program.
 class FailingAllocation {
  public:
   FailingAllocation(std::size_t size, int before);
@@ -14,7 +14,7 @@ class FailingAllocation {
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-  int failed() const;  // how many were refused so far
+  int failed() const;  // number of failed allocations so far
 };
 
 }  // namespace test

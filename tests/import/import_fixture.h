@@ -15,7 +15,7 @@
 
 namespace test {
 
-// An agent with a list of its own, and a directory in which an incoming list lies.
+// An agent with its own list, and a directory with an incoming list.
 class ImportFixture : public testing::Test {
  protected:
   ImportFixture() {
@@ -40,7 +40,7 @@ class ImportFixture : public testing::Test {
     agent.clearLog();
     return helper->ImportSiteList(wide(src), wide(keyDir.path()));
   }
-  // The names in the agent's own file, as a helper made afterwards reads them.
+  // Returns the names in the agent's own file, as a new helper reads them.
   std::vector<std::wstring> installedNames() {
     SiteChain list;
     OpenHelper reader(true);
@@ -49,7 +49,7 @@ class ImportFixture : public testing::Test {
   }
   std::map<std::string, std::string> onDisk() { return snapshot(agent.dataDirectory() + "/etc"); }
 
-  // What an import logs on its way to the key files.
+  // Returns the log of an import up to the key files.
   std::vector<LogLine> beginning(const std::wstring& localVersion = L"L1") const {
     return {detailLine(L"Import sitelist from " + wide(src) + L" to " + wide(own)),
             detailLine(L"Original local version of " + wide(src) + L" is " + localVersion)};

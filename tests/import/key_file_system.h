@@ -11,15 +11,15 @@
 
 namespace test {
 
-// While it lives: refuses write access to some files, the removal and the replacement of others,
-// and keeps the names of the files put in place and removed, in order.
+// For the life of the object, refuses write access to some files, and the removal and replacement
+// of others. Records the names of replaced and removed files, in order.
 class KeyFileSystem : public ForwardingFileSystem {
  public:
   std::vector<std::string> readOnly;       // full paths
-  std::vector<std::string> unanswerable;   // full paths whose access cannot be asked for
+  std::vector<std::string> unanswerable;   // full paths for which access() fails
   std::vector<std::string> irremovable;    // names
   std::vector<std::string> irreplaceable;  // names
-  std::vector<std::string> changes;        // "name" put in place, "-name" removed
+  std::vector<std::string> changes;        // "name" for a replaced file, "-name" for a removed one
 
   int access(const std::string& path, int mode) override {
     if (holds(unanswerable, path)) return -EIO;

@@ -7,7 +7,7 @@
 
 #include "tests/support/test_agent.h"
 
-// What the library itself logged, apart from the host's lines.
+// Functions for the log lines of the library itself, without those of the host library.
 namespace test {
 
 inline LogLine detailLine(const std::wstring& text) { return {LogLevel::Detail, L"SiteHlp", text}; }
@@ -17,7 +17,7 @@ inline LogLine internalErrorLine(const std::wstring& text) {
   return {LogLevel::InternalError, L"SiteHlp", text};
 }
 
-// The library's messages in order, scope traces left out.
+// Returns the library's messages in order, without trace lines.
 inline std::vector<LogLine> libraryMessages(const TestAgent& agent) {
   std::vector<LogLine> lines;
   for (const LogLine& line : agent.messages()) {
@@ -26,7 +26,7 @@ inline std::vector<LogLine> libraryMessages(const TestAgent& agent) {
   return lines;
 }
 
-// The library's scope traces entered, in order.
+// Returns the traces that the library entered, in order.
 inline std::vector<std::wstring> libraryTraces(const TestAgent& agent,
                                                const std::wstring& component = L"SiteHlp",
                                                LogLevel level = LogLevel::Detail) {
@@ -40,7 +40,7 @@ inline std::vector<std::wstring> libraryTraces(const TestAgent& agent,
   return texts;
 }
 
-// Whether the scope was entered and left again.
+// Returns whether the scope was entered and left.
 inline bool tracedScope(const TestAgent& agent, const std::wstring& text,
                         const std::wstring& component = L"SiteHlp",
                         LogLevel level = LogLevel::Detail) {

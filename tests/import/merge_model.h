@@ -5,17 +5,17 @@
 
 #include "sitehlp/site.h"
 
-// What a merge is to give, worked out on plain vectors of records.
+// A model of the merge: its results, computed from plain vectors of records.
 namespace test {
 
 using Records = std::vector<const sitehlp::tag_Site*>;
 
 struct MergeInput {
-  const Records* first = nullptr;   // null: no first list
-  const Records* second = nullptr;  // null: no second list
+  const Records* first = nullptr;   // null: without a first list
+  const Records* second = nullptr;  // null: without a second list
   bool useSecond = false;
-  int readResult = 0;  // what reading the current list returns
-  Records current;     // and what it reads
+  int readResult = 0;  // result of reading the current list
+  Records current;     // records of the current list
 };
 
 struct MergeOutput {

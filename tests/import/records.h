@@ -10,7 +10,7 @@
 // Site records and lists of them for the tests.
 namespace test {
 
-// The helper with its state in the open.
+// The helper with public access to its state.
 class OpenHelper : public sitehlp::CSitesHelper {
  public:
   using CSitesHelper::CSitesHelper;
@@ -20,7 +20,7 @@ class OpenHelper : public sitehlp::CSitesHelper {
   using CSitesHelper::m_strSiteListFile;
 };
 
-// A list that belongs to the test.
+// A list that the test owns.
 class SiteChain {
  public:
   SiteChain() = default;
@@ -31,7 +31,7 @@ class SiteChain {
   SiteChain& operator=(const SiteChain&) = delete;
   ~SiteChain();
 
-  // Takes a list over in place of the one held.
+  // Releases its list and takes ownership of another.
   void take(sitehlp::tag_Site* head) {
     clear();
     m_head = head;
@@ -40,7 +40,7 @@ class SiteChain {
   void add(const sitehlp::tag_Site& record);
   sitehlp::tag_Site* head() const { return m_head; }
   sitehlp::tag_Site* last() const;
-  // Where an operation writes a list that the test owns from then on.
+  // The output for a list that the test then owns.
   sitehlp::tag_Site** address() { return &m_head; }
   sitehlp::tag_Site* release();
   void clear();
@@ -49,26 +49,26 @@ class SiteChain {
   sitehlp::tag_Site* m_head = nullptr;
 };
 
-// One record in memory of its own, as the library allocates it.
+// Returns one allocated record, as the library allocates it.
 sitehlp::tag_Site* newRecord(const sitehlp::tag_Site& content);
 
-// Enabled, of type "repository", with distinct text in several fields.
+// Returns an enabled record of type "repository" with distinct texts in several fields.
 sitehlp::tag_Site httpSite(const std::wstring& name);
 sitehlp::tag_Site ftpSite(const std::wstring& name);
 sitehlp::tag_Site uncSite(const std::wstring& name);
 sitehlp::tag_Site localSite(const std::wstring& name);
 sitehlp::tag_Site proxySite(const std::wstring& name);
-// A management server that passes every rule for one.
+// Returns a management server that satisfies every rule.
 sitehlp::tag_Site serverSite(const std::wstring& name);
 // The same record with another type.
 sitehlp::tag_Site typed(sitehlp::tag_Site record, const std::wstring& type);
 
-// The name in the part of the record that belongs to its kind; empty for an unknown kind.
+// Returns the name in the part of the record for its kind, or an empty text for an unknown kind.
 std::wstring nameOf(const sitehlp::tag_Site& record);
 std::vector<std::wstring> namesOf(const sitehlp::tag_Site* head);
 std::vector<const sitehlp::tag_Site*> recordsOf(const sitehlp::tag_Site* head);
 
-// Whether all but the link is the same.
+// Returns whether two records are equal, except for the link to the next one.
 bool sameContent(const sitehlp::tag_Site& a, const sitehlp::tag_Site& b);
 
 template <std::size_t N>

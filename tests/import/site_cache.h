@@ -5,7 +5,7 @@
 
 namespace test {
 
-// Brings the cached list of this process to where it is at the start of a process.
+// Resets the cached list of this process to the state at the start of a process.
 inline void clearSiteCache() {
   sitehlp::CSitesHelper::FreeSiteListMemory(sitehlp::CSitesHelper::m_pSiteList);
   sitehlp::CSitesHelper::m_pSiteList = nullptr;

@@ -17,7 +17,7 @@
 namespace test {
 
 constexpr int c_overLimit = AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED;
-// Elements that are no site, in one list.
+// The limit on unknown elements in one list.
 constexpr std::size_t c_mostUnknown = 1024;
 
 inline std::string repeated(const std::string& text, std::size_t times) {
@@ -33,8 +33,8 @@ inline std::size_t lengthOf(const sitehlp::tag_Site* head) {
   return count;
 }
 
-// An agent with a list and a mesh copy, whose mesh service leaves a mark when it is told to load,
-// and what a file reads as.
+// An agent with a list and a mesh copy. Its load command creates a file. The fixture has the
+// results of reading a file.
 class LimitsTest : public testing::Test {
  protected:
   LimitsTest() {
@@ -76,7 +76,7 @@ class LimitsTest : public testing::Test {
   const std::string own = agent.etc("SiteList.xml");
   const std::string mesh = agent.dataDirectory() + "/mesh/SiteList.xml";
   const std::string mark = agent.dataDirectory() + "/told";
-  std::size_t count = 0;  // records of the list read last
+  std::size_t count = 0;  // number of records in the last list that was read
 };
 
 }  // namespace test

@@ -8,27 +8,28 @@
 
 namespace test {
 
-// A directory outside the agent's, of the user who runs the test, which nothing may change.
+// A directory outside of the agent's data directory. It belongs to the user who runs the test.
+// Nothing may change it.
 class Outside {
  public:
-  // Puts a file there that anybody may read, and a directory that holds the same as `likeThis`; one
-  // with a file in it when there is no such directory.
+  // Creates a file that everybody may read, and a directory with the content of `likeThis`. If
+  // `likeThis` does not exist, the directory has one file.
   void prepare(const std::string& bytes, const std::string& likeThis);
 
   std::string file() const { return m_dir.file("file"); }
   std::string directory() const { return m_dir.file("directory"); }
   std::string missing() const { return m_dir.file("missing"); }
 
-  // Every file and directory, this one included, with all that could change: bytes, kind, mode,
-  // owner, group and times. The time of the last change of `file` counts only when asked for: it
-  // also changes when a second name of it goes.
+  // Returns every file and directory, including this one, with everything that can change. This is
+  // the content, kind, mode, owner, group and times. The change time of `file` is included only on
+  // request, because removing a second name also changes it.
   std::map<std::string, std::string> state(bool withChangeOfFile) const;
 
  private:
   TempDir m_dir;
 };
 
-// The first difference; empty when there is none.
+// Returns the first difference, or an empty text.
 std::string difference(const std::map<std::string, std::string>& before,
                        const std::map<std::string, std::string>& after);
 

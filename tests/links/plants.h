@@ -9,24 +9,24 @@
 
 namespace test {
 
-// A name that the library writes, makes, locks or cleans up.
+// The name of a file or directory that the library writes, creates, locks or removes.
 struct Name {
   enum class Kind { File, LockFile, LeftOver, Directory };
   std::string path;
   Kind kind;
-  // How messages call it.
+  // The form of the name in messages.
   std::string shown;
 };
 
 std::vector<Name> namesOf(const Workshop& workshop);
 
-// What the agent's user puts in the place of such a name.
+// A link that the agent's user creates with such a name.
 enum class Plant { LinkToFile, DanglingLink, LinkToDirectory, ChainOfLinks, HardLink };
 
 const char* nameOf(Plant plant);
 std::vector<Plant> plantsFor(const Name& name);
 
-// A plant, for the life of the object. What the name stood for before comes back then.
+// Creates such a link for the life of the object. Afterwards restores what had the name before.
 class Planted {
  public:
   Planted(const Name& name, Plant plant, const Outside& outside);
@@ -40,8 +40,8 @@ class Planted {
   std::string m_second;
 };
 
-// The workshop's file system. With one user alone, every link that was planted seems to belong to
-// another one.
+// The file system of the workshop. If there is only one user, each created link appears to belong
+// to another user.
 class PlantedFileSystem : public WorkshopFileSystem {
  public:
   PlantedFileSystem(const Workshop& workshop, const Name& name);

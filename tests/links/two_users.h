@@ -7,22 +7,23 @@
 #include <string>
 #include <vector>
 
-// Root, and the unprivileged user that an agent belongs to. A test that is not run as root has one
-// user alone, and says so: the agent is then its own.
+// Root, and the unprivileged user of an agent. A test that does not run as root has only one user.
+// It prints this, and the agent then belongs to that user.
 namespace test {
 
-// Whether there are two. Prints a line the first time that there are not.
+// Returns whether there are two users. If not, the first call prints a line.
 bool haveTwoUsers();
 
 // The agent's user and group.
 uid_t agentUser();
 gid_t agentGroup();
 
-// Makes a directory and all below it the agent's. Links are given away themselves.
+// Gives a directory and everything below it to the agent's user. A link is given itself, not its
+// target.
 void giveToAgent(const std::string& directory);
 
-// What the function returns when the agent's user runs it, in a process of its own. A process that
-// does not get to its end is a line, too.
+// Returns the lines that the function returns in a process of the agent's user. If that process
+// fails, the result has a line about it.
 std::vector<std::string> asAgentUser(const std::function<std::vector<std::string>()>& body);
 
 }  // namespace test

@@ -12,24 +12,25 @@
 
 namespace test {
 
-// What a disk may hold after a power cut. It takes recorded calls one by one and remembers which of
-// their effects no sync has reached. Of those each may have come to the disk or not, whatever the
-// order they were made in: pieces of a file's data, and each entry of a directory. A file whose
-// later piece came and whose earlier one did not holds zeros between.
+// A model of a disk after a power cut. It takes recorded calls one by one and stores their effects
+// until a sync. Any set of the stored effects may be lost, in any order. An effect is a piece of a
+// file's data, or one entry of a directory. If a later piece of a file is on the disk and an
+// earlier one is not, the gap has zeros.
 class DiskModel {
  public:
   using Files = std::map<std::string, std::string>;
 
-  // Starts with what lies under these directories, all of it durable.
+  // Starts with the files below these directories, which are all durable.
   explicit DiskModel(const std::vector<std::string>& roots);
 
   // Returns whether the call changed anything.
   bool apply(const RecordedCall& call);
 
-  // How many effects could be lost now.
+  // Returns how many effects a power cut could lose now.
   std::size_t pending() const { return m_pending.size(); }
 
-  // The files after a power cut that spared those effects, by number, for which `spared` is true.
+  // Returns the files after a power cut. Only the effects for which `spared` returns true are on
+  // the disk.
   Files afterPowerCut(const std::function<bool(std::size_t number)>& spared) const;
 
  private:
@@ -54,7 +55,7 @@ class DiskModel {
   void sync(const RecordedCall& call);
 
   Disk m_durable;
-  Disk m_live;  // as the running system sees it
+  Disk m_live;  // as the running system sees the files
   std::vector<Effect> m_pending;
   std::map<int, std::size_t> m_written;
   std::set<int> m_openDirectories;

@@ -7,17 +7,17 @@
 
 namespace test {
 
-// Told now and then how far a long experiment has come.
+// Called from time to time with the progress of a long experiment.
 using Progress = std::function<void(unsigned long done)>;
 
-// What went wrong, one line each; only the first ones are kept.
+// The faults of an experiment, one line each. Only the first lines are kept.
 class Faults {
  public:
   void add(const std::string& where, const std::string& what) {
     ++m_count;
     if (m_lines.size() < c_kept) m_lines.push_back(where + ": " + what);
   }
-  // For a description that is empty when all is well.
+  // Adds a fault unless its description is empty.
   void addIfAny(const std::string& where, const std::string& what) {
     if (!what.empty()) add(where, what);
   }

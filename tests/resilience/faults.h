@@ -8,19 +8,19 @@ namespace test {
 struct FaultFigures {
   unsigned long runs = 0;
   unsigned long refused = 0;    // reported as failed
-  unsigned long cleanedUp = 0;  // left a temporary file that the next call removed
+  unsigned long cleanedUp = 0;  // runs that left a temporary file, which the next call removed
   Faults faults;
 };
 
-// Which errors each call fails with: one, a different one from call to call, or every one.
+// The errors with which each call fails: one error that changes from call to call, or every error.
 enum class Errors { OneEach, Every };
 
-// Lets every file-system call of every writing and every reading operation fail in turn, once and
-// for good, and looks at what is left.
+// Makes each file-system call of all writing and reading operations fail, once or from then on.
+// Checks the files afterwards.
 FaultFigures failEveryCall(Errors errors, const Progress& progress = nullptr);
 
-// Lets reads and writes move a few bytes at a time, and the disk fill up behind each of the first
-// ones.
+// Limits reads and writes to a few bytes at a time. The disk becomes full after each of the first
+// writes.
 FaultFigures moveFewBytes(const Progress& progress = nullptr);
 
 }  // namespace test

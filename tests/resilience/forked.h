@@ -7,19 +7,20 @@
 
 namespace test {
 
-// A copy of this process that runs a function and ends with its result, without cleaning up. Many
-// times as cheap as a ChildProcess. Of the threads there is only the one that forked: the function
-// must not need what belongs to another.
+// A copy of this process that runs a function and ends with its result, without cleaning up. It
+// costs much less than a ChildProcess. It has only the thread that forked, so the function must not
+// need other threads.
 class Forked {
  public:
   explicit Forked(const std::function<int()>& body);
-  // Kills one that still runs.
+  // Kills the process if it is running.
   ~Forked();
   Forked(const Forked&) = delete;
   Forked& operator=(const Forked&) = delete;
 
   void kill();
-  // The exit status, or 128 + the number of the signal that ended it.
+  // Waits for the process. Returns the exit status, or 128 + the number of the signal that ended
+  // it.
   int wait();
   pid_t pid() const { return m_pid; }
 

@@ -7,18 +7,19 @@
 
 namespace test {
 
-// Forks a process whose threads protect passwords, log, lock, read and write all the time. Each
-// child must do every public operation.
+// The results of forks in a process whose threads encrypt passwords, log, lock, read and write all
+// the time. Each child must complete every public operation.
 struct ForkFigures {
   unsigned long forks = 0;
-  unsigned long hung = 0;  // children that were not done in time
+  unsigned long hung = 0;  // children that did not end in time
   Faults faults;
 };
 ForkFigures forkBesideThreads(unsigned long forks, const Progress& progress = nullptr);
 
-// A process without threads forks, its child does so, and so on. Each does every public operation.
+// The results of a chain of forks without threads. Each process must complete every public
+// operation and then fork the next one.
 struct GenerationFigures {
-  std::size_t heapOfFirst = 0;  // in bytes, behind the operations
+  std::size_t heapOfFirst = 0;  // bytes after the operations
   std::size_t heapOfLast = 0;
   Faults faults;
 };

@@ -10,13 +10,13 @@
 
 namespace test {
 
-// A kind of document that is made to hurt, in any size.
+// A kind of hostile document that can have any size.
 struct HostileFamily {
   const char* name;
-  // About so many bytes.
+  // Returns a document of about so many bytes.
   std::string (*make)(std::size_t bytes);
-  // A record has a fixed size whatever it was read from, so a flood of tiny site elements takes
-  // more memory than any other text of its length. Its records do not count.
+  // Each record has the same size, so many small site elements need more memory than any other
+  // document of the same length. The memory of these records is subtracted.
   bool makesRecords = false;
 };
 const std::vector<HostileFamily>& hostileFamilies();
@@ -24,10 +24,11 @@ const std::vector<HostileFamily>& hostileFamilies();
 struct HostileResult {
   std::string family;
   std::size_t bytes = 0;
-  int readCode = 0;       // of ReadSiteList
-  bool derived = false;   // by createServerSiteListFromSiteList
-  double peakFactor = 0;  // memory above that of an idle process, by the bytes of the document
-  double seconds = 0;     // of both, on the processor
+  int readCode = 0;      // result of ReadSiteList
+  bool derived = false;  // result of createServerSiteListFromSiteList
+  double peakFactor =
+      0;               // memory above that of an idle process, divided by the size of the document
+  double seconds = 0;  // processor time of both operations
 };
 
 struct HostileFigures {
@@ -35,18 +36,18 @@ struct HostileFigures {
   Faults faults;
 };
 
-// Lets a process of its own, on a stack of 256 KiB, read and edit documents of a family.
+// Reads and edits documents of a family in a separate process with a stack of 256 KiB.
 class HostileReader {
  public:
   HostileReader();
-  // One document. False, with a fault, when the process did not end well.
+  // Reads one document. Returns false and adds a fault if the process failed.
   bool read(const HostileFamily& family, std::size_t bytes, HostileResult& result, Faults& faults);
 
  private:
   TestAgent m_agent;
 };
 
-// One document of each family.
+// Reads one document of each family.
 HostileFigures readHostileDocuments(std::size_t bytes);
 
 }  // namespace test

@@ -8,14 +8,14 @@ namespace test {
 struct KillFigures {
   unsigned long kills = 0;
   unsigned long leftOvers = 0;   // kills that left a temporary file
-  unsigned long unfinished = 0;  // kills in the middle of an operation that had written something
+  unsigned long unfinished = 0;  // kills after an operation had written something
   Faults faults;
 };
 
-// Kills a writer just before each of its file-system calls, operation by operation.
+// Kills a writer before each of its file-system calls, one operation after the other.
 KillFigures killBeforeEveryCall(const Progress& progress = nullptr);
 
-// Kills a process that writes in a loop after a random time, this many times.
+// Kills a process that writes in a loop, each time after a random time.
 KillFigures killAtAnyMoment(unsigned long kills, unsigned int seed,
                             const Progress& progress = nullptr);
 

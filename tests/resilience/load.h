@@ -5,7 +5,8 @@
 
 namespace test {
 
-// One writer among readers that hold the lock for 2 ms and lock again at once.
+// The results of one writer and many readers. Each reader holds the lock for 2 ms and then locks
+// again immediately.
 struct CrowdFigures {
   unsigned long writes = 0;
   unsigned long reads = 0;
@@ -14,17 +15,17 @@ struct CrowdFigures {
 };
 CrowdFigures writeAmongReaders(int readers, int seconds);
 
-// Writers that write at once, and readers beside them.
+// The results of several concurrent writers and readers.
 struct WriterFigures {
-  unsigned long leastWrites = 0;  // of a writer
-  unsigned long leastReads = 0;   // of a reader
+  unsigned long leastWrites = 0;  // of the slowest writer
+  unsigned long leastReads = 0;   // of the slowest reader
   unsigned long writes = 0;
   unsigned long reads = 0;
 };
 WriterFigures writeAtOnce(int writers, int readers, int seconds);
 
-// Processes that read and write lists as they like. Every read must find one committed list whole,
-// and never an older one than the read before.
+// The results of processes that read and write lists in random order. Every read must find one
+// complete list, and never an older one than the read before.
 struct MixedFigures {
   unsigned long operations = 0;
   unsigned long versions = 0;
@@ -32,10 +33,10 @@ struct MixedFigures {
 };
 MixedFigures mixOperations(int processes, unsigned long operationsEach);
 
-// Kills whoever holds the lock, this many times.
+// The results of killing the process that holds the lock, several times.
 struct HolderFigures {
   unsigned long kills = 0;
-  double worstWaitMs = 0;  // of the next one
+  double worstWaitMs = 0;  // of the process that gets the lock next
 };
 HolderFigures killHolders(unsigned long kills, const Progress& progress = nullptr);
 

@@ -8,21 +8,21 @@
 namespace test {
 
 struct PowerCutFigures {
-  unsigned long states = 0;     // operation, moment and choice of what was lost
-  unsigned long distinct = 0;   // different contents of the disk among them
-  unsigned long between = 0;    // neither as before the operation nor as after it
-  unsigned long restarted = 0;  // put on the disk, and the operation run on them
+  unsigned long states = 0;     // an operation, a moment and a set of lost effects
+  unsigned long distinct = 0;   // different contents of the disk
+  unsigned long between = 0;    // neither the content before the operation nor that after it
+  unsigned long restarted = 0;  // written to the disk for another run of the operation
   Faults faults;
 };
 
 struct PowerCutPlan {
-  std::size_t bytesAtATime;    // of each write
-  std::size_t choicesEach;     // at most, of what is lost at one moment
-  unsigned long restartEvery;  // state
+  std::size_t bytesAtATime;    // size of the pieces of a write
+  std::size_t choicesEach;     // largest number of sets at one moment
+  unsigned long restartEvery;  // number of states between two restarts
 };
 
-// Cuts the power behind every recorded change of every writing operation, with every choice (or so
-// many random ones) of what had not come to the disk.
+// Cuts the power after every recorded change of every writing operation. Tries every set of lost
+// effects, or a number of random sets.
 PowerCutFigures cutPower(const PowerCutPlan& plan, const Progress& progress = nullptr);
 
 }  // namespace test

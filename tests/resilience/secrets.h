@@ -7,14 +7,14 @@ namespace test {
 
 struct SecretFigures {
   unsigned long runs = 0;
-  unsigned long lines = 0;  // of the log
-  unsigned long files = 0;  // looked through, temporary ones included
+  unsigned long lines = 0;  // log lines
+  unsigned long files = 0;  // searched files, including temporary ones
   Faults faults;
 };
 
-// Runs every operation on lists whose every password field holds a known password, undisturbed and
-// with each file-system call failing, and looks for the password in all that is written, while a
-// writer that dies would leave it behind and afterwards.
+// Runs every operation on lists with a known password in every password field, without failures and
+// with each file-system call failing. Searches all written files for the password, including the
+// temporary files that a killed writer would leave.
 SecretFigures lookForTheCanary(const Progress& progress = nullptr);
 
 struct SwapFigures {
@@ -23,8 +23,8 @@ struct SwapFigures {
   Faults faults;
 };
 
-// Swaps the directory of a list, and the list itself, between the real one and a link to a place
-// outside while a writer writes.
+// Replaces the directory of a list, and the list itself, alternately with a link to an outside
+// place and back. A writer runs at the same time.
 SwapFigures swapLinks(unsigned long swaps, const Progress& progress = nullptr);
 
 }  // namespace test

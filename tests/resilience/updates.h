@@ -11,15 +11,14 @@ enum class UpdatedList { OfAgent, Named };
 enum class UpdateKills { None, OneInTen };
 
 struct UpdateFigures {
-  unsigned long changes = 0;  // that the tool answered with 0
+  unsigned long changes = 0;  // changes for which the tool returned 0
   unsigned long kills = 0;
   Faults faults;
 };
 
-// Changes one list through 16 processes of the tool at once, with every kind of change. A change
-// that was answered with 0 and is not in the list in the end is a fault, and so is every other
-// answer of a process that was not killed. A named list is changed on behalf of an agent and
-// without one in turns.
+// Changes one list with 16 concurrent processes of the tool and all kinds of changes. A change with
+// the result 0 that is not in the list at the end is a fault. Any other result of a process that
+// was not killed is also a fault. A named list is changed alternately for an agent and without one.
 UpdateFigures updateAtOnce(const std::string& tool, UpdatedList which, UpdateKills kills,
                            unsigned long changes, const Progress& progress = {});
 

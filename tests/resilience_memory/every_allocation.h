@@ -7,9 +7,9 @@
 
 namespace test {
 
-// While it lives, allocation number `number` of this thread fails, the first being number 0, or
-// every one from there on. Of operator new, and outside of sanitizers of malloc, calloc and realloc
-// too, whoever calls them.
+// For the life of the object, one allocation of this thread fails, or all allocations from that one
+// on. The first has number 0. This affects operator new. Without a sanitizer it also affects
+// malloc, calloc and realloc of any caller.
 class FailingAllocations {
  public:
   FailingAllocations(unsigned long number, bool fromThereOn);
@@ -20,17 +20,16 @@ class FailingAllocations {
   unsigned long failed() const;
 };
 
-// Blocks of this process that are in use.
+// Returns the number of allocated blocks of this process.
 long blocksInUse();
 
-// While it lives, each block that is given back, or left behind when it grows, is searched for
-// texts, and those that hold one and are of a size that is given are counted. New memory never
-// holds what was in it before.
+// For the life of the object, searches each block for texts when it is released or moved. Counts
+// blocks that have a text and a size within the limits. New memory never has its old content.
 class FreedBlocks {
  public:
-  // For a wide text.
+  // Searches for a wide text.
   FreedBlocks(const std::wstring& text, std::size_t least, std::size_t most);
-  // For any of these bytes, in blocks of any size.
+  // Searches for any of these byte strings, in blocks of any size.
   explicit FreedBlocks(std::vector<std::string> needles);
   ~FreedBlocks();
   FreedBlocks(const FreedBlocks&) = delete;

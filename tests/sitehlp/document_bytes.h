@@ -9,8 +9,8 @@
 namespace test {
 
 struct Encoding {
-  const wchar_t* name;  // as a declaration names it
-  int width;            // bytes of a unit
+  const wchar_t* name;  // name in a declaration
+  int width;            // bytes in a unit
   bool bigEndian;
 };
 const Encoding c_encodings[] = {
@@ -18,7 +18,7 @@ const Encoding c_encodings[] = {
     {L"UTF-32", 4, false}, {L"UTF-32", 4, true},
 };
 
-// The bytes of a text in an encoding, made unit by unit.
+// Returns the bytes of a text in an encoding, written unit by unit.
 inline std::string encode(const std::wstring& text, const Encoding& encoding, bool mark) {
   const std::wstring marked = mark ? L'\uFEFF' + text : text;
   if (encoding.width == 1) return narrow(marked);

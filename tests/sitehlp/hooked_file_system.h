@@ -14,8 +14,8 @@
 
 namespace test {
 
-// The real file system with a look at the moments when a file is opened and when a new file takes
-// the place of an old one. The actions get the name as the call gave it.
+// The real file system with actions when a file is opened or replaced. The actions get the name
+// from the call.
 class HookedFileSystem : public ForwardingFileSystem {
  public:
   using Action = std::function<void(const std::string& path)>;
@@ -45,12 +45,12 @@ inline std::ostream& operator<<(std::ostream& out, LockState state) {
   return out << (state == LockState::Free ? "free" : state == LockState::Read ? "read" : "written");
 }
 
-// How the lock is held, by whichever process or thread, at this moment. The kernel is asked: the
-// host's own locks must not be used where the host holds a mutex, as in a log sink.
+// Returns how any process or thread holds the lock now. It asks the kernel. The locks of the host
+// library must not be used while it holds a mutex, for example in a log sink.
 inline LockState lockState(const char* name) {
   const std::string path = host::agent().dataDirectory + "/locks/" + name + ".lock";
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return LockState::Free;  // nobody has used it yet
+  if (fd < 0) return LockState::Free;  // the lock was not used yet
   LockState state = LockState::Written;
   if (::flock(fd, LOCK_EX | LOCK_NB) == 0) {
     state = LockState::Free;

@@ -12,7 +12,7 @@ namespace test {
 
 class PasswordTest : public SitesHelperTest {
  protected:
-  // The form that a document of this agent holds.
+  // Returns the form of a password in a document of this agent.
   std::wstring sealed(const std::wstring& clear) {
     std::wstring out;
     EXPECT_NE(helper.EncryptPassword(clear, out), 0);
@@ -25,7 +25,7 @@ class PasswordTest : public SitesHelperTest {
     return out;
   }
 
-  // The key and the form of the management server. `fill` tells one key from another.
+  // Writes the server key. `fill` distinguishes keys.
   void storeServerKey(char fill = 'K') {
     writeFile(agent.dataDirectory() + "/keystore/server.key", std::string(32, fill), 0600);
     agent.apply();
@@ -36,7 +36,7 @@ class PasswordTest : public SitesHelperTest {
     return value;
   }
 
-  // From now on the crypto service has no key to give.
+  // From now on the crypto service cannot get a key.
   void makeKeysUnobtainable() {
     std::filesystem::remove_all(agent.dataDirectory() + "/keystore");
     writeFile(agent.dataDirectory() + "/keystore", "in the way");

@@ -16,7 +16,7 @@ namespace test {
 
 using Fields = std::vector<std::pair<const char*, std::wstring>>;
 
-// Every field of a record by its name, as text.
+// Returns every field of a record by its name, as text.
 inline Fields fieldsOf(const sitehlp::tag_Site& site) {
   Fields fields = {{"kind", std::to_wstring(site.eSiteKind)}};
   sitehlp::eachFieldOf(site, [&](const auto& row, const auto& value) {
@@ -39,8 +39,8 @@ inline ListPtr copyOf(const sitehlp::tag_Site* head) {
   return chain(copies);
 }
 
-// Makes lists that come back from a document as they were written: whatever a document does not
-// carry has the value that a reader gives it.
+// Makes lists that are unchanged after writing and reading. A field that a document does not have
+// gets the value that the reader gives it.
 class SiteGenerator {
  public:
   explicit SiteGenerator(unsigned int seed) : m_random(seed) {}
@@ -73,7 +73,7 @@ class SiteGenerator {
         fill(made->szType, 1);
         made->iOrder = number();
     }
-    // A mirror has no order, and a fallback without one counts as the last.
+    // A mirror has no order, and a fallback without one has the order 65535.
     fillFields(*made);
     if (made->eSiteKind == sitehlp::SITE_KIND_HTTP) http(*made);
     return made;
@@ -125,7 +125,7 @@ class SiteGenerator {
     }
   }
 
-  // Fields that may have any value, whatever the others have.
+  // Returns whether the field may have any value, independent of other fields.
   template <typename Row>
   static bool isFree(const Row& row) {
     if (row.place == sitehlp::FieldPlace::None || row.form == sitehlp::FieldForm::Hosts)

@@ -13,7 +13,7 @@
 
 namespace test {
 
-// Opens the protected members of the class to the tests.
+// Gives the tests access to the protected members of the class.
 struct Probe : sitehlp::CSitesHelper {
   using CSitesHelper::CSitesHelper;
   using CSitesHelper::m_bUseDecryptData;
@@ -43,7 +43,7 @@ inline sitehlp::tag_Site* newSite(sitehlp::SiteKind kind) {
   return site;
 }
 
-// Takes the records over, in this order.
+// Links the records in this order and takes ownership of them.
 inline ListPtr chain(const std::vector<sitehlp::tag_Site*>& sites) {
   for (std::size_t i = 0; i + 1 < sites.size(); ++i) sites[i]->pNext = sites[i + 1];
   return ListPtr(sites.empty() ? nullptr : sites.front());
@@ -55,7 +55,7 @@ inline int lengthOf(const sitehlp::tag_Site* head) {
   return count;
 }
 
-// Fills a text field without the class's own help.
+// Fills a text field without the library.
 template <std::size_t N>
 void put(wchar_t (&field)[N], const std::wstring& text) {
   ASSERT_LT(text.size(), N);
@@ -65,7 +65,7 @@ void put(wchar_t (&field)[N], const std::wstring& text) {
 
 const std::string c_declaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
 
-// A document with these children of the root, or with these sites.
+// Return a document with these child elements of the root, or with these sites.
 inline std::string documentWithRoot(const std::string& children,
                                     const std::string& attributes = "") {
   return c_declaration + R"(<ns:SiteLists xmlns:ns="wxSiteList")" +
@@ -75,7 +75,7 @@ inline std::string documentWithSites(const std::string& sites) {
   return documentWithRoot(R"(<SiteList Default="1" Name="SomeGUID">)" + sites + "</SiteList>");
 }
 
-// A list pointer that no operation hands out, to see whether an output was written.
+// Returns a list pointer that no operation returns. It shows whether an output was written.
 inline sitehlp::tag_Site* untouched() {
   static sitehlp::tag_Site site;
   return &site;
@@ -110,7 +110,7 @@ class SitesHelperTest : public testing::Test {
     return path(name);
   }
 
-  // Reads a document; a list that the reader did not write comes back as untouched().
+  // Reads a document. The list is null if the reader did not write its output.
   Read read(const std::string& document) { return readPath(store(document)); }
   Read readPath(const std::wstring& file, bool useLock = true) {
     sitehlp::tag_Site* list = untouched();
@@ -119,7 +119,7 @@ class SitesHelperTest : public testing::Test {
     return {code, ListPtr(list)};
   }
 
-  // The one site of a document that holds this element alone.
+  // Returns the only site of a document that has only this element.
   ListPtr decode(const std::string& element) {
     Read result = read(documentWithSites(element));
     EXPECT_EQ(result.code, 0) << element;
@@ -127,7 +127,7 @@ class SitesHelperTest : public testing::Test {
     return result.list ? std::move(result.list) : ListPtr(newSite(sitehlp::SITE_KIND_HTTP));
   }
 
-  // The messages and the scope traces of the library alone.
+  // Return the messages and the traces of the library, without those of the host library.
   std::vector<LogLine> messages() const {
     std::vector<LogLine> lines;
     for (const LogLine& line : agent.messages()) {

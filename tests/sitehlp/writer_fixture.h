@@ -19,8 +19,8 @@ class WriterTest : public PasswordTest {
     return helper.CreateSiteList(list.get(), outPath(), L"G", L"L", L"T", certificates);
   }
 
-  // The document with every password in clear and every empty element written with two tags, so
-  // that it can be compared.
+  // Returns a document for a comparison: every password is clear, and every empty element has two
+  // tags.
   static std::string comparable(const std::string& document) {
     static const std::regex c_emptyElement(R"(<([\w:]+)((?: [\w:]+="[^"]*")*) ?/>)");
     const std::string text = std::regex_replace(document, c_emptyElement, "<$1$2></$1>");
@@ -39,7 +39,7 @@ class WriterTest : public PasswordTest {
   }
   std::string written() const { return comparable(outText()); }
 
-  // What stands inside the "SiteList" element after this list was written.
+  // Returns the content of the "SiteList" element after this list was written.
   std::string sitesOf(const ListPtr& list) {
     EXPECT_EQ(write(list), 0);
     const std::string text = written();

@@ -7,19 +7,19 @@
 #include "sitehlp/sites_helper.h"
 #include "tests/resilience/workshop.h"
 
-// Every public operation of the library, each on an instance of its own against one shared agent.
+// Every public operation of the library. Each uses its own instance, and all use one agent.
 namespace test {
 
-// What an operation does with the cached list of the process.
+// How an operation uses the cached list of the process.
 enum class Cache {
   Untouched,
-  HandsOut,  // gives its caller the list itself
+  HandsOut,  // returns the list itself
   Releases,  // may release the list
 };
 
 struct SharedOperation {
   std::string name;
-  // The result and what the outputs hold, as text. From any thread.
+  // Returns the result and the outputs as text. Any thread.
   std::string (*run)(const Workshop& workshop);
   bool writes = false;
   Cache cache = Cache::Untouched;
@@ -30,12 +30,12 @@ SharedOperations recordOperations();
 SharedOperations readingSharedOperations();
 SharedOperations writingSharedOperations();
 SharedOperations editingOperations();
-// All of these.
+// Returns all of these operations.
 const SharedOperations& sharedOperations();
 
-// A result with what is in a list.
+// Returns a result with the content of a list as text.
 std::string told(int result, const sitehlp::tag_Site* list = nullptr);
-// A result with texts.
+// Returns a result with texts as text.
 std::string told(int result, const std::vector<std::wstring>& texts);
 
 }  // namespace test

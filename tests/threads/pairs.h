@@ -6,23 +6,23 @@
 
 #include "tests/resilience/experiment.h"
 
-// Two operations at the same time, each on a thread and an instance of its own.
+// Runs two operations at the same time, each with its own thread and instance.
 namespace test {
 
 struct PairFigures {
   Faults faults;
   unsigned long pairs = 0;
-  unsigned long runs = 0;  // of single operations
+  unsigned long runs = 0;  // single operations
 };
 
-// The pairs are dealt out to so many parts.
+// The number of parts into which the pairs are divided.
 constexpr std::size_t c_parts = 4;
 std::size_t numberOfPairs();
 
-// Runs each pair of operations of one part, an operation beside itself included, until one of the
-// two ran `times` times while the other one was at work. Each result has to be one that the
-// operation gives alone, or behind the other one. The pairs run in processes of their own, so that
-// a crash is a fault with a name.
+// Runs each pair of operations of one part, including pairs of an operation with itself. A pair
+// ends when one operation has run `times` times during the other one. Each result must be one that
+// the operation gives alone or after the other one. The pairs run in separate processes, so that a
+// crash becomes a fault with a name.
 PairFigures runPairs(std::size_t part, unsigned long times);
 
 }  // namespace test

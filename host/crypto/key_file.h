@@ -37,9 +37,11 @@ int keyFileState(const std::string& path, KeyFileState& state);
 // Reads a key, and the state of its file. Returns false, with an error logged, when the file does
 // not exist, is not regular or has the wrong size.
 //
-// Removes the permissions of others than the owner if these conditions hold: the file has no other
-// name, the file and its directory belong to the effective user, and nobody else may write in that
-// directory.
+// Removes the permissions of others than the owner if these conditions hold:
+//
+// - the file has no other name;
+// - the file and its directory belong to the effective user;
+// - nobody else may write in that directory.
 bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state);
 
 // Creates a key file with a new random key, and its directory. Only their owner may use them. Links

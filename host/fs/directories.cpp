@@ -15,7 +15,7 @@ constexpr const char* c_cannotMake = "Cannot make directory";
 // Gives a directory that was just created its owner. Only root changes owners.
 //
 // Another user may have replaced the new directory. The owner of the parent can replace it only
-// with a directory of root in the same parent: moving a directory to another parent needs
+// with a directory of root in the same parent. Moving a directory to another parent needs
 // permission to write to that directory.
 int giveAway(int parent, const std::string& name) {
   if (::geteuid() != 0) return 0;

@@ -1,6 +1,6 @@
-# What `cmake --install` puts in place, in five components: runtime (libsitehlp), host
+# The installation of `cmake --install`. It has five components: runtime (libsitehlp), host
 # (libsitehlp-host), development (headers, links, CMake package, pkg-config file), tool and
-# documentation. The installed tree may be moved as a whole.
+# documentation. The installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -62,7 +62,7 @@ if(TARGET sitelist)
     COMPONENT tool)
 endif()
 
-# All of platform/ is for everybody; of the other folders, the headers listed, and the generated one.
+# All headers of platform/, the listed headers of the other folders, and the generated header.
 install(
   DIRECTORY platform
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
@@ -109,7 +109,7 @@ install(
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT development)
 
-# With the folders of the source tree, so that the links from one text to another hold.
+# In the folders of the source tree, so that the links between documents work.
 install(
   FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
   DESTINATION ${doc_dir}

@@ -1,4 +1,4 @@
-# Language level, warnings and sanitizers, the same for every target of the project.
+# The language level, warnings and sanitizers of every target.
 function(sitehlp_target_defaults target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(
@@ -25,8 +25,8 @@ function(sitehlp_target_defaults target)
   endif()
 endfunction()
 
-# Exports the symbols that match the patterns in the file, and nothing else. Hidden visibility alone
-# leaves instantiations of the standard library's templates visible.
+# Exports only the symbols that match the patterns in the file. Hidden visibility alone would still
+# export instantiations of the standard library's templates.
 function(sitehlp_export_only target patterns_file)
   file(STRINGS ${patterns_file} patterns)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${patterns_file})

@@ -1,4 +1,4 @@
-# Debian packages by CPack, one for each component of the installation. scripts/package makes them.
+# Debian packages from CPack, one for each component of the installation. scripts/package builds them.
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux")
   return()
 endif()
@@ -28,7 +28,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-# Our own packages, by their very version; what they need of others is found out by dpkg-shlibdeps.
+# The packages depend on each other with the same version. dpkg-shlibdeps finds all other dependencies.
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
 set(runtime_package libsitehlp${SITEHLP_ABI})
@@ -79,7 +79,7 @@ set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION
 This package contains guides, the format of the document, the threat model, the
 reference of the headers, and example lists with their key files.")
 
-# What the scripts need to know: who is the same for every architecture, who may stand beside itself.
+# Settings for the scripts: the Multi-Arch value of each package.
 set(CPACK_SITEHLP_MULTI_ARCH "same;${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME}"
     "same;${CPACK_DEBIAN_HOST_PACKAGE_NAME}" "same;libsitehlp-dev" "foreign;sitelist"
     "foreign;sitehlp-doc")

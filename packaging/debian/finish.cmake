@@ -1,4 +1,4 @@
-# Run by CPack on the packages that it made: says what CPack cannot say.
+# CPack runs this on its packages. It adds what CPack does not support.
 cmake_policy(VERSION 3.25)
 
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
@@ -14,7 +14,7 @@ foreach(package IN LISTS CPACK_PACKAGE_FILES)
   file(READ ${root}/DEBIAN/control control)
   string(REGEX REPLACE "\n(Section: [^\n]*)\n" "\n\\1\nMulti-Arch: ${multi_arch}\n" control "${control}")
   file(WRITE ${root}/DEBIAN/control "${control}")
-  # CPack's scripts call ldconfig, which the trigger does once for all packages together.
+  # CPack's scripts call ldconfig. A trigger does this once for all packages.
   file(REMOVE ${root}/DEBIAN/postinst ${root}/DEBIAN/postrm)
   execute_process(COMMAND dpkg-deb --root-owner-group -Zxz --build ${root} ${package}
                   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

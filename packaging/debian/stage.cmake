@@ -1,4 +1,4 @@
-# Run by CPack on the files of each package, before the packages are made of them.
+# CPack runs this on the files of each package before it builds the package.
 cmake_policy(VERSION 3.25)
 
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
@@ -12,7 +12,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} name)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
 
-  # In /usr everything is found without it, and a path in a file there is a fault.
+  # Programs in /usr need no search path for libraries, and a package must not have one.
   file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/*.so.* ${root}/usr/lib/*/*.so.*)
   foreach(binary IN LISTS binaries)
     if(NOT IS_SYMLINK ${binary})
@@ -20,7 +20,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     endif()
   endforeach()
 
-  # Debian's zsh looks for the completions of packages elsewhere than for those of the site.
+  # Debian's zsh has a separate directory for the completions of packages.
   if(EXISTS ${root}/usr/share/zsh/site-functions)
     file(RENAME ${root}/usr/share/zsh/site-functions ${root}/usr/share/zsh/vendor-completions)
   endif()

@@ -151,11 +151,50 @@ TEST_F(CliDiff, TellsThatAPasswordChangedAndNotWhichOneItIs) {
 
 TEST_F(CliDiff, SaysWhichPasswordsItCannotCompare) {
   initAgent();
-  const Output output = diff(document(httpSite("depot", "1", protectedText("fair"))),
-                             document(httpSite("depot", "1", "QUJD")));
+  const std::string before = document(httpSite("depot", "1", protectedText("fair")));
+  const std::string after = document(httpSite("depot", "1", "QUJD"));
+  EXPECT_THAT(changes(before, after), ElementsAre("site incomparable http depot password"));
+  const Output output = diff(before, after);
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("b.xml: warning: passwords that cannot be decrypted"));
-  EXPECT_THAT(output.err, HasSubstr("depot"));
+  EXPECT_EQ(output.err,
+            "sitelist: warning: 1 password cannot be compared, because the password key does not "
+            "decrypt it\n  next: name the agent that the lists belong to with --agent-dir\n");
+  EXPECT_THAT(output.out, HasSubstr("  incomparable http depot\n"
+                                    "               password            cannot be compared\n"));
+  EXPECT_THAT(output.out, Not(HasSubstr("Nothing differs")));
+}
+
+TEST_F(CliDiff, DoesNotTakePasswordsThatItCannotCompareForTheSame) {
+  initAgent();
+  const std::string before = document(httpSite("a", "1", "QUJD") + httpSite("b", "2", "REVG"));
+  const std::string after = document(httpSite("a", "1", "QUJE") + httpSite("b", "2", "REVH"));
+  const Output output = diff(before, after, {"--exit-code"});
+  EXPECT_EQ(output.status, 5);
+  EXPECT_THAT(output.err, HasSubstr("2 passwords cannot be compared, because the password key does "
+                                    "not decrypt them\n"));
+  EXPECT_THAT(diff(before, after, {"--exit-code", "--json"}).out, HasSubstr("\"differs\": false"));
+  const Output elsewhere = diff(before, document(httpSite("a", "1", "QUJE")), {"--exit-code"});
+  EXPECT_EQ(elsewhere.status, 1) << "the lists differ, whatever the passwords are";
+  EXPECT_THAT(elsewhere.err, HasSubstr("1 password cannot be compared"));
+  EXPECT_EQ(diff(before, document(httpSite("a", "1") + httpSite("b", "2", "REVG")), {"--exit-code"})
+                .status,
+            5)
+      << "also when one is missing, because the other may be empty";
+}
+
+TEST_F(CliDiff, ComparesPasswordsThatCannotBeDecryptedByTheirEncryptedForm) {
+  initAgent();
+  const std::string proxy =
+      "<ProxyConfigList><ProxyConfig Name=\"p\"><HttpProxyPassword>QUJD</HttpProxyPassword>"
+      "<FtpProxyPassword>REVG</FtpProxyPassword></ProxyConfig></ProxyConfigList>";
+  const std::string list = document(httpSite("a", "1", "QUJD") + proxy);
+  const Output output = diff(list, list, {"--exit-code"});
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_EQ(output.err, "");
+  EXPECT_THAT(output.out, HasSubstr("Nothing differs."));
+  std::string other = list;
+  other.replace(other.find("REVG"), 4, "REVH");
+  EXPECT_THAT(changes(list, other), ElementsAre("proxy incomparable proxy p ftpProxyPassword"));
 }
 
 std::string withCertificates(const std::vector<std::string>& texts) {

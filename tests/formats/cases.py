@@ -143,6 +143,10 @@ DIFF = [
     Case("diff-hostile", own("diff", "lists/harmless.xml", HOSTILE), table=tables.changes),
     Case("diff-from-hostile", own("diff", HOSTILE, "lists/silent.xml"), table=tables.changes),
     Case("diff-foreign-password", own("diff", "lists/direct.xml", "lists/foreign.xml"), table=tables.changes),
+    Case("diff-foreign-same", own("diff", "--exit-code", "lists/foreign.xml", "lists/foreign.xml"),
+         table=tables.changes),
+    Case("diff-incomparable", own("diff", "--exit-code", "lists/foreign.xml", "lists/foreign-too.xml"), 5,
+         tables.changes),
     *unreadable("diff", OWN),
 ]
 

@@ -181,6 +181,7 @@ def lists(sealed):
         "twins.xml": document(site("HttpSite", "twin", 1, "a.example") + site("HttpSite", "twin", 2, "b.example")),
         "keyless.xml": document(server("HQ", 1, "hq.example")),
         "foreign.xml": document(site("HttpSite", "depot", 1, "a.example", path("x", "u", "QUJDREVG"))),
+        "foreign-too.xml": document(site("HttpSite", "depot", 1, "a.example", path("x", "u", "QUJDREVH"))),
         "broken.xml": '<?xml version="1.0"?>\n<ns:SiteLists xmlns:ns="wxSiteList">\n  <SiteList></Site>\n',
         "no-markup.xml": "no markup\n",
         "other-root.xml": "<other/>\n",

@@ -117,8 +117,10 @@ def changes(report, table):
             values = [text[:35] for text in values]
         if values[0] and values[0] == values[1]:
             values = [f"{values[0]} -> another"]
-        if row["change"] != "reordered":  # one that was changed as well is told as changed
+        if row["change"] not in ("reordered", "incomparable"):  # one that was changed as well is told as changed
             need(table, [row["change"]], row)
+        if row["change"] == "incomparable":
+            values = ["cannot be compared"]
         need(table, [shown(row["name"]), shown(row["field"]), *values], row)
         if row["kind"]:
             need(table, [f"{row['kind']} {shown(row['name'])}"], row)

@@ -21,17 +21,16 @@ struct DiffOptions {
   bool showSecrets = false;
 };
 
-SiteList read(const std::string& path) {
-  SiteList list = readWholeSiteList(path);
-  const std::vector<std::string> lost = sitesWithLostPasswords(path);
-  if (lost.empty()) return list;
-  std::cerr
-      << "sitelist: " << shown(path)
-      << ": warning: passwords that cannot be decrypted with the password key are compared as "
-         "empty:";
-  for (const std::string& name : lost) std::cerr << (&name == lost.data() ? " " : ", ") << name;
-  std::cerr << '\n';
-  return list;
+// Passwords that cannot be compared may be the same: that the lists do not differ is not known.
+int reportIncomparable(const Diff& result, const DiffOptions& options) {
+  const std::size_t count = result.incomparable();
+  const std::string text = std::to_string(count) + (count == 1 ? " password" : " passwords") +
+                           " cannot be compared, because the password key does not decrypt " +
+                           (count == 1 ? "it" : "them");
+  const std::string advice = "name the agent that the lists belong to with --agent-dir";
+  if (options.exitCode && result.isEmpty()) throw Failure(exitCrypto, text, advice);
+  std::cerr << "sitelist: warning: " << text << "\n  next: " << advice << '\n';
+  return options.exitCode ? exitNegative : exitSuccess;
 }
 
 // The names of the two lists.
@@ -51,10 +50,13 @@ std::pair<std::string, std::string> namesOf(const Context& context, const DiffOp
 int diff(Context& context, const DiffOptions& options) {
   const auto [from, to] = namesOf(context, options);
   const PrivateAgent agent(context);
-  const SiteList before = read(from);
-  const SiteList after = read(to);
-  const Diff result(before, after, options.showSecrets);
+  const SiteList before = readWholeSiteList(from);
+  const SiteList after = readWholeSiteList(to);
+  EncryptedPasswords unread = unreadPasswordsOf(before);
+  unread.merge(unreadPasswordsOf(after));
+  const Diff result(before, after, options.showSecrets, std::move(unread));
   context.report = result.report("From " + shown(from) + "\n  to " + shown(to), "");
+  if (result.incomparable() != 0) return reportIncomparable(result, options);
   return options.exitCode && !result.isEmpty() ? exitNegative : exitSuccess;
 }
 
@@ -83,6 +85,11 @@ void addDiff(Command& app, Context& context) {
       "and name, proxy settings, certificates and policy settings. A site counts as\n"
       "reordered if its order number or its position changed. Other fields that differ\n"
       "are listed one by one.\n"
+      "\n"
+      "A password that the password key does not decrypt is compared in its encrypted\n"
+      "form. If the two forms differ, the passwords cannot be compared, because every\n"
+      "encryption of a password differs. They are listed as incomparable. With\n"
+      "--exit-code the exit status is then 5, or 1 if the lists differ elsewhere.\n"
       "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"

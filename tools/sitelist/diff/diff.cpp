@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <ostream>
+#include <utility>
 
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff_text.h"
@@ -90,10 +91,12 @@ bool isSameCertificate(const std::wstring& a, const std::wstring& b) {
 
 }  // namespace
 
-Diff::Diff(const SiteList& before, const SiteList& after, bool showSecrets)
+Diff::Diff(const SiteList& before, const SiteList& after, bool showSecrets,
+           EncryptedPasswords unread)
     : m_before(narrow(wide(before.path))),
       m_after(narrow(wide(after.path))),
-      m_showSecrets(showSecrets) {
+      m_showSecrets(showSecrets),
+      m_unread(std::move(unread)) {
   for (const char* name : {"version", "site", "proxy", "certificate", "policy", "file"}) {
     m_sections.push_back({name});
   }
@@ -146,8 +149,17 @@ void Diff::compareFields(const std::string& sectionName, const tag_Site& before,
   const std::vector<Field> old = fieldsOf(before);
   const std::vector<Field> fresh = fieldsOf(after);
   for (std::size_t i = 0; i < old.size(); ++i) {
-    if (isSame(old[i], fresh[i])) continue;
     const std::string field = old[i].name;
+    const auto oldText = m_unread.find({&before, field});
+    const auto freshText = m_unread.find({&after, field});
+    if (oldText != m_unread.end() || freshText != m_unread.end()) {
+      const bool areBoth = oldText != m_unread.end() && freshText != m_unread.end();
+      if (areBoth && oldText->second == freshText->second) continue;
+      ++m_incomparable;
+      addRow(sectionName, c_incomparable, kindOf(after), narrow(nameOf(after)), field, {}, {});
+      continue;
+    }
+    if (isSame(old[i], fresh[i])) continue;
     addRow(sectionName, field == "order" ? "reordered" : "changed", kindOf(after),
            narrow(nameOf(after)), field, scalarOf(old[i], m_showSecrets),
            scalarOf(fresh[i], m_showSecrets));

@@ -1,9 +1,11 @@
 #ifndef TOOLS_SITELIST_DIFF_DIFF_H
 #define TOOLS_SITELIST_DIFF_DIFF_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "tools/sitelist/diff/unread_passwords.h"
 #include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/report/report.h"
 
@@ -15,15 +17,19 @@ struct FileChange {
   std::string change;  // "added", "changed", "removed" or "unchanged"
 };
 
-// The differences between two lists.
+// The differences between two lists. Two passwords of which one is in `unread` are the same if their
+// encrypted texts are. Otherwise they cannot be compared, which is a row, but no difference.
 class Diff {
  public:
-  Diff(const SiteList& before, const SiteList& after, bool showSecrets);
+  Diff(const SiteList& before, const SiteList& after, bool showSecrets,
+       EncryptedPasswords unread = {});
 
   // Adds the changes of files to the differences.
   void add(const std::vector<FileChange>& files);
 
-  bool isEmpty() const { return m_rows.empty(); }
+  bool isEmpty() const { return m_rows.size() == m_incomparable; }
+  // Returns the number of passwords that cannot be compared.
+  std::size_t incomparable() const { return m_incomparable; }
   // Returns one row for every change. A changed site has one row for every changed field. `title`
   // and `end` are the first and last line of the table format. An empty one is omitted.
   Report report(const std::string& title, const std::string& end) const;
@@ -49,6 +55,8 @@ class Diff {
   std::string m_before;
   std::string m_after;
   bool m_showSecrets;
+  EncryptedPasswords m_unread;
+  std::size_t m_incomparable = 0;
   std::vector<Record> m_rows;
   std::vector<Section> m_sections;
 };

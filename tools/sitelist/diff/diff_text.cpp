@@ -74,13 +74,11 @@ class Printer {
   std::size_t thing(const std::vector<Record>& rows, std::size_t first) {
     std::size_t end = first + 1;
     while (end < rows.size() && isSameThing(rows[first], rows[end])) ++end;
-    bool isOnlyReordered = true;
-    for (std::size_t i = first; i < end; ++i) {
-      isOnlyReordered = isOnlyReordered && shownText(rows[i], "change") == "reordered";
-    }
     const Record& row = rows[first];
     std::string change = shownText(row, "change");
-    if (change == "reordered" && !isOnlyReordered) change = "changed";
+    for (std::size_t i = first; i < end; ++i) {
+      if (shownText(rows[i], "change") != change) change = "changed";
+    }
     std::string line = padded(change, 11);
     if (!isNull(row, "kind")) line += shownText(row, "kind") + " ";
     const std::string name = shownText(row, "name");
@@ -97,7 +95,9 @@ class Printer {
         width = std::max(width, shownText(rows[i], "field").size() + 1);
       }
       for (std::size_t i = first; i < end; ++i) {
-        m_out << "               " << padded(shownText(rows[i], "field"), width) << fromTo(rows[i])
+        m_out << "               " << padded(shownText(rows[i], "field"), width)
+              << (shownText(rows[i], "change") == c_incomparable ? "cannot be compared"
+                                                                 : fromTo(rows[i]))
               << '\n';
       }
     }

@@ -10,6 +10,9 @@
 
 namespace tool {
 
+// The change of a password that cannot be compared.
+constexpr const char* c_incomparable = "incomparable";
+
 // A section of a diff that is printed, with the number of unchanged things in it.
 struct DiffSection {
   std::string name;

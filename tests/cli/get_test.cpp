@@ -75,11 +75,15 @@ TEST_F(CliGet, ReadsTheAgentsOwnListWithoutAFile) {
   EXPECT_EQ(value({"type"}), "Client");
 }
 
-TEST_F(CliGet, KeepsAValueOnOneLine) {
-  const std::string path =
-      write("list.xml", document(httpSite("a&#10;b"), "", "GlobalVersion=\"1&#10;2&#x9B;\""));
-  EXPECT_EQ(value({"globalVersion", path}), "1\\u000A2\\u009B");
+TEST_F(CliGet, PrintsTheVeryTextUnlessOnATerminal) {
+  const std::string path = write("list.xml", document(httpSite("a&#10;b"), "",
+                                                      "GlobalVersion=\"1&#10;2&#x9B;\" "
+                                                      "LocalVersion=\"1\\u000A\""));
+  EXPECT_EQ(value({"globalVersion", path}), "1\n2\u009B");
+  EXPECT_EQ(value({"localVersion", path}), "1\\u000A");
   EXPECT_EQ(value({"serverPort", path, "--site", "a\nb"}), "8080");
+  EXPECT_THAT(onTerminal(80, {"get", "globalVersion", path}).out, HasSubstr("1\\u000A2\\u009B"));
+  EXPECT_THAT(onTerminal(80, {"get", "localVersion", path}).out, HasSubstr("1\\u005Cu000A"));
 }
 
 TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {

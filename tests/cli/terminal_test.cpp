@@ -52,6 +52,26 @@ TEST_F(CliTerminal, EscapesControlCharactersInTheTable) {
   EXPECT_TRUE(isHarmless(line));
 }
 
+TEST_F(CliTerminal, EscapesInvisibleCharactersAndWhatLooksLikeAnEscape) {
+  EXPECT_THAT(row("a&#xAD;b&#x200B;c&#x2060;d"), HasSubstr("a\\u00ADb\\u200Bc\\u2060d"));
+  EXPECT_THAT(row("a\\u000Ab"), HasSubstr("a\\u005Cu000Ab")) << "a newline is a\\u000Ab";
+  EXPECT_THAT(row("\\\\u000a"), HasSubstr("\\\\u005Cu000a"));
+  EXPECT_THAT(row("FILES\\users\\u00 \\"), HasSubstr("FILES\\users\\u00 \\"));
+}
+
+// A newline, quotation marks and the separator, next to what looks like an escape.
+TEST_F(CliTerminal, LeavesCsvAsItIsUnlessOnATerminal) {
+  const std::string path =
+      write("list.xml", document("",
+                                 "<Policies><Setting name=\"a&#10;&quot;b&quot;,\\u000A\">"
+                                 "&#x9B;&#xD;&#x200B;</Setting></Policies>"));
+  EXPECT_EQ(sitelist({"policies", "--format", "csv", path}).out,
+            "name,value\n\"a\n\"\"b\"\",\\u000A\",\"\u009B\r\u200B\"\n");
+  const Output terminal = onTerminal(80, {"policies", "--format", "csv", path});
+  EXPECT_TRUE(isHarmless(terminal.out)) << terminal.out;
+  EXPECT_THAT(terminal.out, HasSubstr("\"a\\u000A\"\"b\"\",\\u005Cu000A\","));
+}
+
 TEST_F(CliTerminal, EscapesControlCharactersEverywhereElse) {
   initAgent({"--managed"});
   const std::string hostile = c_hostile;

@@ -103,7 +103,7 @@ GET = [
     Case("get-hostile", own("get", "globalVersion", HOSTILE), table=tables.value),
     Case("get-hostile-secret",
          own("get", "httpProxyPassword", "--kind", "proxy", "--show-secrets", HOSTILE,
-             "--site", "a\tb\nc\rd\r\ne\x7f\x85\x9b31m\u2028\u202ef\u2066g\u200f\u061c\ufeff\"h\",'i';<j>&amp;"
+             "--site", "a\tb\nc\rd\r\ne\x7f\x85\x9b31m\u2028\u202ef\u2066g\u200f\u061c\ufeff\xad\u200b\"h\",'i';<j>&amp;"
              "\u2026 \\u001B[0m $(k) =1 東京 e\u0301 \U0001f600\U0001d518 "),
          table=tables.value, secrets=("hostile",)),
     Case("get-nothing-said", own("get", "fipsMode"), 7),

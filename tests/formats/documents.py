@@ -39,10 +39,10 @@ CERTIFICATES = {
 }
 
 # What every text of a hostile list holds: control characters that XML allows and C1 ones, breaks of
-# lines, characters that turn the direction of writing, what quotes and separates in the forms, an
+# lines, characters that turn the direction of writing or are unseen, what quotes and separates in the forms, an
 # escape as the forms write it, East Asian, combining and astral characters.
 HOSTILE = (
-    "a&#9;b&#10;c&#13;d&#13;&#10;e&#127;&#133;&#155;31m&#8232;&#8238;f&#8294;g&#8207;&#1564;&#65279;"
+    "a&#9;b&#10;c&#13;d&#13;&#10;e&#127;&#133;&#155;31m&#8232;&#8238;f&#8294;g&#8207;&#1564;&#65279;&#173;&#8203;"
     "&quot;h&quot;,'i';&lt;j&gt;&amp;amp;&#8230; \\u001B[0m $(k) =1 東京 e\u0301 \U0001f600\U0001d518 "
 )
 LONG = "長" * 100 + "x" * 10

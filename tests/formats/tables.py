@@ -61,7 +61,7 @@ def facts(report, table):
 
 
 def value(report, table):
-    if table != shown(report.facts["value"]) + "\n":
+    if table != text_of(report.facts["value"]) + "\n":
         raise Wrong(f"not the bare value: {table}")
 
 

@@ -45,9 +45,15 @@ std::string Screen::styled(Style style, const std::string& text) const {
   return std::string("\033[") + codeOf(style) + "m" + text + "\033[0m";
 }
 
+bool isOutputTerminal() {
+  static const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+  return isTerminal;
+}
+
 Screen standardOutput(ColorChoice choice) {
-  const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+  const bool isTerminal = isOutputTerminal();
   Screen screen;
+  screen.isTerminal = isTerminal;
   if (isTerminal) screen.columns = terminalColumns();
   screen.color =
       choice == ColorChoice::Always || (choice == ColorChoice::Auto && isTerminal && wantsColor());

@@ -12,10 +12,14 @@ enum class Style { Plain, Heading, Dim, Good, Bad, Changed };
 // The output device of the table format.
 struct Screen {
   std::size_t columns = 0;  // the width; 0: no limit
+  bool isTerminal = false;
   bool color = false;
 
   std::string styled(Style style, const std::string& text) const;
 };
+
+// Whether standard output is a terminal.
+bool isOutputTerminal();
 
 enum class ColorChoice { Auto, Always, Never };
 

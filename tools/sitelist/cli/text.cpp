@@ -8,7 +8,9 @@
 #endif
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
+#include <cwchar>
 
 #include "platform/common/astring.h"
 
@@ -17,7 +19,22 @@ namespace {
 
 bool isHarmful(wchar_t c) {
   return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x61C || c == 0x200E || c == 0x200F ||
-         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
+// The soft hyphen, spaces without a width and the invisible operators: with them two texts that
+// differ look the same.
+bool isInvisible(wchar_t c) {
+  return c == 0xAD || c == 0x200B || (c >= 0x2060 && c <= 0x2064) || c == 0xFEFF;
+}
+
+// Whether the text has something there that looks like an escape of printable().
+bool isLikeEscape(const std::wstring& text, std::size_t at) {
+  constexpr std::size_t c_length = 6;
+  return text.compare(at, 2, L"\\u") == 0 && at + c_length <= text.size() &&
+         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at) + 2,
+                     text.begin() + static_cast<std::ptrdiff_t>(at + c_length),
+                     [](wchar_t c) { return std::wcschr(L"0123456789ABCDEFabcdef", c); });
 }
 
 locale_t openUnicodeLocale() {
@@ -52,8 +69,9 @@ std::string narrow(const std::wstring& text) { return ACharString(text).str(); }
 
 std::wstring printable(const std::wstring& text) {
   std::wstring result;
-  for (const wchar_t c : text) {
-    if (isHarmful(c)) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const wchar_t c = text[at];
+    if (isHarmful(c) || isInvisible(c) || isLikeEscape(text, at)) {
       char escape[16];
       std::snprintf(escape, sizeof(escape), "\\u%04X", static_cast<unsigned>(c));
       result += wide(escape);

@@ -10,7 +10,8 @@ std::wstring wide(const std::string& utf8);
 std::string narrow(const std::wstring& text);
 
 // Returns the text in a form that cannot control a terminal. Control characters and invisible
-// characters for the writing direction become \uXXXX.
+// characters become \uXXXX. A backslash becomes \u005C if the text after it would make it look like
+// one of these, so different texts stay different. Must not be applied to its own result.
 std::wstring printable(const std::wstring& text);
 std::string shown(const std::wstring& text);
 std::string shown(const std::string& utf8);

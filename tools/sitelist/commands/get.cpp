@@ -121,7 +121,9 @@ int get(Context& context, const GetOptions& options) {
                   {"site", options.site.empty() ? Scalar() : Scalar(options.site)},
                   {"field", options.field},
                   {"value", value}};
-  report.table = [value](std::ostream& out, const Screen&) { out << shown(textOf(value)) << '\n'; };
+  report.table = [value](std::ostream& out, const Screen& screen) {
+    out << (screen.isTerminal ? shown(textOf(value)) : textOf(value)) << '\n';
+  };
   context.report = std::move(report);
   return exitSuccess;
 }
@@ -152,7 +154,8 @@ void addGet(Command& app, Context& context) {
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print a clear password instead of ********");
   command.footer(
-      "Prints the bare value on one line. A flag is true or false.\n"
+      "Prints the bare value and a line end. A flag is true or false. On a terminal,\n"
+      "control characters and invisible ones are printed as \\uXXXX.\n"
       "\n"
       "Examples:\n"
       "  sitelist get globalVersion\n"

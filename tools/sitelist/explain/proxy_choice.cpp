@@ -70,7 +70,7 @@ Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,
   }
   for (const std::wstring& pattern : exclusions()) {
     if (matchesPattern(host, pattern)) {
-      return {true, "", "excluded from the proxy by \"" + shown(pattern) + "\""};
+      return {true, "", "excluded from the proxy by \"" + narrow(pattern) + "\""};
     }
   }
   if (m_settings->bBypassLocalAddress && isLocalAddress(host)) {

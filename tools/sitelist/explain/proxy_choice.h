@@ -11,8 +11,8 @@ namespace tool {
 // The way in which a host is reached, and the reason.
 struct Route {
   bool isDirect = true;
-  std::string proxy;   // "HOST:PORT" or "system settings"; empty without a proxy
-  std::string reason;  // printable
+  std::string proxy;  // "HOST:PORT" or "system settings"; empty without a proxy
+  std::string reason;
 };
 
 // The effect of a list's proxy settings on hosts. Only the first proxy record of a list is used.

@@ -137,14 +137,16 @@ class SchemaPage {
     m_page.paragraph(m_schema.at("description").get<std::string>() +
                      " Messages for people go to standard error as well.");
     m_page.paragraph(
-        "The text is ASCII. All other characters are escaped. A program must ignore unknown "
+        "JSON and XML are ASCII. All other characters are escaped. A program must ignore unknown "
         "names. The meaning of a name does not change as long as `schema_version` stays the "
         "same.");
     m_page.paragraph(
         "With `--format xml`, the first three names are attributes of the root element and the "
         "others are elements. A null value has no element. With `--format csv`, there is a line "
         "of names and a row for each record. If a command has no records, each row has a name and "
-        "its value.");
+        "its value. CSV is UTF-8 in the form of RFC 4180, with LF at the end of a record. A value "
+        "may have a line end of its own. On a terminal, control characters and invisible ones are "
+        "escaped.");
   }
 
   void describeDocument(const std::string& name, const Json& document) {

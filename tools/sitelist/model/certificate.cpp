@@ -44,7 +44,7 @@ std::string nameText(const X509_NAME* name) {
   X509_NAME_print_ex(memory.get(), name, 0, XN_FLAG_ONELINE & ~ASN1_STRFLGS_ESC_MSB);
   char* text = nullptr;
   const long size = BIO_get_mem_data(memory.get(), &text);
-  return shown(std::string(text, static_cast<std::size_t>(size)));
+  return narrow(wide(std::string(text, static_cast<std::size_t>(size))));
 }
 
 std::string timeText(const ASN1_TIME* time) {

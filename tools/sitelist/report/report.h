@@ -61,8 +61,8 @@ struct Ending {
 // Print a report in a format for programs. `report` may be null if the command has no result.
 void printJson(std::ostream& out, const Report* report, const Ending& ending);
 void printXml(std::ostream& out, const Report* report, const Ending& ending);
-// Prints the rows or, without rows, the name and value of every fact. Each takes one line, for any
-// text.
+// Prints the rows or, without rows, the name and value of every fact, as records of RFC 4180 that
+// end with LF.
 void printCsv(std::ostream& out, const Report& report);
 
 // Each function appends one row to `rows`.

@@ -1,14 +1,16 @@
 #include <ostream>
 
+#include "tools/sitelist/cli/screen.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/report/report.h"
 
 namespace tool {
 namespace {
 
+// The very text, quoted as RFC 4180 says. A terminal gets its printable form.
 std::string cell(const std::string& raw) {
-  const std::string text = shown(raw);
-  if (text.find_first_of("\",") == std::string::npos) return text;
+  const std::string text = isOutputTerminal() ? shown(raw) : narrow(wide(raw));
+  if (text.find_first_of("\",\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
   for (const char c : text) {
     if (c == '"') quoted += '"';

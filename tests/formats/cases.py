@@ -53,14 +53,18 @@ def unreadable(command, *before):
 
 
 SHOWN = ("name", "kind", "server", "serverPort", "enabled", "password", "useIEConfig")
+DERIVED = ("state", "address", "name", "path", "shareName")
+SECRET = ("name", "password", "httpProxyPassword", "alternateHttpProxyPassword")
 SHOW = [
     Case("show-own", own("show"), table=tables.show),
     Case("show-file", ["show", "in/SiteList.xml"], table=tables.show),
     Case("show-secrets", own("show", "--show-secrets"), table=tables.show,
          secrets=("depot", "share", "proxy", "proxy-b")),
     Case("show-columns", own("show", "--columns", ",".join(SHOWN)), table=tables.columns(*SHOWN)),
-    Case("show-columns-secrets", own("show", "--columns", "name,password", "--show-secrets"),
-         table=tables.columns("name", "password"), secrets=("depot", "share", "proxy", "proxy-b")),
+    Case("show-columns-secrets", own("show", "--columns", ",".join(SECRET), "--show-secrets"),
+         table=tables.columns(*SECRET), secrets=("depot", "share", "proxy", "proxy-b")),
+    Case("show-columns-derived", own("show", "--columns", ",".join(DERIVED), "--sort", "address"),
+         table=tables.columns(*DERIVED)),
     Case("show-sort", own("show", "--sort", "-name", "--wide"), table=tables.show),
     Case("show-filter", own("show", "--filter", "kind=HTTP", "--filter", "name=*i*", "--sort", "name"),
          table=tables.show),

@@ -84,6 +84,23 @@ struct Counts {
   std::size_t selected = 0;
 };
 
+// Returns what the formats for programs print of a site: the requested columns, or all fields. A
+// column that the site does not have is omitted.
+Record rowOf(const tag_Site& site, const ShowOptions& options) {
+  Record fields = recordOf(site, options.showSecrets);
+  if (options.columns.empty()) return fields;
+  Record row;
+  for (const std::string& column : options.columns) {
+    if (find(row, column)) continue;
+    if (const Scalar* const value = find(fields, column)) {
+      row.emplace_back(column, *value);
+    } else if (isTableColumn(column)) {
+      row.emplace_back(column, narrow(cellOf(site, column, options.showSecrets)));
+    }
+  }
+  return row;
+}
+
 // Reads the sites in the order of the list. Each is released before the next one is read.
 Counts readInPassing(SiteList& list, const ShowOptions& options, RowWriter& rows) {
   Counts counts;
@@ -93,7 +110,7 @@ Counts readInPassing(SiteList& list, const ShowOptions& options, RowWriter& rows
         ++counts.read;
         if (!isSelected(*site, options.selection)) return;
         ++counts.selected;
-        rows.add(recordOf(*site, options.showSecrets));
+        rows.add(rowOf(*site, options));
       });
   return counts;
 }
@@ -102,7 +119,7 @@ Counts readAll(SiteList& list, const ShowOptions& options, RowWriter& rows) {
   list = readSiteList(list.path);
   const std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
   if (rows.isNeeded()) {
-    for (const tag_Site* site : sites) rows.add(recordOf(*site, options.showSecrets));
+    for (const tag_Site* site : sites) rows.add(rowOf(*site, options));
   }
   return {list.sites ? 1U : 0U, sites.size()};
 }
@@ -126,7 +143,7 @@ int show(Context& context, ShowOptions options) {
   Report report;
   report.rowsName = "sites";
   report.rowName = "site";
-  report.columns = siteFieldNames();
+  report.columns = options.columns.empty() ? siteFieldNames() : options.columns;
   RowWriter rows(format, report);
   const auto list = std::make_shared<SiteList>();
   list->path = agent.path();
@@ -157,7 +174,7 @@ void addShow(Command& app, Context& context) {
       .type_name("");
   command
       .add_option("--columns", options->columnList,
-                  "Columns of the table, separated by commas: order, kind,\ntype, name, "
+                  "Columns in every format, separated by commas: order, kind,\ntype, name, "
                   "address, path, state, or any field of the\nJSON form")
       .type_name("LIST")
       .not_empty()
@@ -180,13 +197,14 @@ void addShow(Command& app, Context& context) {
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");
   command.footer(
-      "The formats json, csv and xml have all fields of all records, in the order of\n"
-      "the list unless --sort is given.\n"
+      "Without --columns, the formats json, csv and xml have all fields of all records.\n"
+      "They keep the order of the list unless --sort is given.\n"
       "\n"
       "Examples:\n"
       "  sitelist show\n"
       "  sitelist show incoming/SiteList.xml\n"
       "  sitelist show --filter kind=http --columns name,server --sort name\n"
+      "  sitelist show --columns name,address --format csv\n"
       "  sitelist show --json | jq '.sites[] | select(.enabled).name'\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return show(context, *options); };

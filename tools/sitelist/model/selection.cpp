@@ -103,6 +103,10 @@ std::vector<std::string> columnNames() {
   return names;
 }
 
+bool isTableColumn(const std::string& name) {
+  return std::find(c_tableColumns.begin(), c_tableColumns.end(), name) != c_tableColumns.end();
+}
+
 void requireColumn(const std::string& name) {
   const std::vector<std::string> names = columnNames();
   if (std::find(names.begin(), names.end(), name) != names.end()) return;

@@ -180,7 +180,6 @@ class CliExplainHost : public CliTest {
     return readReport(sitelist({"explain", "--json", "--host", host, m_path}).out);
   }
 
- private:
   std::string m_path;
 };
 
@@ -194,7 +193,6 @@ TEST_F(CliExplainHost, AnExclusionNamesHostsByPatternAndWithoutRegardToCase) {
   EXPECT_FALSE(bypasses("tui.example"));
   EXPECT_FALSE(bypasses("one.example.org")) << "the whole name";
   EXPECT_FALSE(bypasses("h.example"));
-  EXPECT_FALSE(bypasses(":"));
   EXPECT_THAT(routes("one.example").column("reason"),
               testing::Contains(HasSubstr("\"one.example\"")));
 }
@@ -218,6 +216,45 @@ TEST_F(CliExplainHost, TellsEachProtocolAndAnswersForHttp) {
   EXPECT_THAT(report.column("protocol"), ElementsAre("http", "ftp"));
   EXPECT_THAT(report.column("bypassesProxy"), ElementsAre("true", "false"));
   EXPECT_THAT(report.column("proxy"), ElementsAre("", "ftp.example:2121"));
+}
+
+TEST_F(CliExplainHost, TakesPortsAndUrlsApart) {
+  useProxies(proxies(std::string(c_http) + " FtpProxyServer=\"ftp.example\" FtpProxyPort=\"21\"",
+                     excluding({"one.example", "[fe80::1]"})));
+  for (const char* given :
+       {"one.example:8080", "http://one.example", "HTTPS://user@one.example:443/a:b/c?d@e#f",
+        "ftp://one.example/", "http://one.example?x"}) {
+    const Output output = sitelist({"explain", "--host", given, m_path});
+    EXPECT_EQ(output.status, 0) << given << output.err;
+    EXPECT_THAT(output.out, HasSubstr("one.example  over HTTP  directly: ")) << given;
+    EXPECT_EQ(routes(given).facts.at("host"), "one.example") << given;
+  }
+  for (const char* given : {"fe80::1", "[fe80::1]", "[fe80::1]:80", "http://[fe80::1]:80/"}) {
+    EXPECT_EQ(sitelist({"explain", "--host", given, m_path}).status, 0) << given;
+    EXPECT_EQ(routes(given).facts.at("host"), "[fe80::1]") << given;
+  }
+  EXPECT_FALSE(bypasses("two.example"));
+  useProxies(proxies(c_http));
+  EXPECT_EQ(sitelist({"explain", "--host", "http://one.example/", m_path}).status, 1);
+  EXPECT_EQ(sitelist({"explain", "--host", "ftp://one.example/", m_path}).status, 0)
+      << "there is no FTP proxy";
+}
+
+TEST_F(CliExplainHost, RefusesWhatIsNoHost) {
+  useProxies("");
+  for (const char* given :
+       {"",        ":",       ":80",     "a:",        "a:b",         "a:0",
+        "a:65536", "a:80:90", "http://", "http:///a", "http://:80/", "gopher://a/",
+        "://a",    "a/b",     "a b",     "a@b",       "a\\b",        "a\tb",
+        "[a]",     "[::1",    "[::1]x",  "[::1]:",    "x[::1]",      "a\xE2\x80\x8B"}) {
+    const Output output = sitelist({"explain", "--host", given, m_path});
+    EXPECT_EQ(output.status, 2) << given;
+    EXPECT_EQ(output.out, "") << given;
+    EXPECT_THAT(output.err, HasSubstr("sitelist: --host: ")) << given;
+  }
+  EXPECT_THAT(sitelist({"explain", "--host", "a:b", m_path}).err,
+              HasSubstr("\"a:b\" is not a host: its port is not a number from 1 to 65535\n  next: "
+                        "give a name such as depot.example, "));
 }
 
 TEST_F(CliExplainHost, AnswersNoWhereTheSystemDecidesAndYesWithoutAProxy) {

@@ -185,7 +185,7 @@ TEST_F(CliUsage, AdvisesAnImportOnlyForTheAgentsOwnList) {
 TEST_F(CliUsage, SaysWhichValueOfAnOptionIsMissing) {
   const Output output = bare({"explain", "--host"});
   EXPECT_EQ(output.status, 2);
-  EXPECT_THAT(output.err, HasSubstr("sitelist: --host: NAME is missing\n  next: "));
+  EXPECT_THAT(output.err, HasSubstr("sitelist: --host: HOST is missing\n  next: "));
 }
 
 TEST_F(CliUsage, NamesTheChoicesWhenAValueIsNoneOfThem) {

@@ -132,8 +132,10 @@ EXPLAIN = [
     Case("explain-host-bypasses", own("explain", "--host", "x.TUI.example"), table=tables.routes),
     Case("explain-host-proxied", own("explain", "--host", "else.example"), 1, tables.routes),
     Case("explain-host-system", ["explain", "lists/system.xml", "--host", "a.example"], 1, tables.routes),
-    Case("explain-host-nasty", own("explain", HOSTILE, "--host", NASTY), 1, tables.routes),
-    Case("explain-host-not-utf8", own("explain", "--host", NOT_UTF8), 1, tables.routes),
+    Case("explain-host-url", own("explain", "--host", "https://x.TUI.example:8443/pub"), table=tables.routes),
+    Case("explain-host-hostile", own("explain", HOSTILE, "--host", "x'<&>,東京e\u0301\U0001f600\""), 1, tables.routes),
+    Case("explain-host-nasty", own("explain", HOSTILE, "--host", NASTY), 2),
+    Case("explain-host-not-utf8", own("explain", "--host", NOT_UTF8), 2),
     *unreadable("explain"),
     Case("explain-unknown-last", ["explain", "lists/unknown-last.xml"], 3),
 ]

@@ -5,6 +5,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/explain/given_host.h"
 #include "tools/sitelist/explain/proxy_choice.h"
 #include "tools/sitelist/explain/search_order.h"
 #include "tools/sitelist/model/site_report.h"
@@ -126,7 +127,8 @@ Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
   return report;
 }
 
-Report explainHost(const SiteList& list, const ProxyChoice& proxy, const std::string& host) {
+Report explainHost(const SiteList& list, const ProxyChoice& proxy, const GivenHost& given) {
+  const std::string host = narrow(given.name);
   Report report;
   report.facts = factsOf(list, proxy);
   report.facts.emplace_back("host", host);
@@ -139,8 +141,8 @@ Report explainHost(const SiteList& list, const ProxyChoice& proxy, const std::st
                            {"proxy", orNull(route.proxy)},
                            {"reason", route.reason}});
   };
-  add("http", proxy.routeOverHttp(wide(host)));
-  add("ftp", proxy.routeOverFtp(wide(host)));
+  add("http", proxy.routeOverHttp(given.name));
+  add("ftp", proxy.routeOverFtp(given.name));
   report.table = [rows = report.rows, host](std::ostream& out, const Screen&) {
     for (const Record& row : rows) {
       out << shown(host)
@@ -152,12 +154,15 @@ Report explainHost(const SiteList& list, const ProxyChoice& proxy, const std::st
 }
 
 int explain(Context& context, const ExplainOptions& options) {
+  GivenHost host;
+  if (!options.host.empty()) host = parseHost(options.host);
   const AgentForReading agent(context, options.file);
   const SiteList list = readWholeSiteList(agent.path());
   const ProxyChoice proxy(list.sites.get());
   if (!options.host.empty()) {
-    context.report = explainHost(list, proxy, options.host);
-    return proxy.routeOverHttp(wide(options.host)).isDirect ? exitSuccess : exitNegative;
+    context.report = explainHost(list, proxy, host);
+    const Route route = host.isFtp ? proxy.routeOverFtp(host.name) : proxy.routeOverHttp(host.name);
+    return route.isDirect ? exitSuccess : exitNegative;
   }
   context.report = explainSites(list, proxy);
   const std::vector<Record>& rows = context.report->rows;
@@ -175,9 +180,10 @@ void addExplain(Command& app, Context& context) {
   command
       .add_option("--host", options->host,
                   "Show only whether the agent reaches this host without a\n"
-                  "proxy. The exit status is 0 if it does so over HTTP,\n"
-                  "otherwise 1.")
-      .type_name("NAME")
+                  "proxy. HOST is a name, an address, NAME:PORT or a URL. The\n"
+                  "exit status is 0 if it does so over HTTP (over FTP for an\n"
+                  "ftp URL), otherwise 1.")
+      .type_name("HOST")
       .not_empty();
   command.footer(
       "Sites are tried in ascending order. If two have the same order, the one that is\n"
@@ -185,12 +191,14 @@ void addExplain(Command& app, Context& context) {
       "fallback without an order has the order 65535.\n"
       "\n"
       "An exclusion is a host name in which * matches any characters and ? matches one.\n"
-      "Case is ignored. A local address is a name without a dot, or this machine.\n"
+      "Case is ignored. A local address is a name without a dot, or this machine. The\n"
+      "port and the path of --host do not matter.\n"
       "\n"
       "Examples:\n"
       "  sitelist explain\n"
       "  sitelist explain incoming/SiteList.xml --format csv\n"
-      "  sitelist explain --host tokyo.example\n");
+      "  sitelist explain --host tokyo.example\n"
+      "  sitelist explain --host https://tokyo.example:8443/pub\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return explain(context, *options); };
   });

@@ -5,6 +5,7 @@
 
 #include "host/common/failure_text.h"
 #include "host/config/settings_path.h"
+#include "host/detached_agent.h"
 #include "host/lock/lock_pool.h"
 #include "host/log_sink.h"
 #include "host/process/fork_lock.h"
@@ -15,6 +16,7 @@ namespace {
 
 Lasting<AgentSettings> g_settings;
 std::atomic<bool> g_isKnown{false};
+std::atomic<bool> g_isDetached{false};
 
 // Returns the settings with full paths.
 AgentSettings completed(AgentSettings settings) {
@@ -24,9 +26,10 @@ AgentSettings completed(AgentSettings settings) {
   return settings;
 }
 
-void apply(AgentSettings settings) {
+void apply(AgentSettings settings, bool isDetachedNow = false) {
   setLogThreshold(settings.logLevel);
   g_settings.get() = std::move(settings);
+  g_isDetached.store(isDetachedNow, std::memory_order_release);
   g_isKnown.store(true, std::memory_order_release);
 }
 
@@ -52,6 +55,13 @@ void setAgent(const AgentSettings& settings) {
   apply(completed(settings));
   LockPool::instance().dropIdle();
 }
+
+void setDetachedAgent(const AgentSettings& settings) {
+  apply(completed(settings), true);
+  LockPool::instance().dropIdle();
+}
+
+bool isDetached() { return g_isDetached.load(std::memory_order_acquire); }
 
 const AgentSettings& agent() {
   if (!g_isKnown.load(std::memory_order_acquire)) readDefaultAgent();

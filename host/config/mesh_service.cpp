@@ -3,6 +3,7 @@
 #include "host/agent.h"
 #include "host/common/encoding.h"
 #include "host/common/failure_text.h"
+#include "host/detached_agent.h"
 #include "host/lock/lock_hold.h"
 #include "host/process/command.h"
 #include "platform/common/log.h"
@@ -23,6 +24,7 @@ void logLine(const std::string& line) {
 MeshServiceConfiguration* MeshServiceConfiguration::GetInstance() { return &g_meshConfiguration; }
 
 std::wstring MeshServiceConfiguration::GetMeshSiteListPath() const {
+  if (host::isDetached()) return std::wstring();
   const host::AgentSettings& settings = host::agent();
   const std::string path = settings.meshSiteListPath.empty()
                                ? settings.dataDirectory + "/mesh/SiteList.xml"

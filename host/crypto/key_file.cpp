@@ -43,11 +43,6 @@ bool fail(const std::string& path, const wchar_t* text, int error) {
   return false;
 }
 
-bool drawKey(SecretBytes& key) {
-  const LibcryptoUse use;
-  return RAND_priv_bytes(key.data(), static_cast<int>(key.size())) == 1;
-}
-
 std::int64_t toNs(const timespec& time) {
   return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
 }
@@ -158,6 +153,11 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
   state.settled = state.changedNs < toNs(now) - c_settledNs;
   key = std::move(bytes);
   return true;
+}
+
+bool drawKey(SecretBytes& key) {
+  const LibcryptoUse use;
+  return RAND_priv_bytes(key.data(), static_cast<int>(key.size())) == 1;
 }
 
 bool createKeyFile(const std::string& path) {

@@ -50,6 +50,9 @@ bool readKeyFile(const std::string& path, SecretBytes& key, KeyFileState& state)
 // is logged. Returns false, with an error logged, when there is no key afterwards.
 bool createKeyFile(const std::string& path);
 
+// Fills a key with random bytes. Returns false when there are none.
+bool drawKey(SecretBytes& key);
+
 // Removes the temporary files of processes that ended while they created this key.
 void cleanBesideKeyFile(const std::string& path);
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/crypto/key_span.h"
+#include "host/detached_agent.h"
 
 namespace host {
 namespace {
@@ -46,6 +47,7 @@ bool KeyPool::refreshKey() {
   KeyFileState state;
   const int error = keyFileState(m_path, state);
   if (error == 0 && !m_key.empty() && m_state.settled && m_state.sameFile(state)) return true;
+  if (error != 0 && m_createsKey && isDetached()) return useRandomKey();
   SecretBytes key;
   if ((error == ENOENT && m_createsKey && !createKeyFile(m_path)) ||
       !readKeyFile(m_path, key, m_state)) {
@@ -59,6 +61,17 @@ bool KeyPool::refreshKey() {
     // temporary file.
     if (m_createsKey) cleanBesideKeyFile(m_path);
   }
+  return true;
+}
+
+// It stays the same, so that what it encrypted can be read back.
+bool KeyPool::useRandomKey() {
+  if (!m_key.empty()) return true;
+  drop();
+  SecretBytes key(c_keySize);
+  if (!drawKey(key)) return false;
+  m_key = std::move(key);
+  m_state = KeyFileState();
   return true;
 }
 

@@ -16,7 +16,8 @@ namespace host {
 // long as a password. The objects are therefore kept until the key file changes. Any thread.
 class KeyPool {
  public:
-  // `mutex` must be used by this pool only. If `createsKey` is set, a missing key is created.
+  // `mutex` must be used by this pool only. If `createsKey` is set, a missing key is created. A
+  // detached agent then gets a random key instead, without a file.
   KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName, bool createsKey);
 
   // Returns an object with the key of the agent that has this data directory. Returns null, with an
@@ -27,6 +28,7 @@ class KeyPool {
 
  private:
   bool refreshKey() HOST_REQUIRES(m_mutex);
+  bool useRandomKey() HOST_REQUIRES(m_mutex);
   void drop() HOST_REQUIRES(m_mutex);
 
   const Encryption::Type m_type;

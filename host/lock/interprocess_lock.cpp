@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/common/failure_text.h"
+#include "host/detached_agent.h"
 #include "host/lock/file_lock.h"
 #include "host/lock/lock_hold.h"
 #include "host/lock/lock_pool.h"
@@ -22,7 +23,7 @@ using host::LockPool;
 using host::Patience;
 
 // One lock object: its name and, while it is locked, its files. It has no files if its thread
-// already holds the lock.
+// already holds the lock, or if the agent is detached.
 struct LockImpl {
   explicit LockImpl(const char* lockName) : name(lockName ? lockName : "") {}
   ~LockImpl() { unlock(); }
@@ -60,7 +61,7 @@ void logFailure(const LockFailure& failure, int error) {
 bool LockImpl::lock(LockMode mode, unsigned int waitMilliseconds) {
   if (files && files->main.fd < 0) unlock();  // the parent held it before the fork
   if (files) return true;
-  if (host::isHeldByThread(name, mode)) return true;
+  if (host::isDetached() || host::isHeldByThread(name, mode)) return true;
   int error = EINVAL;
   if (name.empty() || name.find('/') != std::string::npos) {
     failure.path = name;

@@ -1,6 +1,6 @@
 #include "host/lock/lock_hold.h"
 
-#include "host/agent.h"
+#include "host/detached_agent.h"
 
 namespace host {
 namespace {
@@ -20,7 +20,8 @@ bool LockHold::lock(unsigned int waitMilliseconds) {
   m_dataDirectory = agent().dataDirectory;
   const bool isLocked =
       m_mode == LockMode::Read ? m_reader.lock(waitMilliseconds) : m_writer.lock(waitMilliseconds);
-  if (!isLocked) return false;
+  // What a detached agent grants is not held for the agent itself.
+  if (!isLocked || isDetached()) return isLocked;
   m_next = g_firstHold;
   g_firstHold = this;
   return true;

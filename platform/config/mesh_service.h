@@ -15,7 +15,8 @@ class PLATFORM_API MeshServiceConfiguration {
   // Returns the object of this process; never null.
   static MeshServiceConfiguration* GetInstance();
 
-  // Returns the full path of the mesh copy. Does not block.
+  // Returns the full path of the mesh copy, or an empty text if the mesh service gets no list from
+  // this process. Does not block.
   std::wstring GetMeshSiteListPath() const;
 };
 

@@ -24,6 +24,7 @@ void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWrite
   std::wstring path;
   try {
     path = MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath();
+    if (path.empty()) return;
     AdvXMLParser::WriteDocumentToFile(path, document);
     logInfo(c_component, L"Command to mesh service to load new sitelist.");
     MeshServiceStartupControl* const control =

@@ -5,10 +5,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdarg>
 #include <cstdlib>
+#include <cstring>
 
-// Loaded in front of the C library: makes a file system whose directories cannot be locked, and is
-// the other program that changes a list while the tool is at work.
+// Loaded in front of the C library. Is the other program that changes a list while the tool is at
+// work, or that sends it a signal while it has a draft. With NO_DIRECTORY_LOCKS, makes a file
+// system whose directories cannot be locked.
 
 namespace {
 
@@ -17,29 +21,49 @@ Function* next(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
+void changeOnce(const char* file) {
+  static bool isChanged = false;
+  if (!file || isChanged) return;
+  const int fd = ::open(file, O_WRONLY | O_APPEND | O_CLOEXEC);
+  if (fd < 0) return;
+  if (::write(fd, "\n", 1) != 1) ::abort();
+  ::close(fd);
+  isChanged = true;
+}
+
+bool isDraft(const char* path) {
+  return std::strstr(path, "sitelist-") && std::strstr(path, ".xml");
+}
+
 }  // namespace
 
 extern "C" {
 
 __attribute__((visibility("default"))) int flock(int fd, int operation) noexcept {
   struct stat status;
-  if (::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
+  if (std::getenv("NO_DIRECTORY_LOCKS") && ::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
     errno = EBADF;  // what a network file system says
     return -1;
   }
   return next<int(int, int)>("flock")(fd, operation);
 }
 
-// The tool makes its temporary directory between the lock and the first read.
-__attribute__((visibility("default"))) char* mkdtemp(char* pattern) noexcept {
-  if (const char* const file = std::getenv("CHANGED_MEANWHILE")) {
-    const int fd = ::open(file, O_WRONLY | O_APPEND | O_CLOEXEC);
-    if (fd >= 0) {
-      if (::write(fd, "\n", 1) != 1) ::abort();
-      ::close(fd);
-    }
-  }
-  return next<char*(char*)>("mkdtemp")(pattern);
+// The library asks whether a list exists right before it reads it, so after the tool took the lock
+// of the list.
+__attribute__((visibility("default"))) int access(const char* path, int mode) noexcept {
+  if (mode == F_OK) changeOnce(std::getenv("CHANGED_MEANWHILE"));
+  return next<int(const char*, int)>("access")(path, mode);
+}
+
+// A draft is read before it is removed.
+__attribute__((visibility("default"))) int openat(int directory, const char* path, int flags, ...) {
+  va_list rest;
+  va_start(rest, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+  va_end(rest);
+  const char* const signal = std::getenv("SIGNAL_IN_DRAFT");
+  if (signal && isDraft(path)) ::raise(std::atoi(signal));
+  return next<int(int, const char*, int, mode_t)>("openat")(directory, path, flags, mode);
 }
 
 }  // extern "C"

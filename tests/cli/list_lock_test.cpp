@@ -308,7 +308,8 @@ class CliWithoutDirectoryLocks : public CliNamedListLock {
  protected:
   // `meanwhile` is the file that another program changes while the tool is at work.
   Output tool(const Arguments& arguments, const std::string& meanwhile = "") {
-    return shell("CHANGED_MEANWHILE='" + meanwhile + "' LD_PRELOAD='" INTERPOSER "' \"$0\" \"$@\"",
+    return shell("NO_DIRECTORY_LOCKS=1 CHANGED_MEANWHILE='" + meanwhile +
+                     "' LD_PRELOAD='" INTERPOSER "' \"$0\" \"$@\"",
                  arguments);
   }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/detached_agent.h"
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/writer_fixture.h"
 #include "tests/support/faulty_file_system.h"
@@ -45,6 +46,15 @@ TEST_F(WriterSteps, UnknownLastRecordGivesMinusOneThoughTheFileIsWritten) {
   EXPECT_LT(place("Name=\"1\""), place("</SiteList>"));
   EXPECT_EQ(meshText(), outText());
   EXPECT_THAT(messages(), ElementsAre(info(c_command)));
+}
+
+TEST_F(WriterSteps, WithoutAMeshCopyOnlyTheListIsWritten) {
+  host::setDetachedAgent(agent.settings);
+  agent.clearLog();
+  EXPECT_EQ(write(test::chain({local(L"1")})), 0);
+  EXPECT_THAT(outText(), HasSubstr("Name=\"1\""));
+  EXPECT_FALSE(test::exists(agent.dataDirectory() + "/mesh/SiteList.xml"));
+  EXPECT_THAT(messages(), IsEmpty());
 }
 
 TEST_F(WriterSteps, OnlyUnknownRecordsGiveAnEmptyList) {

@@ -1,12 +1,9 @@
 #include "tools/sitelist/agent/agent_access.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <system_error>
 
-#include "host/agent.h"
+#include "host/detached_agent.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
@@ -16,7 +13,8 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-constexpr std::size_t c_keyBytes = 32;  // of a password key
+// A path that nothing can be below.
+constexpr const char* c_noDirectory = "/dev/null";
 
 host::AgentSettings settingsOf(const Context& context) {
   try {
@@ -28,29 +26,9 @@ host::AgentSettings settingsOf(const Context& context) {
   }
 }
 
-std::string makeTemporaryDirectory() {
-  std::string pattern = (fs::temp_directory_path() / "sitelist-XXXXXX").string();
-  if (!::mkdtemp(pattern.data())) {
-    throw failureAt(
-        pattern, exitFile,
-        "cannot create a temporary directory: " + std::generic_category().message(errno),
-        "free space there, or set TMPDIR to another directory");
-  }
-  return pattern;
-}
-
-// The crypto service would create a missing key durably. That takes longer than reading a list, so
-// a private agent gets this key.
-void makeKeyThatOpensNothing(const std::string& directory) {
-  std::error_code error;
-  fs::create_directory(directory, error);
-  fs::permissions(directory, fs::perms::owner_all, error);
-  std::random_device random;
-  std::string key(c_keyBytes, '\0');
-  for (char& byte : key) byte = static_cast<char>(random());
-  const std::string file = directory + "/password.key";
-  std::ofstream(file, std::ios::binary) << key;
-  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, error);
+void serveDetached(const Context& context, const host::AgentSettings& settings) {
+  host::setDetachedAgent(settings);
+  recordLog(context.verbose);
 }
 
 }  // namespace
@@ -83,29 +61,12 @@ void requirePasswordKey(const Context& context) {
   }
 }
 
-PrivateAgent::PrivateAgent(const Context& context, Relation relation)
-    : m_directory(makeTemporaryDirectory()) {
-  host::AgentSettings settings;
-  if (relation == InPlaceOfReal) settings = settingsOf(context);
-  settings.dataDirectory = m_directory;
-  settings.meshSiteListPath.clear();
-  settings.meshLoadCommand = {"/bin/sh", "-c", ":"};
-  std::error_code error;
-  fs::create_directory(m_directory + "/mesh", error);
-  const std::string keystore = context.agentDirectory + "/keystore";
-  if (relation == InPlaceOfReal && fs::exists(keystore + "/password.key", error)) {
-    fs::create_directory_symlink(keystore, m_directory + "/keystore", error);
-  } else {
-    makeKeyThatOpensNothing(m_directory + "/keystore");
-  }
-  host::setAgent(settings);
-  recordLog(context.verbose);
-  replaceInLog(m_directory + "/keystore", keystore);
-}
+void serveDetachedAgent(const Context& context) { serveDetached(context, settingsOf(context)); }
 
-PrivateAgent::~PrivateAgent() {
-  std::error_code ignored;
-  fs::remove_all(m_directory, ignored);
+void serveNoAgent(const Context& context) {
+  host::AgentSettings settings;
+  settings.dataDirectory = c_noDirectory;
+  serveDetached(context, settings);
 }
 
 AgentForReading::AgentForReading(const Context& context, const std::string& file)
@@ -113,24 +74,21 @@ AgentForReading::AgentForReading(const Context& context, const std::string& file
   if (file.empty()) {
     m_lock.emplace(context, file, ListUse::Read);
   } else {
-    m_private.emplace(context);
+    serveDetachedAgent(context);
   }
 }
 
 AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
   // Passwords are encrypted with the real password key, so that key must exist.
   serveAgent(context);
-  if (!file.empty()) {
-    m_lock.emplace(context, file, ListUse::Change);
-    if (isOwnList(context, file)) return;
-  }
+  m_lock.emplace(context, file, ListUse::Change);
+  if (isOwnList(context, file)) return;
   requirePasswordKey(context);
-  m_private.emplace(context);
-  if (file.empty()) m_path = m_private->directory() + "/SiteList.xml";
+  serveDetachedAgent(context);
 }
 
 void AgentForWriting::write(SiteList& list) const {
-  if (m_lock) m_lock->requireUnchanged();
+  m_lock->requireUnchanged();
   writeSiteList(list, m_path);
 }
 

@@ -25,28 +25,16 @@ void serveAgent(const Context& context);
 // Fails when the agent of the command line has no password key.
 void requirePasswordKey(const Context& context);
 
-// Makes an agent in a temporary directory the current agent. The destructor removes the directory.
-// Nothing is written into the directory of the real agent, and no load command is run.
-//
-// An agent `InPlaceOfReal` is managed if the real agent is, and has the real password key if there
-// is one. A `Detached` agent does not depend on the real agent.
-class PrivateAgent {
- public:
-  enum Relation { InPlaceOfReal, Detached };
+// Makes the agent of the command line the current agent, for work on files that are not its own. The
+// settings and the password key are those of the agent, but its locks and its mesh service are not
+// used. Nothing is created in its data directory, which need not exist.
+void serveDetachedAgent(const Context& context);
 
-  explicit PrivateAgent(const Context& context, Relation relation = InPlaceOfReal);
-  ~PrivateAgent();
-  PrivateAgent(const PrivateAgent&) = delete;
-  PrivateAgent& operator=(const PrivateAgent&) = delete;
-
-  const std::string& directory() const { return m_directory; }
-
- private:
-  std::string m_directory;
-};
+// Makes the process serve no agent. The settings are the defaults, and the key decrypts nothing.
+void serveNoAgent(const Context& context);
 
 // Sets the current agent for a command that reads a list. For the agent's own list it is the real
-// agent, under the lock of the list. For another file it is a private agent. An empty file name
+// agent, under the lock of the list. For another file it is the detached agent. An empty file name
 // means the agent's own list.
 class AgentForReading {
  public:
@@ -58,25 +46,21 @@ class AgentForReading {
  private:
   std::string m_path;
   std::optional<ListLock> m_lock;
-  std::optional<PrivateAgent> m_private;
 };
 
 // Sets the current agent for a command that writes a list, and holds the lock of that list. For the
-// agent's own list it is the real agent. For another file it is a private agent with the real
-// password key, which must exist. Without a file name the list is written to a temporary file.
+// agent's own list it is the real agent. For another file it is the detached agent, whose password
+// key must exist.
 class AgentForWriting {
  public:
   AgentForWriting(const Context& context, const std::string& file);
 
-  // The file to write.
-  const std::string& path() const { return m_path; }
   // Writes the list. Fails when it cannot be written, or when another program changed the file.
   void write(SiteList& list) const;
 
  private:
   std::string m_path;
   std::optional<ListLock> m_lock;
-  std::optional<PrivateAgent> m_private;
 };
 
 }  // namespace tool

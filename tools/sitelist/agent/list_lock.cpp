@@ -32,13 +32,6 @@ bool canLock(const Context& context) {
   return ::access((context.agentDirectory + "/locks").c_str(), R_OK | W_OK | X_OK) == 0;
 }
 
-// Returns the directory of the file, after links. The file need not exist.
-std::string directoryOf(const std::string& file) {
-  std::error_code error;
-  const fs::path path = fs::weakly_canonical(fs::absolute(file, error), error);
-  return error ? "." : path.parent_path().string();
-}
-
 // Returns a text for the state of a file. A replaced file has another inode, and an edited one has
 // another time.
 std::string stateOf(const std::string& file) {
@@ -52,6 +45,12 @@ std::string stateOf(const std::string& file) {
 }
 
 }  // namespace
+
+std::string directoryOf(const std::string& file) {
+  std::error_code error;
+  const fs::path path = fs::weakly_canonical(fs::absolute(file, error), error);
+  return error ? "." : path.parent_path().string();
+}
 
 ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
     : m_path(file.empty() ? ownListPath(context) : file),

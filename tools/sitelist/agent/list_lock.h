@@ -57,6 +57,9 @@ class ListLock {
   std::optional<std::string> m_state;  // of a named file for a change
 };
 
+// Returns the directory of the file, after links. The file need not exist.
+std::string directoryOf(const std::string& file);
+
 // Returns the value of --wait in milliseconds. Fails when it is not a number of seconds.
 unsigned int parseWait(const std::string& seconds);
 

@@ -5,6 +5,7 @@
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/draft.h"
 #include "tools/sitelist/agent/incoming.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -94,7 +95,7 @@ std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions&
 
 int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
-  const PrivateAgent agent(context);
+  serveDetachedAgent(context);
   refuseOlder(options, ownList);
   CSitesHelper helper(wide(ownList));
   tag_Site* list = nullptr;
@@ -110,7 +111,7 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   SiteList incoming = readSiteList(options.file);
   incoming.sites = std::move(sites);
   const std::vector<FileChange> files = fileChanges(helper, options, incoming.sites.get(), ownList);
-  Diff diff(before, asWritten(incoming, agent.directory() + "/SiteList.xml"), false);
+  Diff diff(before, asWritten(incoming), false);
   diff.add(files);
   warnOfLostPasswords(options);
   context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");

@@ -14,8 +14,6 @@ namespace {
 
 bool g_verbose = false;
 unsigned long g_unreadPasswords = 0;
-std::wstring g_actualPath;  // empty: paths are not replaced
-std::wstring g_shownPath;
 
 std::vector<LogRecord>& records() {
   static std::vector<LogRecord> kept;
@@ -57,12 +55,6 @@ void keep(const LogRecord& record) {
   // The tool prints its own reason why a file cannot be read.
   if (begins(record.text, L"Site list not read: ")) return;
   records().push_back(record);
-}
-
-std::wstring withShownPath(const std::wstring& text) {
-  const std::size_t at = g_actualPath.empty() ? std::wstring::npos : text.find(g_actualPath);
-  if (at == std::wstring::npos) return text;
-  return std::wstring(text).replace(at, g_actualPath.size(), g_shownPath);
 }
 
 LoggedReason inTwoParts(const std::wstring& text) {
@@ -109,8 +101,8 @@ LoggedReason takeReason(ReasonIn reasonIn) {
 void recordLog(bool verbose) {
   g_verbose = verbose;
   host::setLogThreshold(verbose ? LogLevel::Detail : LogLevel::Info);
-  host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& logged) {
-    const LogRecord record = {level, component, withShownPath(logged)};
+  host::setLogSink([](LogLevel level, const std::wstring& component, const std::wstring& text) {
+    const LogRecord record = {level, component, text};
     if (level >= LogLevel::Info) keep(record);
     if (g_verbose) {
       std::cerr << nameOfLevel(level) << ' ' << shown(component) << ": " << shown(record.text)
@@ -123,11 +115,6 @@ const std::vector<LogRecord>& logRecords() { return records(); }
 void clearLogRecords() { records().clear(); }
 
 unsigned long takeUnreadPasswords() { return std::exchange(g_unreadPasswords, 0UL); }
-
-void replaceInLog(const std::string& actual, const std::string& shown) {
-  g_actualPath = wide(actual);
-  g_shownPath = wide(shown);
-}
 
 LoggedReason takeReasonOfWrite(const std::string& path) {
   const std::wstring name = wide(path);

@@ -27,9 +27,6 @@ void clearLogRecords();
 // decrypt them.
 unsigned long takeUnreadPasswords();
 
-// Replaces the path prefix `actual` with `shown` in the text of records.
-void replaceInLog(const std::string& actual, const std::string& shown);
-
 struct LoggedReason {
   std::string reason;
   std::string advice;  // may be empty

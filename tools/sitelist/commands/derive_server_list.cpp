@@ -21,7 +21,7 @@ int derive(Context& context, const DeriveOptions& options) {
   const std::string written =
       (options.target.empty() ? options.source : options.target) + "/ServerSiteList.xml";
   const ListLock lock(context, written, ListUse::Change);
-  const PrivateAgent agent(context, PrivateAgent::Detached);
+  serveNoAgent(context);
   if (!sitehlp::CSitesHelper::createServerSiteListFromSiteList(
           wide(options.source).c_str(), options.target.empty() ? nullptr : target.c_str())) {
     failIfNotEditable(options.source + "/SiteList.xml");

@@ -49,7 +49,7 @@ std::pair<std::string, std::string> namesOf(const Context& context, const DiffOp
 
 int diff(Context& context, const DiffOptions& options) {
   const auto [from, to] = namesOf(context, options);
-  const PrivateAgent agent(context);
+  serveDetachedAgent(context);
   const SiteList before = readWholeSiteList(from);
   const SiteList after = readWholeSiteList(to);
   EncryptedPasswords unread = unreadPasswordsOf(before);

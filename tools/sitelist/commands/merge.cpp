@@ -1,8 +1,8 @@
 #include <iostream>
 
-#include "host/fs/files.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/draft.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -46,27 +46,27 @@ SiteList mergeLists(const std::string& ownList, const MergeOptions& options) {
   return base;
 }
 
-void printFile(const std::string& path) {
-  std::string bytes;
-  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
-  if (host::readRegularFile(path, noLimit, bytes) != 0) {
-    throw libraryFailure(path, sitehlp::c_errorRead);
-  }
-  std::cout << bytes << '\n';
-}
-
 // Prints how the list that receives the sites would change.
 int previewMerge(Context& context, const MergeOptions& options) {
-  const PrivateAgent agent(context);
+  serveDetachedAgent(context);
   const std::string ownList = ownListPath(context);
   const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
   SiteList merged = mergeLists(ownList, options);
   merged.path = options.output.empty() ? "the merged list" : options.output;
-  SiteList after = asWritten(merged, agent.directory() + "/SiteList.xml");
+  SiteList after = asWritten(merged);
   after.localVersion = before.localVersion;  // the real one would be the time of the write
   const Diff diff(before, after, false);
   context.report =
       diff.report("What would change from " + shown(before.path), "Nothing was written.");
+  return exitSuccess;
+}
+
+int printMerge(Context& context, const MergeOptions& options) {
+  serveAgent(context);
+  requirePasswordKey(context);
+  serveDetachedAgent(context);
+  SiteList merged = mergeLists(ownListPath(context), options);
+  std::cout << documentOf(merged) << '\n';
   return exitSuccess;
 }
 
@@ -76,15 +76,12 @@ int merge(Context& context, const MergeOptions& options) {
     throw Failure(exitUsage, "the merged list is an XML document and has no other format",
                   "omit --format, or write the list to a file with --output");
   }
+  if (options.output.empty()) return printMerge(context, options);
   const AgentForWriting agent(context, options.output);
   SiteList merged = mergeLists(ownListPath(context), options);
   agent.write(merged);
-  if (options.output.empty()) {
-    printFile(agent.path());
-  } else {
-    std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
-              << shown(options.output) << '\n';
-  }
+  std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
+            << shown(options.output) << '\n';
   return exitSuccess;
 }
 

@@ -4,6 +4,7 @@
 #include "platform/common/afile.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming.h"
+#include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -52,10 +53,12 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
 // Edits a copy and compares it with the list.
 int previewModify(Context& context, const ModifyOptions& options) {
   const std::string ownList = ownListPath(context);
-  const PrivateAgent agent(context);
+  serveDetachedAgent(context);
   failIfNotEditable(ownList);
-  const std::string copy = agent.directory() + "/etc/SiteList.xml";
-  if (!AFiler::createDirectory(wide(agent.directory() + "/etc")) ||
+  const ScratchDirectory scratch;
+  // The FIPS marker is a file beside the directory of the list.
+  const std::string copy = scratch.path() + "/etc/SiteList.xml";
+  if (!AFiler::createDirectory(wide(scratch.path() + "/etc")) ||
       !AFiler::copyFile(wide(ownList), wide(copy)) || !modifyList(copy, options)) {
     failToModify(options, ownList);
   }

@@ -41,6 +41,7 @@ void addRewrite(Command& app, Context& context) {
   command.add_option("DST", options->destination, "The file for the result")
       .required()
       .type_name("")
+      .not_empty()
       .completes(Completion::File);
   command.footer(
       "Versions, type, certificates and policy settings are kept. Passwords are\n"

@@ -32,7 +32,7 @@ std::string bytesOf(const std::string& path) {
 }
 
 int preview(Context& context, const UndoOptions& options) {
-  const PrivateAgent agent(context);
+  serveDetachedAgent(context);
   const std::string path = ownListPath(context);
   const HistoryEntry entry = historyEntry(path, options.number);
   SiteList after = readWholeSiteList(entry.path);

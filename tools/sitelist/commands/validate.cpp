@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -33,8 +34,8 @@ bool counts(const Fault& fault, bool strict) {
 }
 
 // The library reads only files.
-ListSource storeStandardInput(const PrivateAgent& agent, const Input& input) {
-  const ListSource source{input.name, agent.directory() + "/standard-input.xml", false};
+ListSource storeStandardInput(const ScratchDirectory& scratch, const Input& input) {
+  const ListSource source{input.name, scratch.path() + "/standard-input.xml", false};
   std::ofstream file(source.path, std::ios::binary);
   file.write(input.bytes.data(), static_cast<std::streamsize>(input.bytes.size()));
   file.close();
@@ -93,22 +94,23 @@ void requireSense(const ValidateOptions& options) {
   }
 }
 
-CheckedList check(const PrivateAgent& agent, const std::string& file, bool checkServer) {
+CheckedList check(const std::string& file, bool checkServer) {
   if (file != "-") return {file, validateList({file, file}, checkServer)};
   Input input;
   if (const int error = tryReadInput(file, input)) {
     return {input.name, {faultOfReading(readErrorOf(error))}};
   }
-  return {input.name, validateList(storeStandardInput(agent, input), checkServer)};
+  const ScratchDirectory scratch;
+  return {input.name, validateList(storeStandardInput(scratch, input), checkServer)};
 }
 
 int validate(Context& context, const ValidateOptions& options) {
   requireSense(options);
-  const PrivateAgent agent(context, PrivateAgent::Detached);
+  serveNoAgent(context);
   std::vector<CheckedList> lists;
   int status = exitSuccess;
   for (const std::string& file : options.files) {
-    CheckedList list = check(agent, file, !options.unmanaged);
+    CheckedList list = check(file, !options.unmanaged);
     for (const Fault& fault : list.faults) {
       if (!counts(fault, options.strict)) continue;
       list.isValid = false;

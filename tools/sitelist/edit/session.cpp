@@ -5,6 +5,7 @@
 
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -41,6 +42,25 @@ void linkKeyFiles(const std::string& list, const std::string& draft) {
   }
 }
 
+// What a draft of the changed document shows.
+struct Trial {
+  SiteList after;
+  std::vector<Fault> faults;
+};
+
+// A dry run writes nothing beside the list.
+Trial tryOut(const ListEditor& list, bool isDryRun) {
+  const std::string& path = list.path();
+  const ScratchDirectory scratch =
+      isDryRun ? ScratchDirectory() : ScratchDirectory(directoryOf(path));
+  const std::string draft = scratch.path() + "/SiteList.xml";
+  Trial trial;
+  trial.after = readDraft(list, draft);
+  linkKeyFiles(path, draft);
+  trial.faults = newFaults(path, draft);
+  return trial;
+}
+
 void warnOf(const std::string& path, const std::vector<Fault>& faults) {
   for (const Fault& fault : faults) {
     std::cerr << "sitelist: warning: the change adds a fault: " << lineOf(path, fault) << '\n';
@@ -62,7 +82,7 @@ ListAccess::ListAccess(const Context& context, const EditOptions& options)
   } else if (isOwnList(context, options.file)) {
     serveAgent(context);
   }
-  m_private.emplace(context);
+  serveDetachedAgent(context);
 }
 
 int performEdit(Context& context, const EditOptions& options,
@@ -73,16 +93,11 @@ int performEdit(Context& context, const EditOptions& options,
   const SiteList before = readWholeSiteList(path);
   ListEditor list(before);
   const Outcome outcome = edit(list);
-  SiteList after;
-  std::vector<Fault> faults;
-  if (list.isChanged()) {
-    after = readDraft(list, access.draftPath());
-    linkKeyFiles(path, access.draftPath());
-    faults = newFaults(path, access.draftPath());
-  }
-  if (options.dryRun) previewEdit(context, before, list.isChanged() ? after : before, path);
-  if (!faults.empty() && !options.force) throw refusalOf(path, faults);
-  warnOf(path, faults);
+  Trial trial;
+  if (list.isChanged()) trial = tryOut(list, options.dryRun);
+  if (options.dryRun) previewEdit(context, before, list.isChanged() ? trial.after : before, path);
+  if (!trial.faults.empty() && !options.force) throw refusalOf(path, trial.faults);
+  warnOf(path, trial.faults);
   if (options.dryRun) return exitSuccess;
   if (!list.isChanged()) {
     say(path, "nothing to change: " + outcome.already);

@@ -18,7 +18,7 @@ struct EditOptions {
 };
 
 // Access to a list for reading, changing and writing it as one operation. Holds the lock of the
-// list, except for a dry run. A private agent is the current agent during this time.
+// list, except for a dry run. The detached agent is the current agent during this time.
 class ListAccess {
  public:
   // Fails when the lock cannot be taken within the time of --wait.
@@ -29,13 +29,10 @@ class ListAccess {
   void requireUnchanged() const {
     if (m_lock) m_lock->requireUnchanged();
   }
-  // Returns the path for a draft in the private agent. The destructor removes the draft.
-  std::string draftPath() const { return m_private->directory() + "/SiteList.xml"; }
 
  private:
   std::string m_path;
   std::optional<ListLock> m_lock;
-  std::optional<PrivateAgent> m_private;
 };
 
 // Makes an edit or, in a dry run, prints what it would change. The list is written only if a read

@@ -157,7 +157,10 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
       "If this is set and not empty, tables have no colours unless `--color always` is given.");
   page.item(
       "Ev TMPDIR",
-      "The directory of temporary files, which are removed at the end. The default is `/tmp`.");
+      "The directory of temporary files. The default is `/tmp`. `validate -`, `merge` without "
+      "`--output` and each dry run need it. A command that reads lists from files does not. The "
+      "files are removed at the end, also after a signal. The next command that needs the "
+      "directory removes the files of processes that were killed.");
   page.endList();
 
   page.section("FILES");

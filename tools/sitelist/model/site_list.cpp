@@ -35,13 +35,6 @@ void writeSiteList(SiteList& list, const std::string& path) {
   if (result != 0) throw libraryFailure(path, result);
 }
 
-SiteList asWritten(SiteList& list, const std::string& scratch) {
-  writeSiteList(list, scratch);
-  SiteList written = readSiteList(scratch);
-  written.path = list.path;
-  return written;
-}
-
 std::string missingSite(const std::string& name, const std::string& kind) {
   return "there is no site \"" + shown(name) + "\"" + (kind.empty() ? "" : " of kind " + kind);
 }

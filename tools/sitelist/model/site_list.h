@@ -34,10 +34,6 @@ SiteList readWholeSiteList(const std::string& path);
 // Writes the sites and the other content of `list`. The library replaces empty versions.
 void writeSiteList(SiteList& list, const std::string& path);
 
-// Returns the list that a read would give after `list` was written. It can differ from `list`.
-// Writes it to `scratch`, but the result has the path of `list`.
-SiteList asWritten(SiteList& list, const std::string& scratch);
-
 // Returns 'there is no site "Depot"' or, with a kind, 'there is no site "Depot" of kind http'.
 std::string missingSite(const std::string& name, const std::string& kind);
 

@@ -117,7 +117,7 @@ TEST_F(CliScratch, AnEditIsDraftedBesideTheList) {
   EXPECT_THAT(namesIn(file("lists")), testing::ElementsAre("list.xml"));
   const Output own = with("TMPDIR=/none", {"edit", "disable", "Depot"});
   EXPECT_EQ(own.status, 0) << own.err;
-  EXPECT_THAT(namesIn(file("agent/etc")), testing::ElementsAre("SiteList.xml"));
+  EXPECT_THAT(namesIn(file("agent/etc")), testing::ElementsAre("SiteList.xml", "history"));
   const Output merge = with("TMPDIR=/none", {"merge", "--second", list, "--output", list});
   EXPECT_EQ(merge.status, 0) << merge.err;
   EXPECT_THAT(namesIn(file("lists")), testing::ElementsAre("list.xml"));

@@ -4,6 +4,7 @@
 
 #include "platform/common/log.h"
 #include "platform/xml/advxmlparser.h"
+#include "sitehlp/common/component.h"
 
 namespace sitehlp {
 namespace {
@@ -25,22 +26,31 @@ AString reasonOf(const std::wstring& path) {
   }
 }
 
-}  // namespace
-
-void logCause(const std::wstring& text) noexcept {
+template <typename Log>
+void dropIfNoMemory(Log log) noexcept {
   try {
-    logError(c_causeComponent, text);
+    log();
   } catch (...) {
     // There is not enough memory for the line.
   }
 }
 
+}  // namespace
+
+void logCause(const std::wstring& text) noexcept {
+  dropIfNoMemory([&] { logError(c_causeComponent, text); });
+}
+
 void logCaught(const wchar_t* what, const std::wstring& path) noexcept {
-  try {
-    logCause(AString(what).append(reasonOf(path)).str());
-  } catch (...) {
-    // There is not enough memory for the line.
-  }
+  dropIfNoMemory([&] { logCause(AString(what).append(reasonOf(path)).str()); });
+}
+
+void logFixed(const wchar_t* text) noexcept {
+  dropIfNoMemory([&] { logError(c_component, text); });
+}
+
+void logResult(const wchar_t* text, int result) noexcept {
+  dropIfNoMemory([&] { logError(c_component, AString(text).append(result)); });
 }
 
 }  // namespace sitehlp

@@ -14,6 +14,12 @@ void logCaught(const wchar_t* what, const std::wstring& path) noexcept;
 // not give the reason.
 void logCause(const std::wstring& text) noexcept;
 
+// Logs one error line of the class. The line is dropped if there is not enough memory to build it.
+// For places where an exception would change the result or lose a list.
+void logFixed(const wchar_t* text) noexcept;
+// Does the same with a result code directly after the text.
+void logResult(const wchar_t* text, int result) noexcept;
+
 }  // namespace sitehlp
 
 #endif

@@ -1,8 +1,8 @@
 #include "sitehlp/read/document_reader.h"
 
-#include "platform/common/astring.h"
 #include "platform/common/log.h"
 #include "platform/crypto/crypt_shim.h"
+#include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/read/list_builder.h"
 #include "sitehlp/records/record.h"
@@ -109,6 +109,6 @@ int mustReadList(ListSource& source, std::wstring& currentFile, bool useDecryptD
   return result;
 }
 
-void logFailedRead(int result) { logError(c_component, AString(L"Failed hr=").append(result)); }
+void logFailedRead(int result) { logResult(L"Failed hr=", result); }
 
 }  // namespace sitehlp

@@ -5,6 +5,7 @@
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "platform/lock/interprocess_lock.h"
+#include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/common/locks.h"
 #include "sitehlp/common/process_state.h"
@@ -44,8 +45,7 @@ int smartRead(CSitesHelper& helper, const std::wstring& path, tag_Site** list) {
     if (cached) CSitesHelper::FreeSiteListMemory(std::exchange(cached, nullptr));
     result = helper.ReadSiteList(path, list, true);
     if (result < 0 || !*list) {
-      logError(c_component,
-               AString(L"Unable to read from SiteList file, error hr=").append(result));
+      logResult(L"Unable to read from SiteList file, error hr=", result);
     } else {
       cached = *list;
       changes = 1;

@@ -30,10 +30,10 @@ void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWrite
     MeshServiceStartupControl* const control =
         MeshServiceStartupControl::GetInstance(nullptr, nullptr);
     if (control->RunMeshServiceLoadSiteListCmd() != 1) {
-      logError(c_component, L"Load new sitelist command failed.");
+      logFixed(L"Load new sitelist command failed.");
     }
   } catch (...) {
-    logError(c_component, L"Failed to write mesh service sitelist.");
+    logFixed(L"Failed to write mesh service sitelist.");
     logCaught(L"Mesh service's list not written: ", path);
   }
 }

@@ -2,6 +2,7 @@
 #include "platform/common/log.h"
 #include "sitehlp/common/caught.h"
 #include "sitehlp/edit/edit_document.h"
+#include "sitehlp/records/site_elements.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -12,6 +13,23 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 namespace {
 
 constexpr const wchar_t* c_local = L"1";
+
+// Returns whether the local sites of this element stay out of a server list.
+bool isRepository(SiteElement element) {
+  switch (element) {
+    case SiteElement::Http:
+    case SiteElement::Ftp:
+    case SiteElement::Unc:
+    case SiteElement::Local:
+      return true;
+    case SiteElement::Vesta:
+    case SiteElement::Keystone:
+    case SiteElement::Proxy:
+    case SiteElement::None:
+      break;
+  }
+  return false;
+}
 
 void removeLocalSites(const AnXmlNode& siteList, const wchar_t* elementName) {
   AnXmlChildIndex sites(siteList, elementName);
@@ -39,9 +57,10 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
                                   .append(WX_XML_SITELIST));
     return false;
   }
-  for (const wchar_t* elementName : {WX_XML_SITELIST_FTP_SITE, WX_XML_SITELIST_HTTP_SITE,
-                                     WX_XML_SITELIST_UNC_SITE, WX_XML_SITELIST_LOCAL_SITE}) {
-    removeLocalSites(siteList, elementName);
+  for (std::size_t i = 0; i < c_siteElementCount; ++i) {
+    if (isRepository(static_cast<SiteElement>(i))) {
+      removeLocalSites(siteList, c_siteElementNames[i]);
+    }
   }
   const std::wstring targetPath =
       joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);

@@ -52,7 +52,16 @@ class Unfinished {
 
 // Returns whether a fallback of this kind is added to the list.
 bool isCarriedKind(const tag_Site& site) {
-  return site.eSiteKind == SITE_KIND_HTTP || site.eSiteKind == SITE_KIND_FTP;
+  switch (static_cast<SiteKind>(site.eSiteKind)) {
+    case SITE_KIND_HTTP:
+    case SITE_KIND_FTP:
+      return true;
+    case SITE_KIND_UNC:
+    case SITE_KIND_LOCAL:
+    case SITE_KIND_PROXY:
+      break;
+  }
+  return false;
 }
 
 // Adds the fallback and server sites of `source` to the list. `result` becomes the result of the

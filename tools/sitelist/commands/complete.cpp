@@ -16,7 +16,7 @@
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/program.h"
-#include "tools/sitelist/edit/document_fields.h"
+#include "tools/sitelist/model/kinds.h"
 
 namespace tool {
 namespace {
@@ -32,7 +32,7 @@ std::string fromHome(const std::string& path) {
 
 std::vector<const wchar_t*> siteElements() {
   std::vector<const wchar_t*> names;
-  for (const std::string& kind : kinds()) names.push_back(findKind(kind)->element);
+  for (const NamedKind& kind : c_kinds) names.push_back(*kind.element);
   return names;
 }
 

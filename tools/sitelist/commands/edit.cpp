@@ -10,6 +10,7 @@
 #include "tools/sitelist/edit/document_fields.h"
 #include "tools/sitelist/edit/operations.h"
 #include "tools/sitelist/edit/session.h"
+#include "tools/sitelist/model/kinds.h"
 
 namespace tool {
 namespace {

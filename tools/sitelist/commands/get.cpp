@@ -6,6 +6,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
@@ -150,7 +151,7 @@ void addGet(Command& app, Context& context) {
   command
       .add_option("--kind", options->kind, "The kind of the site, if several sites have this name")
       .type_name("KIND")
-      .choices({"server", "agent", "http", "ftp", "unc", "local", "proxy", "unknown"});
+      .choices(kindsInOutput());
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print a clear password instead of ********");
   command.footer(

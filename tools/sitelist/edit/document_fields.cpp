@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -60,18 +61,32 @@ Fields serverFields() {
   return fields;
 }
 
+Fields fieldsOf(const NamedKind& kind) {
+  switch (kind.siteKind) {
+    case sitehlp::SITE_KIND_HTTP:
+      return kind.element == &WX_XML_SITELIST_VESTA_SITE ? serverFields()
+                                                         : fieldsIn(sitehlp::c_httpFields);
+    case sitehlp::SITE_KIND_FTP:
+      return fieldsIn(sitehlp::c_ftpFields);
+    case sitehlp::SITE_KIND_UNC:
+      return fieldsIn(sitehlp::c_uncFields);
+    case sitehlp::SITE_KIND_LOCAL:
+      return withAttribute(fieldsIn(sitehlp::c_localFields), "local", WX_XML_SITE_SERVER,
+                           L"127.0.0.1");
+    case sitehlp::SITE_KIND_PROXY:
+      break;
+  }
+  return withAttribute(fieldsIn(sitehlp::c_proxyFields), "useIEConfig", WX_XML_SITE_LOCAL, L"1");
+}
+
+std::vector<DocumentKind> makeKinds() {
+  std::vector<DocumentKind> all;
+  for (const NamedKind& kind : c_kinds) all.push_back({kind.name, *kind.element, fieldsOf(kind)});
+  return all;
+}
+
 const std::vector<DocumentKind>& allKinds() {
-  static const std::vector<DocumentKind> all = {
-      {"server", WX_XML_SITELIST_VESTA_SITE, serverFields()},
-      {"agent", WX_XML_SITELIST_KEYSTONE_SITE, fieldsIn(sitehlp::c_httpFields)},
-      {"http", WX_XML_SITELIST_HTTP_SITE, fieldsIn(sitehlp::c_httpFields)},
-      {"ftp", WX_XML_SITELIST_FTP_SITE, fieldsIn(sitehlp::c_ftpFields)},
-      {"unc", WX_XML_SITELIST_UNC_SITE, fieldsIn(sitehlp::c_uncFields)},
-      {"local", WX_XML_SITELIST_LOCAL_SITE,
-       withAttribute(fieldsIn(sitehlp::c_localFields), "local", WX_XML_SITE_SERVER, L"127.0.0.1")},
-      {"proxy", WX_XML_PROXY_CONFIG_LIST,
-       withAttribute(fieldsIn(sitehlp::c_proxyFields), "useIEConfig", WX_XML_SITE_LOCAL, L"1")},
-  };
+  static const std::vector<DocumentKind> all = makeKinds();
   return all;
 }
 
@@ -89,18 +104,6 @@ const DocumentField* findField(const DocumentKind& kind, const std::string& name
     if (field.name && name == field.name) return &field;
   }
   return nullptr;
-}
-
-std::vector<std::string> kinds() {
-  std::vector<std::string> names;
-  for (const DocumentKind& kind : allKinds()) names.emplace_back(kind.name);
-  return names;
-}
-
-std::string kindNames() {
-  std::string names;
-  for (const std::string& kind : kinds()) names += (names.empty() ? "" : ", ") + kind;
-  return names;
 }
 
 std::string fieldNames(const DocumentKind& kind, const std::string& indent) {

@@ -37,9 +37,6 @@ struct DocumentKind {
 const DocumentKind* findKind(const std::string& name);
 const DocumentField* findField(const DocumentKind& kind, const std::string& name);
 
-std::vector<std::string> kinds();
-std::string kindNames();  // separated by ","
-
 // Returns lines with the fields of a kind that can be set. Each line begins with `indent`.
 std::string fieldNames(const DocumentKind& kind, const std::string& indent);
 // Returns these lines for every kind, for the help.

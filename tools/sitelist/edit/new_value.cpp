@@ -8,6 +8,7 @@
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
@@ -104,8 +105,8 @@ std::wstring checkedNumber(const DocumentField& field, const std::string& value)
 }
 
 bool isPasswordName(const std::string& name) {
-  for (const std::string& kind : kinds()) {
-    const DocumentField* const field = findField(*findKind(kind), name);
+  for (const NamedKind& kind : c_kinds) {
+    const DocumentField* const field = findField(*findKind(kind.name), name);
     if (field && field->form == FieldForm::Password) return true;
   }
   return false;

@@ -2,6 +2,7 @@
 
 #include "platform/common/text.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/selection.h"
 #include "tools/sitelist/model/site_list.h"
 
@@ -14,7 +15,7 @@ bool isFallback(const tag_Site& site) { return wcsicmp(site.szType, c_fallbackTy
 
 // Returns why the agent does not try a site, or an empty text.
 std::string obstacleOf(const tag_Site& site) {
-  if (std::string(kindOf(site)) == "unknown") return "its element is of unknown kind";
+  if (std::string(kindOf(site)) == c_unknownKind) return "its element is of unknown kind";
   if (!site.bEnabled) return "it is disabled";
   if (site.bMirror) return "it is a mirror, and mirrors have no place in the search order";
   return "";

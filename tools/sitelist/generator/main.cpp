@@ -10,7 +10,7 @@
 
 // sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the JSON Schema of the
 // tool's output below DIRECTORY. DATE is the date of the pages, for example "May 1, 2001". SCHEMA
-// is the file with the JSON Schema, without the fields of a site.
+// is the file with the JSON Schema, without the kinds and fields of sites.
 
 namespace tool {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "sitehlp/fields.h"
 #include "tools/sitelist/generator/pages.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
@@ -36,6 +37,9 @@ std::string completeSchema(const std::string& schema) {
         *site, [&](const auto& row, const auto&) { fields.emplace(row.name, schemaOf(row)); });
   }
   Json whole = Json::parse(schema);
+  Json& kindDefinition = whole.at("definitions").at("kind");
+  kindDefinition.erase("$comment");
+  kindDefinition["enum"] = kindsInOutput();
   Json& definition = whole.at("definitions").at("site");
   definition.erase("$comment");
   for (const std::string& name : siteFieldNames()) {

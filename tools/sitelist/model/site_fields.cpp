@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "sitehlp/fields.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -28,21 +29,13 @@ Field fieldOf(const Row& row, const Value& value) {
 }  // namespace
 
 const char* kindOf(const tag_Site& site) {
-  switch (static_cast<sitehlp::SiteKind>(site.eSiteKind)) {
-    case sitehlp::SITE_KIND_HTTP:
-      if (std::wcscmp(site.http.szElement, L"VestaSite") == 0) return "server";
-      if (std::wcscmp(site.http.szElement, L"KeystoneSite") == 0) return "agent";
-      return site.http.szElement[0] ? "http" : "unknown";
-    case sitehlp::SITE_KIND_FTP:
-      return "ftp";
-    case sitehlp::SITE_KIND_UNC:
-      return "unc";
-    case sitehlp::SITE_KIND_LOCAL:
-      return "local";
-    case sitehlp::SITE_KIND_PROXY:
-      return "proxy";
+  // Only elements of this kind share a kind of record.
+  const bool isHttp = site.eSiteKind == sitehlp::SITE_KIND_HTTP;
+  for (const NamedKind& kind : c_kinds) {
+    if (site.eSiteKind != kind.siteKind) continue;
+    if (!isHttp || std::wcscmp(site.http.szElement, *kind.element) == 0) return kind.name;
   }
-  return "unknown";
+  return c_unknownKind;
 }
 
 const wchar_t* nameOf(const tag_Site& site) {

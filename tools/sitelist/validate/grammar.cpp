@@ -5,6 +5,7 @@
 
 #include "sitehlp/fields.h"
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/model/kinds.h"
 
 namespace tool {
 
@@ -78,21 +79,47 @@ Values childrenOf(const Table& table) {
   return valuesOf(table, sitehlp::isChild);
 }
 
-// In the order of docs/site-list-format.md.
-std::vector<ElementGrammar> makeGrammars() {
+Values reservedAttributes() {
+  return {{WX_XML_SITE_ID, ValueType::Unread}, {WX_XML_SERVER_PORT, ValueType::Unread}};
+}
+
+ElementGrammar grammarOf(const NamedKind& kind) {
   const Values replication = {{WX_XML_HTTPSITE_REPLICATION_UNC, ValueType::Unread},
                               {WX_XML_SITE_REPLICATION_USER_NAME, ValueType::Unread},
                               {WX_XML_SITE_REPLICATION_DOMAIN_NAME, ValueType::Unread},
                               {WX_XML_SITE_REPLICATION_PASSWORD, ValueType::Unread}};
-  const Values reserved =
-      Values{{WX_XML_SITE_ID, ValueType::Unread}, {WX_XML_SERVER_PORT, ValueType::Unread}};
-  const auto site = [&](const wchar_t* name, const char* kind, const auto& table,
-                        const Values& attributes = {}, const Values& children = {}) {
-    return ElementGrammar{name, kind, attributesOf(table) + reserved + replication + attributes,
+  const auto site = [&](const auto& table, const Values& attributes = {},
+                        const Values& children = {}) {
+    return ElementGrammar{*kind.element, kind.name,
+                          attributesOf(table) + reservedAttributes() + replication + attributes,
                           childrenOf(table) + replication + children};
   };
   const Values passive = {{WX_XML_FTPSITE_PASSIVE, ValueType::Unread}};
-  return {
+  switch (kind.siteKind) {
+    case sitehlp::SITE_KIND_HTTP:
+      if (kind.element == &WX_XML_SITELIST_VESTA_SITE) return site(sitehlp::c_serverFields);
+      if (kind.element == &WX_XML_SITELIST_HTTP_SITE) return site(sitehlp::c_httpFields);
+      return site(sitehlp::c_httpFields, {{WX_XML_SITE_SERVER_FQDN, ValueType::Address}});
+    case sitehlp::SITE_KIND_FTP:
+      return site(sitehlp::c_ftpFields, passive, passive);
+    case sitehlp::SITE_KIND_UNC:
+      return site(sitehlp::c_uncFields);
+    case sitehlp::SITE_KIND_LOCAL:
+      return site(sitehlp::c_localFields, {{WX_XML_SITE_SERVER, ValueType::Unread}});
+    case sitehlp::SITE_KIND_PROXY:
+      break;
+  }
+  // The attributes of the list itself are read like those of any site.
+  return {*kind.element,
+          kind.name,
+          attributesOf(sitehlp::fields::c_head) + reservedAttributes() +
+              Values{{WX_XML_SITE_NAME, ValueType::Text},
+                     {WX_XML_PROXY_USE_IE_CONFIG, ValueType::Flag}},
+          {{WX_XML_PROXY_CONFIG, ValueType::Elements}}};
+}
+
+std::vector<ElementGrammar> makeGrammars() {
+  std::vector<ElementGrammar> grammars = {
       {WX_XML_CABUNDLE, nullptr, {}, {{WX_XML_CACERTIFICATE, ValueType::Elements}}},
       {WX_XML_POLICIES, nullptr, {}, {{L"Setting", ValueType::Elements}}},
       {L"Setting", nullptr, {{L"name", ValueType::Any}}, {}},
@@ -100,21 +127,6 @@ std::vector<ElementGrammar> makeGrammars() {
        nullptr,
        {{WX_XML_SITELIST_DEFAULT, ValueType::Unread}, {WX_XML_SITE_NAME, ValueType::Unread}},
        {}},
-      site(WX_XML_SITELIST_HTTP_SITE, "http", sitehlp::c_httpFields),
-      site(WX_XML_SITELIST_VESTA_SITE, "server", sitehlp::c_serverFields),
-      site(WX_XML_SITELIST_KEYSTONE_SITE, "agent", sitehlp::c_httpFields,
-           {{WX_XML_SITE_SERVER_FQDN, ValueType::Address}}),
-      site(WX_XML_SITELIST_FTP_SITE, "ftp", sitehlp::c_ftpFields, passive, passive),
-      site(WX_XML_SITELIST_UNC_SITE, "unc", sitehlp::c_uncFields),
-      site(WX_XML_SITELIST_LOCAL_SITE, "local", sitehlp::c_localFields,
-           {{WX_XML_SITE_SERVER, ValueType::Unread}}),
-      // The attributes of the list itself are read like those of any site.
-      {WX_XML_PROXY_CONFIG_LIST,
-       "proxy",
-       attributesOf(sitehlp::fields::c_head) + reserved +
-           Values{{WX_XML_SITE_NAME, ValueType::Text},
-                  {WX_XML_PROXY_USE_IE_CONFIG, ValueType::Flag}},
-       {{WX_XML_PROXY_CONFIG, ValueType::Elements}}},
       {WX_XML_PROXY_CONFIG, nullptr,
        attributesOf(sitehlp::c_proxyFields) + Values{{WX_XML_SITE_LOCAL, ValueType::Unread}},
        childrenOf(sitehlp::c_proxyFields) + Values{{WX_XML_PROXY_ADDRLIST, ValueType::Unread}}},
@@ -123,6 +135,8 @@ std::vector<ElementGrammar> makeGrammars() {
        {},
        {{WX_XML_PROXY_EXCLUSIONHOST, ValueType::Elements}}},
   };
+  for (const NamedKind& kind : c_kinds) grammars.push_back(grammarOf(kind));
+  return grammars;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/validate/checks.h"
 #include "tools/sitelist/validate/element_checks.h"
@@ -104,8 +105,8 @@ void checkProxies(const PlacedElement& list, const ElementGrammar& grammar,
 }
 
 void addUnknownElement(const PlacedElement& element, Faults& faults) {
-  const std::vector<std::string> known = {"VestaSite", "KeystoneSite", "HttpSite",       "FTPSite",
-                                          "UNCSite",   "LocalSite",    "ProxyConfigList"};
+  std::vector<std::string> known;
+  for (const NamedKind& kind : c_kinds) known.push_back(narrow(*kind.element));
   const std::wstring name = element.element.GetName();
   faults.add("unknown-element", element.place,
              inQuotes(name) + " is not a known site element" + suggestion(narrow(name), known));

@@ -17,8 +17,8 @@ tag_Site* copyRecord(const tag_Site& source) {
 }
 
 bool isKept(const tag_Site& site, bool skipProxy) {
-  const std::optional<Kind> kind = kindOf(site);
-  return kind && !(skipProxy && *kind == Kind::Proxy);
+  const std::optional<SiteKind> kind = kindOf(site);
+  return kind && !(skipProxy && *kind == SITE_KIND_PROXY);
 }
 
 // Does the same as MergeThisSiteList with an empty result, but without copies. The list was read

@@ -32,7 +32,7 @@ void walkRoot(const Element& root, bool useDecryptData, PolicySettings& policySe
     if (child.HasName(WX_XML_POLICIES)) {
       readPolicies(child, policySettings);
     } else if (child.HasName(WX_XML_SITELIST)) {
-      readSites(child, useDecryptData, take, result);
+      readSiteListElement(child, useDecryptData, take, result);
       return;
     }
   }

@@ -98,7 +98,8 @@ void readSite(const Element& element, SiteElement kind, bool useDecryptData, tag
 
 }  // namespace
 
-void readSites(const Element& siteList, bool useDecryptData, const TakeSite& take, int& result) {
+void readSiteListElement(const Element& siteList, bool useDecryptData, const TakeSite& take,
+                         int& result) {
   RecordLimits limits;
   for (const Element element : siteList.Elements()) {
     const SiteElement kind = classifySite(element);

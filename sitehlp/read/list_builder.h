@@ -9,8 +9,8 @@ namespace sitehlp {
 // Reads a "SiteList" element. Decodes each child element, in document order, into one record.
 // `take` becomes the owner of each record immediately. `result` receives the result of the last
 // element, even if an exception is thrown.
-void readSites(const AdvXMLParser::Element& siteList, bool useDecryptData, const TakeSite& take,
-               int& result);
+void readSiteListElement(const AdvXMLParser::Element& siteList, bool useDecryptData,
+                         const TakeSite& take, int& result);
 
 }  // namespace sitehlp
 

@@ -54,14 +54,14 @@ void releaseRecord(tag_Site* record) noexcept {
   std::free(record);
 }
 
-std::optional<Kind> kindOf(const tag_Site& record) {
-  const auto kind = static_cast<Kind>(record.eSiteKind);
+std::optional<SiteKind> kindOf(const tag_Site& record) {
+  const auto kind = static_cast<SiteKind>(record.eSiteKind);
   switch (kind) {
-    case Kind::Http:
-    case Kind::Ftp:
-    case Kind::Unc:
-    case Kind::Local:
-    case Kind::Proxy:
+    case SITE_KIND_HTTP:
+    case SITE_KIND_FTP:
+    case SITE_KIND_UNC:
+    case SITE_KIND_LOCAL:
+    case SITE_KIND_PROXY:
       return kind;
   }
   return std::nullopt;

@@ -1,24 +1,14 @@
 #ifndef SITEHLP_RECORDS_RECORD_H
 #define SITEHLP_RECORDS_RECORD_H
 
-#include <cstdint>
 #include <optional>
 
 #include "sitehlp/list.h"
 
 namespace sitehlp {
 
-// SiteKind as a scoped enumeration. The compiler warns about a switch without all kinds.
-enum class Kind : std::int32_t {
-  Http = SITE_KIND_HTTP,
-  Ftp = SITE_KIND_FTP,
-  Unc = SITE_KIND_UNC,
-  Local = SITE_KIND_LOCAL,
-  Proxy = SITE_KIND_PROXY,
-};
-
 // Returns the kind of a record, or none for an unknown kind.
-std::optional<Kind> kindOf(const tag_Site& record);
+std::optional<SiteKind> kindOf(const tag_Site& record);
 
 // Wipes the passwords of a record of any kind and releases the record. The records after it are
 // unchanged.

@@ -155,22 +155,22 @@ void writeLocalSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer)
 }
 
 bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
-  const std::optional<Kind> kind = kindOf(site);
+  const std::optional<SiteKind> kind = kindOf(site);
   if (!kind) return false;
   switch (*kind) {
-    case Kind::Http:
+    case SITE_KIND_HTTP:
       writeHttpSite(helper, site, writer);
       break;
-    case Kind::Ftp:
+    case SITE_KIND_FTP:
       writeFtpSite(helper, site, writer);
       break;
-    case Kind::Unc:
+    case SITE_KIND_UNC:
       writeUncSite(helper, site, writer);
       break;
-    case Kind::Local:
+    case SITE_KIND_LOCAL:
       writeLocalSite(helper, site, writer);
       break;
-    case Kind::Proxy:
+    case SITE_KIND_PROXY:
       writeProxySite(helper, site, writer);
       break;
   }
@@ -180,31 +180,31 @@ bool writeSite(CSitesHelper& helper, tag_Site& site, ElementWriter& writer) {
 void prefetchHead(const tag_Site& site) { prefetch(site, site.pNext); }
 
 void prefetchRecord(const tag_Site& site) {
-  const std::optional<Kind> kind = kindOf(site);
+  const std::optional<SiteKind> kind = kindOf(site);
   if (!kind) return;
   switch (*kind) {
-    case Kind::Http: {
+    case SITE_KIND_HTTP: {
       const tag_HttpSite& http = site.http;
       return prefetch(http.szElement, http.szName, http.szServer, http.szServerIP, http.uServerPort,
                       http.szRelativePath, http.szServerName, http.iUseAuth, http.szUserName,
                       http.szPassword, http.szVersion, http.uSecurePort);
     }
-    case Kind::Ftp: {
+    case SITE_KIND_FTP: {
       const tag_FtpSite& ftp = site.ftp;
       return prefetch(ftp.szName, ftp.szServer, ftp.szRelativePath, ftp.szUserName, ftp.szPassword,
                       ftp.uServerPort);
     }
-    case Kind::Unc: {
+    case SITE_KIND_UNC: {
       const tag_UncSite& unc = site.unc;
       return prefetch(unc.szName, unc.szServer, unc.szRelativePath, unc.szDomainName,
                       unc.szUserName, unc.szPassword, unc.iUseLoggedonUserAccount);
     }
-    case Kind::Local: {
+    case SITE_KIND_LOCAL: {
       const tag_LocalSite& local = site.local;
       return prefetch(local.szName, local.szRelativePath, local.szDomainName, local.szUserName,
                       local.szPassword, local.iUseLoggedonUserAccount);
     }
-    case Kind::Proxy:
+    case SITE_KIND_PROXY:
       return;  // a proxy is rare and has too many fields for a prefetch
   }
 }

@@ -124,7 +124,11 @@ TEST_F(CliDryRun, WritesNothingAtAllIntoAnAgentWithoutLocksAndKeys) {
   const auto before = snapshot(bare);
   const std::string path =
       write("in/list.xml", document(httpSite("depot", "1", "protected elsewhere")));
-  const Output output = this->bare({"--agent-dir", bare, "import", "--dry-run", path});
+  const Output refused = this->bare({"--agent-dir", bare, "import", "--dry-run", path});
+  EXPECT_EQ(refused.status, 5) << refused.err;
+  EXPECT_EQ(snapshot(bare), before);
+  const Output output =
+      this->bare({"--agent-dir", bare, "import", "--dry-run", "--allow-lost-passwords", path});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_EQ(snapshot(bare), before);
   EXPECT_FALSE(exists(bare + "/locks"));

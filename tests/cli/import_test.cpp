@@ -118,7 +118,7 @@ TEST_F(CliImport, NamesTheSitesWhosePasswordsAreLost) {
   const std::string good = protectedText("good");
   const std::string path = write(
       "list.xml", document(httpSite("kept", "1", good) + httpSite("lost", "2", "never protected")));
-  const Output output = sitelist({"import", path});
+  const Output output = sitelist({"import", "--allow-lost-passwords", path});
   EXPECT_EQ(output.status, 0);
   EXPECT_THAT(output.err, HasSubstr("a password of site \"lost\" cannot be decrypted with the "
                                     "password key; it is now empty"));

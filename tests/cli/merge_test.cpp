@@ -93,8 +93,8 @@ TEST_F(CliMerge, RefusesToLosePasswords) {
   const auto before = agentFiles();
   const Output output = sitelist({"merge", "--first", first, "--output", ownList()});
   EXPECT_EQ(output.status, 5);
-  EXPECT_THAT(output.err, HasSubstr(first + ": cannot decrypt passwords with the password key:\n"
-                                            "  site \"depot\"\n"));
+  EXPECT_THAT(output.err, HasSubstr(first + ": passwords cannot be decrypted with the password "
+                                            "key:\n  site \"depot\"\n"));
   EXPECT_EQ(agentFiles(), before);
 }
 

@@ -173,7 +173,8 @@ TEST_F(CliPrediction, ImportThatExchangesTheDefaultRepositories) {
 }
 
 TEST_F(CliPrediction, ImportOfAnothersPasswords) {
-  expectPrediction({"import", write("list.xml", document(httpSite("changed", "2", "QUJD")))});
+  expectPrediction({"import", "--allow-lost-passwords",
+                    write("list.xml", document(httpSite("changed", "2", "QUJD")))});
 }
 
 TEST_F(CliPrediction, ModifyWithEveryChoice) {

@@ -35,7 +35,8 @@ class Readme : public CliTest {};
 TEST_F(Readme, ShowsWhatExplainPrintsForTheExampleList) {
   initAgent({"--managed"});
   const Output imported =
-      sitelist({"import", std::string(TEST_SOURCE_DIR) + "/examples/incoming/SiteList.xml"});
+      sitelist({"import", "--allow-lost-passwords",
+                std::string(TEST_SOURCE_DIR) + "/examples/incoming/SiteList.xml"});
   ASSERT_EQ(imported.status, 0) << imported.err;
   const Output explained = sitelist({"explain"});
   ASSERT_EQ(explained.status, 0) << explained.err;

@@ -167,7 +167,7 @@ case $1 in
     examples=root/usr/share/doc/sitehlp/examples
     sitelist --version | grep -F "$VERSION"
     sitelist init --managed
-    sitelist import $examples/incoming/SiteList.xml
+    sitelist import --allow-lost-passwords $examples/incoming/SiteList.xml
     sitelist show | grep -F "pyx.example:80"
     ! sitelist validate $examples/broken/no-server.xml || fail "a broken list is valid"
     # shellcheck disable=SC2046 # several options

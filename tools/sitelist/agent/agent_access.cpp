@@ -1,9 +1,11 @@
 #include "tools/sitelist/agent/agent_access.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
 #include "host/detached_agent.h"
+#include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
@@ -54,10 +56,17 @@ void serveAgent(const Context& context) {
 }
 
 void requirePasswordKey(const Context& context) {
-  std::error_code error;
-  if (!fs::exists(context.agentDirectory + "/keystore/password.key", error)) {
-    throw failureAt(context.agentDirectory + "/keystore/password.key", exitCrypto,
-                    "the agent has no password key", "create the agent with `sitelist init`");
+  const int error = passwordKeyError(context.agentDirectory);
+  const std::string path = passwordKeyPath(context.agentDirectory);
+  if (error == ENOENT) {
+    throw failureAt(path, exitCrypto, "the agent has no password key",
+                    "restore the key file, or create the agent with `sitelist init`");
+  }
+  if (error != 0) {
+    throw failureAt(
+        path, exitCrypto,
+        "the password key cannot be examined: " + std::generic_category().message(error),
+        "check that you may read the directory \"keystore\" of the agent");
   }
 }
 
@@ -69,11 +78,11 @@ void serveNoAgent(const Context& context) {
   serveDetached(context, settings);
 }
 
-AgentForReading::AgentForReading(const Context& context, const std::string& file)
+AgentForReading::AgentForReading(const Context& context, const std::string& file, ListUse use)
     : m_path(file.empty() ? ownListPath(context) : file) {
-  if (file.empty()) {
-    m_lock.emplace(context, file, ListUse::Read);
-  } else {
+  if (file.empty()) m_lock.emplace(context, file, use);
+  if (!file.empty() ||
+      (passwordKeyError(context.agentDirectory) == ENOENT && !sitesWithPasswords(m_path).empty())) {
     serveDetachedAgent(context);
   }
 }

@@ -25,20 +25,21 @@ void serveAgent(const Context& context);
 // Fails when the agent of the command line has no password key.
 void requirePasswordKey(const Context& context);
 
-// Makes the agent of the command line the current agent, for work on files that are not its own. The
-// settings and the password key are those of the agent, but its locks and its mesh service are not
-// used. Nothing is created in its data directory, which need not exist.
+// Makes the agent of the command line the current agent, for work on files that are not its own.
+// The settings and the password key are those of the agent, but its locks and its mesh service are
+// not used. Nothing is created in its data directory, which need not exist.
 void serveDetachedAgent(const Context& context);
 
 // Makes the process serve no agent. The settings are the defaults, and the key decrypts nothing.
 void serveNoAgent(const Context& context);
 
 // Sets the current agent for a command that reads a list. For the agent's own list it is the real
-// agent, under the lock of the list. For another file it is the detached agent. An empty file name
-// means the agent's own list.
+// agent, under the lock of the list. For another file it is the detached agent, and also if the own
+// list has passwords and the password key is missing: the read would create another key. An empty
+// file name means the agent's own list.
 class AgentForReading {
  public:
-  AgentForReading(const Context& context, const std::string& file);
+  AgentForReading(const Context& context, const std::string& file, ListUse use = ListUse::Read);
 
   // The file to read.
   const std::string& path() const { return m_path; }

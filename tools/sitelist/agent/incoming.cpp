@@ -8,6 +8,7 @@
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -137,14 +138,6 @@ void reportNotes(const std::string& file) {
 
 }  // namespace
 
-void warnOfLostPasswords(const IncomingOptions& options) {
-  for (const std::string& name : sitesWithLostPasswords(options.file)) {
-    std::cerr << "sitelist: " << shown(options.file) << ": warning: a password of " << name
-              << " cannot be decrypted with the password key; "
-              << (options.dryRun ? "it would be empty\n" : "it is now empty\n");
-  }
-}
-
 void refuseOlder(const IncomingOptions& options, const std::string& ownList) {
   std::error_code error;
   if (options.allowsOlder || !std::filesystem::exists(ownList, error)) return;
@@ -169,6 +162,7 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
   command.add_flag("--dry-run", options.dryRun,
                    "Show the changes to the agent's own list, the key files\nand the FIPS marker; "
                    "write nothing");
+  addAllowLostPasswords(command, options.allowLostPasswords);
 }
 
 int takeIncoming(Context& context, const IncomingOptions& options) {
@@ -176,13 +170,16 @@ int takeIncoming(Context& context, const IncomingOptions& options) {
   const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
   refuseOlder(options, ownList);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  passwords.requireEncryptable(options.file);
   sitehlp::CSitesHelper helper(wide(ownList));
   const int result = options.isChecked
                          ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))
                          : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
   reportNotes(options.file);
   if (result != 0) failIncoming(options, ownList, result);
-  warnOfLostPasswords(options);
+  passwords.warn(false);
   const SiteList now = readSiteList(ownList);
   std::cerr << "sitelist: " << shown(ownList) << " now has " << countEntries(now.sites.get())
             << ", global version " << shown(now.globalVersion) << '\n';

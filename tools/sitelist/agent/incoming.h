@@ -18,6 +18,7 @@ struct IncomingOptions {
   bool dryRun = false;
   bool allowsOlder = false;
   bool isChecked = false;  // import checks the list first
+  bool allowLostPasswords = false;
 };
 
 void addIncomingOptions(Command& command, IncomingOptions& options);
@@ -25,9 +26,6 @@ int takeIncoming(Context& context, const IncomingOptions& options);
 
 // Prints what the import of the list would change, and changes nothing.
 int previewIncoming(Context& context, const IncomingOptions& options);
-
-// Warns about the sites whose passwords are lost.
-void warnOfLostPasswords(const IncomingOptions& options);
 
 // Returns how an import would change the key files and the FIPS marker of the agent's list.
 std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const IncomingOptions& options,

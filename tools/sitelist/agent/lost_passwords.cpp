@@ -1,13 +1,23 @@
-#include <openssl/crypto.h>
+#include "tools/sitelist/agent/lost_passwords.h"
 
+#include <fcntl.h>
+#include <openssl/crypto.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <functional>
 #include <iostream>
 #include <memory>
+#include <set>
 
+#include "host/agent.h"
+#include "host/fs/file_system.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/xml/advxmlparser.h"
+#include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
-#include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
 
@@ -15,6 +25,7 @@ namespace tool {
 namespace {
 
 namespace schema = korvel_com::orb::xmlschema::sitelist;
+using AdvXMLParser::Document;
 using AdvXMLParser::Element;
 using korvel_com::ZQ::crypto::CryptShim;
 using korvel_com::ZQ::crypto::IEncryption;
@@ -34,13 +45,22 @@ struct GiveBack {
     CryptShim::instance()->destroy_encryption_object(object);
   }
 };
+using EncryptionObject = std::unique_ptr<IEncryption, GiveBack>;
 
-bool holdsLostPassword(const Element& site) {
+EncryptionObject makeEncryptionObject() {
+  return EncryptionObject(CryptShim::instance()->create_encryption_object(
+      korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD));
+}
+
+// Says of a password element, which is not empty, whether it is of the sort that is looked for.
+using IsWanted = std::function<bool(const Element& password, const std::wstring& text)>;
+
+bool holdsPassword(const Element& site, const IsWanted& isWanted) {
   for (const Element& child : site.Elements()) {
     if (isPassword(child)) {
       const std::wstring text = child.GetValue();
-      if (!text.empty() && !opensWithAgentKey(text)) return true;
-    } else if (child.HasName(schema::WX_XML_PROXY_CONFIG) && holdsLostPassword(child)) {
+      if (!text.empty() && isWanted(child, text)) return true;
+    } else if (child.HasName(schema::WX_XML_PROXY_CONFIG) && holdsPassword(child, isWanted)) {
       return true;
     }
   }
@@ -53,30 +73,89 @@ std::string siteName(const Element& site) {
   return "site \"" + shown(name.empty() ? site.GetName() : name) + "\"";
 }
 
+std::vector<std::string> findSites(const Document& document, const IsWanted& isWanted) {
+  std::vector<std::string> names;
+  for (const Element& site : document.GetRoot().GetElement(schema::WX_XML_SITELIST).Elements()) {
+    if (holdsPassword(site, isWanted)) names.push_back(siteName(site));
+  }
+  return names;
+}
+
+std::vector<std::string> findSites(const std::string& path, const IsWanted& isWanted) {
+  std::wstring text;
+  std::unique_ptr<Document> document;
+  if (readDocument(path, text, document)) return {};
+  return findSites(*document, isWanted);
+}
+
+bool isLost(const Element& /*password*/, const std::wstring& text) {
+  return !opensWithAgentKey(text);
+}
+
+// The management server encrypts all passwords but this one, which has the password key.
+bool isLostFromServer(const Element& password, const std::wstring& text) {
+  if (password.HasName(schema::WX_XML_HTTP_PROXY_PROXYPASSWORD)) return !opensWithAgentKey(text);
+  std::wstring clear;
+  const bool isOpened = sitehlp::decrypt_data(text, clear) != 0;
+  OPENSSL_cleanse(clear.data(), clear.size() * sizeof(wchar_t));
+  return !isOpened;
+}
+
+bool isAny(const Element& /*password*/, const std::wstring& /*text*/) { return true; }
+
 }  // namespace
 
+std::string passwordKeyPath(const std::string& dataDirectory) {
+  return dataDirectory + "/keystore/password.key";
+}
+
+int passwordKeyError(const std::string& dataDirectory) {
+  struct stat status;
+  return -host::fileSystem().stat(AT_FDCWD, passwordKeyPath(dataDirectory), false, status);
+}
+
+// The crypto service creates a key that is missing, which would open nothing.
 bool opensWithAgentKey(const std::wstring& protectedText) {
-  const std::unique_ptr<IEncryption, GiveBack> object(
-      CryptShim::instance()->create_encryption_object(
-          korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD));
+  if (passwordKeyError(host::agent().dataDirectory) == ENOENT) return false;
+  const EncryptionObject object = makeEncryptionObject();
   std::wstring clear;
   const bool isOpened = object && object->decrypt_string(protectedText, clear) != 0;
   OPENSSL_cleanse(clear.data(), clear.size() * sizeof(wchar_t));
   return isOpened;
 }
 
+bool canEncryptWithAgentKey() { return makeEncryptionObject() != nullptr; }
+
 std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
-  std::wstring text;
-  AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
-  AdvXMLParser::ReadBufferFromFile(wide(path), text, encoding, nullptr);
-  const std::unique_ptr<AdvXMLParser::Document> document(
-      AdvXMLParser::Parser().Parse(text.data(), text.size()));
-  std::vector<std::string> names;
-  if (!document) return names;
-  for (const Element& site : document->GetRoot().GetElement(schema::WX_XML_SITELIST).Elements()) {
-    if (holdsLostPassword(site)) names.push_back(siteName(site));
-  }
-  return names;
+  return findSites(path, isLost);
+}
+
+std::vector<std::string> sitesWithLostPasswords(const Document& document) {
+  return findSites(document, isLost);
+}
+
+std::vector<std::string> sitesWithNewLostPasswords(const std::string& path,
+                                                   const std::string& before) {
+  std::set<std::wstring> old;
+  findSites(before, [&old](const Element& /*password*/, const std::wstring& text) {
+    old.insert(text);
+    return false;
+  });
+  return findSites(path, [&old](const Element& password, const std::wstring& text) {
+    return old.count(text) == 0 && isLost(password, text);
+  });
+}
+
+std::vector<std::string> sitesWithLostServerPasswords(const Document& document) {
+  return findSites(document, isLostFromServer);
+}
+
+std::vector<std::string> sitesWithPasswords(const std::string& path) {
+  return findSites(path, isAny);
+}
+
+std::vector<std::string> sitesWithPasswords(const Document& document) {
+  return findSites(document, isAny);
 }
 
 void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
@@ -88,16 +167,6 @@ void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
             << " empty\n  next: "
             << (isOwnList ? "restore the agent's password key, or set the passwords again\n"
                           : "name the agent that the list belongs to with --agent-dir\n");
-}
-
-void refuseLostPasswords(const std::string& path) {
-  const std::vector<std::string> names = sitesWithLostPasswords(path);
-  if (names.empty()) return;
-  std::string text = "cannot decrypt passwords with the password key:";
-  for (const std::string& name : names) text += "\n  " + name;
-  throw failureAt(path, exitCrypto,
-                  text + "\n  Nothing was written, because the new list would have lost them.",
-                  "name the agent that the list belongs to with --agent-dir");
 }
 
 }  // namespace tool

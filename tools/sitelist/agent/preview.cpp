@@ -7,6 +7,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/draft.h"
 #include "tools/sitelist/agent/incoming.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
@@ -97,6 +98,9 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
   serveDetachedAgent(context);
   refuseOlder(options, ownList);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  passwords.requireEncryptable(options.file);
   CSitesHelper helper(wide(ownList));
   tag_Site* list = nullptr;
   const int read = helper.MustReadSiteList(wide(options.file), &list);
@@ -113,7 +117,7 @@ int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::vector<FileChange> files = fileChanges(helper, options, incoming.sites.get(), ownList);
   Diff diff(before, asWritten(incoming), false);
   diff.add(files);
-  warnOfLostPasswords(options);
+  passwords.warn(true);
   context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;
 }

@@ -112,18 +112,6 @@ std::optional<ReadError> parse(GetText getText, std::wstring& text,
   }
 }
 
-std::optional<ReadError> parseBytes(const std::string& bytes, std::unique_ptr<Document>& document) {
-  std::wstring text;
-  return parse(
-      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
-        const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
-        if (!AdvXMLParser::ConvertBufferToUtf8(data, bytes.size(), into, writtenIn)) {
-          throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0, "");
-        }
-      },
-      text, document);
-}
-
 // The library does not report which of the two limits a list exceeds. The memory can be exceeded
 // only by a list with more elements than records are allowed.
 ReadError recordLimitOf(const Document& document) {
@@ -172,6 +160,19 @@ std::optional<ReadError> readDocument(const std::string& path, std::wstring& tex
       text, document);
 }
 
+std::optional<ReadError> readDocumentInBytes(const std::string& bytes,
+                                             std::unique_ptr<Document>& document) {
+  std::wstring text;
+  return parse(
+      [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
+        const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
+        if (!AdvXMLParser::ConvertBufferToUtf8(data, bytes.size(), into, writtenIn)) {
+          throw ReadWriteException(ReadWriteException::INVALID_ENCODING, 0, "");
+        }
+      },
+      text, document);
+}
+
 std::optional<ReadError> findReadError(const std::string& path, int code) {
   std::wstring text;
   std::unique_ptr<Document> document;
@@ -182,7 +183,7 @@ std::optional<ReadError> findReadError(const std::string& path, int code) {
 
 std::optional<ReadError> findReadErrorInBytes(const std::string& bytes, int code) {
   std::unique_ptr<Document> document;
-  if (const auto error = parseBytes(bytes, document)) return error;
+  if (const auto error = readDocumentInBytes(bytes, document)) return error;
   if (code == ReadWriteException::LIMIT_EXCEEDED) return recordLimitOf(*document);
   return std::nullopt;
 }

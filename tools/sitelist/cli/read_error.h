@@ -33,6 +33,9 @@ ReadError readErrorOf(int systemError);
 // Reads and parses a file. If it is not a document, returns the reason.
 std::optional<ReadError> readDocument(const std::string& path, std::wstring& text,
                                       std::unique_ptr<AdvXMLParser::Document>& document);
+// Does the same for the bytes of a document.
+std::optional<ReadError> readDocumentInBytes(const std::string& bytes,
+                                             std::unique_ptr<AdvXMLParser::Document>& document);
 // Reads and parses a file to find the reason why an operation of the library returned `code`.
 // Returns nothing if the file can now be read.
 std::optional<ReadError> findReadError(const std::string& path, int code = 0);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"

@@ -4,6 +4,7 @@
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/password.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -112,12 +113,16 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
   password.read(options.passwordFile);
   // The key of the real agent is needed, because a private agent's key would be removed with it.
   serveAgent(context);
+  const PasswordCheck passwords(context, options.list.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
   if (options.list.dryRun || !isOwnList(context, options.list.file)) requirePasswordKey(context);
   const std::wstring protectedText = protect(context, password);
-  return performEdit(context, options.list, [&](ListEditor& list) {
+  const int status = performEdit(context, options.list, [&](ListEditor& list) {
     return edit(list, options.site, options.assignments,
                 {options.passwordField, &password.text(), &protectedText});
   });
+  passwords.warn(options.list.dryRun);
+  return status;
 }
 
 int setValues(Context& context, const EditArguments& options) {
@@ -256,6 +261,7 @@ void addCommonOptions(Command& command, EditOptions& options) {
       .completes(Completion::File);
   command.add_flag("--dry-run", options.dryRun, "Show the changes, and write nothing");
   command.add_flag("--force", options.force, "Write the list although the change adds a fault");
+  addAllowLostPasswords(command, options.allowLostPasswords);
 }
 
 }  // namespace

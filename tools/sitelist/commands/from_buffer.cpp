@@ -3,6 +3,7 @@
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -11,9 +12,14 @@
 namespace tool {
 namespace {
 
-int fromBuffer(Context& context, const std::string& file) {
+struct FromBufferOptions {
+  std::string file;
+  bool allowLostPasswords = false;
+};
+
+int fromBuffer(Context& context, const FromBufferOptions& options) {
   serveAgent(context);
-  const Input input = readInput(file);
+  const Input input = readInput(options.file);
   const ListLock lock(context, "", ListUse::Change);
   std::wstring text;
   AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
@@ -22,6 +28,9 @@ int fromBuffer(Context& context, const std::string& file) {
     throw libraryFailure(input.name, input.bytes,
                          AdvXMLParser::ReadWriteException::INVALID_ENCODING);
   }
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  passwords.requireEncryptable(input);
   sitehlp::CSitesHelper helper(wide(ownListPath(context)));
   const int result = helper.CreateSiteListFromBuffer(text);
   if (result == sitehlp::c_errorWrite) {
@@ -30,6 +39,7 @@ int fromBuffer(Context& context, const std::string& file) {
                          "write there");
   }
   if (result != 0) throw libraryFailure(input.name, input.bytes, result);
+  passwords.warn(false);
   std::cerr << "sitelist: wrote the list from " << shown(input.name)
             << " to the scratch directory\n";
   return exitSuccess;
@@ -40,9 +50,10 @@ int fromBuffer(Context& context, const std::string& file) {
 void addFromBuffer(Command& app, Context& context) {
   Command command =
       app.add_subcommand("from-buffer", "Write a site list to /Library/Korvel/orb/scratch");
-  const auto file = std::make_shared<std::string>();
-  command.add_option("FILE", *file, "The document; - or no FILE means standard input")
+  const auto options = std::make_shared<FromBufferOptions>();
+  command.add_option("FILE", options->file, "The document; - or no FILE means standard input")
       .type_name("");
+  addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "The list is written to /Library/Korvel/orb/scratch/etc/SiteList.xml, whichever\n"
       "agent --agent-dir names. That directory must exist. The global version and the\n"
@@ -53,8 +64,8 @@ void addFromBuffer(Command& app, Context& context) {
       "Examples:\n"
       "  sitelist from-buffer received.xml\n"
       "  receive-list | sitelist from-buffer\n");
-  command.callback([&context, file] {
-    context.action = [&context, file] { return fromBuffer(context, *file); };
+  command.callback([&context, options] {
+    context.action = [&context, options] { return fromBuffer(context, *options); };
   });
 }
 

@@ -3,6 +3,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/draft.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -18,31 +19,32 @@ struct MergeOptions {
   std::string second;
   std::string output;
   bool dryRun = false;
+  bool allowLostPasswords = false;
 };
 
-SiteList readSource(const std::string& path) {
-  SiteList list = readWholeSiteList(path);
-  refuseLostPasswords(path);
-  return list;
+SiteList readSource(const std::string& path, PasswordCheck& passwords) {
+  passwords.requireEncryptable(path);
+  return readWholeSiteList(path);
 }
 
 // All content except sites comes from the list that receives the sites: the second list or the
 // agent's own. The result is a new copy, so the library makes its local version.
-SiteList mergeLists(const std::string& ownList, const MergeOptions& options) {
+SiteList mergeLists(const std::string& ownList, const MergeOptions& options,
+                    PasswordCheck& passwords) {
   SiteList first;
   SiteList base;
-  if (!options.first.empty()) first = readSource(options.first);
-  base = readSource(options.second.empty() ? ownList : options.second);
+  if (!options.first.empty()) first = readSource(options.first, passwords);
+  base = readSource(options.second.empty() ? ownList : options.second, passwords);
+  const bool useSecond = !options.second.empty();
+  if (useSecond && options.first.empty()) passwords.requireEncryptable(ownList);
 
   sitehlp::CSitesHelper helper(wide(ownList));
-  const bool useSecond = !options.second.empty();
   sitehlp::tag_Site* merged = nullptr;
   const int result = helper.MergeSiteLists(
       first.sites.get(), useSecond ? base.sites.get() : nullptr, useSecond, &merged);
   base.sites.reset(merged);
   base.localVersion.clear();
   if (result != 0) throw libraryFailure(ownList, result);
-  if (useSecond && options.first.empty()) refuseLostPasswords(ownList);
   return base;
 }
 
@@ -51,11 +53,14 @@ int previewMerge(Context& context, const MergeOptions& options) {
   serveDetachedAgent(context);
   const std::string ownList = ownListPath(context);
   const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
-  SiteList merged = mergeLists(ownList, options);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  SiteList merged = mergeLists(ownList, options, passwords);
   merged.path = options.output.empty() ? "the merged list" : options.output;
   SiteList after = asWritten(merged);
   after.localVersion = before.localVersion;  // the real one would be the time of the write
   const Diff diff(before, after, false);
+  passwords.warn(true);
   context.report =
       diff.report("What would change from " + shown(before.path), "Nothing was written.");
   return exitSuccess;
@@ -65,8 +70,10 @@ int printMerge(Context& context, const MergeOptions& options) {
   serveAgent(context);
   requirePasswordKey(context);
   serveDetachedAgent(context);
-  SiteList merged = mergeLists(ownListPath(context), options);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  SiteList merged = mergeLists(ownListPath(context), options, passwords);
   std::cout << documentOf(merged) << '\n';
+  passwords.warn(false);
   return exitSuccess;
 }
 
@@ -78,8 +85,11 @@ int merge(Context& context, const MergeOptions& options) {
   }
   if (options.output.empty()) return printMerge(context, options);
   const AgentForWriting agent(context, options.output);
-  SiteList merged = mergeLists(ownListPath(context), options);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  SiteList merged = mergeLists(ownListPath(context), options, passwords);
   agent.write(merged);
+  passwords.warn(false);
   std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
             << shown(options.output) << '\n';
   return exitSuccess;
@@ -99,6 +109,7 @@ void addMerge(Command& app, Context& context) {
                    "Show the differences between the merged list and the\n"
                    "second list, and write nothing. Without --second, compare\n"
                    "with the agent's own list.");
+  addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "The result depends on the options:\n"
       "  --first   the agent's own list, with the fallback site and the management\n"

@@ -4,8 +4,10 @@
 #include "platform/common/afile.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/list_editor.h"
@@ -50,18 +52,29 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
   throw libraryFailure(ownList, sitehlp::c_errorWrite);
 }
 
-// Edits a copy and compares it with the list.
-int previewModify(Context& context, const ModifyOptions& options) {
-  const std::string ownList = ownListPath(context);
-  serveDetachedAgent(context);
-  failIfNotEditable(ownList);
-  const ScratchDirectory scratch;
+// Modifies a copy of the list in a directory for drafts, with the detached agent. Fails if
+// passwords would be lost.
+std::string modifyCopy(const ScratchDirectory& scratch, const ModifyOptions& options,
+                       const std::string& ownList, PasswordCheck& passwords) {
+  passwords.requireKeyOfOwnList();
   // The FIPS marker is a file beside the directory of the list.
   const std::string copy = scratch.path() + "/etc/SiteList.xml";
   if (!AFiler::createDirectory(wide(scratch.path() + "/etc")) ||
       !AFiler::copyFile(wide(ownList), wide(copy)) || !modifyList(copy, options)) {
     failToModify(options, ownList);
   }
+  passwords.requireCopied(copy, ownList, options.incoming.file);
+  return copy;
+}
+
+// Compares with a copy.
+int previewModify(Context& context, const ModifyOptions& options) {
+  const std::string ownList = ownListPath(context);
+  serveDetachedAgent(context);
+  failIfNotEditable(ownList);
+  const ScratchDirectory scratch;
+  PasswordCheck passwords(context, options.incoming.allowLostPasswords);
+  const std::string copy = modifyCopy(scratch, options, ownList, passwords);
   const SiteList before = readSiteList(ownList);
   SiteList after = readSiteList(copy);
   after.path = ownList;
@@ -69,6 +82,7 @@ int previewModify(Context& context, const ModifyOptions& options) {
   CSitesHelper helper(wide(ownList));
   Diff diff(before, after, false);
   diff.add(fileChanges(helper, options.incoming, incoming.sites.get(), ownList));
+  passwords.warn(true);
   context.report = diff.report("What would change in " + shown(ownList), "Nothing was written.");
   return exitSuccess;
 }
@@ -77,7 +91,14 @@ int modify(Context& context, const ModifyOptions& options) {
   if (options.incoming.dryRun) return previewModify(context, options);
   const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
+  PasswordCheck passwords(context, options.incoming.allowLostPasswords);
+  serveDetachedAgent(context);
+  failIfNotEditable(ownList);
+  modifyCopy(ScratchDirectory(directoryOf(ownList)), options, ownList, passwords);
+  clearLogRecords();
+  serveAgent(context);
   if (!modifyList(ownList, options)) failToModify(options, ownList);
+  passwords.warn(false);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
   return exitSuccess;
 }
@@ -102,6 +123,7 @@ void addModify(Command& app, Context& context) {
                   "no version")
       .type_name("DIR");
   command.add_flag("--dry-run", options->incoming.dryRun, "Show the changes, and write nothing");
+  addAllowLostPasswords(command, options->incoming.allowLostPasswords);
   command.footer(
       "All other elements, attributes, comments and text are unchanged, including those\n"
       "that the agent does not read. The key files next to SOURCE are always installed.\n"

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -14,6 +15,7 @@ struct PoliciesOptions {
   std::string file;
   std::string name;
   std::string value;
+  bool allowLostPasswords = false;
 };
 
 int listPolicies(Context& context, const PoliciesOptions& options) {
@@ -42,10 +44,12 @@ int listPolicies(Context& context, const PoliciesOptions& options) {
 int setPolicy(Context& context, const PoliciesOptions& options) {
   const ListLock lock(context, "", ListUse::Change);
   const std::string path = ownListPath(context);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireEncryptable(path);
   SiteList sites = readWholeSiteList(path);
-  refuseLostPasswords(path);
   sites.policySettings[wide(options.name)] = wide(options.value);
   writeSiteList(sites, path);
+  passwords.warn(false);
   std::cerr << "sitelist: " << shown(path) << ": set policy setting \"" << shown(options.name)
             << "\" to \"" << shown(options.value) << "\"\n";
   return exitSuccess;
@@ -69,6 +73,7 @@ void addPolicies(Command& app, Context& context) {
       .type_name("")
       .not_empty();
   setCommand.add_option("VALUE", options->value, "The new value").required().type_name("");
+  addAllowLostPasswords(setCommand, options->allowLostPasswords);
   setCommand.footer("Example:\n  sitelist policies set OverwriteClientSites 0\n");
   command.footer(
       "Examples:\n"

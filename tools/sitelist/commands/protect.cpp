@@ -2,6 +2,7 @@
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/password.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/exit_status.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -13,6 +14,7 @@ int protectLine(Context& context) {
   serveAgent(context);
   Password password;
   password.read("");
+  PasswordCheck(context, false).requireKeyOfOwnList();
   const std::string text = narrow(protect(context, password));
   Report report;
   report.facts = {{"protected", text}};

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -12,13 +13,17 @@ namespace {
 struct RewriteOptions {
   std::string source;
   std::string destination;
+  bool allowLostPasswords = false;
 };
 
 int rewrite(Context& context, const RewriteOptions& options) {
   const AgentForWriting agent(context, options.destination);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireKeyOfOwnList();
+  passwords.requireEncryptable(options.source);
   SiteList list = readWholeSiteList(options.source);
-  refuseLostPasswords(options.source);
   agent.write(list);
+  passwords.warn(false);
   if (list.fipsMode) {
     std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode \""
               << shown(*list.fipsMode) << "\" is not kept\n";
@@ -43,6 +48,7 @@ void addRewrite(Command& app, Context& context) {
       .type_name("")
       .not_empty()
       .completes(Completion::File);
+  addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "Versions, type, certificates and policy settings are kept. Passwords are\n"
       "encrypted again with the password key. Everything that the agent does not read\n"

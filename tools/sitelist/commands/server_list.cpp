@@ -4,6 +4,7 @@
 #include "platform/crypto/object_buffer.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -18,6 +19,7 @@ namespace {
 struct ServerListOptions {
   std::string file;
   bool adjustPasswords = false;
+  bool allowLostPasswords = false;
 };
 
 // AdjustPwd does not report a failed write, so the file is checked.
@@ -43,6 +45,11 @@ int serverList(Context& context, const ServerListOptions& options) {
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";
   const bool isRewritten = options.adjustPasswords &&
                            host::agent().cryptoKeySize == korvel_com::ZQ::crypto::KEY_SIZE_2048;
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  if (isRewritten) {
+    passwords.requireKeyOfOwnList();
+    passwords.requireFromServer(input);
+  }
   std::string before;
   try {
     if (isRewritten) before = readInput(path).bytes;
@@ -57,6 +64,7 @@ int serverList(Context& context, const ServerListOptions& options) {
     throw libraryFailure(path, sitehlp::c_errorWrite);
   }
   if (isRewritten) requireRewritten(input, path, before);
+  passwords.warn(false);
   if (options.adjustPasswords && !isRewritten) {
     std::cerr << "sitelist: the configured key size is not 2048; the passwords are unchanged\n";
   }
@@ -75,6 +83,7 @@ void addServerList(Command& app, Context& context) {
   command.add_flag(
       "--adjust-passwords", options->adjustPasswords,
       "Decrypt the passwords with the server key and encrypt\nthem with the password key");
+  addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "The list is stored as ServerSiteList.xml in the agent's data directory. Without\n"
       "--adjust-passwords the bytes are stored unchanged and unchecked.\n"

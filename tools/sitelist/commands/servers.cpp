@@ -16,8 +16,8 @@ struct ServersOptions {
 };
 
 int servers(Context& context, const ServersOptions& options) {
-  const ListLock lock(context, "", ListUse::ReadCached);
-  const std::string path = ownListPath(context);
+  const AgentForReading agent(context, "", ListUse::ReadCached);
+  const std::string path = agent.path();
   sitehlp::CSitesHelper helper(wide(path));
   std::wstring names;
   std::wstring hosts;

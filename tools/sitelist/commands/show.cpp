@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"

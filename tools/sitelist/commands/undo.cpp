@@ -6,6 +6,7 @@
 
 #include "host/fs/files.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -21,6 +22,7 @@ namespace {
 struct UndoOptions {
   std::string number;
   bool dryRun = false;
+  bool allowLostPasswords = false;
 };
 
 std::string bytesOf(const std::string& path) {
@@ -37,6 +39,9 @@ int preview(Context& context, const UndoOptions& options) {
   const HistoryEntry entry = historyEntry(path, options.number);
   SiteList after = readWholeSiteList(entry.path);
   after.path = path;
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireCopied(entry.path, path, entry.path);
+  passwords.warn(true);
   context.report = Diff(readSiteList(path), after, false)
                        .report("What would change in " + shown(path), "Nothing was written.");
   return exitSuccess;
@@ -48,6 +53,9 @@ int undo(Context& context, const UndoOptions& options) {
   const std::string path = ownListPath(context);
   const HistoryEntry entry = historyEntry(path, options.number);
   failIfNotEditable(entry.path);
+  PasswordCheck passwords(context, options.allowLostPasswords);
+  passwords.requireCopied(entry.path, path, entry.path);
+  serveDetachedAgent(context);
   readWholeSiteList(entry.path);
   const std::string bytes = bytesOf(entry.path);
   std::string present;
@@ -60,6 +68,7 @@ int undo(Context& context, const UndoOptions& options) {
     throw failureAt(path, exitFile, std::string("cannot be written: ") + std::strerror(error),
                     "check that you may write there and that there is free space");
   }
+  passwords.warn(false);
   std::cerr << "sitelist: " << shown(path) << ": restored list " << entry.number << ", which \""
             << shown(entry.command) << "\" replaced at " << entry.time << '\n';
   return exitSuccess;
@@ -75,6 +84,7 @@ void addUndo(Command& app, Context& context) {
                   "The number of the list in `sitelist history` (default: the\nnewest list)")
       .type_name("");
   command.add_flag("--dry-run", options->dryRun, "Show the changes, and write nothing");
+  addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "Replaces the agent's own list by the list from the history, byte for byte. The\n"
       "list that is replaced goes into the history as well, so a second `sitelist undo`\n"

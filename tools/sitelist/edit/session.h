@@ -15,6 +15,7 @@ struct EditOptions {
   std::string file;  // empty for the agent's own list
   bool dryRun = false;
   bool force = false;  // writes a list with new faults, too
+  bool allowLostPasswords = false;
 };
 
 // Access to a list for reading, changing and writing it as one operation. Holds the lock of the

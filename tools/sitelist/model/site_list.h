@@ -61,16 +61,9 @@ struct Field {
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
 
-// Returns whether the password key of the current agent decrypts an encrypted password.
+// Returns whether the password key of the current agent decrypts an encrypted password. Never
+// creates a key.
 bool opensWithAgentKey(const std::wstring& protectedText);
-
-// Returns the names of the sites with a password that the password key of the current agent cannot
-// decrypt. The library reads such a password as an empty one.
-std::vector<std::string> sitesWithLostPasswords(const std::string& path);
-// Warns about the passwords of `path` that the last read gave as empty for that reason.
-void warnOfUnreadPasswords(const std::string& path, bool isOwnList);
-// Fails when there are such sites, because their passwords would be lost when the list is written.
-void refuseLostPasswords(const std::string& path);
 
 }  // namespace tool
 

@@ -4,6 +4,7 @@
 #include "platform/common/afile.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming.h"
+#include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -100,6 +101,7 @@ int modify(Context& context, const ModifyOptions& options) {
   if (!modifyList(ownList, options)) failToModify(options, ownList);
   passwords.warn(false);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
+  updateMeshCopy(context);
   return exitSuccess;
 }
 

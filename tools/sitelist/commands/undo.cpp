@@ -6,6 +6,7 @@
 
 #include "host/fs/files.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
@@ -71,6 +72,7 @@ int undo(Context& context, const UndoOptions& options) {
   passwords.warn(false);
   std::cerr << "sitelist: " << shown(path) << ": restored list " << entry.number << ", which \""
             << shown(entry.command) << "\" replaced at " << entry.time << '\n';
+  updateMeshCopy(context);
   return exitSuccess;
 }
 

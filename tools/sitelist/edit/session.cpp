@@ -5,6 +5,7 @@
 
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -105,6 +106,7 @@ int performEdit(Context& context, const EditOptions& options,
     access.requireUnchanged();
     if (!list.write(path)) throw libraryFailure(path, sitehlp::c_errorWrite);
     say(path, outcome.done);
+    if (isOwnList(context, options.file)) updateMeshCopy(context);
   }
   return exitSuccess;
 }

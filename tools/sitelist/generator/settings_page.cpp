@@ -34,8 +34,9 @@ constexpr Setting c_settings[] = {
      "directory. With `0` no list is put there.",
      "history = 100", "history = -1", "1:11: history must be from 0 to 10000"},
     {"mesh.site_list_path", "a string", "`mesh/SiteList.xml` in the data directory",
-     "The path of the mesh copy, the list for the mesh service. The mesh copy is written together "
-     "with the agent's own list. A relative path is relative to the data directory.",
+     "The path of the mesh copy, the list for the mesh service. The mesh copy is written after "
+     "every "
+     "change of the agent's own list. A relative path is relative to the data directory.",
      "mesh.site_list_path = \"/var/lib/mesh/SiteList.xml\"", "mesh.site_list_path = \"\"",
      "1:23: mesh.site_list_path must not be empty"},
     {"mesh.load_command", "an array of strings", "empty",

@@ -1,0 +1,15 @@
+#ifndef TOOLS_SITELIST_AGENT_MESH_COPY_H
+#define TOOLS_SITELIST_AGENT_MESH_COPY_H
+
+#include "tools/sitelist/report/context.h"
+
+namespace tool {
+
+// Writes the agent's own list as the mesh copy and runs the load command, for a change that the
+// library does not tell the mesh service of. Serves the agent. The caller holds the lock of the
+// list; the load command runs without it. The list has been changed, so a failure is only reported.
+void updateMeshCopy(const Context& context);
+
+}  // namespace tool
+
+#endif

@@ -27,6 +27,14 @@ bool succeeded(const char* what, const std::string& path, int error) {
   return error == 0;
 }
 
+// A read may fail because there is no file, but a change that fails is worth a line.
+bool changed(const char* what, const std::string& path, int error) {
+  if (error && logEnabled(LogLevel::Info)) {
+    logInfo(host::c_logComponent, host::failureText(what, path, error));
+  }
+  return error == 0;
+}
+
 // The bytes may be a key.
 bool read(const AString& path, host::SecretText& content) {
   const ACharString name(path);
@@ -67,29 +75,28 @@ bool AFile::readExisting(const AString& path, ABuffer& out) {
 
 bool AFile::write(const AString& path, const ABuffer& data) {
   const ACharString name(path);
-  return succeeded("Cannot write", name.str(),
-                   host::replaceSecretFile(name.str(), data.data(), data.size()));
+  return changed("Cannot write", name.str(),
+                 host::replaceSecretFile(name.str(), data.data(), data.size()));
 }
 
 bool AFiler::deleteFile(const AString& path) {
   const ACharString name(path);
-  return succeeded("Cannot delete", name.str(), host::removeFile(name.str()));
+  return changed("Cannot delete", name.str(), host::removeFile(name.str()));
 }
 
 bool AFiler::copyFile(const AString& from, const AString& to) {
   host::SecretText content;
   if (!read(from, content)) return false;
   const ACharString name(to);
-  return succeeded(
-      "Cannot write", name.str(),
-      host::replaceFile(name.str(), content->data(), content->size(), c_modeOfNewCopy));
+  return changed("Cannot write", name.str(),
+                 host::replaceFile(name.str(), content->data(), content->size(), c_modeOfNewCopy));
 }
 
 bool AFiler::createDirectory(const AString& path) {
   if (path.empty()) return true;
   const ACharString name(path);
-  return succeeded("Cannot create directory", name.str(),
-                   host::makeDirectories(name.str(), c_modeOfNewDirectory));
+  return changed("Cannot create directory", name.str(),
+                 host::makeDirectories(name.str(), c_modeOfNewDirectory));
 }
 
 bool AFiler::getFileAccessibility(const AString& path, AFileAccess access, bool& exists,

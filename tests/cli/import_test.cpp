@@ -105,10 +105,10 @@ TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
 TEST_F(CliImport, RepeatsNoErrorOfTheLogAfterASuccess) {
   initAgent();
   const std::string path = write("list.xml", document(""));
-  const Output quiet = sitelist({"install", path});
+  const Output quiet = sitelist({"install", "--allow-empty", path});
   EXPECT_EQ(quiet.status, 0);
   EXPECT_THAT(quiet.err, Not(HasSubstr("Failed hr=0")));
-  const Output verbose = sitelist({"--verbose", "install", path});
+  const Output verbose = sitelist({"--verbose", "install", "--allow-empty", path});
   EXPECT_EQ(verbose.status, 0);
   EXPECT_THAT(verbose.err, HasSubstr("error SiteHlp: Failed hr=0\n"));
 }

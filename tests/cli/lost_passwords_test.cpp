@@ -208,7 +208,7 @@ TEST_F(CliLostPasswords, TheReasonOfAKeyThatCannotBeUsedIsSaid) {
   EXPECT_THAT(run(import).err, HasSubstr(file("in/SiteList.xml") +
                                          ": passwords cannot be decrypted with the password key:\n"
                                          "  site \"depot\"\n  site \"Vendor\"\n  Key file " +
-                                         keyFile() + ": has 9 bytes, but a key has 32\n"));
+                                         keyFile() + ": the file has 9 bytes, but a key has 32\n"));
   start(Key::Missing);
   const Output missing = run(import);
   EXPECT_THAT(missing.err, HasSubstr(keyFile() + ": the password key is missing, but the agent's "

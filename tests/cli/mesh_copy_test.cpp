@@ -17,8 +17,8 @@ class CliMeshCopy : public CliTest {
     const std::string load = "echo loaded >> '" + file("loads") + "'; exec '" SITELIST_TOOL +
                              "' --agent-dir '" + file("agent") + "' --wait 0 get type";
     ASSERT_EQ(sitelist({"init", "--mesh-command", "/bin/sh", "-c", load}).status, 0);
-    setOwnList(document(serverSite({{"Name", "Old"}}) + httpSite("depot")));
-    write("in/SiteList.xml", document(serverSite({{"Name", "New"}}) + httpSite("depot")));
+    setOwnList(document(serverSite({{"Name", "Old"}}) + httpSite("depot", "2")));
+    write("in/SiteList.xml", document(serverSite({{"Name", "New"}}) + httpSite("depot", "2")));
   }
 
   std::string meshCopy() const { return file("agent/mesh/SiteList.xml"); }

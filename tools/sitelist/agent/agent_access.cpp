@@ -5,9 +5,12 @@
 #include <system_error>
 
 #include "host/detached_agent.h"
+#include "host/fs/files.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace fs = std::filesystem;
@@ -22,9 +25,15 @@ host::AgentSettings settingsOf(const Context& context) {
   try {
     return host::readAgentSettings(context.agentDirectory);
   } catch (const host::SettingsError& e) {
+    const std::string path = context.agentDirectory + "/agent.toml";
+    std::string bytes;
+    const int error = host::readRegularFile(path, c_maxInputBytes, bytes);
+    if (error != 0 && error != ENOENT) {
+      throw failureAt(path, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
+    }
     throw Failure(exitDocument, shown(std::string(e.what())),
                   "correct the settings file, or rename it and run `sitelist init`",
-                  {context.agentDirectory + "/agent.toml", 0, 0, 0});
+                  {path, 0, 0, 0});
   }
 }
 

@@ -1,6 +1,9 @@
 #include "tools/sitelist/agent/incoming.h"
 
+#include <unistd.h>
+
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 
@@ -8,6 +11,7 @@
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/incoming_check.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -20,9 +24,14 @@
 namespace tool {
 namespace {
 
-bool begins(const std::wstring& text, const wchar_t* start) { return text.rfind(start, 0) == 0; }
+constexpr const wchar_t* c_keyFiles[] = {sitehlp::c_srPubKey, sitehlp::c_reqSecKey,
+                                         sitehlp::c_sr2048PubKey, sitehlp::c_req2048SecKey};
 
-bool wasLogged(const wchar_t* start) {
+bool begins(const std::wstring& text, const std::wstring& start) {
+  return text.rfind(start, 0) == 0;
+}
+
+bool wasLogged(const std::wstring& start) {
   for (const LogRecord& record : logRecords()) {
     if (begins(record.text, start)) return true;
   }
@@ -51,8 +60,7 @@ std::string unusableKeyFiles(const IncomingOptions& options, bool isVersioned) {
   const fs::path directory =
       isVersioned ? fs::path(options.file).parent_path() : fs::path(options.keyDirectory);
   std::string text;
-  for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
-                              sitehlp::c_req2048SecKey}) {
+  for (const wchar_t* name : c_keyFiles) {
     const std::string path = (directory / narrow(name)).string();
     const std::string reason = whyUnusable(path);
     if (!reason.empty()) text += "\n  " + shown(path) + ": " + reason;
@@ -72,16 +80,30 @@ Failure refusal(const std::string& file, int code) {
 
 }  // namespace
 
+void failIfNotWritten(const std::string& list, int code) {
+  const std::string directory = std::filesystem::path(list).parent_path().string();
+  std::vector<std::string> paths = {directory, list};
+  for (const wchar_t* name : c_keyFiles) paths.push_back(directory + "/" + narrow(name));
+  for (const std::string& path : paths) {
+    LoggedReason logged = takeReasonOfWrite(path);
+    if (logged.reason.empty() && wasLogged(L"Can't write " + wide(path)) &&
+        ::access(path.c_str(), W_OK) != 0) {
+      logged.reason = std::strerror(errno);
+    }
+    if (logged.reason.empty()) continue;
+    throw libraryFailure(path, code, exitFile, "the agent's files could not be written",
+                         logged.advice.empty()
+                             ? "check that you may write there and that there is free space"
+                             : logged.advice,
+                         "\n  " + logged.reason);
+  }
+}
+
 void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
-  const std::string directory = std::filesystem::path(ownList).parent_path().string();
-  std::error_code error;
   if (wasLogged(L"CreateSiteList failed hr=")) {
     throw writeFailure(ownList, code, "the list could not be written");
   }
-  if (wasLogged(L"Can't write ") || !std::filesystem::is_directory(directory, error)) {
-    throw libraryFailure(directory, code, exitFile, "the agent's files could not be written",
-                         "check that you may write there; nothing was changed");
-  }
+  failIfNotWritten(ownList, code);
   const bool isVersioned = hasVersionedServer(options.file);
   throw libraryFailure(
       options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
@@ -169,6 +191,7 @@ int takeIncoming(Context& context, const IncomingOptions& options) {
   if (options.dryRun) return previewIncoming(context, options);
   const ListLock lock(context, "", ListUse::Change);
   const std::string ownList = ownListPath(context);
+  requireIncomingList(options);
   refuseOlder(options, ownList);
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireKeyOfOwnList();

@@ -19,6 +19,7 @@ struct IncomingOptions {
   bool allowsOlder = false;
   bool isChecked = false;  // import checks the list first
   bool allowLostPasswords = false;
+  bool allowEmpty = false;
 };
 
 void addIncomingOptions(Command& command, IncomingOptions& options);
@@ -33,6 +34,9 @@ std::vector<FileChange> fileChanges(sitehlp::CSitesHelper& helper, const Incomin
 
 // Fails if the list is older than the agent's own list, unless that is allowed.
 void refuseOlder(const IncomingOptions& options, const std::string& ownList);
+
+// Fails if the directory of `list`, the list or a key file beside it could not be written.
+void failIfNotWritten(const std::string& list, int code);
 
 // Fails because the key files or the list could not be written.
 [[noreturn]] void failOwnFiles(const IncomingOptions& options, const std::string& ownList,

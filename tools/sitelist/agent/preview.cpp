@@ -7,6 +7,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/draft.h"
 #include "tools/sitelist/agent/incoming.h"
+#include "tools/sitelist/agent/incoming_check.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -97,6 +98,7 @@ std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions&
 int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
   serveDetachedAgent(context);
+  requireIncomingList(options);
   refuseOlder(options, ownList);
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireKeyOfOwnList();

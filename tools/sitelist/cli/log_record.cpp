@@ -66,7 +66,8 @@ LoggedReason inTwoParts(const std::wstring& text) {
 // Returns the reason of a failed write of `path`, or an empty text for any other record.
 std::wstring reasonOfWrite(const std::wstring& text, const std::wstring& path) {
   for (const wchar_t* start : {L"Site list not written: ", L"Server site list not written: ",
-                               L"Cannot write the edited list ", L"Cannot write "}) {
+                               L"Cannot write the edited list ", L"Cannot write ",
+                               L"Cannot delete ", L"Cannot create directory "}) {
     const std::size_t length = std::wcslen(start);
     if (text.compare(0, length, start) != 0 || text.compare(length, path.size(), path) != 0) {
       continue;

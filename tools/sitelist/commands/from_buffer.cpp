@@ -6,11 +6,14 @@
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 
 namespace tool {
 namespace {
+
+constexpr const char* c_scratchList = "/Library/Korvel/orb/scratch/etc/SiteList.xml";
 
 struct FromBufferOptions {
   std::string file;
@@ -34,9 +37,11 @@ int fromBuffer(Context& context, const FromBufferOptions& options) {
   sitehlp::CSitesHelper helper(wide(ownListPath(context)));
   const int result = helper.CreateSiteListFromBuffer(text);
   if (result == sitehlp::c_errorWrite) {
+    const LoggedReason logged = takeReasonOfWrite(c_scratchList);
     throw libraryFailure("the scratch directory", result, exitFile, "the list could not be written",
                          "create scratch/etc in the default data directory, and check that you may "
-                         "write there");
+                         "write there",
+                         logged.reason.empty() ? "" : "\n  " + logged.reason);
   }
   if (result != 0) throw libraryFailure(input.name, input.bytes, result);
   passwords.warn(false);

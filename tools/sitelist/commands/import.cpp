@@ -9,8 +9,8 @@ void addImport(Command& app, Context& context) {
   options->isChecked = true;
   addIncomingOptions(command, *options);
   command.footer(
-      "If the agent is managed, the management server is checked as well; see `sitelist\n"
-      "validate --help`.\n"
+      "The root of the document must be \"SiteLists\". If the agent is managed, the\n"
+      "management server is checked as well; see `sitelist validate --help`.\n"
       "\n"
       "Examples:\n"
       "  sitelist import incoming/SiteList.xml\n"

@@ -8,8 +8,10 @@ void addInstall(Command& app, Context& context) {
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
   addIncomingOptions(command, *options);
+  command.add_flag("--allow-empty", options->allowEmpty, "Install a list without sites, too");
   command.footer(
-      "The sites of the list are not checked.\n\n"
+      "The sites of the list are not checked. The root of the document must be\n"
+      "\"SiteLists\".\n\n"
       "Examples:\n"
       "  sitelist install incoming/SiteList.xml\n"
       "  sitelist install --keys ./keys lists/old-server.xml\n");

@@ -41,16 +41,19 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
       buffers[2], buffers[3], flags[0], flags[1], flags[2], flags[3]);
 }
 
-[[noreturn]] void failToModify(const ModifyOptions& options, const std::string& ownList) {
+// `written` is the list that was to be modified: the agent's own, or a copy of it.
+[[noreturn]] void failToModify(const ModifyOptions& options, const std::string& ownList,
+                               const std::string& written) {
   failIfNotEditable(ownList);
   failIfNotEditable(options.incoming.file);
   const int result = readSiteList(options.incoming.file).result;
   if (result == sitehlp::c_errorGeneral) throw lastSiteFailure(options.incoming.file);
   if (result != 0) throw libraryFailure(options.incoming.file, result);
+  failIfNotWritten(written, sitehlp::c_errorWrite);
   if (!haveKeyFiles(options.incoming)) {
     failOwnFiles(options.incoming, ownList, sitehlp::c_errorGeneral);
   }
-  throw libraryFailure(ownList, sitehlp::c_errorWrite);
+  throw libraryFailure(written, sitehlp::c_errorWrite);
 }
 
 // Modifies a copy of the list in a directory for drafts, with the detached agent. Fails if
@@ -62,7 +65,7 @@ std::string modifyCopy(const ScratchDirectory& scratch, const ModifyOptions& opt
   const std::string copy = scratch.path() + "/etc/SiteList.xml";
   if (!AFiler::createDirectory(wide(scratch.path() + "/etc")) ||
       !AFiler::copyFile(wide(ownList), wide(copy)) || !modifyList(copy, options)) {
-    failToModify(options, ownList);
+    failToModify(options, ownList, copy);
   }
   passwords.requireCopied(copy, ownList, options.incoming.file);
   return copy;
@@ -98,7 +101,7 @@ int modify(Context& context, const ModifyOptions& options) {
   modifyCopy(ScratchDirectory(directoryOf(ownList)), options, ownList, passwords);
   clearLogRecords();
   serveAgent(context);
-  if (!modifyList(ownList, options)) failToModify(options, ownList);
+  if (!modifyList(ownList, options)) failToModify(options, ownList, ownList);
   passwords.warn(false);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
   updateMeshCopy(context);

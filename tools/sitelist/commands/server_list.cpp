@@ -1,9 +1,12 @@
 #include <iostream>
+#include <memory>
 
 #include "host/agent.h"
 #include "platform/crypto/object_buffer.h"
+#include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/incoming_check.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
@@ -23,10 +26,7 @@ struct ServerListOptions {
 };
 
 // AdjustPwd does not report a failed write, so the file is checked.
-void requireRewritten(const Input& input, const std::string& path, const std::string& before) {
-  if (findReadErrorInBytes(input.bytes)) {
-    throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
-  }
+void requireRewritten(const std::string& path, const std::string& before) {
   std::string after;
   try {
     after = readInput(path).bytes;
@@ -38,9 +38,18 @@ void requireRewritten(const Input& input, const std::string& path, const std::st
   }
 }
 
+void requireDocument(const Input& input) {
+  std::unique_ptr<AdvXMLParser::Document> document;
+  if (readDocumentInBytes(input.bytes, document)) {
+    throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
+  }
+  requireSiteList(input.name, *document);
+}
+
 int serverList(Context& context, const ServerListOptions& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
+  requireDocument(input);
   const ListLock lock(context, "", ListUse::Change);
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";
   const bool isRewritten = options.adjustPasswords &&
@@ -63,7 +72,7 @@ int serverList(Context& context, const ServerListOptions& options) {
   if (helper.CreateServerSiteList(buffer, options.adjustPasswords) == 0) {
     throw libraryFailure(path, sitehlp::c_errorWrite);
   }
-  if (isRewritten) requireRewritten(input, path, before);
+  if (isRewritten) requireRewritten(path, before);
   passwords.warn(false);
   if (options.adjustPasswords && !isRewritten) {
     std::cerr << "sitelist: the configured key size is not 2048; the passwords are unchanged\n";
@@ -86,7 +95,8 @@ void addServerList(Command& app, Context& context) {
   addAllowLostPasswords(command, options->allowLostPasswords);
   command.footer(
       "The list is stored as ServerSiteList.xml in the agent's data directory. Without\n"
-      "--adjust-passwords the bytes are stored unchanged and unchecked.\n"
+      "--adjust-passwords the bytes are stored unchanged. A document whose root is not\n"
+      "\"SiteLists\" is refused.\n"
       "\n"
       "Examples:\n"
       "  sitelist server-list received.xml\n"

@@ -155,7 +155,8 @@ const std::vector<Rule>& allRules() {
           "root-element", "the root is \"ns:SiteLists\" with xmlns:ns=\"wxSiteList\"",
           "The agent reads a list with any root element, so such a list is valid. It edits only "
           "a list with this root. `sitelist edit`, `sitelist modify` and `sitelist "
-          "derive-server-list` refuse any other root.",
+          "derive-server-list` refuse any other root. `sitelist import`, `sitelist install` and "
+          "`sitelist server-list` refuse a root that is not \"SiteLists\" with some prefix.",
           "Name the root \"ns:SiteLists\" and give it xmlns:ns=\"wxSiteList\".",
           R"(<SiteLists GlobalVersion="20260914083012">)",
           R"(<ns:SiteLists xmlns:ns="wxSiteList" GlobalVersion="20260914083012">)"),

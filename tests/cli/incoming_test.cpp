@@ -69,6 +69,28 @@ TEST_F(CliIncoming, AListWithoutSitesNeedsAnOption) {
   EXPECT_EQ(readFile(ownList()).find("depot"), std::string::npos);
 }
 
+TEST_F(CliIncoming, AnImportNamesEveryErrorBesideALastSiteOfUnknownKind) {
+  write("agent/agent.toml", "managed = true\n");
+  const auto before = agentFiles();
+  const std::string path =
+      write("list.xml", "<ns:SiteLists xmlns:ns=\"wxSiteList\">\n<SiteList>\n" +
+                            serverSite({{"Name", ""}, {"ServerIP", ""}}) +
+                            "\n<VestaSit/></SiteList></ns:SiteLists>");
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"import", path}, {"import", "--dry-run", path}}) {
+    const Output output = sitelist(command);
+    EXPECT_EQ(output.status, 3);
+    EXPECT_EQ(output.err,
+              "sitelist: " + path +
+                  ": the last site of the list is of unknown kind (-1, 0xFFFFFFFF)\n"
+                  "  line 4, column 1: unknown site element \"VestaSit\"\n  " +
+                  path + ":3:1: server-name: the management server has no \"Name\"\n  " + path +
+                  ":3:1: server-ip-address: the management server has no \"ServerIP\"\n"
+                  "  next: fix these errors; `sitelist explain-rule RULE` says how\n");
+    EXPECT_EQ(agentFiles(), before);
+  }
+}
+
 TEST_F(CliIncoming, TheServerListIsStoredOnlyIfItIsADocument) {
   const auto before = agentFiles();
   for (const char* text : {"", "no markup", "<ns:SiteLists>", "\xFF\xFE"}) {

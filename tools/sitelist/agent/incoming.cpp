@@ -24,6 +24,7 @@
 namespace tool {
 namespace {
 
+constexpr const char* c_fixErrors = "fix these errors; `sitelist explain-rule RULE` says how";
 constexpr const wchar_t* c_keyFiles[] = {sitehlp::c_srPubKey, sitehlp::c_reqSecKey,
                                          sitehlp::c_sr2048PubKey, sitehlp::c_req2048SecKey};
 
@@ -74,8 +75,25 @@ Failure refusal(const std::string& file, int code) {
   std::string text =
       shown(file) + ": the list was refused and nothing was changed (" + formatCode(code) + ")";
   for (const Fault& fault : loggedFaults(file)) text += "\n  " + lineOf(file, fault);
-  return Failure(exitNegative, text, "fix these errors; `sitelist explain-rule RULE` says how",
-                 {file, code});
+  return Failure(exitNegative, text, c_fixErrors, {file, code});
+}
+
+// The library stops at this fault. A checked import reports the other errors, too.
+Failure unknownSiteFailure(const IncomingOptions& options) {
+  const Failure last = lastSiteFailure(options.file);
+  std::string others;
+  if (options.isChecked) {
+    const bool isManaged = sitehlp::CSitesHelper(true).IsOrbManaged() != 0;
+    for (const Fault& fault : validateList({options.file, options.file}, isManaged)) {
+      const bool isOther = std::string(fault.rule->name) != "unknown-site";
+      if (isOther && fault.rule->severity == Severity::Error) {
+        others.append("\n  ").append(lineOf(options.file, fault));
+      }
+    }
+    clearLogRecords();
+  }
+  return Failure(last.status(), last.what() + others, others.empty() ? last.advice() : c_fixErrors,
+                 last.origin());
 }
 
 }  // namespace
@@ -122,7 +140,7 @@ void failIncoming(const IncomingOptions& options, const std::string& ownList, in
   }
   if (code == sitehlp::c_errorGeneral && !document) {
     const int result = readSiteList(options.file).result;
-    if (result == code) throw lastSiteFailure(options.file);
+    if (result == code) throw unknownSiteFailure(options);
     if (result == 0) failOwnFiles(options, ownList, code);
   }
   throw libraryFailure(options.file, code);

@@ -29,9 +29,9 @@ class Files : public test::FileTest {
 
   AString wpath(const std::string& name) const { return AString(path(name).c_str()); }
 
-  // The one thing logged since the last question.
-  std::string reason() {
-    const auto texts = agent.texts(LogLevel::Detail);
+  // The one thing logged since the last question, at this level.
+  std::string reason(LogLevel level = LogLevel::Detail) {
+    const auto texts = agent.texts(level);
     EXPECT_EQ(texts.size(), agent.log().size());
     agent.clearLog();
     return texts.size() == 1 ? test::narrow(texts[0]) : std::to_string(texts.size()) + " messages";
@@ -81,14 +81,14 @@ TEST_F(Files, KeepTheOldFileWhenAWriteFails) {
   files.failEvery(FileCall::Write, ENOSPC);
   EXPECT_FALSE(AFile::write(wpath("f"), buffer("new")));
   EXPECT_EQ(test::readFile(path("f")), "old");
-  EXPECT_EQ(reason(), "Cannot write " + path("f") + ": No space left on device");
+  EXPECT_EQ(reason(LogLevel::Info), "Cannot write " + path("f") + ": No space left on device");
 }
 
 TEST_F(Files, NeverLogTheirContent) {
   test::FaultyFileSystem files;
   files.failEvery(FileCall::Sync, EIO);
   EXPECT_FALSE(AFile::write(wpath("f"), buffer("topsecret")));
-  EXPECT_THAT(reason(), testing::Not(HasSubstr("topsecret")));
+  EXPECT_THAT(reason(LogLevel::Info), testing::Not(HasSubstr("topsecret")));
 }
 
 TEST_F(Files, AreForTheirOwnerAloneWhateverTheirModeWas) {
@@ -124,7 +124,7 @@ TEST_F(Files, DeleteALinkAndNotItsTarget) {
 TEST_F(Files, TellWhenTheyCannotBeDeleted) {
   std::filesystem::create_directory(path("d"));
   EXPECT_FALSE(AFiler::deleteFile(wpath("d")));
-  EXPECT_THAT(reason(), HasSubstr("Cannot delete " + path("d")));
+  EXPECT_THAT(reason(LogLevel::Info), HasSubstr("Cannot delete " + path("d")));
 }
 
 TEST_F(Files, Copy) {
@@ -150,7 +150,7 @@ TEST_F(Files, KeepTheTargetWhenACopyFails) {
   EXPECT_THAT(reason(), HasSubstr("Cannot read " + path("missing")));
   EXPECT_EQ(test::readFile(path("to")), "old");
   EXPECT_FALSE(AFiler::copyFile(wpath("to"), wpath("nowhere/f")));
-  EXPECT_THAT(reason(), HasSubstr("Cannot write " + path("nowhere/f")));
+  EXPECT_THAT(reason(LogLevel::Info), HasSubstr("Cannot write " + path("nowhere/f")));
 }
 
 TEST_F(Files, MakeDirectories) {
@@ -159,7 +159,7 @@ TEST_F(Files, MakeDirectories) {
   EXPECT_TRUE(std::filesystem::is_directory(path("a/b")));
   test::writeFile(path("f"), "x");
   EXPECT_FALSE(AFiler::createDirectory(wpath("f")));
-  EXPECT_EQ(reason(), "Cannot create directory " + path("f") + ": Not a directory");
+  EXPECT_EQ(reason(LogLevel::Info), "Cannot create directory " + path("f") + ": Not a directory");
 }
 
 TEST_F(Files, TellTheSizeOfRegularFilesAlone) {

@@ -35,6 +35,21 @@ TEST_F(CliProtect, TakesTheFirstLineOnlyWithOrWithoutItsEnd) {
   EXPECT_EQ(sitelist({"show", "--json", "--show-secrets"}).out, first);
 }
 
+TEST_F(CliProtect, TakesALineOfAnotherSystemWithoutItsTwoCharacters) {
+  const std::string tooLong = std::string(259, 'x') + "\r\n";
+  EXPECT_EQ(sitelist({"protect"}, tooLong).status, 0) << "its end does not count";
+  EXPECT_EQ(sitelist({"protect"}, "x" + tooLong).status, 2);
+  for (const char* line : {"fair\r\n", "fair\r", "fair\r\nwindy\r\n"}) {
+    setOwnList(document(httpSite("depot", "1", lineOf(sitelist({"protect"}, line).out))));
+    EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out,
+                HasSubstr("\"password\": \"fair\""));
+  }
+  const std::string file = write("password.txt", "windy\r\n");
+  EXPECT_EQ(sitelist({"edit", "set", "depot", "--password-file", file}).status, 0);
+  EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out,
+              HasSubstr("\"password\": \"windy\""));
+}
+
 TEST_F(CliProtect, RefusesWhatASiteListCannotCarry) {
   EXPECT_EQ(sitelist({"protect"}, std::string(259, 'x') + "\n").status, 0);
   const Output tooLong = sitelist({"protect"}, std::string(260, 'x') + "\n");
@@ -51,7 +66,11 @@ TEST_F(CliProtect, RefusesWhatASiteListCannotCarry) {
 }
 
 TEST_F(CliProtect, TakesNoPasswordFromTheCommandLine) {
-  EXPECT_EQ(sitelist({"protect", "fair"}).status, 2);
+  const Output output = sitelist({"protect", "fair"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_EQ(output.err,
+            "sitelist: \"protect\" takes no argument\n  next: see `sitelist protect --help`\n");
+  EXPECT_THAT(sitelist({"--json", "protect", "fair"}).out, testing::Not(HasSubstr("fair")));
 }
 
 TEST_F(CliProtect, FailsWithoutAUsableKey) {

@@ -39,6 +39,18 @@ void PseudoTerminal::closeProgramEnd() {
   m_programEnd = -1;
 }
 
+bool PseudoTerminal::echoes() const {
+  termios settings = {};
+  if (::tcgetattr(m_ourEnd, &settings) != 0) throw std::runtime_error("tcgetattr");
+  return (settings.c_lflag & static_cast<tcflag_t>(ECHO)) != 0;
+}
+
+void PseudoTerminal::type(const std::string& text) const {
+  if (::write(m_ourEnd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+    throw std::runtime_error("the terminal takes no text");
+  }
+}
+
 std::string PseudoTerminal::readAll() { return readUntil(""); }
 
 std::string PseudoTerminal::readUntil(const std::string& text) {

@@ -5,7 +5,7 @@
 
 namespace test {
 
-// A terminal of this width for the output of a program.
+// A terminal of this width for the output and the input of a program.
 class PseudoTerminal {
  public:
   explicit PseudoTerminal(int columns);
@@ -15,6 +15,9 @@ class PseudoTerminal {
 
   // The descriptor for the program. readAll() and readUntil() close it.
   int programEnd() const { return m_programEnd; }
+  // Returns whether the terminal shows what is typed.
+  bool echoes() const;
+  void type(const std::string& text) const;
   // Returns what is written until the text was written or the last program has ended.
   std::string readUntil(const std::string& text);
   // Returns what is written until the last program has ended, unchanged.

@@ -2,44 +2,20 @@
 
 #include <fcntl.h>
 #include <openssl/crypto.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <cstring>
-#include <iostream>
 
 #include "host/fs/descriptor.h"
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/no_echo.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/read_error.h"
 
 namespace tool {
 namespace {
-
-// Switches off the echo of a terminal on standard input.
-class NoEcho {
- public:
-  NoEcho() {
-    if (::tcgetattr(STDIN_FILENO, &m_before) != 0) return;
-    termios quiet = m_before;
-    quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    m_isTerminal = ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet) == 0;
-    if (m_isTerminal) std::cerr << "Password: ";
-  }
-  ~NoEcho() {
-    if (!m_isTerminal) return;
-    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
-    std::cerr << '\n';
-  }
-  NoEcho(const NoEcho&) = delete;
-  NoEcho& operator=(const NoEcho&) = delete;
-
- private:
-  termios m_before = {};
-  bool m_isTerminal = false;
-};
 
 constexpr const char* c_standardInput = "standard input";
 
@@ -76,7 +52,10 @@ void Password::readLine(int descriptor, const std::string& source) {
       throw failureAt(source, exitUsage, "there is no password",
                       "give one line of UTF-8 text; an empty line is an empty password");
     }
-    if (n == 0 || m_bytes[m_size] == '\n') return;
+    if (n > 0 && m_bytes[m_size] != '\n') continue;
+    // Files of other systems end their lines with two characters.
+    if (m_size > 0 && m_bytes[m_size - 1] == '\r') --m_size;
+    return;
   }
 }
 

@@ -66,6 +66,8 @@ std::string unexpected(const CLI::App& program) {
   const bool hasArguments =
       !app->get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
   const bool hasCommands = !app->get_subcommands([](const CLI::App*) { return true; }).empty();
+  // The word may be a password that was meant for standard input.
+  if (!hasCommands && !hasArguments) return "\"" + command + "\" takes no argument";
   if (!hasCommands || hasArguments) return "unexpected argument \"" + word + "\"";
   return "unknown command \"" + (command.empty() ? "" : command + " ") + word + "\"";
 }

@@ -25,7 +25,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 }
 
 bool isSetByUs(const std::string& entry) {
-  for (const char* name : {"TMPDIR=", "NO_COLOR=", "TERM=", "COLUMNS="}) {
+  for (const char* name : {"TMPDIR=", "NO_COLOR=", "TERM=", "COLUMNS=", "SITELIST_AGENT_DIR="}) {
     if (entry.rfind(name, 0) == 0) return true;
   }
   return false;

@@ -29,6 +29,21 @@ TEST_F(CliInit, KeepsTheKeysToTheOwner) {
   EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
+TEST_F(CliInit, GivesOthersNoRightToWriteUnderAnyUmask) {
+  ASSERT_EQ(shell("umask 000 && \"$0\" --agent-dir above/agent init").status, 0);
+  const auto modeOf = [this](const std::string& name) {
+    struct stat status = {};
+    EXPECT_EQ(::stat(file(name).c_str(), &status), 0) << name;
+    return status.st_mode & 07777;
+  };
+  for (const char* name :
+       {"above", "above/agent", "above/agent/etc", "above/agent/mesh", "above/agent/locks"}) {
+    EXPECT_EQ(modeOf(name), 0755U) << name;
+  }
+  EXPECT_EQ(modeOf("above/agent/keystore"), 0700U);
+  EXPECT_EQ(modeOf("above/agent/agent.toml"), 0640U);
+}
+
 TEST_F(CliInit, WritesTheSettingsThatWereAskedFor) {
   const Output output = sitelist({"init", "--managed", "--mesh-path", file("copy.xml"),
                                   "--mesh-command", "/bin/sh", "-c", "exit 0", "--managed"});

@@ -9,10 +9,11 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 
 // Loaded in front of the C library. Is the other program that changes a list while the tool is at
-// work, or that sends it a signal while it has a draft. With NO_DIRECTORY_LOCKS, makes a file
-// system whose directories cannot be locked.
+// work, or that sends it a signal while it has a draft. Fails as no library does. With
+// NO_DIRECTORY_LOCKS, makes a file system whose directories cannot be locked.
 
 namespace {
 
@@ -55,12 +56,14 @@ __attribute__((visibility("default"))) int access(const char* path, int mode) no
   return next<int(const char*, int)>("access")(path, mode);
 }
 
-// A draft is read before it is removed.
+// A draft is read before it is removed. A call of the C library throws nothing by itself.
 __attribute__((visibility("default"))) int openat(int directory, const char* path, int flags, ...) {
   va_list rest;
   va_start(rest, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
   va_end(rest);
+  const char* const unforeseen = std::getenv("UNFORESEEN");
+  if (unforeseen && std::strcmp(path, unforeseen) == 0) throw std::runtime_error("unforeseen");
   const char* const signal = std::getenv("SIGNAL_IN_DRAFT");
   if (signal && isDraft(path)) ::raise(std::atoi(signal));
   return next<int(int, const char*, int, mode_t)>("openat")(directory, path, flags, mode);

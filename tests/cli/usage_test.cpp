@@ -269,9 +269,11 @@ TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {
   EXPECT_THAT(output.err, HasSubstr("cannot write to standard output"));
 }
 
+#ifdef INTERPOSER
 TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {
-  const Output output =
-      shell("mkdir gone && cd gone && rmdir ../gone && exec \"$0\" --agent-dir a show --json");
+  initAgent();
+  const Output output = shell("UNFORESEEN=odd.xml LD_PRELOAD='" INTERPOSER
+                              "' exec \"$0\" --agent-dir agent server-list odd.xml --json");
   EXPECT_EQ(output.status, 70);
   EXPECT_THAT(output.err, HasSubstr("sitelist: internal error: "));
   const json document = json::parse(output.out);
@@ -279,6 +281,7 @@ TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {
   EXPECT_EQ(document["error"]["name"], "internal");
   EXPECT_THAT(output.err, HasSubstr(document["error"]["message"].get<std::string>()));
 }
+#endif
 
 }  // namespace
 }  // namespace test

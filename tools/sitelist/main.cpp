@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <new>
 #include <string_view>
@@ -12,6 +11,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/list_lock.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/full_path.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/complete.h"
@@ -41,7 +41,7 @@ std::string usableDirectory(const std::string& directory) {
   if (directory.empty()) {
     throw Failure(exitUsage, "--agent-dir: the value is empty", "name a directory");
   }
-  std::string path = std::filesystem::absolute(directory).lexically_normal().string();
+  std::string path = fullPath(directory);
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   host::AgentSettings settings;
   settings.dataDirectory = path;

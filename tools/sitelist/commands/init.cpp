@@ -1,4 +1,5 @@
-#include <cerrno>
+#include <sys/types.h>
+
 #include <filesystem>
 #include <iostream>
 #include <system_error>
@@ -10,6 +11,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/full_path.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -18,6 +20,10 @@ namespace fs = std::filesystem;
 
 namespace tool {
 namespace {
+
+constexpr mode_t c_modeOfDirectory = 0755;
+constexpr mode_t c_modeOfKeyDirectory = 0700;
+constexpr mode_t c_modeOfSettings = 0640;
 
 struct InitOptions {
   bool managed = false;
@@ -30,10 +36,9 @@ Failure cannotMake(const std::string& path, const std::string& reason) {
                    "check the path and that you may write there");
 }
 
-void makeDirectory(const std::string& path) {
-  std::error_code error;
-  fs::create_directories(path, error);
-  if (error) throw cannotMake(path, error.message());
+void makeDirectory(const std::string& path, mode_t mode) {
+  const int error = host::makeDirectories(path, mode);
+  if (error != 0) throw cannotMake(path, std::generic_category().message(error));
 }
 
 void makeLocks(Context& context) {
@@ -62,7 +67,7 @@ host::AgentSettings settingsFrom(Context& context, const InitOptions& options) {
   settings.managed = options.managed;
   settings.meshLoadCommand = context.meshCommand;
   if (!options.meshPath.empty()) {
-    settings.meshSiteListPath = fs::absolute(options.meshPath).lexically_normal().string();
+    settings.meshSiteListPath = fullPath(options.meshPath);
   }
   if (options.hasMeshCommand &&
       (context.meshCommand.empty() || !fs::path(context.meshCommand.front()).is_absolute())) {
@@ -85,12 +90,14 @@ int init(Context& context, const InitOptions& options) {
   }
   host::setAgent(settings);
   recordLog(context.verbose);
-  for (const char* name : {"/etc", "/mesh", "/locks", "/keystore"}) makeDirectory(directory + name);
-  fs::permissions(directory + "/keystore", fs::perms::owner_all, error);
+  for (const char* name : {"/etc", "/mesh", "/locks"}) {
+    makeDirectory(directory + name, c_modeOfDirectory);
+  }
+  makeDirectory(directory + "/keystore", c_modeOfKeyDirectory);
   makeLocks(context);
   makePasswordKey(context);
   const std::string text = host::formatAgentSettings(settings);
-  const int failed = host::replaceFile(settingsFile, text.data(), text.size(), 0644);
+  const int failed = host::replaceFile(settingsFile, text.data(), text.size(), c_modeOfSettings);
   if (failed != 0) throw cannotMake(settingsFile, std::generic_category().message(failed));
   std::cerr << "sitelist: created a" << (options.managed ? " managed" : "n unmanaged")
             << " agent in " << shown(directory) << '\n';

@@ -1,6 +1,7 @@
 #include "tools/sitelist/commands/program.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 #include "tools/sitelist/cli/exit_status.h"
@@ -10,6 +11,11 @@ namespace tool {
 namespace {
 
 constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
+
+std::string usualAgentDirectory() {
+  const char* const set = std::getenv("SITELIST_AGENT_DIR");
+  return set && *set ? set : c_defaultAgentDirectory;
+}
 
 struct CommandEntry {
   const char* name;
@@ -52,9 +58,10 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
   auto line =
       std::make_unique<CommandLine>("Manages the site list of an endpoint agent.", "sitelist");
   Command app = line->program();
-  context.agentDirectory = c_defaultAgentDirectory;
+  context.agentDirectory = usualAgentDirectory();
   app.add_option("--agent-dir", context.agentDirectory,
-                 "Data directory of the agent\n(default: /Library/Korvel/orb)")
+                 "Data directory of the agent (default: the value of\nSITELIST_AGENT_DIR, or "
+                 "/Library/Korvel/orb without it)")
       .type_name("DIR");
   app.add_option("--format", context.format, "Output format: table (the default), json, csv or xml")
       .type_name("FORMAT")

@@ -35,12 +35,17 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
 // A server with a version must have key files next to its list, so the draft gets links to them.
 void linkKeyFiles(const std::string& list, const std::string& draft) {
   namespace fs = std::filesystem;
-  const fs::path from = fs::absolute(list).parent_path();
+  std::error_code error;
+  const fs::path from = fs::absolute(list, error).parent_path();
   const fs::path to = fs::path(draft).parent_path();
   for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
                               sitehlp::c_req2048SecKey}) {
-    fs::create_symlink(from / narrow(name), to / narrow(name));
+    if (!error) fs::create_symlink(from / narrow(name), to / narrow(name), error);
   }
+  if (!error) return;
+  throw failureAt(draft, exitFile,
+                  "the key files cannot be linked beside the draft: " + error.message(),
+                  "keep the list in a file system that has symbolic links");
 }
 
 // What a draft of the changed document shows.

@@ -156,6 +156,10 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
       "Ev NO_COLOR",
       "If this is set and not empty, tables have no colours unless `--color always` is given.");
   page.item(
+      "Ev SITELIST_AGENT_DIR",
+      "The data directory of the agent if `--agent-dir` is not given. An empty value counts as not "
+      "set.");
+  page.item(
       "Ev TMPDIR",
       "The directory of temporary files. The default is `/tmp`. `validate -`, `merge` without "
       "`--output` and each dry run need it. A command that reads lists from files does not. The "

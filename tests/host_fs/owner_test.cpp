@@ -1,3 +1,5 @@
+#include "host/fs/owner.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -168,6 +170,34 @@ TEST_F(Owner, OfADirectoryGivesItsGroupWhereOnlyThatIsAnother) {
   ASSERT_EQ(::stat(path("g/f").c_str(), &file), 0);
   EXPECT_EQ(file.st_uid, ::geteuid());
   EXPECT_EQ(file.st_gid, directory.st_gid);
+}
+
+TEST_F(Owner, GetsAnEmptyDirectory) {
+  std::filesystem::create_directory(path("e"));
+  EXPECT_EQ(host::giveEmptyDirectory(path("e"), ::geteuid(), c_otherGroup), 0) << "it has it";
+  if (!m_isRoot) return;
+  EXPECT_EQ(host::giveEmptyDirectory(path("e"), c_other, c_otherGroup), 0);
+  expectOwned("e");
+  std::filesystem::create_directory(path("full"));
+  EXPECT_EQ(replace(path("full/f"), "new"), 0);
+  EXPECT_EQ(host::giveEmptyDirectory(path("full"), c_other, c_otherGroup), ENOTEMPTY);
+  give("full");
+  EXPECT_EQ(host::giveEmptyDirectory(path("full"), c_other, c_otherGroup), 0);
+  std::filesystem::create_directory_symlink(path("target"), path("link"));
+  std::filesystem::create_directory(path("target"));
+  ASSERT_EQ(::lchown(path("link").c_str(), c_other, c_otherGroup), 0);
+  EXPECT_EQ(host::giveEmptyDirectory(path("link"), c_other, c_otherGroup), EPERM);
+  EXPECT_EQ(host::giveEmptyDirectory(path("none"), c_other, c_otherGroup), ENOENT);
+}
+
+TEST_F(Owner, ThatCannotBeChangedIsTold) {
+  std::filesystem::create_directory(path("e"));
+  test::FaultyFileSystem faulty;
+  for (const FileCall call :
+       {FileCall::Open, FileCall::StatOpen, FileCall::List, FileCall::Chown}) {
+    faulty.failEvery(call, EIO);
+    EXPECT_EQ(host::giveEmptyDirectory(path("e"), ::geteuid() + 1, c_otherGroup), EIO);
+  }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/owner.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -29,6 +30,7 @@ struct InitOptions {
   bool managed = false;
   bool hasMeshCommand = false;
   std::string meshPath;
+  std::string owner;  // empty for the owner that a new directory has
 };
 
 Failure cannotMake(const std::string& path, const std::string& reason) {
@@ -39,6 +41,14 @@ Failure cannotMake(const std::string& path, const std::string& reason) {
 void makeDirectory(const std::string& path, mode_t mode) {
   const int error = host::makeDirectories(path, mode);
   if (error != 0) throw cannotMake(path, std::generic_category().message(error));
+}
+
+// All that is created in the directory later belongs to its owner.
+void makeDataDirectory(const std::string& directory, const std::string& owner) {
+  if (owner.empty()) return;
+  const Owner found = findOwner(owner);
+  makeDirectory(directory, c_modeOfDirectory);
+  giveDirectory(directory, found);
 }
 
 void makeLocks(Context& context) {
@@ -90,6 +100,7 @@ int init(Context& context, const InitOptions& options) {
   }
   host::setAgent(settings);
   recordLog(context.verbose);
+  makeDataDirectory(directory, options.owner);
   for (const char* name : {"/etc", "/mesh", "/locks"}) {
     makeDirectory(directory + name, c_modeOfDirectory);
   }
@@ -116,6 +127,12 @@ void addInit(Command& app, Context& context) {
                   "Path of the mesh copy, the list for the mesh service\n(default: "
                   "mesh/SiteList.xml in the data directory)")
       .type_name("PATH");
+  command
+      .add_option("--owner", options->owner,
+                  "The user of the agent. Directories and files then belong to\nthis user. Only "
+                  "root can name another user.")
+      .type_name("USER")
+      .not_empty();
   // What follows the program was taken off the command line before; see Context::meshCommand.
   command
       .add_flag("--mesh-command", options->hasMeshCommand,
@@ -131,6 +148,7 @@ void addInit(Command& app, Context& context) {
       "\n"
       "Examples:\n"
       "  sitelist --agent-dir ./agent init\n"
+      "  sudo sitelist init --owner agent\n"
       "  sitelist --agent-dir ./agent init --managed \\\n"
       "      --mesh-command /usr/bin/logger -t mesh 'new site list'\n");
   command.callback([&context, options] {

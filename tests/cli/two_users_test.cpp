@@ -1,0 +1,157 @@
+#include "tests/links/two_users.h"
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "tests/cli/edit_fixture.h"
+
+namespace fs = std::filesystem;
+
+// Root works with an agent of another user, who then goes on.
+namespace test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class CliTwoUsers : public CliTest {
+ protected:
+  // Everything in the directory of the test is the agent's user's.
+  CliTwoUsers() {
+    list = write("lists/list.xml", document(httpSite("Offered")));
+    owner = std::to_string(agentUser());
+    handOver();
+  }
+
+  // Root's streams are files that the agent's user could not write.
+  void handOver() {
+    for (const char* name : {"stdin", "stdout", "stderr"}) ::unlink(file(name).c_str());
+    giveToAgent(file("lists"));
+    giveToAgent(file("tmp"));
+    if (haveTwoUsers()) {
+      ASSERT_EQ(::chown(file("").c_str(), agentUser(), agentGroup()), 0);
+    }
+  }
+
+  // Whether there is what the test needs; says what is missing.
+  bool isPossible() {
+    if (!::getpwuid(agentUser())) {
+      std::cout << "The agent's user has no name here, so no agent is made for it.\n";
+      return false;
+    }
+    const bool canStart = asAgentUser([] {
+                            return std::vector<std::string>(::access(SITELIST_TOOL, X_OK) == 0, "");
+                          }).size() == 1;
+    if (!canStart) std::cout << "The agent's user cannot start the tool where it was built.\n";
+    return canStart;
+  }
+
+  std::vector<Arguments> commands() const {
+    return {{"show"},
+            {"get", "globalVersion"},
+            {"explain"},
+            {"servers"},
+            {"diff", ownList(), list},
+            {"validate", "--unmanaged", ownList()},
+            {"protect"},
+            {"import", list},
+            {"import", list, "--dry-run"},
+            {"edit", "disable", "Offered", "--force"},
+            {"edit", "enable", "Offered", "--force"},
+            {"policies", "set", "Name", "Value"},
+            {"modify", list, "--repositories"},
+            {"merge", "--first", list, "--output", file("agent/merged.xml")},
+            {"server-list", list},
+            {"derive-server-list", file("agent/etc")}};
+  }
+
+  // What goes wrong when the agent's user runs every command; a line each.
+  std::vector<std::string> runAllAsAgentUser() {
+    handOver();
+    return asAgentUser([this] {
+      std::vector<std::string> lines;
+      for (const Arguments& arguments : commands()) {
+        const Output output = sitelist(arguments, "fair\n");
+        if (output.status == 0 || output.status == 1) continue;
+        lines.push_back(testing::PrintToString(arguments) + ": " + output.err);
+      }
+      return lines;
+    });
+  }
+
+  // Every file and directory of the agent that is not its user's.
+  std::vector<std::string> foreign() const {
+    std::vector<std::string> found;
+    for (const auto& entry : fs::recursive_directory_iterator(file("agent"))) {
+      struct stat info {};
+      if (::lstat(entry.path().c_str(), &info) != 0 || info.st_uid != agentUser()) {
+        found.push_back(entry.path().string());
+      }
+    }
+    return found;
+  }
+
+  std::string list;
+  std::string owner;
+};
+
+TEST_F(CliTwoUsers, AfterEveryCommandOfRootTheAgentsUserRunsEveryCommand) {
+  if (!isPossible()) return;
+  const Output init = sitelist({"init", "--owner", owner, "--mesh-command", "/bin/sh", "-c", ":"});
+  ASSERT_EQ(init.status, 0) << init.err;
+  EXPECT_THAT(foreign(), IsEmpty());
+  EXPECT_EQ(sitelist({"import", list}).status, 0);
+  EXPECT_THAT(runAllAsAgentUser(), IsEmpty());
+  for (const Arguments& arguments : commands()) {
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    for (const char* made : {"locks", "mesh/SiteList.xml", "ServerSiteList.xml"}) {
+      fs::remove_all(file(std::string("agent/") + made));
+    }
+    const Output output = sitelist(arguments, "fair\n");
+    EXPECT_LE(output.status, 1) << output.err;
+    EXPECT_THAT(foreign(), IsEmpty());
+    EXPECT_THAT(runAllAsAgentUser(), IsEmpty());
+  }
+}
+
+class CliInitOwner : public CliTest {};
+
+TEST_F(CliInitOwner, IsAUserOfTheSystem) {
+  for (const char* user : {"no such user", "999999999", ""}) {
+    const Output output = sitelist({"init", "--owner", user});
+    EXPECT_EQ(output.status, 2) << user;
+    EXPECT_THAT(output.err, HasSubstr("--owner: "));
+    EXPECT_FALSE(exists(file("agent")));
+  }
+}
+
+TEST_F(CliInitOwner, MayBeTheUserOfTheProcess) {
+  const Output output = sitelist({"init", "--owner", std::to_string(::geteuid())});
+  EXPECT_EQ(output.status, 0) << output.err;
+}
+
+TEST_F(CliInitOwner, TakesNoDirectoryWithContentFromAnotherUser) {
+  if (!haveTwoUsers() || !::getpwuid(agentUser())) return;
+  write("agent/file", "of root");
+  const Output output = sitelist({"init", "--owner", std::to_string(agentUser())});
+  EXPECT_EQ(output.status, 6);
+  EXPECT_THAT(output.err, HasSubstr("the directory belongs to another user and is not empty"));
+  EXPECT_EQ(agentFiles().size(), 1U);
+}
+
+TEST_F(CliTwoUsers, OnlyRootMakesAnAgentForAnotherUser) {
+  if (!isPossible()) return;
+  EXPECT_THAT(asAgentUser([this] {
+                const Output output = sitelist({"init", "--owner", "root"});
+                return std::vector<std::string>{std::to_string(output.status), output.err};
+              }),
+              testing::Contains(HasSubstr("the owner cannot be changed: Operation not permitted")));
+  EXPECT_FALSE(exists(file("agent/agent.toml")));
+}
+
+}  // namespace
+}  // namespace test

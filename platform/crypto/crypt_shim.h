@@ -61,7 +61,8 @@ class PLATFORM_API CryptShim {
 
 // RAII guard for processing one document. While a KeptKeys object exists, the service reuses the
 // keys already loaded on this thread. It does not check the key files for every password. If a key
-// is replaced during this time, the service may use the new key only afterwards.
+// is replaced during this time, the service may use the new key only afterwards. If a service keeps
+// no keys, both functions may do nothing.
 //
 // Each error is logged once. When the last guard of the thread is destroyed, the number of
 // passwords that could not be decrypted is logged. Other threads are not affected. Guards may be

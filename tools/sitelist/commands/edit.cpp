@@ -278,7 +278,8 @@ void addEdit(Command& app, Context& context) {
   command.footer(
       "All other elements, attributes, comments and text are unchanged, including those\n"
       "that the agent does not read. A repeated edit changes nothing; a repeated remove\n"
-      "exits with status 7, because the site does not exist.\n"
+      "exits with status 7, because the site does not exist. The versions of the list\n"
+      "are unchanged, and the load command is not run.\n"
       "`sitelist undo` undoes an edit of the agent's own list.\n"
       "\n"
       "The rules of `sitelist validate` apply to the changed list, even those\n"

@@ -40,8 +40,7 @@ std::string missingSite(const std::string& name, const std::string& kind);
 // Returns, for example, "1 entry" or "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);
 
-// Returns "server", "agent", "http", "ftp", "unc", "local" or "proxy". Returns "unknown" for an
-// element that the library does not know.
+// Returns the name of the kind in c_kinds, or c_unknownKind (tools/sitelist/model/kinds.h).
 const char* kindOf(const sitehlp::tag_Site& site);
 const wchar_t* nameOf(const sitehlp::tag_Site& site);
 

@@ -89,7 +89,7 @@ TEST_F(CliGet, PrintsTheVeryTextUnlessOnATerminal) {
 TEST_F(CliGet, FailsWithStatus7OnWhatIsNotThere) {
   const std::string path = write("list.xml", document(httpSite("depot")));
   fail(7, {"fipsMode", path}, "the list has no FIPS mode");
-  fail(7, {"server", path, "--site", "Depot"}, "there is no site \"Depot\"\n");
+  fail(7, {"server", path, "--site", "Depot"}, "there is no site \"Depot\"; did you mean depot?\n");
   fail(7, {"server", path, "--site", "depot", "--kind", "ftp"},
        "there is no site \"depot\" of kind ftp\n");
   fail(7, {"shareName", path, "--site", "depot"}, "a site of kind http has no field \"shareName\"");

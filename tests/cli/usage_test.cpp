@@ -72,6 +72,38 @@ TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
                 "  70  an internal error, or out of memory\n"));
 }
 
+TEST_F(CliUsage, HelpIsACommandToo) {
+  const std::vector<std::vector<std::string>> commands = {{}, {"show"}, {"edit"}, {"edit", "set"}};
+  for (const std::vector<std::string>& command : commands) {
+    std::vector<std::string> asked = {"help"};
+    asked.insert(asked.end(), command.begin(), command.end());
+    const Output output = bare(asked);
+    EXPECT_EQ(output.status, 0) << output.err;
+    EXPECT_EQ(output.err, "");
+    std::vector<std::string> option = command;
+    option.emplace_back("--help");
+    EXPECT_EQ(output.out, bare(option).out);
+  }
+  const Output unknown = bare({"help", "edit", "sett"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_EQ(unknown.out, "");
+  EXPECT_EQ(unknown.err,
+            "sitelist: unknown command \"edit sett\"; did you mean set?\n"
+            "  next: see `sitelist --help`\n");
+}
+
+TEST_F(CliUsage, RefusesTwoFormatsAtOnce) {
+  const std::string path = write("list.xml", document(httpSite("depot")));
+  for (const char* format : {"table", "csv", "xml"}) {
+    const Output output = bare({"show", path, "--json", "--format", format});
+    EXPECT_EQ(output.status, 2) << format;
+    EXPECT_THAT(output.err, HasSubstr("sitelist: --json and --format " + std::string(format) +
+                                      " cannot be used together\n  next: give only one of them\n"));
+    EXPECT_EQ(json::parse(output.out)["error"]["status"], 2) << format;
+  }
+  EXPECT_EQ(bare({"show", path, "--json", "--format", "json"}).status, 0);
+}
+
 TEST_F(CliUsage, PrintsItsVersion) {
   const Output output = bare({"--version"});
   EXPECT_EQ(output.status, 0);
@@ -115,10 +147,16 @@ TEST_F(CliUsage, NamesWhatItDoesNotExpect) {
             "sitelist: unknown command \"edit bogus\"\n  next: see `sitelist edit --help`\n");
   EXPECT_EQ(error({"show", "a", "b"}),
             "sitelist: unexpected argument \"b\"\n  next: see `sitelist show --help`\n");
+  EXPECT_EQ(error({"show", "a", "c", "--wide", "b"}),
+            "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist show --help`\n");
+  EXPECT_EQ(error({"show", "a", "c", "b", "--secret", "x"}),
+            "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist show --help`\n")
+      << "what follows an option may be its value";
   EXPECT_EQ(error({"policies", "a", "b"}),
             "sitelist: unexpected argument \"b\"\n  next: see `sitelist policies --help`\n");
   EXPECT_EQ(error({"edit", "set", "Depot", "--password=secret"}),
-            "sitelist: unknown option \"--password\"\n  next: see `sitelist edit set --help`\n");
+            "sitelist: unknown option \"--password\"; did you mean --password-file, "
+            "--password-stdin or --password-field?\n  next: see `sitelist edit set --help`\n");
   EXPECT_EQ(error({"show", "--agent-dir", "a", "--agent-dir", "b"}),
             "sitelist: --agent-dir: the option is given more than once\n"
             "  next: see `sitelist show --help`\n");

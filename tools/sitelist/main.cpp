@@ -117,6 +117,15 @@ void lookForFormat(const std::vector<std::string>& arguments, Context& context) 
   }
 }
 
+int help(const Context& context, CommandLine& line) {
+  try {
+    std::cout << helpOn(line, *context.helpOn);
+    return exitSuccess;
+  } catch (const Failure& failure) {
+    return fail(context, failure);
+  }
+}
+
 int run(Context& context, std::vector<std::string> arguments) {
   const std::vector<std::string> meshCommand = takeMeshCommand(arguments);
   std::string text;
@@ -129,6 +138,7 @@ int run(Context& context, std::vector<std::string> arguments) {
     outcome = line->parse(arguments, text);
   }
   context.meshCommand = meshCommand;
+  context.command = line->commandName();
   switch (outcome) {
     case CommandLine::Outcome::Answered:
       std::cout << text;
@@ -139,6 +149,13 @@ int run(Context& context, std::vector<std::string> arguments) {
     case CommandLine::Outcome::Parsed:
       break;
   }
+  if (context.json && !context.format.empty() && context.format != "json") {
+    return fail(
+        context,
+        Failure(exitUsage, "--json and --format " + context.format + " cannot be used together",
+                "give only one of them"));
+  }
+  if (context.helpOn) return help(context, *line);
   if (!context.action) {
     if (formatOf(context) != Format::Table) {
       return fail(context, Failure(exitUsage, "a command is required", seeHelp("")));
@@ -146,7 +163,6 @@ int run(Context& context, std::vector<std::string> arguments) {
     std::cerr << line->help();
     return exitUsage;
   }
-  context.command = line->commandName();
   return perform(context);
 }
 

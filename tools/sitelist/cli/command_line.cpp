@@ -5,6 +5,8 @@
 #include <sstream>
 #include <utility>
 
+#include "tools/sitelist/cli/matching.h"
+
 namespace tool {
 namespace {
 
@@ -50,8 +52,41 @@ std::string inPlainWords(const std::string& text) {
   return text.substr(0, at) + ": " + text.substr(name, stop - name) + " is missing";
 }
 
-// Describes the first word that the parser could not use. Omits the value of an option, because it
-// may be a secret.
+bool isOptionLike(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+
+// Returns the options of a command and of the commands above it.
+std::vector<std::string> optionsOf(const CLI::App* app) {
+  std::vector<std::string> names;
+  for (; app; app = app->get_parent()) {
+    for (const CLI::Option* option : app->get_options()) {
+      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
+  }
+  return names;
+}
+
+std::vector<std::string> commandsOf(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+// Lists the arguments before the first option. A word after it may be its value.
+std::string argumentsIn(const std::vector<std::string>& words) {
+  std::string text;
+  std::size_t count = 0;
+  for (const std::string& word : words) {
+    if (isOptionLike(word)) break;
+    text += count++ == 0 ? " \"" : ", \"";
+    text.append(word).append("\"");
+  }
+  return (count == 1 ? "unexpected argument" : "unexpected arguments") + text;
+}
+
+// Describes the words that the parser could not use. Omits the value of an option, because it may
+// be a secret.
 std::string unexpected(const CLI::App& program) {
   std::string command;
   const CLI::App* app = &program;
@@ -59,17 +94,20 @@ std::string unexpected(const CLI::App& program) {
     app = app->get_subcommands().front();
     command += (command.empty() ? "" : " ") + app->get_name();
   }
-  const std::string word = program.remaining(true).front();
-  if (word.size() > 1 && word[0] == '-') {
-    return "unknown option \"" + word.substr(0, word.find('=')) + "\"";
+  const std::vector<std::string> words = program.remaining(true);
+  const std::string& word = words.front();
+  if (isOptionLike(word)) {
+    const std::string name = word.substr(0, word.find('='));
+    return "unknown option \"" + name + "\"" + suggestion(name, optionsOf(app));
   }
   const bool hasArguments =
       !app->get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
-  const bool hasCommands = !app->get_subcommands([](const CLI::App*) { return true; }).empty();
+  const std::vector<std::string> commands = commandsOf(*app);
   // The word may be a password that was meant for standard input.
-  if (!hasCommands && !hasArguments) return "\"" + command + "\" takes no argument";
-  if (!hasCommands || hasArguments) return "unexpected argument \"" + word + "\"";
-  return "unknown command \"" + (command.empty() ? "" : command + " ") + word + "\"";
+  if (commands.empty() && !hasArguments) return "\"" + command + "\" takes no argument";
+  if (commands.empty() || hasArguments) return argumentsIn(words);
+  return "unknown command \"" + (command.empty() ? "" : command + " ") + word + "\"" +
+         suggestion(word, commands);
 }
 
 CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
@@ -105,7 +143,7 @@ Option& Option::choices(const std::vector<std::string>& values) {
     if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
     std::string known;
     for (const std::string& each : values) known += (known.empty() ? "" : ", ") + each;
-    return "\"" + value + "\" is not one of " + known;
+    return "\"" + value + "\" is not one of " + known + suggestion(value, values);
   });
   return *this;
 }

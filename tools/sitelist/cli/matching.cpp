@@ -18,17 +18,20 @@ std::string lower(std::string text) {
   return text;
 }
 
-// Returns how many letters must be inserted, removed or replaced.
+// Returns how many letters must be inserted, removed, replaced or swapped with the next one.
 std::size_t distance(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> beforeLast;
+  std::vector<std::size_t> last;
   std::vector<std::size_t> row(b.size() + 1);
   for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
+    beforeLast = std::exchange(last, row);
     row[0] = i;
     for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+      const std::size_t replaced = last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+      row[j] = std::min({last[j] + 1, row[j - 1] + 1, replaced});
+      const bool areExchanged = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
+      if (areExchanged) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
     }
   }
   return row[b.size()];

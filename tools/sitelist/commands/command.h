@@ -7,6 +7,7 @@
 namespace tool {
 
 // Each function adds one command to the command line. The source file of the command has its name.
+void addHelp(Command& app, Context& context);
 void addInit(Command& app, Context& context);
 void addShow(Command& app, Context& context);
 void addGet(Command& app, Context& context);

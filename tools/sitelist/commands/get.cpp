@@ -5,6 +5,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/kinds.h"
@@ -25,8 +26,10 @@ struct GetOptions {
   bool showSecrets = false;
 };
 
-[[noreturn]] void failUnknownField(const std::string& field, const std::string& known) {
-  throw Failure(exitUsage, "unknown field \"" + shown(field) + "\"", "use one of " + known);
+[[noreturn]] void failUnknownField(const std::string& field, const std::vector<std::string>& names,
+                                   const std::string& known) {
+  throw Failure(exitUsage, "unknown field \"" + shown(field) + "\"" + suggestion(field, names),
+                "use one of " + known);
 }
 
 Failure missing(const SiteList& list, const std::string& what, const std::string& advice) {
@@ -52,7 +55,7 @@ const tag_Site& findSite(const SiteList& list, const GetOptions& options) {
         areOfOneKind ? "see them all with `sitelist show --json`" : "choose one with --kind KIND");
   }
   if (!found) {
-    throw missing(list, missingSite(options.site, options.kind),
+    throw missing(list, missingSite(options.site, options.kind) + similarSites(list, options.site),
                   "list all sites with `sitelist show`");
   }
   return *found;
@@ -69,7 +72,7 @@ Scalar siteValue(const SiteList& list, const GetOptions& options) {
   if (std::find(names.begin(), names.end(), options.field) == names.end()) {
     std::string known;
     for (const std::string& name : names) known += (known.empty() ? "" : ", ") + name;
-    failUnknownField(options.field, known);
+    failUnknownField(options.field, names, known);
   }
   const tag_Site& site = findSite(list, options);
   const Record record = recordOf(site, options.showSecrets);
@@ -84,8 +87,11 @@ Scalar siteValue(const SiteList& list, const GetOptions& options) {
 Scalar policyValue(const SiteList& list, const std::string& name) {
   const auto setting = list.policySettings.find(wide(name));
   if (setting != list.policySettings.end()) return narrow(setting->second);
-  throw missing(list, "there is no policy setting \"" + shown(name) + "\"",
-                "list all settings with `sitelist policies`");
+  std::vector<std::string> known;
+  for (const auto& [each, value] : list.policySettings) known.push_back(narrow(each));
+  throw missing(
+      list, "there is no policy setting \"" + shown(name) + "\"" + shown(suggestion(name, known)),
+      "list all settings with `sitelist policies`");
 }
 
 Scalar listValue(const SiteList& list, const GetOptions& options) {
@@ -96,7 +102,7 @@ Scalar listValue(const SiteList& list, const GetOptions& options) {
   const Record facts = listFacts(list);
   const Scalar* const value = find(facts, options.field);
   if (!value || options.field == "file") {
-    failUnknownField(options.field,
+    failUnknownField(options.field, {"globalVersion", "localVersion", "type", "fipsMode"},
                      "globalVersion, localVersion, type, fipsMode, policy.NAME, or a field of a "
                      "site with --site NAME");
   }

@@ -79,7 +79,7 @@ int printMerge(Context& context, const MergeOptions& options) {
 
 int merge(Context& context, const MergeOptions& options) {
   if (options.dryRun) return previewMerge(context, options);
-  if (options.output.empty() && (context.json || context.format != "table")) {
+  if (options.output.empty() && formatOf(context) != Format::Table) {
     throw Failure(exitUsage, "the merged list is an XML document and has no other format",
                   "omit --format, or write the list to a file with --output");
   }

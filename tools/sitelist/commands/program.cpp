@@ -46,6 +46,7 @@ constexpr CommandEntry c_commands[] = {
     {"from-buffer", addFromBuffer},
     {"server-list", addServerList},
     {"protect", addProtect},
+    {"help", addHelp},
 };
 
 void add(const CommandEntry& entry, Command& app, Context& context) {
@@ -82,6 +83,12 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
 }
 
 }  // namespace
+
+std::vector<std::string> commandNames() {
+  std::vector<std::string> names;
+  for (const CommandEntry& entry : c_commands) names.emplace_back(entry.name);
+  return names;
+}
 
 std::unique_ptr<CommandLine> makeCommandLine(Context& context) {
   auto line = makeProgram(context);

@@ -20,6 +20,13 @@ std::unique_ptr<CommandLine> makeCommandLine(Context& context);
 std::unique_ptr<CommandLine> makeCommandLineFor(const std::vector<std::string>& words,
                                                 Context& context);
 
+// Returns the names of all commands.
+std::vector<std::string> commandNames();
+
+// Returns the help text of a command, or of the tool if `command` is empty. `line` must have all
+// commands. Fails if the command does not exist.
+std::string helpOn(CommandLine& line, std::vector<std::string> command);
+
 }  // namespace tool
 
 #endif

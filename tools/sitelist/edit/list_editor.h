@@ -31,6 +31,7 @@ class ListEditor {
   // edited.
   explicit ListEditor(const SiteList& list);
 
+  const SiteList& list() const { return m_list; }
   const std::string& path() const { return m_list.path; }
   std::vector<Entry>& entries() { return m_entries; }
 

@@ -55,7 +55,8 @@ Entry& siteNamed(ListEditor& list, const SiteName& name) {
 }
 
 void failNotThere(const ListEditor& list, const SiteName& name) {
-  throw failureAt(list.path(), exitNotFound, missingSite(name.name, name.kind),
+  throw failureAt(list.path(), exitNotFound,
+                  missingSite(name.name, name.kind) + similarSites(list.list(), name.name),
                   "list all sites with `sitelist show`");
 }
 

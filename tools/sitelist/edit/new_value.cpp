@@ -7,6 +7,7 @@
 #include "platform/common/text.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_report.h"
@@ -121,9 +122,13 @@ bool isPasswordName(const std::string& name) {
   const bool isKnown = std::find(known.begin(), known.end(), name) != known.end();
   const std::string field = "field \"" + shown(name) + "\"";
   const std::string kindName = kind.name;
+  std::vector<std::string> settable;
+  for (const DocumentField& each : kind.fields) {
+    if (each.name && each.name != std::string("name")) settable.emplace_back(each.name);
+  }
   throw Failure(exitUsage,
                 isKnown ? "a site of kind " + kindName + " has no " + field + " that can be set"
-                        : "unknown " + field,
+                        : "unknown " + field + suggestion(name, settable),
                 "use one of the fields of kind " + kindName + ":\n" + fieldNames(kind, "  "));
 }
 

@@ -62,9 +62,11 @@ void requireFilterKeys(const Selection& selection) {
   for (const std::string& filter : selection.filters) {
     const std::string key = keyIn(filter);
     if (key.empty() || key == "kind" || key == "type" || key == "name") continue;
-    throw Failure(exitUsage, "unknown filter key \"" + shown(key) + "\"",
-                  "use one of kind, type, name; to match a name that contains \"=\", use "
-                  "name=PATTERN");
+    throw Failure(
+        exitUsage,
+        "unknown filter key \"" + shown(key) + "\"" + suggestion(key, {"kind", "type", "name"}),
+        "use one of kind, type, name; to match a name that contains \"=\", use "
+        "name=PATTERN");
   }
 }
 
@@ -112,7 +114,8 @@ void requireColumn(const std::string& name) {
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
   std::string known;
   for (const std::string& each : names) known += (known.empty() ? "" : ", ") + each;
-  throw Failure(exitUsage, "unknown column \"" + shown(name) + "\"", "use one of " + known);
+  throw Failure(exitUsage, "unknown column \"" + shown(name) + "\"" + suggestion(name, names),
+                "use one of " + known);
 }
 
 std::wstring cellOf(const tag_Site& site, const std::string& column, bool showSecrets) {

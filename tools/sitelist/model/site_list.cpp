@@ -1,6 +1,9 @@
 #include "tools/sitelist/model/site_list.h"
 
+#include <set>
+
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -37,6 +40,16 @@ void writeSiteList(SiteList& list, const std::string& path) {
 
 std::string missingSite(const std::string& name, const std::string& kind) {
   return "there is no site \"" + shown(name) + "\"" + (kind.empty() ? "" : " of kind " + kind);
+}
+
+std::string similarSites(const SiteList& list, const std::string& name) {
+  std::set<std::string> known;
+  for (const sitehlp::tag_Site* site = list.sites.get(); site; site = site->pNext) {
+    known.insert(narrow(nameOf(*site)));
+  }
+  known.erase(name);  // of another kind
+  known.erase("");
+  return shown(suggestion(name, {known.begin(), known.end()}));
 }
 
 std::string countEntries(const sitehlp::tag_Site* sites) {

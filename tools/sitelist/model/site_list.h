@@ -37,6 +37,10 @@ void writeSiteList(SiteList& list, const std::string& path);
 // Returns 'there is no site "Depot"' or, with a kind, 'there is no site "Depot" of kind http'.
 std::string missingSite(const std::string& name, const std::string& kind);
 
+// Returns "; did you mean A or B?" with the sites of the list whose names are similar. Returns an
+// empty text if there are none. The text is printable.
+std::string similarSites(const SiteList& list, const std::string& name);
+
 // Returns, for example, "1 entry" or "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);
 

@@ -14,15 +14,16 @@ namespace tool {
 struct Context {
   std::string agentDirectory;
   bool verbose = false;
-  std::string format = "table";
-  bool json = false;  // the same as format "json"
+  std::string format;  // empty: "table"
+  bool json = false;   // the same as format "json"
   std::string color = "auto";
-  std::string wait = "10";               // longest wait for locks, in seconds
-  unsigned int waitMilliseconds = 0;     // the same as a number, once it is checked
-  std::vector<std::string> meshCommand;  // for `init`: all words after --mesh-command
-  std::string command;                   // the name of the given command
-  std::function<int()> action;           // runs the command; returns the exit status
-  std::optional<Report> report;          // the result of the action, also after a failure
+  std::string wait = "10";                         // longest wait for locks, in seconds
+  unsigned int waitMilliseconds = 0;               // the same as a number, once it is checked
+  std::vector<std::string> meshCommand;            // for `init`: all words after --mesh-command
+  std::string command;                             // the name of the given command
+  std::optional<std::vector<std::string>> helpOn;  // for `help`: the command to describe
+  std::function<int()> action;                     // runs the command; returns the exit status
+  std::optional<Report> report;                    // the result of the action, also after a failure
 };
 
 // Returns the format of the output.

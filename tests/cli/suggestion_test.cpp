@@ -33,8 +33,8 @@ TEST_F(CliSuggestion, ProposesCommandsAndOptions) {
             "sitelist: unknown command \"edit dsable\"; did you mean disable?");
   EXPECT_EQ(message(2, {"show", "--colums", "name"}),
             "sitelist: unknown option \"--colums\"; did you mean --columns?");
-  EXPECT_EQ(message(2, {"edit", "set", "--bakup", "x"}),
-            "sitelist: unknown option \"--bakup\"; did you mean --backup?")
+  EXPECT_EQ(message(2, {"edit", "set", "--forse", "x"}),
+            "sitelist: unknown option \"--forse\"; did you mean --force?")
       << "an option of the command above";
   EXPECT_EQ(message(2, {"show", "--format=jsn"}),
             "sitelist: --format: \"jsn\" is not one of table, json, csv, xml; did you mean json?");

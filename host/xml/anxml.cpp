@@ -1,5 +1,7 @@
 #include "platform/common/anxml.h"
 
+#include <cerrno>
+
 #include "host/common/failure_text.h"
 #include "host/xml/document_tree.h"
 #include "host/xml/readable.h"
@@ -15,14 +17,24 @@ using AdvXMLParser::ParsingException;
 using AdvXMLParser::ReadWriteException;
 using AdvXMLParser::WrittenIn;
 
-std::unique_ptr<DocumentTree> treeOf(const std::string& utf8, const WrittenIn& writtenIn) {
+void logNotRead(const AString& reason) {
+  logError(host::c_logComponent, AString(L"Site list not read: ").append(reason));
+}
+
+void logNotRead(const AString& path, const std::exception& failure) {
+  logNotRead(AString(path).append(L": ").append(AString(failure.what())));
+}
+
+std::unique_ptr<DocumentTree> treeOf(const AString& path, const std::string& utf8,
+                                     const WrittenIn& writtenIn) {
   try {
     return AdvXMLParser::parseUtf8(utf8.data(), utf8.size(), &writtenIn);
-  } catch (const ReadWriteException&) {
-    return nullptr;
-  } catch (const ParsingException&) {
-    return nullptr;
+  } catch (const ReadWriteException& failure) {
+    logNotRead(path, failure);
+  } catch (const ParsingException& failure) {
+    logNotRead(path, failure);
   }
+  return nullptr;
 }
 
 }  // namespace
@@ -37,15 +49,18 @@ bool AnXml::useExistingFile(const AString& path, const wchar_t* rootName,
   WrittenIn writtenIn{AdvXMLParser::UTF_8};
   try {
     AdvXMLParser::ReadUtf8FromFile(path.str(), utf8, writtenIn);
-  } catch (const ReadWriteException&) {
+  } catch (const ReadWriteException& failure) {
+    // The reason of a failed read begins with the path.
+    if (failure.GetSystemError() != ENOENT) logNotRead(AString(failure.what()));
     return false;
   }
-  return useText(utf8, writtenIn, rootName, namespaceAttribute, namespaceValue);
+  return useText(path, utf8, writtenIn, rootName, namespaceAttribute, namespaceValue);
 }
 
-bool AnXml::useText(const std::string& utf8, const WrittenIn& writtenIn, const wchar_t* rootName,
-                    const wchar_t* namespaceAttribute, const wchar_t* namespaceValue) {
-  std::unique_ptr<DocumentTree> tree = treeOf(utf8, writtenIn);
+bool AnXml::useText(const AString& path, const std::string& utf8, const WrittenIn& writtenIn,
+                    const wchar_t* rootName, const wchar_t* namespaceAttribute,
+                    const wchar_t* namespaceValue) {
+  std::unique_ptr<DocumentTree> tree = treeOf(path, utf8, writtenIn);
   if (!tree || !host::isElement(tree->root(), rootName) ||
       !host::hasAttribute(tree->root(), namespaceAttribute, namespaceValue)) {
     return false;

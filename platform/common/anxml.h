@@ -33,16 +33,17 @@ class PLATFORM_API AnXml {
   // Reads a file. Its root element must have the name `rootName` and, if `namespaceAttribute` is
   // given, that attribute with the value `namespaceValue`. Returns false if the file cannot be
   // read, is not valid in its encoding, or is not well formed. Also returns false if it is over a
-  // limit or has another root. The object then keeps its old document. Blocks on the file system.
-  // May throw std::bad_alloc.
+  // limit or has another root. The object then keeps its old document. One error line gives the
+  // reason, unless the file is missing, has no markup, or has another root. Blocks on the file
+  // system. May throw std::bad_alloc.
   bool useExistingFile(const AString& path, const wchar_t* rootName,
                        const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 
-  // Does the same as useExistingFile for a text that AdvXMLParser::ReadUtf8FromFile has read. Does
-  // not block.
-  bool useText(const std::string& utf8, const AdvXMLParser::WrittenIn& writtenIn,
-               const wchar_t* rootName, const wchar_t* namespaceAttribute,
-               const wchar_t* namespaceValue);
+  // Does the same as useExistingFile for a text that AdvXMLParser::ReadUtf8FromFile has read from
+  // `path`. Does not block.
+  bool useText(const AString& path, const std::string& utf8,
+               const AdvXMLParser::WrittenIn& writtenIn, const wchar_t* rootName,
+               const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 
   // Creates or atomically replaces the file with the document as UTF-8, with an XML declaration and
   // without a byte order mark. The mode and owner of an old file are kept. A new file is readable

@@ -12,8 +12,8 @@ using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 bool openSiteListText(AnXml& document, const ListSource& source) {
-  return document.useText(source.utf8(), source.writtenIn(), WX_XML_SITELISTS, WX_XML_NAMESPACE,
-                          WX_XML_SITELISTS_NAMESPACE);
+  return document.useText(source.path(), source.utf8(), source.writtenIn(), WX_XML_SITELISTS,
+                          WX_XML_NAMESPACE, WX_XML_SITELISTS_NAMESPACE);
 }
 
 bool openLocked(AnXml& document, const AString& path) {

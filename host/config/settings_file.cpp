@@ -126,8 +126,8 @@ class SettingsReader {
                       std::int64_t largest) const {
     const auto result = as<std::int64_t>(name, value, "a whole number");
     if (result < smallest || result > largest) {
-      fail(value, name + " must be from " + std::to_string(smallest) + " to " +
-                      std::to_string(largest));
+      fail(value,
+           name + " must be from " + std::to_string(smallest) + " to " + std::to_string(largest));
     }
     return static_cast<unsigned int>(result);
   }

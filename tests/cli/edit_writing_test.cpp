@@ -104,8 +104,7 @@ TEST_F(CliEditWriting, EditsAnotherFileWithoutAnAgent) {
   const auto before = agentFiles();
   EXPECT_EQ(edit({"--file", path, "enable", "a"}).status, 0);
   EXPECT_EQ(agentFiles(), before);
-  const Output output =
-      bare({"--agent-dir", file("none"), "edit", "--file", path, "disable", "a"});
+  const Output output = bare({"--agent-dir", file("none"), "edit", "--file", path, "disable", "a"});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_FALSE(exists(file("none")));
   EXPECT_THAT(readFile(path), HasSubstr("Enabled=\"0\""));
@@ -130,9 +129,8 @@ TEST_F(CliEditWriting, KeepsTheOldListWhenThereIsNoRoom) {
   write("agent/agent.toml", "history = 0\n");
   const auto before = agentFiles();
   for (const Arguments& arguments : {Arguments{"edit", "enable", "a"}, {"undo"}}) {
-    const Output output =
-        shell("(trap '' XFSZ; ulimit -f 0; exec \"$0\" --agent-dir agent \"$@\") 2>&1 | cat",
-              arguments);
+    const Output output = shell(
+        "(trap '' XFSZ; ulimit -f 0; exec \"$0\" --agent-dir agent \"$@\") 2>&1 | cat", arguments);
     EXPECT_THAT(output.out, AllOf(HasSubstr("written"), HasSubstr("\n  next: ")));
     EXPECT_EQ(agentFiles(), before);
   }

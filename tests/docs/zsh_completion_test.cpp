@@ -49,7 +49,8 @@ TEST_F(ZshTerminal, CompletesCommandsOptionsAndFiles) {
   EXPECT_EQ(zsh.completed("sitelist get glob"), "[sitelist][get][globalVersion]");
   EXPECT_EQ(zsh.completed("sitelist edit set Depot order=1 relative"),
             "[sitelist][edit][set][Depot][order=1][relativePath=]");
-  EXPECT_EQ(zsh.completed("sitelist edit --dry-run add f"), "[sitelist][edit][--dry-run][add][ftp]");
+  EXPECT_EQ(zsh.completed("sitelist edit --dry-run add f"),
+            "[sitelist][edit][--dry-run][add][ftp]");
   EXPECT_EQ(zsh.completed("sitelist edit --file inc"),
             "[sitelist][edit][--file][incoming list.xml]");
   EXPECT_EQ(zsh.completed("sitelist show inc"), "[sitelist][show][incoming list.xml]");

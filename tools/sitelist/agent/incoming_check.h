@@ -15,8 +15,8 @@ namespace tool {
 // reads any other document as a list without sites.
 void requireSiteList(const std::string& name, const AdvXMLParser::Document& document);
 
-// Does this for an incoming list. Also fails if it has no site, unless --allow-empty is given or the
-// import checks the list. Does nothing for a file that is not a document, because the library
+// Does this for an incoming list. Also fails if it has no site, unless --allow-empty is given or
+// the import checks the list. Does nothing for a file that is not a document, because the library
 // reports it.
 void requireIncomingList(const IncomingOptions& options);
 

@@ -98,6 +98,7 @@ int modify(Context& context, const ModifyOptions& options) {
   PasswordCheck passwords(context, options.incoming.allowLostPasswords);
   serveDetachedAgent(context);
   failIfNotEditable(ownList);
+  failIfNotEditable(options.incoming.file);
   modifyCopy(ScratchDirectory(directoryOf(ownList)), options, ownList, passwords);
   clearLogRecords();
   serveAgent(context);

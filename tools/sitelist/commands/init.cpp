@@ -128,9 +128,10 @@ void addInit(Command& app, Context& context) {
                   "mesh/SiteList.xml in the data directory)")
       .type_name("PATH");
   command
-      .add_option("--owner", options->owner,
-                  "The user of the agent. Directories and files then belong to\nthis user. Only "
-                  "root can name another user.")
+      .add_option(
+          "--owner", options->owner,
+          "The user of the agent, to whom its directories and files\nbelong. Only root can name "
+          "another user.")
       .type_name("USER")
       .not_empty();
   // What follows the program was taken off the command line before; see Context::meshCommand.

@@ -114,6 +114,23 @@ void lockAndUnlock() {
   korvel_com::orb::lock::InterProcessWriteLock("AnotherLock").lock(0);
 }
 
+// Releases the cached list and reads it anew. Only one thread does so, because the operations that
+// look at the cached list themselves are alone with it in a child.
+void replaceTheCachedList(const Workshop& workshop) {
+  sitehlp::CSitesHelper helper(wide(workshop.own()));
+  helper.needToUpdateInMemSiteList();
+  helper.needToUpdateInMemSiteList();
+  std::wstring text[5];
+  int port = 0;
+  helper.GetPYXServerInfo(text[0], text[1], text[2], text[3], port, text[4], true, false);
+}
+
+// The local version is the present time.
+void writeWithATimeStamp(const Workshop& workshop) {
+  sitehlp::CSitesHelper(true).CreateSiteList(
+      nullptr, wide(workshop.agent.dataDirectory() + "/stamped.xml"), L"G", L"", L"", {});
+}
+
 }  // namespace
 
 ForkFigures forkBesideThreads(unsigned long forks, const Progress& progress) {
@@ -129,6 +146,8 @@ ForkFigures forkBesideThreads(unsigned long forks, const Progress& progress) {
                              [&] {
                                writingOperation("import").run(workshop);
                                readingOperations().front().run(workshop);
+                               replaceTheCachedList(workshop);
+                               writeWithATimeStamp(workshop);
                              }});
   for (; figures.forks < forks; ++figures.forks) {
     Forked child([&] {

@@ -8,7 +8,8 @@
 namespace test {
 
 // The results of forks in a process whose threads encrypt passwords, log, lock, read and write all
-// the time. Each child must complete every public operation.
+// the time. They also replace the cached list and use the local time. Each child must complete
+// every public operation.
 struct ForkFigures {
   unsigned long forks = 0;
   unsigned long hung = 0;  // children that did not end in time

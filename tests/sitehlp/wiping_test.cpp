@@ -17,12 +17,14 @@ namespace {
 
 const void* g_watched = nullptr;
 std::vector<unsigned char> g_bytesAtRelease;
+const sitehlp::tag_Site* g_cachedAtRelease = nullptr;
 
 void lookAt(const void* memory) {
   if (!memory || memory != g_watched) return;
   g_watched = nullptr;
   const auto* bytes = static_cast<const unsigned char*>(memory);
   g_bytesAtRelease.assign(bytes, bytes + sizeof(sitehlp::tag_Site));
+  g_cachedAtRelease = sitehlp::CSitesHelper::m_pSiteList;
 }
 
 }  // namespace
@@ -68,6 +70,20 @@ class Wiping : public test::SitesHelperTest {
     return text;
   }
 };
+
+// A child of a fork at that moment must not find a list that is partly released.
+TEST_F(Wiping, OfAReplacedListBeginsWhenNoListIsCached) {
+  const std::wstring file = store(test::documentWithSites("<UNCSite/><UNCSite/>"));
+  tag_Site* list = nullptr;
+  ASSERT_EQ(helper.SmartReadSiteList(file, &list), 0);
+  helper.needToUpdateInMemSiteList();
+  helper.needToUpdateInMemSiteList();
+  g_watched = list;
+  g_cachedAtRelease = list;
+  ASSERT_EQ(helper.SmartReadSiteList(file, &list), 0);
+  EXPECT_EQ(g_watched, nullptr) << "the old list was not released";
+  EXPECT_EQ(g_cachedAtRelease, nullptr);
+}
 
 TEST_F(Wiping, EveryFieldThatIsAPasswordIsGone) {
   for (const sitehlp::SiteKind kind : sitehlp::c_siteKinds) {

@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/log_sink.h"
 #include "tests/import/records.h"
 #include "tests/support/child_process.h"
 #include "tests/support/heap.h"
@@ -17,7 +18,8 @@ namespace {
 
 using namespace sitehlp;
 
-// How often the slower one of two operations runs at least.
+// How often the slower one of two operations runs at least. When the faster one has finished its
+// runs, the pair ends, even if the slower one ran only this often.
 constexpr unsigned long c_least = 5;
 // What a pair may leave on the heap, a few records or some text for each run being more.
 constexpr long c_heapNoise = 128 * 1024;
@@ -37,8 +39,9 @@ bool mayRunTogether(const SharedOperation& a, const SharedOperation& b) {
 class Pairs {
  public:
   Pairs(unsigned long times, Channel& channel) : m_times(times), m_channel(channel) {
-    m_workshop.agent.settings.logLevel = LogLevel::Off;
+    m_workshop.agent.settings.logLevel = LogLevel::Detail;
     m_workshop.agent.apply();
+    host::setLogSink([this](LogLevel, const std::wstring&, const std::wstring&) { ++m_lines; });
   }
 
   void run(const SharedOperation& a, const SharedOperation& b) {
@@ -63,6 +66,7 @@ class Pairs {
     }
   }
   unsigned long runs() const { return m_runs; }
+  unsigned long lines() const { return m_lines; }
 
  private:
   using Outcomes = std::set<std::string>;
@@ -128,6 +132,7 @@ class Pairs {
   Workshop m_workshop;
   std::atomic<int> m_ready{0};
   unsigned long m_runs = 0;
+  unsigned long m_lines = 0;  // that were logged; the log guards it
 };
 
 struct PairOfOperations {
@@ -162,6 +167,7 @@ CHILD_PROCESS(runPairsFrom) {
   if (left > c_heapNoiseOfAll) {
     channel.send("FAULT together all pairs leave " + std::to_string(left) + " bytes");
   }
+  if (runner.lines() == 0) channel.send("FAULT together all pairs log nothing");
   channel.send("RUNS " + std::to_string(runner.runs()));
   return 0;
 }

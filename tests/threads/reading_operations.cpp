@@ -99,6 +99,21 @@ std::string runCertificates(const Workshop& w) {
   return told(result, certificates);
 }
 
+std::string runContents(const Workshop& w) {
+  ListContents contents;
+  std::string sites;
+  const int result =
+      CSitesHelper::ReadListContents(wide(w.own()), contents, [&sites](tag_Site* site) {
+        const SiteChain owner(site);
+        sites += told(0, owner.head());
+      });
+  std::vector<std::wstring> texts = {contents.globalVersion, contents.localVersion, contents.type,
+                                     contents.fipsMode.value_or(L"-")};
+  for (const auto& [name, value] : contents.policySettings) texts.push_back(name + L"=" + value);
+  texts.insert(texts.end(), contents.certificates.begin(), contents.certificates.end());
+  return told(result, texts) + sites;
+}
+
 std::string runMergeOwn(const Workshop& w) {
   const SiteChain first{serverSite(L"server"), typed(httpSite(L"fall"), L"fallback")};
   SiteChain list;
@@ -160,6 +175,7 @@ SharedOperations readingSharedOperations() {
       {"GetGlobalSitelistVersion", runGlobalVersion},
       {"GetSitelistFipsMode", runFipsMode},
       {"GetCaCertificates", runCertificates},
+      {"ReadListContents", runContents},
       {"MergeSiteLists with the own list", runMergeOwn},
       {"MergeSiteLists into the second list", runMergeIntoSecond},
       {"ValidateSiteListForInstall", runValidate},

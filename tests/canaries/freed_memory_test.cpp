@@ -4,8 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <new>
+#include <set>
+#include <utility>
 
 #include "sitehlp/sites_helper.h"
 #include "tests/canaries/passwords.h"
@@ -13,6 +17,7 @@
 #include "tests/import/records.h"
 #include "tests/resilience/experiment.h"
 #include "tests/resilience_memory/every_allocation.h"
+#include "tests/threads/operations.h"
 
 // Whatever memory is given back, on any path of any operation, holds no password and no key.
 namespace {
@@ -20,6 +25,33 @@ namespace {
 using namespace sitehlp;
 using namespace test;
 using testing::IsEmpty;
+
+// Operations whose steps have the names of tests/resilience, by their names in tests/threads.
+const std::map<std::string, std::string> c_underAnotherName = {
+    {"FreeSiteListMemory", "release"},
+    {"MergeSiteLists of two lists", "merge of two lists"},
+    {"ReadSiteList", "read"},
+    {"ReadSiteList without the lock", "read-unlocked"},
+    {"MustReadSiteList", "must-read"},
+    {"SmartReadSiteList", "smart-read"},
+    {"needToUpdateInMemSiteList", "change-notice"},
+    {"GetPYXServerInfo", "servers"},
+    {"GetSiteListBuffer", "buffer"},
+    {"GetSitelistVersions", "versions"},
+    {"GetSitelistFipsMode", "fips-mode"},
+    {"GetCaCertificates", "certificates"},
+    {"MergeSiteLists with the own list", "merge"},
+    {"ValidateSiteListForInstall", "validate"},
+    {"ImportSiteList", "import"},
+    {"ImportSiteList into a new directory", "import-new-directory"},
+    {"InstallSiteList", "install"},
+    {"CreateSiteList", "create"},
+    {"CreateSiteListFromBuffer", "create-from-buffer"},
+    {"CreateServerSiteList", "server-list"},
+    {"CreateServerSiteList with adjusted passwords", "server-list-adjusted"},
+    {"modifySiteList", "modify"},
+    {"createServerSiteListFromSiteList", "derive"},
+};
 
 class FreedMemory : public testing::Test {
  protected:
@@ -85,8 +117,28 @@ class FreedMemory : public testing::Test {
     }
   }
 
-  // Every operation on files, each with the clear passwords of the caller made beforehand.
+  // Every operation, each with the clear passwords of the caller made beforehand.
   std::vector<Step> operations() {
+    std::vector<Step> steps = fileOperations();
+    for (std::vector<Step>& some : std::vector<std::vector<Step>>{recordOperations(), writers()}) {
+      std::move(some.begin(), some.end(), std::back_inserter(steps));
+    }
+    std::set<std::string> names;
+    for (const Step& step : steps) names.insert(step.name);
+    for (const auto& [operation, step] : c_underAnotherName) {
+      EXPECT_EQ(names.count(step), 1U) << step;
+      names.insert(operation);
+    }
+    // The others have no clear password of the caller.
+    for (const SharedOperation& operation : sharedOperations()) {
+      if (names.count(operation.name) != 0) continue;
+      steps.push_back({operation.name, [this] { workshop.reset(); },
+                       [this, &operation] { operation.run(workshop); }});
+    }
+    return steps;
+  }
+
+  std::vector<Step> fileOperations() {
     std::vector<Step> steps;
     for (const auto* operations : {&writingOperations(), &readingOperations()}) {
       for (const Operation& operation : *operations) {
@@ -134,6 +186,120 @@ class FreedMemory : public testing::Test {
     return steps;
   }
 
+  // A step on the caller's list.
+  Step onList(const std::string& name, std::function<void()> run) {
+    return {name,
+            [this] {
+              workshop.reset();
+              fillList();
+              target.take(list.release());
+              fillList();
+              setText(list.head()->szType, L"fallback");
+            },
+            std::move(run)};
+  }
+
+  std::vector<Step> recordOperations() {
+    return {
+        onList("MergeThisSiteList",
+               [this] {
+                 SiteChain merged;
+                 tag_Site* tail = nullptr;
+                 CSitesHelper(true).MergeThisSiteList(list.head(), true, &tail, merged.address());
+               }),
+        onList("GetFallbackSite and UpdateFallbackSite",
+               [this] {
+                 tag_Site* fallback = nullptr;
+                 tag_Site* tail = target.last();
+                 CSitesHelper helper(true);
+                 setText(target.head()->szType, L"fallback");  // is replaced
+                 for (int i = 0; i < 2; ++i) {
+                   if (helper.GetFallbackSite(list.head(), &fallback) != 0) return;
+                   helper.UpdateFallbackSite(fallback, &tail, target.address());
+                   setText(target.head()->szType, L"repository");  // the next one is appended
+                 }
+               }),
+        onList("GetVestaSite and UpdateVestaSite",
+               [this] {
+                 SiteChain servers;
+                 if (CSitesHelper(true).GetVestaSite(list.head(), servers.address()) != 0) return;
+                 tag_Site* tail = target.last();
+                 CSitesHelper(true).UpdateVestaSite(servers.release(), &tail, target.address());
+               }),
+        onList("MergeSiteLists into the second list",
+               [this] {
+                 SiteChain merged;
+                 CSitesHelper(wide(workshop.own()))
+                     .MergeSiteLists(nullptr, list.head(), true, merged.address());
+               }),
+        onList("SourceSiteListCheck",
+               [this] { CSitesHelper(true).SourceSiteListCheck(list.head(), true); }),
+        onList("AdjustSitesOrder", [this] { CSitesHelper(true).AdjustSitesOrder(list.head()); }),
+        onList("InternalImportSiteList",
+               [this] {
+                 CSitesHelper(wide(workshop.own()))
+                     .InternalImportSiteList(wide(workshop.incoming()), list.head(), L"");
+               }),
+        onList("createDirectoriesAndCopyKeyFiles",
+               [this] {
+                 CSitesHelper(wide(workshop.own()))
+                     .createDirectoriesAndCopyKeyFiles(wide(workshop.incoming()), list.head(), L"");
+               }),
+        {"ReadListContents", [this] { workshop.reset(); },
+         [this] {
+           ListContents contents;
+           CSitesHelper::ReadListContents(wide(workshop.own()), contents, [](tag_Site* site) {
+             CSitesHelper::FreeSiteListMemory(site);
+           });
+         }},
+        // A direct call decrypts with the agent's key, as that of the own list is.
+        {"AdjustPwd", [this] { workshop.reset(); },
+         [this] {
+           const std::string bytes = readFile(workshop.own());
+           korvel_com::ZQ::crypto::AnObjectBuffer<unsigned char> buffer(
+               static_cast<unsigned int>(bytes.size()),
+               reinterpret_cast<const unsigned char*>(bytes.data()));
+           CSitesHelper(wide(workshop.own())).AdjustPwd(buffer);
+         }},
+        {"decrypt_data",
+         [this] {
+           workshop.reset();
+           recovered.assign(recovered.capacity(), L'\0');
+           recovered.clear();
+         },
+         [this, sealed = wide(protect(workshop, c_canary, Owner::Server))] {
+           decrypt_data(sealed, recovered);
+         }},
+    };
+  }
+
+  // The operations that add the element of one record to a tree.
+  std::vector<Step> writers() {
+    struct Writer : CSitesHelper {
+      using CSitesHelper::CSitesHelper;
+      using CSitesHelper::m_pSiteListElement;
+    };
+    using Add = int (CSitesHelper::*)(tag_Site*, int);
+    std::vector<Step> steps;
+    const auto add = [&](const std::string& name, Add member, std::int32_t kind) {
+      steps.push_back(onList(name, [this, member, kind] {
+        AdvXMLParser::Document document(L"SiteList");
+        AdvXMLParser::Element anchor = document.GetRoot();
+        Writer writer(true);
+        writer.m_pSiteListElement = &anchor;
+        for (tag_Site* site = list.head(); site; site = site->pNext) {
+          if (site->eSiteKind == kind) (writer.*member)(site, 0);
+        }
+      }));
+    };
+    add("AddHTTPSite", &CSitesHelper::AddHTTPSite, SITE_KIND_HTTP);
+    add("AddFTPSite", &CSitesHelper::AddFTPSite, SITE_KIND_FTP);
+    add("AddUNCSite", &CSitesHelper::AddUNCSite, SITE_KIND_UNC);
+    add("AddLocalSite", &CSitesHelper::AddLocalSite, SITE_KIND_LOCAL);
+    add("AddProxySite", &CSitesHelper::AddProxySite, SITE_KIND_PROXY);
+    return steps;
+  }
+
   void fillList() {
     list.clear();
     list.add(httpSite(L"http"));
@@ -141,6 +307,7 @@ class FreedMemory : public testing::Test {
     list.add(uncSite(L"unc"));
     list.add(localSite(L"local"));
     list.add(proxySite(L"proxy"));
+    list.add(serverSite(L"server"));
     for (tag_Site* site = list.head(); site; site = site->pNext) fillPasswords(*site);
   }
   void fillPasswords(tag_Site& site) const {
@@ -165,6 +332,9 @@ class FreedMemory : public testing::Test {
   std::vector<std::string> secrets;
   const std::wstring clear = wide(c_canary);
   SiteChain list;
+  SiteChain target;
+  // What a caller gets in clear is the caller's to wipe.
+  std::wstring recovered = std::wstring(4096, L'\0');
   Faults faults;
   unsigned long runs = 0;
 };
@@ -325,8 +495,6 @@ class FreedOddPasswords : public FreedMemory {
     add(readingOf("a password that is cut", byAgent.substr(4), byServer.substr(4)));
     return steps;
   }
-
-  std::wstring recovered = std::wstring(4096, L'\0');
 };
 
 TEST_F(FreedOddPasswords, AreGoneAfterAnyRead) {

@@ -19,8 +19,8 @@ std::wstring plainAddress(const wchar_t* text) {
 
 // Copies the server sites of the instance's own list.
 int readServers(CSitesHelper& helper, ListOwner& servers) {
-  const CacheGuard
-      guard;  // held until they are copied, because another thread may replace the cached list
+  // Held until the sites are copied, because another thread may replace the cached list.
+  const CacheGuard guard;
   tag_Site* list = nullptr;
   const int result = smartRead(helper, std::wstring(), &list);
   if (result < 0) {

@@ -157,6 +157,10 @@ std::string describe(const SupervisorReport& report, unsigned int timeoutSeconds
   if (report.kind == SupervisorReport::TimedOut) {
     return "it exceeded the limit of " + std::to_string(timeoutSeconds) + " s and was ended";
   }
+  if (report.kind == SupervisorReport::NotEnded) {
+    return "it exceeded the limit of " + std::to_string(timeoutSeconds) +
+           " s and could not be ended";
+  }
   if (WIFSIGNALED(report.value)) {
     return "it was ended by signal " + std::to_string(WTERMSIG(report.value));
   }

@@ -9,10 +9,10 @@
 namespace host {
 
 // Runs a program, given by full path, without a shell and waits for its end. After `timeoutSeconds`
-// the program and its process group get SIGTERM, and SIGKILL two seconds later. Its standard input
-// is empty, and `output` receives what it prints. It inherits no descriptors and no signal
-// settings. Processes that it leaves running get SIGPIPE when they print, or EPIPE if they ignore
-// that signal.
+// the program and its process group get SIGTERM, and SIGKILL two seconds later. A program that
+// still runs four seconds after that is left running. Its standard input is empty, and `output`
+// receives what it prints. It inherits no descriptors and no signal settings. Processes that it
+// leaves running get SIGPIPE when they print, or EPIPE if they ignore that signal.
 //
 // Returns an empty text when the program ended with status 0, otherwise a description of the
 // failure. The result does not depend on how the process handles SIGCHLD or waits for its children.

@@ -16,6 +16,7 @@ namespace {
 constexpr int c_report = 3;
 constexpr int c_firstOther = 4;
 constexpr unsigned int c_graceSeconds = 2;
+constexpr int c_lastAlarm = 4;
 
 std::atomic<pid_t> g_program{0};
 std::atomic<int> g_alarms{0};
@@ -55,7 +56,15 @@ void resetSignals() {
 
 void onAlarm(int) {
   const int error = errno;
-  ::kill(-g_program, g_alarms++ == 0 ? SIGTERM : SIGKILL);
+  const int number = ++g_alarms;
+  if (number == c_lastAlarm) {
+    // The program has the rights of another user, or the system does not end it.
+    report(SupervisorReport::NotEnded, 0);
+    ::_exit(0);
+  }
+  const int sent = number == 1 ? SIGTERM : SIGKILL;
+  ::kill(-g_program, sent);
+  ::kill(g_program, sent);  // it may have left its process group
   ::alarm(c_graceSeconds);
   errno = error;
 }
@@ -94,8 +103,8 @@ int waitFor(pid_t program) {
 
 void supervise(const SupervisorPlan& plan) {
   resetSignals();
-  ::setpgid(0,
-            0);  // otherwise a signal from the terminal would end the supervisor before its program
+  // Otherwise a signal from the terminal would end the supervisor before its program.
+  ::setpgid(0, 0);
   if (!arrangeDescriptors(plan)) {
     const int error = errno;
     ::dup2(plan.report, c_report);

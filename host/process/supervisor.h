@@ -14,13 +14,14 @@ struct SupervisorPlan {
 
 // The report of a supervisor, in one write. Only the first report counts.
 struct SupervisorReport {
-  enum Kind : int { NotStarted, Ended, TimedOut };
+  enum Kind : int { NotStarted, Ended, TimedOut, NotEnded };
   Kind kind;
-  int value;  // NotStarted: an errno; otherwise the status as of waitpid
+  int value;  // NotStarted: an errno; NotEnded: 0; otherwise the status as of waitpid
 };
 
 // Runs a supervisor in the child of a fork. The supervisor starts a program, waits for its end and
-// reports it, so that its parent need not wait for a process. Calls only functions that are safe in
+// reports it, so that its parent need not wait for a process. It reports a program that cannot be
+// ended as well, and leaves it running. Calls only functions that are safe in
 // the child of a process with threads. All signals must be blocked before the call.
 [[noreturn]] void supervise(const SupervisorPlan& plan);
 

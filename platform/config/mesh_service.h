@@ -27,8 +27,8 @@ class PLATFORM_API MeshServiceStartupControl {
   static MeshServiceStartupControl* GetInstance(void* reserved1, void* reserved2);
 
   // Runs the load command and waits for its end. Returns 1 on success and another value on failure,
-  // which is logged. Blocks at most for the time in the agent's settings. Does not depend on how
-  // the process handles SIGCHLD or waits for its children.
+  // which is logged. Blocks at most for the time in the agent's settings and a few seconds. Does
+  // not depend on how the process handles SIGCHLD or waits for its children.
   int RunMeshServiceLoadSiteListCmd();
 };
 

@@ -70,7 +70,7 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
              L" may be the same file; next: remove the symbolic link between them");
     return false;
   }
-  return writeLocked(document, targetPath);
+  return isWithinRecordLimits(siteList, targetPath) && writeLocked(document, targetPath);
 }
 
 }  // namespace sitehlp

@@ -1,7 +1,12 @@
 #include "sitehlp/edit/edit_document.h"
 
+#include <cstddef>
+
 #include "platform/lock/interprocess_lock.h"
+#include "sitehlp/common/caught.h"
 #include "sitehlp/common/locks.h"
+#include "sitehlp/records/record_limits.h"
+#include "sitehlp/records/site_elements.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -10,6 +15,18 @@ namespace sitehlp {
 using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
+
+namespace {
+
+std::size_t numberOfChildren(const AnXmlNode& node) {
+  AnXmlChildIndex children(node, nullptr);
+  AnXmlNode child;
+  std::size_t number = 0;
+  while (children.moveNext(child)) ++number;
+  return number;
+}
+
+}  // namespace
 
 bool openSiteListText(AnXml& document, const ListSource& source) {
   return document.useText(source.path(), source.utf8(), source.writtenIn(), WX_XML_SITELISTS,
@@ -23,6 +40,23 @@ bool openLocked(AnXml& document, const AString& path) {
                                                WX_XML_SITELISTS_NAMESPACE);
   lock.unlock();
   return opened;
+}
+
+bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
+  // Names take time. They matter only if there are enough elements to exceed that limit.
+  const bool namesMatter = numberOfChildren(siteList) > c_maxUnknownElements;
+  RecordLimits limits;
+  AnXmlChildIndex sites(siteList, nullptr);
+  AnXmlNode site;
+  while (sites.moveNext(site)) {
+    const bool isKnown = !namesMatter || isKnownInList(site.getName().c_str());
+    if (const char* const limit = limits.add(isKnown)) {
+      logCause(L"Cannot write the edited list " + path + L": list over the limit: " +
+               AString(limit).str());
+      return false;
+    }
+  }
+  return true;
 }
 
 bool writeLocked(const AnXml& document, const AString& path) {

@@ -1,6 +1,8 @@
 #ifndef SITEHLP_EDIT_EDIT_DOCUMENT_H
 #define SITEHLP_EDIT_EDIT_DOCUMENT_H
 
+#include <string>
+
 #include "platform/common/anxml.h"
 #include "platform/common/astring.h"
 #include "sitehlp/read/list_source.h"
@@ -15,6 +17,10 @@ bool openSiteListText(AnXml& document, const ListSource& source);
 
 // Opens a file as a site list document, under the read lock "SiteListLock".
 bool openLocked(AnXml& document, const AString& path);
+
+// Returns whether a reader accepts the number of records of a "SiteList" element. If not, logs why
+// the list is not written to `path`. AnXml::writeFile checks the other limits.
+bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path);
 
 // Writes a document under the write lock "SiteListLock".
 bool writeLocked(const AnXml& document, const AString& path);

@@ -1,14 +1,11 @@
 #include <utility>
 
 #include "platform/common/log.h"
-#include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/common/number.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/read/document_reader.h"
 #include "sitehlp/records/record.h"
-#include "sitehlp/records/record_limits.h"
-#include "sitehlp/records/site_elements.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/vendor_hosts.h"
 #include "sitehlp/xmlschema/sitelist.h"
@@ -74,21 +71,6 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
   }
 }
 
-// With the added servers, the list may have more records than a reader accepts.
-bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
-  RecordLimits limits;
-  AnXmlChildIndex sites(siteList, nullptr);
-  AnXmlNode site;
-  while (sites.moveNext(site)) {
-    if (const char* const limit = limits.add(isKnownInList(site.getName().c_str()))) {
-      logCause(L"Cannot write the edited list " + path + L": list over the limit: " +
-               AString(limit).str());
-      return false;
-    }
-  }
-  return true;
-}
-
 // Does the same as MustReadSiteList, but keeps only one record. This record determines which key
 // files come with the list: the first server with a version, otherwise the first record. Memory for
 // the others would take more time than all other steps.
@@ -132,10 +114,8 @@ bool CSitesHelper::modifySiteList(const wchar_t* sourcePath, bool replaceReposit
     return false;
   }
   if (replaceRepositories) replaceRepositoriesIn(*this, targetSiteList, sourceSiteList);
-  if (replaceServerSites) {
-    doReplacePyxSite(targetRoot, sourceRoot);
-    if (!isWithinRecordLimits(targetSiteList, m_strSiteListFile)) return false;
-  }
+  if (replaceServerSites) doReplacePyxSite(targetRoot, sourceRoot);
+  if (!isWithinRecordLimits(targetSiteList, m_strSiteListFile)) return false;
   m_strCurrentFile = incomingFile.path();
   ListOwner incoming;
   if (mustReadDecidingSite(incomingFile, m_bUseDecryptData == 1, m_policySettings, incoming) < 0) {

@@ -86,6 +86,44 @@ TEST_F(EditLimits, HoldForTheMemoryOfTheRecordsThatAReaderMakes) {
                 notWritten + L"list over the limit: memory for records");
 }
 
+// The list may have had too many sites before the edit.
+TEST_F(EditLimits, HoldForTheSitesThatAnEditLeavesAlone) {
+  const std::wstring tooMany = L"list over the limit: number of elements of unknown kind";
+  writeFile(incoming, document(server("new")));
+  for (const std::size_t more : {0, 1}) {
+    const std::string list = document(repeated("<Odd/>", c_mostUnknown + more));
+    for (const bool repositories : {false, true}) {
+      writeFile(own, list);
+      agent.clearLog();
+      EXPECT_EQ(
+          CSitesHelper(wide(own)).modifySiteList(wide(incoming).c_str(), repositories, false, L""),
+          more == 0);
+      if (more == 0) continue;
+      EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(notWritten + tooMany));
+      EXPECT_TRUE(readFile(own) == list) << "the list is another one";
+    }
+  }
+}
+
+TEST_F(EditLimits, HoldForADerivedList) {
+  const std::string derived = work.file("ServerSiteList.xml");
+  const std::wstring from = wide(agent.dataDirectory() + "/etc");
+  const std::string local = "<HttpSite Local='1'/>";  // is left out
+  writeFile(own, document(local + repeated("<Odd/>", c_mostUnknown)));
+  EXPECT_TRUE(
+      CSitesHelper::createServerSiteListFromSiteList(from.c_str(), wide(work.path()).c_str()));
+  EXPECT_EQ(readCode(derived), c_errorGeneral);
+  writeFile(derived, "old");
+  writeFile(own, document(local + repeated("<Odd/>", c_mostUnknown + 1)));
+  agent.clearLog();
+  EXPECT_FALSE(
+      CSitesHelper::createServerSiteListFromSiteList(from.c_str(), wide(work.path()).c_str()));
+  EXPECT_THAT(agent.texts(LogLevel::Error),
+              ElementsAre(L"Cannot write the edited list " + wide(derived) +
+                          L": list over the limit: number of elements of unknown kind"));
+  EXPECT_EQ(readFile(derived), "old");
+}
+
 // The reason of a failed call names the file as well.
 TEST_F(EditLimits, LeaveTheNameOfTheFileOnceInTheLineOfAFailedWrite) {
   writeFile(own, document(""));

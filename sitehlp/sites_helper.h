@@ -171,7 +171,8 @@ class SITEHLP_API CSitesHelper {
   // `*list` is unchanged on -2, -4 and -10, and null on -5. docs/site-list-format.md gives the
   // limits of a document. If one of them is exceeded, `*list` is null. A list may also have at most
   // 1,024 elements of unknown kind, and its records at most IConfiguration::GetMaxRecordBytes()
-  // bytes. If one of these two limits is exceeded, `*list` has the records that were read before.
+  // bytes. If one of these two limits is exceeded, `*list` has the records that were read before,
+  // and the policy settings were added.
   int ReadSiteList(const std::wstring& path, tag_Site** list, bool useLock);
 
   // Sets `*record` to null, then decodes one site element, or a "ProxyConfig", into a new
@@ -235,7 +236,7 @@ class SITEHLP_API CSitesHelper {
   // Returns
   //
   // - 0 when the last record was processed;
-  // - -1 when the last record is of unknown kind;
+  // - -1 when the last record is of unknown kind. The document is written without that record;
   // - -11 when the file could not be written or there is no path. The mesh copy is still written,
   //   and the load command is run;
   // - -11 also when the document would exceed a limit of ReadSiteList. The old file is then
@@ -397,13 +398,16 @@ class SITEHLP_API CSitesHelper {
   // Makes an incoming site list the instance's own, without checks. Installs the key files first,
   // then the list with its versions, type and certificates. `srcPath` must not be empty, and the
   // instance must have a file of its own. The incoming file is read only once. `keyDir` is the
-  // directory of the management server's public key. It is used only if the server in the list has
-  // no version. If it is empty, no key is read.
+  // directory of the management server's public key. It is used unless a management server in the
+  // list has a version. If it is empty, no key is read.
+  //
+  // The policy settings of the list are added to those of the instance, even if a later step fails.
+  // The new list has all settings of the instance.
   //
   // Returns
   //
   // - 0 when the list was installed;
-  // - -1 when the key files or the list could not be written;
+  // - -1 when the key files could not be read or written, or the list could not be written;
   // - the failure of MustReadSiteList or GetSitelistVersions.
   //
   // The old list remains until the new one is written, but key files may be replaced before that.
@@ -414,8 +418,8 @@ class SITEHLP_API CSitesHelper {
   // nothing is written.
   int ImportSiteList(const std::wstring& srcPath, const std::wstring& keyDir);
   // Does the part that InstallSiteList and ImportSiteList share, for a list that was read from
-  // `srcPath`. The list remains the caller's. AdjustSitesOrder and CreateSiteList modify its
-  // records.
+  // `srcPath`, which must not be empty. The list remains the caller's. AdjustSitesOrder and
+  // CreateSiteList modify its records.
   int InternalImportSiteList(const std::wstring& srcPath, tag_Site* sites,
                              const std::wstring& keyDir);
 
@@ -510,8 +514,8 @@ class SITEHLP_API CSitesHelper {
   // false with an empty `out` and an error line if the file is empty.
   bool readKeyFile(const AString& dir, const AString& name, ABuffer& out);
 
-  // Reads the key files of an incoming list. Each flag shows whether its buffer is valid. All flags
-  // must be false before the call.
+  // Reads the key files of an incoming list. `srcSiteListPath` must not be empty. Each flag shows
+  // whether its buffer is valid. All flags must be false before the call.
   //
   // If the list has a management server with a version, reads the two key pairs next to
   // `srcSiteListPath`. A pair is valid only if both its files can be read. If only the public key
@@ -543,6 +547,7 @@ class SITEHLP_API CSitesHelper {
   bool writable(const AString& path);
 
   // Installs the key files of an incoming list next to the instance's own file, which must be set.
+  // `srcSiteListPath` must not be empty.
   // Creates the directory if it is missing. Checks that every file can be written before it writes
   // the first. Files that were written before a failure remain.
   //

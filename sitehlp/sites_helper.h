@@ -616,7 +616,8 @@ class SITEHLP_API CSitesHelper {
   // "Local" is "1". Writes the result to "ServerSiteList.xml" in `targetDir`, or in `sourceDir` if
   // `targetDir` is null. An empty directory is the current one. "SiteListLock" is held while each
   // file is read or written. Returns true only if the file was written. Returns false and changes
-  // nothing if both paths lead to the same file, or if that cannot be determined.
+  // nothing if both paths lead to the same file, or if that cannot be determined. The same holds if
+  // the result would exceed a limit of ReadSiteList.
   static bool createServerSiteListFromSiteList(const wchar_t* sourceDir, const wchar_t* targetDir);
 
  protected:

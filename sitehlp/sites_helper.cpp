@@ -8,12 +8,12 @@
 #include "platform/config/configuration.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/common/component.h"
-#include "sitehlp/common/locks.h"
 #include "sitehlp/common/process_state.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
 namespace sitehlp {
 
+using korvel_com::orb::lock::c_waitForEver;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_TYPE_CLIENT;
 

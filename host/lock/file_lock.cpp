@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "host/fs/file_system.h"
+#include "platform/lock/interprocess_lock.h"
 
 namespace host {
 namespace {
@@ -22,7 +23,7 @@ constexpr microseconds c_longestPause{5000};
 
 Patience::Patience(unsigned int milliseconds)
     : m_isNone(milliseconds == 0),
-      m_forEver(milliseconds >= c_waitForEver),
+      m_forEver(milliseconds >= korvel_com::orb::lock::c_waitForEver),
       m_end(Clock::now() + std::chrono::milliseconds(m_forEver ? 0 : milliseconds)) {}
 
 int Patience::lock(int fd, int operation) const {

@@ -9,13 +9,11 @@ namespace host {
 
 enum class LockMode { Read, Write };
 
-// A wait without a limit.
-constexpr unsigned int c_waitForEver = 0x7FFFFFFF;
-
 // The longest wait of one locking operation, from the creation of the object. It covers all steps
 // and attempts.
 class Patience {
  public:
+  // `milliseconds`: see InterProcessReadLock::lock.
   explicit Patience(unsigned int milliseconds);
 
   // Returns whether the operation does not wait.

@@ -19,6 +19,9 @@ namespace lock {
 
 struct LockImpl;
 
+// A wait without a limit.
+constexpr unsigned int c_waitForEver = 0x7FFFFFFF;
+
 // A lock held as a reader.
 class PLATFORM_API InterProcessReadLock {
  public:
@@ -28,7 +31,7 @@ class PLATFORM_API InterProcessReadLock {
   InterProcessReadLock(const InterProcessReadLock&) = delete;
   InterProcessReadLock& operator=(const InterProcessReadLock&) = delete;
 
-  // Locks. Waits at most `waitMilliseconds`; 0 does not wait, 0x7FFFFFFF waits without limit.
+  // Locks. Waits at most `waitMilliseconds`; 0 does not wait, c_waitForEver waits without limit.
   // Changes to the lock files do not make the wait longer. Returns whether the lock is held
   // afterwards. Returns false without a log line when the time has run out. Returns false with one
   // error line, and without waiting, when the lock cannot be opened:

@@ -4,7 +4,6 @@
 
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/common/caught.h"
-#include "sitehlp/common/locks.h"
 #include "sitehlp/records/record_limits.h"
 #include "sitehlp/records/site_elements.h"
 #include "sitehlp/sites_helper.h"
@@ -12,6 +11,7 @@
 
 namespace sitehlp {
 
+using korvel_com::orb::lock::c_waitForEver;
 using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)

@@ -2,6 +2,7 @@
 
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/common/number.h"
 #include "sitehlp/edit/edit_document.h"
 #include "sitehlp/read/document_reader.h"
@@ -15,8 +16,6 @@ namespace sitehlp {
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-constexpr const wchar_t* c_fallbackType = L"fallback";
 
 // A default vendor repository in a document.
 struct VendorSite {

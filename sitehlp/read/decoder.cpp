@@ -6,6 +6,7 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/common/number.h"
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/read/field_reader.h"
@@ -20,8 +21,6 @@ using AdvXMLParser::Element;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-constexpr unsigned int c_defaultPort = 80;
 
 const ChildReader<c_httpFields> c_httpChildren;
 const ChildReader<c_ftpFields> c_ftpChildren;

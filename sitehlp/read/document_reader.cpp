@@ -4,6 +4,7 @@
 #include "platform/crypto/crypt_shim.h"
 #include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/read/list_builder.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/sites_helper.h"
@@ -16,13 +17,10 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-constexpr const wchar_t* c_setting = L"Setting";
-constexpr const wchar_t* c_settingName = L"name";
-
 void readPolicies(const Element& policies, PolicySettings& policySettings) {
   for (const Element setting : policies.Elements()) {
-    if (!setting.HasName(c_setting)) continue;
-    policySettings[setting.GetAttribute(c_settingName).GetValue()] = setting.GetValue();
+    if (!setting.HasName(c_policySetting)) continue;
+    policySettings[setting.GetAttribute(c_policySettingName).GetValue()] = setting.GetValue();
   }
 }
 

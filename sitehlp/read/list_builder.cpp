@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/common/text.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/read/decoder.h"
 #include "sitehlp/read/field_reader.h"
 #include "sitehlp/records/record.h"
@@ -20,8 +21,6 @@ using AdvXMLParser::Element;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-constexpr std::int32_t c_fallbackOrder = 65535;
 
 struct ReleaseRecord {
   void operator()(tag_Site* record) const { releaseRecord(record); }
@@ -60,7 +59,7 @@ void readCommonAttributes(const SiteAttributes& attributes, tag_Site& site) {
   readAttributes<fields::c_head>(attributes, site);
   site.bMirror = wcsicmp(site.szType, STR_SITE_TYPE_MIRROR) == 0 ? 1 : 0;
   if (attributes.get<&WX_XML_SITE_ORDER>().IsNull() && isFallback(site)) {
-    site.iOrder = c_fallbackOrder;
+    site.iOrder = c_orderOfFallback;
   }
 }
 

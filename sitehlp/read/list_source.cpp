@@ -7,11 +7,11 @@
 #include "platform/common/astring.h"
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/common/caught.h"
-#include "sitehlp/common/locks.h"
 #include "sitehlp/sites_helper.h"
 
 namespace sitehlp {
 
+using korvel_com::orb::lock::c_waitForEver;
 using korvel_com::orb::lock::InterProcessReadLock;
 
 ListSource::ListSource(std::wstring path) : m_path(std::move(path)) {}

@@ -4,6 +4,7 @@
 
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/read/field_reader.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -14,9 +15,6 @@ using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-us
 
 namespace {
 
-// The text must be shorter than this. A delimiter is counted for each host.
-constexpr std::size_t c_exclusionListLimit = 4000;
-
 const ChildReader<c_proxyFields> c_children;
 
 }  // namespace
@@ -26,7 +24,7 @@ void readExclusions(const Element& element, tag_ProxySite& site) {
   for (const Element child : element.Elements()) {
     if (!child.HasName(WX_XML_PROXY_EXCLUSIONHOST)) continue;
     // A delimiter is counted even for the first host, which has none.
-    const std::size_t room = c_exclusionListLimit - length;
+    const std::size_t room = c_exclusionLimit - length;
     const std::size_t start = site.iExclusionCount != 0 ? length + 1 : length;
     if (room > 1 && child.CopyValue(site.szExclusionList + start, room - 1)) {
       if (start != length) site.szExclusionList[length] = c_proxyParamDelimiter[0];

@@ -7,7 +7,6 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
-#include "sitehlp/common/locks.h"
 #include "sitehlp/common/process_state.h"
 #include "sitehlp/read/document_reader.h"
 #include "sitehlp/read/smart_read.h"
@@ -17,6 +16,7 @@
 
 namespace sitehlp {
 
+using korvel_com::orb::lock::c_waitForEver;
 using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_CABUNDLE;
 

@@ -6,6 +6,7 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/fields.h"
 #include "sitehlp/sites_helper.h"
@@ -76,7 +77,7 @@ bool isVersionedServer(const tag_Site& record) {
   return isServerSite(record) && record.http.szVersion[0] != L'\0';
 }
 
-bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, L"fallback") == 0; }
+bool isFallback(const tag_Site& record) { return wcsicmp(record.szType, c_fallbackType) == 0; }
 
 void CSitesHelper::CopyWStr(wchar_t* dest, const wchar_t* src, unsigned long capacity) {
   std::wcsncpy(dest, src, capacity);  // fills the rest of the field with zeros

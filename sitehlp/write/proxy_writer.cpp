@@ -2,6 +2,7 @@
 
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/write/field_writer.h"
 #include "sitehlp/write/site_writers.h"
@@ -12,9 +13,6 @@ namespace sitehlp {
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-// One less than the capacity of the field. Other readers of the record in the agent rely on it.
-constexpr unsigned int c_exclusionFormatCapacity = 4000;
 
 void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serverName,
                wchar_t (&server)[c_textCapacity], const wchar_t* portName, std::int32_t port) {
@@ -28,7 +26,7 @@ void addServer(CSitesHelper& helper, ElementWriter& writer, const wchar_t* serve
 void writeExclusions(CSitesHelper& helper, wchar_t (&hosts)[c_exclusionListCapacity],
                      ElementWriter& writer) {
   hosts[c_exclusionListCapacity - 1] = L'\0';
-  helper.FormatEnvSymbols(hosts, c_exclusionFormatCapacity);
+  helper.FormatEnvSymbols(hosts, c_exclusionLimit);
   writer.open(WX_XML_PROXY_EXCLUSIONLIST);
   wchar_t* position = nullptr;
   for (const wchar_t* host = std::wcstok(hosts, c_proxyParamDelimiter, &position); host;

@@ -7,6 +7,7 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/common/password.h"
 #include "sitehlp/common/wipe.h"
 #include "sitehlp/records/record.h"
@@ -19,9 +20,6 @@ namespace sitehlp {
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 namespace {
-
-constexpr const wchar_t* c_localServer = L"127.0.0.1";
-constexpr const wchar_t* c_encrypted = L"Encrypted";
 
 void replaceAll(std::wstring& text, const std::wstring& from, const wchar_t* to) {
   for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from)) {

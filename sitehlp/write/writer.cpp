@@ -6,7 +6,7 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/common/caught.h"
 #include "sitehlp/common/component.h"
-#include "sitehlp/common/locks.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/common/process_state.h"
 #include "sitehlp/read/document_reader.h"
 #include "sitehlp/records/record_limits.h"
@@ -18,6 +18,7 @@
 
 namespace sitehlp {
 
+using korvel_com::orb::lock::c_waitForEver;
 using korvel_com::orb::lock::InterProcessWriteLock;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
@@ -63,8 +64,8 @@ void writePolicies(ElementWriter& writer, const PolicySettings& policySettings) 
   if (policySettings.empty()) return;
   writer.open(WX_XML_POLICIES);
   for (const auto& [name, value] : policySettings) {
-    writer.open(L"Setting");
-    writer.addAttribute(L"name", name);
+    writer.open(c_policySetting);
+    writer.addAttribute(c_policySettingName, name);
     writer.addText(value.data(), value.size());
     writer.close();
   }

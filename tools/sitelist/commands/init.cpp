@@ -52,9 +52,9 @@ void makeDataDirectory(const std::string& directory, const std::string& owner) {
 }
 
 void makeLocks(Context& context) {
-  using korvel_com::orb::lock::InterProcessWriteLock;
+  using namespace korvel_com::orb::lock;  // NOLINT(google-build-using-namespace)
   for (const char* name : {sitehlp::c_siteListLock, sitehlp::smartSiteListLock}) {
-    if (!InterProcessWriteLock(name).lock(0x7FFFFFFF)) {
+    if (!InterProcessWriteLock(name).lock(c_waitForEver)) {
       throw cannotMake(context.agentDirectory + "/locks", "the lock files cannot be used");
     }
   }

@@ -4,17 +4,18 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "host/agent.h"
 #include "tools/sitelist/cli/exit_status.h"
 #include "tools/sitelist/commands/command.h"
 
 namespace tool {
 namespace {
 
-constexpr const char* c_defaultAgentDirectory = "/Library/Korvel/orb";
+std::string defaultAgentDirectory() { return host::AgentSettings().dataDirectory; }
 
 std::string usualAgentDirectory() {
   const char* const set = std::getenv("SITELIST_AGENT_DIR");
-  return set && *set ? set : c_defaultAgentDirectory;
+  return set && *set ? set : defaultAgentDirectory();
 }
 
 struct CommandEntry {
@@ -61,8 +62,8 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
   Command app = line->program();
   context.agentDirectory = usualAgentDirectory();
   app.add_option("--agent-dir", context.agentDirectory,
-                 "Data directory of the agent (default: the value of\nSITELIST_AGENT_DIR, or "
-                 "/Library/Korvel/orb without it)")
+                 "Data directory of the agent (default: the value of\nSITELIST_AGENT_DIR, or " +
+                     defaultAgentDirectory() + " without it)")
       .type_name("DIR");
   app.add_option("--format", context.format, "Output format: table (the default), json, csv or xml")
       .type_name("FORMAT")

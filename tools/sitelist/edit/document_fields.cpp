@@ -4,6 +4,7 @@
 #include <limits>
 #include <tuple>
 
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/model/kinds.h"
 #include "tools/sitelist/model/site_list.h"
@@ -72,7 +73,7 @@ Fields fieldsOf(const NamedKind& kind) {
       return fieldsIn(sitehlp::c_uncFields);
     case sitehlp::SITE_KIND_LOCAL:
       return withAttribute(fieldsIn(sitehlp::c_localFields), "local", WX_XML_SITE_SERVER,
-                           L"127.0.0.1");
+                           sitehlp::c_localServer);
     case sitehlp::SITE_KIND_PROXY:
       break;
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 
@@ -12,8 +13,6 @@ namespace {
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 constexpr const wchar_t* c_elementText = L"";
-constexpr const wchar_t* c_encrypted = L"Encrypted";
-constexpr const wchar_t* c_defaultPort = L":80";  // for an address without a port
 
 std::vector<AnXmlNode> childrenNamed(const AnXmlNode& node, const wchar_t* name) {
   std::vector<AnXmlNode> children;
@@ -61,7 +60,9 @@ void writeAddress(AnXmlNode& element, const NewValue& newValue) {
   if (newValue.field->place == FieldPlace::Port) {
     element.setValue(name, old.substr(0, colon) + L":" + newValue.text);
   } else {
-    const std::wstring port = colon == std::wstring::npos ? c_defaultPort : old.substr(colon);
+    const std::wstring port = colon == std::wstring::npos
+                                  ? L':' + std::to_wstring(sitehlp::c_defaultPort)
+                                  : old.substr(colon);
     element.setValue(name, newValue.text + port);
   }
 }
@@ -105,7 +106,7 @@ void writeField(const AnXmlNode& site, const NewValue& newValue) {
       return writeAddress(holder, newValue);
     case FieldPlace::Child: {
       AnXmlNode child = lastChild(holder, field.xmlName);
-      if (field.form == FieldForm::Password) child.setValue(c_encrypted, L"1");
+      if (field.form == FieldForm::Password) child.setValue(sitehlp::c_encrypted, L"1");
       return child.setValue(c_elementText, newValue.text);
     }
     case FieldPlace::ExclusionHosts:

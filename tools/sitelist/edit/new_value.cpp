@@ -5,6 +5,7 @@
 
 #include "platform/common/astring.h"
 #include "platform/common/text.h"
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/matching.h"
@@ -17,8 +18,8 @@ namespace {
 
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 
-// The limit of the reader, which counts a delimiter even for the first host.
-constexpr std::size_t c_hostsLimit = 4000;
+// The reader counts a delimiter even for the first host.
+constexpr std::size_t c_hostsLimit = sitehlp::c_exclusionLimit;
 
 [[noreturn]] void refuse(const DocumentField& field, const std::string& what,
                          const std::string& advice) {

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/list_contents.h"
 #include "sitehlp/sites_helper.h"
 
@@ -48,9 +49,8 @@ std::string countEntries(const sitehlp::tag_Site* sites);
 const char* kindOf(const sitehlp::tag_Site& site);
 const wchar_t* nameOf(const sitehlp::tag_Site& site);
 
-constexpr const wchar_t* c_fallbackType = L"fallback";  // case is ignored
-// The order that the library reads for a fallback without an order.
-constexpr std::int32_t c_orderOfFallback = 65535;
+using sitehlp::c_fallbackType;
+using sitehlp::c_orderOfFallback;
 
 constexpr long c_maxPort = 65535;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "sitehlp/common/document_values.h"
 #include "sitehlp/fields.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/model/kinds.h"
@@ -121,8 +122,8 @@ ElementGrammar grammarOf(const NamedKind& kind) {
 std::vector<ElementGrammar> makeGrammars() {
   std::vector<ElementGrammar> grammars = {
       {WX_XML_CABUNDLE, nullptr, {}, {{WX_XML_CACERTIFICATE, ValueType::Elements}}},
-      {WX_XML_POLICIES, nullptr, {}, {{L"Setting", ValueType::Elements}}},
-      {L"Setting", nullptr, {{L"name", ValueType::Any}}, {}},
+      {WX_XML_POLICIES, nullptr, {}, {{sitehlp::c_policySetting, ValueType::Elements}}},
+      {sitehlp::c_policySetting, nullptr, {{sitehlp::c_policySettingName, ValueType::Any}}, {}},
       {WX_XML_SITELIST,
        nullptr,
        {{WX_XML_SITELIST_DEFAULT, ValueType::Unread}, {WX_XML_SITE_NAME, ValueType::Unread}},

@@ -1,6 +1,7 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/log_texts.h"
 #include "sitehlp/query/certificates.h"
 #include "sitehlp/query/versions.h"
 #include "sitehlp/read/document_reader.h"
@@ -55,7 +56,7 @@ int importFrom(CSitesHelper& helper, const std::wstring& target, ListSource& sou
   const int writeResult =
       helper.CreateSiteList(sites, target, globalVersion, localVersion, type, certificates);
   if (writeResult < 0) {
-    logError(c_component, AString(L"CreateSiteList failed hr=").append(writeResult));
+    logError(c_component, AString(log_texts::c_listNotCreated).append(writeResult));
     return c_errorGeneral;
   }
   return c_success;
@@ -84,7 +85,8 @@ int CSitesHelper::ImportSiteList(const std::wstring& srcPath, const std::wstring
   if (readResult < 0) return readResult;
   std::wstring overwrite;
   if (GetPolicySetting(L"OverwriteClientSites", overwrite) && overwrite != L"0") {
-    logInfo(c_component, AString(L"WARNING: imported site list \"")
+    logInfo(c_component, AString(log_texts::c_importedList)
+                             .append(L"\"")
                              .append(srcPath)
                              .append(L"\" will be overwritten by Pyx site list"));
   }
@@ -110,7 +112,7 @@ void CSitesHelper::AdjustSitesOrder(tag_Site* sites) {
   if (!http || !ftp || http->iOrder == 0 || ftp->iOrder == 0) return;
   if (ftp->iOrder >= http->iOrder) return;
   std::swap(http->iOrder, ftp->iOrder);
-  logInfo(c_component, L"Exchanged orders for WexHttp and WexFtp.");
+  logInfo(c_component, log_texts::c_ordersExchanged);
 }
 
 }  // namespace sitehlp

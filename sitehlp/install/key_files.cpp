@@ -1,6 +1,7 @@
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/log_texts.h"
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/sites_helper.h"
@@ -85,7 +86,7 @@ bool CSitesHelper::writable(const AString& path) {
   bool accessible = false;
   if (!AFiler::getFileAccessibility(path, AFiler::accessWrite, exists, accessible)) return false;
   if (!exists || accessible) return true;
-  logError(c_component, AString(L"Can't write ").append(path));
+  logError(c_component, AString(log_texts::c_notWritable).append(path));
   return false;
 }
 

@@ -2,6 +2,7 @@
 #include "platform/common/log.h"
 #include "platform/common/text.h"
 #include "sitehlp/common/component.h"
+#include "sitehlp/common/log_texts.h"
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/sites_helper.h"
@@ -44,22 +45,21 @@ class Checks {
 
 void checkServerSite(const tag_Site& site, const std::wstring& siteListFile, Checks& checks) {
   const tag_HttpSite& http = site.http;
-  checks.failIf(site.bLocal != 0, L"must not be local");
+  checks.failIf(site.bLocal != 0, log_texts::c_serverLocal);
   if (site.eSiteKind != SITE_KIND_HTTP) {
-    checks.fail(
-        AString(L"type must be HTTP site not ").append(static_cast<unsigned int>(site.eSiteKind)));
+    checks.fail(AString(log_texts::c_serverKind).append(static_cast<unsigned int>(site.eSiteKind)));
   }
   if (wcsicmp(site.szType, STR_SITE_TYPE_MASTER) != 0) {
-    checks.fail(AString(L"site type must be master not ").append(site.szType));
+    checks.fail(AString(log_texts::c_serverType).append(site.szType));
   }
   if (wcsicmp(http.szElement, WX_XML_SITELIST_VESTA_SITE) != 0) {
-    checks.fail(AString(L"proto type must be VestaSite not ").append(http.szElement));
+    checks.fail(AString(log_texts::c_serverElement).append(http.szElement));
   }
-  checks.failIf(http.szName[0] == L'\0', L"name cannot be empty");
-  checks.failIf(http.szServer[0] == L'\0', L"server name cannot be empty");
-  checks.failIf(http.szServerIP[0] == L'\0', L"VESTA IP address cannot be empty");
-  checks.failIf(http.szServerName[0] == L'\0', L"computer name cannot be empty");
-  checks.failIf(http.szRelativePath[0] == L'\0', L"path cannot be empty");
+  checks.failIf(http.szName[0] == L'\0', log_texts::c_noServerName);
+  checks.failIf(http.szServer[0] == L'\0', log_texts::c_noServerAddress);
+  checks.failIf(http.szServerIP[0] == L'\0', log_texts::c_noServerIp);
+  checks.failIf(http.szServerName[0] == L'\0', log_texts::c_noComputerName);
+  checks.failIf(http.szRelativePath[0] == L'\0', log_texts::c_noServerPath);
   if (http.szVersion[0] == L'\0') return;
   std::wstring directory;
   splitPath(siteListFile, &directory, nullptr);
@@ -71,14 +71,13 @@ void checkServerSite(const tag_Site& site, const std::wstring& siteListFile, Che
 
 int CSitesHelper::SourceSiteListCheck(tag_Site* list, bool checkServer) {
   Checks checks;
-  checks.failIf(!list, L"no sites in site list");
+  checks.failIf(!list, log_texts::c_noSites);
   if (checkServer) {
     const ADetailTrace trace(c_component, L"VESTA site checks");
     ListOwner servers;
     const int result = GetVestaSite(list, servers.out());
     if (result < 0 || !servers.get()) {
-      logError(c_component,
-               AString(L"Failed to get VESTA site hr=").append(static_cast<long>(result)));
+      logError(c_component, AString(log_texts::c_noServer).append(static_cast<long>(result)));
       return result;
     }
     checkServerSite(*servers.get(), m_strCurrentFile, checks);

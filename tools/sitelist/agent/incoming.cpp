@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "host/fs/files.h"
+#include "sitehlp/common/log_texts.h"
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
@@ -104,7 +105,7 @@ void failIfNotWritten(const std::string& list, int code) {
   for (const wchar_t* name : c_keyFiles) paths.push_back(directory + "/" + narrow(name));
   for (const std::string& path : paths) {
     LoggedReason logged = takeReasonOfWrite(path);
-    if (logged.reason.empty() && wasLogged(L"Can't write " + wide(path)) &&
+    if (logged.reason.empty() && wasLogged(sitehlp::log_texts::c_notWritable + wide(path)) &&
         ::access(path.c_str(), W_OK) != 0) {
       logged.reason = std::strerror(errno);
     }
@@ -118,7 +119,7 @@ void failIfNotWritten(const std::string& list, int code) {
 }
 
 void failOwnFiles(const IncomingOptions& options, const std::string& ownList, int code) {
-  if (wasLogged(L"CreateSiteList failed hr=")) {
+  if (wasLogged(sitehlp::log_texts::c_listNotCreated)) {
     throw writeFailure(ownList, code, "the list could not be written");
   }
   failIfNotWritten(ownList, code);
@@ -165,11 +166,11 @@ bool isTime(const std::wstring& version) {
 // Prints notes from the log about the import.
 void reportNotes(const std::string& file) {
   for (const LogRecord& record : logRecords()) {
-    if (begins(record.text, L"WARNING: imported site list ")) {
+    if (begins(record.text, sitehlp::log_texts::c_importedList)) {
       std::cerr << "sitelist: " << shown(file)
                 << ": warning: the next list from the management server will overwrite this one "
                    "(policy setting \"OverwriteClientSites\")\n";
-    } else if (begins(record.text, L"Exchanged orders ")) {
+    } else if (record.text == sitehlp::log_texts::c_ordersExchanged) {
       std::cerr << "sitelist: swapped the orders of the default vendor repositories, so that the "
                    "HTTP one comes first\n";
     }

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cwchar>
 
+#include "sitehlp/common/log_texts.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -16,6 +17,7 @@
 namespace tool {
 namespace {
 
+namespace log_texts = sitehlp::log_texts;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST;
 using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
 
@@ -31,24 +33,24 @@ struct Wording {
 };
 
 constexpr Wording c_wordings[] = {
-    {"no-sites", L"no sites in site list", L"", true, "the list has no sites"},
-    {"no-server", L"Failed to get VESTA site hr=", L"", false, "the list has no management server"},
-    {"server-not-local", L"must not be local", L"", true,
+    {"no-sites", log_texts::c_noSites, L"", true, "the list has no sites"},
+    {"no-server", log_texts::c_noServer, L"", false, "the list has no management server"},
+    {"server-not-local", log_texts::c_serverLocal, L"", true,
      "the management server must not be local"},
-    {"server-kind-http", L"type must be HTTP site not ", L"", false,
+    {"server-kind-http", log_texts::c_serverKind, L"", false,
      "the management server must be of the HTTP kind"},
-    {"server-type-master", L"site type must be master not ", L"", false,
+    {"server-type-master", log_texts::c_serverType, L"", false,
      "the type of the management server must be \"master\", not "},
-    {"server-element", L"proto type must be VestaSite not ", L"", false,
+    {"server-element", log_texts::c_serverElement, L"", false,
      "the element of the management server must be \"VestaSite\", not "},
-    {"server-name", L"name cannot be empty", L"", true, "the management server has no \"Name\""},
-    {"server-address", L"server name cannot be empty", L"", true,
+    {"server-name", log_texts::c_noServerName, L"", true, "the management server has no \"Name\""},
+    {"server-address", log_texts::c_noServerAddress, L"", true,
      "the management server has no \"Server\""},
-    {"server-ip-address", L"VESTA IP address cannot be empty", L"", true,
+    {"server-ip-address", log_texts::c_noServerIp, L"", true,
      "the management server has no \"ServerIP\""},
-    {"server-computer-name", L"computer name cannot be empty", L"", true,
+    {"server-computer-name", log_texts::c_noComputerName, L"", true,
      "the management server has no \"ServerName\""},
-    {"server-path", L"path cannot be empty", L"", true,
+    {"server-path", log_texts::c_noServerPath, L"", true,
      "the management server has no \"RelativePath\""},
     {"server-request-key", L"", L"req2048seckey.bin is invalid", false,
      "the directory of the list has neither reqseckey.bin nor req2048seckey.bin, or both are "

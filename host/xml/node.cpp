@@ -33,8 +33,6 @@ bool Attribute::HasName(const wchar_t* name) const {
 
 std::wstring Attribute::GetValue() const { return wide(GetNarrowValue()); }
 
-bool Attribute::IsEmpty() const { return *GetNarrowValue() == '\0'; }
-
 const char* Attribute::GetNarrowValue() const { return asAttribute(m_handle).value(); }
 
 bool Attribute::CopyValue(wchar_t* dest, std::size_t capacity) const {

@@ -152,7 +152,6 @@ class PLATFORM_API Attribute : public Node {
   std::wstring GetName() const;             // may throw std::bad_alloc
   bool HasName(const wchar_t* name) const;  // false for a null handle
   std::wstring GetValue() const;            // may throw std::bad_alloc
-  bool IsEmpty() const;                     // a null handle or an empty value
   // Returns the value as UTF-8, for reading numbers. The pointer refers into the tree; never null.
   const char* GetNarrowValue() const;
   // Writes the value and a terminator if they fit into `capacity` characters, and returns true.

@@ -115,7 +115,7 @@ TEST(Element, CreatesAttributesBehindTheOthers) {
 TEST(Element, CreatesAnAttributeThatIsThereInItsPlaceAndWithoutItsValue) {
   const test::DocumentPtr document = parse(std::wstring(L"<r a='1' b='2' c='3'/>"));
   Attribute attribute = document->GetRoot().CreateAttribute(L"b");
-  EXPECT_TRUE(attribute.IsEmpty());
+  EXPECT_EQ(attribute.GetValue(), L"");
   EXPECT_EQ(written(*document), "<r a=\"1\" b=\"\" c=\"3\"/>");
   attribute.SetValue(L"4");
   EXPECT_EQ(written(*document), "<r a=\"1\" b=\"4\" c=\"3\"/>");
@@ -156,7 +156,6 @@ TEST(NullHandle, AnswersEveryQuestionWithNothing) {
 
   const Attribute attribute;
   EXPECT_TRUE(attribute.IsNull());
-  EXPECT_TRUE(attribute.IsEmpty());
   EXPECT_EQ(attribute.GetName(), L"");
   EXPECT_EQ(attribute.GetValue(), L"");
   EXPECT_STREQ(attribute.GetNarrowValue(), "");

@@ -57,7 +57,7 @@ TEST(AttributeLimit, AllowsTheMostAttributes) {
   ASSERT_NE(document, nullptr);
   std::size_t count = 0;
   for (const Attribute attribute : document->GetRoot().GetElement(L"b").Attributes()) {
-    count += !attribute.IsEmpty();
+    count += !attribute.GetValue().empty();
   }
   EXPECT_EQ(count, host::c_maxAttributes);
 }

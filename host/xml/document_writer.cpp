@@ -159,13 +159,13 @@ struct DocumentWriter::State {
   void leaveStartTag(const char* end) {
     isInStartTag = false;
     const auto size = static_cast<std::size_t>(end - text.data()) - tagStart;
-    require(size <= host::c_maxTokenBytes, "length of a token");
+    require(size <= host::c_maxTokenBytes, host::c_tokenLimit);
   }
 
   // A parser counts the characters of a text without escapes.
   void countText(const wchar_t* from, std::size_t length, std::size_t written) {
     textSize += written == length ? length : carriedSize(from, length);
-    require(textSize <= host::c_maxTokenBytes, "length of a text");
+    require(textSize <= host::c_maxTokenBytes, host::c_textLimit);
   }
 
   void require(bool isWithin, const char* what) {
@@ -198,10 +198,10 @@ DocumentWriter::~DocumentWriter() = default;
 void DocumentWriter::Open(const wchar_t* name) {
   State& state = *m_state;
   if (!state.open.empty()) {
-    state.require(++state.open.back().children <= host::c_maxChildren, "number of child elements");
+    state.require(++state.open.back().children <= host::c_maxChildren, host::c_childrenLimit);
   }
   state.open.push_back({name});
-  state.require(state.open.size() <= host::c_maxDepth, "depth");
+  state.require(state.open.size() <= host::c_maxDepth, host::c_depthLimit);
   state.attributes = 0;
   state.textSize = 0;
   char* out = state.endStartTag(state.text.room(c_nameRoom));
@@ -213,7 +213,7 @@ void DocumentWriter::Open(const wchar_t* name) {
 
 void DocumentWriter::AddAttribute(const wchar_t* name, const wchar_t* value, std::size_t length) {
   State& state = *m_state;
-  state.require(++state.attributes <= host::c_maxAttributes, "number of attributes");
+  state.require(++state.attributes <= host::c_maxAttributes, host::c_attributesLimit);
   char* out = state.text.room(c_nameRoom + c_pieceRoom);
   *out++ = ' ';
   out = put("=\"", 2, state.putName(name, out, c_pieceRoom));
@@ -254,7 +254,7 @@ void DocumentWriter::Refuse(const char* what) { m_state->require(false, what); }
 
 bool WriteDocumentToFile(const std::wstring& path, const DocumentWriter& document) {
   DocumentWriter::State& state = *document.m_state;
-  state.require(state.text.size() <= host::c_maxDocumentBytes, "number of bytes");
+  state.require(state.text.size() <= host::c_maxDocumentBytes, host::c_bytesLimit);
   if (!state.overLimit.empty()) {
     throw ReadWriteException(
         ReadWriteException::LIMIT_EXCEEDED, 0,

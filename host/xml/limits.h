@@ -19,6 +19,15 @@ constexpr std::size_t c_maxChildren = 32768;
 // instruction, or the text between two of these.
 constexpr std::size_t c_maxTokenBytes = std::size_t{1} << 20;
 
+// The names of the limits. The text of an exception ends with one of them, and the tool recognises
+// it there.
+constexpr const char* c_bytesLimit = "number of bytes";
+constexpr const char* c_depthLimit = "depth";
+constexpr const char* c_attributesLimit = "number of attributes";
+constexpr const char* c_childrenLimit = "number of child elements";
+constexpr const char* c_tokenLimit = "length of a token";
+constexpr const char* c_textLimit = "length of a text";
+
 }  // namespace host
 
 #endif

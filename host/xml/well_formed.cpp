@@ -101,7 +101,7 @@ class Checker {
     // The index is negative if no token precedes this one.
     const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));
     if (m_fed - static_cast<std::size_t>(start) > c_maxTokenBytes) {
-      refuseAsTooLarge("length of a token");
+      refuseAsTooLarge(c_tokenLimit);
     }
   }
 
@@ -123,14 +123,13 @@ class Checker {
     Checker& checker = from(self);
     checker.startMarkup();
     if (checker.m_depth < c_maxDepth) {
-      checker.require(++checker.m_children[checker.m_depth] <= c_maxChildren,
-                      "number of child elements");
+      checker.require(++checker.m_children[checker.m_depth] <= c_maxChildren, c_childrenLimit);
       checker.m_children[checker.m_depth + 1] = 0;
     }
-    checker.require(++checker.m_depth <= c_maxDepth, "depth");
+    checker.require(++checker.m_depth <= c_maxDepth, c_depthLimit);
     const auto attributes =
         static_cast<std::size_t>(XML_GetSpecifiedAttributeCount(checker.m_parser.get())) / 2;
-    checker.require(attributes <= c_maxAttributes, "number of attributes");
+    checker.require(attributes <= c_maxAttributes, c_attributesLimit);
   }
   static void onEndElement(void* self, const char*) {
     from(self).m_textSize = 0;
@@ -139,7 +138,7 @@ class Checker {
   static void onText(void* self, const char*, int size) {
     Checker& checker = from(self);
     checker.m_textSize += static_cast<std::size_t>(size);
-    checker.require(checker.m_textSize <= c_maxTokenBytes, "length of a text");
+    checker.require(checker.m_textSize <= c_maxTokenBytes, c_textLimit);
   }
   static void onMarkup(void* self) { from(self).m_textSize = 0; }
   static void onComment(void* self, const char*) { from(self).startMarkup(); }
@@ -148,7 +147,7 @@ class Checker {
   void startMarkup() {
     m_textSize = 0;
     const auto size = static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()));
-    require(size <= c_maxTokenBytes, "length of a token");
+    require(size <= c_maxTokenBytes, c_tokenLimit);
   }
 
   void require(bool isWithin, const char* what) {

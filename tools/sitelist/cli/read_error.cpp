@@ -34,20 +34,20 @@ std::string limitReason(const ReadWriteException& e) {
     return text.size() >= end.size() &&
            text.compare(text.size() - end.size(), end.size(), end) == 0;
   };
-  if (e.GetSystemError() == EFBIG || isOf("number of bytes")) return readFailureReason(EFBIG);
-  if (isOf("depth")) {
+  if (e.GetSystemError() == EFBIG || isOf(host::c_bytesLimit)) return readFailureReason(EFBIG);
+  if (isOf(host::c_depthLimit)) {
     return "the elements are nested deeper than " + std::to_string(host::c_maxDepth) + " levels";
   }
-  if (isOf("number of attributes")) {
+  if (isOf(host::c_attributesLimit)) {
     return "the element has more than " + std::to_string(host::c_maxAttributes) + " attributes";
   }
-  if (isOf("number of child elements")) {
+  if (isOf(host::c_childrenLimit)) {
     return "an element has more than " + std::to_string(host::c_maxChildren) + " child elements";
   }
-  if (isOf("length of a token")) {
+  if (isOf(host::c_tokenLimit)) {
     return "a tag, comment or instruction is longer than " + megabytes(host::c_maxTokenBytes);
   }
-  if (isOf("length of a text")) {
+  if (isOf(host::c_textLimit)) {
     return "a text is longer than " + megabytes(host::c_maxTokenBytes);
   }
   return text;

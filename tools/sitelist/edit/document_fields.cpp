@@ -62,7 +62,7 @@ Fields serverFields() {
   return fields;
 }
 
-Fields fieldsOf(const NamedKind& kind) {
+Fields documentFieldsOf(const NamedKind& kind) {
   switch (kind.siteKind) {
     case sitehlp::SITE_KIND_HTTP:
       return kind.element == &WX_XML_SITELIST_VESTA_SITE ? serverFields()
@@ -82,7 +82,8 @@ Fields fieldsOf(const NamedKind& kind) {
 
 std::vector<DocumentKind> makeKinds() {
   std::vector<DocumentKind> all;
-  for (const NamedKind& kind : c_kinds) all.push_back({kind.name, *kind.element, fieldsOf(kind)});
+  for (const NamedKind& kind : c_kinds)
+    all.push_back({kind.name, *kind.element, documentFieldsOf(kind)});
   return all;
 }
 

@@ -31,7 +31,7 @@ constexpr const char* c_suffix = ".xml";
 constexpr mode_t c_directoryMode = 0750;
 constexpr mode_t c_mostOfFileMode = 0640;
 
-std::string directoryOf(const std::string& list) {
+std::string historyDirectory(const std::string& list) {
   return (fs::path(list).parent_path() / "history").string();
 }
 
@@ -85,7 +85,7 @@ struct Copies {
 Copies copiesOf(const std::string& list) {
   Copies copies;
   std::error_code error;
-  for (fs::directory_iterator it(directoryOf(list), error), end; !error && it != end;
+  for (fs::directory_iterator it(historyDirectory(list), error), end; !error && it != end;
        it.increment(error)) {
     HistoryEntry entry;
     std::string front;
@@ -175,7 +175,7 @@ KeptList::KeptList(const std::string& list, const std::string& command, unsigned
   const int unread = host::readRegularFile(list, c_maxInputBytes, m_bytes);
   if (unread == ENOENT || unread == ENOTDIR || unread == EISDIR) return;  // there is no list
   if (unread) failToKeep(list, readFailureReason(unread));
-  const std::string directory = directoryOf(list);
+  const std::string directory = historyDirectory(list);
   if (const int error = host::makeDirectory(directory, c_directoryMode)) {
     failToKeep(directory, std::strerror(error));
   }

@@ -35,6 +35,8 @@ TEST_F(CliAgentDirectory, IsThatOfTheEnvironmentForEveryCommand) {
                                      {"edit", "disable", "Depot"},
                                      {"policies", "set", "Name", "Value"},
                                      {"server-list", "lists/list.xml"},
+                                     {"history"},
+                                     {"protect"},
                                      {"init"}}) {
     const auto before = agentFiles();
     const Output named = with("", Arguments{"--agent-dir", "agent"} + arguments);

@@ -66,7 +66,9 @@ class CliTwoUsers : public CliTest {
             {"modify", list, "--repositories"},
             {"merge", "--first", list, "--output", file("agent/merged.xml")},
             {"server-list", list},
-            {"derive-server-list", file("agent/etc")}};
+            {"derive-server-list", file("agent/etc")},
+            {"history"},
+            {"undo"}};
   }
 
   // What goes wrong when the agent's user runs every command; a line each.

@@ -14,6 +14,7 @@
 #include "host/fs/file_system.h"
 #include "platform/crypto/crypt_shim.h"
 #include "platform/xml/advxmlparser.h"
+#include "sitehlp/fields.h"
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -30,14 +31,24 @@ using AdvXMLParser::Element;
 using korvel_com::ZQ::crypto::CryptShim;
 using korvel_com::ZQ::crypto::IEncryption;
 
+template <const auto& Table>
+bool isPasswordIn(const Element& element) {
+  bool isOne = false;
+  sitehlp::eachField<Table>([&](auto at) {
+    constexpr const auto& row = decltype(at)::row;
+    if constexpr (row.form == sitehlp::FieldForm::Password) {
+      isOne = isOne || element.HasName(*row.xmlName);
+    }
+  });
+  return isOne;
+}
+
 bool isPassword(const Element& element) {
-  for (const wchar_t* name :
-       {schema::WX_XML_SITE_PASSWORD, schema::WX_XML_HTTP_PROXY_PROXYPASSWORD,
-        schema::WX_XML_FTP_PROXY_PROXYPASSWORD, schema::WX_XML_HTTP_PROXY_ALT_PROXYPASSWORD,
-        schema::WX_XML_FTP_PROXY_ALT_PROXYPASSWORD}) {
-    if (element.HasName(name)) return true;
-  }
-  return false;
+  return isPasswordIn<sitehlp::c_httpFields>(element) ||
+         isPasswordIn<sitehlp::c_ftpFields>(element) ||
+         isPasswordIn<sitehlp::c_uncFields>(element) ||
+         isPasswordIn<sitehlp::c_localFields>(element) ||
+         isPasswordIn<sitehlp::c_proxyFields>(element);
 }
 
 struct GiveBack {

@@ -17,7 +17,7 @@ struct ServersOptions {
 
 int servers(Context& context, const ServersOptions& options) {
   const AgentForReading agent(context, "", ListUse::ReadCached);
-  const std::string path = agent.path();
+  const std::string& path = agent.path();
   sitehlp::CSitesHelper helper(wide(path));
   std::wstring names;
   std::wstring hosts;

@@ -6,6 +6,7 @@
 
 #include "host/crypto/sealed_value.h"
 #include "tests/sitehlp/password_fixture.h"
+#include "tests/support/heap.h"
 
 namespace {
 
@@ -54,6 +55,20 @@ TEST_F(Password, EmptyPasswordIsProtectedToo) {
   EXPECT_NE(helper.EncryptPassword(L"", sealed), 0);
   EXPECT_THAT(sealed, Not(IsEmpty()));
   EXPECT_EQ(unsealed(sealed), L"");
+}
+
+TEST_F(Password, EveryObjectGoesBackToTheService) {
+  constexpr int c_times = 500;
+  std::wstring sealed;
+  std::wstring out;
+  const auto use = [&] {
+    EXPECT_NE(EncryptDecryptPassword(L"secret", sealed, true), 0);
+    EXPECT_NE(EncryptDecryptPassword(sealed, out, false), 0);
+  };
+  use();  // what is kept for good is there now
+  const std::size_t before = test::heapInUse();
+  for (int i = 0; i < c_times; ++i) use();
+  EXPECT_LT(test::heapInUse(), before + c_times);
 }
 
 TEST_F(Password, EncryptPasswordUsesNothingOfTheInstance) {

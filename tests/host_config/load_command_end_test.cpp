@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -73,8 +74,10 @@ CHILD_PROCESS(takeOtherRights) {
 }
 
 // Loads as another user, with a command that takes the rights of root. Sends what the command
-// printed and the error line.
+// printed and the error line. The parent removes the directory for its temporary files, because the
+// other user cannot.
 CHILD_PROCESS(loadAsAnotherUser) {
+  ::setenv("TMPDIR", args[1].c_str(), 1);
   test::TestAgent agent;
   if (::setgid(c_otherUser) != 0 || ::setuid(c_otherUser) != 0) return 1;
   std::vector<std::wstring> printed;
@@ -100,7 +103,7 @@ TEST(LoadCommand, IsGivenUpWhenItCannotBeEnded) {
   std::filesystem::copy_file(thisProgram(), program);
   ASSERT_EQ(::chmod(directory.path().c_str(), 0755), 0);
   ASSERT_EQ(::chmod(program.c_str(), 04755), 0);
-  test::ChildProcess child("loadAsAnotherUser", {program});
+  test::ChildProcess child("loadAsAnotherUser", {program, directory.path()});
   const std::string printed = child.receive();
   if (printed.rfind("0 ", 0) != 0) {
     std::printf("The file system gives no rights of an owner (%s): not tried.\n", printed.c_str());

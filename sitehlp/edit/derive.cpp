@@ -1,3 +1,6 @@
+#include <cstddef>
+#include <iterator>
+
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "sitehlp/common/caught.h"
@@ -15,7 +18,7 @@ namespace {
 constexpr const wchar_t* c_local = L"1";
 
 // Returns whether the local sites of this element stay out of a server list.
-bool isRepository(SiteElement element) {
+constexpr bool isRepository(SiteElement element) {
   switch (element) {
     case SiteElement::Http:
     case SiteElement::Ftp:
@@ -30,6 +33,18 @@ bool isRepository(SiteElement element) {
   }
   return false;
 }
+
+constexpr SiteElement c_repositories[] = {SiteElement::Ftp, SiteElement::Http, SiteElement::Unc,
+                                          SiteElement::Local};  // in the order of their removal
+
+constexpr std::size_t repositoryCount() {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < c_siteElementCount; ++i) {
+    if (isRepository(static_cast<SiteElement>(i))) ++count;
+  }
+  return count;
+}
+static_assert(std::size(c_repositories) == repositoryCount());
 
 void removeLocalSites(const AnXmlNode& siteList, const wchar_t* elementName) {
   AnXmlChildIndex sites(siteList, elementName);
@@ -57,10 +72,8 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
                                   .append(WX_XML_SITELIST));
     return false;
   }
-  for (std::size_t i = 0; i < c_siteElementCount; ++i) {
-    if (isRepository(static_cast<SiteElement>(i))) {
-      removeLocalSites(siteList, c_siteElementNames[i]);
-    }
+  for (const SiteElement element : c_repositories) {
+    removeLocalSites(siteList, c_siteElementNames[static_cast<std::size_t>(element)]);
   }
   const std::wstring targetPath =
       joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);

@@ -12,10 +12,10 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-ino_t inodeOf(const std::string& path) {
+struct stat statusOf(const std::string& path) {
   struct stat status = {};
   EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
-  return status.st_ino;
+  return status;
 }
 
 }  // namespace
@@ -40,12 +40,13 @@ std::string CliEdit::change(const Arguments& arguments, const std::string& input
 
 void CliEdit::changeNothing(const Arguments& arguments, const std::string& input) {
   const std::string before = readFile(ownList());
-  const ino_t inode = inodeOf(ownList());
+  const ino_t inode = statusOf(ownList()).st_ino;
   const Output output = edit(arguments, input);
   EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << '\n' << output.err;
   EXPECT_THAT(output.err, HasSubstr("nothing to change")) << testing::PrintToString(arguments);
   EXPECT_EQ(readFile(ownList()), before) << testing::PrintToString(arguments);
-  EXPECT_EQ(inodeOf(ownList()), inode) << "written anew: " << testing::PrintToString(arguments);
+  EXPECT_EQ(statusOf(ownList()).st_ino, inode)
+      << "written anew: " << testing::PrintToString(arguments);
 }
 
 std::string CliEdit::fail(int status, const Arguments& arguments, const std::string& input) {
@@ -92,6 +93,8 @@ std::string CliEdit::orders() {
   }
   return text;
 }
+
+mode_t modeOf(const std::string& path) { return statusOf(path).st_mode & 07777; }
 
 std::string siteElement(const std::string& element, const std::string& name,
                         const std::string& order, const std::string& attributes,

@@ -1,6 +1,8 @@
 #ifndef TESTS_CLI_EDIT_FIXTURE_H
 #define TESTS_CLI_EDIT_FIXTURE_H
 
+#include <sys/types.h>
+
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
 
@@ -30,6 +32,9 @@ class CliEdit : public CliTest {
   // Returns the sites with a place in the search order, in that order: "a=1 b=2".
   std::string orders();
 };
+
+// Returns the permissions of a file or directory.
+mode_t modeOf(const std::string& path);
 
 // Returns a site element with these attributes after its name and order.
 std::string siteElement(const std::string& element, const std::string& name,

@@ -15,12 +15,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-mode_t modeOf(const std::string& path) {
-  struct stat status = {};
-  EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
-  return status.st_mode & 07777;
-}
-
 class CliEditWriting : public CliEdit {
  protected:
   CliEditWriting() { setOwnList(text()); }

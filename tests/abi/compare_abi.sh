@@ -11,12 +11,13 @@ if [ "$1" = --update ]; then
   exit
 fi
 
-# Without types there would be nothing to compare, and no difference.
+# Without debug information there are no types, and the comparison would find no difference.
 if ! readelf -S "$1" | grep -q '\.debug_info'; then
   echo "$1 has no debugging information: compile it with -g"
   exit 1
 fi
-# What abidiff calls harmless, a member of a union for one, is none to a program compiled before.
+# A change that abidiff reports as harmless, for example of a union member, can break an already
+# compiled program.
 status=0
 abidiff --no-show-locs --harmless "$2" "$1" || status=$?
 [ "$status" -eq 0 ] || cat <<END

@@ -1,5 +1,5 @@
 #!/bin/sh
-# A change of the binary interface is noticed, whether the library changed or the record.
+# The comparison finds a change of the library and a change of the record.
 #   compare_abi_test.sh COMPARE
 # From the environment: CXX, the compiler; LIBRARY and BASELINE, a library and its record.
 set -eu
@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failed=0
 
-# library FILE EXPRESSION: a small library, its source edited by a sed expression
+# library FILE EXPRESSION: builds a small library from a source that the sed expression edits
 library() {
   sed "$2" >"$work/source.cpp" <<'END'
 struct Record {

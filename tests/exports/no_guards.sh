@@ -1,6 +1,6 @@
 #!/bin/sh
-# Fails when a library guards the making of a function's static object by a lock of the compiler's
-# own. A child of fork waits for ever on one that another thread held.
+# Fails if a library has a function-local static that the compiler guards with a lock. If another
+# thread holds such a lock at a fork, the child waits without end.
 #   no_guards.sh READELF LIBRARY...
 set -eu
 
@@ -11,7 +11,7 @@ trap 'rm -f "$symbols"' EXIT
 for library; do
   "$readelf" --symbols --wide "$library" >"$symbols"
   grep -q ' FUNC  *LOCAL ' "$symbols" || { echo "$library: its symbols are stripped" && exit 1; }
-  # Type TLS are those of a thread's own objects, which need no lock.
+  # Symbols of type TLS belong to thread-local objects, which need no lock.
   if grep ' OBJECT .* _ZGV' "$symbols"; then
     echo "$library: make each of these without a lock"
     exit 1

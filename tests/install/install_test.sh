@@ -20,7 +20,7 @@ case $name in
     rm -rf "$TREE"
     cmake --install "$BUILD" --prefix "$WORK/first" >install.log
     mv "$WORK/first" "$TREE"
-    # The exported targets ask a user for nothing but themselves.
+    # A user of the exported targets needs no other package.
     packages=$TREE/$LIBDIR/cmake/sitehlp
     if grep -nE 'find_dependency|(pugixml|EXPAT|OpenSSL|Boost|spdlog|tomlplusplus|utf8cpp|Threads)::' \
       "$packages"/*.cmake; then
@@ -96,8 +96,8 @@ END
     fi
     ;;
   subproject)
-    # As one piece for each library and without optimisation: that takes a quarter of the time, and
-    # shows that the sources can be compiled so.
+    # Compiles each library as one unit and without optimisation. This takes a quarter of the time
+    # and tests the unity build.
     cmake -G Ninja -S "$source/subproject" -B build -DSITEHLP_SOURCE_DIR="$(cd "$source/../.." && pwd)" \
       -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O0" \
       -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 -DCMAKE_INSTALL_LIBDIR="$LIBDIR" \
@@ -107,7 +107,7 @@ END
     installed() { (cd "$1" && find . ! -type d ! -path "./share/doc/*/reference/*" | LC_ALL=C sort); }
     cmake --install build --prefix "$WORK/program" >install.log
     [ "$(installed program)" = ./bin/consumer ] || fail "the part installs itself: $(installed program)"
-    # When it is asked to, it installs what it installs when it is alone.
+    # With SITEHLP_INSTALL, a subproject installs the same files as the project itself.
     cmake -DSITEHLP_INSTALL=ON build >configure.log
     cmake --build build --target consumer
     cmake --install build --prefix "$WORK/both" >install.log
@@ -121,7 +121,8 @@ END
       fail "the pkg-config file of a part is another"
     ;;
   guide)
-    # The first guide's program and project, as they stand there, on the example list.
+    # Builds the program and project of the first guide unchanged, and runs the program on the
+    # example list.
     guide=$source/../../docs/guide-first-import.md
     examples=$source/../../examples
     mkdir program agent

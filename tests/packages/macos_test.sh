@@ -1,5 +1,5 @@
 #!/bin/sh
-# The examples for macOS, which nothing here can run, agree with what they speak of.
+# The examples for macOS match the sources. They cannot be run here.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 plist=$root/packaging/macos/sitelist-validate.plist

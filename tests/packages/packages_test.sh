@@ -75,7 +75,7 @@ case $1 in
       fail "shlibs of $host"
     ;;
   contents)
-    # Each package has what is its own, and nothing else.
+    # Each package has exactly its own files.
     for package in $all; do
       doc=./usr/share/doc/$package
       case $package in
@@ -100,7 +100,8 @@ case $1 in
         fail "$package has files that are not its own"
       fi
       cat files >>everything
-      # root's, and writable for nobody else; what is executable are directories and the tool.
+      # All files belong to root, and only root may write them. Only directories and the tool are
+      # executable.
       awk '$2 != "root/root" || ($1 !~ /^l/ && $1 ~ /^.....w|^........w/) { print; bad = 1 }
            $1 ~ /^-..x/ && $6 !~ /\/bin\// { print; bad = 1 } END { exit bad }' listing ||
         fail "owner or mode in $package"
@@ -110,7 +111,7 @@ case $1 in
     done
     [ -z "$(sort everything | uniq -d)" ] || fail "in two packages: $(sort everything | uniq -d)"
 
-    # Whatever is installed is in some package.
+    # Every installed file is in a package.
     cmake --install "$BUILD" --prefix "$WORK/installed" >install.log
     (cd installed && find . ! -type d ! -path ./share/doc/sitehlp/LICENSE) |
       sed 's|^\.|./usr|; s|\(/man/man[15]/.*\)|\1.gz|; s|/site-functions/|/vendor-completions/|' | sort >installed.list
@@ -127,7 +128,7 @@ case $1 in
     fi
     ;;
   dependencies)
-    # Every library that a binary asks for is in a package that its package depends on.
+    # Every library that a binary needs is in a package on which the package of the binary depends.
     unpack root
     for pair in "$runtime usr/$LIBDIR/libsitehlp.so.$VERSION" \
       "$host usr/$LIBDIR/libsitehlp-host.so.$VERSION" "sitelist usr/bin/sitelist"; do

@@ -9,8 +9,7 @@
 #include "bench/sample_lists.h"
 #include "sitehlp/sites_helper.h"
 
-// Does one operation so that its instructions can be counted: everything that happens while
-// `measured` runs.
+// Runs one operation. callgrind counts the instructions of `measured`.
 //   sitehlp-count DIRECTORY OPERATION
 // Without an operation it prints the names of all.
 
@@ -30,7 +29,7 @@ namespace {
 using bench::check;
 using bench::widePath;
 
-// Sets an operation up; it has run once before it is measured.
+// Prepares and returns an operation. main runs it once before the measurement.
 using Setup = std::function<std::function<void()>()>;
 
 std::function<void()> reading(std::size_t count, bench::Passwords passwords) {

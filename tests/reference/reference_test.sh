@@ -24,7 +24,7 @@ shows() {
   sed 's/<[^>]*>//g' "html/$1" | tr '\n' ' ' | grep -qF "$2" || fail "$1 does not say: $2"
 }
 
-# Doxygen itself does not mind an enumerator without a word. Prints those that there are.
+# Doxygen does not report an enumerator without a comment. Prints such enumerators.
 bare_enumerators() {
   make_reference "GENERATE_XML = YES" "GENERATE_HTML = NO" "$@" || fail "$(cat said)"
   awk '/<enumvalue / { inside = 1; said = 0 }
@@ -33,7 +33,7 @@ bare_enumerators() {
        /<\/enumvalue>/ { if (!said) print name; inside = 0 }' xml/*.xml
 }
 
-# refused TEXT...: as a header this is refused, at the line that says "wrong"
+# refused TEXT...: Doxygen must report a header with this text, at the line with "wrong"
 refused() {
   printf '%s\n' '#ifndef H' '#define H' '' '// Of the file.' '' "$@" '' '#endif' >planted.h
   line=$(grep -n wrong planted.h | cut -d: -f1)

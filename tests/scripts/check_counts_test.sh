@@ -1,5 +1,5 @@
 #!/bin/sh
-# The check of instruction counts passes what is within a tenth of the record and finds the rest.
+# The check accepts counts within a tenth of the record and reports all others.
 #   check_counts_test.sh CHECK
 set -eu
 tree=$(mktemp -d)
@@ -9,7 +9,7 @@ cp "$1" "$tree/scripts/check-counts"
 record=$tree/tests/performance/counts.txt
 failed=0
 
-# A program with two operations, and a counter that finds what the test wants.
+# A program with two operations, and a counter that returns the values that the test sets.
 printf '#!/bin/sh\nprintf "read\\nwrite\\n"\n' >"$tree/program"
 cat >"$tree/bin/valgrind" <<'VALGRIND'
 #!/bin/sh

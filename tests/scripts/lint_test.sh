@@ -1,6 +1,6 @@
 #!/bin/sh
-# The lint script passes clean sources, and finds what clang-tidy finds in those that it is asked
-# for: the changed ones, the new ones, those that include a changed header, or all.
+# The lint script accepts clean sources. It reports faults in the requested sources: changed ones,
+# new ones, those that include a changed header, or all.
 #   lint_test.sh LINT CHECKS     CHECKS: the file with the checks of the tree
 set -eu
 tree=$(mktemp -d)

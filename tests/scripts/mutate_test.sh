@@ -1,6 +1,6 @@
 #!/bin/sh
-# The changes that are tried are the ones that are meant, and a list of explained changes that no
-# longer fits the sources is refused.
+# The script makes the intended mutations. It refuses a list of explained mutations that does not
+# match the sources.
 #   mutate_test.sh SCRIPTS     SCRIPTS: the folder of the script
 set -eu
 tree=$(mktemp -d)

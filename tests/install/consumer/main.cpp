@@ -32,7 +32,7 @@ sitehlp::tag_Site* newSite(sitehlp::SiteKind kind) {
   return site;
 }
 
-// Whether the library takes the hosts in the installed header for those of the vendor.
+// Returns whether the library uses the vendor hosts of the installed header.
 bool vendorOrdersAreExchanged() {
   sitehlp::ListOwner list(newSite(sitehlp::SITE_KIND_HTTP));
   sitehlp::tag_Site* const http = list.get();

@@ -50,7 +50,8 @@ unsigned passwordsOf(const tag_Site& site) {
 }
 
 // Runs an operation in a process that begins with the configuration and the keys as they are now.
-// Tells its result, the lines that it logged and what it wrote reads as.
+// Sends the result of the operation and its log lines. Then sends the result, the names and the
+// number of passwords that a read of the written list gives.
 CHILD_PROCESS(runOperation) {
   const Places places{args[2], args[3], args[4], args[5], args[6], args[7], args[8]};
   const auto user = static_cast<uid_t>(std::stoul(args[1]));
@@ -98,7 +99,7 @@ CHILD_PROCESS(runOperation) {
 struct Outcome {
   std::string result;
   std::vector<std::string> lines;
-  std::string list;  // what was written, as it is read afterwards
+  std::string list;  // the result and the names that a later read gives
   std::string passwords;
 
   std::vector<std::string> cryptoLines(LogLevel level) const {
@@ -206,7 +207,7 @@ TEST_P(BrokenCrypto, LeavesTheNewListOnTheDiskAndSaysWhyItHasNoPasswords) {
   } else {
     EXPECT_EQ(bytes(), old);
   }
-  // What was protected before and what cannot be protected now reads as empty.
+  // Passwords that were encrypted before, or that cannot be encrypted now, are read as empty.
   const bool opensWhatItWrites =
       !situation.reasonToWrite && operation.writes > 0 && operation.reads == 0;
   EXPECT_EQ(outcome.passwords, opensWhatItWrites ? usual.passwords : "passwords 0");

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 namespace test {
 namespace {
 
-// Nothing but encoders.
+// A configuration whose only provider has encoders and no ciphers.
 constexpr const char* c_baseAlone =
     "openssl_conf = init\n[init]\nproviders = all\n[all]\nbase = base_section\n"
     "[base_section]\nactivate = 1\n";
@@ -32,7 +32,7 @@ void exchangeKey(const Workshop& w) {
   writeFile(passwordKey(w), std::string(host::c_keySize, 'x'), 0600);
 }
 
-// Everything but the key goes to the user that the operation runs as.
+// Gives all files except the key to the user of the operation.
 void closeKey(const Workshop& w) {
   if (::geteuid() != 0) {
     std::printf("Not root: the key is closed to its owner, not to another user\n");
@@ -63,7 +63,7 @@ const std::vector<Situation>& situations() {
                "the file has 31 bytes, but a key has 32"};
     list[3] = {"closedKey",         closeKey, "",    "Permission denied",
                "Permission denied", false,    false, true};
-    // A new key protects what is written, and opens nothing of what was written before.
+    // A new key encrypts new passwords and cannot decrypt the old ones.
     list[4] = {"missingKey", removeKey, "", c_doesNotOpen, nullptr, false, true};
     list[5] = {"keyOfAnotherAgent", exchangeKey, "", c_doesNotOpen, nullptr};
     return list;

@@ -19,7 +19,7 @@
 #include "tests/resilience_memory/every_allocation.h"
 #include "tests/threads/operations.h"
 
-// Whatever memory is given back, on any path of any operation, holds no password and no key.
+// No operation releases memory that has a password or a key.
 namespace {
 
 using namespace sitehlp;
@@ -55,7 +55,7 @@ const std::map<std::string, std::string> c_underAnotherName = {
 
 class FreedMemory : public testing::Test {
  protected:
-  // What is to be tried: made ready, unwatched, and run, watched.
+  // One operation to test. `prepare` runs without the search for secrets, `run` with it.
   struct Step {
     std::string name;
     std::function<void()> prepare;
@@ -117,7 +117,7 @@ class FreedMemory : public testing::Test {
     }
   }
 
-  // Every operation, each with the clear passwords of the caller made beforehand.
+  // Returns a step for every operation. The clear passwords of the caller are created before `run`.
   std::vector<Step> operations() {
     std::vector<Step> steps = fileOperations();
     for (std::vector<Step>& some : std::vector<std::vector<Step>>{recordOperations(), writers()}) {
@@ -142,7 +142,8 @@ class FreedMemory : public testing::Test {
     std::vector<Step> steps;
     for (const auto* operations : {&writingOperations(), &readingOperations()}) {
       for (const Operation& operation : *operations) {
-        // These make clear passwords of their own on the way; their likes stand below.
+        // These operations create the caller's clear passwords themselves. Steps below replace
+        // them.
         const std::string name = operation.name;
         if (name == "create" || name == "first-password") continue;
         steps.push_back({name, [this, &operation] { workshop.reset(operation); },
@@ -252,7 +253,7 @@ class FreedMemory : public testing::Test {
              CSitesHelper::FreeSiteListMemory(site);
            });
          }},
-        // A direct call decrypts with the agent's key, as that of the own list is.
+        // A direct call decrypts with the password key, as a read of the agent's own list does.
         {"AdjustPwd", [this] { workshop.reset(); },
          [this] {
            const std::string bytes = readFile(workshop.own());
@@ -333,7 +334,7 @@ class FreedMemory : public testing::Test {
   const std::wstring clear = wide(c_canary);
   SiteChain list;
   SiteChain target;
-  // What a caller gets in clear is the caller's to wipe.
+  // The caller must wipe the clear passwords that it receives.
   std::wstring recovered = std::wstring(4096, L'\0');
   Faults faults;
   unsigned long runs = 0;
@@ -347,14 +348,14 @@ TEST_F(FreedMemory, IsLookedInto) {
   for (const std::string& secret : secrets) {
     char* block = static_cast<char*>(std::malloc(secret.size() + 100));
     std::memcpy(block + 50, secret.data(), secret.size());
-    // Too large to grow where it is.
+    // The block is too large to grow in place.
     block = static_cast<char*>(std::realloc(block, std::size_t{1} << 20));
     found += 1;
     EXPECT_EQ(freed.found(), found);
     std::free(block);
     found += 1;
     EXPECT_EQ(freed.found(), found);
-    // What another block held is no part of a new one.
+    // A new block must not contain the content of an earlier block.
     std::free(std::malloc(secret.size() + 100));
     EXPECT_EQ(freed.found(), found);
   }
@@ -405,7 +406,7 @@ TEST_F(FreedMemory, HoldsNothingOfARecordThatWasReadAndChanged) {
   }
 }
 
-// As a member of another kind may do, which lies in the same place.
+// A member of another kind in the same place may have a zero there.
 TEST_F(FreedMemory, HoldsNothingBehindAZeroInAPassword) {
   const auto hide = [this](wchar_t(&field)[c_textCapacity]) {
     setText(field, L"x" + clear);
@@ -441,7 +442,7 @@ std::string everyPlace(const std::string& sealed) {
 
 class FreedOddPasswords : public FreedMemory {
  protected:
-  // Every way to a clear password of a document, in both protections.
+  // Every operation that decrypts a password of a document, with each of the two keys.
   std::vector<Step> readingOf(const std::string& name, const std::string& byAgent,
                               const std::string& byServer) {
     const std::string path = workshop.incoming();
@@ -470,7 +471,7 @@ class FreedOddPasswords : public FreedMemory {
          }},
         {"decrypt_data of " + name,
          [this] {
-           // What the caller gets is the caller's to wipe.
+           // The caller must wipe what it receives.
            recovered.assign(recovered.capacity(), L'\0');
            recovered.clear();
          },

@@ -23,7 +23,7 @@ std::string wideBytes(const std::string& text) {
 std::string protect(const Workshop& workshop, const std::string& clear, Owner owner) {
   const std::string server = keyPath(workshop, "server.key");
   const std::string usual = readFile(server);
-  // One form serves both kinds of passwords.
+  // Both kinds of passwords have the same form.
   if (owner == Owner::Agent) writeFile(server, readFile(keyPath(workshop, "password.key")), 0600);
   if (owner == Owner::OtherAgent) writeFile(server, std::string(usual.size(), 'o'), 0600);
   const std::string sealed = host::sealServerPassword(clear);

@@ -14,7 +14,8 @@ enum class Owner { Agent, Server, OtherAgent };
 // Returns the encrypted form of any bytes. The key files are unchanged afterwards.
 std::string protect(const Workshop& workshop, const std::string& clear, Owner owner);
 
-// Passwords with the canary for which a reader uses an unusual code path, by name.
+// Passwords that contain the canary and that a reader processes on an unusual code path. Each has a
+// name.
 struct OddPassword {
   std::string name;
   std::string clear;

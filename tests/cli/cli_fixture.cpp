@@ -80,7 +80,7 @@ CliTest::CliTest() { fs::create_directory(file("tmp")); }
 
 CliTest::~CliTest() { EXPECT_TRUE(fs::is_empty(file("tmp"))) << "temporary files are left"; }
 
-// Files in place of pipes: nothing can block, however much the tool writes.
+// Uses files instead of pipes, so that the tool never blocks while it writes.
 Output CliTest::run(const std::string& program, const std::vector<std::string>& arguments,
                     const std::string& input) {
   const File in(write("stdin", input), O_RDONLY);

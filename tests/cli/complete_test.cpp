@@ -6,7 +6,7 @@
 #include "tests/cli/documents.h"
 #include "tests/support/locker.h"
 
-// What the tool tells the completion of shells.
+// The completion candidates that the tool prints for shells.
 namespace test {
 namespace {
 
@@ -30,7 +30,7 @@ const char* const c_directories = ":directories";
 
 class CliComplete : public CliTest {
  protected:
-  // What is said to the words, line by line.
+  // Returns the lines that the tool prints for these words.
   Words linesFor(const Words& words) {
     Words arguments = {"__complete", "--"};
     arguments.insert(arguments.end(), words.begin(), words.end());
@@ -48,7 +48,7 @@ class CliComplete : public CliTest {
     return lines;
   }
 
-  // The candidates alone that begin as the last word does, without their descriptions.
+  // Returns the candidates that begin with the last word, without descriptions.
   Words offered(const Words& words) {
     Words found;
     Words lines = linesFor(words);
@@ -75,7 +75,7 @@ class CliComplete : public CliTest {
     return lines.empty() ? "" : lines.back();
   }
 
-  // The names of sites that are offered when these are in the agent's list.
+  // Returns the offered site names for an agent's list with these sites.
   Words sites(const std::string& elements) {
     setOwnList(document(elements));
     return offered({"--agent-dir", file("agent"), "edit", "disable", ""});

@@ -3,7 +3,7 @@
 #include "sitehlp/fields.h"
 #include "tests/cli/edit_fixture.h"
 
-// The fields that an edit gives their values, and the sites that it makes of them.
+// The values that an edit gives to fields, and the resulting sites.
 namespace test {
 namespace {
 
@@ -12,7 +12,7 @@ using testing::Not;
 
 using Values = std::map<std::string, std::string>;
 
-// What the command line says for a field, and what the list then has.
+// The field, its value on the command line, and its value in the list afterwards.
 struct Value {
   std::string field;
   std::string given;
@@ -113,8 +113,8 @@ class CliEditFields : public CliEdit {
     setOwnList(document(text));
   }
 
-  // The element of that name in a list, with empty elements in one form and without protected
-  // passwords, which are never the same twice.
+  // Returns the element with that name. Empty elements have one form, and encrypted passwords are
+  // removed because they differ in every write.
   static std::string elementIn(const std::string& list, const std::string& name) {
     const std::size_t begin = list.find("<" + name);
     const std::size_t end = list.find("</" + name + ">", begin);
@@ -129,7 +129,7 @@ TEST_F(CliEditFields, SetsEveryFieldOfEveryKind) {
   setEmptySites();
   for (std::size_t i = 0; i < kindCases().size(); ++i) {
     const KindCase& kind = kindCases()[i];
-    // The same order for every site, and the greatest number, are faults.
+    // Equal orders and the largest number are faults, so the command needs --force.
     const Arguments arguments =
         Arguments{"set", "x", "--force", "--kind", kind.kind} + assignments(kind);
     const auto before = sites();
@@ -160,7 +160,7 @@ TEST_F(CliEditFields, KnowsEveryFieldThatIsShown) {
                         {"vestaSite", 7},
                         {"mirror", 7},
                         {"element", 4},
-                        {"version", 2},  // of sites that are no management server
+                        {"version", 2},  // of sites that are not a management server
                         {"exclusionCount", 1},
                         {"enabled", 1},
                         {"local", 1},
@@ -219,7 +219,7 @@ TEST_F(CliEditFields, AddsASiteInTheFormInWhichTheLibraryWritesIt) {
       changeNothing(Arguments{"add", kind.kind, "x"} + values);
       const std::string own = elementIn(readFile(ownList()), kind.element);
       ASSERT_EQ(sitelist({"rewrite", ownList(), file("copy.xml")}).status, 0);
-      // The library does not write what it reads of a plain HTTP site's other addresses.
+      // The library reads "ServerName" and "ServerIP" of an HTTP site but does not write them.
       const std::regex others(kind.kind == "http" ? " Server(Name|IP)=\"[^\"]*\"" : "^$");
       EXPECT_EQ(std::regex_replace(own, others, ""),
                 elementIn(readFile(file("copy.xml")), kind.element));

@@ -16,7 +16,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-// What an edit of a site must not touch, of every sort that a document can hold.
+// All kinds of document content that an edit must not change.
 const std::string c_surroundings =
     "<!-- a comment --><?target data?>"
     "<HttpSite Name=\"Other\" Order=\"2\" Unknown=\"a &amp; b\" Enabled=\"1\">\n  "
@@ -26,7 +26,7 @@ const std::string c_surroundings =
 
 class CliEditSite : public CliEdit {
  protected:
-  // Depot between things to keep.
+  // Returns a list with the site "Depot" between content that must not change.
   std::string text() const {
     return document(c_surroundings +
                         siteElement("HttpSite", "Depot", "1",
@@ -253,7 +253,6 @@ TEST_F(CliEditSite, TellsWhatIsWrongWithAListThatCannotBeEdited) {
   EXPECT_THAT(fail(3, {"disable", "a"}), HasSubstr("unknown kind"));
 }
 
-// The proxy that such a list stands for is another element than the one that an edit would change.
 TEST_F(CliEditSite, SaysHowAPlaceIsGiven) {
   EXPECT_THAT(fail(2, {"move", "a", "before"}),
               HasSubstr("the site to move before is missing\n  next: add its name, as in `sitelist "
@@ -264,6 +263,7 @@ TEST_F(CliEditSite, SaysHowAPlaceIsGiven) {
                 "omit it\n"));
 }
 
+// The library reads another element of this list than the one that an edit would change.
 TEST_F(CliEditSite, RefusesAChangeThatTheAgentWouldNotSee) {
   setOwnList(
       document("<ProxyConfigList><ProxyConfig Name=\"Proxy\"/><HttpSite Name=\"Proxy\"/>"

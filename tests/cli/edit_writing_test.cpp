@@ -6,7 +6,7 @@
 #include "tests/cli/edit_fixture.h"
 #include "tests/support/locker.h"
 
-// How an edit writes: under the lock, as a trial, and with secrets.
+// Writing of edits: locks, drafts and secrets.
 namespace test {
 namespace {
 
@@ -117,7 +117,7 @@ TEST_F(CliEditWriting, TakesAnotherNameOfTheOwnListForTheOwnList) {
   EXPECT_EQ(site("a")["enabled"], "true");
 }
 
-// A file system without room for a single byte.
+// A file size limit of 0 acts like a full file system.
 TEST_F(CliEditWriting, KeepsTheOldListWhenThereIsNoRoom) {
   write("agent/etc/history/1-20260101T000000Z-import.xml", document(""));
   write("agent/agent.toml", "history = 0\n");
@@ -130,7 +130,7 @@ TEST_F(CliEditWriting, KeepsTheOldListWhenThereIsNoRoom) {
   }
 }
 
-// A list that can be read, and a directory that is gone.
+// A readable list whose directory no longer exists.
 TEST_F(CliEditWriting, FailsWhenTheListCannotBeReplaced) {
   write("lists/list.xml", text());
   const Output output = shell(

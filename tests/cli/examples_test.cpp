@@ -4,7 +4,7 @@
 
 #include "tests/cli/cli_fixture.h"
 
-// The examples and the demonstration rest on each other; these keep the examples right.
+// The demo uses the examples. These tests check the examples.
 namespace test {
 namespace {
 

@@ -37,7 +37,7 @@ TEST_F(CliExplainRule, EveryRuleHasAllItsTexts) {
   EXPECT_GE(names.size(), 40U);
 }
 
-// What an example is put into.
+// Returns a document that contains the example.
 std::string inDocument(const std::string& rule, const std::string& example) {
   const auto begins = [&](const char* text) { return example.rfind(text, 0) == 0; };
   if (begins("<ns:SiteLists") || begins("<SiteLists ")) {
@@ -53,13 +53,13 @@ std::string inDocument(const std::string& rule, const std::string& example) {
     return "<ns:SiteLists><SiteList><LocalSite>" + example +
            "</LocalSite></SiteList></ns:SiteLists>";
   }
-  // In front of a known site, unless it has to be the last one.
+  // The example comes before a known site, unless it must be the last site.
   const bool isLast = rule == "unknown-site" || rule == "no-server";
   return document(isLast ? example : example + "<LocalSite Name=\"Last\"/>");
 }
 
 TEST_F(CliExplainRule, ItsExamplesBreakTheRuleAndKeepIt) {
-  // Shown in another way than by a whole element.
+  // The examples of these rules are not whole elements.
   const std::set<std::string> others = {
       "missing-file",           "unreadable-file",      "invalid-encoding",   "over-limit",
       "server-kind-http",       "server-element",       "server-request-key", "server-public-key",

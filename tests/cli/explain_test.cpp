@@ -104,7 +104,7 @@ TEST_F(CliExplain, HavingNoSiteToTryIsANegativeAnswer) {
   EXPECT_THAT(report.column("tried"), ElementsAre("false"));
 }
 
-// The settings of a proxy that everything goes through but what an exclusion names.
+// Returns proxy settings for all hosts except the excluded ones.
 std::string proxies(const std::string& attributes, const std::string& children = "") {
   return "<ProxyConfigList><ProxyConfig Name=\"p\" " + attributes + ">" + children +
          "</ProxyConfig></ProxyConfigList>";
@@ -168,7 +168,7 @@ class CliExplainHost : public CliTest {
  protected:
   void useProxies(const std::string& text) { m_path = write("list.xml", document(text)); }
 
-  // Over HTTP; what the exit status says.
+  // Returns whether the host bypasses the proxy over HTTP, as the exit status reports it.
   bool bypasses(const std::string& host) {
     const Output output = sitelist({"explain", "--host", host, m_path});
     EXPECT_THAT(output.status, testing::AnyOf(0, 1)) << output.err;

@@ -8,7 +8,7 @@ using testing::HasSubstr;
 
 class CliGet : public CliTest {
  protected:
-  // The bare value; fails the test when there is none.
+  // Returns the printed value. Fails the test if there is none.
   std::string value(const Arguments& arguments) {
     const Output output = sitelist(Arguments{"get"} + arguments);
     EXPECT_EQ(output.status, 0) << testing::PrintToString(arguments) << output.err;

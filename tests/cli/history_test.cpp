@@ -2,7 +2,7 @@
 
 #include "tests/cli/edit_fixture.h"
 
-// The history of the agent's own list, and the way back.
+// The history of the agent's own list, and `undo`.
 namespace test {
 namespace {
 
@@ -144,7 +144,7 @@ TEST_F(CliHistory, IsPrintedWithTheVersionsOfTheLists) {
 }
 
 TEST_F(CliHistory, UndoRestoresTheListToTheByteAndCanBeUndone) {
-  const std::string first = "\xEF\xBB\xBF" + list();  // a mark, which no edit would write
+  const std::string first = "\xEF\xBB\xBF" + list();  // a byte order mark, which no edit writes
   writeFile(ownList(), first, 0640);
   change({"disable", "a"});
   const std::string second = readFile(ownList());
@@ -225,7 +225,7 @@ TEST_F(CliHistory, AListThatCannotBeKeptIsNotReplaced) {
 
 TEST_F(CliHistory, HasTheListThatAKilledCommandReplaced) {
   change({"disable", "a"});
-  // As a process leaves it that is killed behind the replacement of the list.
+  // The state after a process was killed right after it had replaced the list.
   const std::string entry = directory() + "/" + kept().front();
   fs::rename(entry, directory() + "/pending-20261122T140512Z-import.xml");
   const Output printed = sitelist({"history", "--format", "csv"});

@@ -101,7 +101,7 @@ TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
   EXPECT_THAT(output.err, Not(HasSubstr("Load new sitelist command failed.")));
 }
 
-// The class logs at error level what an operation can do without.
+// The class logs an error for a list without sites, although the operation succeeds.
 TEST_F(CliImport, RepeatsNoErrorOfTheLogAfterASuccess) {
   initAgent();
   const std::string path = write("list.xml", document(""));

@@ -11,8 +11,8 @@
 #include <cstring>
 #include <stdexcept>
 
-// Loaded in front of the C library. Is the other program that changes a list while the tool is at
-// work, or that sends it a signal while it has a draft. Fails as no library does. With
+// Is loaded before the C library. Changes a list while the tool uses it, or sends the tool a signal
+// while it has a draft. With UNFORESEEN, throws an exception that no library throws. With
 // NO_DIRECTORY_LOCKS, makes a file system whose directories cannot be locked.
 
 namespace {
@@ -43,7 +43,7 @@ extern "C" {
 __attribute__((visibility("default"))) int flock(int fd, int operation) noexcept {
   struct stat status;
   if (std::getenv("NO_DIRECTORY_LOCKS") && ::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
-    errno = EBADF;  // what a network file system says
+    errno = EBADF;  // the error of a network file system
     return -1;
   }
   return next<int(int, int)>("flock")(fd, operation);
@@ -56,7 +56,7 @@ __attribute__((visibility("default"))) int access(const char* path, int mode) no
   return next<int(const char*, int)>("access")(path, mode);
 }
 
-// A draft is read before it is removed. A call of the C library throws nothing by itself.
+// A draft is read before it is removed. A real openat never throws.
 __attribute__((visibility("default"))) int openat(int directory, const char* path, int flags, ...) {
   va_list rest;
   va_start(rest, flags);

@@ -35,9 +35,9 @@ class CliListLock : public CliTest {
     return document(httpSite(site) + (other.empty() ? "" : httpSite(other, "2")));
   }
 
-  // Runs a command while another process reads the list. Once the command waits to write, changes
-  // what it is about to read, and lets it go on. A command that has read already shows in the
-  // result, and so does one that does not wait.
+  // Runs a command while another process reads the list. Once the command waits for the write lock,
+  // changes the files that it will read and releases the read lock. The result shows whether the
+  // command had already read the files. The test fails if the command does not wait.
   Output changingMeanwhile(const Arguments& arguments, const std::function<void()>& change) {
     Locker reader(file("agent"));
     Locker probe(file("agent"));
@@ -57,7 +57,7 @@ class CliListLock : public CliTest {
     return output;
   }
 
-  // The same with another site in the agent's list, which must be there in the end.
+  // Does the same and adds a site to the agent's list. The site must be in the list at the end.
   void keepsAnotherSite(const Arguments& arguments) {
     changingMeanwhile(arguments, [this] { setOwnList(list("Depot", c_otherSite)); });
     EXPECT_THAT(readFile(ownList()), HasSubstr(c_otherSite)) << testing::PrintToString(arguments);
@@ -170,7 +170,7 @@ TEST_F(CliEveryChange, WritesNothingWhenTheLockCannotBeOpened) {
   ASSERT_EQ(shell("rm -r agent/locks && echo 'in the way' > agent/locks").status, 0);
   const auto before = agentFiles();
   for (const Arguments& arguments : commands) {
-    // One that does not serve the agent has no use for its lock.
+    // A command that does not change the agent's list does not need the agent's lock.
     if (arguments.front() == "derive-server-list") continue;
     const Output output = sitelist(arguments);
     EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;
@@ -255,7 +255,7 @@ TEST_F(CliListLock, RefusesAWaitThatIsNoNumberOfSeconds) {
   EXPECT_EQ(sitelist({"--wait", "86400", "show"}).status, 0);
 }
 
-// A list of no agent.
+// A list that belongs to no agent.
 class CliNamedListLock : public CliListLock {
  protected:
   CliNamedListLock() { path = write("lists/list.xml", list("Depot")); }

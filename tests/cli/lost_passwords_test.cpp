@@ -27,7 +27,7 @@ constexpr const char* c_vendorSite =
     R"(<HttpSite Type="repository" Name="Vendor" Order="2" Enabled="1" )"
     R"(Server="update.wex.example:80"><Password Encrypted="1">)";
 
-// An agent whose list has passwords, and documents with passwords that its key opens. The list
+// An agent whose list has passwords, and documents with passwords that its key decrypts. The list
 // in its history has others.
 class CliLostPasswords : public CliTest {
  protected:
@@ -65,7 +65,7 @@ class CliLostPasswords : public CliTest {
     write("agent/etc/history/1-20260101T000000Z-import.xml", list);
   }
 
-  // The agent as it was, with this key.
+  // Restores the first state of the agent, but with this key.
   void start(Key key) {
     setOwnList(own);
     keepInHistory(m_old);
@@ -97,7 +97,7 @@ std::string describe(const Command& command, Key key) {
   return text;
 }
 
-// Those that decrypt passwords, or take in passwords that the list did not have.
+// Commands that decrypt passwords, or add passwords to the list.
 std::vector<Command> losingCommands() {
   return {
       {{"import", "@in/SiteList.xml"}, {0, 5, 5, 5}},
@@ -116,7 +116,7 @@ std::vector<Command> losingCommands() {
   };
 }
 
-// The others that write. They need a key only to encrypt a password, and keep the rest as it is.
+// Other commands. Those that only encrypt a new password accept the key of another agent.
 std::vector<Command> otherCommands() {
   return {
       {{"merge", "--first", "@in/SiteList.xml"}, {0, 5, 5, 5}},
@@ -191,7 +191,7 @@ TEST_F(CliLostPasswords, TheServersPasswordsNeedTheServersKey) {
   }
 }
 
-// It writes to a fixed directory outside of the agent, so only its refusals can be tried.
+// The command writes to a fixed directory outside the agent, so only its failures are tested.
 TEST_F(CliLostPasswords, FromBufferRefusesToo) {
   for (const Key key : {Key::Missing, Key::Damaged, Key::OfAnotherAgent}) {
     start(key);

@@ -3,8 +3,8 @@
 #include "tests/cli/edit_fixture.h"
 #include "tests/cli/json_report.h"
 
-// What a dry run says is what then happens: the changes that it tells are those that `diff` finds
-// between the list before and the list after.
+// A dry run prints the changes that the command then makes. They are those that `diff` finds
+// between the old and the new list.
 namespace test {
 namespace {
 
@@ -43,7 +43,7 @@ class CliPrediction : public CliTest {
         "<Policies><Setting name=\"a\">1</Setting><Setting name=\"b\">2</Setting></Policies>");
   }
 
-  // A list that differs in everything that a list can differ in.
+  // Returns a list that differs from the agent's list in every possible way.
   std::string incoming() {
     const std::string pem = c_certificatePem;
     return document(
@@ -60,7 +60,7 @@ class CliPrediction : public CliTest {
         "FipsMode=\"1\"");
   }
 
-  // What a record holds and the writer does not write, or writes in another way.
+  // Returns a list with fields that the writer omits or changes.
   static std::string peculiar() {
     const std::string http = " ServerIP=\"192.0.2.7:81\" ServerName=\"N.x:82\" Version=\"7\"";
     return document(
@@ -85,11 +85,11 @@ class CliPrediction : public CliTest {
     return rowsOf(sitelist({"diff", "--json", "--show-secrets", before, after}));
   }
 
-  // The changes that a dry run tells of the list itself, or of the files beside it.
+  // Returns the changes that a dry run prints for the list, or for the files next to it.
   static Rows listRows(const Rows& all) { return withoutFile(all, false); }
   static Rows fileRows(const Rows& all) { return withoutFile(all, true); }
 
-  // Runs the command dry and in earnest.
+  // Runs the command as a dry run, then without --dry-run.
   void expectPrediction(const Arguments& command) {
     const auto before = agentFiles();
     write("before.xml", readFile(ownList()));
@@ -101,7 +101,7 @@ class CliPrediction : public CliTest {
     EXPECT_THAT(fileRows(told), UnorderedElementsAreArray(fileChanges(before, agentFiles())));
   }
 
-  // As an import shows them, passwords apart from whether there is one.
+  // Returns the rows as an import prints them. Of a password they show only whether it is empty.
   static Rows masked(Rows rows) {
     for (JsonReport::Record& row : rows) {
       if (row["field"].find("assword") == std::string::npos) continue;
@@ -185,7 +185,8 @@ TEST_F(CliPrediction, ModifyWithEveryChoice) {
   expectPrediction({"modify", "--servers", "--repositories", write("in/list.xml", own())});
 }
 
-// A merge makes a new list; what would change is told of the list that the sites go into.
+// A merge makes a new list. Its dry run compares the new list with the list that receives the
+// sites.
 class CliMergePrediction : public CliPrediction {
  protected:
   void expectMerge(const Arguments& lists, const std::string& base) {

@@ -23,14 +23,14 @@ constexpr const char* c_prompt = "Password: ";
 class CliPrompt : public CliTest {
  protected:
   CliPrompt() { initAgent(); }
-  // A test that fails leaves a program that waits.
+  // A failed test may leave a waiting program.
   ~CliPrompt() override {
     if (m_pid == 0) return;
     ::kill(m_pid, SIGKILL);
     ::waitpid(m_pid, nullptr, 0);
   }
 
-  // In a process group of its own, which a signal can stop.
+  // Starts the program in its own process group, so that a signal can stop it.
   void startProtect(const PseudoTerminal& terminal) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -82,7 +82,7 @@ TEST_F(CliCerts, LooksForWhatExpires) {
   const JsonReport report = readReport(sitelist({"certs", "--json", path}).out);
   const int left = std::stoi(report.rows.at(0).at("daysLeft"));
   ASSERT_GT(left, 1000) << "it holds until 2126";
-  // A day more or less: midnight may come in between.
+  // One day more or less is accepted, because midnight may be between the two calls.
   const auto expiring = [&](int days) {
     return sitelist({"certs", "--json", "--expiring", std::to_string(days), path});
   };

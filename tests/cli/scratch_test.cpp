@@ -59,7 +59,7 @@ class CliScratch : public CliTest {
     return shell(settings + " \"$0\" --agent-dir agent \"$@\"" + input, arguments);
   }
 
-  // A directory as a process makes one that is killed while it has a draft.
+  // Creates the directory that a process leaves when it is killed during a draft.
   std::string leaveBehind(const std::string& parent, const std::string& name = c_name) {
     const std::string directory = parent + "/" + name;
     EXPECT_EQ(::mkdir(directory.c_str(), 0700), 0);
@@ -176,7 +176,7 @@ TEST_F(CliScratch, ManyProcessesDraftInOnePlaceAtOnce) {
   EXPECT_EQ(output.err, "");
 }
 
-// Root must not remove for somebody what that user could not remove.
+// Root must not remove a directory whose owner could not remove it.
 TEST_F(CliScratch, WhatBelongsToAnotherUserStays) {
   if (!haveTwoUsers()) return;
   const std::string theirs = leaveBehind(file("tmp"));
@@ -185,7 +185,7 @@ TEST_F(CliScratch, WhatBelongsToAnotherUserStays) {
   EXPECT_TRUE(exists(theirs + "/SiteList.xml"));
   fs::remove_all(theirs);
 
-  // The list's directory is another user's, who may have given the name to a directory of root.
+  // The directory of the list belongs to another user, who may have renamed a directory of root.
   giveToAgent(file("lists"));
   const std::string ofRoot = leaveBehind(file("lists"));
   const std::string ofOwner = leaveBehind(file("lists"), ".sitelist-fedcba9876543210");

@@ -12,8 +12,8 @@ using testing::Not;
 
 constexpr const char* c_ellipsis = "…";
 
-// Marks that are put on the character before them, and characters that take two columns; as much of
-// Unicode as these tests use.
+// Returns the number of columns. Knows only the combining and double-width characters of these
+// tests.
 std::size_t columnsOf(const std::string& text) {
   std::size_t columns = 0;
   for (const wchar_t c : wide(text)) {
@@ -42,7 +42,7 @@ std::string repeated(const std::string& text, int times) {
 
 class CliScreen : public CliTest {
  protected:
-  // Every name is longer than an 80-column line has room for, in as many scripts.
+  // Writes a list with long names in several scripts. They do not fit in a line of 80 columns.
   void SetUp() override {
     m_path =
         write("list.xml",
@@ -52,7 +52,7 @@ class CliScreen : public CliTest {
                        httpSite(repeated("서울\U0001F600", 14), "6") + httpSite("short", "7")));
   }
 
-  // The table, without colour and the note below it.
+  // Returns the table without colours and without the note below it.
   std::vector<std::string> table(int columns, std::vector<std::string> options = {}) {
     options.insert(options.begin(), {"show", m_path, "--color=never"});
     const Output output = onTerminal(columns, options);

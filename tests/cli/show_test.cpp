@@ -150,7 +150,7 @@ TEST_F(CliShow, NeedsNoAgentToReadANamedFile) {
   EXPECT_FALSE(exists(file("agent")));
 }
 
-// The document for programs says nothing of it, and the status is that of a list that can be read.
+// Standard output has no warning, and the exit status is 0.
 TEST_F(CliShow, WarnsOncePerListThatPasswordsCannotBeDecrypted) {
   initAgent();
   const std::string good = protectedText("good");

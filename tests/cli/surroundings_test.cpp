@@ -1,6 +1,6 @@
 #include "tests/cli/edit_fixture.h"
 
-// What the environment and the current directory mean to every command.
+// The effects of the environment and the current directory on every command.
 namespace test {
 namespace {
 
@@ -14,7 +14,7 @@ class CliAgentDirectory : public CliTest {
     write("lists/list.xml", document(httpSite("Offered")));
   }
 
-  // In the directory of the test, with these settings in the environment.
+  // Runs the tool in the directory of the test with these environment settings.
   Output with(const std::string& settings, const Arguments& arguments) {
     return shell(settings + " \"$0\" \"$@\"", arguments);
   }

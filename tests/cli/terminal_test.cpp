@@ -1,7 +1,7 @@
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
 
-// What a document says must neither break the columns nor reach the terminal as a command.
+// The content of a document must not break the columns or control the terminal.
 namespace test {
 namespace {
 
@@ -17,7 +17,7 @@ class CliTerminal : public CliTest {
     return out.substr(begin, out.find('\n', begin) - begin);
   }
 
-  // How many spaces stand between the name, of ten columns at most, and the address.
+  // Returns the number of spaces between the name (at most ten columns) and the address.
   std::size_t gapBehind(const std::string& name) {
     const std::string line = row(name);
     const std::size_t begin = line.find(name) + name.size();

@@ -11,7 +11,7 @@
 
 namespace fs = std::filesystem;
 
-// Root works with an agent of another user, who then goes on.
+// Root uses an agent of another user. Afterwards that user uses it.
 namespace test {
 namespace {
 
@@ -20,14 +20,14 @@ using testing::IsEmpty;
 
 class CliTwoUsers : public CliTest {
  protected:
-  // Everything in the directory of the test is the agent's user's.
+  // The agent's user owns everything in the directory of the test.
   CliTwoUsers() {
     list = write("lists/list.xml", document(httpSite("Offered")));
     owner = std::to_string(agentUser());
     handOver();
   }
 
-  // Root's streams are files that the agent's user could not write.
+  // Root's stream files are removed first, because the agent's user could not write to them.
   void handOver() {
     for (const char* name : {"stdin", "stdout", "stderr"}) ::unlink(file(name).c_str());
     giveToAgent(file("lists"));
@@ -37,7 +37,7 @@ class CliTwoUsers : public CliTest {
     }
   }
 
-  // Whether there is what the test needs; says what is missing.
+  // Returns whether the test can run. Prints what is missing.
   bool isPossible() {
     if (!::getpwuid(agentUser())) {
       std::cout << "The agent's user has no name here, so no agent is made for it.\n";
@@ -71,7 +71,7 @@ class CliTwoUsers : public CliTest {
             {"undo"}};
   }
 
-  // What goes wrong when the agent's user runs every command; a line each.
+  // Runs every command as the agent's user. Returns one line for each failure.
   std::vector<std::string> runAllAsAgentUser() {
     handOver();
     return asAgentUser([this] {
@@ -85,7 +85,7 @@ class CliTwoUsers : public CliTest {
     });
   }
 
-  // Every file and directory of the agent that is not its user's.
+  // Returns the files and directories of the agent that do not belong to the agent's user.
   std::vector<std::string> foreign() const {
     std::vector<std::string> found;
     for (const auto& entry : fs::recursive_directory_iterator(file("agent"))) {

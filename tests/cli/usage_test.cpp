@@ -25,7 +25,7 @@ std::vector<std::string> commandsIn(const std::string& help) {
   if (begin == std::string::npos) return commands;
   for (begin = help.find('\n', begin + 1) + 1; help.compare(begin, 2, "  ") == 0;
        begin = help.find('\n', begin) + 1) {
-    if (help[begin + 2] == ' ') continue;  // a description goes on
+    if (help[begin + 2] == ' ') continue;  // the continuation of a description
     commands.push_back(help.substr(begin + 2, help.find(' ', begin + 2) - begin - 2));
   }
   return commands;
@@ -182,7 +182,8 @@ TEST_F(CliUsage, AnEmptyValueIsWrongUsage) {
   EXPECT_EQ(sitelist({"policies", "set", "a", ""}).status, 0);
 }
 
-// A path that is too long names no agent, so it is refused before a command looks at it.
+// A path that is too long cannot be the directory of an agent, so it is refused before any command
+// uses it.
 TEST_F(CliUsage, ADataDirectoryThatCannotBeOneIsWrongUsage) {
   for (const std::vector<std::string>& command :
        {std::vector<std::string>{"show"}, {"init"}, {"protect"}, {"explain-rule"}}) {

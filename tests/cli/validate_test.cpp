@@ -15,8 +15,8 @@ using testing::StartsWith;
 
 constexpr const char* c_version = R"( GlobalVersion="20260101000000")";
 
-// A document with an element on each line. What stands in front of the "SiteList" begins in line 3,
-// column 3; without it, the sites begin in line 4, column 5.
+// A document with an element on each line. Content before "SiteList" begins in line 3, column 3.
+// Without such content, the sites begin in line 4, column 5.
 std::string lines(const std::vector<std::string>& sites,
                   const std::vector<std::string>& beforeSites = {},
                   const std::string& rootAttributes = c_version, const std::string& behind = "") {
@@ -201,12 +201,12 @@ TEST_F(CliValidate, EachRuleIsBrokenByTheSmallestDocumentThatDoes) {
   }
 }
 
-// Every rule that there is, with those of the tests below.
+// All rules, together with those of the tests below.
 TEST_F(CliValidate, NoRuleIsForgotten) {
   std::vector<std::string> expected = {
       "missing-file", "unreadable-file", "no-sites", "server-request-key", "server-public-key",
       "key-files-unchecked",
-      // No document breaks them: the library finds its server by what they ask for.
+      // No document can break them, because the library finds the server by these values.
       "server-kind-http", "server-element"};
   for (const Case& each : errorCases()) expected.emplace_back(each.rule);
   for (const Case& each : warningCases()) expected.emplace_back(each.rule);
@@ -353,7 +353,7 @@ TEST_F(CliValidate, ChecksSeveralListsAndKeepsTheHighestStatus) {
   EXPECT_EQ(sitelist({"validate", incomplete, good}).status, 1);
 }
 
-// Each is a fault of its own list, and the other lists keep theirs.
+// Each is a fault of one list. The faults of the other lists are still reported.
 TEST_F(CliValidate, GoesOnAfterAListThatCannotBeRead) {
   std::string unknown;
   for (int i = 0; i < 1025; ++i) unknown += "<Odd/>";

@@ -24,8 +24,8 @@ class CliWriteFailure : public CliTest {
     write("in/reqseckey.bin", "secret");
   }
 
-  // The tool in a process that may not write any byte into a file, as if the disk was full: all
-  // that it prints, and its exit status at the end.
+  // Runs the tool in a process that cannot write to files, as with a full disk. Returns its output
+  // and exit status.
   std::string onFullDisk(const Arguments& arguments) {
     return shell(
                "(trap '' XFSZ; ulimit -f 0; \"$0\" --agent-dir agent \"$@\" 2>&1;"

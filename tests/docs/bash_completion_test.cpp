@@ -12,7 +12,7 @@ using testing::UnorderedElementsAre;
 // The function that the script registers, called as the shell does.
 class BashCompletion : public CompletionTest {
  protected:
-  // What is offered for the last of the words.
+  // Returns the words that are offered for the last word.
   Words offered(const Words& words) {
     Words arguments = {c_scripts + "sitelist.bash"};
     arguments.insert(arguments.end(), words.begin(), words.end());

@@ -32,7 +32,7 @@ def statements(text):
     text = re.sub(r"^```.*?^```", "", text, flags=re.M | re.S)
     section = ""
     is_head = True
-    # A list item and a paragraph go on in the lines behind them, a row of a table does not.
+    # A list item or a paragraph may continue on the next lines. A table row may not.
     for block in re.split(r"\n(?=[|#\n-])", text):
         block = " ".join(block.split())
         if block.startswith("## "):
@@ -93,7 +93,7 @@ def read_operations(root):
 
 
 def read_marks(root):
-    """Yields file, program, suite and name of each marked test, and what it is said to show."""
+    """Yields file, program, suite and name of each marked test, and the names in its marks."""
     for path in sorted((root / "tests").glob("*/*_test.cpp")):
         file = path.relative_to(root).as_posix()
         shown = []
@@ -112,7 +112,7 @@ def read_marks(root):
 
 
 def listed_tests(program):
-    """The tests of a program, without what parameters add to their names."""
+    """Returns the tests of a program, without the parameter part of their names."""
     if not program.exists():
         faults.append(f"{program} does not exist")
         return set()

@@ -74,7 +74,7 @@ change() {
   cat "$tree/changed" >"$tree/$1"
 }
 
-# refused TEXT: the check fails and says so
+# refused TEXT: the check must fail with this text
 refused() {
   if "$check" "$tree" "$tree/bin" >"$tree/said" 2>&1; then
     echo "FAILED: not noticed: $1"
@@ -108,7 +108,7 @@ change $format 's/There is/<a id="new"><\/a>There is/'
 refused 'no test shows new'
 change tests/docs/result_codes.txt 's/^Count/Count 0/'
 refused 'no test shows Count=0'
-# Marks that name what is not there.
+# Marks with an unknown name, and marks of missing tests.
 change $tests 's/limit, /limits, /'
 refused 'Reader.Fails shows limits, which does not exist'
 change $tests 's/Read=0/Read=-1, Read=-2/'
@@ -121,14 +121,14 @@ change $tests 's/^TEST_P/void TEST_P/'
 refused "$tests:6: a mark without a test behind it"
 rm "$tree/bin/test_one"
 refused 'bin/test_one does not exist'
-# Statements without a name of their own.
+# Statements without an anchor, or with the anchor of another one.
 change $format 's/<a id="encoding"><\/a>//'
 refused "$format: no anchor in: | encoding | any |"
 change $format 's/<a id="first"><\/a>//'
 refused "$format: no anchor in: - Only the first is read."
 change $format 's/"second"/"first"/'
 refused "$format: the anchor first occurs twice"
-# Result codes that the header and the table do not have in common.
+# Operations and result codes that only the header or only the table has.
 change tests/docs/result_codes.txt '/^Count/d'
 refused 'no line for Count'
 change tests/docs/result_codes.txt 's/^Count/Size/'
@@ -139,7 +139,7 @@ change tests/docs/result_codes.txt 's/ -1/ -1 -7/'
 refused 'Read has -7'
 change sitehlp/result_codes.h 's/^constexpr int c_errorGeneral.*/&\nconstexpr int c_new = -7;/'
 refused 'no operation returns c_new (-7)'
-# A page that is not what the sources say.
+# An outdated page.
 change docs/tested-behaviours.md 's/Reads/Wrote/'
 refused 'docs/tested-behaviours.md is out of date'
 exit "$failed"

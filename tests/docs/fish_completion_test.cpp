@@ -11,7 +11,7 @@ using testing::UnorderedElementsAre;
 
 class FishCompletion : public CompletionTest {
  protected:
-  // What is offered behind each of the lines.
+  // Returns the words that are offered at the end of each line.
   std::vector<Words> offered(const Words& lines) {
     Words arguments = {c_scripts + "sitelist.fish"};
     arguments.insert(arguments.end(), lines.begin(), lines.end());
@@ -34,7 +34,7 @@ class FishCompletion : public CompletionTest {
     return all;
   }
 
-  // The words alone that are offered behind the line.
+  // Returns the words that are offered at the end of the line, without their descriptions.
   Words words(const std::string& line) {
     Words found;
     const std::vector<Words> all = offered({line});

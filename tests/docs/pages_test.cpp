@@ -41,7 +41,7 @@ class ManualPages : public CliTest {
     return lines;
   }
 
-  // What stands under a heading, up to the next one.
+  // Returns the text between a heading and the next one.
   std::string below(const std::vector<std::string>& lines, const std::string& heading) {
     auto line = std::find(lines.begin(), lines.end(), heading);
     EXPECT_NE(line, lines.end()) << heading;
@@ -146,7 +146,7 @@ class SettingsPage : public ManualPages {
  protected:
   const std::string source = readFile(pagePath("agent.toml.5"));
 
-  // The literal texts of the page, as they are meant.
+  // Returns the literal texts of the page, without the escapes of the formatter.
   std::vector<std::string> literals() {
     std::vector<std::string> all;
     static const std::regex block("\\.Bd -literal[^\n]*\n([^]*?)\\.Ed\n");
@@ -159,7 +159,7 @@ class SettingsPage : public ManualPages {
     return all;
   }
 
-  // What the reader says to a settings file with this text; empty when it takes it.
+  // Returns the error for a settings file with this text, or an empty text if the file is valid.
   std::string faultOf(const std::string& text) {
     write("settings/agent.toml", text);
     try {

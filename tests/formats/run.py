@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the tool on fixed documents in every form and looks at everything that it prints.
+"""Runs the tool on fixed documents in every format and compares everything that it prints.
 
   run.py --tool SITELIST GROUP...               the cases of these groups, against their folders
   run.py --tool SITELIST contract               schema, commands and exit statuses

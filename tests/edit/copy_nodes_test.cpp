@@ -7,8 +7,7 @@ namespace {
 
 class CopyNodes : public testing::Test {
  protected:
-  // The element <X> of the target after the first site of a list with these sites was copied into
-  // it.
+  // Copies `site` into the element `x` of the target, and returns that element.
   std::string alter(const std::string& site, const std::string& x, int order, const wchar_t* type) {
     OpenDocument source(dir, document(site));
     OpenDocument target(dir, document(x));
@@ -33,7 +32,7 @@ class CopyNodes : public testing::Test {
     }
     return inside(target.text());
   }
-  // What "SiteList" holds.
+  // Returns the content of "SiteList".
   static std::string inside(const std::string& text) {
     const std::size_t begin = text.find('>', text.find("<SiteList ")) + 1;
     return text.substr(begin, text.find("</SiteList>") - begin);

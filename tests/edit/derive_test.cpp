@@ -20,7 +20,7 @@ class DeriveServerList : public testing::Test {
     return CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(),
                                                           wide(to.path()).c_str());
   }
-  // What a list with these sites comes to.
+  // Returns the server list that is derived from a list with these sites.
   std::string derived(const std::string& sites) {
     client(document(sites));
     EXPECT_TRUE(derive());
@@ -183,7 +183,7 @@ TEST_F(DeriveServerList, RefusesATargetThatLeadsToItsSource) {
   EXPECT_FALSE(CSitesHelper::createServerSiteListFromSiteList(wide(from.path()).c_str(), nullptr));
   expectToldOfTheLink(from);
   EXPECT_EQ(readFile(from.file("SiteList.xml")), list);
-  // And over a chain of links into another directory.
+  // The same for a chain of links into another directory.
   std::filesystem::create_symlink(from.file("ServerSiteList.xml"), to.file("ServerSiteList.xml"));
   EXPECT_FALSE(derive());
   expectToldOfTheLink(to);

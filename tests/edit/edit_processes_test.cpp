@@ -11,7 +11,7 @@ std::string server(const std::string& name) {
          ".example:80\" ServerName=\"" + name + ":80\" ServerIP=\"10.0.0.1:80\"/>";
 }
 
-// Reads the agent's list over and over; answers with what is wrong with a read, or "ok".
+// Reads the agent's list repeatedly. Sends the first fault of a read, or "ok".
 CHILD_PROCESS(readerOfEitherServer) {
   host::AgentSettings settings;
   settings.dataDirectory = args[0];

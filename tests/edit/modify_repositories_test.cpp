@@ -15,7 +15,8 @@ std::string attributesOf(const Repository& repository, const std::string& name) 
 
 class ModifyRepositories : public EditFixture {
  protected:
-  // Edits the target's repositories from the source's and compares with the model.
+  // Replaces the repositories of the target with those of the source, and compares the result with
+  // the model.
   void check(const Repositories& targets, const Repositories& sources) {
     target(
         document("<First/>" + (targets.http ? vendorHttp(attributesOf(*targets.http, "th")) : "") +
@@ -42,7 +43,8 @@ class ModifyRepositories : public EditFixture {
     ASSERT_TRUE(modify(true, false));
     ASSERT_EQ(result(), canonical(document(expected)));
   }
-  // The source's repository in a slot of the target, with the target's type where both have one.
+  // Returns the repository of the source with the order `slot`. It has the type of the target if
+  // both have a type.
   static Repository in(int slot, const Repository& former, const Repository& fresh) {
     Repository repository{std::to_string(slot), fresh.type};
     if (fresh.type && former.type && !former.type->empty()) repository.type = former.type;

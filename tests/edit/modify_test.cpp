@@ -51,7 +51,7 @@ class Modify : public EditFixture {
       writeFile(incoming.file(name), name);
     }
   }
-  // A pair of lists in which both kinds of edit have something to do, and what comes of them.
+  // Writes two lists that both kinds of edit change.
   void usualLists() {
     target(document(vendorHttp(R"(Name="t" Order="1")") + server("old"), "<CaBundle>t</CaBundle>"));
     source(document(vendorHttp(R"(Name="s" Order="2")") + server("new"), "<CaBundle>s</CaBundle>"));

@@ -2,7 +2,7 @@
 
 #include "tests/edit/edit_fixture.h"
 
-// A list that cannot be read for an edit leaves one error line of the host that says why.
+// If a list cannot be read for an edit, one error line of component "Host" gives the reason.
 namespace {
 
 using namespace test;
@@ -65,7 +65,7 @@ TEST_F(NotRead, IsToldOfTheListThatIsEdited) {
   }
 }
 
-// The read of the source tells of bytes that are not valid; only the parser looks at the rest.
+// The read of the source reports invalid bytes. The parser reports all other faults.
 TEST_F(NotRead, IsToldOfTheSourceOfAnEdit) {
   target(document(""));
   for (const Unreadable& list : unreadable()) {

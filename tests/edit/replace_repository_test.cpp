@@ -64,7 +64,8 @@ class SameServer : public testing::Test {
     EXPECT_TRUE(two.siteList.tryGetChild(second, L"VestaSite", nullptr, nullptr, nullptr, nullptr));
     return helper.IstheSamePyxSite(first, second);
   }
-  // The four identity attributes with one changed: to another value, or left out when it is "-".
+  // Returns the four identity attributes. `changed` has another value, or is missing if the value
+  // is "-".
   static std::string identity(const std::string& changed = "", const std::string& value = "") {
     std::string text;
     for (const std::string name : {"Name", "Server", "ServerName", "ServerIP"}) {

@@ -7,7 +7,8 @@ using namespace test;
 
 namespace {
 
-// A server with this identity (an empty one: incomplete) that shows which list it comes from.
+// Returns a server with this identity that also names its list. An empty identity means an
+// incomplete server.
 std::string server(const std::string& identity, const std::string& list,
                    const std::string& more = "") {
   if (identity.empty()) return "<VestaSite Name=\"incomplete\" list=\"" + list + "\"/>";

@@ -17,7 +17,7 @@ class ServerIdentity : public EditFixture {
   }
 };
 
-// Whatever stands between two values when they are compared: no text of theirs can take its place.
+// The comparison joins values with a separator. No text in a value can imitate this separator.
 TEST_F(ServerIdentity, IsOfTheValuesOneByOneNotOfTheirText) {
   for (int c = 0x20; c < 0x7F; ++c) {
     char reference[8];

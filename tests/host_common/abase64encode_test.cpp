@@ -71,7 +71,7 @@ TEST(ABase64Encode, KnowsExactlyTheSixtyFourCharactersOfTheAlphabet) {
   for (wchar_t c = 1; c < 0x400; ++c) {
     if (!decoded(std::wstring(L"Zm9") + c).empty()) ++accepted;
   }
-  // The padding character is accepted nowhere else but at the end, where the bits fit.
+  // Padding is accepted only at the end and only if its bits are correct.
   EXPECT_EQ(accepted, 64);
 }
 

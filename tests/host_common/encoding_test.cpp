@@ -42,7 +42,7 @@ TEST(Encoding, ConvertsEveryScalarValueThereAndBack) {
   EXPECT_TRUE(wideOf(utf8) == all);
 }
 
-// The blocks of the fast path must not lose or move what stands at their borders.
+// The block-wise conversion must not lose or move characters at block borders.
 TEST(Encoding, ConvertsOneForeignCharacterAtEveryPlaceOfAnAsciiText) {
   for (std::size_t length = 1; length <= 40; ++length) {
     for (std::size_t place = 0; place < length; ++place) {

@@ -60,7 +60,7 @@ class UnicodeLocale {
   bool m_found;
 };
 
-// The system knows every script; in those that are folded here, the two must agree on each letter.
+// wcsicmp must fold each letter of these scripts as the system does.
 TEST(CompareWithoutCase, FoldsEveryLetterAsTheSystemDoes) {
   const UnicodeLocale locale;
   ASSERT_TRUE(locale.found());
@@ -79,7 +79,7 @@ TEST(CompareWithoutCase, FoldsEveryLetterAsTheSystemDoes) {
   EXPECT_GT(folded, 250);
 }
 
-// And what is the same without case here must be so for the system: no letter is folded wrongly.
+// Letters that wcsicmp considers equal must also be equal for the system.
 TEST(CompareWithoutCase, FoldsNothingButLetters) {
   const UnicodeLocale locale;
   ASSERT_TRUE(locale.found());

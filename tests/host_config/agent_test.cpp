@@ -84,7 +84,7 @@ TEST_F(Agent, HasAFullDataDirectoryWithoutTrailingSeparator) {
   EXPECT_EQ(dataDirectory(), before + "/relative");
 }
 
-// A full path of so many characters.
+// Returns a full path with this number of characters.
 std::string longPath(std::size_t length, const std::string& unit) {
   std::string path = "/" + std::string(length % 2 == 0 ? 1 : 2, 'x');
   for (std::size_t characters = path.size(); characters < length; characters += 2) {
@@ -127,8 +127,8 @@ TEST_F(Agent, SetsTheLogThreshold) {
   }
 }
 
-// What a process that says nothing serves, with `args[0]` in place of the default data directory;
-// asked for by many threads at once.
+// Sends the agent of a process that has not called setAgent. Many threads ask for it at once.
+// `args[0]` replaces the default data directory.
 CHILD_PROCESS(defaultAgent) {
   const test::RerootedFileSystem files(host::AgentSettings().dataDirectory, args[0]);
   std::vector<std::wstring> errors;

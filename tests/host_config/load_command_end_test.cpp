@@ -55,7 +55,8 @@ CHILD_PROCESS(leaveTheProcessGroup) {
   stay("left");
 }
 
-// A busy machine may not have begun the command when the limit is over; a longer one is tried then.
+// On a busy machine the limit may end before the command has started. The test then tries a longer
+// limit.
 TEST(LoadCommand, IsEndedAfterItLeftItsProcessGroup) {
   test::TestAgent agent;
   std::vector<std::wstring> printed;

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 
-// Keeps what is logged while it lives, and then puts the default sink and threshold back.
+// Stores the messages during its life, then restores the default sink and threshold.
 class Log : public testing::Test {
  protected:
   Log() {

@@ -110,7 +110,7 @@ TEST_F(MeshService, LogsNoArguments) {
   EXPECT_THAT(onlyError(), testing::Not(testing::HasSubstr("topsecret")));
 }
 
-// What the command's end is does not depend on what the process does with its children.
+// The result of the command does not depend on how the process handles its children.
 TEST_F(MeshService, WorksInAProcessThatIgnoresTheEndOfChildren) {
   for (const int flags : {0, SA_NOCLDWAIT}) {
     struct sigaction action = {};
@@ -159,8 +159,8 @@ TEST_F(MeshService, FailsWhenTheEndOfTheCommandCannotBeKnown) {
                 c_advice);
 }
 
-// The first one ends when it is asked to, the second only when it is killed. A busy machine may not
-// have begun the command when the limit is over; a longer one is tried then.
+// SIGTERM ends the first script. Only SIGKILL ends the second. On a busy machine the limit may end
+// before the command has started. The test then tries a longer limit.
 TEST_F(MeshService, EndsACommandThatRunsTooLongAndAllThatItStarted) {
   ASSERT_EQ(::mkfifo(out().c_str(), 0600), 0);
   const int fifo = ::open(out().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -184,7 +184,7 @@ TEST_F(MeshService, EndsACommandThatRunsTooLongAndAllThatItStarted) {
   ::close(fifo);
 }
 
-// What is left running waits for a line and answers with it.
+// The process that is left running waits for a line and sends it back.
 TEST_F(MeshService, DoesNotWaitForWhatTheCommandLeavesRunning) {
   const std::string answers = out() + ".answer";
   ASSERT_EQ(::mkfifo(out().c_str(), 0600), 0);
@@ -194,7 +194,8 @@ TEST_F(MeshService, DoesNotWaitForWhatTheCommandLeavesRunning) {
                            "echo told; exit 0"),
             1);
   EXPECT_THAT(agent.texts(LogLevel::Info), ElementsAre(L"Mesh service load command: told"));
-  // A reader of its own, so that the writer need not wait for one that may have been ended.
+  // The test opens a reader itself, so that opening the writer does not wait for a process that may
+  // have ended.
   const int reader = ::open(out().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   const int writer = ::open(out().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
   EXPECT_EQ(::write(writer, "go\n", 3), 3);

@@ -56,8 +56,8 @@ TEST(Cipher, MakesWhatLibcryptosOwnMakes) {
   }
 }
 
-// Most machines have no FIPS provider; then there is no cipher, rather than one of another
-// provider.
+// Most machines have no FIPS provider. The cipher must then be missing and must not come from
+// another provider.
 TEST(Cipher, IsTheOneOfTheFipsProviderOrNoneWhenTheConfigurationAsksForFips) {
   ASSERT_EQ(EVP_default_properties_enable_fips(nullptr, 1), 1);
   const CipherPtr found = find();
@@ -76,7 +76,7 @@ TEST(CipherDeathTest, IsNoneWhenTheConfigurationLeavesTheDefaultProviderOut) {
       testing::ExitedWithCode(0), "");
 }
 
-// libcrypto gets no memory while this is 0; else it counts down, and below 0 there is always some.
+// The number of the first allocation of libcrypto that fails. At 0 all fail; below 0 none fails.
 long g_allocationsLeft = -1;
 
 bool isOutOfMemory() {
@@ -91,7 +91,8 @@ void* reallocate(void* memory, std::size_t size, const char*, int) {
 }
 void release(void* memory, const char*, int) { std::free(memory); }
 
-// Tells how often the cipher could not be looked up for want of memory until it was found.
+// Sends the number of attempts to fetch the cipher that failed for lack of memory before one
+// succeeded.
 CHILD_PROCESS(findCipherWithoutMemory) {
   if (CRYPTO_set_mem_functions(allocate, reallocate, release) != 1) return 2;
   const host::LibcryptoUse use;

@@ -18,7 +18,8 @@ using test::ENCRYPTION_TYPE_PASSWORD;
 using test::ENCRYPTION_TYPE_SERVER_BUFFER;
 using test::EncryptionObject;
 
-// Waits for the word to go, makes the key if nobody else did, and sends a password under it.
+// Waits for the start message, creates the key if it is missing, and sends a password that is
+// encrypted with it.
 CHILD_PROCESS(encryptAtOnce) {
   host::AgentSettings settings;
   settings.dataDirectory = args.at(0);

@@ -208,7 +208,8 @@ TEST_F(OpenKeyFile, WhoseDirectoryIsMovedAwayMeanwhileIsUsedAndLeftAlone) {
   expectLeftAlone(m_aside + "/password.key");
 }
 
-// What is told about the place of a file differs in one point from what the file itself tells.
+// Reports one wrong property: the device of the file found by name, or the owner of the open
+// directory.
 class OddPlace : public FaultyFileSystem {
  public:
   enum class Point { Device, DirectoryOwner };

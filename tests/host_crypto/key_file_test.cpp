@@ -202,12 +202,12 @@ TEST_F(KeyFile, ReplacedWhileRunningIsNoticedAtOnce) {
   const std::wstring underA = encrypted(L"secret");
   ASSERT_TRUE(decrypts(underA));
   for (int i = 0; i < 20; ++i) {
-    // In place, keeping inode and size.
+    // Overwrites the file; inode and size stay the same.
     test::writeFile(m_path, std::string(32, 'b'), 0600);
     const std::wstring underB = encrypted(L"secret");
     EXPECT_FALSE(decrypts(underA));
     EXPECT_TRUE(decrypts(underB));
-    // By a new file.
+    // Replaces the file with a new one.
     test::writeFile(m_path + ".new", std::string(32, 'a'), 0600);
     ASSERT_EQ(::rename((m_path + ".new").c_str(), m_path.c_str()), 0);
     EXPECT_TRUE(decrypts(underA));
@@ -215,7 +215,7 @@ TEST_F(KeyFile, ReplacedWhileRunningIsNoticedAtOnce) {
   }
 }
 
-// Every file was last changed at the same time, so many seconds from now.
+// Reports the same time of the last change for every file: `fromNow` seconds after now.
 class FixedTimeFileSystem : public test::FaultyFileSystem {
  public:
   explicit FixedTimeFileSystem(std::time_t fromNow) : m_time(std::time(nullptr) + fromNow) {}
@@ -250,7 +250,7 @@ TEST_F(KeyFile, ThatIsOldIsReadOnceAndStillNoticedWhenReplaced) {
 }
 
 TEST_F(KeyFile, ReplacedWithinOneStepOfTheFileSystemsClockIsNoticed) {
-  // A time that cannot pass while the test runs.
+  // A time in the future, so that the file counts as recently changed during the whole test.
   const FixedTimeFileSystem files(3600);
   test::writeFile(m_path, std::string(32, 'a'), 0600);
   const std::wstring underA = encrypted(L"secret");

@@ -185,7 +185,7 @@ TEST_F(KeyReport, TellsOnceForAListThatTheKeyIsAnotherAgents) {
               ElementsAre(testing::StartsWith(L"3 protected passwords cannot be decrypted with ")));
 }
 
-// The room for what was logged is bounded.
+// The list of logged errors has a fixed size.
 TEST_F(KeyReport, TellsEachOfEightErrorsOnceForAListAndFurtherOnesEachTime) {
   std::vector<std::wstring> expected;
   {

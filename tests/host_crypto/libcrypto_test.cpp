@@ -15,7 +15,7 @@
 #include "host/crypto/sealed_value.h"
 #include "tests/support/child_process.h"
 
-// What libcrypto says, and what it is used by.
+// The error texts of libcrypto, and processes and threads that use it.
 namespace {
 
 std::string takeError() {
@@ -76,7 +76,7 @@ bool sealsAndOpens() {
          std::equal(opened.begin(), opened.end(), clear, clear + sizeof clear);
 }
 
-// libcrypto is at work in the process already, and others have taken all keys of threads.
+// The process already uses libcrypto, and other code has created all thread-specific keys.
 CHILD_PROCESS(sealWithoutThreadKeys) {
   unsigned char byte = 0;
   if (RAND_bytes(&byte, 1) != 1 || RAND_priv_bytes(&byte, 1) != 1) return 2;

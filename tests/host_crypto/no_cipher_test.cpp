@@ -21,7 +21,7 @@ using test::EncryptionObject;
 
 constexpr const char* c_protected = "AQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEBAQEB";
 
-// Sends what each operation gives, then the errors that were logged.
+// Sends the result of each operation, then the logged errors.
 CHILD_PROCESS(useCiphers) {
   const test::TestAgent agent;
   test::writeFile(test::serverKeyPath(agent.dataDirectory()), std::string(32, 's'), 0600);

@@ -29,8 +29,8 @@ std::vector<std::string> drawn(host::Nonces& nonces, int count) {
   return result;
 }
 
-// Does the work in a child, which ends without running anything of the test program's. What the
-// work returns are texts without line feeds.
+// Runs the work in a child process. The child ends without any cleanup of the test program. The
+// returned texts must have no line feeds.
 template <typename Work>
 std::vector<std::string> inChild(Work work) {
   int ends[2] = {-1, -1};
@@ -97,7 +97,7 @@ TEST(Nonces, AreAllDifferent) {
 TEST(Nonces, OfAChildAreNotThoseOfItsParent) {
   host::Nonces nonces;
   std::multiset<std::string> all;
-  add(all, drawnInHex(nonces, 1));  // from now on there are some in stock
+  add(all, drawnInHex(nonces, 1));  // now the object has unused nonces
   add(all, inChild([&] { return drawnInHex(nonces, 100); }));
   add(all, inChild([&] { return drawnInHex(nonces, 100); }));
   add(all, drawnInHex(nonces, 100));
@@ -125,7 +125,7 @@ TEST(Nonces, OfAGrandchildAreNotThoseOfItsForebears) {
   EXPECT_EQ(distinct(all), 502U);
 }
 
-// The encryption objects that the service keeps are copied by a fork, too.
+// A fork also copies the encryption objects that the service keeps.
 TEST(Nonces, OfPasswordsInAChildAreNotThoseOfItsParent) {
   const test::TestAgent agent;
   const auto protectSome = [](int count) {
@@ -134,7 +134,7 @@ TEST(Nonces, OfPasswordsInAChildAreNotThoseOfItsParent) {
       const test::EncryptionObject object(test::ENCRYPTION_TYPE_PASSWORD);
       std::wstring text;
       if (!object || !object->encrypt_string(L"same", text)) break;
-      // Of the base64 text, what stands for the nonce alone: bytes 3 to 11 of the value.
+      // The part of the base64 text that encodes only the nonce: bytes 3 to 11 of the value.
       const std::wstring nonce = text.substr(4, 12);
       nonces.emplace_back(nonce.begin(), nonce.end());
     }
@@ -169,11 +169,12 @@ TEST(ForkGeneration, IsAnotherInEveryProcessOfALine) {
   EXPECT_EQ(distinct(all), 2U);
 }
 
-// The process cannot have the memory that a fork wipes: it takes no number, and draws one by one.
+// The process cannot get memory that a fork clears. It therefore has no generation number and draws
+// each nonce separately.
 CHILD_PROCESS(drawWithoutGeneration) {
   {
-    // A sanitizer's allocator ends the process when it gets no memory: it has to have some in
-    // stock.
+    // The allocator of a sanitizer ends the process if it gets no memory. It must therefore have
+    // free memory before.
     std::vector<std::unique_ptr<std::uint64_t>> stock(1000);
     for (auto& each : stock) each = std::make_unique<std::uint64_t>(0);
   }

@@ -42,7 +42,7 @@ void drawNonces() {
   nonces.next(nonce);
 }
 
-// What the threads use until the very end of the process.
+// The threads use this until the process ends.
 std::atomic<int> g_begun{0};
 
 CHILD_PROCESS(endWhileThreadsWork) {

@@ -1,4 +1,4 @@
-// The functions that put another source of random numbers in force are marked as old.
+// The functions that replace the source of random numbers are deprecated.
 #define OPENSSL_SUPPRESS_DEPRECATED
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ using host::SecretBytes;
 using test::EncryptionObject;
 using Bytes = std::vector<unsigned char>;
 
-// As long as it lives, the system has no random numbers to give.
+// For the life of the object, the system gives no random numbers.
 class NoRandomNumbers {
  public:
   NoRandomNumbers() : m_before(RAND_get_rand_method()) {

@@ -75,7 +75,7 @@ TEST_F(SealedValue, IsVersionNonceCiphertextAndTagUnderAes256GcmWithTheVersionAu
   EXPECT_EQ(opened, clear);
 }
 
-// What a later version might make: sound, and sealed under the same key.
+// A value with another version byte that is encrypted correctly with the same key.
 // Shows: password-version
 TEST_F(SealedValue, OfAnotherVersionDoesNotOpen) {
   const SecretBytes key = keyOf(7);

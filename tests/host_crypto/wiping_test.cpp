@@ -19,7 +19,7 @@ using test::ENCRYPTION_TYPE_PASSWORD;
 using test::ENCRYPTION_TYPE_SERVER_BUFFER;
 using test::EncryptionObject;
 
-// How many blocks with these bytes in them were given back while the work was done.
+// Returns how many blocks with these bytes were released during the work.
 template <typename Work>
 int blocksGivenBackWith(const void* needle, std::size_t size, Work work) {
   const test::SearchedDeletes deletes(needle, size);
@@ -33,11 +33,12 @@ template <typename Work>
 void expectNoTraceOfTheSecret(Work work) {
   const std::wstring wide(c_secret.begin(), c_secret.end());
   EXPECT_EQ(0, blocksGivenBackWith(c_secret.data(), c_secret.size(), work)) << "as bytes";
-  // A part of it: a string that grows gives back blocks with its beginning.
+  // Searches for a part of the text, because a growing string releases blocks with its first
+  // characters.
   EXPECT_EQ(0, blocksGivenBackWith(wide.data(), 4 * sizeof(wchar_t), work)) << "as wide text";
 }
 
-// What the caller's own copy leaves behind is not the matter here.
+// Wipes the caller's own copy, which is not tested here.
 void wipe(std::wstring& text) { std::fill(text.begin(), text.end(), L' '); }
 
 TEST(CryptoMemory, WatchFindsWhatIsNotWiped) {

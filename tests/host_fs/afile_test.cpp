@@ -29,7 +29,7 @@ class Files : public test::FileTest {
 
   AString wpath(const std::string& name) const { return AString(path(name).c_str()); }
 
-  // The one thing logged since the last question, at this level.
+  // Returns the only message since the last call. It must have this level.
   std::string reason(LogLevel level = LogLevel::Detail) {
     const auto texts = agent.texts(level);
     EXPECT_EQ(texts.size(), agent.log().size());
@@ -236,7 +236,7 @@ TEST_F(Files, AreNotTheSameWhenTheyOnlyShareTheirNameOrTheirBytes) {
   EXPECT_TRUE(agent.log().empty());
 }
 
-// Two file systems that number their files alike: `elsewhere` is on the second one.
+// Two file systems with the same inode numbers. `elsewhere` is on the second.
 class TwoFileSystems : public test::FaultyFileSystem {
  public:
   explicit TwoFileSystems(const std::string& elsewhere) {

@@ -86,8 +86,8 @@ TEST_F(LeftOver, AFailedWriteRemovesNothingOfOthers) {
   EXPECT_THAT(names(), ElementsAre(c_tempName));
 }
 
-// Between its creation and its lock a temporary file looks like a left-over one. This is a cleaner
-// at exactly that moment.
+// A temporary file looks like a left-over one between its creation and its lock. Removes left-over
+// files at exactly that moment.
 class EagerCleaner {
  public:
   EagerCleaner(test::FaultyFileSystem& files, const std::string& directory, bool finish)

@@ -27,7 +27,7 @@ class Links : public test::FileTest {
     std::filesystem::create_symlink(target, path(name));
   }
 
-  // The one error since the last question.
+  // Returns the only error since the last call.
   std::string error() {
     const auto texts = agent.texts(LogLevel::Error);
     EXPECT_EQ(texts.size(), 1U);
@@ -104,7 +104,7 @@ TEST_F(Links, AreFollowedFortyTimesAndNoMore) {
   EXPECT_EQ(test::readFile(path("own/f")), "new");
 }
 
-// Some systems keep a link that says nothing, or let it go between two calls.
+// On some systems a link may be empty, or may disappear between two calls.
 class OddLinks : public test::ForwardingFileSystem {
  public:
   int readLink(int directory, const std::string& name, std::string& target,
@@ -173,7 +173,7 @@ TEST_F(Links, ThatLookLikeLeftOversAreNotFollowed) {
   EXPECT_TRUE(std::filesystem::is_symlink(path("own/.sitehlp-0123456789abcdef.tmp")));
 }
 
-// The first part of a path becomes a link while the walk is behind it.
+// The first directory of a path becomes a link after the walk has passed it.
 TEST_F(Links, ThatReplaceADirectoryWhichIsOpenLeadNowhereElse) {
   std::filesystem::create_directories(path("a/b"));
   std::filesystem::create_directories(path("victim/b"));
@@ -190,7 +190,7 @@ TEST_F(Links, ThatReplaceADirectoryWhichIsOpenLeadNowhereElse) {
   EXPECT_THAT(namesIn(path("victim/b")), IsEmpty());
 }
 
-// A file becomes a link after it was looked at.
+// A file becomes a link after it was examined.
 TEST_F(Links, ThatReplaceTheOldFileAreReplacedThemselves) {
   bool exchanged = false;
   files.beforeEach([&](FileCall call) {
@@ -249,7 +249,7 @@ TEST_F(Links, MakeNoProgramThatRunsWithAnotherUsersRights) {
   EXPECT_EQ(modeOf(path("own/f")), 0755U);
 }
 
-// What some systems say to opening a symbolic link as a directory.
+// The error of some systems when a symbolic link is opened as a directory.
 class LoopForLink : public test::FaultyFileSystem {
  public:
   int open(int directory, const std::string& name, int flags, mode_t mode) override {

@@ -18,7 +18,7 @@ class OddPlaces : public test::FileTest {};
 
 TEST_F(OddPlaces, ASocketIsNoRegularFile) {
   test::writeFile(path("f"), "x");
-  for (const int error : {ENXIO, EOPNOTSUPP}) {  // what systems say to opening one
+  for (const int error : {ENXIO, EOPNOTSUPP}) {  // the errors of systems when a socket is opened
     test::FaultyFileSystem files;
     files.failEvery(FileCall::Open, error);
     std::string bytes = "old";
@@ -37,7 +37,7 @@ TEST_F(OddPlaces, AFileOfThatLengthAndEndButAnotherBeginningIsNotTakenForALeftOv
   EXPECT_THAT(names(), ElementsAre(foreign, "f"));
 }
 
-// The first new file finds its name taken.
+// The name of the first new file already exists.
 class TakenName : public test::ForwardingFileSystem {
  public:
   int open(int directory, const std::string& name, int flags, mode_t mode) override {
@@ -64,7 +64,7 @@ TEST_F(OddPlaces, ADirectoryDirectlyBelowTheRootIsMade) {
   EXPECT_TRUE(S_ISDIR(info.st_mode));
 }
 
-// The file that a name leads to belongs to another group, and giving a file away is granted.
+// A file found by name belongs to another group, and chown succeeds.
 class ForeignGroup : public test::RecordingFileSystem {
  public:
   int stat(int directory, const std::string& name, bool follow, struct stat& out) override {

@@ -18,8 +18,8 @@ using testing::IsEmpty;
 constexpr uid_t c_other = 65534;
 constexpr gid_t c_otherGroup = 65533;
 
-// A directory of another user, in which root works. Another user than root works in a directory of
-// their own.
+// A directory of another user. Root creates files in it. Another user than root works in a
+// directory of their own.
 class Owner : public test::FileTest {
  protected:
   Owner() {
@@ -129,7 +129,7 @@ TEST_F(Owner, IsNotGivenToADirectoryThatCameInBetween) {
       made = made || call == FileCall::MakeDirectory;
     });
     EXPECT_EQ(host::makeDirectory(path("d/e"), 0700), m_isRoot ? EPERM : 0);
-    if (!m_isRoot) std::filesystem::remove(path("victim"));  // nobody looked again
+    if (!m_isRoot) std::filesystem::remove(path("victim"));  // the status was not requested again
     struct stat info {};
     ASSERT_EQ(::stat(path("d/e").c_str(), &info), 0);
     EXPECT_EQ(info.st_uid, each.owner);

@@ -94,7 +94,7 @@ void countSignal(int) {
   if (g_signalsLeft > 0 && --g_signalsLeft == 0) g_atLastSignal();
 }
 
-// A timer interrupts this process again and again, and the last time something happens.
+// A timer interrupts this process 20 times. The last interruption calls `atLast`.
 class Interruptions {
  public:
   explicit Interruptions(void (*atLast)()) {

@@ -20,12 +20,12 @@ class ReplaceFileFault : public test::FileTest {
     return false;
   }
 
-  // A directory that was passed through and cannot be closed has lost nothing.
+  // A failure to close a directory of the path loses no data.
   static bool matters(FileCall call, bool renamed) {
     return renamed ? call == FileCall::Sync : call != FileCall::Close;
   }
 
-  // Of a file that exists.
+  // Returns the calls of one replacement of an existing file.
   std::vector<FileCall> callsOfOneReplacement() {
     test::FaultyFileSystem files;
     EXPECT_EQ(replace(path("f"), "old"), 0);

@@ -154,7 +154,7 @@ TEST_F(ReplaceFile, StaysInTheDirectoryThatItOpenedWhenThatIsExchanged) {
   EXPECT_THAT(namesIn(path("elsewhere")), ElementsAre("f"));
 }
 
-// Reports another owner for files that are there by name, and keeps what chown is asked for.
+// Reports another owner for a file that is found by name, and stores the arguments of chown.
 class OtherOwner : public test::ForwardingFileSystem {
  public:
   int stat(int directory, const std::string& name, bool follow, struct stat& out) override {

@@ -28,7 +28,7 @@ class LockLinks : public test::LockTest {
  protected:
   LockLinks() { std::filesystem::create_directory(locks()); }
 
-  // The one error since the last question.
+  // Returns the only error since the last call.
   std::string error() {
     const auto texts = agent.texts(LogLevel::Error);
     EXPECT_EQ(texts.size(), 1U);
@@ -137,7 +137,8 @@ TEST_F(LockLinks, TheirDirectoryMayBeRemovedWhileItIsMade) {
   EXPECT_THAT(agent.texts(LogLevel::Error), IsEmpty());
 }
 
-// Root in the directory of another user. Another user than root works in a directory of their own.
+// Root locks in the directory of another user. Another user than root works in a directory of their
+// own.
 TEST_F(LockLinks, AreNotNeededByTheUserOfTheDirectoryAfterRoot) {
   uid_t owner = ::geteuid();
   if (owner == 0) {

@@ -20,7 +20,7 @@ using Mode = test::Locker::Mode;
 
 class LockFiles : public test::LockTest {
  protected:
-  // The errors logged since the last question.
+  // Returns the errors that were logged since the last call.
   std::vector<std::string> errors() {
     std::vector<std::string> result;
     for (const std::wstring& text : agent.texts(LogLevel::Error)) {
@@ -166,7 +166,7 @@ TEST_F(LockFiles, ThatFailAtAnyCallLeaveNothingLockedAndNothingOpen) {
         if (files.failed().empty()) break;
         SCOPED_TRACE(testing::Message() << "call " << n << ", " << files.failed()[0]);
         files.failNothing();
-        // The failure came before the lock was held, or when it was let go.
+        // The call failed either before the lock was held, or while the lock was released.
         EXPECT_EQ(errors().size(), locked ? 0U : 1U);
         EXPECT_TRUE(canWrite());
       }

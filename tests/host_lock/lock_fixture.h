@@ -19,7 +19,7 @@ using korvel_com::orb::lock::InterProcessReadLock;
 using korvel_com::orb::lock::InterProcessWriteLock;
 
 constexpr const char* c_lockName = "SiteListLock";
-// Long enough for everything that must happen, so that a fault becomes a failure and not a hang.
+// Longer than any expected wait, so that a fault makes a test fail instead of hang.
 constexpr unsigned int c_longWait = 60000;
 
 class LockTest : public testing::Test {

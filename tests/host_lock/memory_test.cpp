@@ -4,7 +4,7 @@
 
 #include "tests/host_lock/lock_fixture.h"
 
-// Lets one allocation fail: the one that follows so many others, once a number is set.
+// Makes one allocation fail: the one after `g_before` others. With c_none no allocation fails.
 namespace {
 
 constexpr int c_none = -1;
@@ -31,7 +31,7 @@ using test::InterProcessWriteLock;
 
 class LockMemory : public test::LockTest {
  protected:
-  // Locks with the allocation behind `before` others failing. Whether the lock was had.
+  // Locks while the allocation after `before` others fails. Returns whether the lock was taken.
   static bool lockAfter(int before) {
     InterProcessWriteLock lock(test::c_lockName);
     g_before = before;

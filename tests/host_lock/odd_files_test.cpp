@@ -19,7 +19,7 @@ TEST_F(OddLockFiles, WhoseDirectoryBecameAFileCannotBeHad) {
   EXPECT_TRUE(canWrite());
 }
 
-// The first time that it is asked, the lock file is on another device than the one that is open.
+// At the first call, reports that the lock file is on another device than the open file.
 class OtherDevice : public test::FaultyFileSystem {
  public:
   int stat(int directory, const std::string& path, bool follow, struct stat& out) override {

@@ -32,7 +32,7 @@ class Threads : public test::LockTest {
   }
 };
 
-// Plain variables: the lock alone orders what the threads do.
+// The variables are not atomic, because only the lock must order the accesses.
 TEST_F(Threads, WritersTakeTurns) {
   long counter = 0;
   run(c_threads, [&](int) {

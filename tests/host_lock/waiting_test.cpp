@@ -97,7 +97,8 @@ TEST_F(Waiting, SignalsInterruptNothing) {
   EXPECT_TRUE(other.finishLock());
 }
 
-// Readers that hold the lock in turns, so that there is always one, until they are destroyed.
+// Readers that hold the lock alternately until the object is destroyed. At least one of them holds
+// it at any time.
 class Readers {
  public:
   Readers(int count, int busy) {
@@ -161,8 +162,8 @@ TEST_F(Waiting, ReadersGetInAmongWritersThatKeepComing) {
   for (std::thread& thread : writers) thread.join();
 }
 
-// A lock that is had at the first try, which lasts until the wait is over, but with a file that was
-// exchanged meanwhile, and is taken for ever from then on.
+// The first attempt gets the lock when the time is over, but the file was replaced meanwhile. All
+// later attempts find the lock held.
 class ExchangedAtTheEnd : public test::ForwardingFileSystem {
  public:
   ExchangedAtTheEnd(std::string gate, milliseconds wait) : m_gate(std::move(gate)), m_wait(wait) {}

@@ -18,9 +18,8 @@
 #include "tests/support/sanitizer.h"
 #include "tests/support/test_agent.h"
 
-// Processes that fork while their threads are at work. Builds with a sanitizer do without the
-// threads: the allocators of AddressSanitizer and ThreadSanitizer are not taken around a fork, so
-// that a child may hang in there.
+// Processes that fork while their threads are at work. Builds with a sanitizer run no threads. The
+// allocators of the sanitizers have no fork handlers, so a child may hang in the allocator.
 namespace {
 
 using test::inChild;
@@ -54,7 +53,7 @@ bool doAll() {
   return readSettings() && protectOne() && logOne() && lockOne() && host::forkGeneration() != 0;
 }
 
-// The work of the threads beside the forks.
+// Returns the functions that threads run during the forks. Returns none with a sanitizer.
 std::vector<bool (*)()> besideForks(std::vector<bool (*)()> work) {
   if (!TESTS_SANITIZED) return work;
   std::printf("No threads run beside the forks with a sanitizer\n");
@@ -76,7 +75,7 @@ TEST(Fork, LeavesTheChildAllThatTheHostDoes) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// Nothing was used before in this process.
+// The process has not used the library before.
 CHILD_PROCESS(forkAtFirstUse) {
   host::AgentSettings settings;
   settings.dataDirectory = args.at(0);

@@ -22,7 +22,7 @@ TEST(Wipe, ZeroesEveryByte) {
   host::wipe(nullptr, 0);
 }
 
-// Whether the bytes stand in the memory of an object that was destroyed there.
+// Returns whether the memory of a destroyed object still has the bytes.
 template <typename T>
 bool remains(const unsigned char (&memory)[sizeof(T)], const void* bytes, std::size_t size) {
   for (std::size_t at = 0; at + size <= sizeof(T); ++at) {
@@ -47,7 +47,7 @@ TEST(Secret, WipesATextThatIsInTheObjectItself) {
   expectAShortTextIsWiped(std::wstring(L"pin"));
 }
 
-// What blocks hold when they are given back.
+// A text that released memory blocks must not contain.
 const std::string c_hidden = "hidden where no short text can be";
 
 template <typename Bytes>

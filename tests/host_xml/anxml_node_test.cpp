@@ -85,7 +85,7 @@ TEST_F(AnXmlNodes, LeaveTheOutputsAsTheyWereWhenThereIsNoSuchChild) {
   EXPECT_FALSE(r.tryGetChild(out, L"c", 0, 0, L"o", &other));
   EXPECT_EQ(out.getName().str(), L"r");
   EXPECT_EQ(other.str(), L"before");
-  // An attribute to fetch but nowhere to put it, and the other way round.
+  // An attribute name without an output, and an output without an attribute name.
   EXPECT_TRUE(r.tryGetChild(out, L"b", 0, 0, L"o", 0));
   EXPECT_TRUE(r.tryGetChild(out, L"b", 0, 0, 0, &other));
   EXPECT_EQ(other.str(), L"before");
@@ -222,7 +222,7 @@ TEST_F(AnXmlNodes, AreCopiedWithAllTheyHold) {
   r.copyAsChild(source);
   r.copyAsChild(source);
   EXPECT_EQ(written(), std::string("<r><a/>") + bundle + bundle + "</r>");
-  // The copies stand on their own.
+  // The copies are independent.
   source.remove();
   EXPECT_EQ(written(), std::string("<r><a/>") + bundle + bundle + "</r>");
 }
@@ -309,7 +309,8 @@ TEST_F(AnXmlNodes, EndTheirWalkForGood) {
   EXPECT_EQ(written(), "<r><a/></r>");
 }
 
-// Every choice of children to remove, in every walk, against the plain expectation.
+// Removes every subset of the children during every kind of walk, and compares with the expected
+// result.
 TEST_F(AnXmlNodes, AreRemovedWhileTheyAreWalked) {
   const std::vector<std::string> pieces = {"<a n='0'/>", "<b n='1'/>", "<a n='2'/>", "<a n='3'/>",
                                            "<b n='4'/>"};

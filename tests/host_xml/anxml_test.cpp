@@ -42,7 +42,7 @@ class AnXmlFile : public testing::Test {
     return xml.useExistingFile(path(), L"ns:SiteLists", L"xmlns:ns", L"wxSiteList");
   }
 
-  // The document as the file that it is written to.
+  // Writes the document to a file and returns the content of the file.
   std::string saved(const AnXml& xml) const {
     EXPECT_TRUE(xml.writeFile(path("saved"), false, false));
     return test::readFile(m_directory.file("saved"));

@@ -30,7 +30,8 @@ void addText(DocumentWriter& writer, const std::wstring& text) {
   writer.AddText(text.data(), text.size());
 }
 
-// The same value as an attribute and as text, once written and once in a tree.
+// Writes the value as an attribute and as text, with the writer and with a tree. Both texts must be
+// equal.
 void expectSameText(const std::wstring& value) {
   DocumentWriter writer(L"r");
   addAttribute(writer, L"n", value);
@@ -139,7 +140,7 @@ TEST(DocumentWriter, WritesElementsOfAnyDepthAndNumber) {
 
 // --- Limits --------------------------------------------------------------------------------------
 
-// What a writer with this content writes, which a reader takes.
+// Returns the text of the writer. A parser must accept it.
 std::string readableTextOf(DocumentWriter& writer) {
   const std::string text = textOf(writer);
   const test::DocumentPtr document(Parser().ParseUtf8(text.data(), text.size()));

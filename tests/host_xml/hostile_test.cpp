@@ -5,7 +5,7 @@
 
 #include "tests/host_xml/documents.h"
 
-// Documents that are made to hurt.
+// Hostile documents.
 namespace {
 
 using namespace AdvXMLParser;
@@ -75,8 +75,7 @@ TEST(HostileDocument, OfOpenAngleBracketsIsRefused) {
   EXPECT_THROW(parse(std::string(1000000, '<')), ParsingException);
 }
 
-// Every text that a real document can be cut off or changed to must give a document or one of the
-// two exceptions, nothing else.
+// Every cut or change of a real document must give a document or one of the two exceptions.
 TEST(HostileDocument, CutOffOrChangedAnywhereEndsInOneOfTheKnownWays) {
   const std::wstring whole =
       L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ns:SiteLists xmlns:ns=\"wxSiteList\" "

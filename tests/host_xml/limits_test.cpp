@@ -10,7 +10,7 @@ using namespace AdvXMLParser;
 using test::parse;
 using test::repeated;
 
-// The place where the limit was passed.
+// Returns the place at which the limit was exceeded.
 std::pair<unsigned long, unsigned long> overLimit(const std::string& xml) {
   try {
     parse(xml);
@@ -157,7 +157,7 @@ TEST(ChildLimit, CountsTheChildrenOfOneElement) {
   EXPECT_NE(parse("<r>" + half + half + "</r>"), nullptr);
 }
 
-// Comments of that many bytes together, each within the limit.
+// Returns comments with this total number of bytes. Each is within the limit.
 std::string comments(std::size_t size) {
   std::string text;
   while (text.size() < size) {
@@ -168,7 +168,7 @@ std::string comments(std::size_t size) {
   return text;
 }
 
-// A document of many megabytes is not looked at in one piece, and divided where a megabyte ends.
+// expat gets a long document in pieces of 4 MiB. A piece may end anywhere in the markup.
 TEST(LongDocument, IsReadAsAShortOneWhereverItIsDivided) {
   const std::string unit =
       "<a b='\xE2\x82\xAC&amp;'>text \xF0\x9F\x98\x80<!--c--><![CDATA[<]]>&#65;<?p i?></a>\n";
@@ -208,12 +208,14 @@ TEST(TokenLimit, RefusesATokenThatHasNoEndAndIsTooLong) {
 
 TEST(TokenLimit, IsLookedAtBeforeAllOfALongTokenHasBeen) {
   const std::string begin = "<r><a" + std::string(2 * host::c_maxTokenBytes, ' ');
-  // What is wrong comes long after the limit was passed, or too soon after it.
+  // If the syntax error is long after the place where the limit is exceeded, the limit is reported.
+  // Soon after that place, the syntax error is reported.
   overLimit(begin + std::string(3 * host::c_maxTokenBytes, ' ') + "<");
   EXPECT_THROW(parse(begin + "<"), ParsingException);
 }
 
-// Comments of four-byte characters make a document of `size` bytes out of few characters.
+// Returns a document of `size` bytes with comments of four-byte characters, so that it has few
+// characters.
 std::wstring documentOfBytes(std::size_t size) {
   const std::size_t commentBytes = 7 + 4 * 200000;
   const std::wstring comment = L"<!--" + std::wstring(200000, L'\x1F600') + L"-->";

@@ -80,8 +80,8 @@ TEST(Parser, RefusesBytesThatAreNoUtf8) {
 TEST(Parser, HasALimitForBytes) {
   std::string bytes = "<a/>";
   bytes.resize(host::c_maxDocumentBytes, ' ');
-  // Only the size is at fault: the white space is too long for a token, but one byte more is
-  // refused before that is seen.
+  // The white space is too long for a token. One byte more is refused before that, because the size
+  // is checked first.
   EXPECT_EQ(limitOf(bytes), "document over the limit: length of a text");
   EXPECT_EQ(limitOf(bytes + " "), "document over the limit: number of bytes");
 }
@@ -96,7 +96,7 @@ TEST(Parser, TellsWhereAndWhyATextIsNotWellFormed) {
 
 TEST(Parser, RefusesADocumentTypeBeforeItReadsOn) {
   expectRefusedAt(L"<!DOCTYPE a><a/>", 1, 12, "a document type declaration is not allowed");
-  // What follows is not well formed either, but nobody gets that far.
+  // The rest is not well formed either, but it is not parsed.
   expectRefusedAt(L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [ <<< ", 2, 13,
                   "a document type declaration is not allowed");
 }
@@ -122,7 +122,6 @@ TEST(Parser, RefusesWideCharactersThatAreNoScalarValuesWhereTheyStand) {
   EXPECT_THROW(parse(std::wstring(L"<a>\xD83D\xDE00</a>")), ParsingException);
 }
 
-// A thread keeps what it parsed a small document with.
 TEST(Parser, ForgetsTheDocumentsThatCameBefore) {
   const std::string good = "<?xml version='1.0' standalone='yes'?><r a='1'>\n<b/>&lt;</r>";
   const std::wstring expected = parse(good)->GenerateXML(false);
@@ -179,7 +178,7 @@ TEST(Parser, ReportsTheFirstFault) {
   expectRefusedAt(L"<a></b>" + bad, 1, 6, "mismatched tag");
 }
 
-// The text is handed over in pieces; nothing may depend on where they end.
+// The parser may get or convert a long text in pieces. The result must not depend on their borders.
 TEST(Parser, ReadsTextAcrossThePiecesItIsConvertedIn) {
   for (const std::size_t length :
        {65530u, 65531u, 65532u, 65533u, 65534u, 65535u, 65536u, 65537u, 131071u, 200000u}) {
@@ -219,8 +218,8 @@ TEST(Parser, SurvivesARefusedDocument) {
   EXPECT_NE(document, nullptr);
 }
 
-// Entities that name a file must not make the parser open it. A file name in the working directory
-// would be resolved if anything were.
+// Entities that name a file must not make the parser open it. If the parser opened files, it would
+// open a file in the working directory.
 TEST(Parser, NeverReadsAnotherFile) {
   const test::TempDir directory;
   test::writeFile(directory.file("secret"), "opened");

@@ -87,7 +87,7 @@ TEST(RareInput, BytesThatOnlyBeginLikeAByteOrderMarkAreNone) {
 }
 
 TEST(RareInput, AHalfOfAPairBeforeAnythingButItsOtherHalfIsNotValid) {
-  for (const int high : {0xD7, 0xDB, 0xE0, 0xFF}) {  // DC to DF are other halves
+  for (const int high : {0xD7, 0xDB, 0xE0, 0xFF}) {  // DC to DF begin the second half of a pair
     const unsigned char bytes[] = {'<', 0, 0x00, 0xD8, 0x00, static_cast<unsigned char>(high)};
     std::wstring text = L"old";
     UTF_ENCODINGS encoding = UTF_8;

@@ -19,7 +19,7 @@ struct Converted {
   UTF_ENCODINGS encoding;
 };
 
-// What the outputs hold before and, when nothing is converted, afterwards.
+// The value of the outputs before the call, and after a call that fails.
 const std::wstring c_unset = L"invalid";
 
 Converted convert(const std::string& bytes, UTF_ENCODINGS hint = UTF_8) {
@@ -185,7 +185,7 @@ TEST(DeclaredEncoding, IsComparedWithoutRegardToTheCaseOfItsLettersAlone) {
     EXPECT_TRUE(host::agreesWith(name, {UTF_8, true})) << name;
     EXPECT_FALSE(host::agreesWith(name, {UTF_16LE, true})) << name;
   }
-  // Characters beside the letters, and as far from others as a letter is from its other case.
+  // Characters next to the letters, and characters at the distance of a letter from its other case.
   for (const char* name : {"", "UTF-", "UTF-88", "UTF{8", "UTF`8",
                            "UTF\x0D"
                            "8",

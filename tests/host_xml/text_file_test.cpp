@@ -19,8 +19,8 @@ class TextFile : public testing::Test {
  protected:
   std::wstring path(const std::string& name) const { return wide(m_directory.file(name)); }
 
-  // Reads in one form and the other with preset results, and returns what the file system error
-  // was.
+  // Reads the file as wide text and as UTF-8. The outputs have preset values. Returns the error of
+  // the file system.
   int expectReadFails(const std::string& name, int errorCode) {
     std::wstring text = L"invalid";
     std::string utf8 = "invalid";
@@ -104,7 +104,7 @@ TEST_F(TextFile, IsReadAsUtf8ByTheHintWhenItsBytesDoNotTell) {
   EXPECT_EQ(hint, UTF_16BE);
 }
 
-// What is not valid shows wherever it stands, also between long runs of plain characters.
+// An invalid byte is found anywhere, also between long runs of ASCII.
 TEST_F(TextFile, OfInvalidBytesCannotBeReadWhereverTheyStand) {
   const std::string sequences[] = {"\x80",         "\xC3",         "\xC0\xBC",
                                    "\xE2\x82",     "\xED\xA0\x80", "\xF4\x90\x80\x80",
@@ -143,7 +143,7 @@ TEST_F(TextFile, ThatIsNotThereCannotBeRead) {
 TEST_F(TextFile, MustBeARegularFileToBeRead) {
   ASSERT_EQ(::mkdir(m_directory.file("directory").c_str(), 0755), 0);
   EXPECT_EQ(expectReadFails("directory", ReadWriteException::READ_FAILED), EISDIR);
-  // Nobody writes to the pipe: a reader that waited would wait for ever.
+  // Nothing writes to the pipe, so a read that waits would never end.
   ASSERT_EQ(::mkfifo(m_directory.file("pipe").c_str(), 0644), 0);
   EXPECT_EQ(expectReadFails("pipe", ReadWriteException::READ_FAILED), EINVAL);
 }

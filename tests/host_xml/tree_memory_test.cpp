@@ -14,7 +14,7 @@ bool g_exhausted = false;
 
 void* allocate(std::size_t size) { return g_exhausted ? nullptr : std::malloc(size); }
 
-// From its making on, trees get no memory but what they have already.
+// During its life, trees can allocate no further memory.
 class NoMoreMemory {
  public:
   NoMoreMemory()
@@ -35,7 +35,7 @@ class NoMoreMemory {
   pugi::deallocation_function m_free;
 };
 
-// Adds to an element until memory runs out, and returns how often that went well.
+// Adds to an element until there is no more memory. Returns the number of successful additions.
 template <typename Add>
 int addedUntilShort(Add add) {
   const NoMoreMemory none;
@@ -51,7 +51,7 @@ int addedUntilShort(Add add) {
 
 class TreeMemory : public testing::TestWithParam<std::size_t> {
  protected:
-  // All but the one with which memory ran out.
+  // Checks all items except the one whose allocation failed.
   template <typename Range, typename Check>
   static void expectWhole(const Range& range, int count, Check check) {
     EXPECT_GE(count, 0);
@@ -93,7 +93,7 @@ TEST_P(TreeMemory, ThatRunsOutIsToldAndNoTextIsLostInSilence) {
               [&](pugi::xml_node node) { return node.value() == value; });
 }
 
-// Short and long ones, so that it runs out in every part of a step.
+// Short and long texts, so that memory runs out in every part of a step.
 INSTANTIATE_TEST_SUITE_P(Sizes, TreeMemory, testing::Values(1, 7, 30, 100, 300, 1000, 2990));
 
 TEST(TreeWithoutMemory, IsNotMade) {

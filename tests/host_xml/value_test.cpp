@@ -37,7 +37,7 @@ TEST(Value, OfAnAttributeIsReadInEveryForm) {
 
 constexpr wchar_t c_guard = 0x7E57;
 
-// Copies into memory of exactly `capacity` characters and looks at what is behind it.
+// Copies into `capacity` characters and checks the memory after them.
 template <typename Source>
 bool copies(const Source& source, std::size_t capacity, std::wstring& out) {
   std::vector<wchar_t> dest(capacity + 1, c_guard);

@@ -2,7 +2,7 @@
 
 #include "tests/host_xml/documents.h"
 
-// One-line documents that are well formed, and what they are written as again.
+// One-line well-formed documents and the text that writing them gives.
 namespace {
 
 struct Case {
@@ -136,7 +136,7 @@ constexpr Declaration c_declarations[] = {
 
 class XmlDeclaration : public testing::TestWithParam<Declaration> {};
 
-// The text is wide already, so the encoding that its file had says nothing any more.
+// The text is already wide, so the declared encoding is ignored.
 TEST_P(XmlDeclaration, IsReplacedByTheOneThatIsTrue) {
   const test::DocumentPtr document = test::parse(std::string(GetParam().xml));
   ASSERT_NE(document, nullptr);

@@ -35,7 +35,7 @@ TEST(XmlName, ReplacesWhatANameCannotHave) {
   EXPECT_EQ(nameOf(L"1a"), "_a");
   EXPECT_EQ(nameOf(L"-"), "_");
   EXPECT_EQ(nameOf(L""), "_");
-  EXPECT_EQ(nameOf(L"a\x20AC"), "a___");  // the euro sign is no letter
+  EXPECT_EQ(nameOf(L"a\x20AC"), "a___");  // the euro sign is not a letter
 }
 
 TEST(XmlName, LeavesEveryNewDocumentReadable) {

@@ -36,7 +36,7 @@ class BufferList : public testing::Test {
     agent.clearLog();
     return helper.CreateSiteListFromBuffer(wide(text));
   }
-  // What reading the scratch file gives.
+  // Returns the names of the records in the scratch file.
   std::vector<std::wstring> names() {
     SiteChain list;
     OpenHelper reader(true);
@@ -220,7 +220,7 @@ TEST_F(BufferList, TheFileReadLastStaysTheSame) {
 TEST_F(BufferList, TakesNoLockToReadTheText) {
   korvel_com::orb::lock::InterProcessWriteLock lock(c_siteListLock);
   ASSERT_TRUE(lock.lock(0x7FFFFFFF));
-  // Would wait for ever.
+  // An operation that takes the lock would wait without end.
   EXPECT_EQ(create(document(httpElement("a") + "<Unheard/>", "<CaBundle/>")), c_errorGeneral);
   lock.unlock();
 }

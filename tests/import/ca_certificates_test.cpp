@@ -19,7 +19,7 @@ using Texts = std::vector<std::wstring>;
 
 class CaCertificates : public testing::Test {
  protected:
-  // The certificates that a document with this bundle gives.
+  // Returns the certificates of a document with this bundle.
   Texts in(const std::string& bundle, int code = 0) {
     writeFile(file, document(httpElement("a"), bundle));
     return read(code);

@@ -71,8 +71,7 @@ TEST_F(CopyKeyFiles, ARequestKeyThatCannotBeRemovedFailsTheCall) {
   EXPECT_THAT(keys(), ElementsAre(Pair("reqseckey.bin", "old"), Pair("srpubkey.bin", "p")));
 }
 
-// The marker's name begins with a backslash that belongs to the name here, and no separator stands
-// before it.
+// The name of the marker begins with a backslash, and there is no separator before it.
 class FipsMarker : public CopyKeyFiles {
  protected:
   FipsMarker() { std::filesystem::create_directory(incoming.file("deep")); }

@@ -39,7 +39,7 @@ int FailingAllocation::failed() const { return g_failed; }
 }  // namespace test
 
 #if defined(__APPLE__)
-// The program's own functions are the ones that the program's objects are bound to.
+// The linker binds calls in this program to these functions.
 extern "C" void* malloc(std::size_t size) {
   if (test::refuses(1, size)) return nullptr;
   return malloc_zone_malloc(malloc_default_zone(), size);

@@ -16,7 +16,7 @@ tag_Site versioned(tag_Site site) {
   return site;
 }
 
-// What readKeyFiles left in its outputs.
+// The outputs of readKeyFiles.
 struct Gathered {
   bool result = false;
   ABuffer srPub, reqSec, sr2048Pub, req2048Sec;
@@ -155,7 +155,7 @@ TEST_F(GatherKeyFiles, ASetCountsOnlyWhenBothItsFilesAreThere) {
       EXPECT_EQ(textOf(got.sr2048Pub), "content of sr2048pubkey.bin");
       EXPECT_EQ(textOf(got.req2048Sec), "content of req2048seckey.bin");
     }
-    // The newer set comes first, and a request key is read only behind its public key.
+    // The 2048-bit pair is read first. A request key is read only after its public key.
     std::vector<LogLine> lines;
     for (const std::size_t pub : {2u, 0u}) {
       if (state[pub] == 1) {

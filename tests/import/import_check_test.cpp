@@ -20,7 +20,7 @@ class Import : public ImportFixture {
     return infoLine(L"WARNING: imported site list \"" + wide(src) +
                     L"\" will be overwritten by Pyx site list");
   }
-  // Imports a list with this policy setting and tells whether the warning came.
+  // Imports a list with this policy setting. Returns whether the warning was logged.
   bool warnsOn(const std::string& value) {
     incomingList(document(httpElement("a"), policies("OverwriteClientSites", value)));
     EXPECT_EQ(import(), 0);

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// What fails for an installation fails for an import in the same way.
+// Every failure of an installation is a failure of an import as well.
 class IncomingFailure : public ImportFixture, public testing::WithParamInterface<bool> {
  protected:
   int bringIn() { return GetParam() ? import() : install(); }

@@ -34,8 +34,8 @@ std::string smartRead() {
   return code == 0 ? joinedNames(list) : "error " + std::to_string(code);
 }
 
-// Does as it is told until the parent is gone: "read" answers with the names of a smart read,
-// "notice" marks the cache as changed.
+// Runs commands until the parent ends: "read" sends the names of a smart read, "notice" marks the
+// cached list as changed.
 CHILD_PROCESS(smartReader) {
   serve(args[0]);
   for (;;) {
@@ -52,7 +52,7 @@ CHILD_PROCESS(smartReader) {
   }
 }
 
-// Reads the agent's list over and over; answers with what is wrong with a read, or "ok".
+// Reads the agent's list repeatedly. Sends the first fault of a read, or "ok".
 CHILD_PROCESS(readerOfEitherList) {
   serve(args[0]);
   channel.send("ready");

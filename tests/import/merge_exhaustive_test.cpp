@@ -51,7 +51,7 @@ constexpr std::size_t c_lettersOfLongLists = 7;
 
 using Word = std::vector<std::size_t>;
 
-// Every word of at most `length` letters out of the first `letters`.
+// Returns every word of at most `length` letters from the first `letters` letters.
 std::vector<Word> words(std::size_t length, std::size_t letters) {
   std::vector<Word> all = {{}};
   for (std::size_t begin = 0, n = 0; n < length; ++n) {
@@ -117,7 +117,7 @@ class MergeEnumeration : public testing::Test {
     agent.apply();
   }
 
-  // Puts a current list in place and reads what a merge reads.
+  // Writes this current list and reads it as a merge does.
   void current(const Word& word) {
     writeFile(path, documentOf(word));
     helper = std::make_unique<OpenHelper>(wide(path));
@@ -197,7 +197,7 @@ TEST_F(MergeEnumeration, EveryCurrentListGoesIntoEverySecondList) {
 TEST_F(MergeEnumeration, EveryFirstListGoesBehindEverySecondList) {
   const auto first = listsOf(words(2, c_alphabet.size()), "first");
   const auto second = listsOf(words(3, c_lettersOfLongLists), "second");
-  input.readResult = c_errorFileMissing;  // there is no current list, and none is asked for
+  input.readResult = c_errorFileMissing;  // there is no current list, and the merge reads none
   for (const auto& a : first) {
     for (const auto& b : second) ASSERT_NO_FATAL_FAILURE(check(a.get(), b.get(), true));
   }

@@ -34,7 +34,7 @@ class Model {
     }
   }
 
-  // Returns whether server sites were carried, which makes the merge a success.
+  // Returns whether management servers were added. The merge then succeeds.
   bool carryOver(const Records& source) {
     carryFallback(source);
     Records servers;
@@ -54,7 +54,7 @@ class Model {
     if (fallback == source.end()) return;
     const auto old = std::find_if(m_result.begin(), m_result.end(), isTypedFallback);
     if (m_result.empty()) {
-      m_result.push_back(*fallback);  // the tail knows nothing of it
+      m_result.push_back(*fallback);  // the tail is unchanged
     } else if (old != m_result.end()) {
       *old = *fallback;
     } else if (m_hasTail) {

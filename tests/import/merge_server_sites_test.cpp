@@ -21,7 +21,7 @@ class MergeServerSites : public testing::Test {
   TestAgent agent;
   OpenHelper helper{true};
 
-  // The names of the result after its server sites gave way to "new1" and "new2".
+  // Returns the names in the result after "new1" and "new2" replaced its management servers.
   std::vector<std::wstring> updated(SiteChain& result) {
     SiteChain chain{serverSite(L"new1"), serverSite(L"new2")};
     tag_Site* tail = result.last();
@@ -49,7 +49,7 @@ TEST_F(MergeServerSites, EveryServerSiteIsCopiedInListOrder) {
 
 // Shows: agent-repository, GetVestaSite=-8
 TEST_F(MergeServerSites, AgentsAndOtherKindsAreNoServerSites) {
-  // The element's name stands at the start of the per-kind record of proxies as well.
+  // The record of a proxy also begins with the name of the element.
   tag_Site proxy = proxySite(L"p");
   setText(proxy.proxy.szElement, L"VestaSite");
   const SiteChain list{withElement(httpSite(L"k"), L"KeystoneSite"),

@@ -202,7 +202,8 @@ TEST_F(ServerInfo, TheCachedListIsServedAndKept) {
 // Shows: GetPYXServerInfo=-1
 TEST_F(ServerInfo, AListThatEndsWithAnUnknownElementIsReleasedEachTime) {
   const std::string sites = server("s", "1", "10.0.0.1", R"(Server="s:80")") + "<Odd/>";
-  expectUntouched(ask(sites, true, false), c_errorGeneral);  // what is kept for good is there now
+  // Creates the objects that are never destroyed.
+  expectUntouched(ask(sites, true, false), c_errorGeneral);
   const std::size_t before = heapInUse();
   for (int i = 0; i < 20; ++i) expectUntouched(askFile(true, false), c_errorGeneral);
   EXPECT_LT(heapInUse(), before + sizeof(tag_Site));

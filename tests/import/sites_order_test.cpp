@@ -29,7 +29,7 @@ tag_Site vendorFtp(int order) {
 
 class SitesOrder : public testing::Test {
  protected:
-  // The orders of the list afterwards. The list must be otherwise untouched.
+  // Returns the orders of the list afterwards. Nothing else in the list may change.
   std::vector<int> adjusted(const SiteChain& list) {
     SiteChain before;
     for (const tag_Site* site : recordsOf(list.head())) before.add(*site);

@@ -11,8 +11,8 @@ using namespace test;
 
 using AKeyFileThatGoesMeanwhile = ImportFixture;
 
-// An install that brings a public key alone removes the request key, also while another thread or
-// process is about to look whether it can write that file.
+// An installation with only a public key removes the request key. Meanwhile another thread or
+// process may check whether it can write this file.
 TEST_F(AKeyFileThatGoesMeanwhile, DoesNotStopAnImport) {
   const std::string key = agent.etc("reqseckey.bin");
   incomingList(document(serverElement("s", "5.1")));

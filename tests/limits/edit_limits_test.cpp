@@ -69,7 +69,7 @@ TEST_F(EditLimits, HoldForATagThatGrows) {
                 tooMuch + L"length of a token");
 }
 
-// Elements of one name below a site become one, which has the attributes of all.
+// Child elements of a site with the same name become one element with the attributes of all.
 TEST_F(EditLimits, HoldForTheAttributesOfElementsThatBecomeOne) {
   const std::string most = withAttributes("Odd", "a", host::c_maxAttributes);
   expectAdded("", server("new", most + withAttributes("Odd", "a", 1)));

@@ -100,7 +100,7 @@ TEST_P(RightlyDeclared, IsTakenOver) {
   EXPECT_EQ(count, 1U);
 }
 
-// What a declaration says of the bytes says nothing of a text.
+// The declared encoding applies to bytes and not to wide text.
 TEST_P(RightlyDeclared, IsTakenAsText) {
   const RerootedFileSystem scratch("/Library/Korvel/orb/scratch",
                                    agent.dataDirectory() + "/scratch");

@@ -5,7 +5,7 @@
 #include "tests/import/site_cache.h"
 #include "tests/limits/limits_fixture.h"
 
-// What the operations that read a list return for one over a limit.
+// The results of operations that read a list over a limit.
 namespace {
 
 using namespace sitehlp;

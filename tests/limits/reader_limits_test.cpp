@@ -14,7 +14,8 @@ using namespace test;
 
 class ReaderLimits : public LimitsTest {
  protected:
-  // The result for a list with these children; `count` tells the records that came with it.
+  // Returns the result of reading a list with these children. `count` receives the number of
+  // returned records.
   int codeOf(const std::string& children) {
     const std::string path = agent.dataDirectory() + "/many.xml";
     writeFile(path, document(children));
@@ -56,7 +57,7 @@ TEST_F(ReaderLimits, GiveTheRecordsThatWereReadBefore) {
   EXPECT_EQ(count, c_fit);
 }
 
-// Outside of its list a "ProxyConfig" is no site either.
+// A "ProxyConfig" outside a "ProxyConfigList" is not a site either.
 // Shows: proxy-as-site
 TEST_F(ReaderLimits, CountAProxyOutsideOfItsListAsNoSite) {
   EXPECT_EQ(codeOf(repeated("<ProxyConfig/>", c_mostUnknown) + "<a/>"), c_overLimit);
@@ -98,7 +99,7 @@ constexpr bool c_isMeasured = true;
 constexpr bool c_isMeasured = false;
 #endif
 
-// The most bytes of memory that this process had so far; 0 when the system does not tell.
+// Returns the peak memory of this process in bytes, or 0 if the system does not report it.
 std::size_t mostMemory() {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -107,7 +108,7 @@ std::size_t mostMemory() {
   return 0;
 }
 
-// Reads the file; answers with the result, the records and the most memory before and behind it.
+// Reads the file. Sends the result, the number of records and the peak memory before and after.
 CHILD_PROCESS(readMany) {
   host::AgentSettings settings;
   settings.dataDirectory = args[0];

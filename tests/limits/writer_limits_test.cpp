@@ -12,8 +12,8 @@ using namespace test;
 constexpr wchar_t c_euro = L'\u20AC';  // three bytes in UTF-8
 constexpr std::size_t c_euroBytes = 3;
 
-// Many records that hold nothing. They lie in one zero-filled block, most of whose pages nobody
-// ever writes to, so that they take little memory.
+// Many records that hold nothing. They are in one zero-filled block. Most of its pages are never
+// written, so the block takes little memory.
 class ManyRecords {
  public:
   ManyRecords(std::size_t count, SiteKind kind, const wchar_t* element = nullptr)
@@ -112,7 +112,7 @@ TEST_F(WriterLimits, CountTheBytesOfAValueAndNotItsCharactersOrTheirEscapes) {
   }
 }
 
-// XML cannot hold U+0001, which has one byte. U+FFFD, with three, stands in its place.
+// XML does not allow U+0001, which has one byte. It is written as U+FFFD, which has three bytes.
 TEST_F(WriterLimits, CountWhatIsWrittenForACharacterThatXmlCannotHold) {
   const std::size_t most = host::c_maxTokenBytes / 3;
   helper.SetPolicySetting(L"odd", std::wstring(most + 1, L'\1'));
@@ -130,8 +130,8 @@ TEST_F(WriterLimits, HoldForACertificate) {
   expectReadable(write(nullptr, {L"good", std::wstring(host::c_maxTokenBytes, L'c')}));
 }
 
-// A tag counts with all its attributes, so a little less than the limit is left for a value. What
-// is taken right below the limit can be read, too.
+// A tag counts with all its attributes, so a little less than the limit is left for a value. A
+// document just below the limit can also be read.
 TEST_F(WriterLimits, HoldForTheValueOfAnAttribute) {
   struct Character {
     wchar_t character;
@@ -191,7 +191,7 @@ TEST_F(WriterLimits, TakeAsManyUnknownElementsAsAReaderDoes) {
 TEST_F(WriterLimits, RefuseOneUnknownElementMore) {
   const ManyRecords records(c_mostUnknown + 1, SITE_KIND_HTTP, L"Odd");
   expectRefused(write(records.head()));
-  // Known in a list of proxies alone.
+  // This element is known only in a "ProxyConfigList".
   const ManyRecords proxies(c_mostUnknown + 1, SITE_KIND_HTTP, L"ProxyConfig");
   expectRefused(write(proxies.head()));
 }

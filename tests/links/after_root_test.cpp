@@ -21,8 +21,8 @@ class AfterRoot : public testing::Test {
     workshop.agent.apply();
   }
 
-  // How it all was at the beginning, of the agent's user. `sparse`: only with what an agent needs
-  // for a list, so that the operation makes the rest.
+  // Restores the first state. All files belong to the agent's user. `sparse`: only with what an
+  // agent needs for a list, so that the operation makes the rest.
   void clean(const Operation& operation, bool sparse) {
     workshop.reset(operation);
     workshop.agent.apply();  // lets the lock files go
@@ -38,7 +38,7 @@ class AfterRoot : public testing::Test {
     workshop.agent.clearLog();
   }
 
-  // Runs one; what went wrong, a line each.
+  // Runs one operation. Returns one line for each failure.
   std::vector<std::string> run(const Operation& operation) {
     std::vector<std::string> lines;
     workshop.agent.clearLog();

@@ -17,7 +17,7 @@ using testing::IsEmpty;
 // Links in the agent's directories that the user who writes, or root, has put there.
 class OwnLinks : public testing::Test {
  protected:
-  // Puts a link in the place of a name, to what it stood for.
+  // Replaces a file or directory with a link to a copy of it.
   void link(const Name& name) {
     const std::string target = elsewhere.file("target");
     fs::remove_all(target);
@@ -28,20 +28,20 @@ class OwnLinks : public testing::Test {
     fs::create_symlink(target, name.path);
   }
 
-  // What is wrong after the operation.
+  // Returns the faults after the operation.
   std::vector<std::string> runOver(const Name& name, const Operation& operation) {
     std::vector<std::string> lines;
     {
       const test::WorkshopFileSystem files(workshop);
       if (operation.run(workshop) != 0) lines.push_back("fails");
     }
-    // A key file that would be left over is removed by name.
+    // An outdated key file is removed by its name, so a link is removed instead of its target.
     const bool isGone = !test::exists(name.path);
     if (!isGone && !fs::is_symlink(name.path)) lines.push_back("the link is replaced");
     return lines;
   }
 
-  // The contents at the end, over the links.
+  // Returns the contents at the end, read through the links.
   test::State contents() const {
     test::State state = workshop.state();
     for (const Name& name : test::namesOf(workshop)) {

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 // As many bytes as a key has.
 const std::string c_foreignBytes = "another user's thirty-two bytes.";
 
-// Root works in the directories of an agent whose user puts something in the way.
+// Root runs operations in the directories of an agent. The agent's user has created links there.
 class PlantedLinks : public testing::Test {
  protected:
   static std::vector<Operation> allOperations() {
@@ -26,7 +26,7 @@ class PlantedLinks : public testing::Test {
     return all;
   }
 
-  // Runs every operation with the plant in place. Whether any of them said that it is refused.
+  // Runs every operation with the plant in place. Returns whether one of them reported a refusal.
   bool tryAll(const Name& name, Plant plant) {
     bool refused = false;
     for (const Operation& operation : allOperations())
@@ -35,7 +35,8 @@ class PlantedLinks : public testing::Test {
   }
 
   void expectRefused(const Name& name, Plant plant, bool refused) {
-    // A second name of a file is no link that could be told; a link among the left-overs is left.
+    // A hard link cannot be recognised as a link. A symbolic link among the temporary files
+    // remains.
     if (plant == Plant::HardLink || name.kind == Name::Kind::LeftOver) return;
     if (!refused) faults.add(name.path, std::string(nameOf(plant)) + " is never refused");
   }
@@ -73,10 +74,10 @@ class PlantedLinks : public testing::Test {
     return name.shown.substr(name.shown.rfind('/') + 1) == last;
   }
 
-  // What an error says of a link in the place of a name.
+  // Returns the expected error for a link with this name.
   static std::string refusalOf(const Name& name, Plant plant) {
     if (plant == Plant::LinkToFile && nameIs(name, "keystore")) {
-      // Nothing lies below a file, whoever the link belongs to.
+      // There is no path below a file, so the owner of the link does not matter.
       return "Key file " + name.shown + "/password.key: cannot be opened: Not a directory";
     }
     if (name.kind == Name::Kind::LockFile) {

@@ -86,7 +86,7 @@ Planted::Planted(const Name& name, Plant plant, const Outside& outside)
 Planted::~Planted() {
   std::error_code ignored;
   for (const std::string& path : {m_path, m_second}) {
-    // Also what was made in the place of a link that is gone.
+    // Also removes what was created in place of a removed link.
     fs::remove_all(path, ignored);
   }
   if (fs::exists(fs::symlink_status(m_aside, ignored))) fs::rename(m_aside, m_path, ignored);

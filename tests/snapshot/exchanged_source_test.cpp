@@ -15,8 +15,8 @@
 #include "tests/resilience/workshop.h"
 #include "tests/support/faulty_file_system.h"
 
-// An incoming list that another process exchanges or removes while it is brought in. Every use in
-// one operation has to be of the same bytes.
+// An incoming list that another process replaces or removes during an operation. The operation must
+// use the same bytes throughout.
 namespace {
 
 using namespace sitehlp;
@@ -24,8 +24,7 @@ using namespace test;
 
 constexpr std::size_t c_never = std::numeric_limits<std::size_t>::max();
 
-// The real file system, which does something before one of its calls and tells when a file was read
-// for the first time.
+// The real file system with an action before one call. It records when a file is first read.
 class SourceWatch : public FaultyFileSystem {
  public:
   SourceWatch(const std::string& source, std::size_t at, std::function<void()> action)
@@ -52,7 +51,7 @@ class SourceWatch : public FaultyFileSystem {
   }
 
   std::size_t calls() const { return m_calls; }
-  // The number of the first call behind the first reading.
+  // The number of the first call after the first read.
   std::size_t readOnce() const { return m_readOnce; }
 
  private:
@@ -71,7 +70,8 @@ std::string vendor(const std::string& kind, const std::string& host, const std::
          "</RelativePath></" + kind + ">";
 }
 
-// Two lists that have nothing in common but the key files beside them, which only the first needs.
+// Returns a list. Lists with different tags have no value in common. Only the first list needs the
+// key files next to it.
 std::string incomingList(const std::string& tag, const std::string& serverVersion,
                          const std::string& httpOrder, const std::string& ftpOrder) {
   return document(vendor("HttpSite", VENDOR_HTTP_HOST ":80", httpOrder, tag) +
@@ -113,7 +113,7 @@ class ExchangedSource : public testing::TestWithParam<Bringing> {
     m_second = stateAfter(c_secondList);
   }
 
-  // What the operation leaves in the agent's directory. `m_readOnce` and `m_calls` are as of then.
+  // Runs the operation and returns whether it succeeded. Sets `m_readOnce` and `m_calls`.
   bool run(const std::string& list, std::size_t at = c_never, bool remove = false) {
     m_workshop.reset();
     const std::string other = m_workshop.incoming() + ".other";
@@ -144,7 +144,7 @@ class ExchangedSource : public testing::TestWithParam<Bringing> {
     }
     return state;
   }
-  // Empty, or of which list the files are.
+  // Returns an empty text, or the list that each file belongs to.
   std::string mixed(bool mayBeSecond) const {
     const State now = installed();
     if (now == m_first || (mayBeSecond && now == m_second)) return std::string();
@@ -174,7 +174,7 @@ class ExchangedSource : public testing::TestWithParam<Bringing> {
     std::string what;
     for (std::size_t at = first; at < calls; ++at) {
       failures += !run(c_firstList, at, remove);
-      // What is exchanged before it was read counts.
+      // A replacement before the read is effective.
       const std::string mixture = mixed(at < m_readOnce);
       if (mixture.empty()) continue;
       if (mixtures++ == 0) what = "before call " + std::to_string(at) + ":\n" + mixture;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int c_errors[] = {ENOSPC, EDQUOT, EIO, EACCES, EROFS};
 
-// What a call ended with: its code, or that something was thrown.
+// The result of a call: its code, or an exception.
 struct Ending {
   int code = 0;
   std::string thrown;
@@ -28,13 +28,13 @@ Ending run(const Operation& operation, const Workshop& workshop) {
   return ending;
 }
 
-// One workshop in which operations run into trouble.
+// A workshop for operations with failing calls.
 class Trial {
  public:
   explicit Trial(FaultFigures& figures, const Progress& progress)
       : m_figures(figures), m_progress(progress), m_locker(m_workshop.agent.dataDirectory()) {}
 
-  // Learns what the operation does when nothing fails. The calls it makes are the result.
+  // Runs the operation without failures. Returns the number of its calls.
   std::size_t begin(const Operation& operation, bool writes) {
     m_operation = &operation;
     m_writes = writes;
@@ -57,7 +57,7 @@ class Trial {
     return calls;
   }
 
-  // Whether a call failed at all. `arm` says which.
+  // Returns whether a call failed. `arm` selects the failing calls.
   template <typename Arm>
   bool tryWith(const std::string& how, bool forGood, Arm arm) {
     m_where = std::string(m_operation->name) + ", " + how;
@@ -112,7 +112,7 @@ class Trial {
     if (ending.code == 0) {
       m_figures.faults.addIfAny(m_where + ", reported as done", mixture(only, after, after, true));
     } else if (failed.empty() || failed.front() != FileCall::Sync) {
-      // Only a name that could not be made durable is reported although the bytes are there.
+      // Only a failed sync of a directory may be reported although the new bytes are in place.
       m_figures.faults.addIfAny(m_where + ", reported as failed", mixture(only, before, before));
     }
   }

@@ -8,7 +8,7 @@ namespace test {
 struct FaultFigures {
   unsigned long runs = 0;
   unsigned long refused = 0;    // reported as failed
-  unsigned long cleanedUp = 0;  // runs that left a temporary file, which the next call removed
+  unsigned long cleanedUp = 0;  // runs that left a temporary file; the next call removed it
   Faults faults;
 };
 

@@ -16,7 +16,7 @@ Forked::Forked(const std::function<int()>& body) : m_pid(::fork()) {
   try {
     status = body();
   } catch (...) {
-    // The status tells.
+    // The exit status reports the exception.
   }
   ::_exit(status);
 }

@@ -23,12 +23,12 @@
 namespace test {
 namespace {
 
-// Far more than the operations take, on a busy machine as well.
+// Much longer than the operations take, even on a busy machine.
 constexpr unsigned int c_patienceSeconds = 120;
 constexpr int c_hung = 128 + SIGALRM;
 
-// Runs every operation, those that write first. A list that was written does not say its FIPS mode,
-// so that reading it fails; every other operation succeeds.
+// Runs every operation, those that write first. A written list has no FIPS mode, so the query for
+// it fails. Every other operation succeeds.
 class EveryOperation {
  public:
   explicit EveryOperation(const Workshop& workshop) : m_workshop(workshop) {
@@ -36,7 +36,7 @@ class EveryOperation {
     for (const Operation& operation : readingOperations()) m_operations.push_back(&operation);
   }
 
-  // 0, or the place of the first operation that does not end as it should, from 1 on.
+  // Returns 0, or the number of the first failed operation, from 1.
   int run() const {
     const WorkshopFileSystem files(m_workshop);
     int place = 0;
@@ -61,7 +61,7 @@ class EveryOperation {
   std::vector<const Operation*> m_operations;
 };
 
-// Standard error goes nowhere as long as it lives: the default sink is part of the experiment.
+// Discards standard error for the life of the object, because the experiment uses the default sink.
 class SilentStandardError {
  public:
   SilentStandardError() : m_saved(::fcntl(2, F_DUPFD_CLOEXEC, 10)) {
@@ -105,7 +105,7 @@ class BusyThreads {
 void protectPasswords() {
   std::wstring sealed;
   for (int i = 0; i < 20; ++i) sitehlp::CSitesHelper(true).EncryptPassword(L"secret", sealed);
-  // The end of a thread is something that libcrypto is told of.
+  // libcrypto runs code at the end of a thread.
   std::thread([&] { sitehlp::CSitesHelper(true).EncryptPassword(L"secret", sealed); }).join();
 }
 
@@ -114,8 +114,8 @@ void lockAndUnlock() {
   korvel_com::orb::lock::InterProcessWriteLock("AnotherLock").lock(0);
 }
 
-// Releases the cached list and reads it anew. Only one thread does so, because the operations that
-// look at the cached list themselves are alone with it in a child.
+// Releases the cached list and reads it anew. Only one thread does this, because only one operation
+// at a time may use the cached list.
 void replaceTheCachedList(const Workshop& workshop) {
   sitehlp::CSitesHelper helper(wide(workshop.own()));
   helper.needToUpdateInMemSiteList();
@@ -170,7 +170,7 @@ ForkFigures forkBesideThreads(unsigned long forks, const Progress& progress) {
 
 namespace {
 
-// Numbers that a process and what comes of it share.
+// Numbers that a process shares with its children.
 class SharedNumbers {
  public:
   explicit SharedNumbers(std::size_t count)
@@ -196,7 +196,7 @@ int liveOn(const EveryOperation& all, unsigned int generation, unsigned int last
   heap[generation - 1] = heapInUse();
   if (generation == last) return 0;
   const auto next = [&] { return liveOn(all, generation + 1, last, heap); };
-  return Forked(std::ref(next)).wait();  // a copy would be of this generation's own making
+  return Forked(std::ref(next)).wait();  // a copy would stay on the heap of later generations
 }
 
 }  // namespace

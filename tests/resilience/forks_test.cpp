@@ -10,8 +10,8 @@ namespace {
 
 using testing::IsEmpty;
 
-// Builds with a sanitizer do without this: the allocators of AddressSanitizer and ThreadSanitizer
-// are not taken around a fork, so that a child may hang in there.
+// Builds with a sanitizer omit this test. The allocators of the sanitizers have no fork handlers,
+// so a child may hang in the allocator.
 #if !TESTS_SANITIZED
 TEST(AChildOfFork, DoesEveryOperationWhateverTheOtherThreadsOfItsParentWereDoing) {
   const test::ForkFigures figures = test::forkBesideThreads(200);

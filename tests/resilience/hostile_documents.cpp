@@ -17,7 +17,7 @@
 namespace test {
 namespace {
 
-// Part of the size that a document of records has, whose memory is many times that.
+// A document of records is smaller by this factor, because its records take many times its size.
 constexpr std::size_t c_fewer = 32;
 
 constexpr std::size_t c_stackBytes = std::size_t{256} << 10;
@@ -80,7 +80,7 @@ std::string wideUnits(std::size_t bytes, std::size_t unit, bool big, const std::
   return text + tail;
 }
 
-// Puts bytes that are no UTF-8 behind much that is.
+// Returns a document with invalid bytes after a long valid text.
 std::string spoilt(std::size_t bytes, const std::string& spoil) {
   return inSite("<RelativePath>" + repeated("\xC3\xA4", bytes) + spoil + "</RelativePath>");
 }
@@ -160,7 +160,7 @@ const std::vector<HostileFamily>& hostileFamilies() {
 
 namespace {
 
-// The most memory that this process has had, in bytes, and a way to begin anew.
+// Returns the peak memory of this process in bytes. restartPeak resets it.
 std::size_t peakMemory() {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -195,7 +195,8 @@ void onSmallStack(const std::function<void()>& body) {
   ::pthread_attr_destroy(&attributes);
 }
 
-// Reads and derives from the list in a directory; answers with code, derived, peak and seconds.
+// Reads the list in a directory and derives the server list. Sends both results, the peak memory
+// and the seconds.
 CHILD_PROCESS(readHostileList) {
   host::AgentSettings settings;
   settings.dataDirectory = args[0];
@@ -208,7 +209,7 @@ CHILD_PROCESS(readHostileList) {
   double seconds = 0;
   onSmallStack([&] {
     {
-      // Everything that is made once is made now.
+      // Creates the objects that the library creates at their first use.
       sitehlp::tag_Site* none = nullptr;
       sitehlp::CSitesHelper(true).ReadSiteList(directory + L"/small.xml", &none, true);
       sitehlp::CSitesHelper::FreeSiteListMemory(none);

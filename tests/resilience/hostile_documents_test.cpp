@@ -13,13 +13,13 @@ namespace {
 using AdvXMLParser::ReadWriteException;
 using testing::IsEmpty;
 
-// A sanitizer rounds each allocation up and keeps what was freed: what it needs is no figure of the
-// library, and is not held against it.
+// A sanitizer rounds allocations up and keeps freed memory. Its memory is therefore not compared
+// with the limit.
 constexpr bool c_measuresMemory = TESTS_SANITIZED == 0;
 constexpr double c_mostMemory = 32;
 
 TEST(AHostileDocument, IsReadOrRefusedWithinBoundsOfMemoryAndStack) {
-  // So large that what a process needs anyway does not count.
+  // The documents are so large that the memory of an idle process is negligible.
   const test::HostileFigures figures = test::readHostileDocuments(std::size_t{2} << 20);
   EXPECT_THAT(figures.faults.lines(), IsEmpty());
   EXPECT_GE(figures.results.size(), 39u);

@@ -19,14 +19,14 @@ namespace {
 
 constexpr int c_killed = 128 + SIGKILL;
 
-// The lock that a killed writer may have held is there for the next one.
+// Returns a fault if the next writer cannot take a lock that a killed writer held.
 std::string heldLock(Locker& locker) {
   if (!locker.lock(Locker::Mode::Write, 0)) return "the lock is still held";
   locker.unlock(Locker::Mode::Write);
   return std::string();
 }
 
-// The next call succeeds, and nothing temporary is left where it writes.
+// Runs the operation again, which must succeed. Afterwards leftOver must find no temporary file.
 std::string recovery(const Operation& operation, const Workshop& workshop) {
   const WorkshopFileSystem files(workshop);
   const int code = operation.run(workshop);
@@ -82,8 +82,8 @@ KillFigures killBeforeEveryCall(const Progress& progress) {
 
 namespace {
 
-// What a writer does over and over. The first step replaces all that the others build on, so each
-// file goes through the same contents in every round.
+// The steps that a writer repeats. The first step replaces everything that the others use, so each
+// file has the same sequence of contents in every round.
 constexpr const char* c_cycle[] = {"import",
                                    "derive",
                                    "install",
@@ -94,7 +94,7 @@ constexpr const char* c_cycle[] = {"import",
                                    "import-new-directory",
                                    "server-list-adjusted"};
 
-// Those of them that a file comes out of in the same way whatever was there before.
+// The steps whose result does not depend on the earlier content of the file.
 constexpr const char* c_independent[] = {"import",
                                          "install",
                                          "create",
@@ -178,7 +178,7 @@ KillFigures killAtAnyMoment(unsigned long kills, unsigned int seed, const Progre
     char mark = 0;
     if (::read(started[0], &mark, 1) != 1) figures.faults.add(where, "the writer does not start");
     ::close(started[0]);
-    // Any moment will do: no result depends on when it comes.
+    // Any moment is suitable, because no result depends on it.
     std::this_thread::sleep_for(std::chrono::microseconds(delay(random)));
     child.kill();
     const int status = child.wait();

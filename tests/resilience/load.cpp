@@ -29,8 +29,7 @@ double milliseconds(Clock::duration time) {
   return std::chrono::duration<double, std::milli>(time).count();
 }
 
-// Processes that do something over and over until they are told to stop, and then say how often
-// they did it.
+// Processes that repeat an action until they are stopped, and then send the number of runs.
 class Crew {
  public:
   explicit Crew(std::function<void()> work) : m_work(std::move(work)) {}
@@ -68,7 +67,7 @@ class Crew {
   };
 
   int run(const Member& self) {
-    // Only the parent may hold the ends that tell the others to stop.
+    // Only the parent may hold the write ends of the pipes that stop the others.
     for (const auto& other : m_members) ::close(other->stop[1]);
     ::close(self.stop[1]);
     ::fcntl(self.stop[0], F_SETFL, O_NONBLOCK);
@@ -161,7 +160,7 @@ unsigned long versionOf(const tag_Site* list, std::string& fault) {
   return version;
 }
 
-// A number that only grows, in a file under a lock that is none of the library's.
+// A counter in a file. Its lock does not use the library.
 class Counter {
  public:
   explicit Counter(const std::string& path) : m_fd(::open(path.c_str(), O_RDWR | O_CREAT, 0600)) {

@@ -95,7 +95,7 @@ class PowerCut {
     if (m_figures.states % m_plan.restartEvery == 0) restart(files, where);
   }
 
-  // A new list never stands there without the keys of the server that it names.
+  // A new list is never on the disk without the key files of its server.
   void checkKeysComeFirst(const State& now, const std::string& where) {
     const std::string list = m_workshop.own();
     if (!m_operation->result || m_operation->result(m_workshop) != list ||
@@ -116,7 +116,7 @@ class PowerCut {
     return found == state.end() ? std::string() : found->second;
   }
 
-  // The machine starts again, and the operation is called with what it finds.
+  // The machine restarts, and the operation runs on the files that are on the disk.
   void restart(const DiskModel::Files& files, const std::string& where) {
     ++m_figures.restarted;
     m_workshop.reset(*m_operation);
@@ -131,7 +131,8 @@ class PowerCut {
       for (const fs::path& path : gone) fs::remove(path);
     }
     for (const auto& [path, bytes] : files) writeFile(path, bytes, 0600);
-    // A process that starts has no key in memory. This one has; another key makes it start afresh.
+    // A process that starts has no key in memory. This process has one, and drops it when the key
+    // file has another key.
     const std::string key = m_workshop.keystore() + "/password.key";
     if (files.count(key) != 0)
       writeFile(key, std::to_string(1000000000 + m_figures.restarted) + std::string(22, 'k'), 0600);

@@ -20,7 +20,7 @@ TEST(APowerCut, LeavesEachFileWhollyOldOrWhollyNewAndWhatWasDoneStays) {
   EXPECT_GT(figures.between, 100u);
 }
 
-// The model would be of no use if it did not see what a careless writer risks.
+// The model must find the faults of a writer that does not sync.
 class TheModelOfTheDisk : public testing::Test {
  protected:
   TheModelOfTheDisk() { test::writeFile(dir.file("f"), "old"); }

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 namespace test {
 namespace {
 
-// The canary as it would stand in a file of each encoding.
+// Returns the bytes of the canary in each encoding.
 std::vector<std::string> forms() {
   std::vector<std::string> all;
   for (const std::size_t unit : {1, 2, 4}) {
@@ -36,7 +36,7 @@ bool holdsCanary(const std::string& bytes) {
   return false;
 }
 
-// Looks into every byte on its way to a file, so that nothing need be left behind to be seen.
+// Searches all written bytes, so that removed files are searched as well.
 class WatchingFileSystem : public WorkshopFileSystem {
  public:
   WatchingFileSystem(const Workshop& workshop, SecretFigures& figures, std::string where)
@@ -102,7 +102,7 @@ SecretFigures lookForTheCanary(const Progress& progress) {
 
 namespace {
 
-// While a call counts from an open directory, the path of that directory leads outside.
+// During a call that is relative to an open directory, the path of that directory leads outside.
 class SwappingFileSystem : public WorkshopFileSystem {
  public:
   SwappingFileSystem(const Workshop& workshop, std::string outside, bool fileToo)
@@ -151,7 +151,7 @@ class SwappingFileSystem : public WorkshopFileSystem {
     return above->second + (above->second.back() == '/' ? "" : "/") + path;
   }
 
-  // Only what belongs to the workshop is ever moved.
+  // Only directories of the workshop are moved.
   bool mayMove(const std::string& path) const {
     for (const std::string& root : m_roots) {
       if (path == root || path.rfind(root + "/", 0) == 0) return fs::is_directory(path);

@@ -40,7 +40,7 @@ TEST(AProtectedPassword, IsRefusedWithAnyBitFlippedAndTheOtherRecordsLoad) {
     for (int bit = 0; bit < 7; ++bit) {
       std::string bad = good;
       bad[i] = static_cast<char>(bad[i] ^ (1 << bit));
-      // What XML itself takes another meaning from is no value of a password any more.
+      // A control character or markup changes the document itself and not only the password.
       if (static_cast<unsigned char>(bad[i]) < 0x20 || bad[i] == '<' || bad[i] == '&') continue;
       writeFile(path, document(site("a", good) + site("b", bad) + site("c", good)));
       SiteChain list;
@@ -98,7 +98,7 @@ TEST(FileModes, AreNeverWiderBehindAnOperationThanBefore) {
         const mode_t allowed = known != before.end()                 ? known->second
                                : std::filesystem::is_directory(path) ? 0755
                                                                      : 0640;
-        // A secret is for its owner to read and write, whatever the owner could do before.
+        // The owner of a secret may always read and write it, whatever the old mode was.
         EXPECT_EQ(now & ~(isSecret(workshop, operation, path) ? allowed | 0600 : allowed), 0u)
             << operation.name << " widens " << path << " to " << now;
       }

@@ -14,8 +14,8 @@
 #include "tests/resilience/updates.h"
 #include "tests/support/child_process.h"
 
-// The long forms of the experiments, one after the other or those that are named, each in so many
-// hundredths of its full length: --child soak PERCENT [NAME...]
+// Runs the long forms of all or of the named experiments, each at PERCENT of its full length:
+// --child soak PERCENT [NAME...]
 namespace test {
 namespace {
 
@@ -110,15 +110,15 @@ void soakPowerCuts(Soak& soak) {
   soak.end(figures.faults);
 }
 
-// What becomes of a family when its document becomes twice as large.
+// The figures of a family for a document and for one of twice the size.
 struct HostileGrowth {
   HostileResult small;
   HostileResult large;
   double ofTime = 0;
 };
 
-// Reads both several times, in turns: a machine that is slower for a while is so for both, and the
-// median leaves out where it changed in between. Of memory the most counts.
+// Reads both alternately several times, so that a slow phase of the machine affects both. The
+// median removes outliers. For memory, the maximum is used.
 HostileGrowth growthOf(const HostileFamily& family, HostileReader& reader, Faults& faults) {
   constexpr std::size_t c_small = std::size_t{4} << 20;
   constexpr std::size_t c_times = 9;

@@ -26,7 +26,7 @@ namespace test {
 namespace {
 
 constexpr unsigned int c_processes = 16;
-// After so many changes the list begins anew, because a change of a long list takes longer.
+// The list is reset after this number of changes, because changes of a long list take longer.
 constexpr unsigned long c_changesOfRound = 64;
 constexpr int c_killed = 128 + SIGKILL;
 
@@ -44,7 +44,7 @@ bool contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 
-// A change of the list that no other undoes, and how to see that it was made. `number` makes the
+// A change that no other change reverts, and a check that it is in the list. `number` makes the
 // names of its site or setting.
 struct Change {
   Words (*words)(const std::string& number);
@@ -88,7 +88,7 @@ constexpr Change c_setting = {
 
 bool always(const std::string&, const std::string&) { return true; }
 
-// What came of a process.
+// The result of a process.
 struct Answer {
   int status = -1;
   std::string message;
@@ -97,7 +97,7 @@ struct Answer {
 // One process of the tool.
 class Tool {
  public:
-  // Its messages go to the file.
+  // Starts the process. Its messages go to the file `messages`.
   Tool(Words words, const Words& environment, const std::string& messages) {
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
@@ -133,7 +133,7 @@ class Tool {
   pid_t m_pid = -1;
 };
 
-// The agent, the list, and what was asked of the tool.
+// The agent, the list and the requested changes.
 class Updates {
  public:
   Updates(const std::string& tool, UpdatedList which, UpdateKills kills)
@@ -146,7 +146,7 @@ class Updates {
     for (char** entry = environ; *entry; ++entry) {
       if (std::string(*entry).rfind("TMPDIR=", 0) != 0) m_environment.emplace_back(*entry);
     }
-    // What a killed process leaves goes away with the directory.
+    // Removing the directory also removes the files of killed processes.
     m_environment.push_back("TMPDIR=" + m_work.path());
     const Answer answer = run({"init"}, "0", nullptr);
     if (answer.status != 0) throw std::runtime_error("the tool fails: " + answer.message);
@@ -185,7 +185,7 @@ class Updates {
     return text + "</SiteList></ns:SiteLists>\n";
   }
 
-  // Everything but an edit is done for the agent; one in three writes the list as a whole.
+  // Every third change is a policy of the agent's list or a rewrite. Both write the whole list.
   const Change& changeOf(unsigned long n) const {
     static constexpr Change rewrite = {nullptr, always};
     if (n % 3 != 0) return c_edits[n % std::size(c_edits)];
@@ -210,7 +210,7 @@ class Updates {
     words.insert(words.begin(), {m_tool, "--agent-dir", directory, "--wait", "600"});
     const Tool tool(std::move(words), m_environment, messages(worker));
     if (moment) {
-      // Any moment will do: no result depends on when it comes.
+      // Any moment is suitable, because no result depends on it.
       std::this_thread::sleep_for(
           std::chrono::microseconds(std::uniform_int_distribution<long>(0, 40000)(*moment)));
       tool.kill();

@@ -59,7 +59,7 @@ std::string vendorSites(const std::string& path) {
          " Server=\"" VENDOR_FTP_HOST ":21\"><RelativePath>" + path + "</RelativePath></FTPSite>";
 }
 
-// The password of the HTTP proxy is under the agent's own key in every document.
+// The password of the HTTP proxy is encrypted with the password key in every document.
 std::string proxies(const std::string& ofHttpProxy, const std::string& ofOthers) {
   std::string text =
       R"(<ProxyConfigList><ProxyConfig Name="p" HttpProxyServer="p.example" HttpProxyPort="3128")"
@@ -84,7 +84,7 @@ std::string versions(const std::string& tag) {
          "\" Type=\"Client\" FipsMode=\"0\"";
 }
 
-// Replaces what stands between each `open` and the next `close` behind it.
+// Replaces the text between each `open` and the next `close`.
 void blank(std::string& text, const std::string& open, char close) {
   for (std::size_t at = text.find(open); at != std::string::npos; at = text.find(open, at)) {
     at += open.size();
@@ -136,7 +136,7 @@ std::string withoutCertificates(std::string text) {
 }  // namespace
 
 std::string normalForm(const std::string& path, const std::string& bytes) {
-  // Each key is another one, but all of the same length.
+  // The keys differ but have the same length.
   return fs::path(path).extension() == ".key" ? std::string(bytes.size(), 'k') : normal(bytes);
 }
 
@@ -160,8 +160,7 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   agent.settings.logLevel = LogLevel::Error;
   agent.apply();
   const std::string data = agent.dataDirectory();
-  // A process of its own first makes the key; here it is part of how everything is at the
-  // beginning.
+  // The key is created before the operations, as part of the first state.
   const std::string sealed = sealedForAgent(c_canary);
   add(data + "/keystore/password.key", readFile(data + "/keystore/password.key"));
   add(data + "/keystore/server.key", std::string(host::c_keySize, 'k'));

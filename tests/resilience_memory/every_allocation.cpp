@@ -22,7 +22,7 @@ extern "C" void __libc_free(void* memory);
 namespace test {
 namespace {
 
-// Another thread's allocations are none of the operation's.
+// Allocations of other threads do not belong to the operation.
 thread_local bool g_armed = false;
 unsigned long g_left = 0;
 bool g_fromThereOn = false;
@@ -58,7 +58,7 @@ bool holdsNeedle(void* memory) {
   return false;
 }
 
-// Leaves nothing of an earlier block behind the bytes that are used already.
+// Overwrites the block after the used bytes, so that nothing of an earlier block remains there.
 void* cover(void* memory, std::size_t used) {
   constexpr int c_pattern = 0xA5;
   if (!memory) return nullptr;

@@ -10,7 +10,7 @@
 #include "tests/resilience/workshop.h"
 #include "tests/resilience_memory/every_allocation.h"
 
-// A log line for which there is no memory is dropped. That must change nothing else.
+// A log line for which there is no memory is dropped. This must not affect anything else.
 namespace {
 
 using namespace sitehlp;
@@ -69,7 +69,7 @@ class ListWithAnUnknownEnd : public testing::Test {
   // Runs an operation with each of its allocations failing in turn. Returns how often one failed.
   template <typename Run>
   unsigned long failEachAllocation(Run run) {
-    run();  // once before, so that what is made once is there
+    run();  // one run before, so that objects of the first use exist
     bool failed = true;
     unsigned long number = 0;
     for (; failed; ++number) {
@@ -103,7 +103,7 @@ TEST_F(ListWithAnUnknownEnd, LeavesNoRecordBehindAfterAQueryOfItsServers) {
             20U);
 }
 
-// What is thrown leaves the output as it was, and what is returned comes with the list.
+// After an exception the output is unchanged. A returned failure comes with the list.
 TEST_F(ListWithAnUnknownEnd, IsGivenOutOrReleased) {
   using Read = int (CSitesHelper::*)(const std::wstring&, tag_Site**);
   for (const Read read : {&CSitesHelper::SmartReadSiteList, &CSitesHelper::MustReadSiteList}) {

@@ -43,14 +43,14 @@ class Shortage {
   void of(const Operation& operation, bool writes, unsigned long stride) {
     m_workshop.reset(operation);
     m_before = m_workshop.state();
-    // Twice, so that what is made once is there.
+    // Two runs, so that objects of the first use exist.
     const int usual = operation.run(m_workshop);
     m_after = writes ? m_workshop.state() : m_before;
     for (const bool forGood : {false, true}) {
       for (unsigned long n = 0; tryOne(operation, n, forGood, usual); n += stride) {
       }
     }
-    // One that is lost each time would show many times over.
+    // A block that leaks in every run would be found many times.
     const unsigned long runs = m_figures.runs;
     const long blocks = inUse(operation);
     for (unsigned long n = 0; n < 40 * stride; n += stride) tryOne(operation, n, false, usual);
@@ -87,7 +87,7 @@ class Shortage {
     ++m_figures.runs;
     m_figures.thrown += threw;
     m_figures.refused += !threw && code != usual && code != 0;
-    // A list that cannot be built is given up with the result so far, which may be 0.
+    // If a list cannot be built, the operation returns the result so far, which may be 0.
     const bool known = code == usual || code == 0 || operation.failures.count(code) != 0;
     if (!threw && !known) m_figures.fault(where, "undocumented result " + std::to_string(code));
     const State now = m_workshop.state();
@@ -118,8 +118,8 @@ class Shortage {
 Figures failAllocations(unsigned long stride) {
   Figures figures;
   Shortage shortage(figures);
-  // That of a list from a buffer lies in a fixed place that is not there, so of its files only the
-  // mesh service's copy is written: what stands in for the place elsewhere needs memory itself.
+  // The directory for a list from a buffer does not exist, so only the mesh copy is written. The
+  // file system that maps this directory in other tests allocates memory itself.
   for (const Operation& operation : writingOperations()) shortage.of(operation, true, stride);
   for (const Operation& operation : readingOperations()) shortage.of(operation, false, stride);
   return figures;
@@ -147,7 +147,7 @@ TEST(AFreedRecord, HoldsNoPasswordWhateverAllocationFails) {
         try {
           operation.run(workshop);
         } catch (const std::bad_alloc&) {
-          // The other test says what may come of it.
+          // The other test checks the possible results.
         }
         failed = failing.failed() != 0;
       }

@@ -21,9 +21,9 @@ using host::SecretBytes;
 using test::FailingAllocations;
 
 // Does something with its first allocation failing, then its second, and so on until none is left
-// to fail. `work` says whether it was done; how often it was not.
+// to fail. `work` returns whether it succeeded. Returns the number of failures.
 int refusals(const std::function<bool()>& work) {
-  EXPECT_TRUE(work());  // once before, so that what is made once is there
+  EXPECT_TRUE(work());  // one run before, so that objects of the first use exist
   bool failed = true;
   bool done = false;
   int refused = 0;
@@ -69,10 +69,10 @@ TEST(Shortage, LeavesTheOutputOfAPasswordThatIsNotProtectedAsItWas) {
   service->destroy_encryption_object(object);
 }
 
-// Seals for the first time in this process while an allocation fails, and then again. Tells whether
-// one failed and whether both attempts ended well.
+// Encrypts a value for the first time in this process while an allocation fails, then encrypts it
+// again. Sends whether an allocation failed and whether both attempts ended correctly.
 CHILD_PROCESS(sealForTheFirstTime) {
-  // What libcrypto itself makes once is not to fail.
+  // Allocations of libcrypto for its first use must not fail.
   unsigned char random = 0;
   if (RAND_bytes(&random, 1) != 1 || OSSL_PROVIDER_available(nullptr, "default") != 1) return 1;
   const SecretBytes key(host::c_keySize, 'k');

@@ -8,8 +8,8 @@
 
 namespace {
 
-// The exit status of a child that takes the guard. Its parent is a thread of its own, which has
-// held the guard before or not, and another thread holds it at the fork.
+// Returns the exit status of a child that takes the guard. The forking thread may have held the
+// guard before. Another thread holds the guard at the fork.
 int guardInChild(bool hasHeldIt) {
   std::promise<void> ready;
   std::promise<void> held;

@@ -16,7 +16,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/faulty_file_system.h"
 
-// Several processes at the same files, through the library alone.
+// Several processes use the same files, only through the library.
 namespace {
 
 using korvel_com::orb::lock::InterProcessWriteLock;
@@ -48,7 +48,8 @@ int writeNamed(const std::string& dataDirectory, const std::wstring& name, int c
                                test::wide(dataDirectory + "/list.xml"), name, name, name, {});
 }
 
-// Stops at the moment when the list is opened or put in place, says so, and goes on when told.
+// Returns a hook that stops when the list is opened or replaced, reports this, and continues after
+// a message.
 std::function<void(const std::string&)> stopAtTheList(test::Channel& channel, bool& stopped) {
   return [&](const std::string& path) {
     if (stopped || !test::endsWith(path, "list.xml")) return;
@@ -83,7 +84,7 @@ CHILD_PROCESS(coreSmartReadSlowly) {
   return Probe(true).SmartReadSiteList(test::wide(args[0] + "/list.xml"), &list) == 0 ? 0 : 1;
 }
 
-// Writes lists that all carry one name, and checks that every list read carries one name, too.
+// Writes lists whose sites all have the same name, and checks this for every list that it reads.
 CHILD_PROCESS(coreWriteAndRead) {
   serve(args[0]);
   const std::wstring file = test::wide(args[0] + "/list.xml");
@@ -125,7 +126,7 @@ class Contention : public test::SitesHelperTest {
     return result.list ? result.list->local.szName : L"no list";
   }
 
-  // Runs an operation in a thread of its own until it asks for a lock or ends.
+  // Runs an operation in a separate thread until the operation requests a lock or ends.
   class Waiting {
    public:
     explicit Waiting(const std::function<void()>& operation)

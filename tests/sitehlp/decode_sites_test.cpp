@@ -4,7 +4,7 @@
 
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// What becomes of the attributes and children of one repository or server element.
+// Decoding of the attributes and children of one repository or management server.
 namespace {
 
 using sitehlp::tag_Site;

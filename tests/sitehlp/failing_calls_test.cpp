@@ -9,7 +9,7 @@
 #include "tests/sitehlp/writer_fixture.h"
 #include "tests/support/faulty_file_system.h"
 
-// System calls that fail, and exceptions that come from below.
+// Failing system calls, and exceptions from the platform.
 namespace {
 
 using sitehlp::tag_Site;
@@ -29,7 +29,7 @@ class FailingCalls : public test::WriterTest {
     EXPECT_EQ(test::lockState(sitehlp::c_siteListLock), LockState::Free);
     EXPECT_EQ(test::lockState(sitehlp::smartSiteListLock), LockState::Free);
   }
-  // Reads in every way a file that is there but cannot be read.
+  // Reads an existing unreadable file with every operation.
   void expectUnreadable(const std::wstring& file) {
     for (const bool useLock : {true, false}) {
       tag_Site* list = test::untouched();

@@ -91,7 +91,7 @@ std::set<std::string> changes(const Values& before, const Values& after) {
   return names;
 }
 
-// A value that no field has by itself, and no other row.
+// Returns a value that is not the initial value of the field. Only flags share a value.
 std::wstring sampleOf(const Row& row) {
   const auto number = std::to_wstring(1000 + std::hash<std::string>()(row.name) % 9000);
   switch (row.form) {
@@ -122,8 +122,8 @@ class FieldTables : public test::WriterTest {
     return valuesOf(*decode(documentOf(kind, attributes, children)));
   }
 
-  // A document that has just this field. An address has a port always, and the port of a proxy
-  // counts only with its server.
+  // A document that has just this field. An address always has a port. The port of a proxy is used
+  // only with its server.
   Values readAlone(const Kind& kind, const Row& row) {
     const std::string value = test::narrow(sampleOf(row));
     switch (row.place) {
@@ -154,7 +154,7 @@ class FieldTables : public test::WriterTest {
     return read(kind, "", "");
   }
 
-  // A record that has a sample in every field, or in none.
+  // Returns a record with a sample in every field, or in no field.
   static tag_Site* record(const Kind& kind, bool isFull) {
     tag_Site* const site = test::newSite(kind.kind);
     if (isFull) {
@@ -178,7 +178,7 @@ class FieldTables : public test::WriterTest {
     std::vector<std::pair<std::string, std::string>> children;
   };
 
-  // What is written for the record.
+  // Returns the element that is written for the record.
   Element written(const Kind& kind, bool isFull) {
     const std::string text = siteOf(record(kind, isFull));
     const std::size_t begin = text.find("<" + kind.element + " ") + kind.element.size() + 1;
@@ -197,7 +197,7 @@ class FieldTables : public test::WriterTest {
     }
   }
 
-  // What the table says must be written.
+  // Returns the element that the table requires.
   static Element expected(const Kind& kind, bool isFull) {
     Element element;
     for (const Row& row : kind.rows) {
@@ -223,7 +223,7 @@ class FieldTables : public test::WriterTest {
         case FieldPlace::None:
           ADD_FAILURE() << row.name << " has no place";
       }
-      // What the writers have beside the fields.
+      // Attributes that the writers add and that are not fields.
       if (row.name == "useIEConfig") element.attributes.push_back({"Local", "1"});
       if (row.name == "local" && kind.element == "LocalSite") {
         element.attributes.push_back({"Server", "127.0.0.1"});
@@ -282,7 +282,7 @@ TEST_F(FieldTables, EveryRowIsReadByItself) {
       EXPECT_EQ(values.at(row.name), sampleOf(row));
       std::set<std::string> others = changes(nothing, values);
       others.erase(row.name);
-      // What the reader works out of the field, and the server that the port of a proxy needs.
+      // Fields that the reader derives from the field, and the server of the port of a proxy.
       if (row.name == "exclusionList") others.erase("exclusionCount");
       if (kind.isProxy() && row.place == FieldPlace::Attribute) others.erase("element");
       if (row.name == "httpProxyPort") others.erase("httpProxyServer");
@@ -348,7 +348,7 @@ std::string documented(const std::string& element) {
   return next.prefix();
 }
 
-// The word of the format document for what is written in such a form.
+// Returns the name of the value format in docs/site-list-format.md for this form.
 std::string wordOf(const Kind& kind, const Row& row) {
   switch (row.form) {
     case FieldForm::Address:
@@ -385,7 +385,7 @@ TEST_F(FieldTables, FormatDocumentHasTheRowsOfEveryKind) {
     for (std::sregex_iterator at(below.begin(), below.end(), c_child), end; at != end; ++at) {
       children[(*at)[1]] = (*at)[2];
     }
-    // What is no field.
+    // Names that are not fields.
     EXPECT_EQ(attributes.erase("ServerDNS"), kind.element == "KeystoneSite" ? 1U : 0U);
     EXPECT_EQ(attributes.erase("Local"), kind.isProxy() ? 1U : 0U);
     Names expectedAttributes;

@@ -23,7 +23,7 @@ class FreedPasswords : public test::PasswordTest {
     agent.apply();
   }
 
-  // How many blocks with the password in them were given back while it was read.
+  // Returns how many blocks with the password were released during the read.
   int foundWhileReading(const std::wstring& password) {
     const std::wstring file =
         store(test::documentWithSites("<HttpSite Name=\"h\"><Password Encrypted=\"1\">" +

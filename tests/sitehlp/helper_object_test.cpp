@@ -312,7 +312,7 @@ TEST_F(HelperObject, ChangeNoticeWaitsForReadersOfTheCachedList) {
     helper.needToUpdateInMemSiteList();
     done = true;
   });
-  // A waiting writer keeps new readers out; that is how it shows.
+  // A waiting writer blocks new readers, so a failed read lock shows that the writer waits.
   bool writerWaits = false;
   while (!writerWaits && !done) {
     InterProcessReadLock another(sitehlp::smartSiteListLock);

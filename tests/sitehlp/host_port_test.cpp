@@ -30,8 +30,8 @@ Split split(const std::wstring& text) {
   return result;
 }
 
-// The same with a stream, and with a failed extraction leaving the port alone. A stream takes signs
-// and wraps negative numbers around; a port has no sign.
+// Returns the expected result, computed with a stream. A failed extraction leaves the port
+// unchanged. A stream accepts signs and wraps negative numbers around, but a port has no sign.
 Split expected(const std::wstring& text) {
   const std::size_t colon = text.rfind(L':');
   if (colon == std::wstring::npos) return {false, L"as it was", c_noPort};

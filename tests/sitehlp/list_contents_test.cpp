@@ -12,7 +12,7 @@
 #include "tests/sitehlp/hooked_file_system.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// The read that gives all that a file holds at once, and its sites one by one.
+// ReadListContents: all content of a file in one read, and its sites one by one.
 namespace {
 
 using sitehlp::ListContents;

@@ -45,8 +45,8 @@ class TimeZone {
   std::string m_old;
 };
 
-// The time zone is a pipe, so that the C library reads it, under a lock of its own, as long as
-// there is a writer.
+// The time zone file is a pipe. The C library reads it under its own lock until the writer closes
+// the pipe.
 TEST(LocalTime, IsToldInTheChildOfAForkBesideAThreadThatReadsTheTimeZone) {
   const test::TempDir directory;
   const std::string pipe = directory.file("zone");
@@ -81,7 +81,7 @@ TEST(LocalTime, IsToldInTheChildOfAForkBesideAThreadThatReadsTheTimeZone) {
     }
     forked.set_value(pid);
   });
-  // Gives a fork that does not wait for the reader the time to be done.
+  // A fork that does not wait for the reader would return within this time.
   EXPECT_EQ(child.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout)
       << "the fork did not wait for the thread that reads the time zone";
   ::close(writer);

@@ -186,7 +186,7 @@ TEST_F(Locking, VersionsAreReadUnderTheReadLock) {
 // --- Without a lock
 // -------------------------------------------------------------------------------
 
-// A lock that cannot be had is told; the operation goes on.
+// A lock that cannot be taken is logged, and the operation continues.
 class NoLock : public test::SitesHelperTest {
  protected:
   NoLock() {
@@ -196,7 +196,7 @@ class NoLock : public test::SitesHelperTest {
     std::filesystem::create_directories(file);
     agent.clearLog();
   }
-  // The one error since the last question.
+  // Returns the only error since the last call.
   std::string error() {
     const std::vector<std::wstring> errors = agent.texts(LogLevel::Error);
     EXPECT_EQ(errors.size(), 1u);

@@ -5,7 +5,8 @@
 #include "tests/sitehlp/site_generator.h"
 #include "tests/sitehlp/writer_fixture.h"
 
-// The writer of one record, which adds to a tree, against a write of the list that holds it alone.
+// Compares AddHTTPSite and the similar operations with a write of a list that has only the same
+// record.
 namespace {
 
 using sitehlp::CSitesHelper;

@@ -6,7 +6,7 @@
 #include "tests/sitehlp/document_bytes.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// Reads that insist on a path, reads of the raw text, and the decoder on its own.
+// MustReadSiteList, GetSiteListBuffer and ReadSiteFromSiteList.
 namespace {
 
 using sitehlp::CSitesHelper;

@@ -65,7 +65,7 @@ TEST_F(Password, EveryObjectGoesBackToTheService) {
     EXPECT_NE(EncryptDecryptPassword(L"secret", sealed, true), 0);
     EXPECT_NE(EncryptDecryptPassword(sealed, out, false), 0);
   };
-  use();  // what is kept for good is there now
+  use();  // creates the objects that are never destroyed
   const std::size_t before = test::heapInUse();
   for (int i = 0; i < c_times; ++i) use();
   EXPECT_LT(test::heapInUse(), before + c_times);

@@ -6,7 +6,7 @@
 #include "sitehlp/write/element_writer.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// Values and lists that are longer than what they are usually read through, and other rare ones.
+// Values and lists that are longer than the usual buffers, and other rare ones.
 namespace {
 
 using testing::IsEmpty;

@@ -7,7 +7,7 @@
 #include "tests/sitehlp/document_bytes.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// Which file is read, and what becomes of one that is no good document.
+// Which file is read, and the results for unusable documents.
 namespace {
 
 using sitehlp::tag_Site;
@@ -19,7 +19,7 @@ const std::string c_oneSite = test::documentWithSites(R"(<HttpSite Name="one"/>)
 
 class ReaderFile : public test::SitesHelperTest {
  protected:
-  // Reads a file with the given bytes and expects a failure that leaves the list alone.
+  // Reads a file with these bytes and expects a failure that leaves the list unchanged.
   void expectUntouched(const std::wstring& file, int code) {
     for (const bool useLock : {true, false}) {
       tag_Site* list = test::untouched();
@@ -28,7 +28,7 @@ class ReaderFile : public test::SitesHelperTest {
     }
     EXPECT_THAT(messages(), IsEmpty());
   }
-  // ... and one that makes it null.
+  // Does the same, but expects a null list.
   void expectNull(const std::string& bytes, int code) {
     const std::wstring file = store(bytes);
     tag_Site* list = test::untouched();

@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 class CopyWStr : public test::SitesHelperTest {
  protected:
-  // Copies into a field full of rubbish with a guard behind it, and checks the field whole.
+  // Copies into a field with other content and with a guard after it, and checks the whole field.
   void expectCopy(const std::wstring& source, std::size_t capacity, const std::wstring& kept) {
     std::vector<wchar_t> field(capacity + 1, L'?');
     CSitesHelper::CopyWStr(field.data(), source.c_str(), static_cast<unsigned long>(capacity));
@@ -126,7 +126,7 @@ class FreeSiteListMemory : public test::SitesHelperTest {
     return head;
   }
 
-  // The most memory this process has had at once, in bytes.
+  // Returns the peak memory of this process in bytes.
   static double peakMemory() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -174,7 +174,7 @@ TEST_F(FreeSiteListMemory, ReleasesEveryRecordOfEveryList) {
     }
   }
   EXPECT_GT(handled, 1.4e9);
-  // A checking allocator may hold back 256 MB of what was released.
+  // The allocator of a sanitizer may keep 256 MB of released memory.
   EXPECT_LT(peakMemory() - before, 400e6);
 }
 

@@ -15,7 +15,7 @@ class RoundTrip : public test::PasswordTest {
  protected:
   std::wstring file() const { return path("out.xml"); }
 
-  // Writes a list and expects it back as it was.
+  // Writes a list, reads it and expects the same records.
   void expectBack(const test::ListPtr& list, const std::string& where) {
     const test::ListPtr before = test::copyOf(list.get());
     ASSERT_EQ(helper.CreateSiteList(list.get(), file(), L"G", L"L", L"T", {}), 0) << where;
@@ -28,7 +28,7 @@ class RoundTrip : public test::PasswordTest {
     ASSERT_EQ(test::lengthOf(expected), test::lengthOf(actual)) << where;
     for (; expected; expected = expected->pNext, actual = actual->pNext) {
       ASSERT_EQ(test::fieldsOf(*expected), test::fieldsOf(*actual)) << where;
-      // Nor is anything left behind the texts.
+      // The bytes after the texts are also equal.
       ASSERT_EQ(std::memcmp(&expected->proxy, &actual->proxy, sizeof expected->proxy), 0) << where;
       ASSERT_EQ(std::memcmp(expected->szType, actual->szType, sizeof expected->szType), 0) << where;
     }

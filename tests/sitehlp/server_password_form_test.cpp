@@ -5,8 +5,8 @@
 #include "sitehlp/sites_helper.h"
 #include "tests/sitehlp/password_fixture.h"
 
-// The form in which a management server protects passwords, as it is documented. The value was made
-// by another implementation of the cipher.
+// The documented format of passwords that a management server encrypts. The value was made by
+// another implementation of the cipher.
 namespace {
 
 const std::string c_value = "AQABAgMEBQYHCAkKCyFjv2nlkqd6+Sny+UhcP9u+MQo3Jg14vntNzTU=";

@@ -8,7 +8,7 @@
 #include "tests/sitehlp/sites_helper_fixture.h"
 #include "tests/support/faulty_file_system.h"
 
-// The list that a process keeps, and when it goes back to the file.
+// The cached list, and when the file is read again.
 namespace {
 
 using sitehlp::CSitesHelper;
@@ -232,8 +232,7 @@ TEST_F(SmartRead, LoadsThePoliciesOfTheFile) {
   EXPECT_THAT(helper.m_policySettings, ElementsAre(testing::Pair(L"a", L"1")));
 }
 
-// A child is made in the middle of a read, by the thread that is at work there, and goes on with
-// it.
+// The reading thread forks during a read, and the child continues the read.
 class ForkWhenOpened : public test::FaultyFileSystem {
  public:
   int open(int directory, const std::string& name, int flags, mode_t mode) override {

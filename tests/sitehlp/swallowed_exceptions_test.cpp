@@ -12,8 +12,7 @@
 #include "tests/support/allocation/searched_new.h"
 #include "tests/support/child_process.h"
 
-// An operation that answers with a code where something was thrown leaves one error line that says
-// what it was.
+// If an operation catches an exception and returns a code, one error line names the exception.
 namespace {
 
 using sitehlp::tag_Site;
@@ -23,7 +22,7 @@ using testing::IsEmpty;
 
 class SwallowedException : public test::WriterTest {
  protected:
-  // The error lines that are not the class's own, whose texts are fixed.
+  // Returns the error lines that are not of component "SiteHlp".
   std::vector<std::wstring> causes() {
     std::vector<std::wstring> texts;
     for (const test::LogLine& line : agent.messages()) {
@@ -122,7 +121,7 @@ TEST_F(SwallowedException, WhileADocumentIsBuiltIsTold) {
               ElementsAre(L"Site list not written: " + path("out.xml") + L": not enough memory"));
 }
 
-// The object that tells the mesh service is made once in a process. This is the first list of its
+// The object that writes the mesh copy is created once in a process. This is the first list of its
 // process, and there is no memory for that object.
 CHILD_PROCESS(writeWithoutMemoryToTellTheMeshService) {
   const test::TestAgent agent;

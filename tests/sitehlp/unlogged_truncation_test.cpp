@@ -6,7 +6,7 @@
 
 #include "tests/sitehlp/sites_helper_fixture.h"
 
-// What does not fit is cut in the same way when the line that tells of it is not logged.
+// A long text is cut in the same way when detail lines are not logged.
 namespace {
 
 using testing::IsEmpty;

@@ -36,7 +36,7 @@ class Versions : public test::SitesHelperTest {
   Answer askRoot(const std::string& attributes) {
     return ask(helper, store(test::documentWithRoot("<SiteList/>", attributes)));
   }
-  // The result, and what `fipsMode` holds afterwards.
+  // Returns the result and the value of `fipsMode` after the call.
   std::pair<int, std::wstring> fips(const std::wstring& file) {
     std::wstring mode = L"as it was";
     const int code = helper.GetSitelistFipsMode(file, mode);

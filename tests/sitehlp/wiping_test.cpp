@@ -12,7 +12,7 @@
 #include <malloc/malloc.h>
 #endif
 
-// Clear passwords are wiped before the memory of a record is given back.
+// Clear passwords are wiped before the memory of a record is released.
 namespace {
 
 const void* g_watched = nullptr;

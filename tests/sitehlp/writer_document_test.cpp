@@ -221,7 +221,7 @@ TEST_F(WriterDocument, StampFollowsAChangeOfTheTimeZone) {
   const char* const former = std::getenv("TZ");
   const std::string restored = former ? former : "";
   std::set<std::string> days;
-  // Twenty-six hours apart: whatever the time is, the day differs.
+  // The time zones are 26 hours apart, so the day always differs.
   for (const char* zone : {"AAA12", "BBB-14"}) {
     ::setenv("TZ", zone, 1);
     EXPECT_EQ(helper.CreateSiteList(nullptr, outPath(), L"", L"", L"", {}), 0);

@@ -22,7 +22,7 @@ class WriterProxy : public test::WriterTest {
     put(site->proxy.szExclusionList, hosts);
     return site;
   }
-  // The "ExclusionList" element of a record with these hosts.
+  // Returns the "ExclusionList" element of a record with these hosts.
   std::string exclusions(const std::wstring& hosts) {
     const std::string text = siteOf(withHosts(hosts));
     const std::size_t begin = text.find("<ExclusionList>");

@@ -14,7 +14,7 @@ using testing::ElementsAreArray;
 
 class WriterScopes : public test::WriterTest {
  protected:
-  // What a write of this record traces; `inside` are the scopes opened within its own.
+  // Expects that a write of this record traces its scope `own` with the scopes `inside` in it.
   void expectScopes(tag_Site* site, const std::wstring& own,
                     const std::vector<std::wstring>& inside) {
     const test::ListPtr list(site);

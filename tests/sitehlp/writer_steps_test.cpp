@@ -9,7 +9,7 @@
 #include "tests/sitehlp/writer_fixture.h"
 #include "tests/support/faulty_file_system.h"
 
-// What CreateSiteList does beside making the text: unknown records, the mesh service, failures.
+// CreateSiteList apart from the text: records of unknown kind, the mesh copy, failures.
 namespace {
 
 using sitehlp::tag_Site;
@@ -205,7 +205,7 @@ TEST_F(WriterSteps, EveryFailedCallLeavesTheOldFileOrTheNewOne) {
     }
     const std::string text = outText();
     if (code == -11) {
-      // The sync of the directory fails behind the change, so both are possible.
+      // The sync of the directory fails after the rename, so the old or the new file may be there.
       EXPECT_TRUE(text == "the old list" || test::endsWith(text, "</ns:SiteLists>")) << call;
     } else {
       EXPECT_EQ(code, 0) << call;

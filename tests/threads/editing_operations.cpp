@@ -2,7 +2,7 @@
 #include "tests/import/documents.h"
 #include "tests/threads/operations.h"
 
-// What works on documents of the caller, node by node.
+// Operations that edit documents of the caller node by node.
 namespace test {
 namespace {
 

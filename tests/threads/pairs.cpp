@@ -18,10 +18,10 @@ namespace {
 
 using namespace sitehlp;
 
-// How often the slower one of two operations runs at least. When the faster one has finished its
-// runs, the pair ends, even if the slower one ran only this often.
+// The minimum number of runs of the slower operation. When the faster one has finished its runs,
+// the pair ends, even if the slower one ran only this often.
 constexpr unsigned long c_least = 5;
-// What a pair may leave on the heap, a few records or some text for each run being more.
+// The number of bytes that a pair may leave allocated. A leak in each run would be more.
 constexpr long c_heapNoise = 128 * 1024;
 // The same for all pairs.
 constexpr long c_heapNoiseOfAll = 1024 * 1024;
@@ -92,7 +92,8 @@ class Pairs {
     if (files) m_workshop.reset();
   }
 
-  // What the operation gives alone, after itself and after the other one, from the beginning on.
+  // Returns the results of the operation alone, after itself, and after the other operation. Each
+  // sequence begins with the first state.
   Outcomes outcomesOf(const SharedOperation& operation, const SharedOperation& other) {
     using Runs = std::vector<const SharedOperation*>;
     const SharedOperation* const self = &operation;
@@ -114,7 +115,7 @@ class Pairs {
     return outcomes;
   }
 
-  // Nothing here puts the two threads in an order but their common start.
+  // Only the common start orders the two threads.
   void work(Side& side, const Side& other) {
     ++m_ready;
     while (m_ready.load() < 2) std::this_thread::yield();
@@ -152,8 +153,8 @@ std::vector<PairOfOperations> everyPair() {
   return pairs;
 }
 
-// Runs the pairs of a part from a number on. Tells the number of each before it begins, what is
-// wrong with it, and at the end how many runs there were.
+// Runs the pairs of a part from a number on. Sends the number of each pair before it begins, its
+// faults, and finally the number of runs.
 CHILD_PROCESS(runPairsFrom) {
   const std::vector<PairOfOperations> pairs = everyPair();
   Pairs runner(std::stoul(args[1]), channel);
@@ -161,7 +162,7 @@ CHILD_PROCESS(runPairsFrom) {
   for (std::size_t i = std::stoul(args[0]); i < pairs.size(); i += c_parts) {
     channel.send("PAIR " + std::to_string(i));
     runner.run(*pairs[i].a, *pairs[i].b);
-    if (before == 0) before = bytesInUse();  // what is made once is there
+    if (before == 0) before = bytesInUse();  // objects of the first use exist
   }
   const long left = bytesInUse() - before;
   if (left > c_heapNoiseOfAll) {

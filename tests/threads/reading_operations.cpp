@@ -2,7 +2,7 @@
 #include "tests/import/records.h"
 #include "tests/threads/operations.h"
 
-// What reads the agent's files.
+// Operations that read the agent's files.
 namespace test {
 namespace {
 
@@ -64,7 +64,7 @@ std::string servers(const Workshop& w, bool allSites) {
   return told(result, {text[0], text[1], text[2], text[3], std::to_wstring(port), text[4]});
 }
 std::string runServers(const Workshop& w) { return servers(w, true); }
-// As a process does that is told of changes: the list is read anew.
+// The list is read again, as in a process after a change.
 std::string runServersAnew(const Workshop& w) {
   runNotice(w);
   runNotice(w);

@@ -4,7 +4,7 @@
 #include "tests/import/records.h"
 #include "tests/threads/operations.h"
 
-// What works on records and values that the caller gives.
+// Operations on records and values of the caller.
 namespace test {
 namespace {
 
@@ -116,11 +116,11 @@ std::string runOrder(const Workshop&) {
 std::string runProtect(const Workshop&) {
   std::wstring sealed;
   const int result = CSitesHelper(true).EncryptPassword(wide(c_canary), sealed);
-  // Each protected form is another one.
+  // Each encryption gives a different text.
   return told(result) + std::to_string(sealed.size() > c_canary.size());
 }
 
-// The password of the first site that the server protected.
+// Recovers the password of the first site, encrypted with the server key.
 std::string runRecover(const Workshop& w) {
   const std::string& bytes = w.serverBuffer();
   const std::string mark = "<Password Encrypted=\"1\">";
@@ -151,7 +151,7 @@ std::string runDecode(const Workshop&) {
          decode<tag_ProxySite>("<ProxyConfig Name='p'/>") + decode<tag_FtpSite>("<Odd/>");
 }
 
-// Opens the anchor that the writers of one record each hang their elements on.
+// Gives access to the element to which the writers of one record add their elements.
 struct Writer : CSitesHelper {
   using CSitesHelper::CSitesHelper;
   using CSitesHelper::m_pSiteListElement;

@@ -2,7 +2,7 @@
 #include "tests/import/records.h"
 #include "tests/threads/operations.h"
 
-// What writes the agent's files.
+// Operations that write the agent's files.
 namespace test {
 namespace {
 

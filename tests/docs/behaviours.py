@@ -138,7 +138,7 @@ def page_of(behaviours, operations, tests):
         "",
         "This page is generated. It names the tests of each statement of",
         "[the site list document](site-list-format.md) and of each result code.",
-        "[Contributing](../CONTRIBUTING.md#tests) says how the tests and the page are kept.",
+        "[Contributing](../CONTRIBUTING.md#tests) says how to update the tests and this page.",
     ]
     section = None
     for name, (where, words) in behaviours.items():

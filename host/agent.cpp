@@ -3,11 +3,11 @@
 #include <atomic>
 #include <utility>
 
-#include "host/common/failure_text.h"
 #include "host/config/settings_path.h"
 #include "host/detached_agent.h"
 #include "host/lock/lock_pool.h"
 #include "host/log_sink.h"
+#include "host/process/failure_text.h"
 #include "host/process/fork_lock.h"
 #include "host/process/lasting.h"
 

@@ -2,10 +2,10 @@
 
 #include "host/agent.h"
 #include "host/common/encoding.h"
-#include "host/common/failure_text.h"
 #include "host/detached_agent.h"
 #include "host/lock/lock_hold.h"
 #include "host/process/command.h"
+#include "host/process/failure_text.h"
 #include "platform/common/log.h"
 
 namespace {

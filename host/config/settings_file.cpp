@@ -6,12 +6,12 @@
 #include <string_view>
 
 #include "host/agent.h"
-#include "host/common/failure_text.h"
 #include "host/common/level_names.h"
 #include "host/config/setting_names.h"
 #include "host/config/settings_path.h"
 #include "host/config/toml_parser.h"
 #include "host/fs/files.h"
+#include "host/process/failure_text.h"
 
 namespace host {
 namespace {

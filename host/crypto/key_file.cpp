@@ -9,7 +9,6 @@
 #include <ctime>
 #include <utility>
 
-#include "host/common/failure_text.h"
 #include "host/crypto/key_span.h"
 #include "host/crypto/libcrypto.h"
 #include "host/crypto/sealed_value.h"
@@ -18,6 +17,7 @@
 #include "host/fs/owner.h"
 #include "host/fs/path_walk.h"
 #include "host/fs/temp_file.h"
+#include "host/process/failure_text.h"
 #include "platform/common/log.h"
 
 namespace host {

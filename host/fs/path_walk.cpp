@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "host/common/failure_text.h"
+#include "host/process/failure_text.h"
 #include "platform/common/log.h"
 
 namespace host {

@@ -5,11 +5,11 @@
 #include <string>
 #include <utility>
 
-#include "host/common/failure_text.h"
 #include "host/detached_agent.h"
 #include "host/lock/file_lock.h"
 #include "host/lock/lock_hold.h"
 #include "host/lock/lock_pool.h"
+#include "host/process/failure_text.h"
 #include "platform/common/log.h"
 
 namespace korvel_com {

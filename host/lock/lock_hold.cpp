@@ -1,12 +1,16 @@
 #include "host/lock/lock_hold.h"
 
 #include "host/detached_agent.h"
+#include "host/process/fork_lock.h"
 
 namespace host {
 namespace {
 
 // The first object of a list of all holds of this thread.
 thread_local LockHold* g_firstHold = nullptr;
+
+// The child of a fork holds nothing, so nothing is unlocked.
+const ForkChildHandler g_forkHandler{[] { g_firstHold = nullptr; }};
 
 }  // namespace
 
@@ -54,7 +58,5 @@ void releaseHolds() noexcept {
     hold = next;
   }
 }
-
-void forgetHolds() noexcept { g_firstHold = nullptr; }
 
 }  // namespace host

@@ -47,9 +47,6 @@ bool isHeldByThread(const std::string& name, LockMode mode);
 // under a lock.
 void releaseHolds() noexcept;
 
-// Removes all holds without unlocking; for the child of a fork.
-void forgetHolds() noexcept;
-
 }  // namespace host
 
 #endif

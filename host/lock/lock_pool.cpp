@@ -12,6 +12,8 @@ Lasting<LockPool> g_pool;
 
 }  // namespace
 
+const ForkChildHandler LockPool::m_forkHandler{closeFilesOfParent};
+
 LockPool::Entry::~Entry() { files.close(); }
 
 LockPool& LockPool::instance() { return g_pool.get(); }

@@ -16,9 +16,6 @@ namespace host {
 class LockPool {
  public:
   static LockPool& instance();
-  // For the child of a fork. The mutex of the pool must be held.
-  static void closeFilesOfParent() HOST_REQUIRES(c_lockFilesMutex);
-
   // Returns files of the lock `name` of the current agent that no other holder uses. The result and
   // `failure` are those of openLockFiles. Throws std::bad_alloc, and then takes nothing.
   int take(const std::string& name, LockFiles*& files, LockFailure& failure);
@@ -37,9 +34,11 @@ class LockPool {
     ~Entry();
   };
 
+  static void closeFilesOfParent() HOST_NOT_CHECKED;
   void eraseIdle() HOST_REQUIRES(c_lockFilesMutex);
   void erase(const LockFiles* files) HOST_REQUIRES(c_lockFilesMutex);
 
+  static const ForkChildHandler m_forkHandler;
   std::vector<std::unique_ptr<Entry>> m_entries HOST_GUARDED_BY(c_lockFilesMutex);
 };
 

@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "host/common/failure_text.h"
+#include "host/process/failure_text.h"
 #include "host/process/supervisor.h"
 
 namespace host {

@@ -4,9 +4,8 @@
 
 #include <cassert>
 #include <cstdlib>
+#include <utility>
 
-#include "host/lock/lock_hold.h"
-#include "host/lock/lock_pool.h"
 #include "host/process/fork_generation.h"
 
 namespace host {
@@ -17,6 +16,8 @@ struct Mutex {
   pthread_mutex_t system = PTHREAD_MUTEX_INITIALIZER;
 };
 Mutex g_mutexes[c_forkMutexCount];
+
+const ForkChildHandler* g_lastHandler = nullptr;
 
 #ifndef NDEBUG
 // One bit for each mutex that this thread holds
@@ -46,10 +47,9 @@ void afterFork() {
   for (std::size_t index = c_forkMutexCount; index > 0; --index) unlock(index - 1);
 }
 
-void afterForkInChild() HOST_NOT_CHECKED {
+void afterForkInChild() {
   forgetForkGeneration();
-  LockPool::closeFilesOfParent();
-  forgetHolds();
+  ForkChildHandler::callAll();
   afterFork();
 }
 
@@ -65,5 +65,14 @@ void afterForkInChild() HOST_NOT_CHECKED {
 ForkLock::ForkLock(const ForkMutex& mutex) noexcept : m_place(mutex.place()) { lock(m_place); }
 
 ForkLock::~ForkLock() { unlock(m_place); }
+
+ForkChildHandler::ForkChildHandler(void (*function)()) noexcept
+    : m_function(function), m_next(std::exchange(g_lastHandler, this)) {}
+
+void ForkChildHandler::callAll() {
+  for (const ForkChildHandler* handler = g_lastHandler; handler; handler = handler->m_next) {
+    handler->m_function();
+  }
+}
 
 }  // namespace host

@@ -44,6 +44,22 @@ class HOST_SCOPED_LOCK ForkLock {
   const std::size_t m_place;
 };
 
+// Registers a function for the child of a fork. The child calls it while it holds all mutexes. An
+// object must be static and must be made while the library is loaded.
+class ForkChildHandler {
+ public:
+  explicit ForkChildHandler(void (*function)()) noexcept;
+  ForkChildHandler(const ForkChildHandler&) = delete;
+  ForkChildHandler& operator=(const ForkChildHandler&) = delete;
+
+  // Calls all registered functions.
+  static void callAll();
+
+ private:
+  void (*const m_function)();
+  const ForkChildHandler* const m_next;
+};
+
 }  // namespace host
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "host/common/failure_text.h"
+#include "host/process/failure_text.h"
 #include "host/xml/document_tree.h"
 #include "host/xml/readable.h"
 #include "host/xml/text_file.h"

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "host/common/encoding.h"
-#include "host/common/failure_text.h"
 #include "host/fs/files.h"
+#include "host/process/failure_text.h"
 #include "host/xml/limits.h"
 #include "host/xml/readable.h"
 #include "host/xml/text_encoding.h"

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "host/common/failure_text.h"
 #include "host/log_sink.h"
+#include "host/process/failure_text.h"
 #include "host/process/fork_generation.h"
 #include "platform/config/configuration.h"
 #include "platform/crypto/crypt_shim.h"

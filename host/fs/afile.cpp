@@ -5,10 +5,10 @@
 
 #include <cerrno>
 
-#include "host/common/failure_text.h"
 #include "host/fs/file_system.h"
 #include "host/fs/files.h"
 #include "host/fs/path_walk.h"
+#include "host/process/failure_text.h"
 #include "host/process/secret.h"
 #include "platform/common/log.h"
 

@@ -1,4 +1,4 @@
-#include "host/common/failure_text.h"
+#include "host/process/failure_text.h"
 
 #include <system_error>
 

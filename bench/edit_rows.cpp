@@ -23,7 +23,7 @@ void addModifyRow(std::size_t sourceCount, const char* against, double bound, Re
           }});
 }
 
-// The edit parses both documents, so the floor must do the same.
+// The edit parses both documents, so the baseline must do the same.
 void addRowOfBothDocuments() {
   addRow({"modifySiteList, 1000 sites by 1000", "the same, and expat + pugixml on the source", 0,
           60, [] {

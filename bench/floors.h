@@ -8,8 +8,8 @@
 
 #include "sitehlp/site.h"
 
-// The floors of the operations. A floor is the least work of another library for a part of the same
-// task. All functions abort the program if they fail.
+// The baselines (floors) of the operations. A baseline is the least work of other libraries for the
+// same part of a task. All functions abort the program if they fail.
 namespace bench {
 
 // expat with empty handlers.

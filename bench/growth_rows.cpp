@@ -169,7 +169,7 @@ Cost modifyingServers(std::size_t count) {
   return editing(modifyOf(serversFile(c_large, 1), serversFile(count, 2)));
 }
 
-// The floor of the edits, for comparison.
+// The baseline of the edits, for comparison.
 Cost rewriting(std::size_t count) {
   return timed([bytes = readFile(sitesFile(count)), path = inEtc("rewritten.xml")] {
     rewriteChecked(bytes, path);

@@ -10,8 +10,8 @@
 #include "bench/row_groups.h"
 #include "bench/sample_agent.h"
 
-// Measures one or all rows of the table. Each row is a benchmark with the name "operation / floor".
-// Its counter "ratio" is the median of all samples.
+// Measures one or all rows of the table. Each row is a benchmark named "operation / baseline". Its
+// counter "ratio" is the median of all samples.
 //   sitehlp-bench DIRECTORY [options of Google Benchmark]
 // DIRECTORY is the data directory of the measured agent. The program creates its files if it is
 // empty, and does not remove them.

@@ -17,7 +17,7 @@ Cost running(const Words& words) {
   return timed([words] { runProgram(words); });
 }
 
-// Omits lines with passwords, because only the tool shows whether an encrypted password is empty.
+// Omits lines with passwords, because the Python script does not decrypt them.
 std::string outputOf(const Words& words) {
   const std::string file = inEtc("output");
   runProgram(words, file);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// One row of the table: the cost of an operation as a multiple of the cost of a floor. The same
+// One row of the table: the cost of an operation as a multiple of the cost of a baseline. The same
 // process runs both alternately on the same bytes, so that a disturbance affects both.
 namespace bench {
 

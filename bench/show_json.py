@@ -1,4 +1,7 @@
-"""Prints a site list as `sitelist show --json` does: what somebody without the tool would write."""
+"""Prints a site list as `sitelist show --json` does.
+
+The baseline of this command is a script that a user without the tool would write.
+"""
 
 import json
 import re

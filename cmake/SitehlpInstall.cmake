@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 
 if(PROJECT_IS_TOP_LEVEL)
   set(doc_dir ${CMAKE_INSTALL_DOCDIR})
-else() # that one is named after the project that this is a part of
+else() # CMAKE_INSTALL_DOCDIR has the name of the enclosing project
   set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/sitehlp)
 endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sitehlp)

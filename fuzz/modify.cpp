@@ -4,7 +4,8 @@
 
 using namespace sitehlp;
 
-// Edits one document of any bytes from another. The first byte has the two switches.
+// Edits one document of any bytes from another. The first byte determines what is replaced:
+// repositories, management servers, both or nothing.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   test::MemoryFileSystem& files = fuzz::Stage::clear();
   fuzz::Input input(data, size);

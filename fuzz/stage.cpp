@@ -28,8 +28,8 @@ test::MemoryFileSystem& makeFileSystem() {
 test::MemoryFileSystem& Stage::clear() {
   static test::MemoryFileSystem& files = makeFileSystem();
   files.clear();
-  // The library keeps lock files open and checks that they exist. New lock files for each input
-  // would only take time.
+  // The library keeps lock files open and checks that they exist. The lock files are kept, because
+  // creating them for each input would take time.
   host::AgentSettings settings = host::agent();
   host::setAgent(settings);
   const std::string keys = std::string(c_directory) + "/keystore/";

@@ -46,9 +46,10 @@ class PLATFORM_API SettingsError : public std::runtime_error {
   ~SettingsError() override;
 };
 
-// Sets the agent whose files this process uses from now on, and the log threshold. Keys and locks
-// of another agent are released. A process usually calls this once, before the first site list
-// operation. It must not be called while another thread uses the library.
+// Sets the agent whose files this process uses from now on, and the log threshold. Closes the
+// unused lock files of the previous agent. Each of its keys is released when the process next uses
+// a key of the same type. A process usually calls this once, before the first site list operation.
+// It must not be called while another thread uses the library.
 //
 // Throws SettingsError if the full path <dataDirectory>/etc has more than 259 characters, because
 // the library would cut such a path and use another directory. The current settings are then

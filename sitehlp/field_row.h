@@ -36,7 +36,7 @@ enum class FieldForm {
 enum class Written {
   Always,
   WhenSet,    // if it, or the value that it belongs to, is neither 0 nor empty
-  ByElement,  // always for a server; for other elements never, or only if it is not empty
+  ByElement,  // management server: as Always; agent repository: as WhenSet; others: as Never
   Never,
 };
 

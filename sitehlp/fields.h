@@ -22,7 +22,7 @@ namespace xml = korvel_com::orb::xmlschema::sitelist;
 using Form = FieldForm;
 using Place = FieldPlace;
 
-// The fields of every kind of site. The tables below give their places among the other fields.
+// The fields of every kind of site. The tables below determine their order.
 inline constexpr auto c_enabled =
     field("enabled", &xml::WX_XML_SITE_ENABLED, Place::Attribute, Form::Flag, &tag_Site::bEnabled,
           Written::Always, L"1", 0, "Whether the site may be used.");
@@ -267,8 +267,8 @@ inline constexpr auto c_proxyFields = std::tuple{
 
 namespace fields {
 
-// Returns the number of bytes of those rows that belong to the record itself. It is the size of the
-// record, because the record has no padding.
+// Returns the total size of the rows whose record type is `Record`. It is the size of the record,
+// because the record has no padding.
 template <typename Record, typename... Rows>
 constexpr std::size_t sizeOf(const std::tuple<Rows...>&) {
   return ((std::is_same_v<typename Rows::RecordType, Record> ? Rows::size : 0) + ...);

@@ -101,8 +101,8 @@ class SITEHLP_API CSitesHelper {
   explicit CSitesHelper(bool skipDefaultFile);
   // The instance's own file is `fullPath`. Its versions are read in the same way.
   explicit CSitesHelper(std::wstring fullPath);
-  // Does the same for a wide literal. Otherwise it would convert to bool. A null pointer is an
-  // empty path.
+  // Does the same for a wide literal. Without this constructor, a wide literal would convert to
+  // bool. A null pointer is an empty path.
   explicit CSitesHelper(const wchar_t* fullPath)
       : CSitesHelper(std::wstring(fullPath ? fullPath : L"")) {}
   // Deleted, because a number or another pointer, such as a narrow path, would convert to bool.
@@ -568,8 +568,9 @@ class SITEHLP_API CSitesHelper {
   // If `replaceRepositories` is set, the two default vendor repositories are replaced with those of
   // the source. They keep the two orders of the target. The source determines which of them
   // comes first, unless one of them is of type "fallback" in the target. Each keeps its type in the
-  // target. If the source has no "Type", the target has none afterwards. A repository without an
-  // order in one of the lists is not replaced.
+  // target. If it has no type there, it gets the type of the source. If the source has no "Type",
+  // the target has none afterwards. A repository without an order in one of the lists is not
+  // replaced.
   //
   // If `replaceServerSites` is set, the management servers and the CA bundle are replaced with
   // those of the source. Servers that are in both lists are unchanged.

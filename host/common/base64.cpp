@@ -28,8 +28,8 @@ bool fromBase64(std::string_view text, std::vector<unsigned char>& bytes) {
     return false;
   }
   if (!text.empty()) {
-    // The decoder accepts padding anywhere and stray bits before it. Both are correct only in the
-    // last group, and only in the form that the encoder writes.
+    // The decoder accepts padding anywhere and stray bits before it. Padding is correct only in the
+    // last group, and this group must be what the encoder writes.
     const std::size_t lastGroup = text.size() - 4;
     const std::size_t padding = text.size() - 1 - text.find_last_not_of('=');
     if (padding > 2 || text.find('=') < lastGroup) return false;

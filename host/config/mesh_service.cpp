@@ -10,7 +10,7 @@
 
 namespace {
 
-// It has no members, so nothing must be created or destroyed.
+// The classes have no members, so the objects need no constructor or destructor.
 MeshServiceConfiguration g_meshConfiguration;
 MeshServiceStartupControl g_meshControl;
 

@@ -12,7 +12,7 @@ std::string fullDirectory(const std::string& path);
 // stores <dataDirectory>/etc in a text of limited length and would cut it.
 void requireUsableLength(const std::string& dataDirectory);
 
-// Returns `path` relative to `directory` if it is not absolute. An empty path stays empty.
+// Returns `path` if it is absolute, otherwise "directory/path". An empty path stays empty.
 std::string pathFrom(const std::string& directory, const std::string& path);
 
 }  // namespace host

@@ -41,7 +41,7 @@ namespace ZQ {
 namespace crypto {
 namespace {
 
-CryptShim g_shim;  // it has no members, so nothing must be created or destroyed
+CryptShim g_shim;  // the class has no members, so the object needs no constructor or destructor
 
 }  // namespace
 

@@ -64,7 +64,7 @@ bool KeyPool::refreshKey() {
   return true;
 }
 
-// It stays the same, so that what it encrypted can be read back.
+// Draws a random key once and keeps it, so that values encrypted with it can be decrypted.
 bool KeyPool::useRandomKey() {
   if (!m_key.empty()) return true;
   drop();

@@ -13,15 +13,18 @@
 namespace host {
 
 // One key and the idle encryption objects with this key. Creating an object takes several times as
-// long as a password. The objects are therefore kept until the key file changes. Any thread.
+// long as processing one password. The objects are therefore kept until the key file changes. Any
+// thread.
 class KeyPool {
  public:
   // `mutex` must be used by this pool only. If `createsKey` is set, a missing key is created. A
-  // detached agent then gets a random key instead, without a file.
+  // detached agent gets a random key without a file if the key file is missing or cannot be
+  // examined.
   KeyPool(Encryption::Type type, const ForkMutex& mutex, const char* keyName, bool createsKey);
 
-  // Returns an object with the key of the agent that has this data directory. Returns null, with an
-  // error logged, when the key cannot be read or created. Throws std::bad_alloc.
+  // Returns an object with the key of the agent that has this data directory. Returns null when the
+  // key cannot be read or created. The reason is logged as an error, except when a detached agent
+  // gets no random numbers. Throws std::bad_alloc.
   std::unique_ptr<Encryption> take(const std::string& dataDirectory);
   // Takes an object back. Allocates nothing.
   void giveBack(std::unique_ptr<Encryption> object);

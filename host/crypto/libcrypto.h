@@ -21,8 +21,9 @@ class HOST_SCOPED_LOCK LibcryptoUse {
   ForkLock m_lock;
 };
 
-// Returns libcrypto's reasons for the failed calls of this thread, in one line that is never empty.
-// Clears them. Throws std::bad_alloc if memory was the reason. The caller must hold a LibcryptoUse.
+// Returns libcrypto's last reason for the failed calls of this thread, in one line that is never
+// empty. Clears all reasons. Throws std::bad_alloc if memory was one of them. The caller must hold
+// a LibcryptoUse.
 std::string takeLibcryptoError() HOST_REQUIRES(c_libcryptoMutex);
 
 }  // namespace host

@@ -35,7 +35,7 @@ class Sealer {
   Sealer& operator=(const Sealer&) = delete;
 
   // Returns why this object cannot encrypt or decrypt: libcrypto does not offer the cipher, or the
-  // key is not valid. Otherwise empty.
+  // key is not valid. Returns an empty text if the object can be used.
   const std::string& refusal() const { return m_refusal; }
 
   // Encrypts a value. Returns false and leaves `sealed` unchanged when the system has no random

@@ -27,7 +27,8 @@ bool succeeded(const char* what, const std::string& path, int error) {
   return error == 0;
 }
 
-// A read may fail because there is no file, but a change that fails is worth a line.
+// A failed read is logged at detail level, because the file may just be missing. A failed change is
+// logged at info level.
 bool changed(const char* what, const std::string& path, int error) {
   if (error && logEnabled(LogLevel::Info)) {
     logInfo(host::c_logComponent, host::failureText(what, path, error));

@@ -27,7 +27,7 @@ class PathWalk {
   int enter(const std::string& path);
   // Finds the file that `path` leads to, after links at its end. The file need not exist.
   // Afterwards directory() and name() give its place, and found() its status. Returns the same as
-  // enter, or EISDIR for a path with a directory form at its end, such as "/".
+  // enter, or EISDIR for a path that ends with "/".
   int find(const std::string& path);
 
   int directory() const { return m_directory.get(); }

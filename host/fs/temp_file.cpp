@@ -114,7 +114,7 @@ void removeLeftOverTempFiles(int directory) noexcept try {
     }
   }
 } catch (const std::bad_alloc&) {
-  // The write before this call has succeeded.
+  // A failure to clean up must not change the result of the operation before it.
 }
 
 }  // namespace host

@@ -33,9 +33,9 @@ struct LockFailure {
   std::string advice;
 };
 
-// Opens the files of the lock `name` in the agent's lock directory. Creates missing files and
-// directories, which only the owner of the directory may use. A lock file must be a regular file.
-// Symbolic links in the path of the directory are followed as for a write.
+// Opens the files of the lock `name` in the agent's lock directory. Creates missing files, which
+// only their owner may use, and missing directories (mode 0755). A lock file must be a regular
+// file. Symbolic links in the path of the directory are followed as for a write.
 //
 // Returns 0, ESTALE when another process removes what this call creates, or another errno. After a
 // failure, `failure` has the reason, and the caller must close the files that were opened.

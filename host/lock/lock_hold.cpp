@@ -24,7 +24,7 @@ bool LockHold::lock(unsigned int waitMilliseconds) {
   m_dataDirectory = agent().dataDirectory;
   const bool isLocked =
       m_mode == LockMode::Read ? m_reader.lock(waitMilliseconds) : m_writer.lock(waitMilliseconds);
-  // What a detached agent grants is not held for the agent itself.
+  // A lock of a detached agent excludes nobody, so it does not count as held.
   if (!isLocked || isDetached()) return isLocked;
   m_next = g_firstHold;
   g_firstHold = this;

@@ -12,7 +12,8 @@ namespace {
 
 using Number = std::atomic<std::uint64_t>;
 
-// The number of this process, in memory of its own. It is 0 in a child until the first use.
+// The number of this process, in a page of its own, so that the kernel can clear it in a child. It
+// is 0 in a child until the first use.
 class Current {
  public:
   Current() {

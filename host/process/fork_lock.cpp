@@ -54,8 +54,8 @@ void afterForkInChild() {
 }
 
 // Handlers before a fork run in the reverse order of their registration. These are registered when
-// the library is loaded. They thus run after those of any lock that a thread may hold when it takes
-// one of these mutexes.
+// the library is loaded. They therefore run after all handlers that are registered later. By then,
+// those handlers have taken every lock that a thread may hold when it takes one of these mutexes.
 [[gnu::constructor(101)]] void watchForks() {
   if (::pthread_atfork(beforeFork, afterFork, afterForkInChild) != 0) std::abort();
 }

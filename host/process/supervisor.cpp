@@ -58,7 +58,8 @@ void onAlarm(int) {
   const int error = errno;
   const int number = ++g_alarms;
   if (number == c_lastAlarm) {
-    // The program has the rights of another user, or the system does not end it.
+    // The signals had no effect: the program has the rights of another user, or the system cannot
+    // end it.
     report(SupervisorReport::NotEnded, 0);
     ::_exit(0);
   }

@@ -129,8 +129,8 @@ struct DocumentWriter::State {
     return put(repaired.c_str(), size, text.room(size + more));
   }
 
-  // Writes an escaped text to `out`, which must have space for c_pieceRoom bytes. Returns the end.
-  // It has as much space after it as `out` had beyond those bytes.
+  // Writes an escaped text to `out`, which must have space for c_pieceRoom bytes. Returns the end,
+  // with space for c_markup bytes after it.
   char* putEscaped(const wchar_t* from, std::size_t length, unsigned int place, char* out) {
     for (;;) {
       const wchar_t* const end = from + std::min(c_piece, length);

@@ -50,7 +50,7 @@ char* foldLineEnds(char* text, char* end) {
   return to;
 }
 
-// Returns the tree of any bytes, after the check that they are a document.
+// Checks that the bytes are a well-formed document, and returns its tree.
 std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end, const WrittenIn* writtenIn) {
   const host::Standalone standalone =
       host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()), writtenIn);

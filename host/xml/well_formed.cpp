@@ -96,7 +96,7 @@ class Checker {
     refuse(XML_ErrorString(error));
   }
 
-  // Checks the token whose end was not in the bytes so far.
+  // Checks the length of a token that has begun but not ended in the bytes so far.
   void requireTokenWithin() const {
     // The index is negative if no token precedes this one.
     const XML_Index start = std::max<XML_Index>(0, XML_GetCurrentByteIndex(m_parser.get()));

@@ -7,8 +7,9 @@
 #include "platform/common/astring.h"
 
 // Files by name. Names are wide and are converted to UTF-8 for the system. Only std::bad_alloc is
-// thrown. A failure is returned as false, and its reason is logged at detail level. All operations
-// may block on the file system. Any thread.
+// thrown. A failure is returned as false. Its reason is logged: at info level for a failed write,
+// removal or creation of a directory, otherwise at detail level. All operations may block on the
+// file system. Any thread.
 
 // Returns `directory` and `name` with exactly one "/" between them, or `name` alone when
 // `directory` is empty.

@@ -21,9 +21,10 @@ enum EncryptionType {
 // if the type of the object does not support the operation. One object must not be used by two
 // threads at the same time. Only std::bad_alloc is thrown.
 //
-// An operation fails when the system does not provide the cipher, or when a value cannot be
-// decrypted. Both are logged as errors: once while a KeptKeys exists, otherwise at every call. An
-// empty encrypted value fails without a log line. No operation logs its input or its output.
+// An operation also fails if the system does not provide the cipher, or if the value was encrypted
+// with another key. A missing cipher and a value that cannot be decrypted are logged as errors:
+// once while a KeptKeys exists, otherwise at every call. An empty encrypted value fails without a
+// log line. No operation logs its input or its output.
 class PLATFORM_API IEncryption {
  public:
   virtual ~IEncryption() = default;
@@ -50,8 +51,8 @@ class PLATFORM_API CryptShim {
   // exists, otherwise at every call. Throws std::bad_alloc.
   //
   // Creates a missing password key of the agent. Only its owner can read it. Processes that start
-  // at the same time get the same key. A warning at info level reports the new key, because
-  // passwords encrypted with an earlier key can no longer be decrypted.
+  // at the same time get the same key. A line at info level with the word WARNING reports the new
+  // key. Passwords encrypted with an earlier key can no longer be decrypted.
   IEncryption* create_encryption_object(EncryptionType type);
 
   // Returns an object to the service. Allocates nothing, so a destructor may call it. Null is
@@ -61,8 +62,8 @@ class PLATFORM_API CryptShim {
 
 // RAII guard for processing one document. While a KeptKeys object exists, the service reuses the
 // keys already loaded on this thread. It does not check the key files for every password. If a key
-// is replaced during this time, the service may use the new key only afterwards. If a service keeps
-// no keys, both functions may do nothing.
+// is replaced during this time, the service may use the new key only afterwards. In a service that
+// keeps no keys, the constructor and the destructor may do nothing.
 //
 // Each error is logged once. When the last guard of the thread is destroyed, the number of
 // passwords that could not be decrypted is logged. Other threads are not affected. Guards may be

@@ -28,7 +28,7 @@ enum UTF_ENCODINGS {
 };
 
 // Thrown for a text that begins as markup but is not well formed, or has a DOCTYPE. No site list
-// has one.
+// has a DOCTYPE.
 class PLATFORM_API ParsingException : public std::exception {
  public:
   // `line` and `column` count from 1.
@@ -112,8 +112,9 @@ PLATFORM_API void ReadUtf8FromFile(const std::wstring& path, std::string& utf8,
 // get a byte order mark. The mode and owner of an old file are kept. A new file is readable and
 // writable by its owner and readable by its group. `before` receives the text as UTF-8 before it is
 // encoded, and `after` receives the encoded bytes; null means no change. Returns true. Throws
-// ReadWriteException (WRITE_FAILED) or std::bad_alloc. The old file is then unchanged, as with
-// AFile::write, and no temporary file remains. Any thread.
+// ReadWriteException (WRITE_FAILED, or INVALID_ENCODING if `before` returns bytes that are not
+// UTF-8) or std::bad_alloc. The old file is then unchanged, as with AFile::write, and no temporary
+// file remains. Any thread.
 PLATFORM_API bool WriteBufferToFile(const std::wstring& path, const std::wstring& text,
                                     UTF_ENCODINGS encoding, TextCallback before,
                                     TextCallback after);

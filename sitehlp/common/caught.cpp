@@ -9,7 +9,8 @@
 namespace sitehlp {
 namespace {
 
-// A separate component, because people search logs for the fixed lines of the class.
+// People search logs for the fixed lines of component "SiteHlp". The reason of a failure therefore
+// has another component.
 constexpr const wchar_t* c_causeComponent = L"Host";
 
 AString reasonOf(const std::wstring& path) {

@@ -10,12 +10,12 @@ namespace sitehlp {
 // rethrow the exception. The line is dropped if there is not enough memory to build it.
 void logCaught(const wchar_t* what, const std::wstring& path) noexcept;
 
-// Logs one error line with the reason why an operation failed, when the lines of the operation do
-// not give the reason.
+// Logs the reason of a failure as one error line of component "Host". Use it if the other log lines
+// of the failure give no reason.
 void logCause(const std::wstring& text) noexcept;
 
 // Logs one error line of the class. The line is dropped if there is not enough memory to build it.
-// For places where an exception would change the result or lose a list.
+// Never throws, so it cannot change the caller's result or lose a list.
 void logFixed(const wchar_t* text) noexcept;
 // Does the same with a result code directly after the text.
 void logResult(const wchar_t* text, int result) noexcept;

@@ -6,7 +6,7 @@
 
 #include "sitehlp/site.h"
 
-// Names and values in a document that the exported vocabulary does not have.
+// Names and values that occur in documents but not in the exported vocabulary.
 namespace sitehlp {
 
 constexpr const wchar_t* c_fallbackType = L"fallback";  // of a site; case is ignored
@@ -18,8 +18,8 @@ constexpr const wchar_t* c_encrypted = L"Encrypted";     // attribute of a passw
 constexpr const wchar_t* c_policySetting = L"Setting";   // element in "Policies"
 constexpr const wchar_t* c_policySettingName = L"name";  // its attribute
 
-// The exclusion text of a record is shorter than this. It is one less than the capacity of the
-// field. Other readers of the record in the agent rely on it.
+// The exclusion text of a record is shorter than this. The limit is one less than the capacity of
+// the field. Other readers of the record in the agent rely on it.
 constexpr std::size_t c_exclusionLimit = c_exclusionListCapacity - 1;
 
 }  // namespace sitehlp

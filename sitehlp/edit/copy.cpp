@@ -11,7 +11,7 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_SITE_TYPE;
 
 namespace {
 
-// Given instead of a name, it means the text of the element.
+// An empty attribute name stands for the text of the element.
 constexpr const wchar_t* c_elementText = L"";
 
 void copyText(const AnXmlNode& source, AnXmlNode& target) {

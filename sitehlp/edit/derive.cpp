@@ -17,7 +17,7 @@ namespace {
 
 constexpr const wchar_t* c_local = L"1";
 
-// Returns whether the local sites of this element stay out of a server list.
+// Returns whether a derived server list omits the local sites with this element.
 constexpr bool isRepository(SiteElement element) {
   switch (element) {
     case SiteElement::Http:
@@ -77,7 +77,8 @@ bool CSitesHelper::createServerSiteListFromSiteList(const wchar_t* sourceDir,
   }
   const std::wstring targetPath =
       joinPath(AString(targetDir ? targetDir : sourceDir).str(), c_serverSitelistName);
-  // If a link leads from one name to the other, the own list would lose its local sites.
+  // Without this check, a link between the two names would make the source list lose its local
+  // sites.
   if (AFiler::isSameFile(targetPath, sourcePath)) {
     logCause(L"Server site list not written: " + targetPath + L" and " + sourcePath +
              L" may be the same file; next: remove the symbolic link between them");

@@ -43,7 +43,8 @@ bool openLocked(AnXml& document, const AString& path) {
 }
 
 bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
-  // Names take time. They matter only if there are enough elements to exceed that limit.
+  // Comparing names takes time. Names are compared only if the list has more elements than may be
+  // of unknown kind.
   const bool namesMatter = numberOfChildren(siteList) > c_maxUnknownElements;
   RecordLimits limits;
   AnXmlChildIndex sites(siteList, nullptr);

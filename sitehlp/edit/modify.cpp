@@ -71,8 +71,8 @@ void replaceRepositoriesIn(CSitesHelper& helper, AnXmlNode& targetSiteList,
 }
 
 // Does the same as MustReadSiteList, but keeps only one record. This record determines which key
-// files come with the list: the first server with a version, otherwise the first record. Memory for
-// the others would take more time than all other steps.
+// files come with the list: the first server with a version, otherwise the first record. Allocating
+// the other records would take more time than all other steps together.
 int mustReadDecidingSite(ListSource& source, bool useDecryptData, PolicySettings& policySettings,
                          ListOwner& deciding) {
   const auto take = [&deciding](tag_Site* site) {

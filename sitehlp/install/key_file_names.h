@@ -10,7 +10,8 @@ constexpr const wchar_t* c_reqSecKey = L"reqseckey.bin";
 constexpr const wchar_t* c_sr2048PubKey = L"sr2048pubkey.bin";
 constexpr const wchar_t* c_req2048SecKey = L"req2048seckey.bin";
 
-// Appended to the path of a directory without a separator; includes the backslash.
+// Is appended to the path of a directory, without a separator between them. The first character is
+// a backslash.
 constexpr const wchar_t* c_fipsMarker = L"\\agentfipsmode";
 
 }  // namespace sitehlp

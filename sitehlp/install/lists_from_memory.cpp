@@ -19,7 +19,7 @@ namespace {
 
 constexpr const wchar_t* c_scratchSiteList = L"/Library/Korvel/orb/scratch/etc/SiteList.xml";
 
-// The initial text, before a document is read. It has no markup.
+// The text that is used if the bytes cannot be converted. It has no markup.
 constexpr const char* c_noDocument = "invalid";
 
 std::wstring serverSiteListPath() {

@@ -64,8 +64,8 @@ bool isCarriedKind(const tag_Site& site) {
   return false;
 }
 
-// Adds the fallback and server sites of `source` to the list. `result` becomes the result of the
-// server sites. It is unchanged if `source` has none.
+// Adds the fallback site and the management servers of `source` to the list. If `source` has
+// management servers, `result` becomes 0. Otherwise it is unchanged.
 void carryOver(CSitesHelper& helper, tag_Site* source, tag_Site** tail, tag_Site** head,
                int& result) {
   tag_Site* fallback = nullptr;
@@ -100,7 +100,7 @@ int CSitesHelper::MergeSiteLists(tag_Site* first, tag_Site* second, bool useSeco
     }
     if (first) carryOver(*this, first, &tail, finalList, result);
   } else {
-    // The result is that of the second step below.
+    // The result of this step is not used. The next step gives the result.
     if (second) MergeThisSiteList(second, false, &tail, finalList);
     if (first) {
       result = MergeThisSiteList(first, true, &tail, finalList);

@@ -23,7 +23,8 @@ bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head) {
   tag_Site** link = head;
   while (*link && !isServerSite(**link)) link = &(*link)->pNext;
   if (!*link) {
-    // Server sites replace only server sites. The tail still moves on to the chain.
+    // Management servers replace only management servers, so the list is unchanged. `*tail` is set
+    // to the chain nevertheless.
     if (*tail) {
       lastOf(chain)->pNext = (*tail)->pNext;
       *tail = chain;
@@ -38,7 +39,7 @@ bool putServerChain(tag_Site* chain, tag_Site** tail, tag_Site** head) {
       tailRemoved = tailRemoved || removed == *tail;
       releaseRecord(removed);
       if (!*link) break;
-      // Skips the record after a removed one, even if it is a server site.
+      // Skips the record after a removed one, even if it is a management server.
     }
     link = &(*link)->pNext;
   }

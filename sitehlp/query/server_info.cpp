@@ -17,7 +17,7 @@ std::wstring plainAddress(const wchar_t* text) {
   return address.size() < 2 ? std::wstring() : address.substr(1, address.size() - 2);
 }
 
-// Copies the server sites of the instance's own list.
+// Copies the management servers of the list that SmartReadSiteList returns.
 int readServers(CSitesHelper& helper, ListOwner& servers) {
   // Held until the sites are copied, because another thread may replace the cached list.
   const CacheGuard guard;

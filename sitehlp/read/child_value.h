@@ -21,7 +21,7 @@ int readNumber(const AdvXMLParser::Element& element);
 // Returns 0 when there is no readable port.
 unsigned int readUnsignedPort(const AdvXMLParser::Attribute& attribute);
 
-// Returns 0 or 1. A value that is too long for a text field is cut as in a text field.
+// Returns 0 or 1. A value is first cut to the length of a text field.
 int readFlag(const AdvXMLParser::Element& element);
 
 // Returns the clear form of an encrypted password. Returns an empty text when the password cannot

@@ -33,7 +33,7 @@ void readChildren(const Children& children, const Element& element, bool useDecr
   for (const Element child : element.Elements()) children.read(child, useDecryptData, site);
 }
 
-// A server address, divided into host and port. The host points into the object or into m_long.
+// A server address, divided into host and port. The host points into m_buffer or m_long.
 class Address {
  public:
   explicit Address(const Attribute& attribute) { set(attribute); }

@@ -22,7 +22,7 @@ using korvel_com::orb::xmlschema::sitelist::WX_XML_CABUNDLE;
 
 namespace {
 
-// The cached list is read again when the counter is greater than this.
+// The file is read again when the change counter is greater than this.
 constexpr std::int32_t c_changesServed = 2;
 
 void logNumber(const wchar_t* text, int number) {
@@ -89,8 +89,7 @@ bool CSitesHelper::GetSiteListBuffer(std::wstring& text) {
   lock.lock(c_waitForEver);
   AdvXMLParser::UTF_ENCODINGS encoding = c_encoding;
   AdvXMLParser::ReadBufferFromFile(m_strSiteListFile, text, encoding, nullptr);
-  // The start and end markers are the same text, so only the opening tag is removed. Callers rely
-  // on this.
+  // Removes the first opening tag. The content and the closing tag remain. Callers rely on this.
   const std::wstring marker = std::wstring(L"<") + WX_XML_CABUNDLE + L">";
   const std::size_t start = text.find(marker);
   if (start != std::wstring::npos) text.erase(start, marker.size());

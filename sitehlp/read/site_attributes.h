@@ -44,7 +44,7 @@ constexpr auto collectNames() {
   names.addTable(c_uncFields);
   names.addTable(c_localFields);
   names.addTable(c_proxyFields);
-  // No field has this name. An agent repository has its value instead of "Server".
+  // No field has this name. In an agent repository, this attribute replaces "Server".
   names.add(&fields::xml::WX_XML_SITE_SERVER_FQDN);
   return names;
 }

@@ -17,7 +17,8 @@ void releaseRecord(tag_Site* record) noexcept;
 // Returns whether a record is a management server.
 bool isServerSite(const tag_Site& record);
 
-// Returns whether a record is a management server with a version. Such a server has 2048-bit keys.
+// Returns whether a record is a management server with a version. A list with such a server has key
+// files next to it.
 bool isVersionedServer(const tag_Site& record);
 
 // Returns whether the type of a record is "fallback". Case is ignored.

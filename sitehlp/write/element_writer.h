@@ -88,7 +88,8 @@ class TreeElementWriter final : public ElementWriter {
   const AdvXMLParser::Element& added() const { return m_open[0]; }
 
  private:
-  static constexpr std::size_t c_deepest = 4;  // levels of an exclusion host, from ProxyConfigList
+  // The deepest element is ExclusionHost in ExclusionList in ProxyConfig in ProxyConfigList.
+  static constexpr std::size_t c_deepest = 4;
 
   AdvXMLParser::Element m_anchor;
   bool m_isInto;

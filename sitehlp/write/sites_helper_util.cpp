@@ -14,8 +14,8 @@ std::atomic<SitesHelperUtil*> SitesHelperUtil::m_ptr{nullptr};
 SitesHelperUtil* SitesHelperUtil::getInstance() {
   SitesHelperUtil* instance = m_ptr.load(std::memory_order_acquire);
   if (instance) return instance;
-  // Two threads may create an object at the same time. There is no lock that a child of fork could
-  // find held.
+  // Two threads may create an object at the same time. No lock is used, because it could stay
+  // locked in a child of fork.
   auto made = std::make_unique<SitesHelperUtil>();
   return m_ptr.compare_exchange_strong(instance, made.get()) ? made.release() : instance;
 }

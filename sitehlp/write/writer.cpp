@@ -139,7 +139,7 @@ int CSitesHelper::CreateSiteList(tag_Site* list, const std::wstring& path,
     try {
       AdvXMLParser::WriteDocumentToFile(target, document);
     } catch (...) {
-      // The mesh copy is still written, because the mesh service uses the list that the caller
+      // The mesh copy is still written, so that the mesh service gets the list that the caller
       // intended.
       logCaught(c_notWritten, target);
       result = c_errorWrite;

@@ -181,6 +181,14 @@ TEST_F(CliHistory, UndoRestoresAListThatIsGoneOrBroken) {
   EXPECT_EQ(readFile(ownList()), list());
 }
 
+TEST_F(CliHistory, UndoCreatesAMissingListWithTheModeOfAnyNewList) {
+  ::chmod(ownList().c_str(), 0600);
+  change({"disable", "a"});
+  fs::remove(ownList());
+  EXPECT_EQ(sitelist({"undo"}).status, 0);
+  EXPECT_EQ(modeOf(ownList()), 0640U) << "the group of the agent reads the list";
+}
+
 TEST_F(CliHistory, UndoRefusesWhatTheAgentCouldNotRead) {
   const Output empty = sitelist({"undo"});
   EXPECT_EQ(empty.status, 7);

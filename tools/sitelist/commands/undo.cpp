@@ -1,10 +1,9 @@
-#include <sys/stat.h>
-
 #include <cstring>
 #include <iostream>
 #include <memory>
 
 #include "host/fs/files.h"
+#include "host/xml/text_file.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/agent/password_check.h"
@@ -64,7 +63,7 @@ int undo(Context& context, const UndoOptions& options) {
     std::cerr << "sitelist: " << shown(path) << ": nothing to change: the list is the same\n";
     return exitSuccess;
   }
-  const int error = host::replaceFile(path, bytes.data(), bytes.size(), S_IRUSR | S_IWUSR);
+  const int error = host::replaceFile(path, bytes.data(), bytes.size(), host::c_modeOfNewDocument);
   if (error) {
     throw failureAt(path, exitFile, std::string("cannot be written: ") + std::strerror(error),
                     "check that you may write there and that there is free space");

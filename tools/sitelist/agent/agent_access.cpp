@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-// A path that nothing can be below.
+// A path that cannot be a directory.
 constexpr const char* c_noDirectory = "/dev/null";
 
 host::AgentSettings settingsOf(const Context& context) {

@@ -25,18 +25,19 @@ void serveAgent(const Context& context);
 // Fails when the agent of the command line has no password key.
 void requirePasswordKey(const Context& context);
 
-// Makes the agent of the command line the current agent, for work on files that are not its own.
-// The settings and the password key are those of the agent, but its locks and its mesh service are
-// not used. Nothing is created in its data directory, which need not exist.
+// Makes the agent of the command line the current agent, for work on files that do not belong to
+// it. The settings and the password key are those of the agent, but its locks and its mesh service
+// are not used. Nothing is created in its data directory, which need not exist.
 void serveDetachedAgent(const Context& context);
 
 // Makes the process serve no agent. The settings are the defaults, and the key decrypts nothing.
 void serveNoAgent(const Context& context);
 
-// Sets the current agent for a command that reads a list. For the agent's own list it is the real
-// agent, under the lock of the list. For another file it is the detached agent, and also if the own
-// list has passwords and the password key is missing: the read would create another key. An empty
-// file name means the agent's own list.
+// Sets the current agent for a command that reads a list. An empty file name means the agent's own
+// list. This list is read with the real agent, under the lock of the list. If it has passwords and
+// the password key is missing, it is read with the detached agent, because the real agent would
+// create another key. A named file is read with the detached agent, even if it is the agent's own
+// list.
 class AgentForReading {
  public:
   AgentForReading(const Context& context, const std::string& file, ListUse use = ListUse::Read);

@@ -7,7 +7,8 @@
 
 namespace tool {
 
-// Both write the list to a temporary file and remove the file. They fail when it cannot be written.
+// Each function below writes the list to a temporary file and removes the file. It fails when the
+// file cannot be written.
 
 // Returns the list that a read would give after `list` was written. It can differ from `list`. The
 // result has the path of `list`.

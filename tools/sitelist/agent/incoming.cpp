@@ -79,7 +79,7 @@ Failure refusal(const std::string& file, int code) {
   return Failure(exitNegative, text, c_fixErrors, {file, code});
 }
 
-// The library stops at this fault. A checked import reports the other errors, too.
+// The library stops at this fault. A checked import also reports the other errors.
 Failure unknownSiteFailure(const IncomingOptions& options) {
   const Failure last = lastSiteFailure(options.file);
   std::string others;

@@ -5,16 +5,16 @@
 
 namespace tool {
 
-// Returns a new name for a scratch directory that nobody can predict.
+// Returns a new, unpredictable name for a scratch directory.
 std::string makeScratchName();
 
-// Removes a directory with all that it holds. Follows no symbolic link, and leaves what belongs to
-// another user than the directory.
+// Removes a directory with all that it holds. Follows no symbolic link. Does not remove directories
+// that belong to another user than this one, or their content.
 void removeScratchDirectory(const std::string& path);
 
-// Removes the scratch directories in `parent` that no living process has locked. One is removed
-// only if its owner could remove it as well: it belongs to the owner of `parent` or, where nobody
-// can rename the directories of others, to the effective user.
+// Removes the scratch directories in `parent` that no living process has locked. A directory is
+// removed only if it belongs to the owner of `parent`, or if it belongs to the effective user and
+// `parent` has the sticky bit.
 void removeLeftOverScratchDirectories(const std::string& parent);
 
 }  // namespace tool

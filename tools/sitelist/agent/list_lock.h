@@ -21,10 +21,10 @@ enum class ListUse { Read, ReadCached, Change };
 //
 // The lock of the agent's own list is the agent's "SiteListLock". The load command runs without it.
 // Any other list is locked through its directory. It is also locked with the agent's lock if the
-// user may use the lock files. Only a change locks any other list, because a read finds one
-// complete list without a lock.
+// user may use the lock files. Its directory is locked only for a change. A read needs no such
+// lock, because lists are replaced atomically.
 //
-// A change of the agent\'s own list puts the old list into the history.
+// A change of the agent's own list puts the old list into the history.
 class ListLock {
  public:
   // Makes the agent of the lock the current agent. An empty file name means the agent's own list.
@@ -33,9 +33,9 @@ class ListLock {
   // the library logs that and reads the list.
   ListLock(const Context& context, const std::string& file, ListUse use);
 
-  // Fails when a named file was changed after the lock was taken. That is possible for a program
-  // that does not take the lock, and in a directory that cannot be locked. Must be called before
-  // the file is written.
+  // Fails when a named file was changed after the lock was taken. A program that does not take the
+  // lock can change the file. Any program can change it if the directory cannot be locked. Must be
+  // called before the file is written.
   void requireUnchanged() const;
 
  private:
@@ -54,7 +54,7 @@ class ListLock {
   std::optional<host::LockHold> m_listHold;
   std::optional<KeptList> m_kept;  // under the lock
   host::DirectoryLock m_directory;
-  std::optional<std::string> m_state;  // of a named file for a change
+  std::optional<std::string> m_state;  // of the file before a change, if it is not the own list
 };
 
 // Returns the directory of the file, after links. The file need not exist.

@@ -63,7 +63,7 @@ EncryptionObject makeEncryptionObject() {
       korvel_com::ZQ::crypto::ENCRYPTION_TYPE_PASSWORD));
 }
 
-// Says of a password element, which is not empty, whether it is of the sort that is looked for.
+// Returns whether a search includes a password element. The element is not empty.
 using IsWanted = std::function<bool(const Element& password, const std::wstring& text)>;
 
 bool holdsPassword(const Element& site, const IsWanted& isWanted) {
@@ -125,7 +125,7 @@ int passwordKeyError(const std::string& dataDirectory) {
   return -host::fileSystem().stat(AT_FDCWD, passwordKeyPath(dataDirectory), false, status);
 }
 
-// The crypto service creates a key that is missing, which would open nothing.
+// The crypto service would create a missing key, and the new key could not decrypt the password.
 bool opensWithAgentKey(const std::wstring& protectedText) {
   if (passwordKeyError(host::agent().dataDirectory) == ENOENT) return false;
   const EncryptionObject object = makeEncryptionObject();

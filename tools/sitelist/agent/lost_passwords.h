@@ -10,7 +10,8 @@ class Document;
 
 namespace tool {
 
-// The file of an agent's password key, and 0 or the errno of looking at it.
+// passwordKeyPath returns the path of an agent's password key. passwordKeyError returns 0, or the
+// errno if the key file cannot be examined.
 std::string passwordKeyPath(const std::string& dataDirectory);
 int passwordKeyError(const std::string& dataDirectory);
 
@@ -18,24 +19,24 @@ int passwordKeyError(const std::string& dataDirectory);
 // missing.
 bool canEncryptWithAgentKey();
 
-// Each gives the sites with passwords of some sort in words: `site "Depot"`, "the proxy settings".
-// A file that is not a document has none.
+// Each function below finds the passwords that its comment describes and returns their sites as
+// texts: `site "Depot"` or `the proxy settings`. A file that is not a document has none.
 
-// The passwords that the key of the current agent does not open. The reader gives such a password
-// as an empty one.
+// Passwords that cannot be decrypted with the password key of the current agent. The library reads
+// such a password as empty.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
 std::vector<std::string> sitesWithLostPasswords(const AdvXMLParser::Document& document);
-// The same, but only passwords that `before` does not have in the same protected form.
+// The same, without the passwords whose encrypted text is also in `before`.
 std::vector<std::string> sitesWithNewLostPasswords(const std::string& path,
                                                    const std::string& before);
-// The passwords of a server list that the keys of the current agent do not open.
+// Passwords of a server list that cannot be decrypted with the keys of the current agent.
 std::vector<std::string> sitesWithLostServerPasswords(const AdvXMLParser::Document& document);
-// Any password that is not empty.
+// Passwords that are not empty.
 std::vector<std::string> sitesWithPasswords(const std::string& path);
 std::vector<std::string> sitesWithPasswords(const AdvXMLParser::Document& document);
 
-// Warns of the passwords of `path` that were just read as empty because the key of the current
-// agent does not open them, if any were.
+// Warns if passwords of `path` were read as empty because they cannot be decrypted with the
+// password key of the current agent.
 void warnOfUnreadPasswords(const std::string& path, bool isOwnList);
 
 }  // namespace tool

@@ -5,9 +5,10 @@
 
 namespace tool {
 
-// Writes the agent's own list as the mesh copy and runs the load command, for a change that the
-// library does not tell the mesh service of. Serves the agent. The caller holds the lock of the
-// list; the load command runs without it. The list has been changed, so a failure is only reported.
+// Writes the agent's own list as the mesh copy and runs the load command, for changes after which
+// the library does not do this. Makes the agent of the command line the current agent. The caller
+// holds the lock of the list; the load command runs without it. The list has been changed, so a
+// failure is only reported.
 void updateMeshCopy(const Context& context);
 
 }  // namespace tool

@@ -5,7 +5,7 @@ namespace tool {
 
 // If standard input is a terminal, asks for a password there and hides what is typed, for the life
 // of the object. A signal that ends or stops the program restores the terminal first. When a
-// stopped program continues, it asks again. There must be one object at a time.
+// stopped program continues, it asks again. Only one object may exist at a time.
 class NoEcho {
  public:
   NoEcho();

@@ -12,10 +12,10 @@ namespace tool {
 
 void addAllowLostPasswords(Command& command, bool& isAllowed);
 
-// Decides about passwords that a command would lose. The library writes a password as an empty one
-// if it cannot decrypt or encrypt it. Each function fails with exitCrypto before such a write,
-// unless --allow-lost-passwords is given. The caller must hold the lock of the list until it has
-// written. A document that cannot be parsed has no passwords here.
+// Checks whether a command would lose passwords. The library writes a password as an empty one if
+// it cannot decrypt or encrypt it. Each function fails with exitCrypto before such a write, unless
+// --allow-lost-passwords is given. The caller must hold the lock of the list until it has written.
+// A document that cannot be parsed counts as one without passwords.
 class PasswordCheck {
  public:
   PasswordCheck(const Context& context, bool isLossAllowed);
@@ -23,16 +23,19 @@ class PasswordCheck {
   // For a command that creates the password key if it is missing. Fails if the key is missing and
   // the agent's own list has passwords: the new key would not decrypt them.
   void requireKeyOfOwnList() const;
-  // For passwords that are decrypted, and encrypted again when they are written.
+  // For a list whose passwords are decrypted and then encrypted again. Fails if one cannot be
+  // decrypted.
   void requireEncryptable(const std::string& path);
   void requireEncryptable(const Input& input);
   // The same for passwords that the management server has encrypted.
   void requireFromServer(const Input& input);
-  // For a file that takes the place of `before` with the encrypted passwords as they are. `name` is
-  // the file that they come from.
+  // For a file that replaces `before` and keeps the encrypted passwords unchanged. Fails if it has
+  // a password that `before` does not have and that cannot be decrypted. `name` is the file that
+  // the passwords come from.
   void requireCopied(const std::string& path, const std::string& before, const std::string& name);
 
-  // Warns of each password that is lost because that is allowed, and of a key that was created.
+  // Warns of each lost password, and of a new password key. Passwords can be lost only with
+  // --allow-lost-passwords.
   void warn(bool isDryRun) const;
 
  private:

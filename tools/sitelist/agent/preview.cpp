@@ -22,7 +22,7 @@ namespace {
 using sitehlp::CSitesHelper;
 using sitehlp::tag_Site;
 
-// The place of the list and of its files.
+// The paths that an import writes: the agent's own list and the directory of the key files.
 struct Target {
   std::string ownList;
   std::string directory;

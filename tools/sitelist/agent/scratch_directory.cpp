@@ -35,7 +35,7 @@ bool exists(const std::string& path) {
 SignalsBlocked::SignalsBlocked() {
   sigset_t blocked;
   sigfillset(&blocked);
-  // A fault of the program is no reason to wait, and a terminal may stop it.
+  // Signals for faults of the program take effect at once, and a terminal may stop the program.
   for (const int signal : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGTRAP, SIGSYS, SIGTSTP,
                            SIGTTIN, SIGTTOU, SIGCONT}) {
     sigdelset(&blocked, signal);
@@ -60,8 +60,8 @@ ScratchDirectory::ScratchDirectory(const std::string& parent, const std::string&
                   advice);
 }
 
-// EAGAIN when another process took the new directory for a left-over one before it was locked.
-// Where directories cannot be locked, nobody can take it for one.
+// Returns EAGAIN if another process removed the new directory as a left-over one before it was
+// locked. If directories cannot be locked, no process removes it.
 int ScratchDirectory::create(const std::string& parent) {
   m_path = parent + "/" + makeScratchName();
   const int error = host::makeDirectory(m_path, S_IRWXU);

@@ -9,8 +9,8 @@
 
 namespace tool {
 
-// Blocks the signals that end a program from outside, for the life of the object. One that comes
-// meanwhile takes effect afterwards.
+// Blocks the signals that end a program from outside, for the life of the object. A signal that
+// arrives during this time takes effect afterwards.
 class SignalsBlocked {
  public:
   SignalsBlocked();
@@ -24,9 +24,10 @@ class SignalsBlocked {
 
 // A new directory for drafts, for the effective user alone. It is removed with all its content when
 // the object ends, and no signal except SIGKILL prevents that. It stays locked as long as its
-// process lives. The next one in the same place removes those whose process has ended.
+// process lives. A new ScratchDirectory in the same parent removes the directories of processes
+// that have ended.
 //
-// Nothing that may wait for another process must be done meanwhile.
+// While the object exists, the caller must not wait for another process.
 class ScratchDirectory {
  public:
   // In the system's directory for temporary files. Fails when it cannot be created.

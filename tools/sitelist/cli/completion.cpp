@@ -23,7 +23,8 @@ std::string brief(const std::string& help) {
 // Returns whether the word is only the first part of a value.
 bool isOpen(const std::string& word) { return word.back() == '=' || word.back() == '.'; }
 
-// Returns whether there are words with the prefix `typed`, and all of these are open.
+// Returns whether at least one word has the prefix `typed`, and every such word is only the first
+// part of a value.
 bool areOpen(const std::vector<std::string>& words, const std::string& typed) {
   bool areThere = false;
   for (const std::string& word : words) {

@@ -6,8 +6,7 @@
 
 namespace tool {
 
-// More than the limit of the library on a document, so that the library reports a document over its
-// limit.
+// Greater than the library's limit, so that the library itself reports a document over its limit.
 constexpr std::size_t c_maxInputBytes = std::size_t{128} << 20;
 
 // A document that is passed to the library in memory.

@@ -24,8 +24,8 @@ bool isOutputTerminal();
 enum class ColorChoice { Auto, Always, Never };
 
 // Returns the properties of standard output. The width is limited only on a terminal. `choice`
-// determines the colour. With Auto there is colour only on a terminal, and only if NO_COLOR is
-// unset or empty.
+// determines the colour. With Auto there is colour only on a terminal, and not if NO_COLOR is set
+// and not empty, or if TERM is "dumb".
 Screen standardOutput(ColorChoice choice);
 
 }  // namespace tool

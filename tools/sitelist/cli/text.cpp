@@ -22,13 +22,13 @@ bool isHarmful(wchar_t c) {
          (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }
 
-// The soft hyphen, spaces without a width and the invisible operators: with them two texts that
-// differ look the same.
+// The soft hyphen, spaces without a width and the invisible operators. Texts that differ only in
+// these look the same.
 bool isInvisible(wchar_t c) {
   return c == 0xAD || c == 0x200B || (c >= 0x2060 && c <= 0x2064) || c == 0xFEFF;
 }
 
-// Whether the text has something there that looks like an escape of printable().
+// Returns whether the text at `at` looks like an escape of printable().
 bool isLikeEscape(const std::wstring& text, std::size_t at) {
   constexpr std::size_t c_length = 6;
   return text.compare(at, 2, L"\\u") == 0 && at + c_length <= text.size() &&

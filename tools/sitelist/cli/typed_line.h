@@ -23,8 +23,8 @@ class TypedLine {
   const std::vector<const CommandInfo*>& commands() const { return m_commands; }
   // Returns the option whose value is the next word, or null.
   const OptionInfo* waiting() const { return m_waiting; }
-  // Returns the argument that the next word is if it is not an option. Returns null if no argument
-  // is left.
+  // If the next word is not an option, returns the argument to which it belongs. Returns null if no
+  // argument is left.
   const OptionInfo* argument() const;
   // Returns whether the next word may be a command.
   bool takesCommand() const { return m_place == 0 && !m_areOptionsOver; }

@@ -22,7 +22,8 @@ struct DiffOptions {
   bool showSecrets = false;
 };
 
-// Passwords that cannot be compared may be the same: that the lists do not differ is not known.
+// Passwords that cannot be compared may differ. Without another difference it is then not known
+// whether the lists differ.
 int reportIncomparable(const Diff& result, const DiffOptions& options) {
   const std::size_t count = result.incomparable();
   const std::string text = std::to_string(count) + (count == 1 ? " password" : " passwords") +

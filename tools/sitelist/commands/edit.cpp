@@ -111,7 +111,8 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
   }
   Password password;
   password.read(options.passwordFile);
-  // The key of the real agent is needed, because a private agent's key would be removed with it.
+  // The password must be encrypted with the agent's real password key. If the key file is missing,
+  // a detached agent would use a random key.
   serveAgent(context);
   const PasswordCheck passwords(context, options.list.allowLostPasswords);
   passwords.requireKeyOfOwnList();

@@ -30,7 +30,7 @@ struct InitOptions {
   bool managed = false;
   bool hasMeshCommand = false;
   std::string meshPath;
-  std::string owner;  // empty for the owner that a new directory has
+  std::string owner;  // empty: the owner is not changed
 };
 
 Failure cannotMake(const std::string& path, const std::string& reason) {
@@ -134,7 +134,7 @@ void addInit(Command& app, Context& context) {
           "another user.")
       .type_name("USER")
       .not_empty();
-  // What follows the program was taken off the command line before; see Context::meshCommand.
+  // main() has already moved the words after this option to Context::meshCommand.
   command
       .add_flag("--mesh-command", options->hasMeshCommand,
                 "Command that makes the mesh service load the mesh copy:\n"

@@ -71,7 +71,7 @@ std::string modifyCopy(const ScratchDirectory& scratch, const ModifyOptions& opt
   return copy;
 }
 
-// Compares with a copy.
+// Shows the changes: modifies a copy of the list and compares it with the list.
 int previewModify(Context& context, const ModifyOptions& options) {
   const std::string ownList = ownListPath(context);
   serveDetachedAgent(context);

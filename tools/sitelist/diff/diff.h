@@ -17,8 +17,9 @@ struct FileChange {
   std::string change;  // "added", "changed", "removed" or "unchanged"
 };
 
-// The differences between two lists. Two passwords of which one is in `unread` are the same if
-// their encrypted texts are. Otherwise they cannot be compared, which is a row, but no difference.
+// The differences between two lists. Two passwords in `unread` are the same if their encrypted
+// texts are the same. Any other pair with a password in `unread` gives a row that isEmpty() does
+// not count as a difference.
 class Diff {
  public:
   Diff(const SiteList& before, const SiteList& after, bool showSecrets,

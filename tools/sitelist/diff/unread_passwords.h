@@ -12,8 +12,9 @@ namespace tool {
 // The encrypted texts of passwords, by record and name of the field.
 using EncryptedPasswords = std::map<std::pair<const sitehlp::tag_Site*, std::string>, std::wstring>;
 
-// The passwords of the list that cannot be decrypted with the password key of the agent that is
-// served. Their records have them as empty. Fails when the file no longer is the list.
+// Returns the passwords of the list that the password key of the current agent does not decrypt.
+// They are empty in the records of the list. Fails when the file was changed after the list was
+// read.
 EncryptedPasswords unreadPasswordsOf(const SiteList& list);
 
 }  // namespace tool

@@ -15,7 +15,7 @@ struct Outcome {
   std::string already;
 };
 
-// Each function makes one edit. If it fails, it has changed nothing.
+// Each function makes one edit. If a function fails, the list must not be written.
 Outcome enableSite(ListEditor& list, const SiteName& name, bool isEnabled);
 Outcome setFields(ListEditor& list, const SiteName& name,
                   const std::vector<std::string>& assignments, const GivenPassword& password);

@@ -14,7 +14,7 @@ namespace tool {
 struct EditOptions {
   std::string file;  // empty for the agent's own list
   bool dryRun = false;
-  bool force = false;  // writes a list with new faults, too
+  bool force = false;  // writes the list even if the edit adds faults
   bool allowLostPasswords = false;
 };
 

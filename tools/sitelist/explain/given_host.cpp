@@ -30,7 +30,7 @@ void checkPort(const std::string& given, const std::string& port) {
   if (number < 1 || number > c_maxPort) refuse(given, "its port is not a number from 1 to 65535");
 }
 
-// Without the scheme, the user, the path and what follows it.
+// Returns the host and port of a URL, or any other text unchanged. Fails for an unknown scheme.
 std::string authorityOf(const std::string& given, bool& isFtp) {
   const std::size_t mark = given.find("://");
   if (mark == std::string::npos) return given;
@@ -44,7 +44,7 @@ std::string authorityOf(const std::string& given, bool& isFtp) {
   return authority.substr(authority.rfind('@') + 1);
 }
 
-// Without the port.
+// Returns the host without its port. Checks the port.
 std::string hostIn(const std::string& given, const std::string& authority) {
   if (isIpv6(authority)) return "[" + authority + "]";
   const std::size_t bracket = authority.rfind(']');

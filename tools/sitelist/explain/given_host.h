@@ -11,8 +11,8 @@ struct GivenHost {
   bool isFtp = false;  // of an ftp URL
 };
 
-// Takes HOST, HOST:PORT and a URL apart. The port and the rest of a URL are checked and left out,
-// because the choice of a proxy does not depend on them. Fails for what is none of these.
+// Gets the host from HOST, HOST:PORT or a URL. The port is checked. The result has no port and no
+// path, because the choice of a proxy does not depend on them. Fails for any other text.
 GivenHost parseHost(const std::string& given);
 
 }  // namespace tool

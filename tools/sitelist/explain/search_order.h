@@ -15,8 +15,8 @@ struct SearchPlace {
   std::string reason;  // printable
 };
 
-// Returns the repositories of a list: first those that the agent tries, in their order, then the
-// others.
+// Returns the sites of a list without the proxies: first those that the agent tries, in search
+// order, then the others.
 std::vector<SearchPlace> searchOrder(const sitehlp::tag_Site* list);
 
 }  // namespace tool

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-// What the name of a copy begins with until the command has ended.
+// The first part of the name of a copy until the command has ended.
 constexpr const char* c_pending = "pending";
 constexpr const char* c_suffix = ".xml";
 constexpr mode_t c_directoryMode = 0750;
@@ -48,7 +48,7 @@ std::string nameOf(const HistoryEntry& entry) {
   return nameOf(std::to_string(entry.number), entry.time, entry.command);
 }
 
-// The parts of such a name; false for another name.
+// Gets the parts of such a name. Returns false for any other name.
 bool takeApart(const std::string& name, std::string& front, HistoryEntry& entry) {
   constexpr std::size_t timeLength = std::char_traits<char>::length("20261122T140512Z");
   const std::size_t suffix = std::strlen(c_suffix);
@@ -106,8 +106,9 @@ Copies copiesOf(const std::string& list) {
   return copies;
 }
 
-// A copy that a killed command left is an entry if the command replaced the list. One that equals
-// the newest entry was left while it became that entry.
+// A pending copy that a killed command left is an entry if the command replaced the list. If it
+// equals the newest entry, it is not a further entry: the command was killed after it had written
+// that entry.
 bool isEntry(const Copies& copies, const std::string& present) {
   std::string bytes;
   return copies.pending && readBytes(copies.pending->path, bytes) && bytes != present &&
@@ -120,7 +121,8 @@ int write(const std::string& path, const std::string& like, const std::string& b
   return host::replaceFile(path, bytes.data(), bytes.size(), status.st_mode & c_mostOfFileMode);
 }
 
-// Makes the pending copy an entry. A process that is killed meanwhile leaves both.
+// Makes the pending copy an entry. A process that is killed in between leaves the pending copy and
+// the entry.
 int promote(const HistoryEntry& pending) {
   std::string bytes;
   if (const int error = host::readRegularFile(pending.path, c_maxInputBytes, bytes)) return error;

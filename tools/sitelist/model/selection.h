@@ -25,7 +25,7 @@ void requireFilterKeys(const Selection& selection);
 std::vector<const sitehlp::tag_Site*> select(const sitehlp::tag_Site* list,
                                              const Selection& selection);
 
-// Sorts sites by the search order. Sites without a place in it come last.
+// Sorts sites by the search order. Mirrors without an order come last.
 void sortBySearchOrder(std::vector<const sitehlp::tag_Site*>& sites);
 
 // Returns the names of all columns: those of the table format, then the fields.

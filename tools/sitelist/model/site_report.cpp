@@ -69,7 +69,7 @@ Record listFacts(const SiteList& list) {
           {"fipsMode", list.fipsMode ? Scalar(narrow(*list.fipsMode)) : Scalar()}};
 }
 
-// A mirror has no place in the search order.
+// A mirror without an order has an empty cell.
 std::wstring orderOf(const tag_Site& site) {
   if (site.bMirror && site.iOrder == 0) return L"";
   return site.iOrder == c_orderOfFallback ? L"last" : std::to_wstring(site.iOrder);

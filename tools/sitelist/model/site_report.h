@@ -23,7 +23,8 @@ const std::vector<std::string>& siteFieldNames();
 // Returns the facts about the list as a whole.
 Record listFacts(const SiteList& list);
 
-// Columns of the table format that are not fields: order, address and path of a site.
+// Texts for the table format: order, address and path of a site. The order is empty for a mirror
+// without an order, and "last" for 65535.
 std::wstring orderOf(const sitehlp::tag_Site& site);
 std::wstring addressOf(const sitehlp::tag_Site& site);
 std::wstring pathOf(const sitehlp::tag_Site& site);

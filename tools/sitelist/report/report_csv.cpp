@@ -7,7 +7,7 @@
 namespace tool {
 namespace {
 
-// The very text, quoted as RFC 4180 says. A terminal gets its printable form.
+// The unchanged text, quoted as RFC 4180 says. A terminal gets its printable form.
 std::string cell(const std::string& raw) {
   const std::string text = isOutputTerminal() ? shown(raw) : narrow(wide(raw));
   if (text.find_first_of("\",\r\n") == std::string::npos) return text;

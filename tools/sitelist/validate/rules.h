@@ -8,8 +8,8 @@
 
 namespace tool {
 
-// Because of an error the agent refuses the list. Despite a warning it accepts the list, but
-// probably reads it differently than intended.
+// Error: the agent refuses the list. Warning: the agent accepts the list, but probably reads it
+// differently than intended.
 enum class Severity { Error, Warning };
 
 // A condition on a list. Names must not change in later releases.

@@ -44,7 +44,7 @@ class SiteChecks {
  public:
   explicit SiteChecks(Faults& faults) : m_faults(faults) {}
 
-  // `isComplete`: other rules require a name and an address.
+  // If `isComplete` is set, the rules for the management server check the name and the address.
   void check(const PlacedElement& site, const std::string& kind, bool isComplete) {
     const std::wstring name = cut(site.attribute(WX_XML_SITE_NAME));
     if (name.empty()) {

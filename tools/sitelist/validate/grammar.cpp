@@ -84,7 +84,7 @@ Values reservedAttributes() {
   return {{WX_XML_SITE_ID, ValueType::Unread}, {WX_XML_SERVER_PORT, ValueType::Unread}};
 }
 
-ElementGrammar grammarOf(const NamedKind& kind) {
+ElementGrammar grammarOfKind(const NamedKind& kind) {
   const Values replication = {{WX_XML_HTTPSITE_REPLICATION_UNC, ValueType::Unread},
                               {WX_XML_SITE_REPLICATION_USER_NAME, ValueType::Unread},
                               {WX_XML_SITE_REPLICATION_DOMAIN_NAME, ValueType::Unread},
@@ -136,7 +136,7 @@ std::vector<ElementGrammar> makeGrammars() {
        {},
        {{WX_XML_PROXY_EXCLUSIONHOST, ValueType::Elements}}},
   };
-  for (const NamedKind& kind : c_kinds) grammars.push_back(grammarOf(kind));
+  for (const NamedKind& kind : c_kinds) grammars.push_back(grammarOfKind(kind));
   return grammars;
 }
 

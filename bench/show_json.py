@@ -105,7 +105,7 @@ def proxy(element, child):
         "allowUserToConfigureProxy": number(child("AllowUserToConfigureProxy")) != 0,
         "bypassLocalAddress": number(child("BypassLocalAddress")) != 0,
         "exclusionCount": len(hosts),
-        "exclusionList": ";".join(hosts),
+        "exclusionList": hosts,
     }
     for kind, server in (("Http", http_server), ("Ftp", ftp_server)):
         lower = kind.lower()
@@ -146,9 +146,11 @@ def site(element):
 def main(path):
     root = ElementTree.parse(path).getroot()
     document = {
-        "schema_version": 1,
+        "schema_version": 2,
         "command": "show",
         "status": 0,
+        "changed": False,
+        "warnings": [],
         "file": path,
         "globalVersion": root.get("GlobalVersion", ""),
         "localVersion": root.get("LocalVersion", ""),

@@ -226,7 +226,7 @@ inline constexpr auto c_proxyFields = std::tuple{
           "Number of hosts that bypass the proxy."),
     field("exclusionList", &fields::xml::WX_XML_PROXY_EXCLUSIONLIST, FieldPlace::ExclusionHosts,
           FieldForm::Hosts, &tag_ProxySite::szExclusionList, Written::Always, L"", 2,
-          "Hosts that bypass the proxy, separated by semicolons."),
+          "Hosts that bypass the proxy."),
     fields::proxyFlag("ftpUseAuth", &fields::xml::WX_XML_PROXY_FTP_USEAUTH,
                       &tag_ProxySite::bFtpUseAuth, 4,
                       "Whether the FTP proxy needs user name and password."),

@@ -1,21 +1,13 @@
-#include <map>
-
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
 #include "sitehlp/common/process_state.h"
+#include "sitehlp/query/servers_by_order.h"
 #include "sitehlp/read/smart_read.h"
 #include "sitehlp/records/record.h"
 #include "sitehlp/sites_helper.h"
 
 namespace sitehlp {
 namespace {
-
-// Returns an IPv6 literal without its brackets.
-std::wstring plainAddress(const wchar_t* text) {
-  const std::wstring address = text;
-  if (address.find(L'[') == std::wstring::npos) return address;
-  return address.size() < 2 ? std::wstring() : address.substr(1, address.size() - 2);
-}
 
 // Copies the management servers of the list that SmartReadSiteList returns.
 int readServers(CSitesHelper& helper, ListOwner& servers) {
@@ -44,12 +36,8 @@ int CSitesHelper::GetPYXServerInfo(std::wstring& names, std::wstring& servers,
     output->clear();
   }
   port = 0;
-  std::map<std::int32_t, const tag_Site*> byOrder;
-  for (const tag_Site* site = chain.get(); site; site = site->pNext) {
-    byOrder.emplace(site->iOrder, site);
-  }
   bool isFirst = true;
-  for (const auto& [order, site] : byOrder) {
+  for (const auto& [order, site] : sitesByOrder(chain.get())) {
     if (!isFirst) {
       for (std::wstring* output : {&names, &servers, &serverIPs, &netbiosNames, &versions}) {
         output->append(c_proxyParamDelimiter);

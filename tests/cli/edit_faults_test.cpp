@@ -106,7 +106,7 @@ TEST_F(CliEditFaults, OfAServersKeyFilesAreThoseBesideTheList) {
   EXPECT_THAT(faultOf({"set", "Main", "version=5.9"}), HasSubstr("server-request-key: "));
   write("agent/etc/reqseckey.bin", "key");
   write("agent/etc/srpubkey.bin", "key");
-  EXPECT_THAT(change({"set", "Main", "version=5.9"}), Not(HasSubstr("warning")));
+  EXPECT_THAT(change({"set", "Main", "version=5.9"}), Not(HasSubstr("adds a fault")));
   const std::string copy = write("lists/list.xml", document(serverSite({{"Version", "5.9"}})));
   const Output output =
       shell("cd lists && \"$0\" --agent-dir ../agent edit --file list.xml disable Main");

@@ -3,12 +3,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+
+#include "tests/cli/json_report.h"
 
 namespace test {
 namespace {
 
-using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -60,16 +60,7 @@ std::string CliEdit::fail(int status, const Arguments& arguments, const std::str
 }
 
 std::vector<std::map<std::string, std::string>> CliEdit::sites() {
-  const Output output = sitelist({"show", "--json", "--show-secrets"});
-  std::vector<std::map<std::string, std::string>> sites;
-  const json list = json::parse(output.out);
-  for (const json& entry : list["sites"]) {
-    sites.emplace_back();
-    for (const auto& [name, value] : entry.items()) {
-      sites.back()[name] = value.is_string() ? value.get<std::string>() : value.dump();
-    }
-  }
-  return sites;
+  return readReport(sitelist({"show", "--json", "--show-secrets"}).out).rows;
 }
 
 std::map<std::string, std::string> CliEdit::site(const std::string& name) {

@@ -25,7 +25,7 @@ class CliEdit : public CliTest {
   std::string fail(int status, const Arguments& arguments, const std::string& input = "");
 
   // Returns the sites of the agent's list in its order. Each has its fields and its "kind" by name.
-  // Texts are unchanged, numbers are decimal, and flags are "true" or "false". Passwords are clear.
+  // The values are those of JsonReport. Passwords are clear.
   std::vector<std::map<std::string, std::string>> sites();
   // Returns the first site with that name.
   std::map<std::string, std::string> site(const std::string& name);

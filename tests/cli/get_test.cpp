@@ -123,8 +123,8 @@ TEST_F(CliGet, WarnsThatAPasswordCannotBeDecrypted) {
   const Output output = sitelist({"get", "password", path, "--site", "depot"});
   EXPECT_EQ(output.status, 0);
   EXPECT_EQ(output.out, "\n");
-  EXPECT_EQ(output.err, "sitelist: " + path +
-                            ": warning: 2 passwords cannot be decrypted with the password key and "
+  EXPECT_EQ(output.err, "sitelist: warning: " + path +
+                            ": 2 passwords cannot be decrypted with the password key and "
                             "are read as empty\n"
                             "  next: name the agent that the list belongs to with --agent-dir\n");
   EXPECT_EQ(sitelist({"get", "server", path, "--site", "depot"}).err, "") << "not asked for";

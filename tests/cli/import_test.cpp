@@ -85,9 +85,10 @@ TEST_F(CliImport, PassesOnTheLibrarysWarnings) {
                                  "</Policies>"));
   const Output output = sitelist({"import", path});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr(path + ": warning: the next list from the management server "
-                                           "will overwrite this one (policy setting "
-                                           "\"OverwriteClientSites\")\n"));
+  EXPECT_THAT(output.err, HasSubstr("sitelist: warning: " + path +
+                                    ": the next list from the management server "
+                                    "will overwrite this one (policy setting "
+                                    "\"OverwriteClientSites\")\n"));
 }
 
 TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
@@ -96,8 +97,9 @@ TEST_F(CliImport, SaysThatTheMeshServiceWasNotReached) {
   EXPECT_EQ(output.status, 0);
   EXPECT_THAT(
       output.err,
-      HasSubstr("sitelist: Mesh service load command /bin/sh failed: it ended with status 3\n"
-                "  next: run the command by hand; the log has its output\n"));
+      HasSubstr(
+          "sitelist: warning: Mesh service load command /bin/sh failed: it ended with status 3\n"
+          "  next: run the command by hand; the log has its output\n"));
   EXPECT_THAT(output.err, Not(HasSubstr("Load new sitelist command failed.")));
 }
 

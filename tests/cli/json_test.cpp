@@ -125,5 +125,51 @@ TEST_F(CliJson, IsOneObjectAlsoWhenTheListCannotBeRead) {
   EXPECT_EQ(json::parse(missing.out)["result"], -4);
 }
 
+// In a table and in CSV they are one text.
+TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
+  initAgent();
+  const std::string proxy =
+      "<ProxyConfigList><ProxyConfig Name=\"p\"><HttpProxyServer>proxy.example</HttpProxyServer>"
+      "<ExclusionList><ExclusionHost>a</ExclusionHost><ExclusionHost>*.b</ExclusionHost>"
+      "</ExclusionList></ProxyConfig></ProxyConfigList>";
+  const std::string path = write("list.xml", document(proxy));
+  const json hosts = {"a", "*.b"};
+  const auto ask = [&](std::vector<std::string> arguments) {
+    arguments.emplace_back("--json");
+    return json::parse(sitelist(arguments).out);
+  };
+  EXPECT_EQ(ask({"show", path})["sites"][0]["exclusionList"], hosts);
+  EXPECT_EQ(ask({"get", "exclusionList", path, "--site", "p"})["value"], hosts);
+  EXPECT_EQ(ask({"explain", path})["exclusions"], hosts);
+  const std::string none =
+      write("none.xml", document(std::string(proxy).erase(
+                            proxy.find("<ExclusionHost>"),
+                            proxy.find("</ExclusionList>") - proxy.find("<ExclusionHost>"))));
+  EXPECT_EQ(ask({"explain", none})["exclusions"], json::array());
+  for (const json& change : ask({"diff", none, path})["changes"]) {
+    if (change["field"] != "exclusionList") continue;
+    EXPECT_EQ(change["before"], json::array());
+    EXPECT_EQ(change["after"], hosts);
+  }
+  EXPECT_EQ(sitelist({"get", "exclusionList", path, "--site", "p"}).out, "a;*.b\n");
+  EXPECT_THAT(sitelist({"show", path, "--columns", "exclusionList", "--format", "csv"}).out,
+              testing::HasSubstr("\na;*.b\n"));
+}
+
+// A name may have the character that separates them in a table.
+TEST_F(CliJson, GivesEachServerOneValueInEachArray) {
+  initAgent();
+  setOwnList(document(serverSite({{"Name", "b;c"}, {"Order", "2"}, {"ServerIP", "[2001:db8::1]"}}) +
+                      serverSite({{"Name", "a"}, {"Order", "1"}, {"Server", "a.example"}})));
+  const json all = json::parse(sitelist({"servers", "--all", "--json"}).out);
+  EXPECT_EQ(all["names"], json({"a", "b;c"}));
+  EXPECT_EQ(all["servers"], json({"a.example", "pyx.example"}));
+  EXPECT_EQ(all["ipAddresses"], json({"192.0.2.1", "2001:db8::1"}));
+  EXPECT_EQ(all["versions"], json({"", ""}));
+  const json first = json::parse(sitelist({"servers", "--json"}).out);
+  EXPECT_EQ(first["names"], json::array({"a"}));
+  EXPECT_THAT(sitelist({"servers", "--all"}).out, testing::HasSubstr(" a;b;c\n"));
+}
+
 }  // namespace
 }  // namespace test

@@ -162,7 +162,7 @@ TEST_F(CliLostPasswords, ALossThatIsAllowedIsNamedSiteBySite) {
       start(key);
       const Output output = run(command, true);
       EXPECT_EQ(output.status, 0) << output.err;
-      EXPECT_THAT(output.err, HasSubstr(": warning: a password of site \"Vendor\" cannot be "
+      EXPECT_THAT(output.err, HasSubstr(": a password of site \"Vendor\" cannot be "
                                         "decrypted with the password key; it "));
       const bool isMade = key == Key::Missing && exists(keyFile());
       EXPECT_EQ(output.err.find("a new one was created") != std::string::npos, isMade)

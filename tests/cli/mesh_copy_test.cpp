@@ -76,7 +76,7 @@ TEST_F(CliMeshCopy, ThatCannotBeWrittenIsSaidAndTheChangeStays) {
   fs::remove_all(file("agent/mesh"));
   const Output output = sitelist({"edit", "disable", "depot"});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("sitelist: " + meshCopy() +
+  EXPECT_THAT(output.err, HasSubstr("sitelist: warning: " + meshCopy() +
                                     ": the mesh copy could not be written: No such file or "
                                     "directory\n  next: check that its directory exists"));
   EXPECT_THAT(readFile(ownList()), HasSubstr("Enabled=\"0\""));

@@ -150,21 +150,21 @@ TEST_F(CliShow, NeedsNoAgentToReadANamedFile) {
   EXPECT_FALSE(exists(file("agent")));
 }
 
-// Standard output has no warning, and the exit status is 0.
+// The status is that of a list that can be read.
 TEST_F(CliShow, WarnsOncePerListThatPasswordsCannotBeDecrypted) {
   initAgent();
   const std::string good = protectedText("good");
   setOwnList(document(httpSite("kept", "1", good) + httpSite("lost", "2", "foreign")));
   const std::string warning =
-      "sitelist: " + ownList() +
-      ": warning: 1 password cannot be decrypted with the password key and "
-      "is read as empty\n"
+      "sitelist: warning: " + ownList() +
+      ": 1 password cannot be decrypted with the password key and is read as empty\n"
       "  next: restore the agent's password key, or set the passwords again\n";
   for (const char* format : {"table", "json", "csv", "xml"}) {
     const Output output = sitelist({"show", "--format", format});
     EXPECT_EQ(output.status, 0) << format;
     EXPECT_EQ(output.err, warning) << format;
-    EXPECT_THAT(output.out, testing::Not(HasSubstr("decrypt"))) << format;
+    const bool isTold = format == std::string("json") || format == std::string("xml");
+    EXPECT_EQ(output.out.find("decrypt") != std::string::npos, isTold) << format;
   }
   setOwnList(document(httpSite("kept", "1", good)));
   EXPECT_EQ(sitelist({"show"}).err, "");

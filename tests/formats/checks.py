@@ -50,14 +50,22 @@ def check_json(case, text, err, validator):
     error = next(validator.iter_errors(report.document), None)
     if error is not None:
         raise Wrong(f"the schema refuses it: {error.message[:500]}\n{text}")
-    if report.document["status"] != case.status or report.document["schema_version"] != 1:
+    if report.document["status"] != case.status or report.document["schema_version"] != 2:
         raise Wrong(f"the head of the document: {text[:200]}")
+    if report.document["warnings"] != warnings_in(err):
+        raise Wrong(f"standard error warns of {warnings_in(err)}\nbut json of {report.document['warnings']}")
     check_command(case, report)
     check_error(case, report, err)
     for name in case.secrets:
         if canary(name) not in text:
             raise Wrong(f"the password {name} is not told")
     return report
+
+
+def warnings_in(err):
+    """Each text after "sitelist: warning: ", with the lines that belong to it."""
+    found = re.findall(r"^sitelist: warning: ((?:.*\n)(?:  (?!next: ).*\n)*)", err, re.MULTILINE)
+    return [text[:-1] for text in found]
 
 
 def check_command(case, report):

@@ -8,7 +8,10 @@ import re
 import xml.etree.ElementTree as ElementTree
 
 FORMS = ("table", "json", "csv", "xml")
-HEAD = ("schema_version", "command", "status")
+ATTRIBUTES = ("schema_version", "command", "status", "changed")  # of the root element in XML
+HEAD = (*ATTRIBUTES, "warnings")
+# What has several texts in JSON and XML; any other list has rows.
+TEXT_LISTS = ("value", "exclusions", "names", "servers", "ipAddresses", "computerNames", "versions")
 
 # Control characters, and those that turn the direction of writing, break lines or are unseen.
 HARMFUL = re.compile("[\x00-\x1f\x7f-\x9f\xad\u061c\u200b\u200e\u200f\u2028-\u202e\u2060-\u2064\u2066-\u2069\ufeff]")
@@ -22,8 +25,11 @@ class Wrong(Exception):
 
 
 def text_of(value):
+    """A value as it is in a table and in CSV."""
     if isinstance(value, bool):
         return "true" if value else "false"
+    if isinstance(value, list):
+        return ";".join(value)
     return "" if value is None else str(value)
 
 
@@ -39,7 +45,7 @@ class Report:
         self.document = json.loads(text, object_pairs_hook=unique)
         body = {k: v for k, v in self.document.items() if k not in HEAD}
         self.error = body.pop("error", None)
-        lists = [name for name, value in body.items() if isinstance(value, list)]
+        lists = [name for name, value in body.items() if isinstance(value, list) and name not in TEXT_LISTS]
         if len(lists) > 1:
             raise Wrong(f"several lists of rows: {lists}")
         self.rows_name = lists[0] if lists else None
@@ -73,10 +79,22 @@ def differ(form, found, expected):
         raise Wrong(f"{form} says {one} and json {other}")
 
 
+def cell_of(value, cell):
+    """The cell that says this value. In a list, a cell may have more separators than are needed."""
+    if isinstance(value, list) and hosts_in(cell) == hosts_in(text_of(value)):
+        return cell
+    return text_of(value)
+
+
+def hosts_in(cell):
+    return [host for host in cell.split(";") if host]
+
+
 def compare_csv(report, text):
     lines = list(csv.reader(io.StringIO(text, newline=""), strict=True))
     if report.rows_name is None:
-        expected = [["field", "value"]] + [[k, text_of(v)] for k, v in report.facts.items()]
+        cells = {line[0]: line[1] for line in lines if len(line) == 2}
+        expected = [["field", "value"]] + [[k, cell_of(v, cells.get(k, ""))] for k, v in report.facts.items()]
         if not report.facts:
             expected = []
     else:
@@ -84,7 +102,10 @@ def compare_csv(report, text):
         strangers = {key for row in report.rows for key in row} - set(columns)
         if strangers or len(columns) != len(set(columns)):
             raise Wrong(f"csv: not these columns: {columns}, {strangers} missing")
-        expected = [columns] + [[text_of(row.get(c)) for c in columns] for row in report.rows]
+        expected = [columns]
+        for row, cells in itertools.zip_longest(report.rows, lines[1:], fillvalue={}):
+            found = dict(zip(columns, cells))
+            expected.append([cell_of(row.get(c), found.get(c, "")) for c in columns])
     differ("csv", lines, expected)
 
 
@@ -92,10 +113,10 @@ def compare_xml(report, text):
     if not text.isascii():
         raise Wrong("xml: not pure ASCII")
     root = ElementTree.fromstring(text)
-    head = {key: text_of(report.document[key]) for key in HEAD}
+    head = {key: text_of(report.document[key]) for key in ATTRIBUTES}
     if root.tag != "sitelist" or root.attrib != head:
         raise Wrong(f"xml: {root.tag} with {root.attrib} in place of {head}")
-    expected = xml_fields(report.facts)
+    expected = xml_fields({"warnings": report.document["warnings"], **report.facts})
     if report.rows_name is not None:
         expected.append((report.rows_name, [xml_fields(row) for row in report.rows]))
     if report.error is not None:
@@ -107,17 +128,27 @@ def compare_xml(report, text):
                 raise Wrong("xml: rows of several names")
             found.append((child.tag, [fields_of(row) for row in child]))
         else:
-            found.append((child.tag, fields_of(child) if child.tag == "error" else child.text or ""))
+            found.append((child.tag, fields_of(child) if child.tag == "error" else value_of(child)))
     differ("xml", found, expected)
 
 
 def xml_fields(record):
-    fields = ((name, text_of(value)) for name, value in record.items() if value is not None)
-    return [(name, NOT_IN_XML.sub("\ufffd", text)) for name, text in fields]
+    return [(name, xml_value(value)) for name, value in record.items() if value is not None]
+
+
+def xml_value(value):
+    if isinstance(value, list):
+        return [("item", xml_value(text)) for text in value] or ""
+    return NOT_IN_XML.sub("\ufffd", text_of(value))
 
 
 def fields_of(element):
-    return [(child.tag, child.text or "") for child in element]
+    return [(child.tag, value_of(child)) for child in element]
+
+
+def value_of(element):
+    """The text of an element, or its items."""
+    return fields_of(element) if len(element) else element.text or ""
 
 
 def check_harmless(text):

@@ -11,6 +11,7 @@ each form, if anything is. Messages, the same in every form, are in err.
 
 import argparse
 import difflib
+import json
 import os
 import shlex
 import sys
@@ -28,8 +29,11 @@ SOURCE = HERE.parent.parent
 
 
 def run_case(world, case, form):
+    """What the tool printed, where it ran, and whether files are other than before."""
     directory = world.copy(case.agent) if case.writes else world.dir
-    return world.run(["--format", form, *case.arguments], case.stdin, directory), directory
+    before = world.files(directory) if case.writes else {}
+    output = world.run(["--format", form, *case.arguments], case.stdin, directory)
+    return output, directory, case.writes and world.files(directory) != before
 
 
 def folder(case):
@@ -61,11 +65,13 @@ class Run:
         texts = {}
         messages = set()
         for form in case.forms:
-            output, directory = run_case(self.world, case, form)
+            output, directory, has_changed = run_case(self.world, case, form)
             out, err = (checks.normalised(case, text, directory) for text in (output.out, output.err))
             checks.check_output(case, form, output, out, err)
             if any((directory / "tmp").iterdir()) and case.writes:
                 raise forms.Wrong("temporary files are left")
+            if form == "json" and json.loads(output.out)["changed"] != has_changed:
+                raise forms.Wrong(f"files were changed: {has_changed}, json says otherwise")
             texts[form] = out
             messages.add(err)
         if len(messages) != 1:

@@ -43,7 +43,7 @@ def show(report, table):
         if row["kind"] == "proxy":
             numbers = [row[f"{p}ProxyPort"] for p in ("http", "ftp") if row[f"{p}ProxyServer"]]
             texts = [v for k, v in row.items() if isinstance(v, str) and k not in ("kind", "element", "type")]
-            texts = [part for text in texts for part in text.split(";")] + numbers
+            texts += row["exclusionList"] + numbers
             need(table, [shown(text) for text in texts], row["name"])
 
 
@@ -108,14 +108,18 @@ def policies(report, table):
         raise Wrong(f"not {lines}")
 
 
+def texts_of(value):
+    return [shown(text) for text in value] if isinstance(value, list) else [shown(value)]
+
+
 def changes(report, table):
     if not report.rows and "Nothing differs." not in table:
         raise Wrong("the table does not say that nothing differs")
     for row in report.rows:
-        values = [shown(row["before"]), shown(row["after"])]
+        values = [text for side in ("before", "after") for text in texts_of(row[side])]
         if row["section"] == "certificate":
             values = [text[:35] for text in values]
-        if values[0] and values[0] == values[1]:
+        if len(values) == 2 and values[0] and values[0] == values[1]:
             values = [f"{values[0]} -> another"]
         if row["change"] not in ("reordered", "incomparable"):  # one that was changed as well is told as changed
             need(table, [row["change"]], row)

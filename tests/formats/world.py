@@ -102,6 +102,12 @@ class World:
         files = (path for path in self.dir.rglob("*") if path.is_file())
         return {str(path.relative_to(self.dir)): path.read_bytes() for path in files}
 
+    @staticmethod
+    def files(directory):
+        """The files that a command may change, with their content; no locks and no history."""
+        files = (path for path in directory.rglob("*") if path.is_file())
+        return {path: path.read_bytes() for path in files if path.parent.name not in ("locks", "history")}
+
     def remove(self):
         os.close(self.lock)
         shutil.rmtree(self.base)

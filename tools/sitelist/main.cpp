@@ -13,6 +13,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/complete.h"
 #include "tools/sitelist/commands/program.h"
@@ -54,7 +55,8 @@ std::string usableDirectory(const std::string& directory) {
   return path;
 }
 
-void print(const Context& context, const Ending& ending) {
+void print(const Context& context, int status, const Failure* failure) {
+  const Ending ending = {context.command, status, context.changed, warnings(), failure};
   const Report* const report = context.report ? &*context.report : nullptr;
   switch (formatOf(context)) {
     case Format::Json:
@@ -78,7 +80,7 @@ void print(const Context& context, const Ending& ending) {
 }
 
 int fail(const Context& context, const Failure& failure) {
-  print(context, {context.command, failure.status(), &failure});
+  print(context, failure.status(), &failure);
   std::cerr << "sitelist: " << failure.what() << "\n  next: " << failure.advice() << '\n';
   return failure.status();
 }
@@ -99,8 +101,8 @@ int perform(Context& context) {
     recordLog(context.verbose);
     context.waitMilliseconds = parseWait(context.wait);
     const int status = context.action();
-    print(context, {context.command, status, nullptr});
     reportLoggedErrors(true);
+    print(context, status, nullptr);
     return status;
   } catch (const Failure& failure) {
     reportLoggedErrors(false);

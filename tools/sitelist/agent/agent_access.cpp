@@ -87,7 +87,7 @@ void serveNoAgent(const Context& context) {
   serveDetached(context, settings);
 }
 
-AgentForReading::AgentForReading(const Context& context, const std::string& file, ListUse use)
+AgentForReading::AgentForReading(Context& context, const std::string& file, ListUse use)
     : m_path(file.empty() ? ownListPath(context) : file) {
   if (file.empty()) m_lock.emplace(context, file, use);
   if (!file.empty() ||
@@ -96,7 +96,7 @@ AgentForReading::AgentForReading(const Context& context, const std::string& file
   }
 }
 
-AgentForWriting::AgentForWriting(const Context& context, const std::string& file) : m_path(file) {
+AgentForWriting::AgentForWriting(Context& context, const std::string& file) : m_path(file) {
   // Passwords are encrypted with the real password key, so that key must exist.
   serveAgent(context);
   m_lock.emplace(context, file, ListUse::Change);

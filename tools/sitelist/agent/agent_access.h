@@ -40,7 +40,7 @@ void serveNoAgent(const Context& context);
 // list.
 class AgentForReading {
  public:
-  AgentForReading(const Context& context, const std::string& file, ListUse use = ListUse::Read);
+  AgentForReading(Context& context, const std::string& file, ListUse use = ListUse::Read);
 
   // The file to read.
   const std::string& path() const { return m_path; }
@@ -55,7 +55,7 @@ class AgentForReading {
 // key must exist.
 class AgentForWriting {
  public:
-  AgentForWriting(const Context& context, const std::string& file);
+  AgentForWriting(Context& context, const std::string& file);
 
   // Writes the list. Fails when it cannot be written, or when another program changed the file.
   void write(SiteList& list) const;

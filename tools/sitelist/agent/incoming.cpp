@@ -17,6 +17,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
@@ -167,9 +168,10 @@ bool isTime(const std::wstring& version) {
 void reportNotes(const std::string& file) {
   for (const LogRecord& record : logRecords()) {
     if (begins(record.text, sitehlp::log_texts::c_importedList)) {
-      std::cerr << "sitelist: " << shown(file)
-                << ": warning: the next list from the management server will overwrite this one "
-                   "(policy setting \"OverwriteClientSites\")\n";
+      printWarning(
+          shown(file) +
+          ": the next list from the management server will overwrite this one (policy setting "
+          "\"OverwriteClientSites\")");
     } else if (record.text == sitehlp::log_texts::c_ordersExchanged) {
       std::cerr << "sitelist: swapped the orders of the default vendor repositories, so that the "
                    "HTTP one comes first\n";

@@ -52,7 +52,7 @@ std::string directoryOf(const std::string& file) {
   return error ? "." : path.parent_path().string();
 }
 
-ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
+ListLock::ListLock(Context& context, const std::string& file, ListUse use)
     : m_path(file.empty() ? ownListPath(context) : file),
       m_start(Clock::now()),
       m_wait(context.waitMilliseconds) {
@@ -65,10 +65,12 @@ ListLock::ListLock(const Context& context, const std::string& file, ListUse use)
   }
   if (use != ListUse::Change) return;
   if (isOwn) {
+    m_watch.emplace(context, filesOfAgent(context));
     m_kept.emplace(ownListPath(context), context.command, host::agent().historyLength);
     return;
   }
   lockDirectory();
+  m_watch.emplace(context, std::vector<std::string>{m_path});
   m_state = stateOf(m_path);
 }
 

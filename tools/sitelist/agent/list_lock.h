@@ -8,6 +8,7 @@
 
 #include "host/lock/directory_lock.h"
 #include "host/lock/lock_hold.h"
+#include "tools/sitelist/agent/change_watch.h"
 #include "tools/sitelist/history/history.h"
 #include "tools/sitelist/report/context.h"
 
@@ -24,14 +25,15 @@ enum class ListUse { Read, ReadCached, Change };
 // user may use the lock files. Its directory is locked only for a change. A read needs no such
 // lock, because lists are replaced atomically.
 //
-// A change of the agent's own list puts the old list into the history.
+// A change of the agent's own list puts the old list into the history. A lock for a change finds
+// out whether its holder changes files.
 class ListLock {
  public:
   // Makes the agent of the lock the current agent. An empty file name means the agent's own list.
   // Waits at most for the time of --wait. On a terminal, prints a message while it waits. Fails
   // when the lock cannot be taken. A read does not fail if the lock files cannot be used, because
   // the library logs that and reads the list.
-  ListLock(const Context& context, const std::string& file, ListUse use);
+  ListLock(Context& context, const std::string& file, ListUse use);
 
   // Fails when a named file was changed after the lock was taken. A program that does not take the
   // lock can change the file. Any program can change it if the directory cannot be locked. Must be
@@ -55,6 +57,7 @@ class ListLock {
   std::optional<KeptList> m_kept;  // under the lock
   host::DirectoryLock m_directory;
   std::optional<std::string> m_state;  // of the file before a change, if it is not the own list
+  std::optional<ChangeWatch> m_watch;  // under the locks
 };
 
 // Returns the directory of the file, after links. The file need not exist.

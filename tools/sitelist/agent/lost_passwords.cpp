@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <functional>
-#include <iostream>
 #include <memory>
 #include <set>
 
@@ -18,6 +17,7 @@
 #include "sitehlp/sites_helper.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/site_list.h"
@@ -172,12 +172,13 @@ std::vector<std::string> sitesWithPasswords(const Document& document) {
 void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
   const unsigned long count = takeUnreadPasswords();
   if (count == 0) return;
-  std::cerr << "sitelist: " << shown(path) << ": warning: " << count
-            << (count == 1 ? " password cannot be decrypted with the password key and is read as"
-                           : " passwords cannot be decrypted with the password key and are read as")
-            << " empty\n  next: "
-            << (isOwnList ? "restore the agent's password key, or set the passwords again\n"
-                          : "name the agent that the list belongs to with --agent-dir\n");
+  printWarning(
+      shown(path) + ": " + std::to_string(count) +
+          (count == 1
+               ? " password cannot be decrypted with the password key and is read as empty"
+               : " passwords cannot be decrypted with the password key and are read as empty"),
+      isOwnList ? "restore the agent's password key, or set the passwords again"
+                : "name the agent that the list belongs to with --agent-dir");
 }
 
 }  // namespace tool

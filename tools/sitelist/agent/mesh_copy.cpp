@@ -2,12 +2,11 @@
 
 #include <sys/stat.h>
 
-#include <iostream>
-
 #include "host/fs/files.h"
 #include "platform/config/mesh_service.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 
@@ -25,9 +24,8 @@ void updateMeshCopy(const Context& context) {
   int error = host::readRegularFile(ownListPath(context), c_maxInputBytes, bytes);
   if (error == 0) error = host::replaceFile(copy, bytes.data(), bytes.size(), c_modeOfNewCopy);
   if (error != 0) {
-    std::cerr << "sitelist: " << shown(copy)
-              << ": the mesh copy could not be written: " << readFailureReason(error)
-              << "\n  next: check that its directory exists and that you may write there\n";
+    printWarning(shown(copy) + ": the mesh copy could not be written: " + readFailureReason(error),
+                 "check that its directory exists and that you may write there");
     return;
   }
   // A failure is logged.

@@ -1,7 +1,6 @@
 #include "tools/sitelist/agent/password_check.h"
 
 #include <cerrno>
-#include <iostream>
 #include <memory>
 
 #include "platform/xml/advxmlparser.h"
@@ -9,6 +8,7 @@
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 
@@ -100,13 +100,14 @@ void PasswordCheck::fail(const std::string& file, const std::vector<std::string>
 
 void PasswordCheck::warn(bool isDryRun) const {
   for (const Lost& lost : m_lost) {
-    std::cerr << "sitelist: " << shown(lost.file) << ": warning: a password of " << lost.site << ' '
-              << lost.what << "; it " << (isDryRun ? "would be " : "is now ")
-              << (lost.isKept ? "read as empty\n" : "empty\n");
+    std::string text = shown(lost.file);
+    text.append(": a password of ").append(lost.site).append(" ").append(lost.what);
+    text.append(isDryRun ? "; it would be " : "; it is now ");
+    printWarning(text.append(lost.isKept ? "read as empty" : "empty"));
   }
   if (m_keyError == ENOENT && !isDryRun && passwordKeyError(m_context.agentDirectory) == 0) {
-    std::cerr << "sitelist: " << shown(passwordKeyPath(m_context.agentDirectory))
-              << ": warning: the password key was missing, and a new one was created\n";
+    printWarning(shown(passwordKeyPath(m_context.agentDirectory)) +
+                 ": the password key was missing, and a new one was created");
   }
 }
 

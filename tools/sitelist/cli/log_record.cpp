@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/log_sink.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -130,7 +131,7 @@ LoggedReason takeReasonOfKeyFile() {
 }
 
 void reportLoggedErrors(bool hasSucceeded) {
-  if (g_verbose) return;
+  if (g_verbose && !hasSucceeded) return;
   std::set<std::wstring> printed;  // a missing key is logged for each password
   for (const LogRecord& record : records()) {
     const bool isOmitted = hasSucceeded ? record.component == c_libraryComponent
@@ -139,6 +140,10 @@ void reportLoggedErrors(bool hasSucceeded) {
       continue;
     }
     const LoggedReason parts = inTwoParts(record.text);
+    if (hasSucceeded) {
+      printWarning(parts.reason, parts.advice);
+      continue;
+    }
     std::cerr << "sitelist: " << parts.reason << '\n';
     if (!parts.advice.empty()) std::cerr << "  next: " << parts.advice << '\n';
   }

@@ -38,9 +38,10 @@ struct LoggedReason {
 LoggedReason takeReasonOfWrite(const std::string& path);
 LoggedReason takeReasonOfKeyFile();
 
-// Prints errors among the records to standard error. With --verbose they were already printed.
-// After a success, it omits lines of the library's class, because an error of an operation need not
-// be one of the command. After a failure, it omits lines that only repeat a result code.
+// Prints errors among the records to standard error. After a success, they are warnings, and it
+// omits lines of the library's class, because an error of an operation need not be one of the
+// command. After a failure, it omits lines that only repeat a result code. With --verbose it prints
+// no errors of a failure again.
 void reportLoggedErrors(bool hasSucceeded);
 
 }  // namespace tool

@@ -1,12 +1,12 @@
 #include "tools/sitelist/diff/diff.h"
 
-#include <iostream>
 #include <memory>
 #include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/history/history.h"
@@ -31,7 +31,7 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
                            (count == 1 ? "it" : "them");
   const std::string advice = "name the agent that the lists belong to with --agent-dir";
   if (options.exitCode && result.isEmpty()) throw Failure(exitCrypto, text, advice);
-  std::cerr << "sitelist: warning: " << text << "\n  next: " << advice << '\n';
+  printWarning(text, advice);
   return options.exitCode ? exitNegative : exitSuccess;
 }
 

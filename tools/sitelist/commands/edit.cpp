@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/change_watch.h"
+#include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/agent/password.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
@@ -117,6 +119,7 @@ int editValues(Context& context, const EditArguments& options, EditValues edit) 
   const PasswordCheck passwords(context, options.list.allowLostPasswords);
   passwords.requireKeyOfOwnList();
   if (options.list.dryRun || !isOwnList(context, options.list.file)) requirePasswordKey(context);
+  const ChangeWatch watch(context, {passwordKeyPath(context.agentDirectory)});
   const std::wstring protectedText = protect(context, password);
   const int status = performEdit(context, options.list, [&](ListEditor& list) {
     return edit(list, options.site, options.assignments,

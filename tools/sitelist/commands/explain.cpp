@@ -96,9 +96,10 @@ void printSearchOrder(std::ostream& out, const Screen& screen, const Record& fac
 }
 
 Record factsOf(const SiteList& list, const ProxyChoice& proxy) {
-  std::string exclusions;
+  Texts exclusions;
   for (const std::wstring& host : proxy.exclusions()) {
-    exclusions += (exclusions.empty() ? "" : ";") + narrow(host);
+    exclusions.each.push_back(narrow(host));
+    exclusions.joined += (exclusions.joined.empty() ? "" : ";") + exclusions.each.back();
   }
   const sitehlp::tag_ProxySite* const settings = proxy.settings();
   return {{"file", narrow(wide(list.path))},

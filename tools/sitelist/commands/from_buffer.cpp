@@ -24,6 +24,7 @@ int fromBuffer(Context& context, const FromBufferOptions& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
   const ListLock lock(context, "", ListUse::Change);
+  const ChangeWatch watch(context, {c_scratchList});
   std::wstring text;
   AdvXMLParser::UTF_ENCODINGS encoding = AdvXMLParser::UTF_8;
   const auto* const data = reinterpret_cast<const unsigned char*>(input.bytes.data());

@@ -10,6 +10,7 @@
 #include "platform/lock/interprocess_lock.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/change_watch.h"
 #include "tools/sitelist/agent/owner.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
@@ -100,6 +101,7 @@ int init(Context& context, const InitOptions& options) {
   }
   host::setAgent(settings);
   recordLog(context.verbose);
+  const ChangeWatch watch(context, filesOfAgent(context));
   makeDataDirectory(directory, options.owner);
   for (const char* name : {"/etc", "/mesh", "/locks"}) {
     makeDirectory(directory + name, c_modeOfDirectory);

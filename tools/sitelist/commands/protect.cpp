@@ -1,6 +1,8 @@
 #include <ostream>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/change_watch.h"
+#include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/agent/password.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/exit_status.h"
@@ -15,6 +17,7 @@ int protectLine(Context& context) {
   Password password;
   password.read("");
   PasswordCheck(context, false).requireKeyOfOwnList();
+  const ChangeWatch watch(context, {passwordKeyPath(context.agentDirectory)});
   const std::string text = narrow(protect(context, password));
   Report report;
   report.facts = {{"protected", text}};

@@ -3,6 +3,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/site_list.h"
@@ -25,8 +26,8 @@ int rewrite(Context& context, const RewriteOptions& options) {
   agent.write(list);
   passwords.warn(false);
   if (list.fipsMode) {
-    std::cerr << "sitelist: " << shown(options.source) << ": the FIPS mode \""
-              << shown(*list.fipsMode) << "\" is not kept\n";
+    printWarning(shown(options.source) + ": the FIPS mode \"" + shown(*list.fipsMode) +
+                 "\" is not kept");
   }
   std::cerr << "sitelist: wrote " << countEntries(list.sites.get()) << " to "
             << shown(options.destination) << '\n';

@@ -11,6 +11,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -75,7 +76,7 @@ int serverList(Context& context, const ServerListOptions& options) {
   if (isRewritten) requireRewritten(path, before);
   passwords.warn(false);
   if (options.adjustPasswords && !isRewritten) {
-    std::cerr << "sitelist: the configured key size is not 2048; the passwords are unchanged\n";
+    printWarning("the configured key size is not 2048; the passwords are unchanged");
   }
   std::cerr << "sitelist: stored " << shown(input.name) << " as " << shown(path) << '\n';
   return exitSuccess;

@@ -1,6 +1,8 @@
 #include <memory>
 #include <ostream>
 
+#include "sitehlp/list.h"
+#include "sitehlp/query/servers_by_order.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
@@ -14,6 +16,23 @@ struct ServersOptions {
   bool all = false;
   bool nonSecurePort = false;
 };
+
+// A value may have a ";", so the texts that the library has joined cannot be taken apart.
+struct ServerTexts {
+  Texts names;
+  Texts hosts;
+  Texts addresses;
+  Texts computers;
+  Texts versions;
+};
+
+void addEach(const sitehlp::tag_HttpSite& server, ServerTexts& texts) {
+  texts.names.each.push_back(narrow(server.szName));
+  texts.hosts.each.push_back(narrow(server.szServer));
+  texts.addresses.each.push_back(narrow(sitehlp::plainAddress(server.szServerIP)));
+  texts.computers.each.push_back(narrow(server.szServerName));
+  texts.versions.each.push_back(narrow(server.szVersion));
+}
 
 int servers(Context& context, const ServersOptions& options) {
   const AgentForReading agent(context, "", ListUse::ReadCached);
@@ -30,10 +49,22 @@ int servers(Context& context, const ServersOptions& options) {
                                              options.all, options.nonSecurePort);
   if (result != 0) throw libraryFailure(path, result);
   if (port == noPort) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
+  ServerTexts texts = {{{}, narrow(names)},
+                       {{}, narrow(hosts)},
+                       {{}, narrow(addresses)},
+                       {{}, narrow(computers)},
+                       {{}, narrow(versions)}};
+  const SiteList list = readSiteList(path);
+  sitehlp::ListOwner found;
+  helper.GetVestaSite(list.sites.get(), found.out());
+  for (const auto& [order, site] : sitehlp::sitesByOrder(found.get())) {
+    addEach(site->http, texts);
+    if (!options.all) break;
+  }
   Report report;
-  report.facts = {{"names", narrow(names)},           {"servers", narrow(hosts)},
-                  {"ipAddresses", narrow(addresses)}, {"computerNames", narrow(computers)},
-                  {"versions", narrow(versions)},     {"port", std::int64_t{port}}};
+  report.facts = {{"names", texts.names},           {"servers", texts.hosts},
+                  {"ipAddresses", texts.addresses}, {"computerNames", texts.computers},
+                  {"versions", texts.versions},     {"port", std::int64_t{port}}};
   report.table = [facts = report.facts](std::ostream& out, const Screen&) {
     static constexpr const char* labels[] = {"names           ", "servers         ",
                                              "IP addresses    ", "computer names  ",

@@ -9,6 +9,7 @@
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/edit/new_faults.h"
@@ -69,7 +70,7 @@ Trial tryOut(const ListEditor& list, bool isDryRun) {
 
 void warnOf(const std::string& path, const std::vector<Fault>& faults) {
   for (const Fault& fault : faults) {
-    std::cerr << "sitelist: warning: the change adds a fault: " << lineOf(path, fault) << '\n';
+    printWarning("the change adds a fault: " + lineOf(path, fault));
   }
 }
 
@@ -81,7 +82,7 @@ void previewEdit(Context& context, const SiteList& before, const SiteList& after
 
 }  // namespace
 
-ListAccess::ListAccess(const Context& context, const EditOptions& options)
+ListAccess::ListAccess(Context& context, const EditOptions& options)
     : m_path(options.file.empty() ? ownListPath(context) : options.file) {
   if (!options.dryRun) {
     m_lock.emplace(context, options.file, ListUse::Change);

@@ -23,7 +23,7 @@ struct EditOptions {
 class ListAccess {
  public:
   // Fails when the lock cannot be taken within the time of --wait.
-  ListAccess(const Context& context, const EditOptions& options);
+  ListAccess(Context& context, const EditOptions& options);
 
   const std::string& path() const { return m_path; }
   // Fails when another program changed the list. Must be called before the list is written.

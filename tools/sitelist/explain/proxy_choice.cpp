@@ -1,7 +1,5 @@
 #include "tools/sitelist/explain/proxy_choice.h"
 
-#include <algorithm>
-
 #include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
 
@@ -48,15 +46,7 @@ std::string ProxyChoice::ftpProxy() const {
 }
 
 std::vector<std::wstring> ProxyChoice::exclusions() const {
-  std::vector<std::wstring> hosts;
-  if (!m_settings) return hosts;
-  const std::wstring list = m_settings->szExclusionList;
-  for (std::size_t at = 0; at < list.size();) {
-    const std::size_t end = std::min(list.find(L';', at), list.size());
-    if (end > at) hosts.push_back(list.substr(at, end - at));
-    at = end + 1;
-  }
-  return hosts;
+  return m_settings ? hostsIn(m_settings->szExclusionList) : std::vector<std::wstring>();
 }
 
 Route ProxyChoice::routeTo(const std::wstring& host, const std::string& proxy,

@@ -36,8 +36,9 @@ class SchemaPage {
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
-        "In addition, a document has the members of its command. The list of members states which "
-        "of them depend on options. After a failure, members may be missing, empty or incomplete.");
+        "In addition, a document has the members of its command. An optional member depends on the "
+        "options of the command. After a failure, any of these members may be missing, empty or "
+        "incomplete.");
     for (const Json& document : m_schema.at("oneOf")) {
       describeDocument(nameOfReference(document), resolved(document));
     }
@@ -76,7 +77,14 @@ class SchemaPage {
   }
 
   static std::string plainTypeOf(const Json& node) {
-    if (!node.contains("const")) return enumerated(wordsOf(node.at("type")));
+    if (!node.contains("const")) {
+      std::vector<std::string> words = wordsOf(node.at("type"));
+      if (node.contains("items")) {
+        std::replace(words.begin(), words.end(), std::string("array"),
+                     "array of " + plainTypeOf(node.at("items")) + 's');
+      }
+      return enumerated(words);
+    }
     return node.at("const").is_string() ? "string" : node.at("const").dump();
   }
 
@@ -87,7 +95,7 @@ class SchemaPage {
     if (!node.contains("items")) return plainTypeOf(node);
     const Json& items = node.at("items");
     if (items.contains("$ref")) return "array of " + nameOfReference(items) + ", see below";
-    return "array of " + plainTypeOf(items) + 's';
+    return plainTypeOf(node);
   }
 
   static std::vector<std::string> choicesOf(const Json& node) {
@@ -110,9 +118,7 @@ class SchemaPage {
     for (const auto& [name, property] : object.at("properties").items()) {
       if (!isWanted(name)) continue;
       const Json& node = resolved(property);
-      const Json required = object.value("required", Json::array());
-      const bool mayMiss = isWithinDocument(object) &&
-                           std::find(required.begin(), required.end(), name) == required.end();
+      const bool mayMiss = !isRequired(object, name) && name != "error";
       m_page.item("Ic " + roffLiteral(name) + " Pq " + typeOf(property),
                   node.at("description").get<std::string>() + choiceSentence(node) +
                       (mayMiss ? " Optional." : ""));
@@ -123,8 +129,13 @@ class SchemaPage {
     m_page.endList();
   }
 
-  static bool isWithinDocument(const Json& object) {
-    return !object.at("properties").contains("command");
+  // The members of a document after "then" are those that it has after a success.
+  static bool isRequired(const Json& object, const std::string& name) {
+    for (const Json& each : {object, object.value("then", Json::object())}) {
+      const Json required = each.value("required", Json::array());
+      if (std::find(required.begin(), required.end(), name) != required.end()) return true;
+    }
+    return false;
   }
 
   void describe() {
@@ -139,12 +150,15 @@ class SchemaPage {
     m_page.paragraph(
         "JSON and XML are ASCII. All other characters are escaped. A program must ignore unknown "
         "names. The meaning of a name does not change as long as `schema_version` stays the "
-        "same.");
+        "same. Every release may add names, and the JSON Schema accepts unknown ones.");
     m_page.paragraph(
-        "With `--format xml`, the first three names are attributes of the root element and the "
-        "others are elements. A null value has no element. With `--format csv`, there is a line "
+        "With `--format xml`, the first four names are attributes of the root element and the "
+        "others are elements. A null value has no element. An array of strings has an element "
+        "`item` for each string. With `--format csv`, there is a line "
         "of names and a row for each record. If a command has no records, each row has a name and "
-        "its value. CSV is UTF-8 in the form of RFC 4180, with LF at the end of a record. A value "
+        "its value. CSV has neither `changed` nor `warnings`, and an array of strings is one value "
+        "with `;` between the strings. CSV is UTF-8 in the form of RFC 4180, with LF at the end of "
+        "a record. A value "
         "may have a line end of its own. On a terminal, control characters and invisible ones are "
         "escaped.");
   }

@@ -23,7 +23,12 @@ Json schemaOf(const Row& row) {
     description += std::string(" A password that is not empty is ") + c_mask +
                    " unless --show-secrets is given.";
   }
-  return {{"type", type}, {"description", description}};
+  Json schema = {{"type", type}, {"description", description}};
+  if (row.form == FieldForm::Hosts) {
+    schema["type"] = "array";
+    schema["items"] = {{"type", "string"}};
+  }
+  return schema;
 }
 
 }  // namespace

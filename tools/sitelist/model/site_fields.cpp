@@ -18,7 +18,7 @@ using sitehlp::tag_Site;
 template <typename Row, typename Value>
 Field fieldOf(const Row& row, const Value& value) {
   if constexpr (std::is_array_v<Value>) {
-    return {row.name, value, row.form == FieldForm::Password};
+    return {row.name, value, row.form == FieldForm::Password, row.form == FieldForm::Hosts};
   } else if (row.form == FieldForm::Flag) {
     return {row.name, value != 0};
   } else {
@@ -66,6 +66,16 @@ bool isSame(const Field& a, const Field& b) {
   const auto* right = std::get_if<const wchar_t*>(&b.value);
   if (left && right) return std::wcscmp(*left, *right) == 0;
   return a.value == b.value;
+}
+
+std::vector<std::wstring> hostsIn(const std::wstring& text) {
+  std::vector<std::wstring> hosts;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find(L';', at), text.size());
+    if (end > at) hosts.push_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  return hosts;
 }
 
 }  // namespace tool

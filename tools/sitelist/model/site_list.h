@@ -58,11 +58,15 @@ struct Field {
   const char* name;
   std::variant<bool, std::int64_t, const wchar_t*> value;  // a text belongs to the record
   bool isSecret = false;
+  bool hasHosts = false;  // a text with hosts, separated by ";"
 };
 
 // Returns the fields of a record by their names, beginning with those of all kinds.
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
+
+// Returns the hosts of a text in which they are separated by ";", without empty ones.
+std::vector<std::wstring> hostsIn(const std::wstring& text);
 
 // Returns whether the password key of the current agent decrypts an encrypted password. Never
 // creates a key.

@@ -44,6 +44,11 @@ Scalar scalarOf(const Field& field, bool showSecrets) {
   if (const bool* const flag = std::get_if<bool>(&field.value)) return *flag;
   if (const auto* const number = std::get_if<std::int64_t>(&field.value)) return *number;
   const wchar_t* const text = std::get<const wchar_t*>(field.value);
+  if (field.hasHosts) {
+    Texts hosts = {{}, narrow(text)};
+    for (const std::wstring& host : hostsIn(text)) hosts.each.push_back(narrow(host));
+    return hosts;
+  }
   return field.isSecret && *text && !showSecrets ? c_mask : narrow(text);
 }
 

@@ -24,6 +24,7 @@ struct Context {
   std::optional<std::vector<std::string>> helpOn;  // for `help`: the command to describe
   std::function<int()> action;                     // runs the command; returns the exit status
   std::optional<Report> report;                    // the result of the action, also after a failure
+  bool changed = false;                            // whether the action has changed files
 };
 
 // Returns the format of the output.

@@ -18,10 +18,13 @@ void RowWriter::add(const Record& row) {
   }
 }
 
+bool operator==(const Texts& a, const Texts& b) { return a.joined == b.joined && a.each == b.each; }
+
 std::string textOf(const Scalar& value) {
   if (const bool* const flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
   if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
   if (const auto* const text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* const texts = std::get_if<Texts>(&value)) return texts->joined;
   return "";
 }
 

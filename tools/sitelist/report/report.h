@@ -16,11 +16,20 @@ namespace tool {
 class Failure;
 
 // Must be raised when a name in the output for programs is removed or changes its meaning.
-constexpr int c_schemaVersion = 1;
+constexpr int c_schemaVersion = 2;
+
+// Several texts as one value. JSON and XML have each text. A table and CSV have all of them in one
+// text.
+struct Texts {
+  std::vector<std::string> each;
+  std::string joined;  // with ";"
+};
+bool operator==(const Texts& a, const Texts& b);
+inline bool operator!=(const Texts& a, const Texts& b) { return !(a == b); }
 
 // One value. Texts are UTF-8, unchanged from the document. The code that prints them must make them
 // printable.
-using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string>;
+using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string, Texts>;
 using Record = std::vector<std::pair<std::string, Scalar>>;
 
 // The result of a command in every format: facts, and rows of one kind. The names are part of the
@@ -55,6 +64,8 @@ class RowWriter {
 struct Ending {
   std::string command;
   int status = 0;
+  bool changed = false;
+  std::vector<std::string> warnings;
   const Failure* failure = nullptr;
 };
 

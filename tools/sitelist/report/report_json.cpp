@@ -14,8 +14,18 @@ void append(std::string& out, const std::string& text) {
   out += json(text).dump(-1, ' ', true, json::error_handler_t::replace);
 }
 
+void append(std::string& out, const std::vector<std::string>& texts) {
+  out += '[';
+  for (const std::string& text : texts) {
+    if (&text != texts.data()) out += ", ";
+    append(out, text);
+  }
+  out += ']';
+}
+
 void append(std::string& out, const Scalar& value) {
   if (const auto* const text = std::get_if<std::string>(&value)) return append(out, *text);
+  if (const auto* const texts = std::get_if<Texts>(&value)) return append(out, texts->each);
   out += std::holds_alternative<std::monostate>(value) ? "null" : textOf(value);
 }
 
@@ -49,7 +59,9 @@ void printJson(std::ostream& out, const Report* report, const Ending& ending) {
   appendMembers(text, indent,
                 {{"schema_version", std::int64_t{c_schemaVersion}},
                  {"command", ending.command},
-                 {"status", std::int64_t{ending.status}}});
+                 {"status", std::int64_t{ending.status}},
+                 {"changed", ending.changed},
+                 {"warnings", Texts{ending.warnings, ""}}});
   if (report) {
     for (const auto& [name, value] : report->facts) {
       appendName(text, indent, name, false);

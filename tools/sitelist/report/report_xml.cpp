@@ -25,12 +25,24 @@ std::string escaped(const std::string& raw) {
   return text;
 }
 
+void append(std::string& text, const std::vector<std::string>& items, const char* indent) {
+  for (const std::string& item : items) {
+    text.append("\n").append(indent).append("  <item>").append(escaped(item)).append("</item>");
+  }
+  if (!items.empty()) text.append("\n").append(indent);
+}
+
 // A null value has no element. An empty text has one.
 void append(std::string& text, const Record& record, const char* indent) {
   for (const auto& [name, value] : record) {
     if (std::holds_alternative<std::monostate>(value)) continue;
     text.append(indent).append("<").append(name).append(">");
-    text.append(escaped(textOf(value))).append("</").append(name).append(">\n");
+    if (const auto* const texts = std::get_if<Texts>(&value)) {
+      append(text, texts->each, indent);
+    } else {
+      text.append(escaped(textOf(value)));
+    }
+    text.append("</").append(name).append(">\n");
   }
 }
 
@@ -45,11 +57,12 @@ void appendXmlRow(std::string& rows, const std::string& name, const Record& row)
 void printXml(std::ostream& out, const Report* report, const Ending& ending) {
   out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<sitelist schema_version=\""
       << c_schemaVersion << "\" command=\"" << ending.command << "\" status=\"" << ending.status
-      << "\">\n";
+      << "\" changed=\"" << textOf(ending.changed) << "\">\n";
+  std::string facts;
+  append(facts, {{"warnings", Texts{ending.warnings, ""}}}, "  ");
+  if (report) append(facts, report->facts, "  ");
+  out << facts;
   if (report) {
-    std::string facts;
-    append(facts, report->facts, "  ");
-    out << facts;
     if (!report->rowsName.empty()) {
       std::string rows;
       for (const Record& row : report->rows) appendXmlRow(rows, report->rowName, row);

@@ -1,0 +1,18 @@
+#ifndef TOOLS_SITELIST_CLI_MESSAGES_H
+#define TOOLS_SITELIST_CLI_MESSAGES_H
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// Prints "sitelist: warning: TEXT" to standard error and keeps the text for the report. Both texts
+// must be printable. An empty advice is omitted.
+void printWarning(const std::string& text, const std::string& advice = "");
+
+// Returns the texts of all warnings of this process, without advice.
+const std::vector<std::string>& warnings();
+
+}  // namespace tool
+
+#endif

@@ -69,6 +69,7 @@ void print(const Context& context, int status, const Failure* failure) {
       if (report) printCsv(std::cout, *report);
       break;
     case Format::Table: {
+      if (context.quiet) break;
       const ColorChoice color = context.color == "always"  ? ColorChoice::Always
                                 : context.color == "never" ? ColorChoice::Never
                                                            : ColorChoice::Auto;
@@ -81,7 +82,7 @@ void print(const Context& context, int status, const Failure* failure) {
 
 int fail(const Context& context, const Failure& failure) {
   print(context, failure.status(), &failure);
-  std::cerr << "sitelist: " << failure.what() << "\n  next: " << failure.advice() << '\n';
+  printError(failure.what(), failure.advice());
   return failure.status();
 }
 
@@ -157,14 +158,19 @@ int run(Context& context, std::vector<std::string> arguments) {
         Failure(exitUsage, "--json and --format " + context.format + " cannot be used together",
                 "give only one of them"));
   }
+  if (context.quiet && context.verbose) {
+    return fail(context, Failure(exitUsage, "--quiet and --verbose cannot be used together",
+                                 "give only one of them"));
+  }
   if (context.helpOn) return help(context, *line);
   if (!context.action) {
-    if (formatOf(context) != Format::Table) {
+    if (context.quiet || formatOf(context) != Format::Table) {
       return fail(context, Failure(exitUsage, "a command is required", seeHelp("")));
     }
     std::cerr << line->help();
     return exitUsage;
   }
+  if (context.quiet) omitMessages();
   return perform(context);
 }
 
@@ -201,11 +207,11 @@ int main(int argc, char** argv) {
   try {
     status = tool::runAndCatch(std::vector<std::string>(argv + 1, argv + argc));
   } catch (const std::exception&) {
-    std::cerr << "sitelist: out of memory\n";
+    tool::printError("out of memory");
   }
   std::cout.flush();
   if (!std::cout && status == tool::exitSuccess) {
-    std::cerr << "sitelist: cannot write to standard output\n";
+    tool::printError("cannot write to standard output");
     status = tool::exitFile;
   }
   return status;

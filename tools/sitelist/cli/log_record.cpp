@@ -144,8 +144,7 @@ void reportLoggedErrors(bool hasSucceeded) {
       printWarning(parts.reason, parts.advice);
       continue;
     }
-    std::cerr << "sitelist: " << parts.reason << '\n';
-    if (!parts.advice.empty()) std::cerr << "  next: " << parts.advice << '\n';
+    printError(parts.reason, parts.advice);
   }
 }
 

@@ -5,17 +5,32 @@
 namespace tool {
 namespace {
 
+std::streambuf* g_omitted = nullptr;
+
 std::vector<std::string>& keptWarnings() {
   static std::vector<std::string> kept;
   return kept;
 }
 
+void print(std::ostream& out, const std::string& text, const std::string& advice) {
+  out << "sitelist: " << text << '\n';
+  if (!advice.empty()) out << "  next: " << advice << '\n';
+}
+
 }  // namespace
+
+void omitMessages() {
+  if (!g_omitted) g_omitted = std::cerr.rdbuf(nullptr);
+}
+
+void printError(const std::string& text, const std::string& advice) {
+  std::ostream out(g_omitted ? g_omitted : std::cerr.rdbuf());
+  print(out, text, advice);
+}
 
 void printWarning(const std::string& text, const std::string& advice) {
   keptWarnings().push_back(text);
-  std::cerr << "sitelist: warning: " << text << '\n';
-  if (!advice.empty()) std::cerr << "  next: " << advice << '\n';
+  print(std::cerr, "warning: " + text, advice);
 }
 
 const std::vector<std::string>& warnings() { return keptWarnings(); }

@@ -6,6 +6,13 @@
 
 namespace tool {
 
+// Discards everything that is written to std::cerr from now on. printError still prints.
+void omitMessages();
+
+// Prints "sitelist: TEXT" to standard error. Both texts must be printable. An empty advice is
+// omitted.
+void printError(const std::string& text, const std::string& advice = "");
+
 // Prints "sitelist: warning: TEXT" to standard error and keeps the text for the report. Both texts
 // must be printable. An empty advice is omitted.
 void printWarning(const std::string& text, const std::string& advice = "");

@@ -72,7 +72,8 @@ int printMerge(Context& context, const MergeOptions& options) {
   serveDetachedAgent(context);
   PasswordCheck passwords(context, options.allowLostPasswords);
   SiteList merged = mergeLists(ownListPath(context), options, passwords);
-  std::cout << documentOf(merged) << '\n';
+  const std::string document = documentOf(merged);
+  if (!context.quiet) std::cout << document << '\n';
   passwords.warn(false);
   return exitSuccess;
 }

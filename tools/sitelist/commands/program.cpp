@@ -76,6 +76,9 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
       .choices({"auto", "always", "never"});
   app.add_option("--wait", context.wait, "Longest wait for the lock of a list (default: 10)")
       .type_name("SECONDS");
+  app.add_flag("-q,--quiet", context.quiet,
+               "Print only errors: no messages, no warnings, and no result\nunless it is in JSON, "
+               "CSV or XML");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);
   app.footer(std::string("`sitelist COMMAND --help` describes a command, with examples.\n\n") +

@@ -14,6 +14,7 @@ namespace tool {
 struct Context {
   std::string agentDirectory;
   bool verbose = false;
+  bool quiet = false;  // no messages, and no table
   std::string format;  // empty: "table"
   bool json = false;   // the same as format "json"
   std::string color = "auto";

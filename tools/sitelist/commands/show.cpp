@@ -135,6 +135,15 @@ std::vector<std::string> split(const std::string& list) {
   return parts;
 }
 
+// A column of CSV must have a name of its own.
+std::vector<std::string> eachOnce(const std::vector<std::string>& names) {
+  std::vector<std::string> found;
+  for (const std::string& name : names) {
+    if (std::find(found.begin(), found.end(), name) == found.end()) found.push_back(name);
+  }
+  return found;
+}
+
 int show(Context& context, ShowOptions options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
@@ -144,7 +153,7 @@ int show(Context& context, ShowOptions options) {
   Report report;
   report.rowsName = "sites";
   report.rowName = "site";
-  report.columns = options.columns.empty() ? siteFieldNames() : options.columns;
+  report.columns = options.columns.empty() ? siteFieldNames() : eachOnce(options.columns);
   RowWriter rows(format, report);
   const auto list = std::make_shared<SiteList>();
   list->path = agent.path();
@@ -199,7 +208,9 @@ void addShow(Command& app, Context& context) {
                    "Print clear passwords instead of ********");
   command.footer(
       "Without --columns, the formats json, csv and xml have all fields of all records.\n"
-      "They keep the order of the list unless --sort is given.\n"
+      "They keep the order of the list unless --sort is given. Find a column of CSV by\n"
+      "its name: a later version may have other columns before it. --columns fixes the\n"
+      "order of the columns.\n"
       "\n"
       "Examples:\n"
       "  sitelist show\n"

@@ -159,8 +159,9 @@ TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
 // A name may have the character that separates them in a table.
 TEST_F(CliJson, GivesEachServerOneValueInEachArray) {
   initAgent();
-  setOwnList(document(serverSite({{"Name", "b;c"}, {"Order", "2"}, {"ServerIP", "[2001:db8::1]"}}) +
-                      serverSite({{"Name", "a"}, {"Order", "1"}, {"Server", "a.example"}})));
+  setOwnList(
+      document(serverSite({{"Name", "b;c"}, {"Order", "2"}, {"ServerIP", "[2001:db8::1]:80"}}) +
+               serverSite({{"Name", "a"}, {"Order", "1"}, {"Server", "a.example"}})));
   const json all = json::parse(sitelist({"servers", "--all", "--json"}).out);
   EXPECT_EQ(all["names"], json({"a", "b;c"}));
   EXPECT_EQ(all["servers"], json({"a.example", "pyx.example"}));

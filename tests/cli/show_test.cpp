@@ -150,7 +150,7 @@ TEST_F(CliShow, NeedsNoAgentToReadANamedFile) {
   EXPECT_FALSE(exists(file("agent")));
 }
 
-// The status is that of a list that can be read.
+// The exit status is 0, as for a list without such passwords.
 TEST_F(CliShow, WarnsOncePerListThatPasswordsCannotBeDecrypted) {
   initAgent();
   const std::string good = protectedText("good");

@@ -189,8 +189,10 @@ TEST_F(WriterLimits, TakeAsManyUnknownElementsAsAReaderDoes) {
 
 // Shows: limit-written, CreateSiteList=-11
 TEST_F(WriterLimits, RefuseOneUnknownElementMore) {
-  const ManyRecords records(c_mostUnknown + 1, SITE_KIND_HTTP, L"Odd");
-  expectRefused(write(records.head()));
+  for (const wchar_t* const element : {L"Odd", L"O"}) {
+    const ManyRecords records(c_mostUnknown + 1, SITE_KIND_HTTP, element);
+    expectRefused(write(records.head()));
+  }
   // This element is known only in a "ProxyConfigList".
   const ManyRecords proxies(c_mostUnknown + 1, SITE_KIND_HTTP, L"ProxyConfig");
   expectRefused(write(proxies.head()));

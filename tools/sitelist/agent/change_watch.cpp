@@ -1,9 +1,7 @@
 #include "tools/sitelist/agent/change_watch.h"
 
 #include <openssl/crypto.h>
-#include <openssl/sha.h>
 
-#include <algorithm>
 #include <exception>
 
 #include "host/fs/files.h"
@@ -13,30 +11,28 @@
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
-namespace {
 
-// Returns a text for the content of a file. Does not keep the content, because it may be a key.
-std::string digestOf(const std::string& path) {
+FileContent::FileContent(const std::string& path) : m_path(path) {
   constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
-  std::string bytes;
-  if (const int error = host::readRegularFile(path, noLimit, bytes)) return std::to_string(error);
-  unsigned char digest[SHA256_DIGEST_LENGTH];
-  SHA256(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), digest);
-  OPENSSL_cleanse(bytes.data(), bytes.size());
-  return std::string(std::begin(digest), std::end(digest));
+  m_error = host::readRegularFile(path, noLimit, m_bytes);
 }
 
-}  // namespace
+FileContent::~FileContent() { OPENSSL_cleanse(m_bytes.data(), m_bytes.size()); }
+
+bool FileContent::isChanged() const {
+  const FileContent now(m_path);
+  return now.m_error != m_error || now.m_bytes != m_bytes;
+}
 
 ChangeWatch::ChangeWatch(Context& context, const std::vector<std::string>& files)
     : m_context(context) {
-  for (const std::string& file : files) m_digests.emplace_back(file, digestOf(file));
+  for (const std::string& file : files) m_files.emplace_back(file);
 }
 
 ChangeWatch::~ChangeWatch() {
   try {
-    for (const auto& [file, digest] : m_digests) {
-      if (digestOf(file) != digest) m_context.changed = true;
+    for (const FileContent& file : m_files) {
+      if (file.isChanged()) m_context.changed = true;
     }
   } catch (const std::exception&) {
     m_context.changed =

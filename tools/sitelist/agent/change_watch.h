@@ -1,20 +1,37 @@
 #ifndef TOOLS_SITELIST_AGENT_CHANGE_WATCH_H
 #define TOOLS_SITELIST_AGENT_CHANGE_WATCH_H
 
+#include <deque>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tools/sitelist/report/context.h"
 
 namespace tool {
 
+// The content of a file at one time, or the errno of reading it. The file may be a key, so the
+// content is wiped.
+class FileContent {
+ public:
+  explicit FileContent(const std::string& path);
+  ~FileContent();
+  FileContent(const FileContent&) = delete;
+  FileContent& operator=(const FileContent&) = delete;
+
+  // Returns whether the file has other content now.
+  bool isChanged() const;
+
+ private:
+  std::string m_path;
+  std::string m_bytes;
+  int m_error;
+};
+
 // Finds out whether a command changes files. A change by another program counts as well if the
 // caller does not hold the lock of the files.
 class ChangeWatch {
  public:
-  // Remembers the content of the files, of which none needs to exist. `context` must exist longer
-  // than the object.
+  // Reads the files, of which none needs to exist. `context` must exist longer than the object.
   ChangeWatch(Context& context, const std::vector<std::string>& files);
   // Sets Context::changed if a file was created or removed, or has other bytes.
   ~ChangeWatch();
@@ -23,7 +40,7 @@ class ChangeWatch {
 
  private:
   Context& m_context;
-  std::vector<std::pair<std::string, std::string>> m_digests;  // of each path
+  std::deque<FileContent> m_files;
 };
 
 // Returns the files of the current agent that commands write: its lists, its keys, the FIPS marker,

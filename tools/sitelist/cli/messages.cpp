@@ -1,6 +1,7 @@
 #include "tools/sitelist/cli/messages.h"
 
 #include <iostream>
+#include <streambuf>
 
 namespace tool {
 namespace {

@@ -33,6 +33,7 @@ class SchemaPage {
   std::string make() {
     describe();
     m_page.section("EVERY DOCUMENT");
+    m_page.paragraph("Every document has these members. Only `error` may be missing.");
     list(firstDocument(), [&](const std::string& name) { return isEverywhere(name); });
     m_page.section("DOCUMENTS");
     m_page.paragraph(
@@ -203,6 +204,12 @@ class SchemaPage {
     m_page.literal({"sitelist show --format json | jq -r '.sites[] | select(.enabled).name'"});
     m_page.section("SEE ALSO");
     m_page.macro(".Xr sitelist 1");
+    m_page.section("HISTORY");
+    m_page.paragraph(
+        "Version 2 added `changed` and `warnings`. Values with several texts became arrays: "
+        "`exclusionList` of proxy settings, also as `value`, `before` and `after`; `exclusions` of "
+        "`explain`; and all texts of `servers`. The JSON Schema of version 1 refused unknown "
+        "names.");
   }
 
   const Json& m_schema;

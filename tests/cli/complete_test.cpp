@@ -166,7 +166,8 @@ TEST_F(CliComplete, LeavesFilesAndDirectoriesToTheShell) {
   EXPECT_EQ(linesFor({"--agent-dir", ""}), Words{c_directories});
   EXPECT_EQ(linesFor({"show", "--agent-dir=x"}), Words{c_directories});
   EXPECT_EQ(linesFor({"show", "a", ""}), Words{c_nothing}) << "there is one file only";
-  EXPECT_THAT(linesFor({"policies", ""}), ElementsAre(StartsWith("set\t"), c_files));
+  EXPECT_THAT(linesFor({"policies", ""}),
+              ElementsAre(StartsWith("set\t"), StartsWith("unset\t"), c_files));
 }
 
 TEST_F(CliComplete, OffersNoOptionAndNoCommandBehindTwoDashes) {

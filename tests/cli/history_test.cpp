@@ -59,6 +59,7 @@ TEST_F(CliHistory, KeepsTheListThatEachCommandReplaces) {
       {"edit_set", {"edit", "set", "a", "server=there.example"}},
       {"edit_disable", {"edit", "disable", "a"}},
       {"policies_set", {"policies", "set", "name", "value"}},
+      {"policies_unset", {"policies", "unset", "name"}},
       {"merge", {"merge", "--second", second, "--output", ownList()}},
       {"modify", {"modify", "--servers", servers}},
       {"import", {"import", incoming}},

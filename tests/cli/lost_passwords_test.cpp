@@ -107,6 +107,7 @@ std::vector<Command> losingCommands() {
       {{"modify", "--repositories", "@in/SiteList.xml"}, {0, 5, 5, 5}},
       {{"modify", "--repositories", "--dry-run", "@in/SiteList.xml"}, {0, 5, 5, 5}},
       {{"policies", "set", "name", "value"}, {0, 5, 5, 5}},
+      {{"policies", "set", "--dry-run", "name", "value"}, {0, 5, 5, 5}},
       {{"merge", "--first", "@in/SiteList.xml", "--output", "@agent/etc/SiteList.xml"},
        {0, 5, 5, 5}},
       {{"merge", "--first", "@in/SiteList.xml", "--dry-run"}, {0, 5, 5, 5}},

@@ -32,6 +32,7 @@ TEST_F(CliMeshCopy, FollowsEveryCommandThatChangesTheOwnList) {
            {"install", incoming},
            {"modify", "--servers", incoming},
            {"policies", "set", "name", "value"},
+           {"policies", "unset", "name"},
            {"merge", "--first", incoming, "--output", ownList()},
            {"rewrite", incoming, ownList()},
            {"edit", "disable", "depot"},

@@ -87,11 +87,7 @@ Scalar siteValue(const SiteList& list, const GetOptions& options) {
 Scalar policyValue(const SiteList& list, const std::string& name) {
   const auto setting = list.policySettings.find(wide(name));
   if (setting != list.policySettings.end()) return narrow(setting->second);
-  std::vector<std::string> known;
-  for (const auto& [each, value] : list.policySettings) known.push_back(narrow(each));
-  throw missing(
-      list, "there is no policy setting \"" + shown(name) + "\"" + shown(suggestion(name, known)),
-      "list all settings with `sitelist policies`");
+  throw missingPolicy(list, name);
 }
 
 Scalar listValue(const SiteList& list, const GetOptions& options) {

@@ -52,6 +52,15 @@ std::string similarSites(const SiteList& list, const std::string& name) {
   return shown(suggestion(name, {known.begin(), known.end()}));
 }
 
+Failure missingPolicy(const SiteList& list, const std::string& name) {
+  std::vector<std::string> known;
+  for (const auto& [each, value] : list.policySettings) known.push_back(narrow(each));
+  return failureAt(
+      list.path, exitNotFound,
+      "there is no policy setting \"" + shown(name) + "\"" + shown(suggestion(name, known)),
+      "list all settings with `sitelist policies`");
+}
+
 std::string countEntries(const sitehlp::tag_Site* sites) {
   std::size_t count = 0;
   for (; sites; sites = sites->pNext) ++count;

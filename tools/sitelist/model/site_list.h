@@ -9,6 +9,7 @@
 #include "sitehlp/common/document_values.h"
 #include "sitehlp/list_contents.h"
 #include "sitehlp/sites_helper.h"
+#include "tools/sitelist/cli/failure.h"
 
 namespace tool {
 
@@ -41,6 +42,9 @@ std::string missingSite(const std::string& name, const std::string& kind);
 // Returns "; did you mean A or B?" with the sites of the list whose names are similar. Returns an
 // empty text if there are none. The text is printable.
 std::string similarSites(const SiteList& list, const std::string& name);
+
+// Returns the failure for a policy setting that the list does not have.
+Failure missingPolicy(const SiteList& list, const std::string& name);
 
 // Returns, for example, "1 entry" or "2 entries".
 std::string countEntries(const sitehlp::tag_Site* sites);

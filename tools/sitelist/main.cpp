@@ -12,6 +12,7 @@
 #include "tools/sitelist/agent/list_lock.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
@@ -42,6 +43,7 @@ std::string usableDirectory(const std::string& directory) {
   if (directory.empty()) {
     throw Failure(exitUsage, "--agent-dir: the value is empty", "name a directory");
   }
+  refuseStandardStream(directory, "--agent-dir");
   std::string path = fullPath(directory);
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   host::AgentSettings settings;

@@ -27,7 +27,7 @@ host::AgentSettings settingsOf(const Context& context) {
   } catch (const host::SettingsError& e) {
     const std::string path = context.agentDirectory + "/agent.toml";
     std::string bytes;
-    const int error = host::readRegularFile(path, c_maxInputBytes, bytes);
+    const int error = tryReadBytes(path, bytes);
     if (error != 0 && error != ENOENT) {
       throw failureAt(path, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
     }
@@ -87,8 +87,20 @@ void serveNoAgent(const Context& context) {
   serveDetached(context, settings);
 }
 
+void serveForPrinting(const Context& context) {
+  serveAgent(context);
+  requirePasswordKey(context);
+  serveDetachedAgent(context);
+}
+
+void requirePrintable(const Context& context, const std::string& list, const std::string& advice) {
+  if (formatOf(context) == Format::Table) return;
+  throw Failure(exitUsage, list + " is an XML document and has no other format",
+                "omit --format, or " + advice);
+}
+
 AgentForReading::AgentForReading(Context& context, const std::string& file, ListUse use)
-    : m_path(file.empty() ? ownListPath(context) : file) {
+    : m_given(file), m_path(file.empty() ? ownListPath(context) : m_given.path()) {
   if (file.empty()) m_lock.emplace(context, file, use);
   if (!file.empty() ||
       (passwordKeyError(context.agentDirectory) == ENOENT && !sitesWithPasswords(m_path).empty())) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/sitelist/agent/given_file.h"
 #include "tools/sitelist/agent/list_lock.h"
 #include "tools/sitelist/model/site_list.h"
 #include "tools/sitelist/report/context.h"
@@ -37,7 +38,7 @@ void serveNoAgent(const Context& context);
 // list. This list is read with the real agent, under the lock of the list. If it has passwords and
 // the password key is missing, it is read with the detached agent, because the real agent would
 // create another key. A named file is read with the detached agent, even if it is the agent's own
-// list.
+// list. "-" names standard input.
 class AgentForReading {
  public:
   AgentForReading(Context& context, const std::string& file, ListUse use = ListUse::Read);
@@ -46,9 +47,18 @@ class AgentForReading {
   const std::string& path() const { return m_path; }
 
  private:
+  GivenFile m_given;
   std::string m_path;
   std::optional<ListLock> m_lock;
 };
+
+// Makes the agent of the command line the current agent, for a command that prints a new list. The
+// password key must exist.
+void serveForPrinting(const Context& context);
+
+// Fails with wrong usage if the command line has another format than the default. `list` is the new
+// list in words, and `advice` says how it is written to a file.
+void requirePrintable(const Context& context, const std::string& list, const std::string& advice);
 
 // Sets the current agent for a command that writes a list, and holds the lock of that list. For the
 // agent's own list it is the real agent. For another file it is the detached agent, whose password

@@ -1,14 +1,15 @@
 #include "tools/sitelist/agent/draft.h"
 
-#include "host/fs/files.h"
 #include "tools/sitelist/agent/scratch_directory.h"
-#include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/shown_name.h"
 
 namespace tool {
 namespace {
 
 std::string write(SiteList& list, const ScratchDirectory& scratch) {
   const std::string draft = scratch.path() + "/SiteList.xml";
+  showAs(draft, "a temporary copy of " + list.path);
   writeSiteList(list, draft);
   return draft;
 }
@@ -25,12 +26,7 @@ SiteList asWritten(SiteList& list) {
 std::string documentOf(SiteList& list) {
   const ScratchDirectory scratch;
   const std::string draft = write(list, scratch);
-  std::string bytes;
-  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
-  if (host::readRegularFile(draft, noLimit, bytes) != 0) {
-    throw libraryFailure(draft, sitehlp::c_errorRead);
-  }
-  return bytes;
+  return readInput(draft).bytes;
 }
 
 }  // namespace tool

@@ -27,6 +27,7 @@ namespace tool {
 namespace {
 
 constexpr const char* c_fixErrors = "fix these errors; `sitelist explain-rule RULE` says how";
+constexpr const char* c_noKeyFiles = "the key files that belong to the list could not be copied";
 constexpr const wchar_t* c_keyFiles[] = {sitehlp::c_srPubKey, sitehlp::c_reqSecKey,
                                          sitehlp::c_sr2048PubKey, sitehlp::c_req2048SecKey};
 
@@ -125,8 +126,13 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
   }
   failIfNotWritten(ownList, code);
   const bool isVersioned = hasVersionedServer(options.file);
+  if (isVersioned && options.isStream) {
+    throw libraryFailure(options.file, code, exitCrypto, c_noKeyFiles,
+                         "save the list to a file next to its key files, and name that file",
+                         "\n  it is read from a stream, so there is no directory with key files");
+  }
   throw libraryFailure(
-      options.file, code, exitCrypto, "the key files that belong to the list could not be copied",
+      options.file, code, exitCrypto, c_noKeyFiles,
       isVersioned
           ? "put srpubkey.bin and reqseckey.bin, or sr2048pubkey.bin and req2048seckey.bin,\n"
             "  next to the list; they must not be empty"
@@ -194,7 +200,9 @@ void refuseOlder(const IncomingOptions& options, const std::string& ownList) {
 }
 
 void addIncomingOptions(Command& command, IncomingOptions& options) {
-  command.add_option("FILE", options.file, "The incoming site list").required().type_name("");
+  command.add_option("FILE", options.file, "The incoming site list; - means standard input")
+      .required()
+      .type_name("");
   command
       .add_option("--keys", options.keyDirectory,
                   "Directory of the management server's public key, for a\nlist whose server has "
@@ -208,9 +216,21 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
   addAllowLostPasswords(command, options.allowLostPasswords);
 }
 
-int takeIncoming(Context& context, const IncomingOptions& options) {
-  if (options.dryRun) return previewIncoming(context, options);
+void useGivenFile(IncomingOptions& options, GivenFile& file) {
+  options.file = file.path();
+  options.isStream = file.isStream();
+}
+
+// A list from standard input stays stored while the load command runs, because the library reads
+// the list and runs the command in one operation. The command has a time limit.
+int takeIncoming(Context& context, IncomingOptions options) {
+  GivenFile file(options.file);
+  if (options.dryRun) {
+    useGivenFile(options, file);
+    return previewIncoming(context, options);
+  }
   const ListLock lock(context, "", ListUse::Change);
+  useGivenFile(options, file);
   const std::string ownList = ownListPath(context);
   requireIncomingList(options);
   refuseOlder(options, ownList);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sitehlp/sites_helper.h"
+#include "tools/sitelist/agent/given_file.h"
 #include "tools/sitelist/cli/command_line.h"
 #include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/report/context.h"
@@ -13,7 +14,8 @@ namespace tool {
 
 // The parts that `import` and `install` share.
 struct IncomingOptions {
-  std::string file;
+  std::string file;       // the path for the library
+  bool isStream = false;  // no key files can be next to the list
   std::string keyDirectory;
   bool dryRun = false;
   bool allowsOlder = false;
@@ -23,7 +25,10 @@ struct IncomingOptions {
 };
 
 void addIncomingOptions(Command& command, IncomingOptions& options);
-int takeIncoming(Context& context, const IncomingOptions& options);
+int takeIncoming(Context& context, IncomingOptions options);
+
+// Makes the options name the file that the library can read.
+void useGivenFile(IncomingOptions& options, GivenFile& file);
 
 // Prints what the import of the list would change, and changes nothing.
 int previewIncoming(Context& context, const IncomingOptions& options);

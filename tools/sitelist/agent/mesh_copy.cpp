@@ -21,7 +21,7 @@ void updateMeshCopy(const Context& context) {
   serveAgent(context);
   const std::string copy = narrow(MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath());
   std::string bytes;
-  int error = host::readRegularFile(ownListPath(context), c_maxInputBytes, bytes);
+  int error = tryReadBytes(ownListPath(context), bytes);
   if (error == 0) error = host::replaceFile(copy, bytes.data(), bytes.size(), c_modeOfNewCopy);
   if (error != 0) {
     printWarning(shown(copy) + ": the mesh copy could not be written: " + readFailureReason(error),

@@ -11,6 +11,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/no_echo.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/read_error.h"
 
@@ -32,7 +33,9 @@ Password::~Password() {
 }
 
 void Password::read(const std::string& file) {
-  if (file.empty()) {
+  const bool isFromInput = file.empty() || isStandardStream(file);
+  if (isFromInput) {
+    takeStandardInput();
     const NoEcho noEcho;
     readLine(STDIN_FILENO, c_standardInput);
   } else {
@@ -40,7 +43,7 @@ void Password::read(const std::string& file) {
     if (opened.error()) failToRead(file, opened.error());
     readLine(opened.get(), file);
   }
-  convert(file.empty() ? c_standardInput : file);
+  convert(isFromInput ? c_standardInput : file);
 }
 
 // Does not use a stream, because its buffer would keep a copy of the password.

@@ -17,8 +17,9 @@ class Password {
   Password(const Password&) = delete;
   Password& operator=(const Password&) = delete;
 
-  // Reads the first line of a file or, without a name, of standard input. A terminal does not show
-  // the typed text. Fails when the line cannot be read, is not valid UTF-8, or is too long.
+  // Reads the first line of a file or, for "-" or an empty name, of standard input. A terminal does
+  // not show the typed text. Fails when the line cannot be read, is not valid UTF-8, or is too
+  // long.
   void read(const std::string& file);
 
   const std::wstring& text() const { return m_text; }

@@ -32,7 +32,11 @@ bool exists(const std::string& path) {
 
 }  // namespace
 
+int SignalsBlocked::s_count = 0;
+sigset_t SignalsBlocked::s_before;
+
 SignalsBlocked::SignalsBlocked() {
+  if (s_count++ != 0) return;
   sigset_t blocked;
   sigfillset(&blocked);
   // Signals for faults of the program take effect at once, and a terminal may stop the program.
@@ -40,10 +44,12 @@ SignalsBlocked::SignalsBlocked() {
                            SIGTTIN, SIGTTOU, SIGCONT}) {
     sigdelset(&blocked, signal);
   }
-  ::pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
+  ::pthread_sigmask(SIG_BLOCK, &blocked, &s_before);
 }
 
-SignalsBlocked::~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+SignalsBlocked::~SignalsBlocked() {
+  if (--s_count == 0) ::pthread_sigmask(SIG_SETMASK, &s_before, nullptr);
+}
 
 ScratchDirectory::ScratchDirectory() : ScratchDirectory(temporaryParent(), c_adviceForTemporary) {}
 

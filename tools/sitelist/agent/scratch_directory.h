@@ -10,7 +10,7 @@
 namespace tool {
 
 // Blocks the signals that end a program from outside, for the life of the object. A signal that
-// arrives during this time takes effect afterwards.
+// arrives during this time takes effect afterwards. One thread only.
 class SignalsBlocked {
  public:
   SignalsBlocked();
@@ -19,7 +19,8 @@ class SignalsBlocked {
   SignalsBlocked& operator=(const SignalsBlocked&) = delete;
 
  private:
-  sigset_t m_before;
+  static int s_count;  // of the objects; signals stay blocked until the last one ends
+  static sigset_t s_before;
 };
 
 // A new directory for drafts, for the effective user alone. It is removed with all its content when

@@ -1,9 +1,13 @@
 #include "tools/sitelist/cli/input.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
+#include "host/fs/descriptor.h"
 #include "host/fs/files.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/read_error.h"
@@ -11,27 +15,55 @@
 namespace tool {
 namespace {
 
-int readStandardInput(std::string& bytes) {
+int readToTheEnd(int descriptor, std::string& bytes) {
   char buffer[65536];
   while (bytes.size() <= c_maxInputBytes) {
-    const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    const ssize_t n = host::fileSystem().read(descriptor, buffer, sizeof buffer);
     if (n == 0) return 0;
-    if (n > 0) {
-      bytes.append(buffer, static_cast<std::size_t>(n));
-    } else if (errno != EINTR) {
-      return errno;
-    }
+    if (n < 0) return static_cast<int>(-n);
+    bytes.append(buffer, static_cast<std::size_t>(n));
   }
   return EFBIG;
 }
 
+bool isPipe(const std::string& file) {
+  struct stat status;
+  return host::fileSystem().stat(AT_FDCWD, file, true, status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+int readPipe(const std::string& file, std::string& bytes) {
+  const host::Descriptor pipe(host::fileSystem().open(AT_FDCWD, file, O_RDONLY | O_NOCTTY, 0));
+  return pipe.error() ? pipe.error() : readToTheEnd(pipe.get(), bytes);
+}
+
 }  // namespace
 
+bool isStandardStream(const std::string& file) { return file == "-"; }
+
+void refuseStandardStream(const std::string& file, const std::string& what) {
+  if (!isStandardStream(file)) return;
+  throw Failure(exitUsage, what + ": \"-\" does not name a file or directory",
+                "write ./- if this is its name");
+}
+
+bool isReadOnce(const std::string& file) { return isStandardStream(file) || isPipe(file); }
+
+void takeStandardInput() {
+  static bool isTaken = false;
+  if (std::exchange(isTaken, true)) {
+    throw Failure(exitUsage, "standard input can be read only once",
+                  "name a file instead for one of its uses");
+  }
+}
+
 int tryReadInput(const std::string& file, Input& input) {
-  const bool isStandard = file.empty() || file == "-";
-  input.name = isStandard ? "standard input" : file;
-  return isStandard ? readStandardInput(input.bytes)
-                    : host::readRegularFile(file, c_maxInputBytes, input.bytes);
+  if (file.empty() || isStandardStream(file)) {
+    input.name = "standard input";
+    takeStandardInput();
+    return readToTheEnd(STDIN_FILENO, input.bytes);
+  }
+  input.name = file;
+  return isPipe(file) ? readPipe(file, input.bytes) : tryReadBytes(file, input.bytes);
 }
 
 Input readInput(const std::string& file) {
@@ -42,6 +74,10 @@ Input readInput(const std::string& file) {
     throw failureAt(input.name, exitFile, "the file does not exist", "check the path");
   }
   throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
+}
+
+int tryReadBytes(const std::string& path, std::string& bytes) {
+  return host::readRegularFile(path, c_maxInputBytes, bytes);
 }
 
 }  // namespace tool

@@ -15,10 +15,26 @@ struct Input {
   std::string bytes;
 };
 
-// Reads a file or, for "-" or an empty name, standard input. Fails when it cannot be read.
+// Returns whether a name on the command line means standard input or standard output: "-". "./-" is
+// a file of this name.
+bool isStandardStream(const std::string& file);
+// Fails with wrong usage if `file` is "-". `what` names the argument or option.
+void refuseStandardStream(const std::string& file, const std::string& what);
+
+// Returns whether the file can be read only once: standard input, or a pipe.
+bool isReadOnce(const std::string& file);
+
+// Must be called before standard input is read. Fails with wrong usage if it was called before.
+void takeStandardInput();
+
+// Reads a file or, for "-" or an empty name, standard input. Waits for the writer of a pipe. Fails
+// when it cannot be read.
 Input readInput(const std::string& file);
-// Does the same, but returns 0 or an errno.
+// Does the same, but returns 0 or an errno. Fails only as takeStandardInput does.
 int tryReadInput(const std::string& file, Input& input);
+
+// Reads a whole regular file. Returns 0 or an errno.
+int tryReadBytes(const std::string& path, std::string& bytes);
 
 }  // namespace tool
 

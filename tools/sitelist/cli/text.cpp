@@ -13,6 +13,7 @@
 #include <cwchar>
 
 #include "platform/common/astring.h"
+#include "tools/sitelist/cli/shown_name.h"
 
 namespace tool {
 namespace {
@@ -82,7 +83,7 @@ std::wstring printable(const std::wstring& text) {
   return result;
 }
 
-std::string shown(const std::wstring& text) { return narrow(printable(text)); }
+std::string shown(const std::wstring& text) { return narrow(printable(withShownNames(text))); }
 std::string shown(const std::string& utf8) { return shown(wide(utf8)); }
 
 // Converts to upper case first, because a letter such as sigma has two lower-case forms.

@@ -8,6 +8,7 @@
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/read_error.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/certificate.h"
@@ -96,7 +97,7 @@ int certs(Context& context, const CertsOptions& options) {
   }
   if (result != 0) throw libraryFailure(agent.path(), result);
   Report report;
-  report.facts = {{"file", narrow(wide(agent.path()))}};
+  report.facts = {{"file", reportedName(agent.path())}};
   report.rowsName = "certificates";
   report.rowName = "certificate";
   report.columns = {"number",     "readable", "subject", "issuer",   "sha256", "validFrom",

@@ -3,6 +3,7 @@
 
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -17,6 +18,8 @@ struct DeriveOptions {
 };
 
 int derive(Context& context, const DeriveOptions& options) {
+  refuseStandardStream(options.source, "SOURCE_DIR");
+  refuseStandardStream(options.target, "TARGET_DIR");
   const std::wstring target = wide(options.target);
   const std::string written =
       (options.target.empty() ? options.source : options.target) + "/ServerSiteList.xml";

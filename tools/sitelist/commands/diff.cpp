@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
+#include "tools/sitelist/agent/given_file.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/messages.h"
@@ -51,13 +52,15 @@ std::pair<std::string, std::string> namesOf(const Context& context, const DiffOp
 
 int diff(Context& context, const DiffOptions& options) {
   const auto [from, to] = namesOf(context, options);
+  GivenFile givenBefore(from);
+  GivenFile givenAfter(to);
   serveDetachedAgent(context);
-  const SiteList before = readWholeSiteList(from);
-  const SiteList after = readWholeSiteList(to);
+  const SiteList before = readWholeSiteList(givenBefore.path());
+  const SiteList after = readWholeSiteList(givenAfter.path());
   EncryptedPasswords unread = unreadPasswordsOf(before);
   unread.merge(unreadPasswordsOf(after));
   const Diff result(before, after, options.showSecrets, std::move(unread));
-  context.report = result.report("From " + shown(from) + "\n  to " + shown(to), "");
+  context.report = result.report("From " + shown(before.path) + "\n  to " + shown(after.path), "");
   if (result.incomparable() != 0) return reportIncomparable(result, options);
   return options.exitCode && !result.isEmpty() ? exitNegative : exitSuccess;
 }

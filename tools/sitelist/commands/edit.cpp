@@ -82,7 +82,7 @@ void addValues(Command& command, EditArguments& options) {
                    "Set the password to the first line of standard input");
   command
       .add_option("--password-file", options.passwordFile,
-                  "Set the password to the first line of the file")
+                  "Set the password to the first line of the file; - means\nstandard input")
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
@@ -259,7 +259,10 @@ void addMoves(Command& edit, Edits& edits, EditArguments& options) {
 }
 
 void addCommonOptions(Command& command, EditOptions& options) {
-  command.add_option("--file", options.file, "The list to edit (default: the agent's own list)")
+  command
+      .add_option("--file", options.file,
+                  "The list to edit (default: the agent's own list). With -,\nread standard input "
+                  "and print the edited list.")
       .type_name("FILE")
       .not_empty()
       .completes(Completion::File);
@@ -298,7 +301,8 @@ void addEdit(Command& app, Context& context) {
       "Examples:\n"
       "  sitelist edit disable Depot\n"
       "  sitelist edit set Depot server=depot2.example\n"
-      "  sitelist edit --file lists/SiteList.xml --dry-run remove Depot\n");
+      "  sitelist edit --file lists/SiteList.xml --dry-run remove Depot\n"
+      "  receive-list | sitelist edit --file - disable Depot > changed.xml\n");
   command.callback([&context, options, edits] {
     context.action = [&context, options, edits] {
       for (const auto& [edit, action] : *edits) {

@@ -3,6 +3,7 @@
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/explain/given_host.h"
@@ -102,7 +103,7 @@ Record factsOf(const SiteList& list, const ProxyChoice& proxy) {
     exclusions.joined += (exclusions.joined.empty() ? "" : ";") + exclusions.each.back();
   }
   const sitehlp::tag_ProxySite* const settings = proxy.settings();
-  return {{"file", narrow(wide(list.path))},
+  return {{"file", reportedName(list.path)},
           {"proxyMode", proxy.mode()},
           {"httpProxy", orNull(proxy.httpProxy())},
           {"ftpProxy", orNull(proxy.ftpProxy())},

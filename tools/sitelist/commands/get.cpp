@@ -6,6 +6,7 @@
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/matching.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/kinds.h"
@@ -121,7 +122,7 @@ int get(Context& context, const GetOptions& options) {
   const SiteList list = readWholeSiteList(agent.path());
   const Scalar value = options.site.empty() ? listValue(list, options) : siteValue(list, options);
   Report report;
-  report.facts = {{"file", narrow(wide(list.path))},
+  report.facts = {{"file", reportedName(list.path)},
                   {"site", options.site.empty() ? Scalar() : Scalar(options.site)},
                   {"field", options.field},
                   {"value", value}};

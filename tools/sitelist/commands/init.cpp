@@ -14,6 +14,7 @@
 #include "tools/sitelist/agent/owner.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -90,6 +91,7 @@ host::AgentSettings settingsFrom(Context& context, const InitOptions& options) {
 
 // The settings file is written last, so a failed attempt can be repeated.
 int init(Context& context, const InitOptions& options) {
+  refuseStandardStream(options.meshPath, "--mesh-path");
   const std::string& directory = context.agentDirectory;
   const std::string settingsFile = directory + "/agent.toml";
   const host::AgentSettings settings = settingsFrom(context, options);

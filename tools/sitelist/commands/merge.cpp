@@ -3,6 +3,7 @@
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/draft.h"
+#include "tools/sitelist/agent/given_file.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
@@ -22,6 +23,23 @@ struct MergeOptions {
   bool allowLostPasswords = false;
 };
 
+// The lists that the command line names. They are not stored longer than they are needed, because
+// the load command must not run meanwhile.
+struct Sources {
+  explicit Sources(const MergeOptions& options) : first(options.first), second(options.second) {}
+  void discard() {
+    first.discard();
+    second.discard();
+  }
+
+  GivenFile first;
+  GivenFile second;
+};
+
+bool isPrinted(const MergeOptions& options) {
+  return options.output.empty() || isStandardStream(options.output);
+}
+
 SiteList readSource(const std::string& path, PasswordCheck& passwords) {
   passwords.requireEncryptable(path);
   return readWholeSiteList(path);
@@ -29,14 +47,14 @@ SiteList readSource(const std::string& path, PasswordCheck& passwords) {
 
 // All content except sites comes from the list that receives the sites: the second list or the
 // agent's own. The result is a new copy, so the library makes its local version.
-SiteList mergeLists(const std::string& ownList, const MergeOptions& options,
-                    PasswordCheck& passwords) {
+SiteList mergeLists(const std::string& ownList, Sources& sources, PasswordCheck& passwords) {
   SiteList first;
   SiteList base;
-  if (!options.first.empty()) first = readSource(options.first, passwords);
-  base = readSource(options.second.empty() ? ownList : options.second, passwords);
-  const bool useSecond = !options.second.empty();
-  if (useSecond && options.first.empty()) passwords.requireEncryptable(ownList);
+  const bool useFirst = !sources.first.path().empty();
+  const bool useSecond = !sources.second.path().empty();
+  if (useFirst) first = readSource(sources.first.path(), passwords);
+  base = readSource(useSecond ? sources.second.path() : ownList, passwords);
+  if (useSecond && !useFirst) passwords.requireEncryptable(ownList);
 
   sitehlp::CSitesHelper helper(wide(ownList));
   sitehlp::tag_Site* merged = nullptr;
@@ -44,19 +62,22 @@ SiteList mergeLists(const std::string& ownList, const MergeOptions& options,
       first.sites.get(), useSecond ? base.sites.get() : nullptr, useSecond, &merged);
   base.sites.reset(merged);
   base.localVersion.clear();
+  base.path = "the merged list";
   if (result != 0) throw libraryFailure(ownList, result);
   return base;
 }
 
 // Prints how the list that receives the sites would change.
 int previewMerge(Context& context, const MergeOptions& options) {
+  Sources sources(options);
   serveDetachedAgent(context);
   const std::string ownList = ownListPath(context);
-  const SiteList before = readWholeSiteList(options.second.empty() ? ownList : options.second);
+  const SiteList before =
+      readWholeSiteList(options.second.empty() ? ownList : sources.second.path());
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireKeyOfOwnList();
-  SiteList merged = mergeLists(ownList, options, passwords);
-  merged.path = options.output.empty() ? "the merged list" : options.output;
+  SiteList merged = mergeLists(ownList, sources, passwords);
+  if (!isPrinted(options)) merged.path = options.output;
   SiteList after = asWritten(merged);
   after.localVersion = before.localVersion;  // the real one would be the time of the write
   const Diff diff(before, after, false);
@@ -67,11 +88,11 @@ int previewMerge(Context& context, const MergeOptions& options) {
 }
 
 int printMerge(Context& context, const MergeOptions& options) {
-  serveAgent(context);
-  requirePasswordKey(context);
-  serveDetachedAgent(context);
+  requirePrintable(context, "the merged list", "write the list to a file with --output");
+  Sources sources(options);
+  serveForPrinting(context);
   PasswordCheck passwords(context, options.allowLostPasswords);
-  SiteList merged = mergeLists(ownListPath(context), options, passwords);
+  SiteList merged = mergeLists(ownListPath(context), sources, passwords);
   const std::string document = documentOf(merged);
   if (!context.quiet) std::cout << document << '\n';
   passwords.warn(false);
@@ -80,15 +101,13 @@ int printMerge(Context& context, const MergeOptions& options) {
 
 int merge(Context& context, const MergeOptions& options) {
   if (options.dryRun) return previewMerge(context, options);
-  if (options.output.empty() && formatOf(context) != Format::Table) {
-    throw Failure(exitUsage, "the merged list is an XML document and has no other format",
-                  "omit --format, or write the list to a file with --output");
-  }
-  if (options.output.empty()) return printMerge(context, options);
+  if (isPrinted(options)) return printMerge(context, options);
+  Sources sources(options);
   const AgentForWriting agent(context, options.output);
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireKeyOfOwnList();
-  SiteList merged = mergeLists(ownListPath(context), options, passwords);
+  SiteList merged = mergeLists(ownListPath(context), sources, passwords);
+  sources.discard();
   agent.write(merged);
   passwords.warn(false);
   std::cerr << "sitelist: wrote " << countEntries(merged.sites.get()) << " to "
@@ -101,10 +120,13 @@ int merge(Context& context, const MergeOptions& options) {
 void addMerge(Command& app, Context& context) {
   Command command = app.add_subcommand("merge", "Merge site lists into a new one");
   const auto options = std::make_shared<MergeOptions>();
-  command.add_option("--first", options->first, "The first list").type_name("FILE");
-  command.add_option("--second", options->second, "The second list").type_name("FILE");
+  command.add_option("--first", options->first, "The first list; - means standard input")
+      .type_name("FILE");
+  command.add_option("--second", options->second, "The second list; - means standard input")
+      .type_name("FILE");
   command
-      .add_option("--output", options->output, "The file for the result (default: standard output)")
+      .add_option("--output", options->output,
+                  "The file for the result (default: standard output, -)")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
                    "Show the differences between the merged list and the\n"
@@ -124,6 +146,7 @@ void addMerge(Command& app, Context& context) {
       "\n"
       "Examples:\n"
       "  sitelist merge --first incoming/SiteList.xml > merged.xml\n"
+      "  receive-list | sitelist merge --first - --output merged.xml\n"
       "  sitelist merge --first a.xml --second b.xml --output merged.xml\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return merge(context, *options); };

@@ -91,9 +91,14 @@ int previewModify(Context& context, const ModifyOptions& options) {
   return exitSuccess;
 }
 
-int modify(Context& context, const ModifyOptions& options) {
-  if (options.incoming.dryRun) return previewModify(context, options);
+int modify(Context& context, ModifyOptions options) {
+  GivenFile source(options.incoming.file);
+  if (options.incoming.dryRun) {
+    useGivenFile(options.incoming, source);
+    return previewModify(context, options);
+  }
   const ListLock lock(context, "", ListUse::Change);
+  useGivenFile(options.incoming, source);
   const std::string ownList = ownListPath(context);
   PasswordCheck passwords(context, options.incoming.allowLostPasswords);
   serveDetachedAgent(context);
@@ -103,6 +108,7 @@ int modify(Context& context, const ModifyOptions& options) {
   clearLogRecords();
   serveAgent(context);
   if (!modifyList(ownList, options)) failToModify(options, ownList, ownList);
+  source.discard();
   passwords.warn(false);
   std::cerr << "sitelist: " << shown(ownList) << ": modified\n";
   updateMeshCopy(context);
@@ -115,7 +121,9 @@ void addModify(Command& app, Context& context) {
   Command command =
       app.add_subcommand("modify", "Copy parts of another list into the agent's own list");
   const auto options = std::make_shared<ModifyOptions>();
-  command.add_option("SOURCE", options->incoming.file, "The list that has the new parts")
+  command
+      .add_option("SOURCE", options->incoming.file,
+                  "The list that has the new parts; - means standard input")
       .required()
       .type_name("")
       .completes(Completion::File);

@@ -7,6 +7,7 @@
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/diff/diff.h"
@@ -28,7 +29,7 @@ int listPolicies(Context& context, const PoliciesOptions& options) {
   const AgentForReading agent(context, options.file);
   const SiteList sites = readSiteList(agent.path());
   Report report;
-  report.facts = {{"file", narrow(wide(sites.path))}};
+  report.facts = {{"file", reportedName(sites.path)}};
   report.rowsName = "policies";
   report.rowName = "policy";
   report.columns = {"name", "value"};

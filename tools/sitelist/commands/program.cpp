@@ -81,8 +81,12 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                "CSV or XML");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);
-  app.footer(std::string("`sitelist COMMAND --help` describes a command, with examples.\n\n") +
-             c_exitStatusHelp);
+  app.footer(
+      std::string("`sitelist COMMAND --help` describes a command, with examples.\n"
+                  "\n"
+                  "A file that is read may be -, which means standard input, or a pipe. ./- is a\n"
+                  "file with the name -. Standard input can be read only once.\n\n") +
+      c_exitStatusHelp);
   return line;
 }
 

@@ -9,7 +9,6 @@
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
-#include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/diff/diff.h"
@@ -24,14 +23,6 @@ struct UndoOptions {
   bool dryRun = false;
   bool allowLostPasswords = false;
 };
-
-std::string bytesOf(const std::string& path) {
-  std::string bytes;
-  if (host::readRegularFile(path, c_maxInputBytes, bytes) != 0) {
-    throw libraryFailure(path, sitehlp::c_errorRead);
-  }
-  return bytes;
-}
 
 int preview(Context& context, const UndoOptions& options) {
   serveDetachedAgent(context);
@@ -57,9 +48,9 @@ int undo(Context& context, const UndoOptions& options) {
   passwords.requireCopied(entry.path, path, entry.path);
   serveDetachedAgent(context);
   readWholeSiteList(entry.path);
-  const std::string bytes = bytesOf(entry.path);
+  const std::string bytes = readInput(entry.path).bytes;
   std::string present;
-  if (host::readRegularFile(path, c_maxInputBytes, present) == 0 && present == bytes) {
+  if (tryReadBytes(path, present) == 0 && present == bytes) {
     std::cerr << "sitelist: " << shown(path) << ": nothing to change: the list is the same\n";
     return exitSuccess;
   }

@@ -1,10 +1,9 @@
 #include <algorithm>
-#include <fstream>
 #include <memory>
 #include <ostream>
 
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/agent/scratch_directory.h"
+#include "tools/sitelist/agent/given_file.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -31,17 +30,6 @@ struct CheckedList {
 
 bool counts(const Fault& fault, bool strict) {
   return strict || fault.rule->severity == Severity::Error;
-}
-
-// The library reads only files.
-ListSource storeStandardInput(const ScratchDirectory& scratch, const Input& input) {
-  const ListSource source{input.name, scratch.path() + "/standard-input.xml", false};
-  std::ofstream file(source.path, std::ios::binary);
-  file.write(input.bytes.data(), static_cast<std::streamsize>(input.bytes.size()));
-  file.close();
-  if (file) return source;
-  throw failureAt(source.path, exitFile, "standard input could not be stored",
-                  "free space there, or set TMPDIR to another directory");
 }
 
 void printLists(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
@@ -89,19 +77,19 @@ void requireSense(const ValidateOptions& options) {
     throw Failure(exitUsage, "--managed and --unmanaged cannot be used together",
                   "give at most one of them");
   }
-  if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+  if (std::count_if(options.files.begin(), options.files.end(), isStandardStream) > 1) {
     throw Failure(exitUsage, "standard input can be read only once", "give \"-\" at most once");
   }
 }
 
 CheckedList check(const std::string& file, bool checkServer) {
-  if (file != "-") return {file, validateList({file, file}, checkServer)};
+  if (!isReadOnce(file)) return {file, validateList({file, file}, checkServer)};
   Input input;
   if (const int error = tryReadInput(file, input)) {
     return {input.name, {faultOfReading(readErrorOf(error))}};
   }
   const ScratchDirectory scratch;
-  return {input.name, validateList(storeStandardInput(scratch, input), checkServer)};
+  return {input.name, validateList({input.name, storeInput(scratch, input), false}, checkServer)};
 }
 
 int validate(Context& context, const ValidateOptions& options) {

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <utility>
 
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff_text.h"
 #include "tools/sitelist/model/certificate.h"
@@ -93,8 +94,8 @@ bool isSameCertificate(const std::wstring& a, const std::wstring& b) {
 
 Diff::Diff(const SiteList& before, const SiteList& after, bool showSecrets,
            EncryptedPasswords unread)
-    : m_before(narrow(wide(before.path))),
-      m_after(narrow(wide(after.path))),
+    : m_before(reportedName(before.path)),
+      m_after(reportedName(after.path)),
       m_showSecrets(showSecrets),
       m_unread(std::move(unread)) {
   for (const char* name : {"version", "site", "proxy", "certificate", "policy", "file"}) {

@@ -8,6 +8,7 @@
 #include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/text.h"
@@ -55,11 +56,10 @@ struct Trial {
   std::vector<Fault> faults;
 };
 
-// A dry run writes nothing beside the list.
-Trial tryOut(const ListEditor& list, bool isDryRun) {
+Trial tryOut(const ListEditor& list, bool isBesideList) {
   const std::string& path = list.path();
   const ScratchDirectory scratch =
-      isDryRun ? ScratchDirectory() : ScratchDirectory(directoryOf(path));
+      isBesideList ? ScratchDirectory(directoryOf(path)) : ScratchDirectory();
   const std::string draft = scratch.path() + "/SiteList.xml";
   Trial trial;
   trial.after = readDraft(list, draft);
@@ -80,20 +80,40 @@ void previewEdit(Context& context, const SiteList& before, const SiteList& after
                        .report("What would change in " + shown(path), "Nothing was written.");
 }
 
+void requireWritable(const Context& context, const EditOptions& options) {
+  if (options.dryRun) return;
+  if (isStandardStream(options.file)) {
+    requirePrintable(context, "the edited list", "edit a file");
+  } else if (isReadOnce(options.file)) {
+    throw failureAt(options.file, exitUsage, "a pipe cannot be changed in place",
+                    "use --file - to edit standard input and print the edited list");
+  }
+}
+
+// The temporary file has the old list.
+void print(const Context& context, const ListEditor& list) {
+  const std::string& path = list.path();
+  if (list.isChanged() && !list.write(path)) throw libraryFailure(path, sitehlp::c_errorWrite);
+  const std::string document = readInput(path).bytes;
+  if (!context.quiet) std::cout << document;
+}
+
 }  // namespace
 
 ListAccess::ListAccess(Context& context, const EditOptions& options)
-    : m_path(options.file.empty() ? ownListPath(context) : options.file) {
-  if (!options.dryRun) {
+    : m_given(options.file), m_path(options.file.empty() ? ownListPath(context) : options.file) {
+  if (!options.dryRun && !isStream()) {
     m_lock.emplace(context, options.file, ListUse::Change);
   } else if (isOwnList(context, options.file)) {
     serveAgent(context);
   }
   serveDetachedAgent(context);
+  m_path = isStream() ? m_given.path() : m_path;
 }
 
 int performEdit(Context& context, const EditOptions& options,
                 const std::function<Outcome(ListEditor&)>& edit) {
+  requireWritable(context, options);
   const ListAccess access(context, options);
   const std::string& path = access.path();
   failIfNotEditable(path);
@@ -101,12 +121,16 @@ int performEdit(Context& context, const EditOptions& options,
   ListEditor list(before);
   const Outcome outcome = edit(list);
   Trial trial;
-  if (list.isChanged()) trial = tryOut(list, options.dryRun);
+  // A dry run writes nothing beside the list.
+  if (list.isChanged()) trial = tryOut(list, !options.dryRun && !access.isStream());
   if (options.dryRun) previewEdit(context, before, list.isChanged() ? trial.after : before, path);
   if (!trial.faults.empty() && !options.force) throw refusalOf(path, trial.faults);
   warnOf(path, trial.faults);
   if (options.dryRun) return exitSuccess;
-  if (!list.isChanged()) {
+  if (access.isStream()) {
+    print(context, list);
+    say(path, list.isChanged() ? outcome.done : "nothing to change: " + outcome.already);
+  } else if (!list.isChanged()) {
     say(path, "nothing to change: " + outcome.already);
   } else {
     access.requireUnchanged();

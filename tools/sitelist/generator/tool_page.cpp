@@ -140,6 +140,14 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
   page.paragraph(
       "Data goes to standard output and messages go to standard error. Control characters of a "
       "document are escaped, and passwords are masked.");
+  page.paragraph(
+      "A file that is read may be `-`, which means standard input, or a pipe such as `<(COMMAND)` "
+      "of "
+      "a shell. Standard input can be read only once. Messages call it \"standard input\". The "
+      "results of `merge`, `rewrite` and `edit --file -` can go to standard output. A directory "
+      "cannot be `-`. `./-` is a file with the name `-`. A list from a stream has no key files "
+      "next "
+      "to it.");
 
   page.section("OPTIONS");
   page.macro("These options may be given before or after the command:");
@@ -161,8 +169,9 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
       "set.");
   page.item(
       "Ev TMPDIR",
-      "The directory of temporary files. The default is `/tmp`. `validate -`, `merge` without "
-      "`--output` and each dry run need it. A command that reads lists from files does not. The "
+      "The directory of temporary files. The default is `/tmp`. A list from standard input or a "
+      "pipe, a list on standard output and each dry run need it. A command that reads lists from "
+      "files does not. The "
       "files are removed at the end, also after a signal. The next command that needs the "
       "directory removes the files of processes that were killed.");
   page.endList();

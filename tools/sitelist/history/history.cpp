@@ -68,13 +68,9 @@ bool takeApart(const std::string& name, std::string& front, HistoryEntry& entry)
   return true;
 }
 
-bool readBytes(const std::string& path, std::string& bytes) {
-  return host::readRegularFile(path, c_maxInputBytes, bytes) == 0;
-}
-
 bool holds(const std::string& path, const std::string& bytes) {
   std::string found;
-  return readBytes(path, found) && found == bytes;
+  return tryReadBytes(path, found) == 0 && found == bytes;
 }
 
 struct Copies {
@@ -111,7 +107,7 @@ Copies copiesOf(const std::string& list) {
 // that entry.
 bool isEntry(const Copies& copies, const std::string& present) {
   std::string bytes;
-  return copies.pending && readBytes(copies.pending->path, bytes) && bytes != present &&
+  return copies.pending && tryReadBytes(copies.pending->path, bytes) == 0 && bytes != present &&
          (copies.entries.empty() || !holds(copies.entries.back().path, bytes));
 }
 
@@ -125,7 +121,7 @@ int write(const std::string& path, const std::string& like, const std::string& b
 // the entry.
 int promote(const HistoryEntry& pending) {
   std::string bytes;
-  if (const int error = host::readRegularFile(pending.path, c_maxInputBytes, bytes)) return error;
+  if (const int error = tryReadBytes(pending.path, bytes)) return error;
   const fs::path directory = fs::path(pending.path).parent_path();
   const int error = write((directory / nameOf(pending)).string(), pending.path, bytes);
   return error ? error : host::removeFile(pending.path);
@@ -152,7 +148,7 @@ std::string presentTime() {
 std::vector<HistoryEntry> historyOf(const std::string& list) {
   Copies copies = copiesOf(list);
   std::string present;
-  readBytes(list, present);
+  tryReadBytes(list, present);
   if (isEntry(copies, present)) copies.entries.push_back(*copies.pending);
   return copies.entries;
 }
@@ -174,7 +170,7 @@ HistoryEntry historyEntry(const std::string& list, const std::string& number) {
 KeptList::KeptList(const std::string& list, const std::string& command, unsigned int length)
     : m_list(list), m_length(length) {
   if (length == 0) return;
-  const int unread = host::readRegularFile(list, c_maxInputBytes, m_bytes);
+  const int unread = tryReadBytes(list, m_bytes);
   if (unread == ENOENT || unread == ENOTDIR || unread == EISDIR) return;  // there is no list
   if (unread) failToKeep(list, readFailureReason(unread));
   const std::string directory = historyDirectory(list);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "sitehlp/fields.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -67,7 +68,7 @@ const std::vector<std::string>& siteFieldNames() {
 }
 
 Record listFacts(const SiteList& list) {
-  return {{"file", narrow(wide(list.path))},
+  return {{"file", reportedName(list.path)},
           {"globalVersion", narrow(list.globalVersion)},
           {"localVersion", narrow(list.localVersion)},
           {"type", narrow(list.type)},

@@ -1,6 +1,7 @@
 #include "tools/sitelist/report/report.h"
 
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -48,7 +49,7 @@ Record factsOf(const Failure& failure) {
                   {"name", std::string(nameOf(failure.status()))},
                   {"message", std::string(failure.what())},
                   {"next", failure.advice()},
-                  {"file", orNull(origin.file)},
+                  {"file", orNull(reportedName(origin.file))},
                   {"line", Scalar()},
                   {"column", Scalar()},
                   {"code", Scalar()}};

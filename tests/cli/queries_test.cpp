@@ -77,8 +77,7 @@ TEST_F(CliCerts, SaysThatThereAreNone) {
 }
 
 TEST_F(CliCerts, LooksForWhatExpires) {
-  const std::string path =
-      write("list.xml", document("", bundle(certificate(c_certificatePem) + certificate("text"))));
+  const std::string path = write("list.xml", document("", bundle(certificate(c_certificatePem))));
   const JsonReport report = readReport(sitelist({"certs", "--json", path}).out);
   const int left = std::stoi(report.rows.at(0).at("daysLeft"));
   ASSERT_GT(left, 1000) << "it holds until 2126";
@@ -87,12 +86,29 @@ TEST_F(CliCerts, LooksForWhatExpires) {
     return sitelist({"certs", "--json", "--expiring", std::to_string(days), path});
   };
   EXPECT_EQ(expiring(left - 2).status, 0);
-  EXPECT_THAT(readReport(expiring(left - 2).out).column("expiring"),
-              testing::ElementsAre("false", ""));
+  EXPECT_THAT(readReport(expiring(left - 2).out).column("expiring"), testing::ElementsAre("false"));
   EXPECT_EQ(expiring(left + 1).status, 1);
-  EXPECT_THAT(readReport(expiring(left + 1).out).column("expiring"),
-              testing::ElementsAre("true", ""));
+  EXPECT_THAT(readReport(expiring(left + 1).out).column("expiring"), testing::ElementsAre("true"));
   EXPECT_EQ(sitelist({"certs", path}).status, 0);
+}
+
+TEST_F(CliCerts, SaysThatAnExpiryIsUnknown) {
+  const std::string one =
+      write("one.xml", document("", bundle(certificate(c_certificatePem) + certificate("text"))));
+  const Output output = sitelist({"certs", "--expiring", "0", "--json", one});
+  EXPECT_EQ(output.status, 1);
+  EXPECT_THAT(readReport(output.out).column("expiring"), testing::ElementsAre("false", ""));
+  EXPECT_EQ(output.err,
+            "sitelist: " + one + ": 1 certificate cannot be read, so its expiry is unknown\n");
+  const std::string two =
+      write("two.xml", document("", bundle(certificate("aGFsbG8=") + certificate("text"))));
+  const Output both = sitelist({"certs", "--expiring", "0", two});
+  EXPECT_EQ(both.status, 1);
+  EXPECT_EQ(both.err,
+            "sitelist: " + two + ": 2 certificates cannot be read, so their expiry is unknown\n");
+  const Output all = sitelist({"certs", one});
+  EXPECT_EQ(all.status, 0) << "nothing was asked";
+  EXPECT_EQ(all.err, "");
 }
 
 TEST_F(CliCerts, WhatHasExpiredIsExpiringWhateverTheDays) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -83,6 +84,21 @@ Record certificateRow(const std::wstring& text, std::size_t number, std::optiona
   return row;
 }
 
+// A certificate that cannot be read may have expired.
+int statusOf(const std::vector<Record>& rows, const std::string& path) {
+  const auto count = [&rows](const char* name, const char* value) {
+    return std::count_if(rows.begin(), rows.end(),
+                         [=](const Record& row) { return shownText(row, name) == value; });
+  };
+  const std::ptrdiff_t unreadable = count("readable", "false");
+  if (unreadable != 0) {
+    std::cerr << "sitelist: " << shown(path) << ": " << unreadable
+              << (unreadable == 1 ? " certificate cannot be read, so its expiry is unknown\n"
+                                  : " certificates cannot be read, so their expiry is unknown\n");
+  }
+  return unreadable != 0 || count("expiring", "true") != 0 ? exitNegative : exitSuccess;
+}
+
 int certs(Context& context, const CertsOptions& options) {
   const std::optional<int> days = daysOf(options);
   const AgentForReading agent(context, options.file);
@@ -116,11 +132,7 @@ int certs(Context& context, const CertsOptions& options) {
     std::cerr << "sitelist: " << shown(agent.path()) << ": the list has no certificates\n";
     return exitNegative;
   }
-  const std::vector<Record>& rows = context.report->rows;
-  const bool isAnyExpiring = std::any_of(rows.begin(), rows.end(), [](const Record& row) {
-    return shownText(row, "expiring") == "true";
-  });
-  return isAnyExpiring ? exitNegative : exitSuccess;
+  return days ? statusOf(context.report->rows, agent.path()) : exitSuccess;
 }
 
 }  // namespace
@@ -132,8 +144,8 @@ void addCerts(Command& app, Context& context) {
       .type_name("");
   command
       .add_option("--expiring", options->expiring,
-                  "Exit with status 1 if a certificate has expired or has at\n"
-                  "most this many days left")
+                  "Exit with status 1 if a certificate has expired, has at\n"
+                  "most this many days left, or cannot be read")
       .type_name("DAYS")
       .not_empty();
   command.footer(

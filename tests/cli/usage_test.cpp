@@ -182,6 +182,38 @@ TEST_F(CliUsage, AnEmptyValueIsWrongUsage) {
   EXPECT_EQ(sitelist({"policies", "set", "a", ""}).status, 0);
 }
 
+// A word that begins with "-" may be a password, as any word that these commands do not take.
+TEST_F(CliUsage, DoesNotRepeatWhatMayBeAPassword) {
+  initAgent();
+  setOwnList(document(httpSite("Depot")));
+  const auto before = agentFiles();
+  for (const std::vector<std::string>& command : {std::vector<std::string>{"protect"},
+                                                  {"edit", "set", "Depot"},
+                                                  {"edit", "set", "Depot", "--password-stdin"},
+                                                  {"edit", "add", "http", "New"}}) {
+    for (const std::string format : {"table", "json"}) {
+      for (const std::string word : {"-Xunter2", "--Xunter2", "--Xunter2=4", "-pXunter2"}) {
+        std::vector<std::string> arguments = {"--format", format};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        arguments.push_back(word);
+        const Output output = sitelist(arguments);
+        EXPECT_EQ(output.status, 2) << testing::PrintToString(arguments);
+        EXPECT_THAT(output.out + output.err, testing::Not(HasSubstr("unter2")));
+        EXPECT_THAT(output.err, HasSubstr("sitelist: unknown option; it is not shown, because it "
+                                          "may be a password\n  next: see `sitelist "));
+      }
+    }
+  }
+  for (const char* option : {"--password-stdin", "--verbose"}) {
+    const Output output = sitelist({"edit", "set", "Depot", std::string(option) + "=Xunter2"});
+    EXPECT_EQ(output.status, 2);
+    EXPECT_EQ(output.err, std::string("sitelist: ") + option +
+                              ": the option takes no value\n"
+                              "  next: see `sitelist edit set --help`\n");
+  }
+  EXPECT_EQ(agentFiles(), before);
+}
+
 // A path that is too long cannot be the directory of an agent, so it is refused before any command
 // uses it.
 TEST_F(CliUsage, ADataDirectoryThatCannotBeOneIsWrongUsage) {

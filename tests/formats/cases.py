@@ -304,6 +304,7 @@ EDIT = [
     Case("edit-set-password", edit("set", DEPOT, "--password-stdin"), stdin=CANARIES["fresh"], writes=True),
     Case("edit-set-visible-password", edit("set", DEPOT, "password=" + CANARIES["fresh"]), 2),
     Case("edit-set-mistyped-password", edit("set", DEPOT, CANARIES["fresh"]), 2),
+    Case("edit-set-option-password", edit("set", DEPOT, "-" + CANARIES["fresh"]), 2),
     Case("edit-set-nasty-field", edit("set", DEPOT, NASTY + "=1"), 2),
     Case("edit-set-nasty-value", edit("set", DEPOT, "server=" + NASTY), 2),
     Case("edit-set-not-utf8", edit("set", DEPOT, b"server=\xff"), 2),

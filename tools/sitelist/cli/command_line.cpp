@@ -28,17 +28,24 @@ OptionInfo describeOption(const CLI::Option& option, const HintTable& hints) {
   info.isRepeatable = option.get_items_expected_max() > 1 ||
                       option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;
   info.completes = completionByName(info.valueName);
-  const auto found = hints.find(&option);
-  if (found == hints.end()) return info;
+  const auto found = hints.options.find(&option);
+  if (found == hints.options.end()) return info;
   info.choices = found->second.choices;
   if (found->second.suggestions) info.suggestions = found->second.suggestions();
   if (found->second.completes != Completion::Nothing) info.completes = found->second.completes;
   return info;
 }
 
-// Replaces two texts of the parser: "--host: 1 required NAME missing" for a missing value, and
-// "--host: At Most 1 required but received 2" for an option that is given twice.
+// Replaces three texts of the parser: "--host: 1 required NAME missing" for a missing value,
+// "--host: At Most 1 required but received 2" for an option that is given twice, and "Could not
+// convert: --json = VALUE" for a flag with a value. The value may be a password.
 std::string inPlainWords(const std::string& text) {
+  const std::string unconverted = "Could not convert: ";
+  if (text.rfind(unconverted, 0) == 0) {
+    const std::size_t stop = text.find(" = ");
+    return text.substr(unconverted.size(), stop - unconverted.size()) +
+           ": the option takes no value";
+  }
   const std::size_t twice = text.find(": At Most 1 required but received ");
   if (twice != std::string::npos) {
     return text.substr(0, twice) + ": the option is given more than once";
@@ -87,7 +94,7 @@ std::string argumentsIn(const std::vector<std::string>& words) {
 
 // Describes the words that the parser could not use. Omits the value of an option, because it may
 // be a secret.
-std::string unexpected(const CLI::App& program) {
+std::string unexpected(const CLI::App& program, const HintTable& hints) {
   std::string command;
   const CLI::App* app = &program;
   while (!app->get_subcommands().empty()) {
@@ -98,7 +105,11 @@ std::string unexpected(const CLI::App& program) {
   const std::string& word = words.front();
   if (isOptionLike(word)) {
     const std::string name = word.substr(0, word.find('='));
-    return "unknown option \"" + name + "\"" + suggestion(name, optionsOf(app));
+    const std::string similar = suggestion(name, optionsOf(app));
+    if (similar.empty() && hints.passwordCommands.count(app) != 0) {
+      return "unknown option; it is not shown, because it may be a password";
+    }
+    return "unknown option \"" + name + "\"" + similar;
   }
   const bool hasArguments =
       !app->get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
@@ -138,7 +149,7 @@ Option& Option::type_name(const std::string& name) {
 }
 
 Option& Option::choices(const std::vector<std::string>& values) {
-  (*m_hints)[m_option].choices = values;
+  m_hints->options[m_option].choices = values;
   m_option->check([values](const std::string& value) {
     if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
     std::string known;
@@ -149,12 +160,12 @@ Option& Option::choices(const std::vector<std::string>& values) {
 }
 
 Option& Option::suggests(std::function<std::vector<std::string>()> values) {
-  (*m_hints)[m_option].suggestions = std::move(values);
+  m_hints->options[m_option].suggestions = std::move(values);
   return *this;
 }
 
 Option& Option::completes(Completion what) {
-  (*m_hints)[m_option].completes = what;
+  m_hints->options[m_option].completes = what;
   return *this;
 }
 
@@ -196,6 +207,8 @@ Option Command::add_flag(const std::string& name, bool& value, const std::string
 void Command::footer(const std::string& text) { m_app->footer(text); }
 
 void Command::callback(std::function<void()> function) { m_app->callback(std::move(function)); }
+
+void Command::takes_password() { m_hints->passwordCommands.insert(m_app); }
 
 void Command::fallthrough() { m_app->fallthrough(); }
 
@@ -250,7 +263,7 @@ CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std:
       return Outcome::Answered;
     }
     const bool isExtra = e.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-    text = isExtra ? unexpected(*m_app) : inPlainWords(e.what());
+    text = isExtra ? unexpected(*m_app, m_hints) : inPlainWords(e.what());
     return Outcome::Wrong;
   }
 }

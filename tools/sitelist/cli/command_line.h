@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,10 @@ struct OptionHints {
   std::function<std::vector<std::string>()> suggestions;
   Completion completes = Completion::Nothing;
 };
-using HintTable = std::map<const CLI::Option*, OptionHints>;
+struct HintTable {
+  std::map<const CLI::Option*, OptionHints> options;
+  std::set<const CLI::App*> passwordCommands;
+};
 
 // A handle on one option or argument of a command. The option belongs to the command line. This
 // header does not include the parser, because that would make the compilation of every command
@@ -66,6 +70,8 @@ class Command {
   void footer(const std::string& text);
   // Sets a function that is called when the command line names this command.
   void callback(std::function<void()> function);
+  // Makes messages omit an unknown option of this command, because it may be a password.
+  void takes_password();
   // Makes this command accept the options of the command above it.
   void fallthrough();
   bool has_subcommand(const std::string& name) const;

@@ -73,6 +73,7 @@ std::vector<std::string> suggestedFields(bool isPassword) {
 }
 
 void addValues(Command& command, EditArguments& options) {
+  command.takes_password();
   command
       .add_option("FIELD=VALUE", options.assignments,
                   "A field, named as in `sitelist show --json`, and its value")

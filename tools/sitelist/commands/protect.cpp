@@ -30,6 +30,7 @@ int protectLine(Context& context) {
 
 void addProtect(Command& app, Context& context) {
   Command command = app.add_subcommand("protect", "Encrypt a password and print the result");
+  command.takes_password();
   command.footer(
       "The command reads the clear password from the first line of standard input.\n"
       "Only an agent with the same password key can decrypt the result. Put it\n"

@@ -1,3 +1,16 @@
+#ifdef __linux__
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#endif
+
+#include <cerrno>
+#include <cstddef>
+#include <iterator>
+#include <stdexcept>
+#include <thread>
+
 #include "tests/cli/edit_fixture.h"
 
 // An edit adds no fault to a list, by the rules of `sitelist validate`.
@@ -111,6 +124,58 @@ TEST_F(CliEditFaults, OfAServersKeyFilesAreThoseBesideTheList) {
   const Output output =
       shell("cd lists && \"$0\" --agent-dir ../agent edit --file list.xml disable Main");
   EXPECT_EQ(output.status, 0) << output.err;
+}
+
+#ifdef __linux__
+// From now on, this thread and the programs that it starts are on a file system without symbolic
+// links.
+void forbidSymbolicLinks() {
+  sock_filter instructions[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_symlinkat, 2, 0),
+#ifdef SYS_symlink
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_symlink, 1, 0),
+#else
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_symlinkat, 1, 0),
+#endif
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+  };
+  const sock_fprog filter = {std::size(instructions), instructions};
+  if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+      ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+    throw std::runtime_error("prctl");
+  }
+}
+
+TEST_F(CliEditFaults, AreFoundWithoutSymbolicLinks) {
+  write("agent/agent.toml", "managed = true\n");
+  setOwnList(document(serverSite({{"Version", "5.9"}})));
+  write("agent/etc/reqseckey.bin", "key");
+  write("agent/etc/srpubkey.bin", "key");
+  Output refused;
+  Output changed;
+  std::string link;
+  std::thread([&] {
+    forbidSymbolicLinks();
+    link = shell("ln -s x link").err;
+    refused = edit({"set", "Main", "relativePath="});
+    changed = edit({"disable", "Main"});
+  }).join();
+  EXPECT_THAT(link, HasSubstr("not permitted"));
+  EXPECT_EQ(refused.status, 1) << refused.err;
+  EXPECT_THAT(refused.err, HasSubstr("server-path: the management server has no \"RelativePath\""));
+  EXPECT_EQ(changed.status, 0) << changed.err;
+  EXPECT_EQ(site("Main")["enabled"], "false");
+}
+#endif
+
+TEST_F(CliEditFaults, AnEmptyKeyFileIsNotAKeyFile) {
+  write("agent/agent.toml", "managed = true\n");
+  setOwnList(document(serverSite()));
+  write("agent/etc/reqseckey.bin", "");
+  write("agent/etc/srpubkey.bin", "key");
+  EXPECT_THAT(faultOf({"set", "Main", "version=5.9"}), HasSubstr("server-request-key: "));
 }
 
 TEST_F(CliEditFaults, DoNotPreventAnUndo) {

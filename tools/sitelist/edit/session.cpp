@@ -1,8 +1,12 @@
 #include "tools/sitelist/edit/session.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
+#include "platform/common/afile.h"
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/mesh_copy.h"
@@ -11,6 +15,7 @@
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/messages.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/diff/diff.h"
 #include "tools/sitelist/edit/new_faults.h"
@@ -34,20 +39,23 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
       "look at the site in the document; its form may be one that the agent reads differently");
 }
 
-// A server with a version must have key files next to its list, so the draft gets links to them.
-void linkKeyFiles(const std::string& list, const std::string& draft) {
+// A server with a version must have key files next to its list. The rules only look at whether such
+// a file is empty, so a file with one byte stands for each, and no key is copied.
+void addKeyFiles(const std::string& list, const std::string& draft) {
   namespace fs = std::filesystem;
-  std::error_code error;
-  const fs::path from = fs::absolute(list, error).parent_path();
-  const fs::path to = fs::path(draft).parent_path();
   for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
                               sitehlp::c_req2048SecKey}) {
-    if (!error) fs::create_symlink(from / narrow(name), to / narrow(name), error);
+    const fs::path key = fs::path(list).parent_path() / narrow(name);
+    unsigned long long size = 0;
+    if (!AFiler::getFileSize(wide(key.string()), size) || size == 0) continue;
+    std::ofstream file(fs::path(draft).parent_path() / narrow(name));
+    file << '0';
+    file.close();
+    if (file) continue;
+    throw failureAt(draft, exitFile,
+                    std::string("a draft of the list cannot be written: ") + std::strerror(errno),
+                    "check that there is free space");
   }
-  if (!error) return;
-  throw failureAt(draft, exitFile,
-                  "the key files cannot be linked beside the draft: " + error.message(),
-                  "keep the list in a file system that has symbolic links");
 }
 
 // What a draft of the changed document shows.
@@ -61,9 +69,10 @@ Trial tryOut(const ListEditor& list, bool isBesideList) {
   const ScratchDirectory scratch =
       isBesideList ? ScratchDirectory(directoryOf(path)) : ScratchDirectory();
   const std::string draft = scratch.path() + "/SiteList.xml";
+  showAs(draft, path);
   Trial trial;
   trial.after = readDraft(list, draft);
-  linkKeyFiles(path, draft);
+  addKeyFiles(path, draft);
   trial.faults = newFaults(path, draft);
   return trial;
 }

@@ -57,7 +57,6 @@ void failIfNotEditable(const std::string& path) {
 }
 
 ListEditor::ListEditor(const SiteList& list) : m_list(list) {
-  failIfNotEditable(list.path);
   const tag_Site* record = list.sites.get();
   if (m_document.useExistingFile(wide(list.path), WX_XML_SITELISTS, WX_XML_NAMESPACE,
                                  WX_XML_SITELISTS_NAMESPACE) &&

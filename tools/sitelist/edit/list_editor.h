@@ -27,8 +27,8 @@ class ListEditor {
     bool isRemoved = false;
   };
 
-  // `list` must be the content of the file and outlive the object. Fails when the file cannot be
-  // edited.
+  // `list` must be the content of the file and outlive the object. failIfNotEditable must have
+  // accepted the file. Fails when the file is no longer the same.
   explicit ListEditor(const SiteList& list);
 
   const SiteList& list() const { return m_list; }

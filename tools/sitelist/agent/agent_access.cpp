@@ -57,6 +57,12 @@ bool isOwnList(const Context& context, const std::string& file) {
 void serveAgent(const Context& context) {
   std::error_code error;
   if (!fs::is_directory(context.agentDirectory, error)) {
+    if (error && error != std::errc::no_such_file_or_directory &&
+        error != std::errc::not_a_directory) {
+      throw failureAt(context.agentDirectory, exitFile,
+                      "the agent's data directory cannot be read: " + error.message(),
+                      "check the path, or name another directory with --agent-dir");
+    }
     throw failureAt(context.agentDirectory, exitFile, "the agent's data directory does not exist",
                     "name another directory with --agent-dir, or create one with `sitelist init`");
   }

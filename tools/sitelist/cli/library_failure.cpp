@@ -1,8 +1,12 @@
 #include "tools/sitelist/cli/library_failure.h"
 
+#include <fcntl.h>
+
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 
+#include "host/fs/file_system.h"
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/result_codes.h"
 #include "tools/sitelist/cli/log_record.h"
@@ -22,6 +26,7 @@ struct Meaning {
 };
 
 constexpr const char* c_notWritten = "the file could not be written";
+constexpr const char* c_checkPath = "check the directories and symbolic links of the path";
 constexpr const char* c_checkTarget =
     "check that its directory exists, that you may write there and that there is free space";
 
@@ -89,9 +94,15 @@ std::string describe(const ReadError& error) {
 
 // The code may have several causes, so the error in the document is more exact.
 Failure readFailure(const std::string& name, const ReadError& error, int code) {
-  return Failure(error.status,
-                 textWithCode(name, code, meaningOf(error.code).meaning) + describe(error),
-                 error.advice, originOf(name, code, error));
+  const char* const meaning = error.meaning ? error.meaning : meaningOf(error.code).meaning;
+  return Failure(error.status, textWithCode(name, code, meaning) + describe(error), error.advice,
+                 originOf(name, code, error));
+}
+
+// Returns 0 or an errno.
+int errorOfFinding(const std::string& path) {
+  struct stat status;
+  return -host::fileSystem().stat(AT_FDCWD, path, true, status);
 }
 
 }  // namespace
@@ -105,6 +116,14 @@ std::string formatCode(int code) {
 Failure libraryFailure(const std::string& path, int code) {
   const Meaning& known = meaningOf(code);
   if (known.meaning == c_notWritten) return writeFailure(path, code, known.meaning);
+  if (code == sitehlp::c_errorFileMissing) {
+    // The library asks only whether it can find the file.
+    const int error = errorOfFinding(path);
+    if (error != 0 && error != ENOENT && error != ENOTDIR) {
+      return libraryFailure(path, code, exitFile, "the file could not be read", c_checkPath,
+                            "\n  " + readFailureReason(error));
+    }
+  }
   const bool isAboutReading = code != sitehlp::c_errorFileMissing &&
                               (known.status == exitDocument || known.status == exitFile);
   if (isAboutReading) {

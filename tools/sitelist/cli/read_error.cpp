@@ -1,5 +1,6 @@
 #include "tools/sitelist/cli/read_error.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 
@@ -10,6 +11,7 @@
 #include "sitehlp/result_codes.h"
 #include "sitehlp/site.h"
 #include "sitehlp/xmlschema/sitelist.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/text.h"
 
 namespace tool {
@@ -69,6 +71,38 @@ ReadError invalidEncoding() {
   error.advice = "save the document as UTF-8, or request it again from the server";
   error.code = ReadWriteException::INVALID_ENCODING;
   return error;
+}
+
+std::string inSmallLetters(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+// Returns the encoding that the XML declaration of a document in ASCII names, or an empty text.
+std::string declaredEncoding(const std::string& bytes) {
+  constexpr std::size_t longest = 200;
+  const std::string start = bytes.substr(0, longest);
+  const std::size_t end = start.find("?>");
+  if (start.rfind("<?xml", 0) != 0 || end == std::string::npos) return "";
+  const std::size_t at = start.find("encoding");
+  const std::size_t open = start.find_first_of("\"'", at);
+  if (at >= end || open >= end) return "";
+  return start.substr(open + 1, start.find(start[open], open + 1) - open - 1);
+}
+
+bool isSupported(const std::string& encoding) {
+  const std::string name = inSmallLetters(encoding);
+  return name.rfind("utf-8", 0) == 0 || name.rfind("utf-16", 0) == 0 ||
+         name.rfind("utf-32", 0) == 0 || name == "us-ascii";
+}
+
+// A document in another encoding looks like one with wrong bytes.
+void nameUnsupportedEncoding(ReadError& error, const std::string& bytes) {
+  const std::string encoding = declaredEncoding(bytes);
+  if (encoding.empty() || isSupported(encoding)) return;
+  error.meaning = "the encoding of the document is not supported";
+  error.reason = "the document declares the encoding \"" + shown(encoding) +
+                 "\"; only UTF-8, UTF-16 and UTF-32 are supported";
 }
 
 ReadError readErrorOf(const ReadWriteException& e) {
@@ -153,17 +187,23 @@ ReadError readErrorOf(int systemError) {
 
 std::optional<ReadError> readDocument(const std::string& path, std::wstring& text,
                                       std::unique_ptr<Document>& document) {
-  return parse(
+  auto error = parse(
       [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
         AdvXMLParser::ReadUtf8FromFile(wide(path), into, writtenIn);
       },
       text, document);
+  std::string bytes;
+  if (error && error->code == ReadWriteException::INVALID_ENCODING &&
+      tryReadBytes(path, bytes) == 0) {
+    nameUnsupportedEncoding(*error, bytes);
+  }
+  return error;
 }
 
 std::optional<ReadError> readDocumentInBytes(const std::string& bytes,
                                              std::unique_ptr<Document>& document) {
   std::wstring text;
-  return parse(
+  auto error = parse(
       [&](std::string& into, AdvXMLParser::WrittenIn& writtenIn) {
         const auto* const data = reinterpret_cast<const unsigned char*>(bytes.data());
         if (!AdvXMLParser::ConvertBufferToUtf8(data, bytes.size(), into, writtenIn)) {
@@ -171,6 +211,10 @@ std::optional<ReadError> readDocumentInBytes(const std::string& bytes,
         }
       },
       text, document);
+  if (error && error->code == ReadWriteException::INVALID_ENCODING) {
+    nameUnsupportedEncoding(*error, bytes);
+  }
+  return error;
 }
 
 std::optional<ReadError> findReadError(const std::string& path, int code) {

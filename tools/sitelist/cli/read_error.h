@@ -21,7 +21,8 @@ struct ReadError {
   unsigned long column = 0;  // line and column are 0 without a place in the document
   std::string reason;        // printable, without the name of the file
   const char* advice = "";
-  int code = 0;  // error code of the library or the parser
+  int code = 0;                   // error code of the library or the parser
+  const char* meaning = nullptr;  // what happened, if the code does not say it
 };
 
 constexpr const char* c_checkFile = "check that it is a regular file that you may read";

@@ -9,6 +9,7 @@
 #include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/edit/list_editor.h"
@@ -63,6 +64,7 @@ std::string modifyCopy(const ScratchDirectory& scratch, const ModifyOptions& opt
   passwords.requireKeyOfOwnList();
   // The FIPS marker is a file beside the directory of the list.
   const std::string copy = scratch.path() + "/etc/SiteList.xml";
+  showAs(scratch.path() + "/etc", "a temporary copy of " + directoryOf(ownList));
   if (!AFiler::createDirectory(wide(scratch.path() + "/etc")) ||
       !AFiler::copyFile(wide(ownList), wide(copy)) || !modifyList(copy, options)) {
     failToModify(options, ownList, copy);

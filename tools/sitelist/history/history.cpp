@@ -36,7 +36,7 @@ std::string historyDirectory(const std::string& list) {
 }
 
 // "<front>-<time>-<command>.xml", with the time as "20261122T140512Z"
-std::string nameOf(const std::string& front, const std::string& time, std::string command) {
+std::string keptNameOf(const std::string& front, const std::string& time, std::string command) {
   std::string digits;
   std::copy_if(time.begin(), time.end(), std::back_inserter(digits),
                [](char c) { return c != '-' && c != ':'; });
@@ -44,8 +44,8 @@ std::string nameOf(const std::string& front, const std::string& time, std::strin
   return front + "-" + digits + "-" + command + c_suffix;
 }
 
-std::string nameOf(const HistoryEntry& entry) {
-  return nameOf(std::to_string(entry.number), entry.time, entry.command);
+std::string keptNameOf(const HistoryEntry& entry) {
+  return keptNameOf(std::to_string(entry.number), entry.time, entry.command);
 }
 
 // Gets the parts of such a name. Returns false for any other name.
@@ -123,7 +123,7 @@ int promote(const HistoryEntry& pending) {
   std::string bytes;
   if (const int error = tryReadBytes(pending.path, bytes)) return error;
   const fs::path directory = fs::path(pending.path).parent_path();
-  const int error = write((directory / nameOf(pending)).string(), pending.path, bytes);
+  const int error = write((directory / keptNameOf(pending)).string(), pending.path, bytes);
   return error ? error : host::removeFile(pending.path);
 }
 
@@ -184,7 +184,7 @@ KeptList::KeptList(const std::string& list, const std::string& command, unsigned
   } else if (copies.pending) {
     error = host::removeFile(copies.pending->path);
   }
-  const std::string copy = directory + "/" + nameOf(c_pending, presentTime(), command);
+  const std::string copy = directory + "/" + keptNameOf(c_pending, presentTime(), command);
   if (error == 0) error = write(copy, list, m_bytes);
   if (error) failToKeep(copy, std::strerror(error));
   m_copy = copy;

@@ -212,7 +212,8 @@ int main(int argc, char** argv) {
     tool::printError("out of memory");
   }
   std::cout.flush();
-  if (!std::cout && status == tool::exitSuccess) {
+  // A negative result is lost with the output. Any other failure has its message.
+  if (!std::cout && (status == tool::exitSuccess || status == tool::exitNegative)) {
     tool::printError("cannot write to standard output");
     status = tool::exitFile;
   }

@@ -6,25 +6,14 @@
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/read_error.h"
-#include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/root.h"
 
 namespace tool {
 namespace {
 
 namespace schema = korvel_com::orb::xmlschema::sitelist;
 
-std::wstring withoutPrefix(const std::wstring& name) { return name.substr(name.rfind(L':') + 1); }
-
 }  // namespace
-
-void requireSiteList(const std::string& name, const AdvXMLParser::Document& document) {
-  const std::wstring root = document.GetRoot().GetName();
-  if (withoutPrefix(root) == withoutPrefix(schema::WX_XML_SITELISTS)) return;
-  throw failureAt(name, exitDocument,
-                  "the document is not a site list\n  its root is \"" + shown(root) +
-                      "\", not \"ns:SiteLists\"",
-                  "check that it is the right file");
-}
 
 void requireIncomingList(const IncomingOptions& options) {
   std::wstring text;

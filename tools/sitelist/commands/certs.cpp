@@ -13,6 +13,7 @@
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/model/certificate.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
@@ -112,6 +113,7 @@ int certs(Context& context, const CertsOptions& options) {
                          unread ? "\n  " + unread->reason : "");
   }
   if (result != 0) throw libraryFailure(agent.path(), result);
+  requireSiteList(agent.path());
   Report report;
   report.facts = {{"file", reportedName(agent.path())}};
   report.rowsName = "certificates";

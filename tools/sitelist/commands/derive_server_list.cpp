@@ -28,6 +28,7 @@ int derive(Context& context, const DeriveOptions& options) {
   if (!sitehlp::CSitesHelper::createServerSiteListFromSiteList(
           wide(options.source).c_str(), options.target.empty() ? nullptr : target.c_str())) {
     failIfNotEditable(options.source + "/SiteList.xml");
+    failIfOverLimit(options.source + "/SiteList.xml");
     throw libraryFailure(written, sitehlp::c_errorWrite);
   }
   std::cerr << "sitelist: wrote " << shown(written) << '\n';

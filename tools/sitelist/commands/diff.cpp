@@ -46,6 +46,7 @@ std::pair<std::string, std::string> namesOf(const Context& context, const DiffOp
     throw Failure(exitUsage, "--history cannot be used with BEFORE and AFTER",
                   "omit the lists; --history compares with the agent's own list");
   }
+  serveAgent(context);
   const std::string own = ownListPath(context);
   return {historyEntry(own, options.number).path, own};
 }

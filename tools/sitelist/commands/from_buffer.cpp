@@ -9,6 +9,7 @@
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/root.h"
 
 namespace tool {
 namespace {
@@ -32,6 +33,7 @@ int fromBuffer(Context& context, const FromBufferOptions& options) {
     throw libraryFailure(input.name, input.bytes,
                          AdvXMLParser::ReadWriteException::INVALID_ENCODING);
   }
+  if (!text.empty()) requireSiteList(input);  // the library reports an empty text
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireKeyOfOwnList();
   passwords.requireEncryptable(input);

@@ -10,6 +10,7 @@
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/diff/diff.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -64,6 +65,7 @@ SiteList mergeLists(const std::string& ownList, Sources& sources, PasswordCheck&
   base.localVersion.clear();
   base.path = "the merged list";
   if (result != 0) throw libraryFailure(ownList, result);
+  if (useSecond && !first.sites) requireSiteList(ownList);
   return base;
 }
 

@@ -46,6 +46,7 @@ bool haveKeyFiles(const IncomingOptions& incoming) {
 [[noreturn]] void failToModify(const ModifyOptions& options, const std::string& ownList,
                                const std::string& written) {
   failIfNotEditable(ownList);
+  failIfOverLimit(ownList);
   failIfNotEditable(options.incoming.file);
   const int result = readSiteList(options.incoming.file).result;
   if (result == sitehlp::c_errorGeneral) throw lastSiteFailure(options.incoming.file);

@@ -11,6 +11,7 @@
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/diff/diff.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -28,6 +29,7 @@ struct PoliciesOptions {
 int listPolicies(Context& context, const PoliciesOptions& options) {
   const AgentForReading agent(context, options.file);
   const SiteList sites = readSiteList(agent.path());
+  if (sites.result == 0) requireSiteList(agent.path());
   Report report;
   report.facts = {{"file", reportedName(sites.path)}};
   report.rowsName = "policies";

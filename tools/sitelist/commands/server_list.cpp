@@ -1,20 +1,23 @@
+#include <sys/stat.h>
+
 #include <iostream>
 #include <memory>
 
 #include "host/agent.h"
+#include "host/fs/files.h"
 #include "platform/crypto/object_buffer.h"
 #include "platform/xml/advxmlparser.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
-#include "tools/sitelist/agent/incoming_check.h"
 #include "tools/sitelist/agent/password_check.h"
+#include "tools/sitelist/agent/scratch_directory.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/messages.h"
-#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -26,8 +29,19 @@ struct ServerListOptions {
   bool allowLostPasswords = false;
 };
 
-// AdjustPwd does not report a failed write, so the file is checked.
-void requireRewritten(const std::string& path, const std::string& before) {
+// The library does not read such a list, so it cannot adjust the passwords.
+void failIfOverLimit(const Input& input) {
+  constexpr int overLimit = AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED;
+  const ScratchDirectory scratch;
+  const std::string copy = scratch.path() + "/SiteList.xml";
+  const int error =
+      host::replaceFile(copy, input.bytes.data(), input.bytes.size(), S_IRUSR | S_IWUSR);
+  if (error != 0 || readSiteList(copy).result != overLimit) return;
+  throw libraryFailure(input.name, input.bytes, overLimit);
+}
+
+// AdjustPwd does not report a failure, so the file is checked.
+void requireRewritten(const std::string& path, const std::string& before, const Input& input) {
   std::string after;
   try {
     after = readInput(path).bytes;
@@ -35,22 +49,15 @@ void requireRewritten(const std::string& path, const std::string& before) {
     after = before;
   }
   if (after == before) {
+    failIfOverLimit(input);
     throw writeFailure(path, sitehlp::c_errorWrite, "the list could not be written");
   }
-}
-
-void requireDocument(const Input& input) {
-  std::unique_ptr<AdvXMLParser::Document> document;
-  if (readDocumentInBytes(input.bytes, document)) {
-    throw libraryFailure(input.name, input.bytes, sitehlp::c_errorParse);
-  }
-  requireSiteList(input.name, *document);
 }
 
 int serverList(Context& context, const ServerListOptions& options) {
   serveAgent(context);
   const Input input = readInput(options.file);
-  requireDocument(input);
+  requireSiteList(input);
   const ListLock lock(context, "", ListUse::Change);
   const std::string path = context.agentDirectory + "/ServerSiteList.xml";
   const bool isRewritten = options.adjustPasswords &&
@@ -73,7 +80,7 @@ int serverList(Context& context, const ServerListOptions& options) {
   if (helper.CreateServerSiteList(buffer, options.adjustPasswords) == 0) {
     throw libraryFailure(path, sitehlp::c_errorWrite);
   }
-  if (isRewritten) requireRewritten(path, before);
+  if (isRewritten) requireRewritten(path, before, input);
   passwords.warn(false);
   if (options.adjustPasswords && !isRewritten) {
     printWarning("the configured key size is not 2048; the passwords are unchanged");

@@ -7,6 +7,7 @@
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_list.h"
 
 namespace tool {
@@ -48,6 +49,7 @@ int servers(Context& context, const ServersOptions& options) {
   const int result = helper.GetPYXServerInfo(names, hosts, addresses, computers, port, versions,
                                              options.all, options.nonSecurePort);
   if (result != 0) throw libraryFailure(path, result);
+  requireSiteList(path);
   if (port == noPort) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
   ServerTexts texts = {{{}, narrow(names)},
                        {{}, narrow(hosts)},

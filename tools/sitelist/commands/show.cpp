@@ -8,6 +8,7 @@
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/selection.h"
 #include "tools/sitelist/model/site_report.h"
 
@@ -160,6 +161,7 @@ int show(Context& context, ShowOptions options) {
   const bool needsAll = format == Format::Table || !options.selection.sort.empty();
   const Counts counts =
       needsAll ? readAll(*list, options, rows) : readInPassing(*list, options, rows);
+  if (list->result == 0) requireSiteList(agent.path());
   report.facts = listFacts(*list);
   report.facts.emplace_back("result", std::int64_t{list->result});
   report.table = [list, options](std::ostream& out, const Screen& screen) {

@@ -25,6 +25,7 @@ struct UndoOptions {
 };
 
 int preview(Context& context, const UndoOptions& options) {
+  serveAgent(context);
   serveDetachedAgent(context);
   const std::string path = ownListPath(context);
   const HistoryEntry entry = historyEntry(path, options.number);

@@ -5,6 +5,7 @@
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
@@ -19,6 +20,7 @@ int versions(Context& context, const std::string& file) {
   const int result =
       helper.GetSitelistVersions(path, list.globalVersion, list.localVersion, list.type);
   if (result != 0) throw libraryFailure(agent.path(), result);
+  requireSiteList(agent.path());
   std::wstring fipsMode;
   if (helper.GetSitelistFipsMode(path, fipsMode) == 0) list.fipsMode = fipsMode;
   Report report;

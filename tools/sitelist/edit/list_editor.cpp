@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "platform/xml/advxmlparser.h"
 #include "sitehlp/result_codes.h"
 #include "sitehlp/xmlschema/sitelist.h"
 #include "tools/sitelist/cli/failure.h"
@@ -53,6 +54,13 @@ void failIfNotEditable(const std::string& path) {
                                              nullptr)) {
     throw failureAt(path, exitDocument, "the document has no \"SiteList\"",
                     "check that it is the right file");
+  }
+}
+
+void failIfOverLimit(const std::string& path) {
+  const int result = readSiteList(path).result;
+  if (result == AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED) {
+    throw libraryFailure(path, result);
   }
 }
 

@@ -14,6 +14,9 @@ namespace tool {
 // document, has another root or has no "SiteList". The edit operations of the library do not give
 // this reason.
 void failIfNotEditable(const std::string& path);
+// Fails if the list has more sites than the library reads. The edit operations refuse such a list
+// when they write it.
+void failIfOverLimit(const std::string& path);
 
 // A list that is being edited. It has the document and, for each site element, the record that the
 // library read from it. It stores every change, so that isAsMeant can compare the changes with a

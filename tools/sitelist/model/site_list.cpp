@@ -5,6 +5,7 @@
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/root.h"
 
 namespace tool {
 
@@ -27,6 +28,7 @@ SiteList readSiteList(const std::string& path) {
 SiteList readWholeSiteList(const std::string& path) {
   SiteList list = readSiteList(path);
   if (list.result != 0) throw libraryFailure(path, list.result);
+  requireSiteList(path);
   return list;
 }
 

@@ -9,11 +9,14 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 
 // Is loaded before the C library. Changes a list while the tool uses it, or sends the tool a signal
 // while it has a draft. With UNFORESEEN, throws an exception that no library throws. With
-// NO_DIRECTORY_LOCKS, makes a file system whose directories cannot be locked.
+// NO_MEMORY_FOR, throws as if there was no memory. With REPLACED, that file has the content of
+// REPLACEMENT when it is opened again. With LIBRARY, that directory is in the place of "/Library".
+// With NO_DIRECTORY_LOCKS, makes a file system whose directories cannot be locked.
 
 namespace {
 
@@ -34,6 +37,17 @@ void changeOnce(const char* file) {
 
 bool isDraft(const char* path) {
   return std::strstr(path, "sitelist-") && std::strstr(path, ".xml");
+}
+
+bool isNamed(const char* path, const char* variable) {
+  const char* const name = std::getenv(variable);
+  return name && std::strcmp(path, name) == 0;
+}
+
+// Another file has replaced the file when it is opened again.
+bool isReplaced(const char* path) {
+  static int times = 0;
+  return isNamed(path, "REPLACED") && ++times > 1;
 }
 
 }  // namespace
@@ -62,8 +76,12 @@ __attribute__((visibility("default"))) int openat(int directory, const char* pat
   va_start(rest, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
   va_end(rest);
-  const char* const unforeseen = std::getenv("UNFORESEEN");
-  if (unforeseen && std::strcmp(path, unforeseen) == 0) throw std::runtime_error("unforeseen");
+  if (isNamed(path, "UNFORESEEN")) throw std::runtime_error("unforeseen");
+  if (isNamed(path, "NO_MEMORY_FOR")) throw std::bad_alloc();
+  if (isReplaced(path)) path = std::getenv("REPLACEMENT");
+  if (const char* const library = std::getenv("LIBRARY")) {
+    if (std::strcmp(path, "Library") == 0) path = library;
+  }
   const char* const signal = std::getenv("SIGNAL_IN_DRAFT");
   if (signal && isDraft(path)) ::raise(std::atoi(signal));
   return next<int(int, const char*, int, mode_t)>("openat")(directory, path, flags, mode);

@@ -352,6 +352,14 @@ TEST_F(CliUsage, WhatNobodyForesawIsAnInternalError) {
   EXPECT_EQ(document["error"]["name"], "internal");
   EXPECT_THAT(output.err, HasSubstr(document["error"]["message"].get<std::string>()));
 }
+
+TEST_F(CliUsage, MemoryThatIsMissingIsAnInternalError) {
+  initAgent();
+  const Output output = shell("NO_MEMORY_FOR=list.xml LD_PRELOAD='" INTERPOSER
+                              "' exec \"$0\" --agent-dir agent server-list list.xml");
+  EXPECT_EQ(output.status, 70);
+  EXPECT_EQ(output.err, "sitelist: out of memory\n  next: free memory and try again\n");
+}
 #endif
 
 }  // namespace

@@ -102,6 +102,15 @@ TEST_F(ManualPages, ToolPageHasTheExitStatuses) {
   EXPECT_EQ(found(below(linesOf("sitelist.1"), "EXIT STATUS"), "^ +([0-9]+)  "), told);
 }
 
+TEST_F(ManualPages, ToolPageHasTheExitStatusesOfEveryCommand) {
+  const std::string table = below(linesOf("sitelist.1"), "   Statuses of each command");
+  EXPECT_THAT(table, HasSubstr("  0  1  2  3  4  5  6  7\n"));
+  for (const HelpText& help : helpTexts()) {
+    if (!help.commands.empty()) continue;
+    EXPECT_THAT(table, ContainsRegex("\n       " + help.name().substr(9) + "  +x")) << help.name();
+  }
+}
+
 // The names at the beginning of the items of a list, in the page's source.
 std::vector<std::string> itemNames(const std::string& source) {
   std::vector<std::string> names;

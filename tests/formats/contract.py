@@ -7,6 +7,8 @@ import subprocess
 
 import jsonschema
 
+import status_table
+
 STATUSES = {0, 1, 2, 3, 4, 5, 6, 7, 70}
 
 
@@ -109,6 +111,17 @@ def status_problems(tool, cases):
     return [f"exit statuses: the help has {told}, cases have {found}"]
 
 
+def blank_cells(golden):
+    """Every command and status of a golden document has a cell. A group of commands has none."""
+    table = status_table.read_table()
+    found = {(document["command"], document["status"])
+             for document in (json.loads(path.read_text()) for path in golden.glob("*/*/json"))}
+    groups = {command.rsplit(" ", 1)[0] for command, _ in table if " " in command} | {""}
+    return [f"{command} {status}: a case has this status, but {status_table.TABLE.name} does not"
+            for command, status in sorted(found)
+            if (command, status) not in table and not (command in groups and status == 2)]
+
+
 def smallest_of_each_kind(golden):
     """A document of every command with a row, without one, and with an error."""
     chosen = {}
@@ -133,4 +146,4 @@ def problems(golden, tool, cases):
                   for what, result in (*damaged(document), *incomplete(document)) if check.is_valid(result)]
     told = {command.split()[0] for command, _, _ in documents if command}
     found += [f"{name}: no case at all" for name in commands(tool) if name not in told]
-    return found + status_problems(tool, cases)
+    return found + blank_cells(golden) + status_problems(tool, cases)

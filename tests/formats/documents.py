@@ -171,16 +171,31 @@ def lists(sealed):
             site("HttpSite", "depot", 1, "depot.example")
             + proxy("p", "<AllowUserToConfigureProxy>1</AllowUserToConfigureProxy>", UseIEConfig=1)
         ),
+        "shared-order.xml": document(
+            site("HttpSite", "a", 1, "a.example")
+            + site("HttpSite", "b", 1, "b.example", Enabled=0)
+            + site("HttpSite", "c", 2, "c.example")
+        ),
+        "three.xml": document(
+            site("HttpSite", "a", 1, "a.example")
+            + site("HttpSite", "b", 2, "b.example", Enabled=0)
+            + site("HttpSite", "c", 3, "c.example")
+        ),
         "direct.xml": document(site("HttpSite", "depot", 1, "depot.example")),
         "older.xml": document(server("HQ", 1, "hq.example"), root='GlobalVersion="20200101000000"'),
         "unknown-last.xml": document(site("HttpSite", "depot", 1, "depot.example") + '<WhatSite Name="x"/>'),
         "certificates.xml": document("", bundle("expired", "lasting", "no certificate at all")),
+        "expired.xml": document("", bundle("expired")),
         "lasting.xml": document("", bundle("lasting")),
         "incomplete.xml": document(server("", 1, "hq.example", Version="", ServerIP="")),
         "refused-hostile.xml": document(server(HOSTILE, 1, HOSTILE, Version=HOSTILE, Type=HOSTILE)),
         "twins.xml": document(site("HttpSite", "twin", 1, "a.example") + site("HttpSite", "twin", 2, "b.example")),
         "keyless.xml": document(server("HQ", 1, "hq.example")),
         "foreign.xml": document(site("HttpSite", "depot", 1, "a.example", path("x", "u", "QUJDREVG"))),
+        "vendor.xml": document(site("HttpSite", "Vendor", 1, "update.wex.example:80", path("x", "u"))),
+        "foreign-vendor.xml": document(
+            site("HttpSite", "Vendor", 1, "update.wex.example:80", path("x", "u", "QUJDREVG"))
+        ),
         "foreign-too.xml": document(site("HttpSite", "depot", 1, "a.example", path("x", "u", "QUJDREVH"))),
         "broken.xml": '<?xml version="1.0"?>\n<ns:SiteLists xmlns:ns="wxSiteList">\n  <SiteList></Site>\n',
         "no-markup.xml": "no markup\n",

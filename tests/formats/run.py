@@ -3,6 +3,7 @@
 
   run.py --tool SITELIST GROUP...               the cases of these groups, against their folders
   run.py --tool SITELIST contract               schema, commands and exit statuses
+  run.py --tool SITELIST statuses               a run for every exit status of every command
   run.py --tool SITELIST --update [GROUP...]    writes the folders anew
 
 Each case has a folder, COMMAND/CASE/: its command line in cmd, and what is printed in a file for
@@ -22,6 +23,7 @@ import cases
 import checks
 import contract
 import forms
+import statuses
 from world import World
 
 HERE = Path(__file__).resolve().parent
@@ -124,19 +126,30 @@ def run_groups(arguments, chosen):
         world.remove()
 
 
+def run_statuses(arguments):
+    world = World(arguments.tool, SOURCE)
+    try:
+        return statuses.problems(world, arguments.interposer)
+    finally:
+        world.remove()
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("--tool", required=True, type=lambda path: Path(path).resolve())
     parser.add_argument("--update", action="store_true")
-    parser.add_argument("groups", nargs="*", choices=[*cases.GROUPS, "contract", []])
+    parser.add_argument("--interposer", help="the library of tests/cli/interposer.cpp")
+    parser.add_argument("groups", nargs="*", choices=[*cases.GROUPS, "contract", "statuses", []])
     arguments = parser.parse_args()
     groups = arguments.groups or list(cases.GROUPS)
-    chosen = [case for name in groups if name != "contract" for case in cases.GROUPS[name]]
+    chosen = [case for name in groups for case in cases.GROUPS.get(name, ())]
     problems = find_stale(arguments.update)
     if chosen:
         problems += run_groups(arguments, chosen)
     if "contract" in groups:
         problems += contract.problems(HERE, arguments.tool, cases.ALL)
+    if "statuses" in groups:
+        problems += run_statuses(arguments)
     for problem in problems:
         print(problem, file=sys.stderr)
     print(f"{len(chosen)} cases, {len(problems)} problems")

@@ -26,7 +26,9 @@ def environment():
 class World:
     """agent: managed, with a list and secrets. fresh: made by init and nothing else. serverless,
     hostile, keyless, bad-key, unset: agents with another list, without a key, with settings or a key
-    that cannot be read. locked: one whose list another process is reading all the time. lists: documents. in: the example list with its keys."""
+    that cannot be read. strange: one whose list is no site list. locked: one whose list another process
+    is reading all the time. busy: one whose list another process is writing all the time.
+    lists: documents. in: the example list with its keys."""
 
     def __init__(self, tool, source):
         self.tool = str(tool)
@@ -36,19 +38,20 @@ class World:
             (self.dir / name).mkdir(parents=True)
         for name in ("agent", "fresh"):
             self.must("--agent-dir", name, "init", "--managed", "--mesh-command", "/bin/sh", "-c", ":")
-        for name in ("serverless", "hostile", "bad-key", "locked"):
+        for name in ("serverless", "hostile", "bad-key", "strange", "locked", "busy"):
             shutil.copytree(self.dir / "fresh", self.dir / name)
         sealed = {name: self.protect(clear) for name, clear in documents.CANARIES.items()}
         for name, text in documents.lists(sealed).items():
             (self.dir / "lists" / name).write_bytes(text if isinstance(text, bytes) else text.encode())
         for agent in ("agent", "keyless"):
             (self.dir / agent / "etc/SiteList.xml").write_bytes(documents.own(sealed).encode())
-        for agent in ("serverless", "locked"):
+        for agent in ("serverless", "locked", "busy"):
             shutil.copy(self.dir / "lists/direct.xml", self.dir / agent / "etc/SiteList.xml")
         for number, name in (("1-20260101T000000Z-import", "direct"), ("2-20260102T000000Z-edit_set", "hostile")):
             (self.dir / "agent/etc/history").mkdir(exist_ok=True)
             shutil.copy(self.dir / f"lists/{name}.xml", self.dir / f"agent/etc/history/{number}.xml")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "hostile/etc/SiteList.xml")
+        shutil.copy(self.dir / "lists/other-root.xml", self.dir / "strange/etc/SiteList.xml")
         (self.dir / "bad-key/keystore/password.key").write_text("too short")
         (self.dir / "keyless/agent.toml").write_text("managed = false\n")
         (self.dir / "unset/agent.toml").write_text("managed = maybe\n")
@@ -56,8 +59,12 @@ class World:
         shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
-        self.lock = os.open(self.dir / "locked/locks/SiteListLock.lock", os.O_RDWR)
-        fcntl.flock(self.lock, fcntl.LOCK_SH)
+        self.locks = [self.lock_list("locked", fcntl.LOCK_SH), self.lock_list("busy", fcntl.LOCK_EX)]
+
+    def lock_list(self, agent, mode):
+        lock = os.open(self.dir / agent / "locks/SiteListLock.lock", os.O_RDWR)
+        fcntl.flock(lock, mode)
+        return lock
 
     def seal_example(self, sealed):
         path = self.dir / "in/SiteList.xml"
@@ -109,5 +116,6 @@ class World:
         return {path: path.read_bytes() for path in files if path.parent.name not in ("locks", "history")}
 
     def remove(self):
-        os.close(self.lock)
+        for lock in self.locks:
+            os.close(lock)
         shutil.rmtree(self.base)

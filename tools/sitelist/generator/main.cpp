@@ -8,9 +8,10 @@
 #include "tools/sitelist/commands/program.h"
 #include "tools/sitelist/generator/pages.h"
 
-// sitelist-generator DIRECTORY DATE SCHEMA: writes the manual pages and the JSON Schema of the
-// tool's output below DIRECTORY. DATE is the date of the pages, for example "May 1, 2001". SCHEMA
-// is the file with the JSON Schema, without the kinds and fields of sites.
+// sitelist-generator DIRECTORY DATE SCHEMA STATUSES: writes the manual pages and the JSON Schema of
+// the tool's output below DIRECTORY. DATE is the date of the pages, for example "May 1, 2001".
+// SCHEMA is the file with the JSON Schema, without the kinds and fields of sites. STATUSES is the
+// file with the exit statuses of each command.
 
 namespace tool {
 namespace {
@@ -32,12 +33,12 @@ std::string read(const std::string& path) {
 }
 
 void generate(const std::filesystem::path& directory, const std::string& date,
-              const std::string& schema) {
+              const std::string& schema, const std::string& statuses) {
   Context context;
   const CommandInfo program = makeCommandLine(context)->describe();
   const std::string whole = completeSchema(schema);
   write(directory / "sitelist.schema.json", whole);
-  write(directory / "man/sitelist.1", toolPage(program, date));
+  write(directory / "man/sitelist.1", toolPage(program, statusTable(program, statuses), date));
   write(directory / "man/sitelist.json.5", schemaPage(whole, date));
   write(directory / "man/agent.toml.5", settingsPage(date));
 }
@@ -46,12 +47,12 @@ void generate(const std::filesystem::path& directory, const std::string& date,
 }  // namespace tool
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::cerr << "usage: sitelist-generator DIRECTORY DATE SCHEMA\n";
+  if (argc != 5) {
+    std::cerr << "usage: sitelist-generator DIRECTORY DATE SCHEMA STATUSES\n";
     return 2;
   }
   try {
-    tool::generate(argv[1], argv[2], tool::read(argv[3]));
+    tool::generate(argv[1], argv[2], tool::read(argv[3]), tool::read(argv[4]));
   } catch (const std::exception& e) {
     std::cerr << "sitelist-generator: " << e.what() << '\n';
     return 1;

@@ -88,10 +88,26 @@ void command(ManualPage& page, const CommandInfo& info, const std::string& path)
   for (const CommandInfo& below : info.commands) command(page, below, path + ' ' + below.name);
 }
 
-void exitStatus(ManualPage& page) {
+void exitStatus(ManualPage& page, const StatusTable& statuses) {
   for (const HelpBlock& block : helpBlocks(c_exitStatusHelp)) {
     if (block.kind == HelpBlock::Kind::Definitions) page.definitions(block.definitions);
   }
+  page.paragraph(
+      "Every command can exit with 70. This status reports a fault of the tool itself, or that "
+      "there is not enough memory. If a signal ends the tool, a shell reports 128 plus the number "
+      "of the signal, for example 130 after Ctrl-C.");
+  page.subsection("Statuses of each command");
+  page.paragraph(
+      "A command exits only with the statuses that have an x. Every command that prints data exits "
+      "with 4 if standard output cannot be written.");
+  page.macro(".Pp");
+  page.literal(statuses.lines);
+  page.subsection("Reasons for a status");
+  page.paragraph(
+      "The first list of this section has the reasons that are common to all commands. Single "
+      "commands have these reasons:");
+  page.macro(".Pp");
+  page.definitions(statuses.meanings);
 }
 
 void files(ManualPage& page) {
@@ -119,7 +135,8 @@ std::string withSmallLetter(std::string text) {
 
 }  // namespace
 
-std::string toolPage(const CommandInfo& program, const std::string& date) {
+std::string toolPage(const CommandInfo& program, const StatusTable& statuses,
+                     const std::string& date) {
   ManualPage page(program.name, 1, date, withSmallLetter(program.description));
   page.section("SYNOPSIS");
   page.macro(".Nm");
@@ -179,7 +196,7 @@ std::string toolPage(const CommandInfo& program, const std::string& date) {
   page.section("FILES");
   files(page);
   page.section("EXIT STATUS");
-  exitStatus(page);
+  exitStatus(page, statuses);
   page.section("SEE ALSO");
   page.macro(".Xr agent.toml 5 ,");
   page.macro(".Xr sitelist.json 5");

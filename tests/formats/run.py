@@ -138,7 +138,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("--tool", required=True, type=lambda path: Path(path).resolve())
     parser.add_argument("--update", action="store_true")
-    parser.add_argument("--interposer", help="the library of tests/cli/interposer.cpp")
+    parser.add_argument("--interposer", type=os.path.abspath, help="the library of tests/cli/interposer.cpp")
     parser.add_argument("groups", nargs="*", choices=[*cases.GROUPS, "contract", "statuses", []])
     arguments = parser.parse_args()
     groups = arguments.groups or list(cases.GROUPS)

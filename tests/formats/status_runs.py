@@ -82,6 +82,7 @@ HISTORY = """
 """
 CHANGES_OWN = """
     policies set A 1
+    policies unset A
     edit enable depot
     edit disable depot
     edit set depot order=2
@@ -186,6 +187,7 @@ SUCCESS = [
     Way(0, "certs", "Certificate 1"),
     Way(0, "policies", "Old = 1"),
     Way(0, "policies set Old 2", "set policy setting", writes=True),
+    Way(0, "policies unset Old", "removed policy setting", writes=True),
     Way(0, "validate in/SiteList.xml", "valid"),
     Way(0, "explain-rule", "no-server"),
     Way(0, "import in/SiteList.xml", "now has", writes=True),
@@ -218,6 +220,7 @@ NEGATIVE = [
     Way(1, "servers", "no management server", agent="serverless"),
     Way(1, "certs lists/empty.xml", "no certificates"),
     Way(1, "certs --expiring 0 lists/expired.xml", "(expired)"),
+    Way(1, "certs --expiring 0 lists/certificates.xml", "cannot be read"),
     Way(1, "policies lists/empty.xml", "no policy settings"),
     Way(1, "validate lists/incomplete.xml", "server-name"),
     Way(1, "validate --strict broken/warnings.xml", "[warning]"),
@@ -284,7 +287,10 @@ FILE = [
 CRYPTO = [
     Way(5, "init", "the password key cannot be created", agent="new", prepare=damaged_key),
     Way(5, "diff --exit-code lists/foreign.xml lists/foreign-too.xml", "cannot be compared"),
-    Way(5, "policies set A 1", "passwords cannot be decrypted", prepare=foreign_list),
+    *same(5, "passwords cannot be decrypted", """
+        policies set A 1
+        policies unset A
+    """, prepare=foreign_list),
     *on_file(5, "lists/foreign.xml", "passwords cannot be decrypted", """
         import --allow-older FILE
         install --allow-older FILE
@@ -344,6 +350,7 @@ NOT_FOUND = [
     Way(7, "get fipsMode", "no FIPS mode"),
     Way(7, "diff --history 9", "no list with the number"),
     Way(7, "diff --history 1", "the history is empty", agent="serverless"),
+    Way(7, "policies unset none", "there is no policy setting"),
     Way(7, "explain-rule none", "unknown rule"),
     *same(7, "there is no site", ON_SITE.replace("SITE", "none")),
     Way(7, "undo 9", "no list with the number"),

@@ -75,7 +75,7 @@ TEST_F(CliPoliciesUnset, RefusesToLosePasswords) {
   EXPECT_THAT(fail(5, {"unset", "--dry-run", "Alpha"}), HasSubstr("site \"depot\""));
   const Output output = sitelist({"policies", "unset", "--allow-lost-passwords", "Alpha"});
   EXPECT_EQ(output.status, 0);
-  EXPECT_THAT(output.err, HasSubstr("warning: a password of site \"depot\""));
+  EXPECT_THAT(output.err, HasSubstr("a password of site \"depot\" cannot be decrypted"));
 }
 
 TEST_F(CliPoliciesUnset, KeepsTheOldListAndUpdatesTheMeshCopy) {

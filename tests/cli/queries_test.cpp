@@ -98,14 +98,14 @@ TEST_F(CliCerts, SaysThatAnExpiryIsUnknown) {
   const Output output = sitelist({"certs", "--expiring", "0", "--json", one});
   EXPECT_EQ(output.status, 1);
   EXPECT_THAT(readReport(output.out).column("expiring"), testing::ElementsAre("false", ""));
-  EXPECT_EQ(output.err,
-            "sitelist: " + one + ": 1 certificate cannot be read, so its expiry is unknown\n");
+  EXPECT_EQ(output.err, "sitelist: warning: " + one +
+                            ": 1 certificate cannot be read, so its expiry is unknown\n");
   const std::string two =
       write("two.xml", document("", bundle(certificate("aGFsbG8=") + certificate("text"))));
   const Output both = sitelist({"certs", "--expiring", "0", two});
   EXPECT_EQ(both.status, 1);
-  EXPECT_EQ(both.err,
-            "sitelist: " + two + ": 2 certificates cannot be read, so their expiry is unknown\n");
+  EXPECT_EQ(both.err, "sitelist: warning: " + two +
+                          ": 2 certificates cannot be read, so their expiry is unknown\n");
   const Output all = sitelist({"certs", one});
   EXPECT_EQ(all.status, 0) << "nothing was asked";
   EXPECT_EQ(all.err, "");

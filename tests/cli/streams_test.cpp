@@ -148,7 +148,7 @@ TEST_F(CliStreams, MergeAndRewritePrintTheirResult) {
 
   const Output rewritten = piped(list, {"rewrite", "-", "-"});
   EXPECT_EQ(rewritten.status, 0);
-  EXPECT_EQ(rewritten.err, "sitelist: standard input: the FIPS mode \"1\" is not kept\n");
+  EXPECT_EQ(rewritten.err, "sitelist: warning: standard input: the FIPS mode \"1\" is not kept\n");
   EXPECT_EQ(sites(rewritten.out), sites(readFile(list)));
   EXPECT_EQ(piped(list, {"rewrite", "-", file("copy.xml")}).status, 0);
   EXPECT_EQ(sites(readFile(file("copy.xml"))), sites(readFile(list)));

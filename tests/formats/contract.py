@@ -62,7 +62,7 @@ def damaged(document):
 # What a document or a row may lack after a success, because it depends on the options or the list.
 PREVIEW = {"before", "after", "differs", "changes"}
 OPTIONAL = {
-    **{command: PREVIEW for command in ("import", "install", "edit", "undo", "modify", "merge")},
+    **{command: PREVIEW for command in ("import", "install", "edit", "undo", "modify", "merge", "policies")},
     "explain": {"sites", "routes", "host"},
     "explain-rule": {"name", "severity", "summary", "why", "mend", "faulty", "mended", "rules"},
 }

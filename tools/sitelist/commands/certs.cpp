@@ -8,6 +8,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
@@ -93,9 +94,9 @@ int statusOf(const std::vector<Record>& rows, const std::string& path) {
   };
   const std::ptrdiff_t unreadable = count("readable", "false");
   if (unreadable != 0) {
-    std::cerr << "sitelist: " << shown(path) << ": " << unreadable
-              << (unreadable == 1 ? " certificate cannot be read, so its expiry is unknown\n"
-                                  : " certificates cannot be read, so their expiry is unknown\n");
+    printWarning(shown(path) + ": " + std::to_string(unreadable) +
+                 (unreadable == 1 ? " certificate cannot be read, so its expiry is unknown"
+                                  : " certificates cannot be read, so their expiry is unknown"));
   }
   return unreadable != 0 || count("expiring", "true") != 0 ? exitNegative : exitSuccess;
 }

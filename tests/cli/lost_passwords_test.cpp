@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "host/agent.h"
 #include "host/crypto/sealed_value.h"
@@ -168,6 +169,22 @@ TEST_F(CliLostPasswords, ALossThatIsAllowedIsNamedSiteBySite) {
       const bool isMade = key == Key::Missing && exists(keyFile());
       EXPECT_EQ(output.err.find("a new one was created") != std::string::npos, isMade)
           << output.err;
+    }
+  }
+}
+
+TEST_F(CliLostPasswords, ALossThatIsAllowedIsAWarningInJson) {
+  for (Command command : losingCommands()) {
+    SCOPED_TRACE(describe(command, Key::Damaged));
+    start(Key::Damaged);
+    command.arguments.emplace_back("--json");
+    const Output output = run(command, true);
+    EXPECT_EQ(output.status, 0) << output.err;
+    const std::vector<std::string> warnings = nlohmann::json::parse(output.out)["warnings"];
+    EXPECT_THAT(warnings,
+                testing::Contains(HasSubstr(": a password of site \"Vendor\" cannot be ")));
+    for (const std::string& text : warnings) {
+      EXPECT_THAT(output.err, HasSubstr("sitelist: warning: " + text + "\n"));
     }
   }
 }

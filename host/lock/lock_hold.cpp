@@ -41,6 +41,13 @@ void LockHold::unlock() noexcept {
   m_writer.unlock();
 }
 
+bool LockHold::isHeld() const noexcept {
+  for (const LockHold* hold = g_firstHold; hold; hold = hold->m_next) {
+    if (hold == this) return true;
+  }
+  return false;
+}
+
 bool isHeldByThread(const std::string& name, LockMode mode) {
   for (const LockHold* hold = g_firstHold; hold; hold = hold->m_next) {
     if (hold->m_name == name && (hold->m_mode == LockMode::Write || mode == LockMode::Read) &&

@@ -27,6 +27,8 @@ class PLATFORM_API LockHold {
   // Waits and fails as InterProcessReadLock::lock does.
   bool lock(unsigned int waitMilliseconds);
   void unlock() noexcept;
+  // Returns whether the lock was taken and not released since, not even by releaseHolds().
+  bool isHeld() const noexcept;
 
  private:
   friend bool isHeldByThread(const std::string& name, LockMode mode);

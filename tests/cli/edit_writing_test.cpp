@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <future>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/edit_fixture.h"
 #include "tests/support/locker.h"
@@ -51,10 +52,16 @@ TEST_F(CliEditWriting, LosesNoChangeOfAnotherWriter) {
       "for name in a b c d e f; do\n"
       "  \"$0\" --agent-dir agent edit --wait 3600 \"$@\" enable $name 2>>log || echo failed &\n"
       "done; wait";
-  EXPECT_EQ(shell(script).out, "");
+  EXPECT_EQ(shell(script).out, "") << readFile(file("log"));
   for (const auto& site : sites()) EXPECT_EQ(site.at("enabled"), "true") << site.at("name");
+  std::vector<std::size_t> enabled;
+  for (int number = 1; number <= 6; ++number) {
+    const std::string list = sitelist({"diff", "--history", std::to_string(number), "--json"}).out;
+    enabled.push_back(nlohmann::json::parse(list)["changes"].size());
+  }
+  EXPECT_THAT(enabled, testing::ElementsAre(6, 5, 4, 3, 2, 1)) << "each change has its entry";
   const std::string copy = write("copy.xml", text());
-  EXPECT_EQ(shell(script, {"--file", copy}).out, "");
+  EXPECT_EQ(shell(script, {"--file", copy}).out, "") << readFile(file("log"));
   setOwnList(readFile(copy));
   for (const auto& site : sites()) EXPECT_EQ(site.at("enabled"), "true") << site.at("name");
 }

@@ -64,7 +64,7 @@ TEST_F(CliKilled, EveryCommandLeavesTheOldListInTheHistory) {
     EXPECT_EQ(sitelist({"validate", "--unmanaged", ownList()}).status, 0) << "it is whole";
     ASSERT_EQ(kept().size(), 1U);
     EXPECT_THAT(kept().front(),
-                MatchesRegex("pending-[0-9]{8}T[0-9]{6}Z-" + std::string(name) + "\\.xml"));
+                MatchesRegex("pending[0-9]+-[0-9]{8}T[0-9]{6}Z-" + std::string(name) + "\\.xml"));
     EXPECT_EQ(readFile(file("agent/etc/history/" + kept().front())), list());
     EXPECT_THAT(sitelist({"history", "--format", "csv"}).out, HasSubstr("\n1,"));
     EXPECT_EQ(readFile(ownList()), present) << "a look at the history changes nothing";
@@ -76,7 +76,7 @@ TEST_F(CliKilled, TheNextCommandNumbersTheOldList) {
   const std::string second = readFile(ownList());
   kill({"policies", "set", "Name", "Value"});
   EXPECT_THAT(kept(), ElementsAre(MatchesRegex("1-.*-edit_disable\\.xml"),
-                                  MatchesRegex("pending-.*-policies_set\\.xml")));
+                                  MatchesRegex("pending[0-9]+-.*-policies_set\\.xml")));
   EXPECT_EQ(readFile(file("agent/etc/history/" + kept().front())), list());
   EXPECT_EQ(readFile(file("agent/etc/history/" + kept().back())), second);
   EXPECT_THAT(sitelist({"history", "--format", "csv"}).out,

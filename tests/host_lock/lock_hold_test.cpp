@@ -100,6 +100,19 @@ TEST_F(Hold, IsOfOneNameAndOneAgent) {
   EXPECT_TRUE(canWrite());
 }
 
+TEST_F(Hold, SaysWhetherItIsHeld) {
+  LockHold hold(c_lockName, LockMode::Write);
+  EXPECT_FALSE(hold.isHeld());
+  ASSERT_TRUE(hold.lock(0));
+  EXPECT_TRUE(hold.isHeld());
+  host::releaseHolds();
+  EXPECT_FALSE(hold.isHeld());
+  ASSERT_TRUE(hold.lock(0));
+  EXPECT_TRUE(hold.isHeld());
+  hold.unlock();
+  EXPECT_FALSE(hold.isHeld());
+}
+
 TEST_F(Hold, IsNotThatOfAChild) {
   LockHold hold(c_lockName, LockMode::Write);
   ASSERT_TRUE(hold.lock(0));

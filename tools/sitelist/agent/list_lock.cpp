@@ -74,6 +74,13 @@ ListLock::ListLock(Context& context, const std::string& file, ListUse use)
   m_state = stateOf(m_path);
 }
 
+// The load command ran without the lock.
+ListLock::~ListLock() {
+  if (!m_kept || m_listHold->isHeld()) return;
+  const auto wait = static_cast<unsigned int>(std::max(m_wait, c_silentWait).count());
+  if (!m_listHold->lock(wait)) m_kept->leave();
+}
+
 void ListLock::requireUnchanged() const {
   if (!m_state || stateOf(m_path) == *m_state) return;
   throw failureAt(m_path, exitConflict,

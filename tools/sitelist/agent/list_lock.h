@@ -34,6 +34,8 @@ class ListLock {
   // when the lock cannot be taken. A read does not fail if the lock files cannot be used, because
   // the library logs that and reads the list.
   ListLock(Context& context, const std::string& file, ListUse use);
+  // Takes the agent's lock again if it was released, to complete the history.
+  ~ListLock();
 
   // Fails when a named file was changed after the lock was taken. A program that does not take the
   // lock can change the file. Any program can change it if the directory cannot be locked. Must be

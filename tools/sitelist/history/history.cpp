@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,7 +26,8 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-// The first part of the name of a copy until the command has ended.
+// The first part of the name of a copy until the command has ended. The process follows, because
+// two commands can have the same name in the same second.
 constexpr const char* c_pending = "pending";
 constexpr const char* c_suffix = ".xml";
 constexpr mode_t c_directoryMode = 0750;
@@ -87,7 +89,7 @@ Copies copiesOf(const std::string& list) {
     std::string front;
     if (!takeApart(it->path().filename().string(), front, entry)) continue;
     entry.path = it->path().string();
-    if (front == c_pending) {
+    if (front.rfind(c_pending, 0) == 0) {
       copies.pending = entry;
     } else if (!front.empty() && front.find_first_not_of("0123456789") == std::string::npos) {
       entry.number = std::strtoul(front.c_str(), nullptr, 10);
@@ -177,14 +179,13 @@ KeptList::KeptList(const std::string& list, const std::string& command, unsigned
   if (const int error = host::makeDirectory(directory, c_directoryMode)) {
     failToKeep(directory, std::strerror(error));
   }
-  const Copies copies = copiesOf(list);
   int error = 0;
-  if (isEntry(copies, m_bytes)) {
-    error = promote(*copies.pending);
-  } else if (copies.pending) {
-    error = host::removeFile(copies.pending->path);
+  for (Copies copies = copiesOf(list); copies.pending && error == 0; copies = copiesOf(list)) {
+    error = isEntry(copies, m_bytes) ? promote(*copies.pending)
+                                     : host::removeFile(copies.pending->path);
   }
-  const std::string copy = directory + "/" + keptNameOf(c_pending, presentTime(), command);
+  const std::string front = c_pending + std::to_string(::getpid());
+  const std::string copy = directory + "/" + keptNameOf(front, presentTime(), command);
   if (error == 0) error = write(copy, list, m_bytes);
   if (error) failToKeep(copy, std::strerror(error));
   m_copy = copy;
@@ -193,12 +194,13 @@ KeptList::KeptList(const std::string& list, const std::string& command, unsigned
 // A copy that cannot be made an entry stays, and the next command tries again.
 KeptList::~KeptList() {
   if (m_copy.empty()) return;
+  Copies copies = copiesOf(m_list);
+  if (!copies.pending || copies.pending->path != m_copy) return;
   if (holds(m_list, m_bytes)) {
     host::removeFile(m_copy);
     return;
   }
-  Copies copies = copiesOf(m_list);
-  if (!copies.pending || promote(*copies.pending) != 0) return;
+  if (promote(*copies.pending) != 0) return;
   copies.entries.push_back(*copies.pending);
   for (std::size_t i = 0; i + m_length < copies.entries.size(); ++i) {
     host::removeFile(copies.entries[i].path);

@@ -27,8 +27,11 @@ class KeptList {
   // 0 no copy is made.
   KeptList(const std::string& list, const std::string& command, unsigned int length);
   // Makes the copy an entry if the list was changed, and removes the oldest entries above the
-  // length. Removes the copy if the list was not changed.
+  // length. Removes the copy if the list was not changed. Does nothing if another command has
+  // done this.
   ~KeptList();
+  // Leaves this to the next command. For an owner that does not hold the lock any more.
+  void leave() { m_copy.clear(); }
   KeptList(const KeptList&) = delete;
   KeptList& operator=(const KeptList&) = delete;
 

@@ -40,18 +40,19 @@ TEST_F(CliEditFaults, AreRefusedAsValidateNamesThem) {
   const std::vector<std::pair<Arguments, std::string>> changes = {
       {{"set", "Depot", "server=x:99"},
        "ambiguous-address: \"Server\" is \"x:99:8080\", which is read as the host \"x:99\"; write "
-       "[ADDRESS]:PORT [warning]"},
+       "[ADDRESS]:PORT (site \"Depot\") [warning]"},
       {{"set", "Depot", "server=http://x/"},
        "ambiguous-address: \"Server\" is \"http://x/:8080\", which is read as the host "
-       "\"http://x/\"; write [ADDRESS]:PORT [warning]"},
+       "\"http://x/\"; write [ADDRESS]:PORT (site \"Depot\") [warning]"},
       {{"set", "Depot", "server="},
-       "site-without-address: the site \"Depot\" has no \"Server\" [warning]"},
+       "site-without-address: the site has no \"Server\" (site \"Depot\") [warning]"},
       {{"set", "Depot", "useAuth=5"},
-       "flag-value: \"UseAuth\" is \"5\", which is read as 1 [warning]"},
+       "flag-value: \"UseAuth\" is \"5\", which is read as 1 (site \"Depot\") [warning]"},
       {{"set", "Depot", "order=1"},
-       "duplicate-order: the order 1 is also that of the site \"Main\" in line 2 [warning]"},
+       "duplicate-order: the order 1 is also that of the site \"Main\" in line 2 (site \"Depot\") "
+       "[warning]"},
       {{"add", "http", "New"},
-       "site-without-address: the site \"New\" has no \"Server\" [warning]"},
+       "site-without-address: the site has no \"Server\" (site \"New\") [warning]"},
   };
   for (const auto& [arguments, fault] : changes) EXPECT_EQ(faultOf(arguments), fault);
   EXPECT_THAT(
@@ -66,10 +67,11 @@ TEST_F(CliEditFaults, AreRefusedAsValidateNamesThem) {
 
 TEST_F(CliEditFaults, AreWrittenByForceWithAWarning) {
   setOwnList(document(serverSite() + httpSite("Depot", "2")));
-  EXPECT_THAT(change({"set", "Depot", "server=", "--force"}),
-              AllOf(HasSubstr("sitelist: warning: the change adds a fault: " + ownList() + ":2:"),
-                    HasSubstr(": site-without-address: the site \"Depot\" has no \"Server\""),
-                    HasSubstr(": set server of http \"Depot\"\n")));
+  EXPECT_THAT(
+      change({"set", "Depot", "server=", "--force"}),
+      AllOf(HasSubstr("sitelist: warning: the change adds a fault: " + ownList() + ":2:"),
+            HasSubstr(": site-without-address: the site has no \"Server\" (site \"Depot\")"),
+            HasSubstr(": set server of http \"Depot\"\n")));
   EXPECT_EQ(site("Depot")["server"], "");
 }
 
@@ -104,9 +106,9 @@ TEST_F(CliEditFaults, OfTheManagementServerCountForAManagedAgentOnly) {
   setOwnList(list);
   EXPECT_EQ(faultOf({"set", "Main", "type=repository"}),
             "server-type-master: the type of the management server must be \"master\", not "
-            "\"repository\"");
+            "\"repository\" (site \"Main\")");
   EXPECT_EQ(faultOf({"set", "Main", "relativePath="}),
-            "server-path: the management server has no \"RelativePath\"");
+            "server-path: the management server has no \"RelativePath\" (site \"Main\")");
   change({"remove", "Main"});
   EXPECT_EQ(faultOf({"remove", "Second"}), "no-server: the list has no management server");
   change({"remove", "Second", "--force"});

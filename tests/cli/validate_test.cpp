@@ -11,6 +11,7 @@ namespace {
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 using testing::StartsWith;
 
 constexpr const char* c_version = R"( GlobalVersion="20260101000000")";
@@ -139,7 +140,7 @@ std::vector<Case> warningCases() {
        6, 2, "\"UserName\" replaces the one in line 5"},
       {"site-without-name", withSite("<LocalSite/>"), 5, 5, "the site has no \"Name\""},
       {"site-without-address", withSite(R"(<UNCSite Name="a"/>)"), 5, 5,
-       "the site \"a\" has no \"Server\""},
+       "the site has no \"Server\""},
       {"duplicate-name",
        lines({serverSite(), R"(<LocalSite Name="a"/>)", R"(<LocalSite Name="a"/>)"}), 6, 5,
        "\"a\" is also the name of the local site in line 5"},
@@ -230,11 +231,32 @@ TEST_F(CliValidate, NamesEveryFaultOfOneListInTheOrderOfTheDocument) {
                3),
       ElementsAre("4:5: flag-value: \"Enabled\" is \"on\", which is read as 0 [warning]",
                   "4:5: site-without-name: the site has no \"Name\" [warning]",
-                  "5:5: server-not-local: the management server must not be local",
+                  "5:5: server-not-local: the management server must not be local (site \"Main\")",
                   "5:5: server-type-master: the type of the management server must be \"master\", "
-                  "not \"repository\"",
-                  "5:5: server-ip-address: the management server has no \"ServerIP\"",
+                  "not \"repository\" (site \"Main\")",
+                  "5:5: server-ip-address: the management server has no \"ServerIP\" (site "
+                  "\"Main\")",
                   "6:5: unknown-site: the last site of the list is of unknown kind"));
+}
+
+TEST_F(CliValidate, NamesTheSiteOfAFaultInAListOfOneLine) {
+  const std::string list = write(
+      "list.xml", "<ns:SiteLists xmlns:ns=\"wxSiteList\" GlobalVersion=\"1\" Odd=\"1\"><SiteList>" +
+                      serverSite() +
+                      "<LocalSite Name=\"Depot\" Order=\"2\"><Odd/></LocalSite>"
+                      "<LocalSite Order=\"3rd\"/>"
+                      "<ProxyConfigList Odd=\"1\"><ProxyConfig Name=\"Proxy\"><Odd/></ProxyConfig>"
+                      "</ProxyConfigList></SiteList><CaBundle><Odd/></CaBundle></ns:SiteLists>");
+  std::vector<std::pair<std::string, json>> found;
+  const json report = json::parse(sitelist({"validate", "--json", list}).out);
+  for (const json& fault : report["faults"]) found.emplace_back(fault["rule"], fault["site"]);
+  EXPECT_THAT(found, ElementsAre(Pair("unknown-attribute", json()), Pair("unknown-child", "Depot"),
+                                 Pair("order-number", json()), Pair("site-without-name", json()),
+                                 Pair("unknown-attribute", json()), Pair("unknown-child", "Proxy"),
+                                 Pair("unknown-child", json())));
+  EXPECT_THAT(sitelist({"validate", list}).out,
+              HasSubstr(" has no child element \"Odd\" (site \"Depot\") "
+                        "[warning]\n"));
 }
 
 TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
@@ -244,7 +266,7 @@ TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
       "</SiteList></ns:SiteLists>";
   const auto unknownChild = ElementsAre(
       "3:60: unknown-child: \"LocalSite\" has no child element \"Pass\"; did you mean "
-      "Password? [warning]",
+      "Password? (site \"東京 Αθήνα 😀\") [warning]",
       " valid");
   EXPECT_THAT(faultsOf(text, 0), unknownChild);
   EXPECT_THAT(faultsOf("\xEF\xBB\xBF" + text, 0), unknownChild) << "a byte order mark is no text";
@@ -270,10 +292,11 @@ TEST_F(CliValidate, AsksForTheKeyFilesBesideTheList) {
   const std::string text = lines({serverSite({{"Version", "5.9"}})});
   const std::string noPublicKey =
       "4:5: server-public-key: the directory of the list has neither srpubkey.bin nor "
-      "sr2048pubkey.bin, or both are empty";
+      "sr2048pubkey.bin, or both are empty (site \"Main\")";
   EXPECT_THAT(faultsOf(text, 1),
               ElementsAre("4:5: server-request-key: the directory of the list has neither "
-                          "reqseckey.bin nor req2048seckey.bin, or both are empty",
+                          "reqseckey.bin nor req2048seckey.bin, or both are empty (site "
+                          "\"Main\")",
                           noPublicKey));
   write("lists/req2048seckey.bin", "key");
   EXPECT_THAT(faultsOf(text, 1), ElementsAre(noPublicKey));
@@ -305,7 +328,7 @@ TEST_F(CliValidate, LeavesTheServerOutForAnUnmanagedAgent) {
 TEST_F(CliValidate, IsNotFooledByATextThatEndsLikeAnotherRule) {
   EXPECT_THAT(faultsOf(lines({serverSite({{"Type", "req2048seckey.bin is invalid"}})}), 1),
               ElementsAre("4:5: server-type-master: the type of the management server must be "
-                          "\"master\", not \"req2048seckey.bin is invalid\""));
+                          "\"master\", not \"req2048seckey.bin is invalid\" (site \"Main\")"));
 }
 
 TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
@@ -407,7 +430,8 @@ TEST_F(CliValidate, ReadsStandardInput) {
   EXPECT_EQ(keys.status, 0);
   EXPECT_EQ(keys.out,
             "standard input:4:5: key-files-unchecked: the server has a version, but there is no "
-            "directory in which to look for its key files [warning]\nstandard input: valid\n");
+            "directory in which to look for its key files (site \"Main\") [warning]\nstandard "
+            "input: valid\n");
   const Output twice = sitelist({"validate", "-", "-"}, lines({serverSite()}));
   EXPECT_EQ(twice.status, 2);
   EXPECT_THAT(twice.err, HasSubstr("standard input can be read only once\n  next: "));
@@ -417,9 +441,9 @@ TEST_F(CliValidate, SaysTheSameInEveryForm) {
   const std::string path =
       write("list.xml", lines({serverSite({{"Name", ""}}), R"(<LocalSite Name="a&lt;&quot;,"/>)"}));
   EXPECT_EQ(sitelist({"validate", "--format", "csv", "none.xml", path}).out,
-            "file,line,column,severity,rule,text\n"
-            "none.xml,,,error,missing-file,the file does not exist\n" +
-                path + ",4,5,error,server-name,\"the management server has no \"\"Name\"\"\"\n");
+            "file,line,column,severity,rule,text,site\n"
+            "none.xml,,,error,missing-file,the file does not exist,\n" +
+                path + ",4,5,error,server-name,\"the management server has no \"\"Name\"\"\",\n");
   EXPECT_THAT(sitelist({"validate", "--format", "xml", path}).out,
               HasSubstr("  <valid>false</valid>\n  <faultCount>1</faultCount>\n"
                         "  <warningCount>0</warningCount>\n  <faults>\n    <fault>\n      <file>" +

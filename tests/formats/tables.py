@@ -135,7 +135,9 @@ def faults(report, table):
     for row in report.rows:
         place = f":{row['line']}:{row['column']}" if row["line"] is not None else ""
         mark = " [warning]" if row["severity"] == "warning" else ""
-        lines.append(f"{shown(row['file'])}{place}: {row['rule']}: {shown(row['text'])}{mark}")
+        name = row["site"] or ""
+        site = f' (site "{shown(name[:60])}{"..." if len(name) > 60 else ""}")' if name else ""
+        lines.append(f"{shown(row['file'])}{place}: {row['rule']}: {shown(row['text'])}{site}{mark}")
     if [line for line in table.splitlines() if not line.endswith(": valid")] != lines:
         raise Wrong(f"not these lines: {lines}")
     if report.facts["valid"] and not table.endswith(": valid\n"):

@@ -49,7 +49,8 @@ Record faultRow(const CheckedList& list, const Fault& fault) {
           {"column", orNull(fault.place.column)},
           {"severity", std::string(nameOf(fault.rule->severity))},
           {"rule", std::string(fault.rule->name)},
-          {"text", fault.text}};
+          {"text", fault.text},
+          {"site", fault.site.empty() ? Scalar() : Scalar(narrow(fault.site))}};
 }
 
 Report reportOf(std::vector<CheckedList> lists, bool strict) {
@@ -58,7 +59,7 @@ Report reportOf(std::vector<CheckedList> lists, bool strict) {
   Report report;
   report.rowsName = "faults";
   report.rowName = "fault";
-  report.columns = {"file", "line", "column", "severity", "rule", "text"};
+  report.columns = {"file", "line", "column", "severity", "rule", "text", "site"};
   for (const CheckedList& list : lists) {
     for (const Fault& fault : list.faults) {
       report.rows.push_back(faultRow(list, fault));

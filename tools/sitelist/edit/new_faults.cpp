@@ -26,7 +26,7 @@ std::vector<Fault> newFaults(const std::string& path, const std::string& draft) 
   std::vector<Fault> found;
   for (const Fault& fault : after) {
     const auto same = std::find_if(before.begin(), before.end(), [&](const Fault& each) {
-      return each.rule == fault.rule && each.text == fault.text;
+      return each.rule == fault.rule && each.text == fault.text && each.site == fault.site;
     });
     if (same != before.end()) {
       before.erase(same);

@@ -17,6 +17,10 @@ struct Place {
   unsigned long column = 0;
 };
 
+inline bool operator<(const Place& a, const Place& b) {
+  return a.line != b.line ? a.line < b.line : a.column < b.column;
+}
+
 // An element of a document, with the place of its start tag.
 struct PlacedElement {
   AdvXMLParser::Element element;

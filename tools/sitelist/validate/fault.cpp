@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <tuple>
 #include <utility>
 
 #include "tools/sitelist/cli/text.h"
@@ -12,7 +11,7 @@ namespace tool {
 void Faults::add(const char* rule, const Place& place, const std::string& text) {
   const Rule* const known = findRule(rule);
   if (!known) throw std::logic_error(std::string("there is no rule ") + rule);
-  m_faults.push_back({known, place, text});
+  m_faults.push_back({known, place, text, {}});
 }
 
 bool Faults::has(const char* rule) const {
@@ -21,9 +20,8 @@ bool Faults::has(const char* rule) const {
 }
 
 std::vector<Fault> Faults::take() {
-  std::stable_sort(m_faults.begin(), m_faults.end(), [](const Fault& a, const Fault& b) {
-    return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);
-  });
+  std::stable_sort(m_faults.begin(), m_faults.end(),
+                   [](const Fault& a, const Fault& b) { return a.place < b.place; });
   return std::move(m_faults);
 }
 
@@ -43,6 +41,7 @@ std::string lineOf(const std::string& file, const Fault& fault, const Screen& sc
   const bool isWarning = fault.rule->severity == Severity::Warning;
   line += " " + screen.styled(isWarning ? Style::Changed : Style::Bad, fault.rule->name) + ": " +
           shown(fault.text);
+  if (!fault.site.empty()) line += " (site " + shown(inQuotes(fault.site)) + ")";
   return isWarning ? line + " [warning]" : line;
 }
 

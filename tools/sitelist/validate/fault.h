@@ -15,6 +15,7 @@ struct Fault {
   const Rule* rule;
   Place place;
   std::string text;
+  std::wstring site = {};  // the name of the site at that place, if there is one
 };
 
 // The faults of one document.
@@ -37,7 +38,7 @@ std::string inQuotes(const std::wstring& text);
 // Returns " in line LINE".
 std::string inLine(const Place& place);
 
-// Returns "FILE:LINE:COLUMN: RULE: TEXT", printable.
+// Returns "FILE:LINE:COLUMN: RULE: TEXT (site "NAME")", printable.
 std::string lineOf(const std::string& file, const Fault& fault, const Screen& screen = Screen());
 
 }  // namespace tool

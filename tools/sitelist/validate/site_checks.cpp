@@ -53,8 +53,7 @@ class SiteChecks {
       checkUnique(site, kind, name);
     }
     if (!isComplete && !hasAddress(site, kind)) {
-      m_faults.add("site-without-address", site.place,
-                   "the site" + (name.empty() ? "" : " " + inQuotes(name)) + " has no \"Server\"");
+      m_faults.add("site-without-address", site.place, "the site has no \"Server\"");
     }
     const bool isEnabled = numberIn(site.attribute(WX_XML_SITE_ENABLED)) != 0;
     if (isEnabled && !isType(site, STR_SITE_TYPE_MIRROR)) checkOrder(site);

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cwchar>
+#include <utility>
 
 #include "sitehlp/common/log_texts.h"
 #include "sitehlp/sites_helper.h"
@@ -18,8 +19,7 @@ namespace tool {
 namespace {
 
 namespace log_texts = sitehlp::log_texts;
-using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST;
-using korvel_com::orb::xmlschema::sitelist::WX_XML_SITELIST_VESTA_SITE;
+using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
 // The text of a log line for a broken rule: its beginning and its end. If `isWhole` is not set and
 // `end` is empty, the line ends with a value. The message also has this value in quotation marks if
@@ -103,10 +103,41 @@ void addLoggedFaults(const PlacedElement& root, bool isBesideKeys, Faults& fault
   }
 }
 
+// Sets the sites of faults, which must be in the order of the document.
+void setSites(const PlacedElement& root, std::vector<Fault>& faults) {
+  const PlacedElement* const list = root.child(WX_XML_SITELIST);
+  if (!list) return;
+  std::vector<std::pair<Place, std::wstring>> starts;
+  const auto addStart = [&](const PlacedElement& site) {
+    starts.emplace_back(site.place, site.attribute(WX_XML_SITE_NAME));
+  };
+  for (const PlacedElement& site : list->children) {
+    addStart(site);
+    if (!site.element.HasName(WX_XML_PROXY_CONFIG_LIST)) continue;
+    for (const PlacedElement& proxy : site.children) addStart(proxy);
+  }
+  // What follows the list is not in its last site.
+  for (const PlacedElement& child : root.children) {
+    if (list->place < child.place) starts.emplace_back(child.place, std::wstring());
+  }
+  auto next = starts.begin();
+  std::wstring name;
+  for (Fault& fault : faults) {
+    for (; next != starts.end() && !(fault.place < next->first); ++next) name = next->second;
+    fault.site = name;
+  }
+}
+
+std::vector<Fault> takeWithSites(const PlacedElement& root, Faults& faults) {
+  std::vector<Fault> found = faults.take();
+  setSites(root, found);
+  return found;
+}
+
 }  // namespace
 
 Fault faultOfReading(const ReadError& error) {
-  return {findRule(error.rule), {error.line, error.column}, error.reason};
+  return {findRule(error.rule), {error.line, error.column}, error.reason, {}};
 }
 
 std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
@@ -133,7 +164,7 @@ std::vector<Fault> validateList(const ListSource& source, bool checkServer) {
   addLoggedFaults(document.root(), source.isBesideKeys, faults);
   if (checked != 0 && faults.empty()) throw libraryFailure(source.path, checked);
   checkDocument(document.root(), checkServer, faults);
-  return faults.take();
+  return takeWithSites(document.root(), faults);
 }
 
 Failure lastSiteFailure(const std::string& path) {
@@ -154,8 +185,9 @@ Failure lastSiteFailure(const std::string& path) {
 std::vector<Fault> loggedFaults(const std::string& path) {
   Faults faults;
   PlacedDocument document;
-  if (!document.read(path)) addLoggedFaults(document.root(), true, faults);
-  return faults.take();
+  if (document.read(path)) return {};
+  addLoggedFaults(document.root(), true, faults);
+  return takeWithSites(document.root(), faults);
 }
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 
 #include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/model/site_list.h"
 
 namespace tool {
 namespace {

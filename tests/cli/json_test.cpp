@@ -145,8 +145,8 @@ TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
       write("none.xml", document(std::string(proxy).erase(
                             proxy.find("<ExclusionHost>"),
                             proxy.find("</ExclusionList>") - proxy.find("<ExclusionHost>"))));
-  EXPECT_EQ(ask({"explain", none})["exclusions"], json::array());
-  for (const json& change : ask({"diff", none, path})["changes"]) {
+  const json difference = ask({"diff", none, path});
+  for (const json& change : difference["changes"]) {
     if (change["field"] != "exclusionList") continue;
     EXPECT_EQ(change["before"], json::array());
     EXPECT_EQ(change["after"], hosts);

@@ -35,7 +35,6 @@ class CliQuiet : public CliTest {
             {{"validate", incoming()}, 0},
             {{"explain-rule"}, 0},
             {{"history"}, 0},
-            {{"merge", "--first", incoming()}, 0},
             {{"import", "--dry-run", incoming()}, 0},
             {{"edit", "--dry-run", "disable", "depot"}, 0},
             {{"undo", "--dry-run"}, 0},
@@ -110,6 +109,19 @@ TEST_F(CliQuiet, PrintsErrors) {
   }
 }
 
+TEST_F(CliQuiet, ADocumentForStandardOutputIsPrinted) {
+  for (const Arguments& command :
+       {Arguments{"merge", "--first", incoming()}, {"rewrite", incoming(), "-"}}) {
+    const Output output = sitelist(Arguments{"--quiet"} + command);
+    EXPECT_EQ(output.status, 0) << output.err;
+    EXPECT_THAT(output.out, testing::StartsWith("<?xml ")) << command.front();
+    EXPECT_EQ(output.err, "") << command.front();
+  }
+  const std::string list = readFile(incoming());
+  EXPECT_EQ(sitelist({"--quiet", "edit", "--file", "-", "enable", "depot"}, list).out,
+            sitelist({"edit", "--file", "-", "enable", "depot"}, list).out);
+}
+
 // The reason in the log belongs to the error.
 TEST_F(CliQuiet, PrintsTheSameErrorAsWithoutIt) {
   write("agent/keystore/password.key", "too short");
@@ -121,7 +133,6 @@ TEST_F(CliQuiet, PrintsTheSameErrorAsWithoutIt) {
 
 TEST_F(CliQuiet, AFormatForProgramsIsPrinted) {
   for (const auto& [command, status] : questions()) {
-    if (command.front() == "merge") continue;  // a document, which has no other format
     for (const char* format : {"json", "csv", "xml"}) {
       const Arguments asked = Arguments{"--format", format} + command;
       const Output quiet = sitelist(Arguments{"--quiet"} + asked);

@@ -231,6 +231,8 @@ TEST_F(CliStreams, ADirectoryOrTheMeshCopyCannotBeOne) {
   for (const auto& [arguments, what] :
        {std::pair{Arguments{"derive-server-list", "-"}, "SOURCE_DIR"},
         {{"derive-server-list", "agent/etc", "-"}, "TARGET_DIR"},
+        {{"--agent-dir", "agent", "import", "--keys", "-", "list.xml"}, "--keys"},
+        {{"--agent-dir", "agent", "modify", "--servers", "--keys", "-", "list.xml"}, "--keys"},
         {{"--agent-dir", "-", "init"}, "--agent-dir"},
         {{"--agent-dir", "new", "init", "--mesh-path", "-"}, "--mesh-path"}}) {
     const Output output = shell("\"$0\" \"$@\"", arguments);
@@ -266,6 +268,14 @@ TEST_F(CliStreams, StandardInputThatCannotBeReadIsNamed) {
     EXPECT_THAT(output.out + output.err,
                 AllOf(HasSubstr("standard input: "), HasSubstr("it is a directory")));
   }
+}
+
+TEST_F(CliStreams, AnEditDoesNotAskForKeyFilesBesideStandardInput) {
+  write("agent/agent.toml", "managed = true\n");
+  const Output output =
+      sitelist({"edit", "--file", "-", "set", "Main", "version=5.9"}, document(serverSite()));
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_THAT(output.out, HasSubstr(" Version=\"5.9\""));
 }
 
 // Two stored lists, of which one is removed before the other.

@@ -1,20 +1,39 @@
 #include "tools/sitelist/agent/change_watch.h"
 
+#include <fcntl.h>
 #include <openssl/crypto.h>
+#include <sys/stat.h>
 
+#include <cerrno>
+#include <chrono>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
-#include "host/fs/files.h"
+#include "host/fs/file_system.h"
 #include "platform/config/mesh_service.h"
 #include "sitehlp/install/key_file_names.h"
 #include "tools/sitelist/agent/lost_passwords.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/text.h"
+
+namespace fs = std::filesystem;
 
 namespace tool {
 
+std::string stateOfFile(const std::string& path) {
+  struct stat status;
+  if (host::fileSystem().stat(AT_FDCWD, path, true, status) != 0) return "missing";
+  std::error_code error;
+  const auto modified = std::chrono::duration_cast<std::chrono::nanoseconds>(
+      fs::last_write_time(path, error).time_since_epoch());
+  return std::to_string(status.st_dev) + " " + std::to_string(status.st_ino) + " " +
+         std::to_string(status.st_size) + " " + std::to_string(modified.count());
+}
+
 FileContent::FileContent(const std::string& path) : m_path(path) {
-  constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
-  m_error = host::readRegularFile(path, noLimit, m_bytes);
+  m_error = tryReadBytes(path, m_bytes);
+  if (m_error == EFBIG) m_bytes = stateOfFile(path);
 }
 
 FileContent::~FileContent() { OPENSSL_cleanse(m_bytes.data(), m_bytes.size()); }

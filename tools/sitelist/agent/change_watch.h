@@ -9,8 +9,13 @@
 
 namespace tool {
 
-// The content of a file at one time, or the errno of reading it. The file may be a key, so the
-// content is wiped.
+// Returns a text for the state of a file. A replaced file has another inode, and an edited one has
+// another time.
+std::string stateOfFile(const std::string& path);
+
+// The content of a file at one time, or the errno of reading it. A file that is longer than any
+// input is not read; its state stands for its content. The file may be a key, so the content is
+// wiped.
 class FileContent {
  public:
   explicit FileContent(const std::string& path);

@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include <fstream>
+#include <cstring>
 
 #include "host/fs/files.h"
 #include "tools/sitelist/cli/failure.h"
@@ -28,13 +28,15 @@ std::string storeInput(const ScratchDirectory& scratch, const Input& input) {
   const std::string directory = scratch.path() + "/input";
   const std::string path = directory + "/SiteList.xml";
   showAs(path, input.name);
-  host::makeDirectory(directory, S_IRWXU);
-  std::ofstream file(path, std::ios::binary);
-  file.write(input.bytes.data(), static_cast<std::streamsize>(input.bytes.size()));
-  file.close();
-  if (file) return path;
-  throw failureAt(path, exitFile, "it could not be stored in a temporary file",
-                  "free space there, or set TMPDIR to another directory");
+  int error = host::makeDirectory(directory, S_IRWXU);
+  if (error == 0) {
+    error = host::replaceFile(path, input.bytes.data(), input.bytes.size(), S_IRUSR | S_IWUSR);
+  }
+  if (error == 0) return path;
+  throw failureAt(
+      path, exitFile,
+      std::string("it could not be stored in a temporary file: ") + std::strerror(error),
+      "free space there, or set TMPDIR to another directory");
 }
 
 }  // namespace tool

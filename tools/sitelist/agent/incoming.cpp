@@ -15,6 +15,7 @@
 #include "tools/sitelist/agent/incoming_check.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/messages.h"
@@ -217,6 +218,7 @@ void addIncomingOptions(Command& command, IncomingOptions& options) {
 }
 
 void useGivenFile(IncomingOptions& options, GivenFile& file) {
+  refuseStandardStream(options.keyDirectory, "--keys");
   options.file = file.path();
   options.isStream = file.isStream();
 }
@@ -243,6 +245,7 @@ int takeIncoming(Context& context, IncomingOptions options) {
                          : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
   reportNotes(options.file);
   if (result != 0) failIncoming(options, ownList, result);
+  file.discard();  // the end of the lock may wait for another process
   passwords.warn(false);
   const SiteList now = readSiteList(ownList);
   std::cerr << "sitelist: " << shown(ownList) << " now has " << countEntries(now.sites.get())

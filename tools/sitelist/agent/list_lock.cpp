@@ -1,16 +1,15 @@
 #include "tools/sitelist/agent/list_lock.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 
 #include "host/agent.h"
-#include "host/fs/file_system.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/failure.h"
@@ -30,18 +29,6 @@ constexpr milliseconds c_silentWait{1000};
 // Returns whether the agent's lock can be used for a list that is not the agent's own.
 bool canLock(const Context& context) {
   return ::access((context.agentDirectory + "/locks").c_str(), R_OK | W_OK | X_OK) == 0;
-}
-
-// Returns a text for the state of a file. A replaced file has another inode, and an edited one has
-// another time.
-std::string stateOf(const std::string& file) {
-  struct stat status;
-  if (host::fileSystem().stat(AT_FDCWD, file, true, status) != 0) return "missing";
-  std::error_code error;
-  const auto modified = std::chrono::duration_cast<std::chrono::nanoseconds>(
-      fs::last_write_time(file, error).time_since_epoch());
-  return std::to_string(status.st_dev) + " " + std::to_string(status.st_ino) + " " +
-         std::to_string(status.st_size) + " " + std::to_string(modified.count());
 }
 
 }  // namespace
@@ -71,18 +58,21 @@ ListLock::ListLock(Context& context, const std::string& file, ListUse use)
   }
   lockDirectory();
   m_watch.emplace(context, std::vector<std::string>{m_path});
-  m_state = stateOf(m_path);
+  m_state = stateOfFile(m_path);
 }
 
 // The load command ran without the lock.
 ListLock::~ListLock() {
-  if (!m_kept || m_listHold->isHeld()) return;
-  const auto wait = static_cast<unsigned int>(std::max(m_wait, c_silentWait).count());
-  if (!m_listHold->lock(wait)) m_kept->leave();
+  if (!m_kept || !m_kept->isPending() || m_listHold->isHeld()) return;
+  try {
+    if (m_listHold->lock(static_cast<unsigned int>(m_wait.count()))) return;
+  } catch (const std::exception&) {  // no memory
+  }
+  m_kept->leave();
 }
 
 void ListLock::requireUnchanged() const {
-  if (!m_state || stateOf(m_path) == *m_state) return;
+  if (!m_state || stateOfFile(m_path) == *m_state) return;
   throw failureAt(m_path, exitConflict,
                   "another program changed the list meanwhile, so nothing was written",
                   "try again");

@@ -96,7 +96,8 @@ int printMerge(Context& context, const MergeOptions& options) {
   PasswordCheck passwords(context, options.allowLostPasswords);
   SiteList merged = mergeLists(ownListPath(context), sources, passwords);
   const std::string document = documentOf(merged);
-  if (!context.quiet) std::cout << document << '\n';
+  sources.discard();  // the reader of standard output may let the tool wait
+  std::cout << document << '\n';
   passwords.warn(false);
   return exitSuccess;
 }
@@ -128,7 +129,7 @@ void addMerge(Command& app, Context& context) {
       .type_name("FILE");
   command
       .add_option("--output", options->output,
-                  "The file for the result (default: standard output, -)")
+                  "The file for the result; - means standard output, the\ndefault")
       .type_name("FILE");
   command.add_flag("--dry-run", options->dryRun,
                    "Show the differences between the merged list and the\n"

@@ -38,7 +38,7 @@ int print(Context& context, const RewriteOptions& options) {
   PasswordCheck passwords(context, options.allowLostPasswords);
   SiteList list = readSource(source, passwords);
   const std::string document = documentOf(list);
-  if (!context.quiet) std::cout << document << '\n';
+  std::cout << document << '\n';
   passwords.warn(false);
   warnOfFipsMode(list);
   return exitSuccess;

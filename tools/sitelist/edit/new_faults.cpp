@@ -14,11 +14,15 @@ namespace tool {
 // Counts the faults of each rule, because the text and the place of an old fault may change. The
 // old list is checked only if the new one has a fault, because a check of a long list takes its
 // time.
-std::vector<Fault> newFaults(const std::string& path, const std::string& draft) {
+std::vector<Fault> newFaults(const std::string& path, const std::string& draft, bool hasKeyFiles) {
   const bool isServerChecked = sitehlp::CSitesHelper(true).IsOrbManaged() != 0;
-  const std::vector<Fault> after = validateList({path, draft}, isServerChecked);
+  std::vector<Fault> after = validateList({path, draft, hasKeyFiles}, isServerChecked);
+  const Rule* const unchecked = findRule("key-files-unchecked");
+  after.erase(std::remove_if(after.begin(), after.end(),
+                             [&](const Fault& fault) { return fault.rule == unchecked; }),
+              after.end());
   std::vector<Fault> before;
-  if (!after.empty()) before = validateList({path, path}, isServerChecked);
+  if (!after.empty()) before = validateList({path, path, hasKeyFiles}, isServerChecked);
   clearLogRecords();
   std::map<const Rule*, std::ptrdiff_t> added;
   for (const Fault& fault : after) ++added[fault.rule];

@@ -1,11 +1,12 @@
 #include "tools/sitelist/edit/session.h"
 
-#include <cerrno>
+#include <sys/stat.h>
+
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
+#include "host/fs/files.h"
 #include "platform/common/afile.h"
 #include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
@@ -48,12 +49,12 @@ void addKeyFiles(const std::string& list, const std::string& draft) {
     const fs::path key = fs::path(list).parent_path() / narrow(name);
     unsigned long long size = 0;
     if (!AFiler::getFileSize(wide(key.string()), size) || size == 0) continue;
-    std::ofstream file(fs::path(draft).parent_path() / narrow(name));
-    file << '0';
-    file.close();
-    if (file) continue;
+    const std::string copy = (fs::path(draft).parent_path() / narrow(name)).string();
+    // The draft's directory may belong to another user, who must not lead the write elsewhere.
+    const int error = host::replaceFile(copy, "0", 1, S_IRUSR | S_IWUSR);
+    if (error == 0) continue;
     throw failureAt(draft, exitFile,
-                    std::string("a draft of the list cannot be written: ") + std::strerror(errno),
+                    std::string("a draft of the list cannot be written: ") + std::strerror(error),
                     "check that there is free space");
   }
 }
@@ -64,7 +65,7 @@ struct Trial {
   std::vector<Fault> faults;
 };
 
-Trial tryOut(const ListEditor& list, bool isBesideList) {
+Trial tryOut(const ListEditor& list, bool isBesideList, bool hasKeyFiles) {
   const std::string& path = list.path();
   const ScratchDirectory scratch =
       isBesideList ? ScratchDirectory(directoryOf(path)) : ScratchDirectory();
@@ -73,7 +74,7 @@ Trial tryOut(const ListEditor& list, bool isBesideList) {
   Trial trial;
   trial.after = readDraft(list, draft);
   addKeyFiles(path, draft);
-  trial.faults = newFaults(path, draft);
+  trial.faults = newFaults(path, draft, hasKeyFiles);
   return trial;
 }
 
@@ -100,11 +101,12 @@ void requireWritable(const Context& context, const EditOptions& options) {
 }
 
 // The temporary file has the old list.
-void print(const Context& context, const ListEditor& list) {
+void print(ListAccess& access, const ListEditor& list) {
   const std::string& path = list.path();
   if (list.isChanged() && !list.write(path)) throw libraryFailure(path, sitehlp::c_errorWrite);
   const std::string document = readInput(path).bytes;
-  if (!context.quiet) std::cout << document;
+  access.discardStream();  // the reader of standard output may let the tool wait
+  std::cout << document;
 }
 
 }  // namespace
@@ -123,7 +125,7 @@ ListAccess::ListAccess(Context& context, const EditOptions& options)
 int performEdit(Context& context, const EditOptions& options,
                 const std::function<Outcome(ListEditor&)>& edit) {
   requireWritable(context, options);
-  const ListAccess access(context, options);
+  ListAccess access(context, options);
   const std::string& path = access.path();
   failIfNotEditable(path);
   const SiteList before = readWholeSiteList(path);
@@ -131,13 +133,15 @@ int performEdit(Context& context, const EditOptions& options,
   const Outcome outcome = edit(list);
   Trial trial;
   // A dry run writes nothing beside the list.
-  if (list.isChanged()) trial = tryOut(list, !options.dryRun && !access.isStream());
+  if (list.isChanged()) {
+    trial = tryOut(list, !options.dryRun && !access.isStream(), !access.isStream());
+  }
   if (options.dryRun) previewEdit(context, before, list.isChanged() ? trial.after : before, path);
   if (!trial.faults.empty() && !options.force) throw refusalOf(path, trial.faults);
   warnOf(path, trial.faults);
   if (options.dryRun) return exitSuccess;
   if (access.isStream()) {
-    print(context, list);
+    print(access, list);
     say(path, list.isChanged() ? outcome.done : "nothing to change: " + outcome.already);
   } else if (!list.isChanged()) {
     say(path, "nothing to change: " + outcome.already);

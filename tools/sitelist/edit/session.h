@@ -35,6 +35,8 @@ class ListAccess {
 
   // Returns whether the list is standard input or a pipe, so that path() is a temporary file.
   bool isStream() const { return m_given.isStream(); }
+  // Removes that file.
+  void discardStream() { m_given.discard(); }
 
  private:
   GivenFile m_given;

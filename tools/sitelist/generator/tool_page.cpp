@@ -161,10 +161,10 @@ std::string toolPage(const CommandInfo& program, const StatusTable& statuses,
       "A file that is read may be `-`, which means standard input, or a pipe such as `<(COMMAND)` "
       "of "
       "a shell. Standard input can be read only once. Messages call it \"standard input\". The "
-      "results of `merge`, `rewrite` and `edit --file -` can go to standard output. A directory "
-      "cannot be `-`. `./-` is a file with the name `-`. A list from a stream has no key files "
-      "next "
-      "to it.");
+      "results of `merge` and `rewrite` can go to standard output; that of `edit --file -` always "
+      "does. A directory cannot be `-`. `./-` is a file with the name `-`. A list from standard "
+      "input or a pipe has no key files, so one whose server has a version cannot be imported, "
+      "installed or used by `modify`.");
 
   page.section("OPTIONS");
   page.macro("These options may be given before or after the command:");

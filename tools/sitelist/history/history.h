@@ -31,7 +31,9 @@ class KeptList {
   // done this.
   ~KeptList();
   // Leaves this to the next command. For an owner that does not hold the lock any more.
-  void leave() { m_copy.clear(); }
+  void leave() noexcept { m_copy.clear(); }
+  // Returns whether there is a copy.
+  bool isPending() const noexcept { return !m_copy.empty(); }
   KeptList(const KeptList&) = delete;
   KeptList& operator=(const KeptList&) = delete;
 

@@ -59,6 +59,8 @@ class World:
         shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
+        self.unused = self.base / "unused"  # in which no run puts a file for a moment
+        shutil.copytree(self.dir, self.unused)
         self.locks = [self.lock_list("locked", fcntl.LOCK_SH), self.lock_list("busy", fcntl.LOCK_EX)]
 
     def lock_list(self, agent, mode):
@@ -99,10 +101,9 @@ class World:
         copy = Path(tempfile.mkdtemp(dir=self.base))
         (copy / "tmp").mkdir()
         (copy / "lists").symlink_to(self.dir / "lists")
-        shutil.copytree(self.dir / "in", copy / "in")
-        if (self.dir / agent).exists():
-            # What another run puts there for a moment.
-            shutil.copytree(self.dir / agent, copy / agent, ignore=shutil.ignore_patterns("pending-*", ".sitehlp-*"))
+        shutil.copytree(self.unused / "in", copy / "in")
+        if (self.unused / agent).exists():
+            shutil.copytree(self.unused / agent, copy / agent)
         return copy
 
     def snapshot(self):

@@ -1,8 +1,10 @@
+#include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/documents.h"
 #include "tests/cli/edit_fixture.h"
+#include "tests/support/sanitizer.h"
 
 namespace test {
 namespace {
@@ -138,6 +140,20 @@ TEST_F(CliChanged, ACommandThatOnlyReadsChangesNothing) {
        }) {
     EXPECT_FALSE(isChanged(command)) << testing::PrintToString(command);
   }
+}
+
+// A sanitizer needs more memory than the limit.
+TEST_F(CliChanged, AFileThatIsTooLongIsNotRead) {
+  const std::string servers = file("agent/ServerSiteList.xml");
+  write("agent/ServerSiteList.xml", "");
+  fs::resize_file(servers, std::uintmax_t{3} << 30);
+  const std::string limit = TESTS_SANITIZED ? "" : "ulimit -v 2000000; ";
+  const Output output = shell(limit + "exec \"$0\" --agent-dir agent \"$@\"",
+                              {"--json", "policies", "set", "name", "value"});
+  EXPECT_EQ(output.status, 0) << output.err;
+  EXPECT_EQ(fs::file_size(servers), std::uintmax_t{3} << 30);
+  EXPECT_TRUE(isChanged({"derive-server-list", file("agent/etc"), file("agent")}));
+  EXPECT_LT(fs::file_size(servers), 100000U);
 }
 
 TEST_F(CliChanged, XmlHasItAsAnAttribute) {

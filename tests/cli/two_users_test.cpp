@@ -120,6 +120,23 @@ TEST_F(CliTwoUsers, AfterEveryCommandOfRootTheAgentsUserRunsEveryCommand) {
   }
 }
 
+#ifdef INTERPOSER
+TEST_F(CliTwoUsers, ALinkInRootsDraftLeadsNowhere) {
+  if (!haveTwoUsers()) return;
+  write("lists/srpubkey.bin", "key");
+  giveToAgent(file("lists"));
+  const std::string ofRoot = write("root/secret", "of root");
+  const std::string before = readFile(list);
+  const Output output = shell("LINK_TO='" + ofRoot + "' LINK_OWNER=" + owner +
+                                  " LD_PRELOAD='" INTERPOSER "' \"$0\" --agent-dir agent \"$@\"",
+                              {"edit", "--file", list, "--force", "disable", "Offered"});
+  EXPECT_EQ(output.status, 4) << output.err;
+  EXPECT_THAT(output.err, HasSubstr("cannot be written: Operation not permitted"));
+  EXPECT_EQ(readFile(ofRoot), "of root");
+  EXPECT_EQ(readFile(list), before);
+}
+#endif
+
 class CliInitOwner : public CliTest {};
 
 TEST_F(CliInitOwner, IsAUserOfTheSystem) {

@@ -55,7 +55,7 @@ void addKeyFiles(const std::string& list, const std::string& draft) {
     if (error == 0) continue;
     throw failureAt(draft, exitFile,
                     std::string("a draft of the list cannot be written: ") + std::strerror(error),
-                    "check that there is free space");
+                    "check that you may write there and that there is free space");
   }
 }
 

@@ -7,10 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "host/agent.h"
-#include "host/common/base64.h"
 #include "host/crypto/cipher.h"
-#include "host/crypto/key_file.h"
 #include "host/crypto/key_span.h"
 #include "host/crypto/libcrypto.h"
 
@@ -122,20 +119,6 @@ bool reportRefusal(const Sealer& sealer) {
                            "; passwords cannot be protected or recovered";
   logErrorOnce(AString(text.c_str()));
   return true;
-}
-
-std::string sealServerPassword(const std::string& clear) {
-  SecretBytes key;
-  KeyFileState state;
-  std::vector<unsigned char> sealed;
-  if (!readKeyFile(keyFilePath(agent().dataDirectory, c_serverKeyName), key, state)) {
-    return std::string();
-  }
-  Sealer sealer(key);
-  reportRefusal(sealer);
-  return sealer.seal(reinterpret_cast<const unsigned char*>(clear.data()), clear.size(), sealed)
-             ? toBase64(sealed)
-             : std::string();
 }
 
 }  // namespace host

@@ -10,7 +10,6 @@
 
 #include "host/crypto/nonces.h"
 #include "host/process/secret.h"
-#include "platform/export.h"
 
 // A sealed value is a clear value that was encrypted with a 32-byte key and AES-256-GCM:
 //
@@ -57,11 +56,6 @@ class Sealer {
 
 // Returns whether the sealer cannot encrypt or decrypt. The reason is logged, once in a span.
 bool reportRefusal(const Sealer& sealer);
-
-// Encrypts a password as a management server does before it sends a list. Returns `clear` (UTF-8),
-// encrypted with the server key of the current agent, as base64 text. Returns an empty text when
-// the key cannot be read. Any thread.
-PLATFORM_API std::string sealServerPassword(const std::string& clear);
 
 }  // namespace host
 

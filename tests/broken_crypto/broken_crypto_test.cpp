@@ -8,7 +8,6 @@
 #include <sstream>
 
 #include "host/agent.h"
-#include "host/crypto/sealed_value.h"
 #include "host/log_sink.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/broken_crypto/operations.h"
@@ -17,6 +16,7 @@
 #include "tests/import/records.h"
 #include "tests/support/child_process.h"
 #include "tests/support/rerooted_file_system.h"
+#include "tests/support/server_password.h"
 
 namespace {
 
@@ -138,7 +138,7 @@ class BrokenCrypto : public testing::TestWithParam<Parameter> {
 
   void prepare() {
     workshop.reset();
-    const std::string sealed = host::sealServerPassword(c_canary);
+    const std::string sealed = test::sealServerPassword(c_canary);
     ASSERT_FALSE(sealed.empty());
     writeFile(places.serverDocument,
               document("<HttpSite Name=\"served\"><Password Encrypted=\"1\">" + sealed +

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "host/crypto/sealed_value.h"
+#include "tests/support/server_password.h"
 
 namespace test {
 namespace {
@@ -26,7 +26,7 @@ std::string protect(const Workshop& workshop, const std::string& clear, Owner ow
   // Both kinds of passwords have the same form.
   if (owner == Owner::Agent) writeFile(server, readFile(keyPath(workshop, "password.key")), 0600);
   if (owner == Owner::OtherAgent) writeFile(server, std::string(usual.size(), 'o'), 0600);
-  const std::string sealed = host::sealServerPassword(clear);
+  const std::string sealed = sealServerPassword(clear);
   writeFile(server, usual, 0600);
   if (sealed.empty()) throw std::runtime_error("no protected password");
   return sealed;

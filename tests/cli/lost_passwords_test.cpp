@@ -2,9 +2,9 @@
 #include <nlohmann/json.hpp>
 
 #include "host/agent.h"
-#include "host/crypto/sealed_value.h"
 #include "tests/cli/cli_fixture.h"
 #include "tests/cli/documents.h"
+#include "tests/support/server_password.h"
 
 namespace test {
 namespace {
@@ -43,7 +43,7 @@ class CliLostPasswords : public CliTest {
     host::AgentSettings settings;
     settings.dataDirectory = file("agent");
     host::setAgent(settings);
-    write("server.xml", document(httpSite("depot", "1", host::sealServerPassword("server"))));
+    write("server.xml", document(httpSite("depot", "1", sealServerPassword("server"))));
     m_key = readFile(keyFile());
   }
 

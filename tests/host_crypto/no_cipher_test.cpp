@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/child_process.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 // Processes whose configuration of libcrypto has no AES-256-GCM.
@@ -39,7 +39,7 @@ CHILD_PROCESS(useCiphers) {
   test::CryptoBuffer out = test::bufferOf("old");
   results +=
       object && object->decrypt_buffer(test::bufferOf(std::string(40, '\1')), out) ? "1" : "0";
-  results += host::sealServerPassword("secret").empty() ? "0" : "1";
+  results += test::sealServerPassword("secret").empty() ? "0" : "1";
   kept.reset();
   channel.send(results + " " + test::narrow(text) + " " + out.cpp_str());
   for (const std::wstring& error : agent.texts(LogLevel::Error)) channel.send(test::narrow(error));

@@ -12,6 +12,7 @@
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/faulty_file_system.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -81,9 +82,9 @@ TEST(WithoutRandomNumbers, AServerPasswordIsEmpty) {
   test::writeFile(test::serverKeyPath(agent.dataDirectory()), std::string(32, 'k'), 0600);
   {
     const NoRandomNumbers none;
-    EXPECT_EQ(host::sealServerPassword("secret"), "");
+    EXPECT_EQ(test::sealServerPassword("secret"), "");
   }
-  EXPECT_NE(host::sealServerPassword("secret"), "");
+  EXPECT_NE(test::sealServerPassword("secret"), "");
 }
 
 TEST(SealedValueLength, OverWhatTheCipherTakesIsRefusedBeforeAnyByteIsLookedAt) {

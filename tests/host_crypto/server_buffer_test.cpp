@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host/common/base64.h"
-#include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -28,7 +28,7 @@ class ServerBuffer : public testing::Test {
   // The bytes that a management server would send.
   static std::string sealed(const std::string& clear) {
     std::vector<unsigned char> bytes;
-    EXPECT_TRUE(host::fromBase64(host::sealServerPassword(clear), bytes));
+    EXPECT_TRUE(host::fromBase64(test::sealServerPassword(clear), bytes));
     return std::string(bytes.begin(), bytes.end());
   }
 
@@ -82,7 +82,7 @@ TEST_F(ServerBuffer, CannotBeHadWithoutTheServersKey) {
   ASSERT_EQ(::unlink(test::serverKeyPath(m_agent.dataDirectory()).c_str()), 0);
   EXPECT_FALSE(EncryptionObject(ENCRYPTION_TYPE_SERVER_BUFFER));
   EXPECT_FALSE(test::exists(test::serverKeyPath(m_agent.dataDirectory())));
-  EXPECT_EQ(host::sealServerPassword("a password"), "");
+  EXPECT_EQ(test::sealServerPassword("a password"), "");
   const std::vector<std::wstring> errors = m_agent.texts(LogLevel::Error);
   ASSERT_EQ(errors.size(), 2u);
   EXPECT_NE(errors[0].find(test::wide(test::serverKeyPath(m_agent.dataDirectory()))),
@@ -115,7 +115,7 @@ TEST_F(ServerBuffer, ObjectDoesNotDoStrings) {
   ASSERT_TRUE(object);
   std::wstring out = L"former content";
   EXPECT_EQ(object->encrypt_string(L"a password", out), 0);
-  EXPECT_EQ(object->decrypt_string(test::wide(host::sealServerPassword("a password")), out), 0);
+  EXPECT_EQ(object->decrypt_string(test::wide(test::sealServerPassword("a password")), out), 0);
   EXPECT_EQ(out, L"former content");
 }
 

@@ -11,6 +11,7 @@
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/allocation/searched_new.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -64,7 +65,7 @@ TEST(CryptoMemory, HoldsNoPasswordAfterAServerBufferWasDecrypted) {
   const test::TestAgent agent;
   test::writeFile(test::serverKeyPath(agent.dataDirectory()), std::string(32, 'k'), 0600);
   std::vector<unsigned char> sealed;
-  ASSERT_TRUE(host::fromBase64(host::sealServerPassword(c_secret), sealed));
+  ASSERT_TRUE(host::fromBase64(test::sealServerPassword(c_secret), sealed));
   int result = 0;
   expectNoTraceOfTheSecret([&] {
     const EncryptionObject object(ENCRYPTION_TYPE_SERVER_BUFFER);

@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "host/crypto/sealed_value.h"
 #include "tests/import/documents.h"
 #include "tests/import/log_lines.h"
 #include "tests/import/records.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 using namespace sitehlp;
@@ -96,7 +96,7 @@ TEST_F(ServerBuffer, APlainWriteThatFailsGivesZero) {
 
 // Shows: server-passwords, store-server-list
 TEST_F(ServerBuffer, AdjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
-  const std::string sealed = host::sealServerPassword("open sesame");
+  const std::string sealed = test::sealServerPassword("open sesame");
   ASSERT_FALSE(sealed.empty());
   EXPECT_EQ(create(document(withPassword(sealed)), true), 1);
   EXPECT_THAT(readFile(file), Not(HasSubstr("open sesame")));
@@ -112,7 +112,7 @@ TEST_F(ServerBuffer, AdjustedPasswordsMoveFromTheServersProtectionToTheAgents) {
 }
 
 TEST_F(ServerBuffer, TheServersRecoveryIsUsedForTheCallOnly) {
-  const std::string sealed = host::sealServerPassword("open sesame");
+  const std::string sealed = test::sealServerPassword("open sesame");
   EXPECT_EQ(create(document(withPassword(sealed)), true), 1);
   EXPECT_EQ(helper.m_bUseDecryptData, 0);
   EXPECT_EQ(create("<broken", true), 1);
@@ -229,7 +229,7 @@ TEST_F(AdjustPasswords, CalledDirectlyUseTheRecoveryThatIsSet) {
   EXPECT_EQ(adjust(document(withPassword(narrow(agents)))), 0);
   EXPECT_EQ(std::wstring(stored().head()->http.szPassword), L"of the agent");
 
-  const std::string servers = host::sealServerPassword("of the server");
+  const std::string servers = test::sealServerPassword("of the server");
   EXPECT_EQ(adjust(document(withPassword(servers))), 0);
   EXPECT_EQ(std::wstring(stored().head()->http.szPassword), L"");
   helper.m_bUseDecryptData = 1;

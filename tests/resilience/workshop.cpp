@@ -10,6 +10,7 @@
 #include "host/crypto/sealed_value.h"
 #include "sitehlp/sites_helper.h"
 #include "tests/import/documents.h"
+#include "tests/support/server_password.h"
 
 namespace fs = std::filesystem;
 
@@ -188,7 +189,7 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
   reset();
   m_incomingText = wide(readFile(incoming()));
 
-  const std::string byServer = host::sealServerPassword(c_canary);
+  const std::string byServer = sealServerPassword(c_canary);
   m_serverBuffer = document(repositories("served", byServer, "0") + proxies(sealed, byServer),
                             bundle("served"), versions("4"));
 }

@@ -13,6 +13,7 @@
 #include "platform/crypto/crypt_shim.h"
 #include "tests/resilience_memory/every_allocation.h"
 #include "tests/support/child_process.h"
+#include "tests/support/server_password.h"
 #include "tests/support/test_agent.h"
 
 namespace {
@@ -132,7 +133,7 @@ TEST(Shortage, MakesNoServerPasswordThatDoesNotOpen) {
   test::writeFile(agent.dataDirectory() + "/keystore/server.key", key, 0600);
   std::string password;
   EXPECT_GT(refusals([&] {
-              password = host::sealServerPassword("secret");
+              password = test::sealServerPassword("secret");
               return !password.empty();
             }),
             2);

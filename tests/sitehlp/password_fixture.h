@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "host/crypto/sealed_value.h"
 #include "sitehlp/common/password.h"
 #include "tests/sitehlp/sites_helper_fixture.h"
+#include "tests/support/server_password.h"
 
 namespace test {
 
@@ -31,7 +31,7 @@ class PasswordTest : public SitesHelperTest {
     agent.apply();
   }
   static std::wstring serverSealed(const std::string& clear) {
-    const std::wstring value = wide(host::sealServerPassword(clear));
+    const std::wstring value = wide(sealServerPassword(clear));
     EXPECT_FALSE(value.empty());
     return value;
   }

@@ -1,5 +1,4 @@
-#include "tests/cli/cli_fixture.h"
-#include "tests/cli/documents.h"
+#include "tests/cli/edit_fixture.h"
 
 namespace test {
 namespace {
@@ -133,6 +132,27 @@ TEST_F(CliDryRun, WritesNothingAtAllIntoAnAgentWithoutLocksAndKeys) {
   EXPECT_EQ(snapshot(bare), before);
   EXPECT_FALSE(exists(bare + "/locks"));
   EXPECT_FALSE(exists(bare + "/keystore"));
+}
+
+TEST_F(CliDryRun, NeedsTheDataDirectoryOfAnAgent) {
+  const std::string in = write("in/list.xml", document(httpSite("Depot")));
+  for (const Arguments& arguments : {Arguments{"import", in},
+                                     {"install", in},
+                                     {"modify", "--servers", in},
+                                     {"merge", "--first", in},
+                                     {"policies", "set", "Name", "Value"},
+                                     {"policies", "unset", "Name"},
+                                     {"edit", "disable", "Depot"},
+                                     {"undo"}}) {
+    const Output output =
+        bare(Arguments{"--agent-dir", file("none")} + arguments + Arguments{"--dry-run"});
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments);
+    EXPECT_EQ(output.err, "sitelist: " + file("none") +
+                              ": the agent's data directory does not exist\n"
+                              "  next: name another directory with --agent-dir, or create one "
+                              "with `sitelist init`\n")
+        << testing::PrintToString(arguments);
+  }
 }
 
 TEST_F(CliDryRun, FailsAsTheImportWould) {

@@ -5,6 +5,7 @@ namespace test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 class CliIncoming : public CliTest {
  protected:
@@ -89,6 +90,23 @@ TEST_F(CliIncoming, AnImportNamesEveryErrorBesideALastSiteOfUnknownKind) {
                   "  next: fix these errors; `sitelist explain-rule RULE` says how\n");
     EXPECT_EQ(agentFiles(), before);
   }
+}
+
+// The library exchanges the orders before it looks for the key files.
+TEST_F(CliIncoming, AnImportThatFailsDoesNotTellOfAnExchangeOfOrders) {
+  const auto site = [](const char* kind, const char* name, const char* server, int order) {
+    return "<" + std::string(kind) + " Type=\"repository\" Name=\"" + name + "\" Order=\"" +
+           std::to_string(order) + "\" Enabled=\"1\" Server=\"" + server + "\"/>";
+  };
+  const std::string repositories = site("FTPSite", "f", "ftp.wex.example:21", 1) +
+                                   site("HttpSite", "h", "update.wex.example:80", 2);
+  const std::string list = write("list.xml", document(repositories));
+  EXPECT_THAT(sitelist({"import", list}).err, HasSubstr("swapped the orders of the default"));
+  const std::string keyless =
+      write("keyless.xml", document(repositories + serverSite({{"Version", "5.9"}})));
+  const Output refused = sitelist({"import", keyless});
+  EXPECT_EQ(refused.status, 5);
+  EXPECT_THAT(refused.err, Not(HasSubstr("swapped")));
 }
 
 TEST_F(CliIncoming, TheServerListIsStoredOnlyIfItIsADocument) {

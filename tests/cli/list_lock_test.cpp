@@ -199,7 +199,7 @@ TEST_F(CliListLock, AReaderWaitsForAWriterOnlyAsLongAsItIsTold) {
   ASSERT_TRUE(writer.lock(Mode::Write));
   const std::vector<Arguments> commands = {{"show"},     {"versions"}, {"certs"},
                                            {"policies"}, {"servers"},  {"get", "globalVersion"},
-                                           {"explain"}};
+                                           {"explain"},  {"history"},  {"diff", "--history", "1"}};
   for (const Arguments& arguments : commands) {
     const Output output = sitelist(arguments + Arguments{"--wait", "0"});
     EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments) << '\n' << output.err;

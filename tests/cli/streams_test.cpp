@@ -207,7 +207,10 @@ TEST_F(CliStreams, StandardInputIsReadOnce) {
         {"merge", "--first", "-", "--second", "-"},
         {"edit", "--file", "-", "set", "Depot", "--password-stdin"},
         {"edit", "--file", "-", "set", "Depot", "--password-file", "-"},
-        {"validate", "-", "-"}}) {
+        {"validate", "-", "-"},
+        {"validate", "-", "/dev/stdin"},
+        {"diff", c_pipe, "-"},
+        {"merge", "--first", c_pipe, "--second", c_pipe}}) {
     const Output output = piped(list, arguments);
     EXPECT_EQ(output.status, 2) << testing::PrintToString(arguments) << output.err;
     EXPECT_THAT(output.err, StartsWith("sitelist: standard input can be read only once\n"));
@@ -215,6 +218,32 @@ TEST_F(CliStreams, StandardInputIsReadOnce) {
   }
   EXPECT_EQ(agentFiles(), before);
 }
+
+TEST_F(CliStreams, AClosedOneIsNamedAsTheCause) {
+  for (const Arguments& arguments : {Arguments{"show", "-"},
+                                     {"import", "-"},
+                                     {"protect"},
+                                     {"edit", "set", "Own", "--password-stdin"}}) {
+    const Output output = shell("exec \"$0\" --agent-dir agent \"$@\" <&-", arguments);
+    EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments);
+    EXPECT_EQ(output.err,
+              "sitelist: standard input: cannot be read: Bad file descriptor\n"
+              "  next: standard input is closed; redirect a file to it\n")
+        << testing::PrintToString(arguments);
+  }
+}
+
+#ifdef __linux__  // /proc tells which file has which number
+TEST_F(CliStreams, NoFileTakesTheNumberOfAClosedOne) {
+  ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
+  const Output output = shell(
+      "{ \"$0\" --agent-dir agent get globalVersion pipe <&- >&- 2>&- & }; tool=$!\n"
+      "{ for stream in 0 1 2; do readlink /proc/$tool/fd/$stream; done; cat list.xml >&3; } 3> "
+      "pipe\n"
+      "wait $tool; echo $?");
+  EXPECT_EQ(output.out, "/dev/null\n/dev/null\n/dev/null\n4\n") << output.err;
+}
+#endif
 
 TEST_F(CliStreams, APasswordFileMayBeOne) {
   for (const char* word : {"-", c_pipe}) {

@@ -183,6 +183,26 @@ TEST_F(CliUsage, AnEmptyValueIsWrongUsage) {
 }
 
 // A word that begins with "-" may be a password, as any word that these commands do not take.
+TEST_F(CliUsage, AWordThatOnlyBeginsLikeARequestForHelpIsAnUnknownOption) {
+  const Output output = sitelist({"show", "-hidden"});
+  EXPECT_EQ(output.status, 2);
+  EXPECT_EQ(output.out, "");
+  EXPECT_EQ(output.err,
+            "sitelist: unknown option \"-hidden\"\n  next: see `sitelist show --help`\n");
+  const Output help = sitelist({"show", "--help"});
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"-h"},
+                                                {"-qh"},
+                                                {"-hq"},
+                                                {"-h", "-hidden"},
+                                                {"--name", "-hidden", "-h"}}) {
+    std::vector<std::string> arguments = {"show"};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    const Output asked = sitelist(arguments);
+    EXPECT_EQ(asked.status, 0) << testing::PrintToString(words) << asked.err;
+    EXPECT_EQ(asked.out, help.out) << testing::PrintToString(words);
+  }
+}
+
 TEST_F(CliUsage, DoesNotRepeatWhatMayBeAPassword) {
   initAgent();
   setOwnList(document(httpSite("Depot")));
@@ -192,7 +212,8 @@ TEST_F(CliUsage, DoesNotRepeatWhatMayBeAPassword) {
                                                   {"edit", "set", "Depot", "--password-stdin"},
                                                   {"edit", "add", "http", "New"}}) {
     for (const std::string format : {"table", "json"}) {
-      for (const std::string word : {"-Xunter2", "--Xunter2", "--Xunter2=4", "-pXunter2"}) {
+      for (const std::string word :
+           {"-Xunter2", "--Xunter2", "--Xunter2=4", "-pXunter2", "-hunter2", "-qhunter2"}) {
         std::vector<std::string> arguments = {"--format", format};
         arguments.insert(arguments.end(), command.begin(), command.end());
         arguments.push_back(word);

@@ -198,6 +198,7 @@ int runAndCatch(std::vector<std::string> arguments) {
 }  // namespace tool
 
 int main(int argc, char** argv) {
+  tool::reserveStandardStreams();
   if (argc > 1 && std::string_view(argv[1]) == tool::c_completeCommand) {
     tool::complete(argc - 2, argv + 2);
     return tool::exitSuccess;

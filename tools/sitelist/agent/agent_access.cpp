@@ -93,6 +93,11 @@ void serveNoAgent(const Context& context) {
   serveDetached(context, settings);
 }
 
+void serveForPreview(const Context& context) {
+  serveAgent(context);
+  serveDetachedAgent(context);
+}
+
 void serveForPrinting(const Context& context) {
   serveAgent(context);
   requirePasswordKey(context);

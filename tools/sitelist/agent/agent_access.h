@@ -52,6 +52,9 @@ class AgentForReading {
   std::optional<ListLock> m_lock;
 };
 
+// Makes the detached agent the current agent, for a dry run. The agent's data directory must exist.
+void serveForPreview(const Context& context);
+
 // Makes the agent of the command line the current agent, for a command that prints a new list. The
 // password key must exist.
 void serveForPrinting(const Context& context);

@@ -243,8 +243,8 @@ int takeIncoming(Context& context, IncomingOptions options) {
   const int result = options.isChecked
                          ? helper.ImportSiteList(wide(options.file), wide(options.keyDirectory))
                          : helper.InstallSiteList(wide(options.file), wide(options.keyDirectory));
-  reportNotes(options.file);
   if (result != 0) failIncoming(options, ownList, result);
+  reportNotes(options.file);
   file.discard();  // the end of the lock may wait for another process
   passwords.warn(false);
   const SiteList now = readSiteList(ownList);

@@ -22,7 +22,7 @@ constexpr const char* c_standardInput = "standard input";
 
 [[noreturn]] void failToRead(const std::string& source, int error) {
   throw failureAt(source, exitFile, "cannot be read: " + readFailureReason(error),
-                  "check that it is a file that you may read");
+                  error == EBADF ? c_openInput : "check that it is a file that you may read");
 }
 
 }  // namespace

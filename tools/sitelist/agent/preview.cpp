@@ -97,8 +97,7 @@ std::vector<FileChange> fileChanges(CSitesHelper& helper, const IncomingOptions&
 
 int previewIncoming(Context& context, const IncomingOptions& options) {
   const std::string ownList = ownListPath(context);
-  serveAgent(context);
-  serveDetachedAgent(context);
+  serveForPreview(context);
   requireIncomingList(options);
   refuseOlder(options, ownList);
   PasswordCheck passwords(context, options.allowLostPasswords);

@@ -92,25 +92,40 @@ std::string argumentsIn(const std::vector<std::string>& words) {
   return (count == 1 ? "unexpected argument" : "unexpected arguments") + text;
 }
 
+const CLI::App& chosenCommand(const CLI::App& program) {
+  const CLI::App* app = &program;
+  while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
+  return *app;
+}
+
+// "policies set"
+std::string nameOfChosenCommand(const CLI::App& program) {
+  std::string name;
+  for (const CLI::App* app = &chosenCommand(program); app != &program; app = app->get_parent()) {
+    name = name.empty() ? app->get_name() : app->get_name() + " " + name;
+  }
+  return name;
+}
+
+std::string unknownOption(const CLI::App& program, const HintTable& hints,
+                          const std::string& word) {
+  const CLI::App* const app = &chosenCommand(program);
+  const std::string name = word.substr(0, word.find('='));
+  const std::string similar = suggestion(name, optionsOf(app));
+  if (similar.empty() && hints.passwordCommands.count(app) != 0) {
+    return "unknown option; it is not shown, because it may be a password";
+  }
+  return "unknown option \"" + name + "\"" + similar;
+}
+
 // Describes the words that the parser could not use. Omits the value of an option, because it may
 // be a secret.
 std::string unexpected(const CLI::App& program, const HintTable& hints) {
-  std::string command;
-  const CLI::App* app = &program;
-  while (!app->get_subcommands().empty()) {
-    app = app->get_subcommands().front();
-    command += (command.empty() ? "" : " ") + app->get_name();
-  }
+  const CLI::App* const app = &chosenCommand(program);
+  const std::string command = nameOfChosenCommand(program);
   const std::vector<std::string> words = program.remaining(true);
   const std::string& word = words.front();
-  if (isOptionLike(word)) {
-    const std::string name = word.substr(0, word.find('='));
-    const std::string similar = suggestion(name, optionsOf(app));
-    if (similar.empty() && hints.passwordCommands.count(app) != 0) {
-      return "unknown option; it is not shown, because it may be a password";
-    }
-    return "unknown option \"" + name + "\"" + similar;
-  }
+  if (isOptionLike(word)) return unknownOption(program, hints, word);
   const bool hasArguments =
       !app->get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
   const std::vector<std::string> commands = commandsOf(*app);
@@ -119,6 +134,22 @@ std::string unexpected(const CLI::App& program, const HintTable& hints) {
   if (commands.empty() || hasArguments) return argumentsIn(words);
   return "unknown command \"" + (command.empty() ? "" : command + " ") + word + "\"" +
          suggestion(word, commands);
+}
+
+// "-h", or several flags of one letter with it
+bool asksForHelp(const std::string& word) {
+  return word == "--help" || (word.size() > 1 && word.find_first_not_of("hq", 1) == word.npos &&
+                              word[0] == '-' && word.find('h') != word.npos);
+}
+
+// Returns the word that the parser took for a request for help although it is none: it reads only
+// the first letter of "-hidden". Returns null if help was asked for.
+const std::string* falseHelp(const std::vector<std::string>& words) {
+  if (std::any_of(words.begin(), words.end(), asksForHelp)) return nullptr;
+  const auto found = std::find_if(words.begin(), words.end(), [](const std::string& word) {
+    return isOptionLike(word) && word[1] != '-' && word.find('h') != word.npos;
+  });
+  return found == words.end() ? nullptr : &*found;
 }
 
 CommandInfo describeCommand(const CLI::App& app, const HintTable& hints) {
@@ -240,23 +271,23 @@ std::string CommandLine::help() const { return m_app->help(); }
 
 CommandInfo CommandLine::describe() const { return describeCommand(*m_app, m_hints); }
 
-std::string CommandLine::commandName() const {
-  std::string name;
-  for (const CLI::App* app = m_app.get(); !app->get_subcommands().empty();) {
-    app = app->get_subcommands().front();
-    name += (name.empty() ? "" : " ") + app->get_name();
-  }
-  return name;
-}
+std::string CommandLine::commandName() const { return nameOfChosenCommand(*m_app); }
 
-CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments, std::string& text) {
+CommandLine::Outcome CommandLine::parse(const std::vector<std::string>& arguments,
+                                        std::string& text) {
   for (CLI::App* command : m_app->get_subcommands({})) command->fallthrough();
-  std::reverse(arguments.begin(), arguments.end());
+  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
   try {
-    m_app->parse(arguments);
+    m_app->parse(reversed);
     return Outcome::Parsed;
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) {
+      const std::string* const word =
+          dynamic_cast<const CLI::CallForHelp*>(&e) ? falseHelp(arguments) : nullptr;
+      if (word) {
+        text = unknownOption(*m_app, m_hints, *word);
+        return Outcome::Wrong;
+      }
       std::ostringstream answer;
       m_app->exit(e, answer);
       text = answer.str();

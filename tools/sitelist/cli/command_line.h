@@ -102,7 +102,7 @@ class CommandLine {
   std::string commandName() const;
   // Parses the arguments. If the result is Answered, `text` is the help or version text. If it is
   // Wrong, `text` is the reason.
-  Outcome parse(std::vector<std::string> arguments, std::string& text);
+  Outcome parse(const std::vector<std::string>& arguments, std::string& text);
 
  private:
   static constexpr std::size_t c_nameColumns = 22;  // width of the names in help texts

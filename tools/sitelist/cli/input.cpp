@@ -26,8 +26,7 @@ int readToTheEnd(int descriptor, std::string& bytes) {
   return EFBIG;
 }
 
-bool isPipe(const std::string& file) {
-  struct stat status;
+bool isPipe(const std::string& file, struct stat& status) {
   return host::fileSystem().stat(AT_FDCWD, file, true, status) == 0 && S_ISFIFO(status.st_mode);
 }
 
@@ -38,6 +37,14 @@ int readPipe(const std::string& file, std::string& bytes) {
 
 }  // namespace
 
+void reserveStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    const bool isRead = stream == STDIN_FILENO;
+    if (::open("/dev/null", isRead ? O_WRONLY : O_RDONLY) != stream) return;
+  }
+}
+
 bool isStandardStream(const std::string& file) { return file == "-"; }
 
 void refuseStandardStream(const std::string& file, const std::string& what) {
@@ -46,7 +53,18 @@ void refuseStandardStream(const std::string& file, const std::string& what) {
                 "write ./- if this is its name");
 }
 
-bool isReadOnce(const std::string& file) { return isStandardStream(file) || isPipe(file); }
+bool isStandardInput(const std::string& file) {
+  struct stat status;
+  struct stat standard;
+  return isStandardStream(file) ||
+         (isPipe(file, status) && ::fstat(STDIN_FILENO, &standard) == 0 &&
+          standard.st_dev == status.st_dev && standard.st_ino == status.st_ino);
+}
+
+bool isReadOnce(const std::string& file) {
+  struct stat status;
+  return isStandardStream(file) || isPipe(file, status);
+}
 
 void takeStandardInput() {
   static bool isTaken = false;
@@ -57,13 +75,13 @@ void takeStandardInput() {
 }
 
 int tryReadInput(const std::string& file, Input& input) {
-  if (file.empty() || isStandardStream(file)) {
-    input.name = "standard input";
+  if (file.empty() || isStandardInput(file)) {
+    input.name = file.empty() || isStandardStream(file) ? "standard input" : file;
     takeStandardInput();
     return readToTheEnd(STDIN_FILENO, input.bytes);
   }
   input.name = file;
-  return isPipe(file) ? readPipe(file, input.bytes) : tryReadBytes(file, input.bytes);
+  return isReadOnce(file) ? readPipe(file, input.bytes) : tryReadBytes(file, input.bytes);
 }
 
 Input readInput(const std::string& file) {
@@ -73,7 +91,8 @@ Input readInput(const std::string& file) {
   if (error == ENOENT) {
     throw failureAt(input.name, exitFile, "the file does not exist", "check the path");
   }
-  throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error), c_checkFile);
+  throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error),
+                  error == EBADF ? c_openInput : c_checkFile);
 }
 
 int tryReadBytes(const std::string& path, std::string& bytes) {

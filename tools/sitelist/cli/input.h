@@ -15,11 +15,21 @@ struct Input {
   std::string bytes;
 };
 
+// The advice if standard input is closed.
+constexpr const char* c_openInput = "standard input is closed; redirect a file to it";
+
+// Opens standard streams that are closed, so that no other file gets their number and with it the
+// messages. Reading them or writing to them still fails.
+void reserveStandardStreams();
+
 // Returns whether a name on the command line means standard input or standard output: "-". "./-" is
 // a file of this name.
 bool isStandardStream(const std::string& file);
 // Fails with wrong usage if `file` is "-". `what` names the argument or option.
 void refuseStandardStream(const std::string& file, const std::string& what);
+
+// Returns whether the file is "-", or another name of a pipe that is standard input: /dev/stdin.
+bool isStandardInput(const std::string& file);
 
 // Returns whether the file can be read only once: standard input, or a pipe.
 bool isReadOnce(const std::string& file);

@@ -1,6 +1,7 @@
 #include "tools/sitelist/diff/diff.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "tools/sitelist/agent/agent_access.h"
@@ -36,8 +37,10 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
   return options.exitCode ? exitNegative : exitSuccess;
 }
 
-// The names of the two lists.
-std::pair<std::string, std::string> namesOf(const Context& context, const DiffOptions& options) {
+// The names of the two lists. Locks the agent's own list for a list of its history, which must not
+// go away.
+std::pair<std::string, std::string> namesOf(Context& context, const DiffOptions& options,
+                                            std::optional<ListLock>& lock) {
   if (options.number.empty()) {
     if (!options.after.empty()) return {options.before, options.after};
     throw Failure(exitUsage, "BEFORE or AFTER is missing", "give two lists, or --history NUMBER");
@@ -46,13 +49,14 @@ std::pair<std::string, std::string> namesOf(const Context& context, const DiffOp
     throw Failure(exitUsage, "--history cannot be used with BEFORE and AFTER",
                   "omit the lists; --history compares with the agent's own list");
   }
-  serveAgent(context);
+  lock.emplace(context, "", ListUse::Read);
   const std::string own = ownListPath(context);
   return {historyEntry(own, options.number).path, own};
 }
 
 int diff(Context& context, const DiffOptions& options) {
-  const auto [from, to] = namesOf(context, options);
+  std::optional<ListLock> lock;
+  const auto [from, to] = namesOf(context, options, lock);
   GivenFile givenBefore(from);
   GivenFile givenAfter(to);
   serveDetachedAgent(context);

@@ -72,7 +72,7 @@ SiteList mergeLists(const std::string& ownList, Sources& sources, PasswordCheck&
 // Prints how the list that receives the sites would change.
 int previewMerge(Context& context, const MergeOptions& options) {
   Sources sources(options);
-  serveDetachedAgent(context);
+  serveForPreview(context);
   const std::string ownList = ownListPath(context);
   const SiteList before =
       readWholeSiteList(options.second.empty() ? ownList : sources.second.path());

@@ -77,7 +77,7 @@ std::string modifyCopy(const ScratchDirectory& scratch, const ModifyOptions& opt
 // Shows the changes: modifies a copy of the list and compares it with the list.
 int previewModify(Context& context, const ModifyOptions& options) {
   const std::string ownList = ownListPath(context);
-  serveDetachedAgent(context);
+  serveForPreview(context);
   failIfNotEditable(ownList);
   const ScratchDirectory scratch;
   PasswordCheck passwords(context, options.incoming.allowLostPasswords);

@@ -71,7 +71,7 @@ std::string unsetPolicies(SiteList& list, const PoliciesOptions& options) {
 }
 
 int previewPolicies(Context& context, const PoliciesOptions& options, Change change) {
-  serveDetachedAgent(context);
+  serveForPreview(context);
   const std::string path = ownListPath(context);
   PasswordCheck passwords(context, options.allowLostPasswords);
   passwords.requireEncryptable(path);

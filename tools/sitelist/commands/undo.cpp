@@ -25,8 +25,7 @@ struct UndoOptions {
 };
 
 int preview(Context& context, const UndoOptions& options) {
-  serveAgent(context);
-  serveDetachedAgent(context);
+  serveForPreview(context);
   const std::string path = ownListPath(context);
   const HistoryEntry entry = historyEntry(path, options.number);
   SiteList after = readWholeSiteList(entry.path);

@@ -78,7 +78,7 @@ void requireSense(const ValidateOptions& options) {
     throw Failure(exitUsage, "--managed and --unmanaged cannot be used together",
                   "give at most one of them");
   }
-  if (std::count_if(options.files.begin(), options.files.end(), isStandardStream) > 1) {
+  if (std::count_if(options.files.begin(), options.files.end(), isStandardInput) > 1) {
     throw Failure(exitUsage, "standard input can be read only once", "give \"-\" at most once");
   }
 }

@@ -13,8 +13,8 @@ namespace tool {
 // another time.
 std::string stateOfFile(const std::string& path);
 
-// The content of a file at one time, or the errno of reading it. A file that is longer than any
-// input is not read; its state stands for its content. The file may be a key, so the content is
+// The content of a file at one time, or the errno of reading it. A file that is too long for an
+// input is not read, and its state is compared instead. The file may be a key, so the content is
 // wiped.
 class FileContent {
  public:

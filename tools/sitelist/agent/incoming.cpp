@@ -165,7 +165,7 @@ std::wstring globalVersionOf(const std::string& path) {
   return global;
 }
 
-// A management server numbers its lists by the time. Other versions have no order.
+// A management server uses the time as the global version. Other versions have no order.
 bool isTime(const std::wstring& version) {
   constexpr std::size_t digits = 14;
   return version.size() == digits && version.find_first_not_of(L"0123456789") == std::wstring::npos;

@@ -61,7 +61,7 @@ ListLock::ListLock(Context& context, const std::string& file, ListUse use)
   m_state = stateOfFile(m_path);
 }
 
-// The load command ran without the lock.
+// The history is completed under the lock, which was released for the load command.
 ListLock::~ListLock() {
   if (!m_kept || !m_kept->isPending() || m_listHold->isHeld()) return;
   try {

@@ -25,8 +25,8 @@ enum class ListUse { Read, ReadCached, Change };
 // user may use the lock files. Its directory is locked only for a change. A read needs no such
 // lock, because lists are replaced atomically.
 //
-// A change of the agent's own list puts the old list into the history. A lock for a change finds
-// out whether its holder changes files.
+// A change of the agent's own list puts the old list into the history. While a lock for a change
+// is held, a ChangeWatch finds out whether files change.
 class ListLock {
  public:
   // Makes the agent of the lock the current agent. An empty file name means the agent's own list.

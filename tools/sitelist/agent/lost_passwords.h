@@ -15,8 +15,8 @@ namespace tool {
 std::string passwordKeyPath(const std::string& dataDirectory);
 int passwordKeyError(const std::string& dataDirectory);
 
-// Whether the password key of the current agent can be used for encryption. Creates it if it is
-// missing.
+// Returns whether the password key of the current agent can be used for encryption. Creates the
+// key if it is missing.
 bool canEncryptWithAgentKey();
 
 // Each function below finds the passwords that its comment describes and returns their sites as

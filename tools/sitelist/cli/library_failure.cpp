@@ -92,7 +92,7 @@ std::string describe(const ReadError& error) {
   return text + error.reason;
 }
 
-// The code may have several causes, so the error in the document is more exact.
+// A result code can have several causes, so the read error is more precise.
 Failure readFailure(const std::string& name, const ReadError& error, int code) {
   const char* const meaning = error.meaning ? error.meaning : meaningOf(error.code).meaning;
   return Failure(error.status, textWithCode(name, code, meaning) + describe(error), error.advice,

@@ -32,8 +32,8 @@ const char* nameOfLevel(LogLevel level) {
   }
 }
 
-// The component of the library's class. It logs a failed step as an error even if the operation
-// continues.
+// The component of the library's class. The class logs a failed step as an error even if the
+// operation continues.
 constexpr const wchar_t* c_libraryComponent = L"SiteHlp";
 constexpr const wchar_t* c_cryptoComponent = L"Crypto";
 // In a record of the host library, the text after this is advice.

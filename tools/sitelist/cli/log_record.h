@@ -23,8 +23,8 @@ void recordLog(bool verbose);
 const std::vector<LogRecord>& logRecords();
 void clearLogRecords();
 
-// Returns how many passwords were read as empty since the last call, because the agent's key cannot
-// decrypt them.
+// Returns how many passwords were read as empty since the last call, because they cannot be
+// decrypted.
 unsigned long takeUnreadPasswords();
 
 struct LoggedReason {
@@ -38,10 +38,11 @@ struct LoggedReason {
 LoggedReason takeReasonOfWrite(const std::string& path);
 LoggedReason takeReasonOfKeyFile();
 
-// Prints errors among the records to standard error. After a success, they are warnings, and it
-// omits lines of the library's class, because an error of an operation need not be one of the
-// command. After a failure, it omits lines that only repeat a result code. With --verbose it prints
-// no errors of a failure again.
+// Prints errors among the records to standard error. After a success, they are printed as
+// warnings, without those of the library's class: a command can succeed although an operation of
+// the library logged an error. After a failure, errors that only repeat a result code are
+// omitted. With --verbose, nothing is printed after a failure, because each error was printed when
+// it was logged.
 void reportLoggedErrors(bool hasSucceeded);
 
 }  // namespace tool

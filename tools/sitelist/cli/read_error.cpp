@@ -146,8 +146,8 @@ std::optional<ReadError> parse(GetText getText, std::wstring& text,
   }
 }
 
-// The library does not report which of the two limits a list exceeds. The memory can be exceeded
-// only by a list with more elements than records are allowed.
+// The library does not report which of the two limits a list exceeds. A list exceeds the memory
+// limit only if it has more elements than the number of records that the limit allows.
 ReadError recordLimitOf(const Document& document) {
   const std::size_t bytes = IConfiguration::GetConfiguration()->GetMaxRecordBytes();
   std::size_t elements = 0;

@@ -18,7 +18,7 @@ struct Screen {
   std::string styled(Style style, const std::string& text) const;
 };
 
-// Whether standard output is a terminal.
+// Returns whether standard output is a terminal.
 bool isOutputTerminal();
 
 enum class ColorChoice { Auto, Always, Never };

@@ -13,7 +13,7 @@ std::string narrow(const std::wstring& text);
 // characters become \uXXXX. A backslash becomes \u005C if the text after it would make it look like
 // one of these, so different texts stay different. Must not be applied to its own result.
 std::wstring printable(const std::wstring& text);
-// Does the same, after showAs() has renamed temporary files.
+// Does the same, but first replaces the paths of temporary files by their names from showAs().
 std::string shown(const std::wstring& text);
 std::string shown(const std::string& utf8);
 

@@ -24,7 +24,7 @@ struct DiffOptions {
   bool showSecrets = false;
 };
 
-// Passwords that cannot be compared may differ. Without another difference it is then not known
+// Passwords that cannot be compared may differ. Without another difference, it is unknown
 // whether the lists differ.
 int reportIncomparable(const Diff& result, const DiffOptions& options) {
   const std::size_t count = result.incomparable();
@@ -37,8 +37,8 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
   return options.exitCode ? exitNegative : exitSuccess;
 }
 
-// The names of the two lists. Locks the agent's own list for a list of its history, which must not
-// go away.
+// Returns the names of the two lists. For a list of the history, also locks the agent's own list, so
+// that no command removes the list from the history.
 std::pair<std::string, std::string> namesOf(Context& context, const DiffOptions& options,
                                             std::optional<ListLock>& lock) {
   if (options.number.empty()) {

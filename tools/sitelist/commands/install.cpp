@@ -8,7 +8,8 @@ void addInstall(Command& app, Context& context) {
   const auto options = std::make_shared<IncomingOptions>();
   options->isChecked = false;
   addIncomingOptions(command, *options);
-  command.add_flag("--allow-empty", options->allowEmpty, "Install a list without sites, too");
+  command.add_flag("--allow-empty", options->allowEmpty,
+                   "Install the list even if it has no sites");
   command.footer(
       "The sites of the list are not checked. The root of the document must be\n"
       "\"SiteLists\".\n\n"

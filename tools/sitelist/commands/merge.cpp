@@ -24,8 +24,8 @@ struct MergeOptions {
   bool allowLostPasswords = false;
 };
 
-// The lists that the command line names. They are not stored longer than they are needed, because
-// the load command must not run meanwhile.
+// The lists that the command line names. Their stored copies are removed as soon as possible,
+// because they must not exist while the load command runs.
 struct Sources {
   explicit Sources(const MergeOptions& options) : first(options.first), second(options.second) {}
   void discard() {
@@ -96,7 +96,7 @@ int printMerge(Context& context, const MergeOptions& options) {
   PasswordCheck passwords(context, options.allowLostPasswords);
   SiteList merged = mergeLists(ownListPath(context), sources, passwords);
   const std::string document = documentOf(merged);
-  sources.discard();  // the reader of standard output may let the tool wait
+  sources.discard();  // the reader of standard output may make the tool wait
   std::cout << document << '\n';
   passwords.warn(false);
   return exitSuccess;

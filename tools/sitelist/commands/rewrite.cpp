@@ -22,7 +22,7 @@ struct RewriteOptions {
 SiteList readSource(GivenFile& source, PasswordCheck& passwords) {
   passwords.requireEncryptable(source.path());
   SiteList list = readWholeSiteList(source.path());
-  source.discard();  // the load command must not run meanwhile
+  source.discard();  // the stored copy must not exist while the load command runs
   return list;
 }
 

@@ -131,9 +131,7 @@ void addValidate(Command& app, Context& context) {
       "The command needs no agent and writes nothing. Each fault is one line:\n"
       "  FILE:LINE:COLUMN: RULE: TEXT\n"
       "If a fault has no place in the file, LINE:COLUMN is omitted. `sitelist\n"
-      "explain-rule RULE` explains a rule and how to fix a list that breaks it. Two\n"
-      "limits are reported only by a message on standard error: the number of elements\n"
-      "of unknown kind, and the memory for sites.\n"
+      "explain-rule RULE` explains a rule and how to fix a list that breaks it.\n"
       "\n"
       "Errors (the agent refuses the list):\n" +
       ruleHelp(Severity::Error) +

@@ -1,7 +1,7 @@
 # Completion of sitelist for fish. The candidates come from `sitelist __complete`; its output is
 # described in tools/sitelist/commands/complete.h of the source.
 
-# Prints the tool's answer to the line. The last word is passed without quotes; one may still be open.
+# Prints the tool's answer to the line. The last word is passed without quotes, even if a quote is open.
 function __sitelist_answer
     set -l words (commandline -opc)
     set -l program (string replace -r -- '^~/' "$HOME/" $words[1])

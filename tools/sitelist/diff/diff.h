@@ -17,9 +17,9 @@ struct FileChange {
   std::string change;  // "added", "changed", "removed" or "unchanged"
 };
 
-// The differences between two lists. Two passwords in `unread` are the same if their encrypted
-// texts are the same. Any other pair with a password in `unread` gives a row that isEmpty() does
-// not count as a difference.
+// The differences between two lists. `unread` has the passwords that cannot be decrypted. Two of
+// them are the same if their encrypted texts are the same. Any other pair that includes one of them
+// cannot be compared: it gives a row, which isEmpty() does not count.
 class Diff {
  public:
   Diff(const SiteList& before, const SiteList& after, bool showSecrets,

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-// Fails with the reason why a file cannot be edited as a site list. The file is missing, is not a
+// Fails with the reason if a file cannot be edited as a site list: the file is missing, is not a
 // document, has another root or has no "SiteList". The edit operations of the library do not give
 // this reason.
 void failIfNotEditable(const std::string& path);
@@ -38,8 +38,8 @@ class ListEditor {
   const std::string& path() const { return m_list.path; }
   std::vector<Entry>& entries() { return m_entries; }
 
-  // Sets a field. Reads the site in the same way as the library, so a value in another form is not
-  // changed.
+  // Sets a field. Reads the site in the same way as the library, so an equal value in another form
+  // is not changed.
   void set(Entry& entry, const NewValue& value);
   // Adds a site. Its element gets exactly these values, in this order.
   void add(const wchar_t* element, const std::vector<NewValue>& values);

@@ -43,7 +43,7 @@ std::wstring checkedText(const DocumentField& field, const std::string& value) {
            "give at most " + std::to_string(limit) + "; the agent cuts the rest");
   }
   if (field.form == FieldForm::NetbiosName && text.find(L'.') != std::wstring::npos) {
-    refuse(field, "a NetBIOS name must not have a dot", "give only the part before the first dot");
+    refuse(field, "a computer name must not have a dot", "give only the part before the first dot");
   }
   return text;
 }

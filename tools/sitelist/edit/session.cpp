@@ -37,7 +37,7 @@ SiteList readDraft(const ListEditor& list, const std::string& draft) {
   throw failureAt(
       list.path(), exitDocument,
       "the agent would not read the changed document as intended, so nothing was written",
-      "look at the site in the document; its form may be one that the agent reads differently");
+      "check the site in the document; the agent may read its form differently");
 }
 
 // A server with a version must have key files next to its list. The rules only look at whether such
@@ -50,7 +50,7 @@ void addKeyFiles(const std::string& list, const std::string& draft) {
     unsigned long long size = 0;
     if (!AFiler::getFileSize(wide(key.string()), size) || size == 0) continue;
     const std::string copy = (fs::path(draft).parent_path() / narrow(name)).string();
-    // The draft's directory may belong to another user, who must not lead the write elsewhere.
+    // The draft's directory may belong to another user, who must not redirect the write.
     const int error = host::replaceFile(copy, "0", 1, S_IRUSR | S_IWUSR);
     if (error == 0) continue;
     throw failureAt(draft, exitFile,
@@ -59,7 +59,7 @@ void addKeyFiles(const std::string& list, const std::string& draft) {
   }
 }
 
-// What a draft of the changed document shows.
+// The result of reading and checking a draft of the changed document.
 struct Trial {
   SiteList after;
   std::vector<Fault> faults;
@@ -105,7 +105,7 @@ void print(ListAccess& access, const ListEditor& list) {
   const std::string& path = list.path();
   if (list.isChanged() && !list.write(path)) throw libraryFailure(path, sitehlp::c_errorWrite);
   const std::string document = readInput(path).bytes;
-  access.discardStream();  // the reader of standard output may let the tool wait
+  access.discardStream();  // the reader of standard output may make the tool wait
   std::cout << document;
 }
 

@@ -69,7 +69,7 @@ GivenHost parseHost(const std::string& given) {
     return c <= L' ' || c == L'/' || c == L'?' || c == L'#' || c == L'@' || c == L'\\' ||
            printable(std::wstring(1, c)) != std::wstring(1, c);
   });
-  if (hasOthers) refuse(given, "the name has a character that no host has");
+  if (hasOthers) refuse(given, "the name has a character that is not allowed in a host name");
   return host;
 }
 

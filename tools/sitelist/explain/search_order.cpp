@@ -30,7 +30,7 @@ std::string reasonOf(const tag_Site& site, const tag_Site* previous) {
     if (!previous) text += ", the lowest";
   }
   if (previous && previous->iOrder == site.iOrder) {
-    text += "; the site before has the same order and is first in the list";
+    text += "; the site before has the same order and comes earlier in the list";
   }
   return text;
 }

@@ -117,10 +117,10 @@ std::string settingsPage(const std::string& date) {
 
   page.section("DIAGNOSTICS");
   page.paragraph(
-      "If the file cannot be used, a command of `sitelist` that needs the agent does nothing and "
-      "exits with 3. It prints the reason, with line and column if the fault is in the text. A "
-      "process of the agent uses the defaults and logs the same reason. Each of these lines is "
-      "refused with the text below it:");
+      "If the file is invalid, a command of `sitelist` that needs the agent does nothing and exits "
+      "with 3. If the file cannot be read, the status is 4. The command prints the reason, with "
+      "line and column if the fault is in the text. A process of the agent uses the defaults and "
+      "logs the same reason. Each of these lines is refused with the text below it:");
   std::vector<std::string> lines;
   for (const Setting& setting : c_settings) {
     if (!lines.empty()) lines.emplace_back();

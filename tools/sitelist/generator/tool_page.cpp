@@ -187,10 +187,9 @@ std::string toolPage(const CommandInfo& program, const StatusTable& statuses,
   page.item(
       "Ev TMPDIR",
       "The directory of temporary files. The default is `/tmp`. A list from standard input or a "
-      "pipe, a list on standard output and each dry run need it. A command that reads lists from "
-      "files does not. The "
-      "files are removed at the end, also after a signal. The next command that needs the "
-      "directory removes the files of processes that were killed.");
+      "pipe, a list on standard output and most dry runs need it. Other commands that read lists "
+      "from files do not. The temporary files are removed at the end, also after a signal. The "
+      "next command that needs the directory removes the files of processes that were killed.");
   page.endList();
 
   page.section("FILES");

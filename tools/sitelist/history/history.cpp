@@ -26,8 +26,8 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-// The first part of the name of a copy until the command has ended. The process follows, because
-// two commands can have the same name in the same second.
+// The first part of the name of a copy until the command has ended. The process number follows,
+// because two commands can have the same name in the same second.
 constexpr const char* c_pending = "pending";
 constexpr const char* c_suffix = ".xml";
 constexpr mode_t c_directoryMode = 0750;
@@ -104,9 +104,9 @@ Copies copiesOf(const std::string& list) {
   return copies;
 }
 
-// A pending copy that a killed command left is an entry if the command replaced the list. If it
-// equals the newest entry, it is not a further entry: the command was killed after it had written
-// that entry.
+// A pending copy that a killed command left is an entry if the command replaced the list. If the
+// copy equals the newest entry, it is not a second entry: the command was killed after it had
+// written that entry.
 bool isEntry(const Copies& copies, const std::string& present) {
   std::string bytes;
   return copies.pending && tryReadBytes(copies.pending->path, bytes) == 0 && bytes != present &&

@@ -14,10 +14,12 @@ struct HistoryEntry {
   std::string path;
 };
 
-// The history of a list, the oldest entry first. Contains the list that a killed command replaced.
+// Returns the history of a list, the oldest entry first. This includes the list that a killed
+// command replaced.
 std::vector<HistoryEntry> historyOf(const std::string& list);
 
-// The entry with this number, or the newest one for an empty number. Fails if there is none.
+// Returns the entry with this number, or the newest one for an empty number. Fails if there is
+// none.
 HistoryEntry historyEntry(const std::string& list, const std::string& number);
 
 // Puts the list that a command replaces into the history. The lock of the list must be held.
@@ -30,7 +32,7 @@ class KeptList {
   // length. Removes the copy if the list was not changed. Does nothing if another command has
   // done this.
   ~KeptList();
-  // Leaves this to the next command. For an owner that does not hold the lock any more.
+  // Leaves the copy to the next command, for an owner that no longer holds the lock.
   void leave() noexcept { m_copy.clear(); }
   // Returns whether there is a copy.
   bool isPending() const noexcept { return !m_copy.empty(); }

@@ -30,7 +30,7 @@ void sortBySearchOrder(std::vector<const sitehlp::tag_Site*>& sites);
 
 // Returns the names of all columns: those of the table format, then the fields.
 std::vector<std::string> columnNames();
-// Whether the table format has the column by default.
+// Returns whether the table format has the column by default.
 bool isTableColumn(const std::string& name);
 // Returns the text of a column. Fails when there is no such column.
 std::wstring cellOf(const sitehlp::tag_Site& site, const std::string& column, bool showSecrets);

@@ -23,7 +23,7 @@ Values operator+(Values all, const Values& more) {
   return all;
 }
 
-// Two child elements are flags, but their records have the number.
+// Two child elements are flags, but a record stores their numbers.
 template <typename Row>
 ValueType numberType(const Row& row) {
   if (row.xmlName == &WX_XML_SITE_ORDER) return ValueType::Order;
@@ -110,7 +110,7 @@ ElementGrammar grammarOfKind(const NamedKind& kind) {
     case sitehlp::SITE_KIND_PROXY:
       break;
   }
-  // The attributes of the list itself are read like those of any site.
+  // The attributes of the proxy list itself are read like those of any site.
   return {*kind.element,
           kind.name,
           attributesOf(sitehlp::fields::c_head) + reservedAttributes() +

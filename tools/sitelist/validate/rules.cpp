@@ -147,7 +147,7 @@ const std::vector<Rule>& allRules() {
 
       warning("key-files-unchecked", "the key files of a server can be checked",
               "Key files must be in the directory of the list, and standard input has no "
-              "directory. An import possibly does not find them.",
+              "directory. An import may not find them.",
               "Validate the file itself, in the directory from which it will be imported.",
               "sitelist validate - <incoming/SiteList.xml",
               "sitelist validate incoming/SiteList.xml"),

@@ -116,7 +116,7 @@ void setSites(const PlacedElement& root, std::vector<Fault>& faults) {
     if (!site.element.HasName(WX_XML_PROXY_CONFIG_LIST)) continue;
     for (const PlacedElement& proxy : site.children) addStart(proxy);
   }
-  // What follows the list is not in its last site.
+  // An element after the list does not belong to the last site of the list.
   for (const PlacedElement& child : root.children) {
     if (list->place < child.place) starts.emplace_back(child.place, std::wstring());
   }

@@ -7,8 +7,8 @@
 namespace bench {
 
 // Runs a program found by the search path, with its standard output in a file, and waits for its
-// end. Ends this program if the other one fails. Returns its largest memory use, in KiB (on a Mac
-// in bytes).
+// end. Ends this program if the other one fails. Returns the largest memory use of the other
+// program, in KiB (on macOS in bytes).
 double runProgram(std::vector<std::string> words, const std::string& output = "/dev/null");
 
 }  // namespace bench

@@ -52,8 +52,9 @@ class TreeRecipe {
   std::vector<Step> m_steps;
 };
 
-// Builds records with the fields of a list. Each record is allocated with calloc. Each field of its
-// kind is written, and the rest of its capacity is zeroed. The texts are close together in memory.
+// Builds records with the fields of a list. Each record is allocated with calloc. Each field of the
+// record's kind is written, and the rest of the field is zeroed. The texts are close together in
+// memory.
 class RecordRecipe {
  public:
   explicit RecordRecipe(const sitehlp::tag_Site* list);

@@ -193,7 +193,7 @@ void addGrowthRows() {
   addGrowthRow("GetPYXServerInfo", askingServers, 9);
   addGrowthRow("ImportSiteList", importing);
   addGrowthRow("modifySiteList", modifying);
-  addGrowthRow("modifySiteList, 10000 servers by as many other servers as", modifyingServers);
+  addGrowthRow("modifySiteList, 10000 servers replaced by others", modifyingServers);
   addGrowthRow("createServerSiteListFromSiteList", deriving);
   addGrowthRow("expat, empty handlers + pugixml: parse, print, atomic write", rewriting, 9, 0);
 }

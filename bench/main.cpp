@@ -13,8 +13,8 @@
 // Measures one or all rows of the table. Each row is a benchmark named "operation / baseline". Its
 // counter "ratio" is the median of all samples.
 //   sitehlp-bench DIRECTORY [options of Google Benchmark]
-// DIRECTORY is the data directory of the measured agent. The program creates its files if it is
-// empty, and does not remove them.
+// DIRECTORY is the data directory of the measured agent. The program creates the agent's files that
+// are missing, and does not remove them.
 namespace bench {
 namespace {
 

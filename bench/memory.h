@@ -5,7 +5,7 @@
 
 // Controls for the allocator of the C library. A new page costs more than reading a site, so the
 // cost of a run depends on which freed memory the allocator kept. By default this depends on the
-// runs before.
+// previous runs.
 namespace bench {
 
 // Returns freed memory to the system, so that the next run begins as in a new process.

@@ -27,7 +27,7 @@ std::function<void()> parsingOf(const std::string& path, void (*parse)(const std
   return [bytes = readFile(path), parse] { parse(bytes); };
 }
 
-// expat, followed by the allocation of the records.
+// Parses with expat, then allocates, fills and frees the records.
 std::function<void()> parsingAndFillingOf(const std::string& path) {
   CSitesHelper helper(true);
   tag_Site* list = nullptr;
@@ -48,17 +48,17 @@ void addRowsOfMany(std::size_t count, int samples) {
   const std::string name = "ReadSiteList, " + std::to_string(count) + " sites";
   const char* const floor = "expat, empty handlers + records allocated, filled, freed";
   addRow(
-      {name + ", in new memory", floor, 1.3, samples, [prepare] {
+      {name + ", fresh memory", floor, 1.3, samples, [prepare] {
          const Measurement measurement = prepare();
          return Measurement{withNewMemory(measurement.subject), withNewMemory(measurement.floor)};
        }});
-  addRow({name + ", in memory kept", floor, 1.3, samples, [prepare] {
+  addRow({name + ", retained memory", floor, 1.3, samples, [prepare] {
             keepFreedMemory();
             return prepare();
           }});
 }
 
-// Reads one small list again and again, so its memory stays in the process.
+// Reads one small list repeatedly. The allocator keeps the freed memory.
 void addRowOf12(const char* against, double bound,
                 std::function<void()> (*floorOf)(const std::string&)) {
   addRow({"ReadSiteList, 12 sites", against, bound, 400, [floorOf] {

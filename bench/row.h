@@ -20,16 +20,16 @@ struct Measurement {
 struct Row {
   std::string name;
   std::string against;
-  double bound = 0;  // largest good ratio; 0: for comparison only
+  double bound = 0;  // the largest accepted ratio; 0: for comparison only
   int samples = 0;
   std::function<Measurement()> prepare;
-  const char* unit = "us";  // the unit of 1,000
+  const char* unit = "us";  // of a printed cost, which is a cost divided by 1,000
 };
 
 void addRow(Row row);
 const std::vector<Row>& rows();
 
-// Returns the nanoseconds of one run of `action`, as the average of `runs` consecutive runs.
+// Returns a Cost that runs `action` `runs` times and gives the average nanoseconds of one run.
 Cost timed(std::function<void()> action, int runs = 1);
 // Does the same for one run. `before` is called first and is not measured.
 Cost timedAfter(std::function<void()> before, std::function<void()> action);

@@ -17,8 +17,8 @@ namespace {
 
 std::string g_directory;
 
-// The key file is read again for every password if its last change is too recent to detect another
-// one. The key of a real agent is older, so this waits.
+// If the key file changed a short time ago, the library reads it again for every password, because
+// it might not detect a later change. The key of a real agent is older, so this function waits.
 void makeKey() {
   if (fs::exists(g_directory + "/keystore/password.key")) return;
   std::wstring ignored;
@@ -40,7 +40,7 @@ void serveSampleAgent(const std::string& directory) {
 }
 
 const std::string& agentDirectory() {
-  check(!g_directory.empty(), "no agent is served");
+  check(!g_directory.empty(), "no agent is set");
   return g_directory;
 }
 

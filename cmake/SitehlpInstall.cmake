@@ -109,7 +109,7 @@ install(
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT development)
 
-# In the folders of the source tree, so that the links between documents work.
+# Keeps the folders of the source tree, so that the links between documents work.
 install(
   FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
   DESTINATION ${doc_dir}

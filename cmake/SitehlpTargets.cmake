@@ -23,8 +23,8 @@ function(sitehlp_target_defaults target)
                                              -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${SITEHLP_SANITIZE})
     if(SITEHLP_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-      # Some tests have their own operator new. clang++ links the sanitizer's, which takes precedence.
-      # clang does not, and needs the names of the C++ libraries.
+      # Some tests have their own operator new. clang++ would link that of the sanitizer, which
+      # takes precedence. In gcc mode the driver does not link it, so the C++ libraries are named.
       target_link_options(${target} PRIVATE --driver-mode=gcc -lstdc++ -lm)
     endif()
   endif()

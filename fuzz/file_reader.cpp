@@ -24,10 +24,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     code == c_errorRead || code == AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED,
                 "the reader returns a code that its header names");
   for (const tag_Site* site = list; site; site = site->pNext) {
-    fuzz::require(isTerminated(site->szType, c_textCapacity), "a type ends");
+    fuzz::require(isTerminated(site->szType, c_textCapacity),
+                  "the text of a type has a terminator");
     fuzz::require(isTerminated(site->proxy.szExclusionList, c_exclusionListCapacity) ||
                       site->eSiteKind != SITE_KIND_PROXY,
-                  "an exclusion list ends");
+                  "the text of an exclusion list has a terminator");
   }
   tag_Site* chain = nullptr;
   if (list) helper.GetVestaSite(list, &chain);

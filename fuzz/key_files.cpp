@@ -40,9 +40,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   host::SecretBytes read;
   host::KeyFileState state;
   const bool isKey = host::readKeyFile(path, read, state);
-  fuzz::require(isKey == (key.size() == host::c_keySize), "a key has one size");
+  fuzz::require(isKey == (key.size() == host::c_keySize),
+                "a key is read if and only if it has the right size");
   struct stat info;
   files.stat(-1, path, false, info);
-  fuzz::require((info.st_mode & 077) == 0, "a key is closed to others");
+  fuzz::require((info.st_mode & 077) == 0, "only the owner may use a key file");
   return 0;
 }

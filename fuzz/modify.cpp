@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     AnXml document;
     fuzz::require(document.useExistingFile(AString(path.c_str()), L"ns:SiteLists", L"xmlns:ns",
                                            L"wxSiteList"),
-                  "a modified list is a list");
+                  "a modified list is a site list document");
   } else {
     fuzz::require(*files.find(path) == own, "a list that is not modified stays as it was");
   }

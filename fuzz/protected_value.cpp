@@ -11,17 +11,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::wstring untouched = L"untouched";
   std::wstring out = untouched;
   if (sitehlp::decrypt_data(text, out) == 0) {
-    fuzz::require(out == untouched, "a server's value that is refused leaves the output");
+    fuzz::require(out == untouched, "a refused value of the server leaves the output unchanged");
   }
   out = untouched;
   if (sitehlp::EncryptDecryptPassword(text, out, false) == 0) {
-    fuzz::require(out == untouched, "a value that is refused leaves the output");
+    fuzz::require(out == untouched, "a refused value leaves the output unchanged");
   }
   std::wstring sealed;
   std::wstring clear;
-  fuzz::require(sitehlp::EncryptDecryptPassword(text, sealed, true) != 0, "any text is protected");
+  fuzz::require(sitehlp::EncryptDecryptPassword(text, sealed, true) != 0,
+                "any text can be encrypted");
   fuzz::require(sitehlp::EncryptDecryptPassword(sealed, clear, false) != 0 && clear == text,
-                "and comes back");
+                "decryption restores an encrypted text");
   if (size == 0) return 0;
   // The input determines which bit is changed.
   const std::size_t at = data[0] % sealed.size();

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       static_cast<unsigned int>(bytes.size()),
       reinterpret_cast<const unsigned char*>(bytes.data()));
   CSitesHelper helper(true);
-  fuzz::require(helper.CreateServerSiteList(buffer, adjust) == 1, "it succeeds");
+  fuzz::require(helper.CreateServerSiteList(buffer, adjust) == 1, "storing the bytes succeeds");
   const std::string path = std::string(fuzz::c_directory) + "/ServerSiteList.xml";
   const std::string* const written = files.find(path);
   if (!adjust) {

@@ -28,8 +28,8 @@ test::MemoryFileSystem& makeFileSystem() {
 test::MemoryFileSystem& Stage::clear() {
   static test::MemoryFileSystem& files = makeFileSystem();
   files.clear();
-  // The library keeps lock files open and checks that they exist. The lock files are kept, because
-  // creating them for each input would take time.
+  // The library keeps lock files open. clear() has removed them, and setAgent makes the library
+  // close them.
   host::AgentSettings settings = host::agent();
   host::setAgent(settings);
   const std::string keys = std::string(c_directory) + "/keystore/";

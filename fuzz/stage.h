@@ -35,7 +35,7 @@ class Input {
   // Returns the bytes up to the next separator and drops the separator. Without one, returns all
   // remaining bytes.
   std::string part();
-  // Returns a printable text of at most so many characters, including characters with a meaning in
+  // Returns a printable text of at most `most` characters. It may have characters with a meaning in
   // markup.
   std::wstring text(std::size_t most);
 

@@ -95,7 +95,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::require(helper.CreateSiteList(list, fuzz::c_widePath, L"1" + version, L"2", L"", {}) == 0,
                 "a list can be written");
   tag_Site* read = nullptr;
-  fuzz::require(helper.ReadSiteList(fuzz::c_widePath, &read, true) == 0, "and read");
+  fuzz::require(helper.ReadSiteList(fuzz::c_widePath, &read, true) == 0,
+                "a written list can be read");
   const tag_Site* a = list;
   const tag_Site* b = read;
   for (; a && b; a = a->pNext, b = b->pNext) fuzz::require(same(*a, *b), "a record comes back");

@@ -20,7 +20,7 @@ LEFT_OUT = re.compile(r'^\s+(?!return|const |static |using |case |default|delete
 
 
 class Change:
-    """Lines of a file and their replacement. `context` is the line before them."""
+    """Lines of a file and their replacement. `key` also has the line before them."""
 
     def __init__(self, path, text, number, count, new, kind, what):
         self.path, self.number, self.count, self.new = path, number, count, new

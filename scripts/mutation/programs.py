@@ -10,7 +10,7 @@ import subprocess
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 FLOOR = 20  # seconds that every run of tests may take, even if it is usually short
-TIMES = 5  # the factor on its usual time
+TIMES = 5  # a run of tests may also take this many times its usual time
 SHORT = 300  # milliseconds of the tests that run first
 MEMORY = 6 << 20  # KiB
 ENDLESS = 'does not end'

@@ -66,7 +66,7 @@ LIST
 expect 0 "an entry that fits"
 sed 's/a = b/a = c/' "$list" >"$list.new" && mv "$list.new" "$list"
 expect 1 "an entry whose line is gone"
-grep -q 'cannot be made any more' "$tree/said" || { echo "FAILED: it does not say why"; failed=1; }
+grep -q 'can no longer be applied' "$tree/said" || { echo "FAILED: it does not say why"; failed=1; }
 printf 'sitehlp/sample.cpp\n  log(L"a < b");\n- a = b;\n+ ;\n' >"$list"
 expect 1 "an entry without a reason"
 exit "$failed"

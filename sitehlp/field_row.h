@@ -83,8 +83,10 @@ constexpr FieldRow<Record, Value> field(const char* name, const wchar_t* const* 
                                         const char* help) {
   if (isText(form) != std::is_array_v<Value>) throw "the member does not hold such a value";
   if (std::is_same_v<Value, std::uint32_t> && !isPort(form)) throw "only a port has no sign";
-  if ((place == FieldPlace::None) != (xmlName == nullptr)) throw "only a place has a name in XML";
-  if ((place == FieldPlace::None) != (written == Written::Never)) throw "only a place is written";
+  if ((place == FieldPlace::None) != (xmlName == nullptr))
+    throw "a field has a name in XML if and only if it has a place";
+  if ((place == FieldPlace::None) != (written == Written::Never))
+    throw "a field is never written if and only if it has no place";
   return {name, xmlName, place, form, member, written, initial, shown, help};
 }
 

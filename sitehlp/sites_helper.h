@@ -52,7 +52,7 @@ SITEHLP_API bool split_host_and_port(std::wstring text, std::wstring& host, unsi
 // Decrypts a password that the management server encrypted. `in` is base64 text in the standard
 // alphabet with padding. White space is skipped. The text encodes these bytes:
 //
-//   version (1 byte, 1) | nonce (12 bytes) | ciphertext | tag (16 bytes)
+//   version (1 byte, value 1) | nonce (12 bytes) | ciphertext | tag (16 bytes)
 //
 // The cipher is AES-256-GCM. The version byte is its additional authenticated data. The clear text
 // is UTF-8 and ends at its first zero byte. The key is the server key, the 32 bytes of the agent's

@@ -172,7 +172,7 @@ bool createKeyFile(const std::string& path) {
 
   SecretBytes key(c_keySize);
   if (!drawKey(key)) {
-    return fail(path, L"there are no random numbers to make it from");
+    return fail(path, L"no random numbers are available to create it");
   }
   int error = publish(opened.directory(), path.substr(slash + 1), key);
   const bool isNew = error == 0;

@@ -32,7 +32,7 @@ const EVP_CIPHER* cipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex) {
 
 bool refuse(const std::string& reason) {
   logErrorOnce(AString(
-      ("A password cannot be protected: " + reason + "; the list is written with an empty password")
+      ("A password cannot be encrypted: " + reason + "; the list is written with an empty password")
           .c_str()));
   return false;
 }
@@ -116,7 +116,7 @@ bool Sealer::open(const unsigned char* sealed, std::size_t length, SecretBytes& 
 bool reportRefusal(const Sealer& sealer) {
   if (sealer.refusal().empty()) return false;
   const std::string text = "AES-256-GCM is not available from libcrypto: " + sealer.refusal() +
-                           "; passwords cannot be protected or recovered";
+                           "; passwords cannot be encrypted or decrypted";
   logErrorOnce(AString(text.c_str()));
   return true;
 }

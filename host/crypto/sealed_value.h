@@ -13,11 +13,10 @@
 
 // A sealed value is a clear value that was encrypted with a 32-byte key and AES-256-GCM:
 //
-//   version (1 byte, 1) | nonce (12 bytes, random) | ciphertext (as long as the clear value) | tag
-//   (16)
+//   version (1 byte, value 1) | nonce (12 random bytes) | ciphertext | tag (16 bytes)
 //
-// The version is authenticated together with the rest. A value with any changed, missing or
-// additional bit cannot be decrypted.
+// The ciphertext is as long as the clear value. The version is authenticated together with the
+// rest. A value with any changed, missing or additional bit cannot be decrypted.
 namespace host {
 
 constexpr std::size_t c_keySize = 32;

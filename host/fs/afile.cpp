@@ -105,7 +105,7 @@ bool AFiler::getFileAccessibility(const AString& path, AFileAccess access, bool&
   exists = false;
   accessible = false;
   const ACharString name(path);
-  if (succeeded("Cannot tell the access to", name.str(),
+  if (succeeded("Cannot determine the access to", name.str(),
                 askAccess(name.str(), access, exists, accessible))) {
     return true;
   }
@@ -118,7 +118,8 @@ bool AFiler::getFileSize(const AString& path, unsigned long long& size) {
   const ACharString name(path);
   struct stat info;
   const int error = -host::fileSystem().stat(AT_FDCWD, name.str(), true, info);
-  if (isAbsence(error) || !succeeded("Cannot tell the size of", name.str(), error)) return false;
+  if (isAbsence(error) || !succeeded("Cannot determine the size of", name.str(), error))
+    return false;
   if (!S_ISREG(info.st_mode)) return false;
   size = static_cast<unsigned long long>(info.st_size);
   return true;
@@ -129,5 +130,6 @@ bool AFiler::isSameFile(const AString& a, const AString& b) {
   bool same = true;
   const int error = host::wouldReplace(name.str(), ACharString(b).str(), same);
   if (isAbsence(error)) return false;
-  return !succeeded("Cannot tell what would be replaced with", name.str(), error) || same;
+  return !succeeded("Cannot determine what would be replaced by a write to", name.str(), error) ||
+         same;
 }

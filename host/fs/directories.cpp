@@ -15,9 +15,9 @@ constexpr const char* c_cannotMake = "Cannot make directory";
 // Gives a directory that was just created its owner. Only root changes owners.
 //
 // Another user may have replaced the new directory. The checks below accept only a directory that
-// belongs to root and that others cannot write to. The owner of the parent can use only such a
-// directory of the same parent. Moving a directory to another parent needs permission to write to
-// that directory.
+// belongs to root and that others cannot write to. The owner of the parent can replace it only with
+// such a directory from the same parent. Moving a directory to another parent needs permission to
+// write to the directory itself.
 int giveAway(int parent, const std::string& name) {
   if (::geteuid() != 0) return 0;
   const Descriptor made(fileSystem().open(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW, 0));

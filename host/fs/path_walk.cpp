@@ -29,7 +29,7 @@ std::size_t nameStart(const std::string& path) {
   return slash == std::string::npos ? 0 : slash + 1;
 }
 
-// The errors of systems when a symbolic link or a file is opened as a directory.
+// Systems report one of these errors when a symbolic link or a file is opened as a directory.
 bool mayBeLink(int error) { return error == ENOTDIR || error == ELOOP; }
 
 }  // namespace

@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-// Only this function handles interrupted calls and errno.
+// Repeats an interrupted call. Returns the negated errno of a failed call.
 template <typename Call>
 auto retried(Call call) -> decltype(call()) {
   for (;;) {

@@ -7,9 +7,9 @@
 
 namespace host {
 
-// A new file with an unpredictable name in a directory. The caller writes it and then renames it
-// over another file. The file is locked until its writer ends, so other processes can recognise a
-// file that a killed process left.
+// A new file with an unpredictable name in a directory. The caller writes it, then renames it over
+// another file or gives it a second name. The file is locked until its writer ends, so other
+// processes can recognise a file that a killed process left.
 class TempFile {
  public:
   // `directory` must be an open directory that outlives the object.

@@ -81,8 +81,8 @@ int LockImpl::tryFiles(LockMode mode, const Patience& patience) {
   int error = LockPool::instance().take(name, taken, failure);
   if (error) return error;
   error = host::lockFiles(*taken, mode, patience);
-  // Another process may have removed or replaced the files after they were opened. The lock of a
-  // file without its name does not exclude anybody.
+  // Another process may have removed or replaced the files after they were opened. A lock on a file
+  // that no longer has its name excludes nobody.
   if (error == 0) error = taken->check();
   if (error == 0) {
     files = taken;

@@ -99,8 +99,8 @@ pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   return pid;
 }
 
-// Waits for a process so that no zombie remains. Other code of the process may already have waited
-// for it.
+// Its destructor waits for a child process, so that no zombie remains. Other code of this process
+// may already have waited for the child.
 class WaitAtExit {
  public:
   explicit WaitAtExit(pid_t pid) : m_pid(pid) {}

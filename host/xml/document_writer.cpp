@@ -101,9 +101,10 @@ class Buffer {
   std::size_t m_capacity = 0;
 };
 
-// Returns the size in UTF-8 of a text after it is read again.
+// Returns the size in UTF-8 that a text has when it is read again.
 std::size_t carriedSize(const wchar_t* text, std::size_t length) {
-  // This character has one byte in UTF-8, but is written as U+FFFD, which has three.
+  // A control character that XML does not allow has one byte in UTF-8. It is written as U+FFFD,
+  // which has three.
   const auto replaced = std::count_if(text, text + length, [](wchar_t c) {
     return static_cast<std::uint32_t>(c) < 0x80 && !host::isXmlCharacter(c);
   });

@@ -43,9 +43,9 @@ ParserPtr makeParser() {
   return parser;
 }
 
-// The number of bytes that expat gets at a time. Most documents fit into one piece, because expat
-// reads each piece but the last again to count lines. A token over the limit is refused after one
-// piece.
+// The number of bytes that expat gets at a time. It is so large that most documents fit into one
+// piece, because expat reads every piece except the last a second time to count lines. A token over
+// the limit is refused after one piece.
 constexpr std::size_t c_pieceBytes = 4 * c_maxTokenBytes;
 
 // Counts while expat parses. The handlers are called by expat. An exception must not pass through

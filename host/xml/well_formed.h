@@ -11,8 +11,8 @@ namespace host {
 enum class Standalone { NotSaid, Yes, No };
 
 // Checks that the UTF-8 text is one well-formed document within the limits and without a DOCTYPE.
-// If `writtenIn` is given, its declared encoding must agree with it. Throws ParsingException,
-// ReadWriteException (LIMIT_EXCEEDED) or std::bad_alloc.
+// If `writtenIn` is given, the encoding that the document declares must agree with it. Throws
+// ParsingException, ReadWriteException (LIMIT_EXCEEDED) or std::bad_alloc.
 Standalone checkWellFormed(const char* utf8, std::size_t size,
                            const AdvXMLParser::WrittenIn* writtenIn = nullptr);
 

@@ -24,7 +24,7 @@ enum UTF_ENCODINGS {
   UTF_16BE = 1,  // high byte first
   UTF_32LE = 2,  // low byte first
   UTF_32BE = 3,  // high byte first
-  UTF_8 = 4,     // with an XML declaration and without a byte order mark
+  UTF_8 = 4,     // written without a byte order mark
 };
 
 // Thrown for a text that begins as markup but is not well formed, or has a DOCTYPE. No site list

@@ -17,7 +17,7 @@ int toInt(const char* text) {
 bool toUnsigned(const wchar_t* text, unsigned int& number) {
   constexpr std::uint64_t c_limit = std::numeric_limits<unsigned int>::max();
   while (*text == L' ' || (*text >= L'\t' && *text <= L'\r')) ++text;
-  // A sign is not accepted. Otherwise "-1" would become a valid port of another host.
+  // A sign is not accepted. Otherwise a negative number could become a valid port.
   if (*text < L'0' || *text > L'9') return false;
   std::uint64_t value = 0;
   for (; *text >= L'0' && *text <= L'9'; ++text) {

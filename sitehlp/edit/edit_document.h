@@ -12,7 +12,7 @@ namespace sitehlp {
 // The component of document editing in log lines and traces.
 constexpr const wchar_t* c_editComponent = L"StSHlp";
 
-// Opens the text of a list that was read as a site list document.
+// Parses the text of `source` and opens it as a site list document.
 bool openSiteListText(AnXml& document, const ListSource& source);
 
 // Opens a file as a site list document, under the read lock "SiteListLock".

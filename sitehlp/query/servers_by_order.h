@@ -11,14 +11,15 @@
 // them as well.
 namespace sitehlp {
 
-// Returns the sites of a list by their order. If several have the same order, it is the first.
+// Returns the sites of a list by their order. If several have the same order, only the first is
+// returned.
 inline std::map<std::int32_t, const tag_Site*> sitesByOrder(const tag_Site* list) {
   std::map<std::int32_t, const tag_Site*> sites;
   for (; list; list = list->pNext) sites.emplace(list->iOrder, list);
   return sites;
 }
 
-// Returns an IPv6 literal without its brackets.
+// Returns an address. An IPv6 literal loses its brackets.
 inline std::wstring plainAddress(const wchar_t* text) {
   const std::wstring address = text;
   if (address.find(L'[') == std::wstring::npos) return address;

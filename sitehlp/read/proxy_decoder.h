@@ -10,7 +10,7 @@ namespace sitehlp {
 // Appends the hosts of an ExclusionList element to those of the record.
 void readExclusions(const AdvXMLParser::Element& element, tag_ProxySite& site);
 
-// Decodes a ProxyConfig element into `record`, which must be zero.
+// Decodes a ProxyConfig element into `site`, which must be zero.
 void decodeProxy(const AdvXMLParser::Element& element, const SiteAttributes& attributes,
                  bool useDecryptData, tag_ProxySite& site);
 

@@ -5,7 +5,7 @@
 
 namespace sitehlp {
 
-// The elements with a record for their kind, and None for all others.
+// The elements that are decoded into a record of their kind. None means any other element.
 enum class SiteElement { Http, Vesta, Keystone, Ftp, Unc, Local, Proxy, None };
 
 constexpr std::size_t c_siteElementCount = static_cast<std::size_t>(SiteElement::None);

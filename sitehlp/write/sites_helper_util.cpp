@@ -34,7 +34,7 @@ void SitesHelperUtil::writeMeshServiceSiteList(const AdvXMLParser::DocumentWrite
     }
   } catch (...) {
     logFixed(L"Failed to write mesh service sitelist.");
-    logCaught(L"Mesh service's list not written: ", path);
+    logCaught(L"Mesh copy not written: ", path);
   }
 }
 

@@ -74,7 +74,7 @@ class NoCipher : public testing::TestWithParam<std::pair<const char*, const char
 
 const auto c_isAboutTheCipher =
     testing::AllOf(testing::StartsWith("AES-256-GCM is not available from libcrypto: "),
-                   testing::EndsWith("; passwords cannot be protected or recovered"));
+                   testing::EndsWith("; passwords cannot be encrypted or decrypted"));
 
 TEST_P(NoCipher, NothingIsProtectedOrRecoveredAndTheOutputsStay) {
   const std::vector<std::string> lines = linesOf("no span");

@@ -72,7 +72,7 @@ TEST(WithoutRandomNumbers, NoKeyIsMadeAndTheReasonIsLogged) {
   }
   EXPECT_EQ(agent.texts(LogLevel::Error),
             (std::vector<std::wstring>{L"Key file " + test::wide(path) +
-                                       L": there are no random numbers to make it from"}));
+                                       L": no random numbers are available to create it"}));
   EXPECT_TRUE(test::snapshot(agent.dataDirectory() + "/keystore").empty());
   EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD)) << "there are some again";
 }

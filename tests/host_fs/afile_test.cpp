@@ -185,7 +185,7 @@ TEST_F(Files, TellTheSizeOfRegularFilesAlone) {
   test::FaultyFileSystem files;
   files.failEvery(FileCall::Stat, EIO);
   EXPECT_FALSE(AFiler::getFileSize(wpath("f"), size));
-  EXPECT_EQ(reason(), "Cannot tell the size of " + path("f") + ": Input/output error");
+  EXPECT_EQ(reason(), "Cannot determine the size of " + path("f") + ": Input/output error");
 }
 
 TEST_F(Files, AreTheSameWhenWritingOneReplacesTheOther) {
@@ -277,7 +277,8 @@ TEST_F(Files, CountAsTheSameWhenThatCannotBeTold) {
   test::writeFile(path("f"), "x");
   std::filesystem::create_symlink("loop", path("loop"));
   EXPECT_TRUE(AFiler::isSameFile(wpath("loop"), wpath("f")));
-  EXPECT_THAT(reason(), HasSubstr("Cannot tell what would be replaced with " + path("loop")));
+  EXPECT_THAT(reason(),
+              HasSubstr("Cannot determine what would be replaced by a write to " + path("loop")));
   EXPECT_TRUE(AFiler::isSameFile(wpath("f"), wpath("loop")));
   agent.clearLog();
   std::size_t unknown = 0;
@@ -357,7 +358,7 @@ TEST_F(Files, TellWhenAccessCannotBeTold) {
   test::writeFile(path("f"), "x");
   std::filesystem::create_symlink("loop", path("loop"));
   EXPECT_EQ(ask(wpath("loop"), AFiler::accessExist), c_unknown);
-  EXPECT_THAT(reason(), HasSubstr("Cannot tell the access to " + path("loop")));
+  EXPECT_THAT(reason(), HasSubstr("Cannot determine the access to " + path("loop")));
   test::FaultyFileSystem files;
   files.failEvery(FileCall::Access, EIO);
   EXPECT_EQ(ask(wpath("f"), AFiler::accessRead), c_unknown);

@@ -102,8 +102,7 @@ TEST_F(SwallowedException, OfTheMeshCopyIsTold) {
   std::filesystem::remove_all(agent.dataDirectory() + "/mesh");
   causes();
   EXPECT_EQ(write(nullptr), 0);
-  const std::wstring cause =
-      L"Mesh service's list not written: " + mesh() + L": No such file or directory";
+  const std::wstring cause = L"Mesh copy not written: " + mesh() + L": No such file or directory";
   EXPECT_THAT(agent.texts(LogLevel::Error),
               ElementsAre(L"Failed to write mesh service sitelist.", cause));
   EXPECT_THAT(causes(), ElementsAre(cause));

@@ -1,6 +1,6 @@
 # The installation of `cmake --install`. It has five components: runtime (libsitehlp), host
-# (libsitehlp-host), development (headers, links, CMake package, pkg-config file), tool and
-# documentation. The installed tree can be moved.
+# (libsitehlp-host), development (headers, links to the libraries, CMake package, pkg-config file),
+# tool and documentation. The installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
 if(PROJECT_IS_TOP_LEVEL)

@@ -27,8 +27,8 @@ thread_local unsigned long t_unopened = 0;        // with the password key
 thread_local unsigned long t_unopenedServer = 0;  // with the server key
 
 // The hashes of the errors that were logged in this span. An error that does not fit is logged
-// again. It is an array, because a thread_local object with a destructor ends the process when
-// there is no memory for it.
+// again. The hashes are in an array, because a thread_local object with a destructor ends the
+// process when there is no memory for it.
 thread_local std::array<std::size_t, 8> t_logged;
 thread_local std::size_t t_loggedCount = 0;
 

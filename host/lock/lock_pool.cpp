@@ -22,8 +22,8 @@ int LockPool::take(const std::string& name, LockFiles*& files, LockFailure& fail
   const std::string directory = agent().dataDirectory + "/locks";
   const std::string mainPath = directory + "/" + name + ".lock";
 
-  // Also held during the opening, because a fork at that moment would give the child a file that is
-  // never closed.
+  // The mutex is also held while files are opened, because a fork at that moment would give the
+  // child a file that is never closed.
   const ForkLock lock(c_lockFilesMutex);
   for (const auto& entry : m_entries) {
     if (entry->idle && entry->files.main.path == mainPath) {

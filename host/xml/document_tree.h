@@ -26,10 +26,10 @@ class TreeText {
   std::unique_ptr<char, Free> m_bytes;
 };
 
-// The tree of all kinds of document handles. Its text is UTF-8 with only those characters that XML
-// allows. Besides elements it has everything that an edit must not change: white space, comments,
-// CDATA sections and processing instructions. White space before and after the root is also kept.
-// The first node is the XML declaration.
+// The tree to which all kinds of document handles refer. Its text is UTF-8 with only those
+// characters that XML allows. Besides elements it has everything that an edit must not change:
+// white space, comments, CDATA sections and processing instructions. White space before and after
+// the root is also kept. The first node is the XML declaration.
 struct DocumentTree {
   // Creates a tree with only the declaration. Throws std::bad_alloc.
   DocumentTree();

@@ -16,7 +16,7 @@ class PLATFORM_API MeshServiceConfiguration {
   static MeshServiceConfiguration* GetInstance();
 
   // Returns the full path of the mesh copy, or an empty text if the mesh service gets no list from
-  // this process. Does not block.
+  // this process. The first call may block, because it reads the agent's settings.
   std::wstring GetMeshSiteListPath() const;
 };
 

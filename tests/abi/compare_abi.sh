@@ -1,6 +1,6 @@
 #!/bin/sh
-# Compares the binary interface of a shared library, which has to have debugging information, with a
-# recorded one: names, signatures, and the types that can be reached from them.
+# Compares the binary interface of a shared library with a record: names, signatures, and the types
+# that they use. The library must have debug information.
 #   compare_abi.sh LIBRARY RECORD            fails when they differ
 #   compare_abi.sh --update LIBRARY RECORD   writes the record
 set -eu
@@ -13,7 +13,7 @@ fi
 
 # Without debug information there are no types, and the comparison would find no difference.
 if ! readelf -S "$1" | grep -q '\.debug_info'; then
-  echo "$1 has no debugging information: compile it with -g"
+  echo "$1 has no debug information: compile it with -g"
   exit 1
 fi
 # A change that abidiff reports as harmless, for example of a union member, can break an already
@@ -21,9 +21,9 @@ fi
 status=0
 abidiff --no-show-locs --harmless "$2" "$1" || status=$?
 [ "$status" -eq 0 ] || cat <<END
-The binary interface is not the recorded one (status $status of abidiff). If that is meant, and it is an
-addition, record it:
+The binary interface differs from the record (status $status of abidiff). If the change is intended and
+only adds something, record it:
   tests/abi/compare_abi.sh --update $1 tests/abi/libsitehlp.abi
-If a program linked before would notice, raise SITEHLP_ABI, too: see docs/versioning.md.
+If the change breaks programs that are already linked, also raise SITEHLP_ABI. See docs/versioning.md.
 END
 exit "$status"

@@ -40,7 +40,7 @@ END
   "$CXX" -std=c++17 -g -O1 -fPIC -shared -Wl,--version-script="$work/exports" -o "$1" "$work/source.cpp"
 }
 
-# noticed EXPRESSION NAME: the library so edited differs, and the difference names this
+# noticed EXPRESSION NAME: the comparison must fail for the edited library and must show NAME
 noticed() {
   library "$work/other.so" "$1"
   if "$compare" "$work/other.so" "$work/record" >"$work/said"; then
@@ -79,15 +79,15 @@ noticed 's/NAME/RENAMED/' RENAMED
 
 strip -g -o "$work/bare.so" "$work/one.so"
 if "$compare" "$work/bare.so" "$work/record" >"$work/said" || ! grep -q 'with -g' "$work/said"; then
-  echo "FAILED: a library without types is taken"
+  echo "FAILED: a library without types is accepted"
   failed=1
 fi
 
-# The records of the real library are in the real record.
+# The recorded interface of the real library has its types and functions.
 altered() {
   sed "$1" "$BASELINE" >"$work/record"
   if cmp -s "$BASELINE" "$work/record"; then
-    echo "FAILED: nothing to alter by $1"
+    echo "FAILED: $1 changes nothing in the record"
     failed=1
   elif "$compare" "$LIBRARY" "$work/record" >"$work/said"; then
     echo "FAILED: not noticed in the record: $1"

@@ -24,7 +24,7 @@ using namespace sitehlp;
 using namespace test;
 using testing::HasSubstr;
 
-// The clear passwords of a record that are not empty.
+// Returns the number of passwords of a record that are not empty.
 unsigned passwordsOf(const tag_Site& site) {
   std::vector<const wchar_t*> fields;
   switch (site.eSiteKind) {

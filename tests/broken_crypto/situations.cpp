@@ -35,7 +35,8 @@ void exchangeKey(const Workshop& w) {
 // Gives all files except the key to the user of the operation.
 void closeKey(const Workshop& w) {
   if (::geteuid() != 0) {
-    std::printf("Not root: the key is closed to its owner, not to another user\n");
+    std::printf(
+        "Not run as root: the key is unreadable for its owner instead of for another user\n");
     ::chmod(passwordKey(w).c_str(), 0);
     return;
   }

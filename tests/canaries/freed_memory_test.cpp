@@ -26,7 +26,8 @@ using namespace sitehlp;
 using namespace test;
 using testing::IsEmpty;
 
-// Operations whose steps have the names of tests/resilience, by their names in tests/threads.
+// Maps names of operations in tests/threads to the names of their steps, which are those in
+// tests/resilience.
 const std::map<std::string, std::string> c_underAnotherName = {
     {"FreeSiteListMemory", "release"},
     {"MergeSiteLists of two lists", "merge of two lists"},
@@ -129,7 +130,7 @@ class FreedMemory : public testing::Test {
       EXPECT_EQ(names.count(step), 1U) << step;
       names.insert(operation);
     }
-    // The others have no clear password of the caller.
+    // The other operations get no clear password from the caller.
     for (const SharedOperation& operation : sharedOperations()) {
       if (names.count(operation.name) != 0) continue;
       steps.push_back({operation.name, [this] { workshop.reset(); },
@@ -406,7 +407,7 @@ TEST_F(FreedMemory, HoldsNothingOfARecordThatWasReadAndChanged) {
   }
 }
 
-// A member of another kind in the same place may have a zero there.
+// The kinds share memory, so a member of another kind may put a zero into a password.
 TEST_F(FreedMemory, HoldsNothingBehindAZeroInAPassword) {
   const auto hide = [this](wchar_t(&field)[c_textCapacity]) {
     setText(field, L"x" + clear);

@@ -28,7 +28,7 @@ std::string protect(const Workshop& workshop, const std::string& clear, Owner ow
   if (owner == Owner::OtherAgent) writeFile(server, std::string(usual.size(), 'o'), 0600);
   const std::string sealed = sealServerPassword(clear);
   writeFile(server, usual, 0600);
-  if (sealed.empty()) throw std::runtime_error("no protected password");
+  if (sealed.empty()) throw std::runtime_error("the password is not encrypted");
   return sealed;
 }
 

@@ -45,7 +45,7 @@ class CliTest : public testing::Test {
   // Stores the document as the agent's own list, without the tool.
   void setOwnList(const std::string& document);
   std::string ownList() const { return file("agent/etc/SiteList.xml"); }
-  // Returns the form of a password that is encrypted with the password key.
+  // Encrypts a password with the password key. Returns the text for a list.
   std::string protectedText(const std::string& clear);
 
   std::string file(const std::string& name) const { return m_dir.file(name); }

@@ -96,7 +96,7 @@ TEST_F(CliComplete, OffersCommandsWithWhatTheyDo) {
 
 TEST_F(CliComplete, OffersCommandsAlsoWithoutWhatTheLineBeginsWith) {
   EXPECT_THAT(linesFor({"lidat"}), Contains(StartsWith("validate\t")))
-      << "how a word may be completed is for the shell to say";
+      << "the shell decides how it completes a word";
 }
 
 TEST_F(CliComplete, OffersOptionsOfACommandAndOfThoseAboveIt) {
@@ -215,7 +215,8 @@ TEST_F(CliComplete, OffersNoSiteThatCannotBeNamed) {
   initAgent();
   const std::string longest(259, 'x');
   EXPECT_THAT(sites(httpSite(longest)), ElementsAre(longest));
-  EXPECT_THAT(sites(httpSite(longest + 'x')), ElementsAre()) << "a record holds less of it";
+  EXPECT_THAT(sites(httpSite(longest + 'x')), ElementsAre())
+      << "the name is longer than a record can hold";
   EXPECT_THAT(sites(httpSite("")), ElementsAre());
   EXPECT_THAT(sites("<OtherSite Name=\"Depot\"/>"), ElementsAre());
 }
@@ -248,7 +249,7 @@ TEST_F(CliComplete, TakesWordsOfAnyBytes) {
   EXPECT_EQ(linesFor({bytes, ""}), Words{c_nothing});
   EXPECT_EQ(linesFor({"edit", "disable", "--agent-dir", bytes, ""}), Words{c_nothing});
   EXPECT_EQ(linesFor({"show", "--columns", bytes + ","}), Words{c_noSpace})
-      << "what cannot be printed is not gone on with";
+      << "a word with unprintable characters is not completed";
   EXPECT_THAT(linesFor({bytes}), Contains(StartsWith("show\t")));
   EXPECT_THAT(linesFor({"-" + bytes}), Contains(StartsWith("--json\t")));
   EXPECT_EQ(linesFor({std::string(100000, 'x'), std::string(100000, '=')}), Words{c_nothing});
@@ -263,9 +264,9 @@ TEST_F(CliComplete, SaysNothingOfErrors) {
   initAgent();
   EXPECT_EQ(sitesOf(), none) << "no list";
   setOwnList("<list><a></b></list>");
-  EXPECT_EQ(sitesOf(), none) << "no document";
+  EXPECT_EQ(sitesOf(), none) << "not an XML document";
   setOwnList("<list/>");
-  EXPECT_EQ(sitesOf(), none) << "no site list";
+  EXPECT_EQ(sitesOf(), none) << "not a site list";
   std::filesystem::remove(ownList());
   ASSERT_EQ(::mkfifo(ownList().c_str(), 0600), 0);
   EXPECT_EQ(sitesOf(), none) << "a pipe that nobody writes to";
@@ -312,7 +313,8 @@ TEST_F(CliComplete, IsToldToNobody) {
   const Output wrong = bare({"__complet"});
   EXPECT_EQ(wrong.status, 2);
   EXPECT_THAT(wrong.err, Not(HasSubstr("__complete")));
-  EXPECT_EQ(bare({"show", "__complete", "--"}).status, 4) << "elsewhere it is a word like others";
+  EXPECT_EQ(bare({"show", "__complete", "--"}).status, 4)
+      << "in another place it is an ordinary word";
 }
 
 }  // namespace

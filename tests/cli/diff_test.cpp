@@ -115,7 +115,7 @@ TEST_F(CliDiff, AMovedSiteIsTheOnlyOneThatIsReordered) {
   EXPECT_EQ(siteChanges(before, list({1, 0, 2, 3})).size(), 1U);
   EXPECT_EQ(siteChanges(before, list({3, 2, 1, 0})).size(), 3U);
   EXPECT_THAT(siteChanges(before, list({0, 2, 3})), ElementsAre("site removed http b"))
-      << "those behind it were not moved";
+      << "the sites after it have not moved";
 }
 
 TEST_F(CliDiff, TellsProxySettingsFieldByField) {
@@ -146,7 +146,7 @@ TEST_F(CliDiff, TellsThatAPasswordChangedAndNotWhichOneItIs) {
   EXPECT_THAT(table.out, Not(HasSubstr("one\n")));
   const std::string again = document(httpSite("a", "1", protectedText("first one")) +
                                      httpSite("b", "2") + httpSite("c", "3"));
-  EXPECT_THAT(changes(before, again), IsEmpty()) << "protected anew";
+  EXPECT_THAT(changes(before, again), IsEmpty()) << "the password was encrypted again";
 }
 
 TEST_F(CliDiff, SaysWhichPasswordsItCannotCompare) {
@@ -179,7 +179,7 @@ TEST_F(CliDiff, DoesNotTakePasswordsThatItCannotCompareForTheSame) {
   EXPECT_EQ(diff(before, document(httpSite("a", "1") + httpSite("b", "2", "REVG")), {"--exit-code"})
                 .status,
             5)
-      << "also when one is missing, because the other may be empty";
+      << "also if one list has no password, because the other password may be empty";
 }
 
 TEST_F(CliDiff, ComparesPasswordsThatCannotBeDecryptedByTheirEncryptedForm) {
@@ -210,7 +210,7 @@ TEST_F(CliDiff, TellsCertificatesByWhatTheyAre) {
   EXPECT_THAT(
       changes(withCertificates({c_certificatePem, "text"}), withCertificates({"text", bare})),
       IsEmpty())
-      << "another form, another place";
+      << "only the form and the place differ";
   EXPECT_THAT(changes(withCertificates({c_certificatePem, "text"}), withCertificates({"other"})),
               ElementsAre("certificate added a text that is not readable as a certificate",
                           "certificate removed O = Tui Instruments, CN = Test authority: " +

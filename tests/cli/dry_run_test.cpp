@@ -114,7 +114,7 @@ TEST_F(CliDryRun, TellsThatAStaleRequestKeyWouldGo) {
                                     "  removed    reqseckey.bin\n"));
   EXPECT_EQ(agentFiles(), before);
   ASSERT_EQ(sitelist({"import", "--keys", file("keys"), path}).status, 0);
-  EXPECT_FALSE(exists(file("agent/etc/reqseckey.bin"))) << "the preview told what happens";
+  EXPECT_FALSE(exists(file("agent/etc/reqseckey.bin"))) << "the dry run announced this removal";
 }
 
 TEST_F(CliDryRun, WritesNothingAtAllIntoAnAgentWithoutLocksAndKeys) {

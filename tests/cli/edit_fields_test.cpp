@@ -171,7 +171,7 @@ TEST_F(CliEditFields, KnowsEveryFieldThatIsShown) {
                         {"ftpProxyPassword", 1},
                         {"alternateHttpProxyPassword", 1},
                         {"alternateFtpProxyPassword", 1}}))
-      << "what cannot be set, or only as a password";
+      << "the fields that cannot be set, or only as a password";
 }
 
 TEST_F(CliEditFields, NamesTheFieldsThatThereAreForOneThatCannotBeSet) {

@@ -152,7 +152,8 @@ TEST_F(CliEditSite, Moves) {
 TEST_F(CliEditSite, MovesSitesThatShareAnOrderOrHaveNone) {
   setOwnList(document(sitesWithOrders({"5", "5", "5"})));
   change({"move", "c", "first"});
-  EXPECT_EQ(orders(), "c=5 a=6 b=6") << "what the document has in this order may share one";
+  EXPECT_EQ(orders(), "c=5 a=6 b=6")
+      << "sites that the document has in this order may share an order";
   setOwnList(document(sitesWithOrders({"", "", "7"})));
   change({"move", "a", "after", "b"});
   EXPECT_EQ(orders(), "b=0 a=1 c=7");

@@ -35,7 +35,7 @@ TEST_F(CliEditWriting, WaitsForOtherWritersAndReadersOnlyAsLongAsItIsTold) {
       EXPECT_EQ(agentFiles(), before);
     }
     const Output trial = edit({"enable", "a", "--wait", "0", "--dry-run"});
-    EXPECT_EQ(trial.status, 0) << "a trial needs no lock: " << trial.err;
+    EXPECT_EQ(trial.status, 0) << "a dry run needs no lock: " << trial.err;
     other.unlock(mode);
   }
   ASSERT_TRUE(other.lock(Locker::Mode::Write));
@@ -223,7 +223,7 @@ TEST_F(CliEditPassword, NeedsTheKeyOfTheAgent) {
   EXPECT_THAT(fail(5, Arguments{"--dry-run"} + set, "x"), HasSubstr("password.key"));
   EXPECT_EQ(readFile(path), text());
   change(set, "x");
-  EXPECT_EQ(site("a")["password"], "x") << "for its own list the agent makes the key";
+  EXPECT_EQ(site("a")["password"], "x") << "for the agent's own list the tool creates the key";
   EXPECT_EQ(edit(Arguments{"--file", path} + set, "y").status, 0);
   setOwnList(readFile(path));
   EXPECT_EQ(site("a")["password"], "y");
@@ -238,7 +238,8 @@ TEST_F(CliEditPassword, StaysAsItIsWhenTheKeyDoesNotOpenIt) {
   EXPECT_EQ(site("a")["password"], "new");
   EXPECT_THAT(readFile(ownList()), HasSubstr("<Password Encrypted=\"1\">bG9zdA==</Password>"));
   change({"set", "b", "--password-stdin"}, "\n");
-  EXPECT_THAT(readFile(ownList()), Not(HasSubstr("bG9zdA=="))) << "an empty one was asked for";
+  EXPECT_THAT(readFile(ownList()), Not(HasSubstr("bG9zdA==")))
+      << "the user requested an empty password";
   changeNothing({"set", "b", "--password-stdin"}, "\n");
 }
 

@@ -189,9 +189,9 @@ TEST_F(CliExplainHost, AnExclusionNamesHostsByPatternAndWithoutRegardToCase) {
   EXPECT_TRUE(bypasses("ONE.Example"));
   EXPECT_TRUE(bypasses("a.b.tui.example"));
   EXPECT_TRUE(bypasses("hö.example"));
-  EXPECT_TRUE(bypasses("[::2]")) << "brackets stand for themselves";
+  EXPECT_TRUE(bypasses("[::2]")) << "brackets are ordinary characters";
   EXPECT_FALSE(bypasses("tui.example"));
-  EXPECT_FALSE(bypasses("one.example.org")) << "the whole name";
+  EXPECT_FALSE(bypasses("one.example.org")) << "an exclusion matches only a whole name";
   EXPECT_FALSE(bypasses("h.example"));
   EXPECT_THAT(routes("one.example").column("reason"),
               testing::Contains(HasSubstr("\"one.example\"")));

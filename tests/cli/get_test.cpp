@@ -25,7 +25,7 @@ class CliGet : public CliTest {
     EXPECT_THAT(output.err, HasSubstr("\n  next: "));
   }
 
-  // Every field of every site and proxy of the list is what `show --json` has.
+  // Expects that `get` prints each field of each site and proxy as `show --json` has it.
   void expectEveryField(const std::string& path) {
     for (const auto& row : readReport(sitelist({"show", "--json", path}).out).rows) {
       for (const auto& [name, expected] : row) {
@@ -127,7 +127,8 @@ TEST_F(CliGet, WarnsThatAPasswordCannotBeDecrypted) {
                             ": 2 passwords cannot be decrypted with the password key and "
                             "are read as empty\n"
                             "  next: name the agent that the list belongs to with --agent-dir\n");
-  EXPECT_EQ(sitelist({"get", "server", path, "--site", "depot"}).err, "") << "not asked for";
+  EXPECT_EQ(sitelist({"get", "server", path, "--site", "depot"}).err, "")
+      << "the command does not print a password";
   EXPECT_THAT(sitelist({"--verbose", "get", "password", path, "--site", "depot"}).err,
               testing::AllOf(HasSubstr(file("agent/keystore/password.key")),
                              testing::Not(HasSubstr(file("tmp")))));

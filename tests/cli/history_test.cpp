@@ -160,7 +160,7 @@ TEST_F(CliHistory, UndoRestoresTheListToTheByteAndCanBeUndone) {
                                        ": restored list 1, which \"edit disable\" replaced at "
                                        "[0-9-]{10}T[0-9:]{8}Z\n"));
   EXPECT_EQ(readFile(ownList()), first);
-  EXPECT_EQ(modeOf(ownList()), 0640U) << "the list's own";
+  EXPECT_EQ(modeOf(ownList()), 0640U) << "the list keeps its mode";
   EXPECT_EQ(sitelist({"undo"}).status, 0);
   EXPECT_EQ(readFile(ownList()), second);
   EXPECT_EQ(sitelist({"undo", "1"}).status, 0);
@@ -303,7 +303,8 @@ TEST_F(CliOlderList, IsOneWithTheTimeOfAnEarlierSecond) {
   EXPECT_EQ(take("import", "20260914083012").status, 0);
   EXPECT_EQ(take("import", "20260914083013").status, 0);
   EXPECT_EQ(take("import", "1").status, 0) << "not a time";
-  EXPECT_EQ(take("import", "19990101000000").status, 0) << "the agent's own is not a time";
+  EXPECT_EQ(take("import", "19990101000000").status, 0)
+      << "the version of the agent's own list is not a time";
 }
 
 }  // namespace

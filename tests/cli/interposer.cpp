@@ -85,8 +85,8 @@ __attribute__((visibility("default"))) int flock(int fd, int operation) noexcept
   return next<int(int, int)>("flock")(fd, operation);
 }
 
-// The library asks whether a list exists right before it reads it, so after the tool took the lock
-// of the list.
+// The library calls this function immediately before it reads a list. The tool then already holds
+// the lock of the list.
 __attribute__((visibility("default"))) int access(const char* path, int mode) noexcept {
   if (mode == F_OK) changeOnce(std::getenv("CHANGED_MEANWHILE"));
   return next<int(const char*, int)>("access")(path, mode);

@@ -125,7 +125,7 @@ TEST_F(CliJson, IsOneObjectAlsoWhenTheListCannotBeRead) {
   EXPECT_EQ(json::parse(missing.out)["result"], -4);
 }
 
-// In a table and in CSV they are one text.
+// A table and CSV join these texts into one.
 TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
   initAgent();
   const std::string proxy =
@@ -156,7 +156,7 @@ TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
               testing::HasSubstr("\na;*.b\n"));
 }
 
-// A name may have the character that separates them in a table.
+// A name may have the character that separates values in a table.
 TEST_F(CliJson, GivesEachServerOneValueInEachArray) {
   initAgent();
   setOwnList(

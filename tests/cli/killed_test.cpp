@@ -61,7 +61,7 @@ TEST_F(CliKilled, EveryCommandLeavesTheOldListInTheHistory) {
     kill(arguments);
     const std::string present = readFile(ownList());
     EXPECT_NE(present, list());
-    EXPECT_EQ(sitelist({"validate", "--unmanaged", ownList()}).status, 0) << "it is whole";
+    EXPECT_EQ(sitelist({"validate", "--unmanaged", ownList()}).status, 0) << "the list is complete";
     ASSERT_EQ(kept().size(), 1U);
     EXPECT_THAT(kept().front(),
                 MatchesRegex("pending[0-9]+-[0-9]{8}T[0-9]{6}Z-" + std::string(name) + "\\.xml"));

@@ -21,7 +21,7 @@ using testing::Not;
 using testing::StartsWith;
 using Mode = Locker::Mode;
 
-// What another writer adds.
+// The name of the site that another writer adds.
 constexpr const char* c_otherSite = "Another";
 
 class CliListLock : public CliTest {
@@ -49,7 +49,7 @@ class CliListLock : public CliTest {
       probe.unlock(Mode::Read);
       hasEnded = running.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
     }
-    EXPECT_FALSE(hasEnded) << "it does not wait for a reader";
+    EXPECT_FALSE(hasEnded) << "the command does not wait for a reader";
     change();
     reader.unlock(Mode::Read);
     Output output = running.get();
@@ -218,7 +218,8 @@ TEST_F(CliListLock, AReaderOfTheCachedListTakesTheLockOfTheCacheFirst) {
   korvel_com::orb::lock::InterProcessWriteLock cache("SmartSiteListLock");
   ASSERT_TRUE(cache.lock(0));
   EXPECT_EQ(sitelist({"servers", "--wait", "0"}).status, 4);
-  EXPECT_EQ(sitelist({"show", "--wait", "0"}).status, 0) << "only its readers need it";
+  EXPECT_EQ(sitelist({"show", "--wait", "0"}).status, 0)
+      << "only readers of the cached list need its lock";
   cache.unlock();
   EXPECT_NE(sitelist({"servers", "--wait", "0"}).status, 4);
   host::setAgent(before);
@@ -243,7 +244,7 @@ TEST_F(CliListLock, TellsATerminalThatItWaits) {
   ASSERT_TRUE(other.lock(Mode::Write));
   const Output quiet = sitelist({"policies", "set", "Name", "Value", "--wait", "2"});
   EXPECT_EQ(quiet.status, 4);
-  EXPECT_THAT(quiet.err, Not(HasSubstr("waiting"))) << "a file is told of the result alone";
+  EXPECT_THAT(quiet.err, Not(HasSubstr("waiting"))) << "a file gets only the result";
 }
 
 TEST_F(CliListLock, RefusesAWaitThatIsNoNumberOfSeconds) {

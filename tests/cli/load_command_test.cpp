@@ -10,7 +10,8 @@
 #include "tests/cli/edit_fixture.h"
 #include "tests/support/locker.h"
 
-// Another process takes the lock of the list while the load command runs without it.
+// The tool does not hold the lock of the list while the load command runs. Another process takes
+// the lock then.
 namespace test {
 namespace {
 
@@ -23,21 +24,22 @@ class CliLoadCommand : public CliEdit {
  protected:
   CliLoadCommand() { setOwnList(document(sitesWithOrders({"1", "2"}))); }
 
-  // The load command says that it has started, and waits for its end.
+  // The load command writes to the pipe "started" and then waits for a line from the pipe "end".
   void setHistory(const std::string& length) {
     write("agent/agent.toml", "history = " + length +
                                   "\nmesh.load_command = [\"/bin/sh\", \"-c\", \"echo > " +
                                   file("started") + "; read line < " + file("end") + "\"]\n");
   }
 
-  // Changes the list. The other process has the lock from the load command on until the end.
+  // Changes the list. Another process holds the lock from the load command until the tool has
+  // ended.
   Output changeBesideAHolder(const std::string& wait) {
     const host::Descriptor started(newPipe("started"));
     const host::Descriptor end(newPipe("end"));
     Locker other(file("agent"));
     auto change = std::async(std::launch::async, [&] {
       Output output = sitelist({"--wait", wait, "policies", "set", "Name", "Value"});
-      EXPECT_EQ(::write(started.get(), "\n", 1), 1);  // if there was no load command
+      EXPECT_EQ(::write(started.get(), "\n", 1), 1);  // if no load command ran
       return output;
     });
     char line = 0;
@@ -60,7 +62,7 @@ class CliLoadCommand : public CliEdit {
   }
 
  private:
-  // The pipe has a reader and a writer, so no process waits for one.
+  // The test opens both ends, so no other process waits when it opens the pipe.
   int newPipe(const char* name) {
     EXPECT_EQ(::mkfifo(file(name).c_str(), S_IRUSR | S_IWUSR), 0);
     return ::open(file(name).c_str(), O_RDWR | O_CLOEXEC);

@@ -39,7 +39,7 @@ TEST_F(CliMerge, PutsTheFirstListsServersIntoTheOwnList) {
   EXPECT_THAT(output.out, Not(HasSubstr("LocalVersion=\"old\"")));
   EXPECT_THAT(output.out, HasSubstr("own-text"));
   EXPECT_THAT(output.out, HasSubstr("<Setting name=\"of\">own</Setting>"));
-  EXPECT_EQ(agentFiles(), before) << "neither the own list nor the mesh service's copy";
+  EXPECT_EQ(agentFiles(), before) << "neither the own list nor the mesh copy has changed";
 }
 
 TEST_F(CliMerge, AppendsTheFirstListWithoutItsProxyToTheSecond) {

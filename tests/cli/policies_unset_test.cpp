@@ -115,7 +115,7 @@ TEST_F(CliPoliciesUnset, ADryRunShowsTheChangesAndWritesNothing) {
   EXPECT_EQ(agentFiles(), before);
 }
 
-// The changes are those of the agent's own list, so a file must not be taken for it.
+// The command changes only the agent's own list, so it must refuse the name of another file.
 TEST_F(CliPoliciesUnset, AFileOrASurplusArgumentIsWrongUsage) {
   const std::string other = write("other.xml", list(""));
   const std::string error = "sitelist: unexpected argument \"" + other + "\"\n  next: omit it; ";

@@ -101,7 +101,8 @@ class CliPrediction : public CliTest {
     EXPECT_THAT(fileRows(told), UnorderedElementsAreArray(fileChanges(before, agentFiles())));
   }
 
-  // Returns the rows as an import prints them. Of a password they show only whether it is empty.
+  // Returns the rows as an import prints them. For a password they show only whether it is
+  // empty.
   static Rows masked(Rows rows) {
     for (JsonReport::Record& row : rows) {
       if (row["field"].find("assword") == std::string::npos) continue;

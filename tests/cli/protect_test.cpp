@@ -18,7 +18,7 @@ TEST_F(CliProtect, MakesWhatTheAgentReadsBack) {
     setOwnList(document(httpSite("depot", "1", protectedText(clear))));
     EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out, HasSubstr("\"password\": \""));
     const Output shown = sitelist({"rewrite", ownList(), file("copy.xml")});
-    EXPECT_EQ(shown.status, 0) << "the key opens it: " << shown.err;
+    EXPECT_EQ(shown.status, 0) << "the key decrypts the password: " << shown.err;
   }
   setOwnList(document(httpSite("depot", "1", protectedText(" spaces "))));
   EXPECT_THAT(sitelist({"show", "--json", "--show-secrets"}).out,
@@ -37,7 +37,8 @@ TEST_F(CliProtect, TakesTheFirstLineOnlyWithOrWithoutItsEnd) {
 
 TEST_F(CliProtect, TakesALineOfAnotherSystemWithoutItsTwoCharacters) {
   const std::string tooLong = std::string(259, 'x') + "\r\n";
-  EXPECT_EQ(sitelist({"protect"}, tooLong).status, 0) << "its end does not count";
+  EXPECT_EQ(sitelist({"protect"}, tooLong).status, 0)
+      << "the end of the line is not part of the password";
   EXPECT_EQ(sitelist({"protect"}, "x" + tooLong).status, 2);
   for (const char* line : {"fair\r\n", "fair\r", "fair\r\nwindy\r\n"}) {
     setOwnList(document(httpSite("depot", "1", lineOf(sitelist({"protect"}, line).out))));

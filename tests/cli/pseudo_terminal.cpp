@@ -47,7 +47,7 @@ bool PseudoTerminal::echoes() const {
 
 void PseudoTerminal::type(const std::string& text) const {
   if (::write(m_ourEnd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-    throw std::runtime_error("the terminal takes no text");
+    throw std::runtime_error("cannot write to the terminal");
   }
 }
 

@@ -80,7 +80,7 @@ TEST_F(CliCerts, LooksForWhatExpires) {
   const std::string path = write("list.xml", document("", bundle(certificate(c_certificatePem))));
   const JsonReport report = readReport(sitelist({"certs", "--json", path}).out);
   const int left = std::stoi(report.rows.at(0).at("daysLeft"));
-  ASSERT_GT(left, 1000) << "it holds until 2126";
+  ASSERT_GT(left, 1000) << "the certificate is valid until 2126";
   // One day more or less is accepted, because midnight may be between the two calls.
   const auto expiring = [&](int days) {
     return sitelist({"certs", "--json", "--expiring", std::to_string(days), path});
@@ -107,7 +107,7 @@ TEST_F(CliCerts, SaysThatAnExpiryIsUnknown) {
   EXPECT_EQ(both.err, "sitelist: warning: " + two +
                           ": 2 certificates cannot be read, so their expiry is unknown\n");
   const Output all = sitelist({"certs", one});
-  EXPECT_EQ(all.status, 0) << "nothing was asked";
+  EXPECT_EQ(all.status, 0) << "without --expiring the status is 0";
   EXPECT_EQ(all.err, "");
 }
 
@@ -118,7 +118,7 @@ TEST_F(CliCerts, WhatHasExpiredIsExpiringWhateverTheDays) {
   const Output output = sitelist({"certs", "--expiring", "0", path});
   EXPECT_EQ(output.status, 1);
   EXPECT_THAT(output.out, MatchesRegex("(.|\n)*  days left    -[0-9]+ \\(expired\\)\n"));
-  EXPECT_EQ(sitelist({"certs", path}).status, 0) << "nobody asked";
+  EXPECT_EQ(sitelist({"certs", path}).status, 0) << "without --expiring the status is 0";
 }
 
 TEST_F(CliCerts, TakesAWholeNumberOfDaysOnly) {

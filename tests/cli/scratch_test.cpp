@@ -199,7 +199,7 @@ TEST_F(CliScratch, WhatBelongsToAnotherUserStays) {
 #ifdef INTERPOSER
 class CliScratchSignal : public CliScratch {
  protected:
-  // The tool ends by the signal even if this process was told to ignore it.
+  // The signal ends the tool even if this process ignores the signal.
   Output interrupted(int signal, const Arguments& arguments) {
     struct sigaction defaults {};
     struct sigaction before {};

@@ -84,7 +84,7 @@ TEST_F(CliScreen, WhatIsCutEndsInAnEllipsisAndWhatFitsDoesNot) {
   const std::vector<std::string> lines = table(80);
   for (std::size_t i = 2; i < 7; ++i) EXPECT_THAT(lines[i], HasSubstr(c_ellipsis)) << i;
   EXPECT_THAT(lines[7], HasSubstr(" short  "));
-  EXPECT_THAT(lines[5], Not(HasSubstr(" \u0301"))) << "no mark without its character";
+  EXPECT_THAT(lines[5], Not(HasSubstr(" \u0301"))) << "a combining mark stays with its character";
   for (const std::string& line : table(200)) EXPECT_THAT(line, Not(HasSubstr(c_ellipsis)));
 }
 
@@ -104,7 +104,7 @@ TEST_F(CliScreen, WideCutsNothing) {
   const Output inPipe = sitelist({"show", m_path});
   EXPECT_EQ(onTerminal(80, {"show", m_path, "--wide", "--color=never"}).out, inPipe.out);
   EXPECT_THAT(inPipe.out, AllOf(HasSubstr(repeated("東京", 24)), Not(HasSubstr(c_ellipsis))))
-      << "nor is anything cut in a pipe";
+      << "a pipe gets the whole text";
 }
 
 TEST_F(CliScreen, ATerminalOfUnknownWidthCutsNothing) {
@@ -138,7 +138,8 @@ TEST_F(CliColor, IsWhereItIsAskedFor) {
 
 TEST_F(CliColor, IsLeftOutWhereTheEnvironmentAsksForNone) {
   EXPECT_FALSE(isColored(onTerminal(80, show(), {"NO_COLOR=1"})));
-  EXPECT_TRUE(isColored(onTerminal(80, show(), {"NO_COLOR="}))) << "an empty one does not count";
+  EXPECT_TRUE(isColored(onTerminal(80, show(), {"NO_COLOR="})))
+      << "an empty NO_COLOR has no effect";
   EXPECT_FALSE(isColored(onTerminal(80, show(), {"TERM=dumb"})));
 }
 

@@ -51,7 +51,8 @@ TEST_F(CliShowOptions, FilterWithAPrefixMatchesThatAlone) {
   EXPECT_THAT(filtered("name=http"), ElementsAre("http"));
   EXPECT_THAT(filtered("type=http"), IsEmpty());
   EXPECT_THAT(filtered("type=mirror"), ElementsAre("Mirror"));
-  EXPECT_THAT(filtered("server=c"), IsEmpty()) << "no prefix, but a part of the pattern";
+  EXPECT_THAT(filtered("server=c"), IsEmpty())
+      << "this text is not a prefix but a part of the pattern";
 }
 
 TEST_F(CliShowOptions, FilterMatchesTheWholeTextWithoutRegardToCase) {
@@ -59,7 +60,8 @@ TEST_F(CliShowOptions, FilterMatchesTheWholeTextWithoutRegardToCase) {
   EXPECT_THAT(filtered("name=al"), ElementsAre("Al"));
   EXPECT_THAT(filtered("name=aL*"), ElementsAre("Alpha", "Al"));
   EXPECT_THAT(filtered("name=?l*a"), ElementsAre("Alpha"));
-  EXPECT_THAT(filtered("*m*"), ElementsAre("Main", "Mirror", "Al")) << "of the type, too";
+  EXPECT_THAT(filtered("*m*"), ElementsAre("Main", "Mirror", "Al"))
+      << "the pattern also matches a type";
   EXPECT_THAT(filtered("kind=HTTP"), ElementsAre("Alpha", "Mirror"));
 }
 
@@ -97,8 +99,9 @@ TEST_F(CliShowOptions, ColumnsApplyToTheFormatsForPrograms) {
                                 "    <site>\n      <name>Depot</name>\n    </site>\n"));
   EXPECT_THAT(show({"--columns=name,name,kind", "--json"}).out,
               HasSubstr("    {\n      \"name\": \"Share\",\n      \"kind\": \"unc\"\n    }"))
-      << "a name is there once";
-  EXPECT_THAT(show({"--json"}).out, HasSubstr("\"relativePath\": \"a\"")) << "else every field";
+      << "each column appears once";
+  EXPECT_THAT(show({"--json"}).out, HasSubstr("\"relativePath\": \"a\""))
+      << "without --columns, every field";
 }
 
 TEST_F(CliShowOptions, SeveralFiltersMustAllMatch) {

@@ -40,13 +40,14 @@ class CliTwoUsers : public CliTest {
   // Returns whether the test can run. Prints what is missing.
   bool isPossible() {
     if (!::getpwuid(agentUser())) {
-      std::cout << "The agent's user has no name here, so no agent is made for it.\n";
+      std::cout << "Not tried: the agent's user has no account name on this machine.\n";
       return false;
     }
     const bool canStart = asAgentUser([] {
                             return std::vector<std::string>(::access(SITELIST_TOOL, X_OK) == 0, "");
                           }).size() == 1;
-    if (!canStart) std::cout << "The agent's user cannot start the tool where it was built.\n";
+    if (!canStart)
+      std::cout << "Not tried: the agent's user cannot start the tool in the build directory.\n";
     return canStart;
   }
 

@@ -182,7 +182,6 @@ TEST_F(CliUsage, AnEmptyValueIsWrongUsage) {
   EXPECT_EQ(sitelist({"policies", "set", "a", ""}).status, 0);
 }
 
-// A word that begins with "-" may be a password, as any word that these commands do not take.
 TEST_F(CliUsage, AWordThatOnlyBeginsLikeARequestForHelpIsAnUnknownOption) {
   const Output output = sitelist({"show", "-hidden"});
   EXPECT_EQ(output.status, 2);
@@ -203,6 +202,7 @@ TEST_F(CliUsage, AWordThatOnlyBeginsLikeARequestForHelpIsAnUnknownOption) {
   }
 }
 
+// A word that begins with "-" may be a password. So may any word that these commands do not accept.
 TEST_F(CliUsage, DoesNotRepeatWhatMayBeAPassword) {
   initAgent();
   setOwnList(document(httpSite("Depot")));

@@ -72,7 +72,7 @@ struct Case {
   std::string document;
   int line;
   int column;
-  std::string text;  // how it begins
+  std::string text;  // the beginning of the text
 };
 
 std::vector<Case> errorCases() {
@@ -189,7 +189,7 @@ TEST_F(CliValidate, EachRuleIsBrokenByTheSmallestDocumentThatDoes) {
   EXPECT_EQ(report["valid"], false);
   EXPECT_EQ(report["faultCount"], errors);
   EXPECT_EQ(report["warningCount"], cases.size() - errors);
-  ASSERT_EQ(report["faults"].size(), cases.size()) << "one fault of each, and no other\n"
+  ASSERT_EQ(report["faults"].size(), cases.size()) << "each list must have exactly one fault\n"
                                                    << report["faults"].dump(1);
   for (std::size_t i = 0; i < cases.size(); ++i) {
     const json& fault = report["faults"][i];
@@ -269,7 +269,7 @@ TEST_F(CliValidate, CountsCharactersAndLinesInEveryEncoding) {
       "Password? (site \"東京 Αθήνα 😀\") [warning]",
       " valid");
   EXPECT_THAT(faultsOf(text, 0), unknownChild);
-  EXPECT_THAT(faultsOf("\xEF\xBB\xBF" + text, 0), unknownChild) << "a byte order mark is no text";
+  EXPECT_THAT(faultsOf("\xEF\xBB\xBF" + text, 0), unknownChild) << "a byte order mark is not text";
   std::string utf32;
   for (const wchar_t c : wide(text)) {
     for (int shift = 24; shift >= 0; shift -= 8) utf32 += static_cast<char>(c >> shift & 0xFF);
@@ -335,10 +335,10 @@ TEST_F(CliValidate, NamesTheSiteThatDecidesTheResultOfReading) {
   const std::string text = "unknown-site: the last site of the list is of unknown kind";
   const std::string server = serverSite();
   EXPECT_THAT(faultsOf(lines({server, "<ProxyConfig/>"}), 3), ElementsAre("5:5: " + text))
-      << "proxy settings without their list are no site";
+      << "proxy settings outside a ProxyConfigList are not a site";
   EXPECT_THAT(faultsOf(lines({server, "<Other/>", "<ProxyConfigList/>"}), 3),
               ElementsAre("5:5: " + text))
-      << "an empty proxy list decides nothing";
+      << "an empty proxy list does not determine the result";
   EXPECT_THAT(faultsOf(lines({server, "<ProxyConfigList>", "<Other/>", "</ProxyConfigList>"}), 3),
               ElementsAre("6:5: " + text));
   EXPECT_THAT(
@@ -376,7 +376,7 @@ TEST_F(CliValidate, ChecksSeveralListsAndKeepsTheHighestStatus) {
   EXPECT_EQ(sitelist({"validate", incomplete, good}).status, 1);
 }
 
-// Each is a fault of one list. The faults of the other lists are still reported.
+// A list that cannot be read is one fault. The faults of the other lists are still reported.
 TEST_F(CliValidate, GoesOnAfterAListThatCannotBeRead) {
   std::string unknown;
   for (int i = 0; i < 1025; ++i) unknown += "<Odd/>";
@@ -536,7 +536,7 @@ TEST_F(CliValidate, FindsWhatTheLibraryReadsOtherwise) {
   EXPECT_EQ(rulesOf(R"(<HttpSite Name="a" Server="fe80::1"/>)"), "ambiguous-address ");
   EXPECT_EQ(rulesOf(R"(<HttpSite Name="a" Server="a" Version="1" ServerDNS="b"/>)"),
             "unknown-attribute unknown-attribute ")
-      << "they are read of other kinds of sites only";
+      << "only sites of other kinds have these attributes";
   EXPECT_EQ(rulesOf(R"(<KeystoneSite Name="a" Server="a" ServerDNS=""/>)"),
             "site-without-address ");
   EXPECT_EQ(rulesOf(R"(<LocalSite Name="a" Order="" Enabled="2"/>)"), "order-number flag-value ");

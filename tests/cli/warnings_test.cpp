@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// The tests of what `warnings` has in the formats for programs.
+// The content of `warnings` in the formats for programs.
 class CliWarnings : public CliTest {
  protected:
   void SetUp() override {

@@ -60,7 +60,7 @@ TEST_F(CliWriteFailure, OfAFullDiskIsAFileFailureWithItsReason) {
   }
 }
 
-// Which of the two depends on whether the machine has that directory.
+// The reason depends on whether the machine has the scratch directory.
 TEST_F(CliWriteFailure, OfTheScratchDirectoryIsSaidWithItsReason) {
   const std::string text = onFullDisk({"from-buffer", file("in/SiteList.xml")});
   EXPECT_THAT(text, AnyOf(HasSubstr("(-11, 0xFFFFFFF5)\n  No such file or directory\n"),

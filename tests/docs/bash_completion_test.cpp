@@ -59,7 +59,7 @@ TEST_F(BashCompletion, OffersTheChoicesOfAnOption) {
   EXPECT_THAT(offered({"sitelist", "--format", "json", "--color", "a"}),
               UnorderedElementsAre("auto", "always"));
   EXPECT_THAT(offered({"sitelist", "--format", "show", "sh"}), ElementsAre("show"))
-      << "a value is no command";
+      << "a value is not a command";
 }
 
 TEST_F(BashCompletion, OffersFieldsRulesAndColumns) {
@@ -81,7 +81,7 @@ TEST_F(BashCompletion, LeavesFilesToTheShell) {
   EXPECT_THAT(offered({"sitelist", "show", "inc"}), IsEmpty());
   EXPECT_THAT(offered({"sitelist", "--agent-dir", ""}), IsEmpty());
   EXPECT_THAT(offered({"sitelist", "policies", "inc"}), ElementsAre("incoming list.xml"))
-      << "beside commands the shell does not offer them by itself";
+      << "if the tool offers commands, the shell does not add files itself";
 }
 
 class BashTerminal : public CompletionTest {

@@ -22,7 +22,7 @@ PAGE = "docs/tested-behaviours.md"
 CODES = "tests/docs/result_codes.txt"
 HEADER = "sitehlp/sites_helper.h"
 CODE_HEADER = "sitehlp/result_codes.h"
-LIMIT_CODE = -104  # AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, no code of sitehlp's own
+LIMIT_CODE = -104  # AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, which is not in CODE_HEADER
 
 faults = []
 
@@ -107,7 +107,7 @@ def read_marks(root):
                     yield file, "test_" + path.parent.name, test.group(1), test.group(2), shown
                 shown = []
             elif shown:
-                faults.append(f"{file}:{number}: a mark without a test behind it")
+                faults.append(f"{file}:{number}: a mark without a test after it")
                 shown = []
 
 

@@ -99,7 +99,7 @@ done
 
 tests=tests/one/reader_test.cpp
 format=docs/site-list-format.md
-# Without a test.
+# Statements and results without a test.
 change $tests 's/, first,/,/'
 refused 'no test shows first'
 change $tests 's/, Read=-1//'
@@ -118,7 +118,7 @@ refused 'test_one has no test Reader.Falls'
 change bin/test_one 's/  Reads/  Writes/'
 refused 'test_one has no test Reader.Reads'
 change $tests 's/^TEST_P/void TEST_P/'
-refused "$tests:6: a mark without a test behind it"
+refused "$tests:6: a mark without a test after it"
 rm "$tree/bin/test_one"
 refused 'bin/test_one does not exist'
 # Statements without an anchor, or with the anchor of another one.

@@ -66,7 +66,8 @@ TEST_F(FishCompletion, OffersEveryCommandAndOptionWithAnExplanation) {
 TEST_F(FishCompletion, OffersWhatBeginsAsTyped) {
   EXPECT_THAT(words("sitelist sh"), ElementsAre("show"));
   EXPECT_THAT(words("sitelist --verbose pol"), ElementsAre("policies"));
-  EXPECT_THAT(words("sitelist --format show sh"), ElementsAre("show")) << "a value is no command";
+  EXPECT_THAT(words("sitelist --format show sh"), ElementsAre("show"))
+      << "a value is not a command";
   EXPECT_THAT(words("sitelist show --col"), UnorderedElementsAre("--color", "--columns"));
   EXPECT_THAT(words("sitelist policies se"), ElementsAre("set"));
   EXPECT_THAT(words("sitelist nothing-like-it"), IsEmpty());

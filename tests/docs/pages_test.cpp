@@ -193,7 +193,7 @@ TEST_F(SettingsPage, HasAnExampleOfEverySettingThatTheReaderTakes) {
     EXPECT_THAT(examples[i], StartsWith(names[i] + " = "));
     EXPECT_EQ(faultOf(examples[i]), "");
     EXPECT_NE(host::formatAgentSettings(host::readAgentSettings(file("settings"))), byDefault)
-        << examples[i] << "is an example of nothing";
+        << examples[i] << " does not change a setting";
   }
   EXPECT_EQ(faultOf(examples[names.size()]), "") << "the file as a whole";
 }

@@ -75,7 +75,7 @@ TEST_F(CopyNodes, AlteredOrderAndTypeTakeThePlaceOfTheSources) {
 TEST_F(CopyNodes, AnOrderOfZeroIsLeftOut) {
   EXPECT_EQ(alter(R"(<S Order="5" Type="mirror"/>)", "<X/>", 0, L""), R"(<X Type="mirror"/>)");
   EXPECT_EQ(alter(R"(<S Order="5"/>)", R"(<X Order="9"/>)", 0, L""), R"(<X Order="9"/>)")
-      << "one that is there already stays";
+      << "an order that the target already has stays";
 }
 
 TEST_F(CopyNodes, WithoutATypeThatOfTheSourceIsCopied) {

@@ -27,8 +27,8 @@ struct Replacement {
 };
 Replacement modelReplacement(const Repositories& target, const Repositories& source);
 
-// Merges the management servers of two lists. A server with an empty identity is incomplete and
-// differs from every other. The result has the origin of each server, in order.
+// A management server of a list. One with an empty identity is incomplete and differs from every
+// other.
 struct Server {
   std::string identity;
   bool fromSource = false;
@@ -36,6 +36,8 @@ struct Server {
     return identity == other.identity && fromSource == other.fromSource;
   }
 };
+
+// Merges the management servers of two lists. Returns each server with its origin, in order.
 std::vector<Server> modelServers(const std::vector<std::string>& target,
                                  const std::vector<std::string>& source);
 

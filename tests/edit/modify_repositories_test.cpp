@@ -43,8 +43,8 @@ class ModifyRepositories : public EditFixture {
     ASSERT_TRUE(modify(true, false));
     ASSERT_EQ(result(), canonical(document(expected)));
   }
-  // Returns the repository of the source with the order `slot`. It has the type of the target if
-  // both have a type.
+  // Returns the repository `fresh` of the source with the order `slot`. If both repositories have a
+  // type, it gets the type of `former`, which it replaces.
   static Repository in(int slot, const Repository& former, const Repository& fresh) {
     Repository repository{std::to_string(slot), fresh.type};
     if (fresh.type && former.type && !former.type->empty()) repository.type = former.type;

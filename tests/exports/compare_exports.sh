@@ -1,5 +1,6 @@
 #!/bin/sh
-# Compares what a shared library exports with a list, one demangled name a line, sorted.
+# Compares the exported names of a shared library with a list. The list is sorted and has one
+# demangled name on each line.
 #   compare_exports.sh LIBRARY LIST            fails when they differ
 #   compare_exports.sh --update LIBRARY LIST   writes the list
 set -eu

@@ -13,7 +13,7 @@ for library; do
   grep -q ' FUNC  *LOCAL ' "$symbols" || { echo "$library: its symbols are stripped" && exit 1; }
   # Symbols of type TLS belong to thread-local objects, which need no lock.
   if grep ' OBJECT .* _ZGV' "$symbols"; then
-    echo "$library: make each of these without a lock"
+    echo "$library: each of these statics needs a guard; see host/process/lasting.h"
     exit 1
   fi
   echo "$library: $(wc -l <"$symbols") symbols, no guard"

@@ -1,4 +1,4 @@
-"""Every case: a command line, run in every form in a world of world.py."""
+"""The cases. Each is a command line, which runs in every format in a world of world.py."""
 
 from dataclasses import dataclass
 
@@ -12,11 +12,11 @@ class Case:
     name: str
     arguments: list
     status: int = 0
-    table: object = tables.nothing  # checks what the form for people shows
+    table: object = tables.nothing  # checks the table format
     stdin: str = ""
-    secrets: tuple = ()  # names of clear passwords that have to be told; else none may be
-    masks: tuple = ()  # (pattern, replacement) for what is another with every run
-    writes: bool = False  # changes its world, so every run gets one of its own
+    secrets: tuple = ()  # clear passwords that must be printed; no other may be
+    masks: tuple = ()  # (pattern, replacement) for text that differs in every run
+    writes: bool = False  # changes files, so every run gets its own copy of the world
     forms: tuple = FORMS
 
     @property
@@ -24,7 +24,7 @@ class Case:
         return self.arguments[1] if self.arguments[:1] == ["--agent-dir"] else "agent"
 
 
-# Whole days from now on, in each form.
+# The number of days left, in each format.
 DAYS = ((r'("daysLeft": |<daysLeft>|days left {4}| UTC,)(-?)[0-9]+\b(?!-)', r"\g<1>\g<2>1"),)
 PROTECTED = ((r"\b[A-Za-z0-9+/]{36,}={0,2}", "@PROTECTED@"),)
 STAMP = ((r'LocalVersion="[0-9]{14}"', 'LocalVersion="@NOW@"'),)
@@ -45,7 +45,7 @@ def own(*arguments):
 
 
 def unreadable(command, *before):
-    """Of a command that reads the list that is named last."""
+    """The cases of a command that cannot read the list that is named last."""
     return [
         Case(f"{command}-missing", own(command, *before, "lists/none.xml"), 4, tables.silent),
         Case(f"{command}-broken", own(command, *before, "lists/broken.xml"), 3, tables.silent),
@@ -363,7 +363,7 @@ GROUPS = {
     "usage": USAGE,
 }
 ALL = [case for cases in GROUPS.values() for case in cases]
-# What the name of a case begins with.
+# The name of a case begins with one of these names.
 COMMANDS = ("show", "get", "explain", "explain-rule", "diff", "versions", "servers", "certs", "policies",
             "protect", "init", "import", "install", "modify", "merge", "rewrite", "derive-server-list",
             "server-list", "from-buffer", "validate", "edit", "history", "undo", "usage")

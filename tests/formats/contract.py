@@ -13,7 +13,7 @@ STATUSES = {0, 1, 2, 3, 4, 5, 6, 7, 70}
 
 
 def schema_file(tool):
-    """The schema that is installed with the tool, beside which it was built."""
+    """The schema that is installed with the tool. The build creates both in one tree."""
     return tool.parents[1] / "generated/sitelist.schema.json"
 
 
@@ -24,7 +24,7 @@ def validator(tool):
 
 
 def objects(value):
-    """Every object in a document, the document included."""
+    """Every object in a document, including the document itself."""
     if isinstance(value, dict):
         yield value
     for child in value.values() if isinstance(value, dict) else value if isinstance(value, list) else ():
@@ -43,7 +43,7 @@ def with_strangers(document):
 
 
 def damaged(document):
-    """The document with one thing wrong: what it is, and the result."""
+    """Yields the wrong documents that one change makes, each with a name of the change."""
     for index, original in enumerate(objects(document)):
         def with_change(change):
             result = copy.deepcopy(document)
@@ -55,8 +55,8 @@ def damaged(document):
     yield "another version", {**document, "schema_version": 1}
     yield "another command", {**document, "command": "stranger"}
     yield "another status", {**document, "status": 8}
-    yield "a change that is no flag", {**document, "changed": None}
-    yield "a warning that is no text", {**document, "warnings": [1]}
+    yield "a `changed` that is not a flag", {**document, "changed": None}
+    yield "a warning that is not a text", {**document, "warnings": [1]}
 
 
 # What a document or a row may lack after a success, because it depends on the options or the list.
@@ -82,7 +82,7 @@ def may_lack(document, place, name):
 
 
 def incomplete(document):
-    """The document without one name that has to be there: what it is, and the result."""
+    """Yields the document without each required name in turn, and what is missing."""
     for index, place in enumerate(objects(document)):
         for name in place:
             if may_lack(document, place, name):
@@ -102,7 +102,7 @@ def commands(tool):
 
 
 def status_problems(tool, cases):
-    """Status 70, a bug, has no case here."""
+    """Compares the statuses in the help with those of the cases. Status 70 is a bug and has no case."""
     text = help_text(tool)
     told = {int(n) for n in re.findall(r"^ +([0-9]+)  ", text[text.index("Exit status:"):], re.MULTILINE)}
     found = {case.status for case in cases}
@@ -112,7 +112,7 @@ def status_problems(tool, cases):
 
 
 def blank_cells(golden):
-    """Every command and status of a golden document has a cell. A group of commands has none."""
+    """Returns the missing cells of golden documents. Usage errors of a command group need no cell."""
     table = status_table.read_table()
     found = {(document["command"], document["status"])
              for document in (json.loads(path.read_text()) for path in golden.glob("*/*/json"))}

@@ -7,7 +7,7 @@ CANARIES = {
     "proxy": "canary-proxy",
     "proxy-b": "canary-alternate",
     "fresh": "canary-fresh",
-    # What a password may hold and XML may not: a control character, a noncharacter.
+    # This password has characters that XML does not allow: a control character and a noncharacter.
     "hostile": "canary-hostile \"',;<&>\\ \x01\x1b[31m\x9b\u202e\uffff 東 e\u0301 \U0001f600",
 }
 
@@ -19,7 +19,7 @@ CERTIFICATES = {
     "HhLrYKfYX1bL20yMjlJY2DKjMjAwMA8GA1UdEwEB/wQFMAMBAf8wHQYDVR0OBBYEFApSG5ZuxTknGfjKkGcl"
     "3hv8lr85MAoGCCqGSM49BAMCA0gAMEUCIFUz14KtbBmKkSEelBgpA6K7/ZtrODlC8DCIxwT4qH/0AiEA7gea"
     "leBVi8X4CPPcALGNEMJk4MqKvy2LsGy7PFYClQw=",
-    # Until the end of the year 9999.
+    # Valid until the end of the year 9999.
     "lasting": "MIIBkDCCATWgAwIBAgIBAjAKBggqhkjOPQQDAjA2MRowGAYDVQQDDBFMYXN0aW5nIGF1dGhvcml0"
     "eTEYMBYGA1UECgwPVHVpIEluc3RydW1lbnRzMCAXDTIwMDEwMTAwMDAwMFoYDzk5OTkxMjMxMjM1OTU5WjA2"
     "MRowGAYDVQQDDBFMYXN0aW5nIGF1dGhvcml0eTEYMBYGA1UECgwPVHVpIEluc3RydW1lbnRzMFkwEwYHKoZI"
@@ -38,9 +38,9 @@ CERTIFICATES = {
     "YozYIV0=",
 }
 
-# What every text of a hostile list holds: control characters that XML allows and C1 ones, breaks of
-# lines, characters that turn the direction of writing or are unseen, what quotes and separates in the forms, an
-# escape as the forms write it, East Asian, combining and astral characters.
+# Every text of a hostile list has these characters: the control characters that XML allows, C1 control
+# characters, line breaks, invisible characters and those that change the direction of writing. It also
+# has the quotes, separators and escapes of the formats, and East Asian, combining and astral characters.
 HOSTILE = (
     "a&#9;b&#10;c&#13;d&#13;&#10;e&#127;&#133;&#155;31m&#8232;&#8238;f&#8294;g&#8207;&#1564;&#65279;&#173;&#8203;"
     "&quot;h&quot;,'i';&lt;j&gt;&amp;amp;&#8230; \\u001B[0m $(k) =1 東京 e\u0301 \U0001f600\U0001d518 "
@@ -106,7 +106,7 @@ def exclusions(*hosts):
 
 
 def own(sealed):
-    """What the agent has before the example list comes in."""
+    """The agent's own list before the import of the example list."""
     sites = (
         server("Main server", 1, "pyx.example")
         + site("HttpSite", "Dépôt Nord", 2, "depot.example:8080",
@@ -132,7 +132,7 @@ def own(sealed):
 
 
 def hostile(sealed):
-    """Hostile text wherever a document has any, the names of elements apart."""
+    """A list with hostile text in every place except the names of elements."""
     h = HOSTILE
     address = {"ServerName": h, "ServerIP": h, "Version": h, "Type": h}
     sites = (

@@ -1,4 +1,4 @@
-"""Reads the forms for programs and compares them with each other."""
+"""Reads the formats for programs and compares them with each other."""
 
 import csv
 import io
@@ -10,18 +10,18 @@ import xml.etree.ElementTree as ElementTree
 FORMS = ("table", "json", "csv", "xml")
 ATTRIBUTES = ("schema_version", "command", "status", "changed")  # of the root element in XML
 HEAD = (*ATTRIBUTES, "warnings")
-# What has several texts in JSON and XML; any other list has rows.
+# The names of lists of texts in JSON and XML. Any other list has rows.
 TEXT_LISTS = ("value", "exclusions", "names", "servers", "ipAddresses", "computerNames", "versions")
 
-# Control characters, and those that turn the direction of writing, break lines or are unseen.
+# Control characters, invisible characters, and those that change the direction of writing or break lines.
 HARMFUL = re.compile("[\x00-\x1f\x7f-\x9f\xad\u061c\u200b\u200e\u200f\u2028-\u202e\u2060-\u2064\u2066-\u2069\ufeff]")
-# These, and what would be taken for an escape.
+# The harmful characters, and text that looks like an escape.
 ESCAPED = re.compile(HARMFUL.pattern + r"|\\(?=u[0-9A-Fa-f]{4})")
 NOT_IN_XML = re.compile("[^\t\n\r\x20-\ud7ff\ue000-\ufffd\U00010000-\U0010ffff]")
 
 
 class Wrong(Exception):
-    """A form that does not say what it should."""
+    """The output of the tool has a fault."""
 
 
 def text_of(value):
@@ -39,7 +39,7 @@ def shown(value):
 
 
 class Report:
-    """What a JSON document says."""
+    """The content of a JSON document."""
 
     def __init__(self, text):
         self.document = json.loads(text, object_pairs_hook=unique)
@@ -56,7 +56,7 @@ class Report:
 def unique(pairs):
     names = [name for name, _ in pairs]
     if len(names) != len(set(names)):
-        raise Wrong(f"a name comes twice: {names}")
+        raise Wrong(f"a name occurs twice: {names}")
     return dict(pairs)
 
 
@@ -70,7 +70,7 @@ def read_json(text):
 
 
 def differ(form, found, expected):
-    """Fails with the first thing that a form says in another way than the JSON form."""
+    """Fails with the first difference between a format and JSON."""
     for one, other in itertools.zip_longest(found, expected):
         if one == other:
             continue
@@ -80,7 +80,7 @@ def differ(form, found, expected):
 
 
 def cell_of(value, cell):
-    """The cell that says this value. In a list, a cell may have more separators than are needed."""
+    """The expected cell for this value. A cell for a list may have superfluous separators."""
     if isinstance(value, list) and hosts_in(cell) == hosts_in(text_of(value)):
         return cell
     return text_of(value)
@@ -101,7 +101,7 @@ def compare_csv(report, text):
         columns = lines[0] if lines else []
         strangers = {key for row in report.rows for key in row} - set(columns)
         if strangers or len(columns) != len(set(columns)):
-            raise Wrong(f"csv: not these columns: {columns}, {strangers} missing")
+            raise Wrong(f"csv: wrong columns: {columns}, missing: {strangers}")
         expected = [columns]
         for row, cells in itertools.zip_longest(report.rows, lines[1:], fillvalue={}):
             found = dict(zip(columns, cells))
@@ -115,7 +115,7 @@ def compare_xml(report, text):
     root = ElementTree.fromstring(text)
     head = {key: text_of(report.document[key]) for key in ATTRIBUTES}
     if root.tag != "sitelist" or root.attrib != head:
-        raise Wrong(f"xml: {root.tag} with {root.attrib} in place of {head}")
+        raise Wrong(f"xml: {root.tag} with {root.attrib} instead of {head}")
     expected = xml_fields({"warnings": report.document["warnings"], **report.facts})
     if report.rows_name is not None:
         expected.append((report.rows_name, [xml_fields(row) for row in report.rows]))
@@ -125,7 +125,7 @@ def compare_xml(report, text):
     for child in root:
         if child.tag == report.rows_name:
             if len({row.tag for row in child}) > 1:
-                raise Wrong("xml: rows of several names")
+                raise Wrong("xml: the rows have different names")
             found.append((child.tag, [fields_of(row) for row in child]))
         else:
             found.append((child.tag, fields_of(child) if child.tag == "error" else value_of(child)))

@@ -6,8 +6,8 @@
   run.py --tool SITELIST statuses               a run for every exit status of every command
   run.py --tool SITELIST --update [GROUP...]    writes the folders anew
 
-Each case has a folder, COMMAND/CASE/: its command line in cmd, and what is printed in a file for
-each form, if anything is. Messages, the same in every form, are in err.
+Each case has a folder, COMMAND/CASE/. The file cmd has its command line. A file for each format has
+what is printed; it is missing if nothing is. The file err has the messages, which every format shares.
 """
 
 import argparse
@@ -31,7 +31,7 @@ SOURCE = HERE.parent.parent
 
 
 def run_case(world, case, form):
-    """What the tool printed, where it ran, and whether files are other than before."""
+    """Returns the output of the tool, its directory, and whether it changed files."""
     directory = world.copy(case.agent) if case.writes else world.dir
     before = world.files(directory) if case.writes else {}
     output = world.run(["--format", form, *case.arguments], case.stdin, directory)
@@ -60,7 +60,7 @@ class Run:
             self.check(case)
         except forms.Wrong as wrong:
             self.problems.append(f"{case.name}: {wrong}")
-        except Exception as error:  # a form that cannot be read; the other cases go on
+        except Exception as error:  # the output cannot be read; the other cases continue
             self.problems.append(f"{case.name}: {error!r}")
 
     def check(self, case):
@@ -77,7 +77,7 @@ class Run:
             texts[form] = out
             messages.add(err)
         if len(messages) != 1:
-            raise forms.Wrong(f"not the same messages in every form: {messages}")
+            raise forms.Wrong(f"the messages differ between formats: {messages}")
         texts["err"] = messages.pop()
         if "json" in texts:
             report = checks.check_json(case, texts["json"], texts["err"], self.validator)
@@ -97,7 +97,7 @@ class Run:
         if text != expected:
             lines = difflib.unified_diff(expected.splitlines(), text.splitlines(), "stored", "now", lineterm="")
             shown = "\n".join(line[:200] for line in list(lines)[:60])
-            self.problems.append(f"{path.relative_to(HERE)} is not what is printed\n{shown}")
+            self.problems.append(f"{path.relative_to(HERE)} differs from the output\n{shown}")
 
 
 def find_stale(update):
@@ -105,7 +105,7 @@ def find_stale(update):
     stale = [path for command in HERE.iterdir() if command.is_dir() and command.name != "__pycache__"
              for path in command.rglob("*") if path.is_file() and path not in known]
     if not update:
-        return [f"{path.relative_to(HERE)}: a golden file of no case" for path in stale]
+        return [f"{path.relative_to(HERE)}: no case has this golden file" for path in stale]
     for path in stale:
         path.unlink()
     return []

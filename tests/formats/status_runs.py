@@ -17,8 +17,8 @@ class Way:
     says: str
     agent: str = "agent"
     stdin: str = ""
-    writes: bool = False  # changes its world, so it gets one of its own
-    prepare: object = None  # changes a world of its own before
+    writes: bool = False  # changes files, so it gets its own copy of the world
+    prepare: object = None  # changes the copy of the world before the run
     interposer: object = None  # gives the variables for tests/cli/interposer.cpp, which is then loaded
     closes: bool = False  # nothing can be written to standard output
 
@@ -28,7 +28,7 @@ class Way:
 
 
 def same(status, says, lines, **more):
-    """Of several command lines, in the same situation."""
+    """The ways of several command lines in the same situation."""
     return [Way(status, line.strip(), says, **more) for line in lines.split("\n") if line.strip()]
 
 

@@ -26,7 +26,7 @@ def run_way(world, way, interposer):
                                  check=False)
     text = (process.stderr or process.stdout or b"").decode()
     if process.returncode != way.status or way.says not in text:
-        return [f"{way.name}: status {process.returncode} in place of {way.status}, or no \"{way.says}\" in\n{text}"]
+        return [f"{way.name}: status {process.returncode} instead of {way.status}, or no \"{way.says}\" in\n{text}"]
     return []
 
 
@@ -42,7 +42,7 @@ def table_problems(table, ways):
 
 
 def unnoticed(table):
-    """What is wrong with a table, and is not found."""
+    """Damages the table in four ways. Returns the faults that table_problems does not find."""
     (command, status), *_ = table
     kept = {cell: phrases for cell, phrases in table.items() if cell != (command, status)}
     wrong = {
@@ -57,7 +57,7 @@ def unnoticed(table):
 def problems(world, interposer):
     chosen = [way for way in WAYS if interposer or not way.interposer]
     if len(chosen) < len(WAYS):
-        print(f"{len(WAYS) - len(chosen)} runs need an interposer, and were not made")
+        print(f"{len(WAYS) - len(chosen)} runs need an interposer and did not take place")
     before = world.snapshot()
     with ThreadPoolExecutor(2) as pool:
         results = list(pool.map(lambda way: run_way(world, way, interposer), chosen))

@@ -1,4 +1,4 @@
-"""What the form for people has to show of the rows and facts of the JSON form, by command."""
+"""Checks for each command that the table has the rows and facts of the JSON document."""
 
 from forms import Wrong, shown, text_of
 
@@ -12,7 +12,7 @@ def need(table, texts, where):
 
 
 def need_lines(table, rows_of_texts):
-    """Every row is a line of its own that has all of its texts."""
+    """Each row must have its own line with all its texts."""
     lines = table.splitlines()
     for texts in rows_of_texts:
         match = next((line for line in lines if all(text in line for text in texts)), None)
@@ -48,7 +48,7 @@ def show(report, table):
 
 
 def columns(*names):
-    """The table of `show --columns`: the fields of these names, in lines."""
+    """Returns the check for `show --columns`: each row has a line with these fields."""
 
     def check(report, table):
         need_lines(table, [[shown(row.get(name)) or "-" for name in names] for row in report.rows])
@@ -121,7 +121,7 @@ def changes(report, table):
             values = [text[:35] for text in values]
         if len(values) == 2 and values[0] and values[0] == values[1]:
             values = [f"{values[0]} -> another"]
-        if row["change"] not in ("reordered", "incomparable"):  # one that was changed as well is told as changed
+        if row["change"] not in ("reordered", "incomparable"):  # a site that also changed is shown as changed
             need(table, [row["change"]], row)
         if row["change"] == "incomparable":
             values = ["cannot be compared"]
@@ -155,15 +155,15 @@ def rules(report, table):
 
 
 def silent(report, table):
-    """Nothing of the kind is there."""
+    """The output must be empty and without rows."""
     if table or report.rows:
-        raise Wrong("something is told")
+        raise Wrong("the output is not empty")
 
 
 def nothing(report, table):
     silent(report, table)
     if report.facts or report.rows_name is not None:
-        raise Wrong("something is told")
+        raise Wrong("the output is not empty")
 
 
 def history(report, table):

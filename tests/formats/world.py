@@ -18,17 +18,27 @@ class Output:
 
 
 def environment():
-    # Nothing of the caller's but what a sanitizer wants to know.
+    # The only settings of the caller that remain are those of the sanitizers.
     kept = {k: v for k, v in os.environ.items() if k.split("_")[0] in ("ASAN", "LSAN", "TSAN", "UBSAN")}
     return {**kept, "PATH": os.environ["PATH"], "TMPDIR": "tmp"}
 
 
 class World:
-    """agent: managed, with a list and secrets. fresh: made by init and nothing else. serverless,
-    hostile, keyless, bad-key, unset: agents with another list, without a key, with settings or a key
-    that cannot be read. strange: one whose list is no site list. locked: one whose list another process
-    is reading all the time. busy: one whose list another process is writing all the time.
-    lists: documents. in: the example list with its keys."""
+    """The directories of a world:
+
+    agent: a managed agent with a list and secrets
+    fresh: an agent that only `init` has changed
+    serverless: its list has no management server
+    hostile: its list has hostile text
+    keyless: it has no password key
+    bad-key: its password key cannot be read
+    unset: its settings cannot be read
+    strange: its list is not a site list
+    locked: another process holds the read lock of its list
+    busy: another process holds the write lock of its list
+    lists: documents
+    in: the example list with its key files
+    """
 
     def __init__(self, tool, source):
         self.tool = str(tool)
@@ -59,7 +69,7 @@ class World:
         shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
-        self.unused = self.base / "unused"  # in which no run puts a file for a moment
+        self.unused = self.base / "unused"  # no run changes it, not even for a moment
         shutil.copytree(self.dir, self.unused)
         self.locks = [self.lock_list("locked", fcntl.LOCK_SH), self.lock_list("busy", fcntl.LOCK_EX)]
 
@@ -112,7 +122,7 @@ class World:
 
     @staticmethod
     def files(directory):
-        """The files that a command may change, with their content; no locks and no history."""
+        """The content of the files that a command may change, without locks and history."""
         files = (path for path in directory.rglob("*") if path.is_file())
         return {path: path.read_bytes() for path in files if path.parent.name not in ("locks", "history")}
 

@@ -13,7 +13,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/test_agent.h"
 
-// Load commands that do not end by the signals to their process group.
+// Load commands that the signals to their process group do not end.
 namespace {
 
 using testing::ElementsAre;
@@ -68,7 +68,7 @@ TEST(LoadCommand, IsEndedAfterItLeftItsProcessGroup) {
   EXPECT_THAT(printed, ElementsAre(c_printed + L"left"));
 }
 
-// Takes the rights of the owner of its file for good.
+// Permanently takes the rights of the owner of its file.
 CHILD_PROCESS(takeOtherRights) {
   if (::setuid(::geteuid()) != 0) return 1;
   stay(std::to_string(::getuid()) + " " + std::to_string(::getpid()));
@@ -107,7 +107,7 @@ TEST(LoadCommand, IsGivenUpWhenItCannotBeEnded) {
   test::ChildProcess child("loadAsAnotherUser", {program, directory.path()});
   const std::string printed = child.receive();
   if (printed.rfind("0 ", 0) != 0) {
-    std::printf("The file system gives no rights of an owner (%s): not tried.\n", printed.c_str());
+    std::printf("Not tried: the file system ignores the set-user-ID bit (%s).\n", printed.c_str());
     return;
   }
   EXPECT_EQ(child.receive(), "told");

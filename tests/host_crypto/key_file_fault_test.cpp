@@ -156,7 +156,7 @@ class OpenKeyFile : public testing::Test {
     host::KeyFileState state;
     return host::readKeyFile(m_path, key, state);
   }
-  // Reads the key while the action is carried out just after the file was opened.
+  // Reads the key. Runs the action immediately after the file is opened.
   bool readWhile(const std::function<void()>& action) {
     FaultyFileSystem files;
     bool isDone = false;
@@ -200,7 +200,7 @@ TEST_F(OpenKeyFile, ThatIsReplacedMeanwhileIsUsedAndLeftAlone) {
   expectLeftAlone(m_aside);
   struct stat info;
   ASSERT_EQ(::stat(m_path.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 07777, 0640u) << "the new file was closed";
+  EXPECT_EQ(info.st_mode & 07777, 0640u) << "the mode of the new file was changed";
 }
 
 TEST_F(OpenKeyFile, WhoseDirectoryIsMovedAwayMeanwhileIsUsedAndLeftAlone) {
@@ -259,7 +259,7 @@ TEST_F(OpenKeyFile, IsClosedOrReportedWhateverCallFails) {
     ++reports;
     EXPECT_EQ(m_agent.texts(LogLevel::Info).size(), 1u);
   }
-  EXPECT_GT(reports, 2) << "the calls that find out whose the file is";
+  EXPECT_GT(reports, 2) << "a failure of each call that examines the owner is reported";
 }
 
 }  // namespace

@@ -108,7 +108,7 @@ TEST_F(KeyFile, OpenToOthersIsClosedAndSaidSo) {
                              L"Key file " + test::wide(m_path) +
                                  L": was open to other users; its mode is 0600 now"}));
     EXPECT_TRUE(canEncrypt());
-    EXPECT_EQ(m_agent.messages().size(), 1u) << "said again";
+    EXPECT_EQ(m_agent.messages().size(), 1u) << "logged again";
   }
 }
 
@@ -241,7 +241,7 @@ TEST_F(KeyFile, ThatIsOldIsReadOnceAndStillNoticedWhenReplaced) {
   const std::wstring underA = encrypted(L"secret");
   const std::size_t callsToRead = files.calls().size();
   for (int i = 0; i < 100; ++i) ASSERT_TRUE(decrypts(underA));
-  EXPECT_EQ(files.calls().size(), callsToRead + 100) << "more than one look each";
+  EXPECT_EQ(files.calls().size(), callsToRead + 100) << "more than one call for each password";
   for (const char key : {'b', 'c', 'd'}) {
     test::writeFile(m_path + ".new", std::string(32, key), 0600);
     ASSERT_EQ(::rename((m_path + ".new").c_str(), m_path.c_str()), 0);

@@ -57,7 +57,7 @@ TEST_F(KeyReport, WarnsThatAMissingKeyWasMadeAnew) {
   const std::wstring text = encrypted(L"secret");
   EXPECT_EQ(m_agent.messages(), warning);
   EXPECT_TRUE(opens(text));
-  EXPECT_EQ(m_agent.messages(), warning) << "said again";
+  EXPECT_EQ(m_agent.messages(), warning) << "logged again";
   ASSERT_EQ(::unlink(m_file.c_str()), 0);
   m_agent.clearLog();
   encrypted(L"secret");
@@ -101,7 +101,7 @@ TEST_F(KeyReport, TellsOnceForAListHowManyPasswordsDoNotOpen) {
                   L"the passwords again."));
   EXPECT_EQ(m_agent.messages().size(), 1U);
   { const KeptKeys next; }
-  EXPECT_EQ(m_agent.messages().size(), 1U) << "said again";
+  EXPECT_EQ(m_agent.messages().size(), 1U) << "logged again";
 }
 
 TEST_F(KeyReport, TellsOfAPasswordThatIsNoText) {
@@ -157,7 +157,7 @@ TEST_F(KeyReport, TellsOnceForAListWhyAKeyCannotBeHad) {
       ElementsAre(L"Key file " + m_path +
                   L": the file has 5 bytes, but a key has 32; next: restore the agent's key file"));
   EXPECT_FALSE(opens(L"garbage"));
-  EXPECT_EQ(m_agent.messages().size(), 2U) << "of another list";
+  EXPECT_EQ(m_agent.messages().size(), 2U) << "the next list logs the error again";
 }
 
 TEST_F(KeyReport, TellsOnceForAListThatAKeyCannotBeRead) {
@@ -202,7 +202,7 @@ TEST_F(KeyReport, TellsEachOfEightErrorsOnceForAListAndFurtherOnesEachTime) {
   m_agent.clearLog();
   const KeptKeys next;
   host::logErrorOnce(AString(L"error 0"));
-  EXPECT_EQ(m_agent.texts(LogLevel::Error).size(), 1U) << "of another list";
+  EXPECT_EQ(m_agent.texts(LogLevel::Error).size(), 1U) << "the next list logs the error again";
 }
 
 }  // namespace

@@ -200,7 +200,7 @@ CHILD_PROCESS(drawWithoutGeneration) {
 TEST(Nonces, AreAllDifferentInAProcessThatCannotTellItsChildrenFromItself) {
   test::ChildProcess child("drawWithoutGeneration", {});
   EXPECT_EQ(child.receive(), "0");
-  EXPECT_EQ(child.receive(), "0") << "not for good";
+  EXPECT_EQ(child.receive(), "0") << "the failure must be permanent";
   EXPECT_EQ(child.receive(), "300");
   EXPECT_EQ(child.receive(), "300");
   EXPECT_EQ(child.wait(), 0);

@@ -46,7 +46,7 @@ TEST(WithoutRandomNumbers, NothingIsSealedAndTheOutputStays) {
     EXPECT_FALSE(sealer.seal(old.data(), old.size(), sealed));
   }
   EXPECT_EQ(sealed, old);
-  EXPECT_TRUE(sealer.seal(old.data(), old.size(), sealed)) << "there are some again";
+  EXPECT_TRUE(sealer.seal(old.data(), old.size(), sealed)) << "random numbers are available again";
   EXPECT_NE(sealed, old);
 }
 
@@ -74,7 +74,8 @@ TEST(WithoutRandomNumbers, NoKeyIsMadeAndTheReasonIsLogged) {
             (std::vector<std::wstring>{L"Key file " + test::wide(path) +
                                        L": no random numbers are available to create it"}));
   EXPECT_TRUE(test::snapshot(agent.dataDirectory() + "/keystore").empty());
-  EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD)) << "there are some again";
+  EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD))
+      << "random numbers are available again";
 }
 
 TEST(WithoutRandomNumbers, AServerPasswordIsEmpty) {
@@ -134,7 +135,7 @@ TEST(KeyFileState, IsThatOfTheSameFileOnlyWhenNothingDiffers) {
   state.changedNs = 4;
   host::KeyFileState other = state;
   other.settled = true;
-  EXPECT_TRUE(state.sameFile(other)) << "the moment of reading does not count";
+  EXPECT_TRUE(state.sameFile(other)) << "the time of the read is not part of the comparison";
   ++(other = state).device;
   EXPECT_FALSE(state.sameFile(other));
   ++(other = state).inode;

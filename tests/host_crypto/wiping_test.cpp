@@ -77,7 +77,7 @@ TEST(CryptoMemory, HoldsNoPasswordAfterAServerBufferWasDecrypted) {
   EXPECT_NE(result, 0);
 }
 
-// The password that a server sealed may be anything.
+// A server may encrypt any bytes as a password.
 TEST(CryptoMemory, HoldsNoPasswordThatWasMadeValid) {
   const std::string clear = c_secret + "\xFF\xFF\xFF" + c_secret;
   const std::wstring expected = test::wide(c_secret) + L"\uFFFD\uFFFD\uFFFD" + test::wide(c_secret);

@@ -267,7 +267,8 @@ TEST_F(Files, AreNotTheSameOnTwoFileSystems) {
   {
     const TwoFileSystems files(path("e"));
     EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("e/f")));
-    EXPECT_TRUE(AFiler::isSameFile(wpath("d/f"), wpath("d/mounted"))) << "of one number";
+    EXPECT_TRUE(AFiler::isSameFile(wpath("d/f"), wpath("d/mounted")))
+        << "both files have the same inode number";
   }
   const TwoFileSystems files(path("d/mounted"));
   EXPECT_FALSE(AFiler::isSameFile(wpath("d/f"), wpath("d/mounted")));

@@ -18,8 +18,8 @@ using testing::IsEmpty;
 constexpr uid_t c_other = 65534;
 constexpr gid_t c_otherGroup = 65533;
 
-// A directory of another user. Root creates files in it. Another user than root works in a
-// directory of their own.
+// A directory of another user. Root creates files in it. A user other than root works in their
+// own directory.
 class Owner : public test::FileTest {
  protected:
   Owner() {
@@ -27,7 +27,8 @@ class Owner : public test::FileTest {
     if (m_isRoot) {
       give("d");
     } else {
-      std::cout << "not root: the directory belongs to the user of the test\n";
+      std::cout << "Not run as root: the directory belongs to the user who runs the test, not to "
+                   "another user\n";
     }
   }
 
@@ -174,7 +175,8 @@ TEST_F(Owner, OfADirectoryGivesItsGroupWhereOnlyThatIsAnother) {
 
 TEST_F(Owner, GetsAnEmptyDirectory) {
   std::filesystem::create_directory(path("e"));
-  EXPECT_EQ(host::giveEmptyDirectory(path("e"), ::geteuid(), c_otherGroup), 0) << "it has it";
+  EXPECT_EQ(host::giveEmptyDirectory(path("e"), ::geteuid(), c_otherGroup), 0)
+      << "the directory already has this owner";
   if (!m_isRoot) return;
   EXPECT_EQ(host::giveEmptyDirectory(path("e"), c_other, c_otherGroup), 0);
   expectOwned("e");

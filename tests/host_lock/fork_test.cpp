@@ -36,7 +36,7 @@ TEST_F(Fork, TheParentsLockDiesWithTheParentAlthoughTheChildLives) {
   other.process().kill(SIGKILL);
   EXPECT_EQ(other.process().wait(), 128 + SIGKILL);
   EXPECT_TRUE(canWrite());
-  EXPECT_TRUE(other.lock(Mode::Write)) << "the child answers still";
+  EXPECT_TRUE(other.lock(Mode::Write)) << "the child still answers";
   EXPECT_FALSE(canRead());
 }
 

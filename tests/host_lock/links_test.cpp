@@ -137,15 +137,16 @@ TEST_F(LockLinks, TheirDirectoryMayBeRemovedWhileItIsMade) {
   EXPECT_THAT(agent.texts(LogLevel::Error), IsEmpty());
 }
 
-// Root locks in the directory of another user. Another user than root works in a directory of their
-// own.
+// Root locks in the directory of another user. A user other than root works in their own
+// directory.
 TEST_F(LockLinks, AreNotNeededByTheUserOfTheDirectoryAfterRoot) {
   uid_t owner = ::geteuid();
   if (owner == 0) {
     owner = c_other;
     ASSERT_EQ(::chown(agent.dataDirectory().c_str(), c_other, c_otherGroup), 0);
   } else {
-    std::cout << "not root: the directory belongs to the user of the test\n";
+    std::cout << "Not run as root: the directory belongs to the user who runs the test, not to "
+                 "another user\n";
   }
   std::filesystem::remove(locks());
   EXPECT_TRUE(canWrite());

@@ -185,7 +185,7 @@ TEST_F(LockFiles, BelongToTheAgentOfTheMoment) {
   agent.apply();
   EXPECT_TRUE(canWrite()) << "the other agent's lock is free";
   Locker first(agent.dataDirectory());
-  EXPECT_FALSE(first.lock(Mode::Read, 0)) << "the first agent's lock is held still";
+  EXPECT_FALSE(first.lock(Mode::Read, 0)) << "the first agent's lock is still held";
   held.unlock();
   EXPECT_TRUE(first.lock(Mode::Read, 0));
   EXPECT_TRUE(held.lock(c_forEver));
@@ -193,7 +193,7 @@ TEST_F(LockFiles, BelongToTheAgentOfTheMoment) {
   held.unlock();
   agent.settings.dataDirectory = agent.dataDirectory();
   agent.apply();
-  EXPECT_EQ(openDescriptors(), descriptors + 2) << "the pipes to the other process alone";
+  EXPECT_EQ(openDescriptors(), descriptors + 2) << "only the pipes to the other process are open";
 }
 
 }  // namespace

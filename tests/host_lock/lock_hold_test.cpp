@@ -76,7 +76,7 @@ TEST_F(Hold, IsRefusedWhileAnotherProcessHasTheLock) {
   ASSERT_TRUE(other.lock(Locker::Mode::Write));
   LockHold hold(c_lockName, LockMode::Write);
   EXPECT_FALSE(hold.lock(0));
-  EXPECT_FALSE(canRead()) << "one that is not held lets nobody in";
+  EXPECT_FALSE(canRead()) << "a hold without the lock does not let a reader in";
   other.unlock(Locker::Mode::Write);
   EXPECT_TRUE(hold.lock(0));
 }
@@ -89,9 +89,9 @@ TEST_F(Hold, IsOfOneNameAndOneAgent) {
     const test::TestAgent second;
     Locker ofSecond(second.dataDirectory());
     ASSERT_TRUE(ofSecond.lock(Locker::Mode::Write));
-    EXPECT_FALSE(canRead()) << "the other agent's lock is another one";
+    EXPECT_FALSE(canRead()) << "the other agent has its own lock";
     host::releaseHolds();
-    EXPECT_FALSE(other.lock(Locker::Mode::Write, 0)) << "and so are its holds";
+    EXPECT_FALSE(other.lock(Locker::Mode::Write, 0)) << "the other agent has its own holds";
   }
   agent.apply();
   InterProcessWriteLock otherName("SmartSiteListLock");

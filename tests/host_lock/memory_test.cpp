@@ -55,7 +55,7 @@ class LockMemory : public test::LockTest {
 TEST_F(LockMemory, ShortageWhileFilesAreOpenedLeavesNoneOpen) {
   const std::ptrdiff_t before = openDescriptors();
   EXPECT_GT(failuresUntilLocked(), 0);
-  EXPECT_EQ(openDescriptors(), before + 2) << "those of the lock that was had in the end";
+  EXPECT_EQ(openDescriptors(), before + 2) << "only the two files of the last lock are open";
 }
 
 TEST_F(LockMemory, ShortageWhileFilesAreReusedTakesNoneOutOfUse) {

@@ -183,7 +183,7 @@ class ExchangedAtTheEnd : public test::ForwardingFileSystem {
   std::string m_gate;
   milliseconds m_wait;
   bool m_exchanged = false;
-  int m_lockings = 0;  // behind the gate
+  int m_lockings = 0;  // attempts after the gate was taken
 };
 
 TEST_F(Waiting, IsNotBegunAnewForFilesThatWereExchanged) {

@@ -37,7 +37,8 @@ void expectAShortTextIsWiped(const Text& text) {
   alignas(host::Secret<Text>) unsigned char memory[sizeof(host::Secret<Text>)] = {};
   auto* const secret = new (memory) host::Secret<Text>;
   secret->operator*() = text;
-  EXPECT_TRUE(remains<host::Secret<Text>>(memory, text.data(), size)) << "no short text";
+  EXPECT_TRUE(remains<host::Secret<Text>>(memory, text.data(), size))
+      << "the text is not in the object itself";
   secret->~Secret();
   EXPECT_FALSE(remains<host::Secret<Text>>(memory, text.data(), size));
 }

@@ -210,7 +210,7 @@ TEST_F(TextFile, GoesThroughTheCallbacksWhenItIsWritten) {
   EXPECT_EQ(test::readFile(m_directory.file("list")), "<A>\xC3\xA9</A>");
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"ab", UTF_8, nullptr, reversed));
   EXPECT_EQ(test::readFile(m_directory.file("list")), "ba");
-  // The first sees UTF-8, the second the bytes of the file.
+  // The first callback gets UTF-8, the second the bytes of the file.
   EXPECT_TRUE(WriteBufferToFile(path("list"), L"ab", UTF_16LE, inUpperCase, reversed));
   EXPECT_EQ(test::readFile(m_directory.file("list")), std::string("\0B\0A\xFE\xFF", 6));
 }

@@ -12,8 +12,8 @@ namespace {
 
 class GatherKeyFlags : public testing::Test {
  protected:
-  // Looks for the keys beside an incoming list whose server has this version, and in no directory
-  // besides. The flags are those of srPub, reqSec, sr2048Pub and req2048Sec.
+  // Looks for the keys beside an incoming list whose server has this version, and in no other
+  // directory. The flags are those of srPub, reqSec, sr2048Pub and req2048Sec.
   bool gather(const std::wstring& version) {
     tag_Site server = serverSite(L"s");
     setText(server.http.szVersion, version);

@@ -168,7 +168,7 @@ TEST_P(IncomingFailure, TheListCannotBeWrittenAndTheKeysStay) {
   KeyFileSystem files;
   files.irreplaceable = {"SiteList.xml"};
   EXPECT_EQ(bringIn(), c_errorGeneral);
-  // The mesh service's copy fails in the same way here.
+  // The write of the mesh copy fails in the same way here.
   EXPECT_THAT(
       libraryMessages(agent),
       ElementsAreArray(joined(beginning(), {errorLine(L"Failed to write mesh service sitelist."),

@@ -150,7 +150,8 @@ TEST_F(Merge, AMissingCurrentListIsForgivenWhereServerSitesCameIn) {
 
   const SiteChain both{serverSite(L"n1"), typed(httpSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(both, none, false), 0);
-  EXPECT_THAT(names(), ElementsAre(L"fb")) << "the fallback came first and is no server site";
+  EXPECT_THAT(names(), ElementsAre(L"fb"))
+      << "the fallback came first and is not a management server";
 }
 
 // Shows: MergeSiteLists=-5, MergeSiteLists=-1
@@ -190,7 +191,7 @@ TEST_F(Merge, AnEmptyCurrentListIsNoFailure) {
   const SiteChain first{serverSite(L"n"), typed(serverSite(L"fb"), L"fallback")};
   EXPECT_EQ(merge(first, none, false), 0);
   EXPECT_THAT(names(), ElementsAre(L"n", L"fb"))
-      << "the fallback is a server site itself and gives way to the chain that holds it, too";
+      << "the fallback is a management server, so the servers of the first list replace it";
 }
 
 TEST_F(Merge, BothListsAreJoinedWithoutReadingTheCurrentOne) {

@@ -179,7 +179,7 @@ TEST_F(ServerBuffer, TheAdjustedPathAnswersOneWhateverHappens) {
   for (const std::string& bytes : {std::string("<broken"), std::string(), std::string("text"),
                                    std::string("<a>\xff\xff</a>")}) {
     EXPECT_EQ(create(bytes, true), 1);
-    EXPECT_FALSE(exists(file)) << "nothing is written for what is no document";
+    EXPECT_FALSE(exists(file)) << "nothing is written if the text is not a document";
   }
   std::filesystem::create_directory(file);
   EXPECT_EQ(create(document(httpElement("a")), true), 1);

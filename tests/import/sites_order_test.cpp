@@ -50,7 +50,8 @@ class SitesOrder : public testing::Test {
     EXPECT_THAT(messages, ElementsAre(infoLine(L"Exchanged orders for WexHttp and WexFtp.")));
     return true;
   }
-  // Whether a pair with FTP first is put in order when the HTTP or FTP record is this one.
+  // Returns whether the orders of a pair with FTP first are swapped if this is its HTTP or FTP
+  // record.
   bool qualifies(const tag_Site& site) {
     const bool isFtp = site.eSiteKind == SITE_KIND_FTP;
     const SiteChain list{isFtp ? vendorHttp(2) : site, isFtp ? site : vendorFtp(1)};

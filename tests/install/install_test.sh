@@ -1,7 +1,7 @@
 #!/bin/sh
-# install_test.sh NAME: one test of the installed tree. From the environment: TREE, where the tree is
-# to be; BUILD, the build directory; WORK, a directory of the test's own; CXX and FLAGS, how to
-# compile; LIBDIR, the tree's library directory; VERSION, the version it should have.
+# install_test.sh NAME: one test of the installed tree. From the environment: TREE, the directory for
+# the tree; BUILD, the build directory; WORK, a directory of the test's own; CXX and FLAGS, the
+# compiler and its options; LIBDIR, the tree's library directory; VERSION, the expected version.
 set -eu
 source=$(cd "$(dirname "$0")" && pwd)
 name=$1
@@ -24,7 +24,7 @@ case $name in
     packages=$TREE/$LIBDIR/cmake/sitehlp
     if grep -nE 'find_dependency|(pugixml|EXPAT|OpenSSL|Boost|spdlog|tomlplusplus|utf8cpp|Threads)::' \
       "$packages"/*.cmake; then
-      fail "the package drags third-party libraries in"
+      fail "the package depends on third-party libraries"
     fi
     if grep -rnF -e "$BUILD" -e "$(cd "$source/../.." && pwd)" "$TREE/$LIBDIR/cmake" \
       "$TREE/$LIBDIR/pkgconfig" "$TREE/include"; then
@@ -52,15 +52,15 @@ case $name in
   pkg_config)
     PKG_CONFIG_PATH=$TREE/$LIBDIR/pkgconfig
     export PKG_CONFIG_PATH
-    [ "$(pkg-config --modversion sitehlp)" = "$VERSION" ] || fail "another version"
+    [ "$(pkg-config --modversion sitehlp)" = "$VERSION" ] || fail "pkg-config reports another version"
     # shellcheck disable=SC2046,SC2086 # several options each
     "$CXX" -std=c++17 $FLAGS "$source/consumer/main.cpp" $(pkg-config --cflags --libs sitehlp) \
       -Wl,-rpath,"$TREE/$LIBDIR" -o consumer
     ./consumer "$WORK"
     ;;
   package_versions)
-    # Before 1.0.0 a version takes the place of an older one of the same minor version, afterwards of
-    # the same major version.
+    # Before 1.0.0 a version replaces older ones of the same minor version. From 1.0.0 on it replaces
+    # older ones of the same major version.
     major=${VERSION%%.*}
     minor=${VERSION#*.}
     minor=${minor%%.*}
@@ -82,10 +82,10 @@ END
       cmake -P ask.cmake >/dev/null 2>&1
     }
     for version in "$VERSION" "$major.$minor" "$major.$minor.0"; do
-      accepts "$version" || fail "$VERSION does not stand for $version"
+      accepts "$version" || fail "$VERSION is refused for $version"
     done
     for version in "$major.$minor.999" "$major.$((minor + 1))" "$((major + 1)).0"; do
-      ! accepts "$version" || fail "$VERSION stands for $version"
+      ! accepts "$version" || fail "$VERSION is accepted for $version"
     done
     if [ "$minor" -gt 0 ]; then
       older=refused
@@ -106,7 +106,7 @@ END
     ./build/consumer "$WORK"
     installed() { (cd "$1" && find . ! -type d ! -path "./share/doc/*/reference/*" | LC_ALL=C sort); }
     cmake --install build --prefix "$WORK/program" >install.log
-    [ "$(installed program)" = ./bin/consumer ] || fail "the part installs itself: $(installed program)"
+    [ "$(installed program)" = ./bin/consumer ] || fail "the subproject installs itself: $(installed program)"
     # With SITEHLP_INSTALL, a subproject installs the same files as the project itself.
     cmake -DSITEHLP_INSTALL=ON build >configure.log
     cmake --build build --target consumer
@@ -116,9 +116,9 @@ END
       cmake --install "$BUILD" --prefix "$WORK/alone" --component $component >>install.log
     done
     installed alone >alone.list
-    installed both | diff alone.list - || fail "a part installs something else"
+    installed both | diff alone.list - || fail "a subproject installs other files"
     cmp "alone/$LIBDIR/pkgconfig/sitehlp.pc" "both/$LIBDIR/pkgconfig/sitehlp.pc" ||
-      fail "the pkg-config file of a part is another"
+      fail "the pkg-config file of a subproject differs"
     ;;
   guide)
     # Builds the program and project of the first guide unchanged, and runs the program on the
@@ -142,13 +142,13 @@ END
     mkdir managed
     echo 'managed = true' >managed/agent.toml
     ! ./build/first_import "$WORK/managed" "$examples/broken/no-server.xml" 2>said ||
-      fail "the settings of the agent do not count"
-    grep -F 'no management server' said || fail "no reason: $(cat said)"
+      fail "the settings of the agent are ignored"
+    grep -F 'no management server' said || fail "the message gives no reason: $(cat said)"
     [ ! -e managed/etc/SiteList.xml ] || fail "the list was installed"
     echo 'managed = maybe' >managed/agent.toml
     ! ./build/first_import "$WORK/managed" "$examples/incoming/SiteList.xml" 2>said ||
-      fail "settings that cannot be used do not count"
-    grep -F agent.toml said || fail "no reason: $(cat said)"
+      fail "invalid settings are ignored"
+    grep -F agent.toml said || fail "the message gives no reason: $(cat said)"
     ;;
   tool)
     "$TREE/bin/sitelist" --version | grep -F "$VERSION"

@@ -47,7 +47,7 @@ class EditLimits : public LimitsTest {
                      const std::wstring& line) {
     EXPECT_FALSE(addServers(children, servers));
     EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(line));
-    EXPECT_TRUE(readFile(own) == document(children)) << "the list is another one";
+    EXPECT_TRUE(readFile(own) == document(children)) << "the list has changed";
   }
 
   const std::wstring notWritten = L"Cannot write the edited list " + wide(own) + L": ";
@@ -100,7 +100,7 @@ TEST_F(EditLimits, HoldForTheSitesThatAnEditLeavesAlone) {
           more == 0);
       if (more == 0) continue;
       EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(notWritten + tooMany));
-      EXPECT_TRUE(readFile(own) == list) << "the list is another one";
+      EXPECT_TRUE(readFile(own) == list) << "the list has changed";
     }
   }
 }
@@ -156,7 +156,7 @@ class EditedDocument : public EditLimits {
     const std::string before = readFile(own);
     EXPECT_FALSE(isWritten());
     EXPECT_THAT(agent.texts(LogLevel::Error), ElementsAre(tooMuch + what));
-    EXPECT_TRUE(readFile(own) == before) << "the document is another one";
+    EXPECT_TRUE(readFile(own) == before) << "the document has changed";
   }
 
   AnXml list;

@@ -65,9 +65,9 @@ class LimitsTest : public testing::Test {
     return sitehlp::CSitesHelper(true).GetCaCertificates(wide(path), certificates);
   }
   void expectNothingWritten() {
-    EXPECT_TRUE(readFile(own) == c_oldList) << "the old list is gone";
-    EXPECT_TRUE(readFile(mesh) == c_oldMesh) << "the mesh service's copy is another one";
-    EXPECT_FALSE(exists(mark)) << "the mesh service is told";
+    EXPECT_TRUE(readFile(own) == c_oldList) << "the own list has changed";
+    EXPECT_TRUE(readFile(mesh) == c_oldMesh) << "the mesh copy has changed";
+    EXPECT_FALSE(exists(mark)) << "the load command has run";
   }
 
   const std::string c_oldList = document(httpElement("old"));

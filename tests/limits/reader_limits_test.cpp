@@ -156,7 +156,7 @@ TEST_F(ReaderMemory, OfAHundredKilobytesOfNonsenseIsLittle) {
     std::printf("The memory of a process is not measured here: only the result is checked\n");
     return;
   }
-  ASSERT_GT(reading.mostBefore, 0U) << "the system does not tell";
+  ASSERT_GT(reading.mostBefore, 0U) << "the system does not report the peak memory";
   EXPECT_GE(reading.mostBehind, reading.mostBefore);
   EXPECT_LT(reading.mostBehind, reading.mostBefore + (std::size_t{64} << 20));
 }

@@ -50,7 +50,7 @@ class WriterLimits : public LimitsTest {
     EXPECT_EQ(versionsCode(own), c_success);
     EXPECT_EQ(certificatesCode(own), c_success);
     EXPECT_TRUE(readFile(mesh) == readFile(own));
-    EXPECT_TRUE(exists(mark)) << "the mesh service is not told";
+    EXPECT_TRUE(exists(mark)) << "the load command has not run";
   }
   void setPolicies(std::size_t number) {
     for (std::size_t i = 0; i < number; ++i) {

@@ -25,7 +25,7 @@ class AfterRoot : public testing::Test {
   // agent needs for a list, so that the operation makes the rest.
   void clean(const Operation& operation, bool sparse) {
     workshop.reset(operation);
-    workshop.agent.apply();  // lets the lock files go
+    workshop.agent.apply();  // closes the lock files
     const std::string data = workshop.agent.dataDirectory();
     fs::remove_all(data + "/locks");
     if (sparse) {

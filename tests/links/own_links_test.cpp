@@ -14,7 +14,7 @@ using test::Name;
 using test::Operation;
 using testing::IsEmpty;
 
-// Links in the agent's directories that the user who writes, or root, has put there.
+// Links in the agent's directories that root or the writing user has created.
 class OwnLinks : public testing::Test {
  protected:
   // Replaces a file or directory with a link to a copy of it.
@@ -67,7 +67,8 @@ class OwnLinks : public testing::Test {
     for (const std::string& root : workshop.roots()) test::giveToAgent(root);
   }
 
-  // The number of runs of the agent's user, each over one name where `plant` has put a link.
+  // Runs every operation as the agent's user, with a link in place of one file after the other.
+  // `plant` creates the link. Returns the number of runs.
   unsigned long followedByAgentsUser(const std::function<void(const Name&)>& plant) {
     unsigned long followed = 0;
     for (const Operation& operation : test::writingOperations()) {
@@ -136,7 +137,7 @@ TEST_F(OwnLinks, OnTheWayAreFollowed) {
       ++followed;
     }
   }
-  // One operation makes the directory of the key anew.
+  // One operation itself creates the directory of the key.
   EXPECT_EQ(followed, 6 * test::writingOperations().size() - 1);
 }
 

@@ -51,7 +51,7 @@ class PlantedLinks : public testing::Test {
     const std::string where =
         std::string(operation.name) + ", " + nameOf(plant) + " as " + name.path;
     workshop.reset(operation);
-    workshop.agent.apply();  // lets the lock files go
+    workshop.agent.apply();  // closes the lock files
     outside.prepare(bytesOf(name), name.path);
     for (const std::string& root : workshop.roots()) test::giveToAgent(root);
     const test::Planted planted(name, plant, outside);
@@ -105,7 +105,7 @@ TEST_F(PlantedLinks, LeadRootToNothingOutsideTheAgentsDirectories) {
   EXPECT_THAT(faults.lines(), IsEmpty());
   EXPECT_EQ(faults.count(), 0U);
   EXPECT_GT(tried, 2000U);
-  std::printf("%lu combinations, %lu break out\n", tried, faults.count());
+  std::printf("%lu combinations, %lu faults\n", tried, faults.count());
 }
 
 // The list comes last, but whether it can be written is known before the first key file.

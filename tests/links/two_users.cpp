@@ -35,7 +35,7 @@ bool becomeAgentUser() {
 bool haveTwoUsers() {
   static const bool two = [] {
     if (::geteuid() == 0) return true;
-    std::cout << "Not run as root: what takes two users is tried with one.\n";
+    std::cout << "Not run as root: the tests with two users run with one user.\n";
     return false;
   }();
   return two;

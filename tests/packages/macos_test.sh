@@ -21,15 +21,15 @@ count() { xmllint --nonet --xpath "count(/plist/dict/$1)" "$plist"; }
 [ "$(count 'key')" -eq "$(count '*[not(self::key)]')" ] || fail "a key without a value"
 [ "$(count "key[following-sibling::*[1][self::key]]")" -eq 0 ] || fail "two keys in a row"
 own=$(sed -n 's/.*dataDirectory = "\(.*\)";.*/\1/p' "$root/host/agent.h")/etc/SiteList.xml
-[ "$(value Label .)" = example.sitehlp.validate ] || fail "the label"
+[ "$(value Label .)" = example.sitehlp.validate ] || fail "the label is wrong"
 case $(value ProgramArguments 'string[1]') in
   /*/bin/sitelist) ;;
-  *) fail "not the tool: $(value ProgramArguments 'string[1]')" ;;
+  *) fail "the job does not run the tool: $(value ProgramArguments 'string[1]')" ;;
 esac
-[ "$(value ProgramArguments 'string[2]')" = validate ] || fail "not the command"
-[ "$(value ProgramArguments 'string[3]')" = "$own" ] || fail "it checks something else than $own"
+[ "$(value ProgramArguments 'string[2]')" = validate ] || fail "the job does not run validate"
+[ "$(value ProgramArguments 'string[3]')" = "$own" ] || fail "the job does not check $own"
 [ "$(value ProgramArguments 'string[4]')" = "" ] || fail "too many arguments"
-[ "$(value WatchPaths 'string[1]')" = "$own" ] || fail "it watches something else than $own"
+[ "$(value WatchPaths 'string[1]')" = "$own" ] || fail "the job does not watch $own"
 for key in StandardOutPath StandardErrorPath; do
   case $(value $key .) in
     /*.log) ;;
@@ -37,8 +37,8 @@ for key in StandardOutPath StandardErrorPath; do
   esac
 done
 
-# The formula: what it depends on is what scripts/install-deps installs for building, its options exist,
-# and its version is the present one.
+# The formula: it has the dependencies that scripts/install-deps installs for building. Its options
+# exist, and its version is the current one.
 sed -n 's/^ *depends_on "\([^"]*\)".*/\1/p' "$formula" | sort >"$1.formula"
 sed -n '/^homebrew="$/,/^"$/p' "$root/scripts/install-deps" | grep -v '"' | tr -s ' ' '\n' | grep . |
   sort >"$1.install-deps"
@@ -48,4 +48,4 @@ for option in $(grep -o 'DSITEHLP_[A-Z_]*' "$formula" | sed 's/^D//'); do
   grep -q "^option($option " "$root/CMakeLists.txt" || fail "there is no option $option"
 done
 version=$(sed -n 's/^  VERSION \(.*\)/\1/p' "$root/CMakeLists.txt")
-grep -qF "sitehlp-$version.tar.gz" "$formula" || fail "the formula is not of $version"
+grep -qF "sitehlp-$version.tar.gz" "$formula" || fail "the formula is not for version $version"

@@ -70,9 +70,9 @@ case $1 in
     is sitehlp-doc Depends ""
     is libsitehlp-dev Depends "$host (= $VERSION-1), $runtime (= $VERSION-1)"
     dpkg-deb --info "$(deb $runtime)" shlibs | grep -qxF "libsitehlp $ABI $runtime (>= $VERSION-1)" ||
-      fail "shlibs of $runtime"
+      fail "the shlibs file of $runtime is wrong"
     dpkg-deb --info "$(deb $host)" shlibs | grep -qxF "libsitehlp-host $ABI $host (>= $VERSION-1)" ||
-      fail "shlibs of $host"
+      fail "the shlibs file of $host is wrong"
     ;;
   contents)
     # Each package has exactly its own files.
@@ -107,7 +107,7 @@ case $1 in
         fail "owner or mode in $package"
       dpkg-deb --extract "$(deb "$package")" root
       dpkg-deb --info "$(deb "$package")" md5sums >md5sums
-      (cd root && md5sum --quiet --check ../md5sums) || fail "the sums of $package"
+      (cd root && md5sum --quiet --check ../md5sums) || fail "the checksums of $package are wrong"
     done
     [ -z "$(sort everything | uniq -d)" ] || fail "in two packages: $(sort everything | uniq -d)"
 
@@ -149,17 +149,17 @@ case $1 in
           fail "$package asks for $library and does not depend on $owner: $(cat depends)"
         count=$((count + 1))
       done
-      [ "$count" -ge 3 ] || fail "$package asks for $count libraries only"
+      [ "$count" -ge 3 ] || fail "$package needs only $count libraries"
     done
     for package in sitelist libsitehlp-dev; do
       for ours in $runtime $host; do
-        field "$package" Depends | grep -qF "$ours (= $VERSION-1)" || fail "$package without $ours"
+        field "$package" Depends | grep -qF "$ours (= $VERSION-1)" || fail "$package does not depend on $ours"
       done
     done
     ;;
   use)
-    # The tool runs from its package, with an example of the documentation, and a program is built and
-    # run with the development package.
+    # The tool runs from its package and imports an example of the documentation package. The
+    # development package is enough to build a program.
     unpack root
     LD_LIBRARY_PATH=$WORK/root/usr/$LIBDIR
     PKG_CONFIG_PATH=$WORK/root/usr/$LIBDIR/pkgconfig

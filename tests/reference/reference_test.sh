@@ -13,7 +13,7 @@ rm -rf "$WORK"
 mkdir -p "$WORK"
 cd "$WORK"
 
-# make_reference [SETTING...]: into html, with these settings in place of the configured ones
+# make_reference [SETTING...]: makes the reference. These settings replace the configured ones.
 make_reference() {
   rm -rf html
   { cat "$DOXYFILE" && printf '%s\n' "OUTPUT_DIRECTORY = $WORK" "$@"; } | "$DOXYGEN" - >said 2>&1
@@ -60,11 +60,11 @@ case $1 in
     done
     cd html
     for page in $(grep -oh 'href="[^"#:]*["#]' -- *.html | sed 's/^href="//; s/["#]$//' | sort -u); do
-      [ -f "$page" ] || fail "a link points to $page"
+      [ -f "$page" ] || fail "a link points to $page, which does not exist"
     done
     cd ..
     bare=$(bare_enumerators)
-    [ -z "$bare" ] || fail "no words on $bare"
+    [ -z "$bare" ] || fail "no comment on $bare"
     ;;
   undocumented_is_an_error)
     make_reference "INPUT = $root/sitehlp/site.h" || fail "$(cat said)"

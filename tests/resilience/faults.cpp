@@ -194,7 +194,7 @@ FaultFigures moveFewBytes(const Progress& progress) {
     bool full = true;
     for (int kept = 0; full; ++kept) {
       int writes = 0;
-      full = trial.tryWith("full behind write " + std::to_string(kept), false,
+      full = trial.tryWith("full after write " + std::to_string(kept), false,
                            [&](FaultyFileSystem& f) {
                              f.limitTransfers(500);
                              f.beforeEach([&](FileCall call) {

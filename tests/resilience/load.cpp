@@ -138,7 +138,7 @@ WriterFigures writeAtOnce(int writers, int readers, int seconds) {
 
 namespace {
 
-// The list that is written as a version: so many sites, each named after it.
+// Returns the list of a version. The version determines the number of sites and is their name.
 SiteChain listOf(unsigned long version) {
   SiteChain list;
   for (unsigned long i = 0; i <= version % 7; ++i) {

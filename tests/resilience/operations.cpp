@@ -10,7 +10,7 @@ using namespace sitehlp;
 namespace test {
 namespace {
 
-constexpr int c_refused = 1;  // what stands for a false and for a zero that means failure
+constexpr int c_refused = 1;  // the result for `false` and for a zero that means failure
 
 int fromBool(bool done) { return done ? 0 : c_refused; }
 

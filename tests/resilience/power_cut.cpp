@@ -50,7 +50,7 @@ class PowerCut {
     cut(disk, "before anything", false);
     for (std::size_t i = 0; i < calls.size(); ++i) {
       if (!disk.apply(calls[i])) continue;
-      cut(disk, "behind call " + std::to_string(i) + " " + nameOf(calls[i].call), false);
+      cut(disk, "after call " + std::to_string(i) + " " + nameOf(calls[i].call), false);
     }
     cut(disk, "when it was reported as done", true);
   }

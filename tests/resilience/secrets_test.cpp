@@ -56,7 +56,7 @@ TEST(AProtectedPassword, IsRefusedWithAnyBitFlippedAndTheOtherRecordsLoad) {
   EXPECT_GT(refused, 300u);
 }
 
-// Key files, and the list from the server where it is stored as it came.
+// Returns whether the file is a key file or a server list that is stored unchanged.
 bool isSecret(const Workshop& workshop, const Operation& operation, const std::string& path) {
   const std::string extension = std::filesystem::path(path).extension();
   return extension == ".key" || extension == ".bin" ||

@@ -31,7 +31,7 @@ TEST(TheTool, PrintsNoPasswordUnlessItIsAskedTo) {
   Workshop workshop;
   writeFile(workshop.agent.dataDirectory() + "/agent.toml", "managed = false\n");
   ASSERT_THAT(output(workshop, "show --json --show-secrets"), HasSubstr(c_canary))
-      << "the search finds what is there";
+      << "the search must find a password that is printed";
   const std::string in = "'" + workshop.incoming() + "'";
   const std::string directory = "'" + workshop.etcDirectory() + "'";
   for (const std::string& arguments :
@@ -61,7 +61,7 @@ TEST(TheTool, PrintsNoPasswordUnlessItIsAskedTo) {
     EXPECT_FALSE(text.empty()) << arguments;
   }
   EXPECT_THAT(output(workshop, "show --json --show-secrets"), HasSubstr(c_canary))
-      << "and it is still there";
+      << "the commands must not remove the password from the list";
 }
 
 }  // namespace

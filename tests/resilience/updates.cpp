@@ -202,7 +202,7 @@ class Updates {
                m_kills == UpdateKills::OneInTen && n % 10 == 7 ? &random : nullptr);
   }
 
-  // Kills the process at some moment when there is a generator for it.
+  // If there is a generator, kills the process at a random moment.
   Answer run(Words words, const std::string& worker, std::mt19937* moment) {
     const bool needsNoAgent = words[0] == "edit" && m_which == UpdatedList::Named;
     const bool hasAgent = !needsNoAgent || worker.back() % 2 == 0;
@@ -229,7 +229,7 @@ class Updates {
       figures.kills += answer.status == c_killed;
       if (answer.status == 0) {
         if (!changeOf(n).isIn(list, std::to_string(n))) {
-          figures.faults.add(where, "answered with 0, and lost");
+          figures.faults.add(where, "the tool returned 0, but the change is lost");
         }
       } else if (answer.status != c_killed || !mayBeKilled) {
         figures.faults.add(where,

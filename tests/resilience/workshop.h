@@ -84,7 +84,7 @@ class Workshop {
 struct Operation {
   const char* name;
   int (*run)(const Workshop& workshop);
-  // The results for failures in the library's header.
+  // The results that the library's header documents for failures.
   std::set<int> failures;
   // Returns the file that has the new bytes if and only if the operation reports success. Null if
   // the operation does not report it.

@@ -23,7 +23,7 @@ bool saysNotWritten(const TestAgent& agent) {
   return false;
 }
 
-// The mesh copy cannot be written, so that the list is followed by error lines.
+// The mesh copy cannot be written, so error lines follow the write of the list.
 TEST(ALineWithoutMemory, DoesNotMakeAWrittenListOneThatIsNotWritten) {
   Workshop workshop;
   workshop.agent.settings.logLevel = LogLevel::Error;
@@ -69,7 +69,7 @@ class ListWithAnUnknownEnd : public testing::Test {
   // Runs an operation with each of its allocations failing in turn. Returns how often one failed.
   template <typename Run>
   unsigned long failEachAllocation(Run run) {
-    run();  // one run before, so that objects of the first use exist
+    run();  // creates the objects that a process creates only once
     bool failed = true;
     unsigned long number = 0;
     for (; failed; ++number) {

@@ -43,7 +43,7 @@ class Shortage {
   void of(const Operation& operation, bool writes, unsigned long stride) {
     m_workshop.reset(operation);
     m_before = m_workshop.state();
-    // Two runs, so that objects of the first use exist.
+    // This run creates the objects that a process creates only once.
     const int usual = operation.run(m_workshop);
     m_after = writes ? m_workshop.state() : m_before;
     for (const bool forGood : {false, true}) {
@@ -66,10 +66,10 @@ class Shortage {
     return blocksInUse();
   }
 
-  // Whether an allocation failed at all.
+  // Runs the operation with a failing allocation. Returns whether an allocation failed.
   bool tryOne(const Operation& operation, unsigned long n, bool forGood, int usual) {
     const std::string where = std::string(operation.name) + ", allocation " + std::to_string(n) +
-                              (forGood ? " and all behind it" : "");
+                              (forGood ? " and all after it" : "");
     m_workshop.reset(operation);
     const std::ptrdiff_t descriptors = m_workshop.openDescriptors();
     int code = usual;
@@ -191,7 +191,7 @@ CHILD_PROCESS(everyAllocation) {
   const Figures figures = failAllocations(args.empty() ? 1 : std::stoul(args[0]));
   for (const std::string& fault : figures.faults) std::printf("   FAULT %s\n", fault.c_str());
   std::printf(
-      "   %lu failed allocations, %lu thrown, %lu refused, %lu ended early without a word\n",
+      "   %lu failed allocations, %lu thrown, %lu refused, %lu returned 0 without the new list\n",
       figures.runs, figures.thrown, figures.refused, figures.silent);
   return figures.faults.empty() ? 0 : 1;
 }

@@ -24,7 +24,7 @@ using test::FailingAllocations;
 // Does something with its first allocation failing, then its second, and so on until none is left
 // to fail. `work` returns whether it succeeded. Returns the number of failures.
 int refusals(const std::function<bool()>& work) {
-  EXPECT_TRUE(work());  // one run before, so that objects of the first use exist
+  EXPECT_TRUE(work());  // creates the objects that a process creates only once
   bool failed = true;
   bool done = false;
   int refused = 0;

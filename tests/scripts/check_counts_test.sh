@@ -20,7 +20,7 @@ chmod +x "$tree/program" "$tree/bin/valgrind"
 PATH=$tree/bin:$PATH
 export PATH
 
-# expect STATUS READ WRITE: what the check says of these counts
+# expect STATUS READ WRITE: the check must end with STATUS for these counts
 expect() {
   wanted=$1
   read=$2 write=$3

@@ -45,8 +45,8 @@ echo '#include "sitehlp/none.h"' >sitehlp/user.cpp
 echo 'int* other() { return nullptr; }' >host/other.cpp
 commit
 
-# expect STATUS WHAT ARGUMENT...: the status of the script, and when it finds something, that it
-# names the check
+# expect STATUS WHAT ARGUMENT...: the script must end with STATUS. If it finds a fault, it must name
+# the check.
 expect() {
   status=0
   wanted=$1

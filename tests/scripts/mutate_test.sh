@@ -21,7 +21,7 @@ int sample(int a, int b) {
 SAMPLE
 failed=0
 
-# expect STATUS WHAT: what the script says of the list of explained changes
+# expect STATUS WHAT: the script must end with STATUS for the list of explained mutations
 expect() {
   status=0
   python3 "$tree/scripts/mutate" --check >"$tree/said" 2>&1 || status=$?
@@ -50,7 +50,7 @@ sitehlp/sample.cpp:6: truth: 'true' -> 'false' in column 10
 WANTED
 : >"$list"
 python3 "$tree/scripts/mutate" --list --most 1000 | grep '^sitehlp' | LC_ALL=C sort >"$tree/found"
-diff "$tree/wanted" "$tree/found" || { echo "FAILED: these are not the changes that are meant"; failed=1; }
+diff "$tree/wanted" "$tree/found" || { echo "FAILED: the script does not make the intended mutations"; failed=1; }
 
 expect 0 "an empty list"
 cat >"$list" <<'LIST'

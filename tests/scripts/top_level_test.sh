@@ -43,17 +43,17 @@ check() {
   [ ! -s "$scratch/differences" ]
 }
 
-# refuses TREE NAME: the check fails and names this one
+# refuses TREE NAME: the check must fail and name only NAME
 refuses() {
   if check "$1" >"$scratch/said" || [ "$(wc -l <"$scratch/said")" -ne 1 ] ||
     ! grep -q "^$2: " "$scratch/said"; then
-    echo "FAILED: $2 in $1 is not noticed alone:"
+    echo "FAILED: the check of $1 does not report exactly $2:"
     cat "$scratch/said"
     failed=1
   fi
 }
 
-# noticesChanges TREE
+# noticesChanges TREE: the check must accept the tree and refuse each change of it
 noticesChanges() {
   check "$1" || failed=1
   mkdir "$1/planted" "$1/build"

@@ -122,8 +122,8 @@ class FieldTables : public test::WriterTest {
     return valuesOf(*decode(documentOf(kind, attributes, children)));
   }
 
-  // A document that has just this field. An address always has a port. The port of a proxy is used
-  // only with its server.
+  // Reads a document that has only this field. An address always has a port. The port of a proxy is
+  // used only with its server.
   Values readAlone(const Kind& kind, const Row& row) {
     const std::string value = test::narrow(sampleOf(row));
     switch (row.place) {
@@ -282,7 +282,8 @@ TEST_F(FieldTables, EveryRowIsReadByItself) {
       EXPECT_EQ(values.at(row.name), sampleOf(row));
       std::set<std::string> others = changes(nothing, values);
       others.erase(row.name);
-      // Fields that the reader derives from the field, and the server of the port of a proxy.
+      // The reader derives these fields from the row. The document of a proxy port also has a
+      // server.
       if (row.name == "exclusionList") others.erase("exclusionCount");
       if (kind.isProxy() && row.place == FieldPlace::Attribute) others.erase("element");
       if (row.name == "httpProxyPort") others.erase("httpProxyServer");

@@ -213,7 +213,7 @@ TEST_F(HelperObject, SiteListFilenameIsCutSilentlyToTheCapacity) {
     EXPECT_EQ(helper.GetSiteListFilename(buffer.data(), capacity), 0);
     EXPECT_EQ(std::wstring(buffer.data()), directory.substr(0, capacity - 1)) << capacity;
     EXPECT_EQ(buffer[capacity - 1], L'\0') << capacity;
-    EXPECT_EQ(buffer[capacity], L'?') << "wrote behind the buffer";
+    EXPECT_EQ(buffer[capacity], L'?') << "wrote past the end of the buffer";
   }
   EXPECT_THAT(messages(), IsEmpty());
 }

@@ -45,8 +45,8 @@ inline std::ostream& operator<<(std::ostream& out, LockState state) {
   return out << (state == LockState::Free ? "free" : state == LockState::Read ? "read" : "written");
 }
 
-// Returns how any process or thread holds the lock now. It asks the kernel. The locks of the host
-// library must not be used while it holds a mutex, for example in a log sink.
+// Returns how any process or thread holds the lock now. Asks the kernel, because code that runs
+// under a mutex of the host library must not use its locks. A log sink is an example.
 inline LockState lockState(const char* name) {
   const std::string path = host::agent().dataDirectory + "/locks/" + name + ".lock";
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -191,7 +191,7 @@ class NoLock : public test::SitesHelperTest {
  protected:
   NoLock() {
     const std::string file = agent.dataDirectory() + "/locks/SiteListLock.lock";
-    agent.apply();  // lets the lock files go
+    agent.apply();  // closes the lock files
     std::filesystem::remove_all(file);
     std::filesystem::create_directories(file);
     agent.clearLog();
@@ -214,7 +214,7 @@ TEST_F(NoLock, ReadAndWriteGoOnAndThatIsTold) {
   const test::ListPtr list(test::newSite(sitehlp::SITE_KIND_HTTP));
   EXPECT_EQ(helper.CreateSiteList(list.get(), path("out.xml"), L"G", L"L", L"T", {}), 0);
   EXPECT_THAT(error(), AllOf(StartsWith(beginning()), EndsWith(c_ending)));
-  agent.apply();  // the error is told again
+  agent.apply();  // the error is logged again
   const Read result = readPath(path("out.xml"));
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(test::lengthOf(result.list.get()), 1);

@@ -114,8 +114,8 @@ TEST_F(PasswordInDocument, WithoutTheServiceReadsAsEmpty) {
   EXPECT_STREQ(site->ftp.szPassword, L"");
 }
 
-// --- With the flag that switches recovery
-// ---------------------------------------------------------
+// --- With the flag for the server key
+// -------------------------------------------------------------
 
 TEST_F(PasswordInDocument, ServerFlagRecoversServerValuesOfEverySite) {
   storeServerKey();

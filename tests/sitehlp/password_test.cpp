@@ -24,8 +24,8 @@ const wchar_t* const c_clearTexts[] = {L"secret",
                                        L"\u00FCn\u00EFc\u00F6de \u65E5\u672C\u8A9E \U0001F511",
                                        L"line\nbreak\ttab"};
 
-// --- The agent's own protection
-// -------------------------------------------------------------------
+// --- The password key
+// -----------------------------------------------------------------------------
 
 TEST_F(Password, ProtectedFormComesBackClear) {
   for (const wchar_t* clear : c_clearTexts) {
@@ -108,8 +108,8 @@ TEST_F(Password, WithoutTheServiceNothingIsProtected) {
   EXPECT_EQ(out, L"as it was");
 }
 
-// --- The management server's protection
-// -----------------------------------------------------------
+// --- The server key
+// -------------------------------------------------------------------------------
 
 // Shows: decrypt-data
 TEST_F(Password, ServerValueComesBackClear) {

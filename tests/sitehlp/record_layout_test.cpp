@@ -113,7 +113,7 @@ EXPECT_SIGNED(tag_Site, iOrder, 16);
 EXPECT_SIGNED(tag_Site, eSiteKind, 20);
 EXPECT_TEXT(tag_Site, szType, 24, 260);
 EXPECT_FIELD(tag_Site, pNext, 1064, sizeof(void*));
-// The site data begins behind the link, and every kind shares the one place.
+// The site data begins after the link. All kinds share this place.
 static_assert(offsetof(tag_Site, http) == 1072, "site data has moved");
 static_assert(offsetof(tag_Site, ftp) == 1072, "site data has moved");
 static_assert(offsetof(tag_Site, unc) == 1072, "site data has moved");

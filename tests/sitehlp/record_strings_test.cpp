@@ -26,7 +26,7 @@ class CopyWStr : public test::SitesHelperTest {
     for (std::size_t i = 0; i < capacity; ++i) {
       ASSERT_EQ(field[i], i < kept.size() ? kept[i] : L'\0') << "at " << i << " of " << capacity;
     }
-    EXPECT_EQ(field[capacity], L'?') << "wrote behind the field";
+    EXPECT_EQ(field[capacity], L'?') << "wrote past the end of the field";
   }
 };
 

@@ -50,13 +50,13 @@ using sitehlp::tag_Site;
 
 class Wiping : public test::SitesHelperTest {
  protected:
-  // The record as it was when it was given back.
+  // Releases the record. Returns its content at that moment.
   static const tag_Site* released(tag_Site* site) {
     static tag_Site copy;
     g_watched = site;
     g_bytesAtRelease.clear();
     sitehlp::CSitesHelper::FreeSiteListMemory(site);
-    EXPECT_EQ(g_bytesAtRelease.size(), sizeof(tag_Site)) << "the record was not given back";
+    EXPECT_EQ(g_bytesAtRelease.size(), sizeof(tag_Site)) << "the record was not released";
     if (g_bytesAtRelease.size() != sizeof copy) return &copy;
     std::memcpy(&copy, g_bytesAtRelease.data(), sizeof copy);
     return &copy;
@@ -71,7 +71,7 @@ class Wiping : public test::SitesHelperTest {
   }
 };
 
-// A child of a fork at that moment must not find a list that is partly released.
+// Another thread may fork during the release. The child must not find a partly released list.
 TEST_F(Wiping, OfAReplacedListBeginsWhenNoListIsCached) {
   const std::wstring file = store(test::documentWithSites("<UNCSite/><UNCSite/>"));
   tag_Site* list = nullptr;

@@ -22,7 +22,7 @@ using testing::HasSubstr;
 
 class FormatEnvSymbols : public test::SitesHelperTest {
  protected:
-  // Formats a buffer of `capacity` characters with a guard behind it.
+  // Formats a buffer of `capacity` characters with a guard after it.
   std::wstring format(const std::wstring& text, unsigned int capacity) {
     std::vector<wchar_t> buffer(std::max<std::size_t>(capacity, text.size()) + 2, L'\0');
     std::copy(text.begin(), text.end(), buffer.begin());
@@ -72,10 +72,10 @@ TEST_F(FormatEnvSymbols, CutsToTheCapacity) {
 }
 
 TEST_F(FormatEnvSymbols, ReplacesInTheWholeTextBeforeItCuts) {
-  // Shortened by the replacement, the text fits although it did not before.
+  // The replacement shortens the text, so that it fits.
   EXPECT_EQ(format(L"%%lt%%PATH%%gt%%/x", 9), L"<PATH>/x");
   EXPECT_EQ(format(L"%%lt%%PATH%%gt%%/x", 8), L"<PATH>/");
-  // A delimiter that begins before the capacity and ends behind it.
+  // A delimiter that begins before the capacity and ends after it.
   EXPECT_EQ(format(L"0123%%lt%%", 6), L"0123<");
 }
 

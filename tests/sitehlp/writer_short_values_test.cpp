@@ -4,7 +4,7 @@
 
 #include "tests/sitehlp/writer_fixture.h"
 
-// A value of one character is a value.
+// The writer writes a value of one character.
 namespace {
 
 using sitehlp::tag_Site;

@@ -37,8 +37,8 @@ class WriterSteps : public test::WriterTest {
   }
 };
 
-// --- Records of no known kind
-// ---------------------------------------------------------------------
+// --- Records of unknown kind
+// ----------------------------------------------------------------------
 
 // Shows: CreateSiteList=-1
 TEST_F(WriterSteps, UnknownLastRecordGivesMinusOneThoughTheFileIsWritten) {

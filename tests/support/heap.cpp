@@ -3,7 +3,7 @@
 #include "tests/support/sanitizer.h"
 
 #if TESTS_SANITIZED
-// Only clang has this header.
+// Declared here, because only clang has a header for it.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #elif defined(__APPLE__)
 #include <malloc/malloc.h>

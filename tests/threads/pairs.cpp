@@ -26,7 +26,7 @@ constexpr long c_heapNoise = 128 * 1024;
 // The same for all pairs.
 constexpr long c_heapNoiseOfAll = 1024 * 1024;
 
-// Bytes in use; a sanitizer looks for leaks itself.
+// Returns 0 with a sanitizer. AddressSanitizer finds leaks itself.
 long bytesInUse() { return TESTS_SANITIZED ? 0 : static_cast<long>(heapInUse()); }
 
 bool mayRunTogether(const SharedOperation& a, const SharedOperation& b) {
@@ -133,7 +133,7 @@ class Pairs {
   Workshop m_workshop;
   std::atomic<int> m_ready{0};
   unsigned long m_runs = 0;
-  unsigned long m_lines = 0;  // that were logged; the log guards it
+  unsigned long m_lines = 0;  // number of log lines; the lock of the log guards it
 };
 
 struct PairOfOperations {
@@ -162,7 +162,7 @@ CHILD_PROCESS(runPairsFrom) {
   for (std::size_t i = std::stoul(args[0]); i < pairs.size(); i += c_parts) {
     channel.send("PAIR " + std::to_string(i));
     runner.run(*pairs[i].a, *pairs[i].b);
-    if (before == 0) before = bytesInUse();  // objects of the first use exist
+    if (before == 0) before = bytesInUse();  // the first pair creates lasting objects
   }
   const long left = bytesInUse() - before;
   if (left > c_heapNoiseOfAll) {
@@ -226,7 +226,7 @@ PairFigures runPairs(std::size_t part, unsigned long times) {
         unsigned long runs = 0;
         words >> runs;
         figures.runs += runs;
-        name = "behind the last pair";
+        name = "after the last pair";
       } else {
         figures.faults.add(name, line);
       }

@@ -45,7 +45,7 @@ std::string runMustRead(const Workshop& w) {
 }
 
 std::string runSmartRead(const Workshop& w) {
-  tag_Site* list = nullptr;  // stays the class's
+  tag_Site* list = nullptr;  // the class keeps it
   const int result = CSitesHelper(true).SmartReadSiteList(wide(w.own()), &list);
   return told(result, list);
 }

@@ -120,7 +120,7 @@ std::string runProtect(const Workshop&) {
   return told(result) + std::to_string(sealed.size() > c_canary.size());
 }
 
-// Recovers the password of the first site, encrypted with the server key.
+// Decrypts the password of the first site with the server key.
 std::string runRecover(const Workshop& w) {
   const std::string& bytes = w.serverBuffer();
   const std::string mark = "<Password Encrypted=\"1\">";
@@ -130,7 +130,7 @@ std::string runRecover(const Workshop& w) {
   return told(result, {clear});
 }
 
-// The element and its kind's record.
+// Returns the result of decoding the element, and the name in its record.
 template <typename Record>
 std::string decode(const char* element) {
   const std::wstring text = L"<r>" + wide(element) + L"</r>";

@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-constexpr const char* c_cannotMake = "Cannot make directory";
+constexpr const char* c_cannotMake = "Cannot create directory";
 
 // Gives a directory that was just created its owner. Only root changes owners.
 //

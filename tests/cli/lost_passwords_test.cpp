@@ -237,6 +237,19 @@ TEST_F(CliLostPasswords, TheReasonOfAKeyThatCannotBeUsedIsSaid) {
   EXPECT_THAT(run(import).err, HasSubstr("  next: name the agent that the list belongs to"));
 }
 
+TEST_F(CliLostPasswords, InitMakesNoKeyBesideThem) {
+  start(Key::Missing);
+  fs::remove(file("agent/agent.toml"));
+  const auto before = agentFiles();
+  const Output refused = sitelist({"init"});
+  EXPECT_EQ(refused.status, 5);
+  EXPECT_THAT(refused.err, HasSubstr("the password key is missing, but the agent's own list has "
+                                     "passwords:\n  site \"depot\""));
+  EXPECT_EQ(agentFiles(), before);
+  start(Key::Good);
+  EXPECT_EQ(sitelist({"init"}).status, 0) << "with their key";
+}
+
 TEST_F(CliLostPasswords, AnAgentWithoutPasswordsMayMakeItsKey) {
   start(Key::Missing);
   setOwnList(document(httpSite("depot")));

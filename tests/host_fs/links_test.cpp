@@ -134,9 +134,9 @@ TEST_F(Links, LeadADirectoryNowhereElse) {
   link("victim/new", "foreign-dangling");
   for (const char* name : {"foreign", "foreign/d", "foreign/d/e", "foreign-dangling"}) {
     EXPECT_EQ(host::makeDirectories(path(name), 0700), EPERM) << name;
-    EXPECT_THAT(error(), AllOf(HasSubstr("Cannot make directory"), HasSubstr("/foreign")));
+    EXPECT_THAT(error(), AllOf(HasSubstr("Cannot create directory"), HasSubstr("/foreign")));
     EXPECT_EQ(host::makeDirectory(path(name), 0700), EPERM) << name;
-    EXPECT_THAT(error(), HasSubstr("Cannot make directory " + path(name)));
+    EXPECT_THAT(error(), HasSubstr("Cannot create directory " + path(name)));
   }
   EXPECT_THAT(namesIn(path("victim")), ElementsAre("f"));
   link("own", "root");

@@ -12,6 +12,7 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/change_watch.h"
 #include "tools/sitelist/agent/owner.h"
+#include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/full_path.h"
 #include "tools/sitelist/cli/input.h"
@@ -103,6 +104,7 @@ int init(Context& context, const InitOptions& options) {
   }
   host::setAgent(settings);
   recordLog(context.verbose);
+  PasswordCheck(context, false).requireKeyOfOwnList();
   const ChangeWatch watch(context, filesOfAgent(context));
   makeDataDirectory(directory, options.owner);
   for (const char* name : {"/etc", "/mesh", "/locks"}) {

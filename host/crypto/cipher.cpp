@@ -2,9 +2,17 @@
 
 #include <openssl/err.h>
 
+#include <atomic>
+
 #include "host/crypto/libcrypto.h"
 
 namespace host {
+namespace {
+
+// Never released, because a thread may use it while the process ends.
+std::atomic<const EVP_CIPHER*> g_cipher{nullptr};
+
+}  // namespace
 
 CipherPtr findCipher(std::string& reason) {
   ERR_clear_error();
@@ -12,5 +20,12 @@ CipherPtr findCipher(std::string& reason) {
   if (!found) reason = takeLibcryptoError();
   return found;
 }
+
+const EVP_CIPHER* sharedCipher(std::string& reason) {
+  if (!isCipherFetched()) g_cipher = findCipher(reason).release();
+  return g_cipher;
+}
+
+bool isCipherFetched() noexcept { return g_cipher != nullptr; }
 
 }  // namespace host

@@ -20,6 +20,13 @@ using CipherPtr = std::unique_ptr<EVP_CIPHER, FreeCipher>;
 // a LibcryptoUse.
 CipherPtr findCipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex);
 
+// Returns the cipher, which the first call in a process fetches, because a fetch takes longer than
+// any other step. Has the contract of findCipher.
+const EVP_CIPHER* sharedCipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex);
+
+// Returns whether sharedCipher has fetched the cipher. Any thread; needs no lock.
+bool isCipherFetched() noexcept;
+
 }  // namespace host
 
 #endif

@@ -21,15 +21,6 @@ constexpr std::size_t c_headSize = c_versionSize + c_nonceSize;
 constexpr std::size_t c_overhead = c_headSize + c_tagSize;
 constexpr std::size_t c_longest = INT_MAX - c_overhead;  // the cipher counts bytes in int
 
-// Finding the cipher takes longer than any other step, so it is done once in a process. Null until
-// then.
-const EVP_CIPHER* g_cipher HOST_GUARDED_BY(c_libcryptoMutex) = nullptr;
-
-const EVP_CIPHER* cipher(std::string& reason) HOST_REQUIRES(c_libcryptoMutex) {
-  if (!g_cipher) g_cipher = findCipher(reason).release();
-  return g_cipher;
-}
-
 bool refuse(const std::string& reason) {
   logErrorOnce(AString(
       ("A password cannot be encrypted: " + reason + "; the list is written with an empty password")
@@ -41,7 +32,7 @@ bool refuse(const std::string& reason) {
 
 Sealer::Sealer(const SecretBytes& key) {
   const LibcryptoUse use;
-  const EVP_CIPHER* const found = cipher(m_refusal);
+  const EVP_CIPHER* const found = sharedCipher(m_refusal);
   if (!found) return;
   if (key.size() != c_keySize) {
     m_refusal = "the key has a wrong size";

@@ -28,7 +28,8 @@ inline constexpr ForkMutex c_serverKeyMutex(3);    // the server key and its idl
 inline constexpr ForkMutex c_libcryptoMutex(4);    // every call that may take a lock in libcrypto
 inline constexpr ForkMutex c_logMutex(5);          // the sink
 inline constexpr ForkMutex c_errorTextMutex(6);    // the system's table of error texts
-constexpr std::size_t c_forkMutexCount = 7;
+inline constexpr ForkMutex c_passedDocumentsMutex(7);  // documents that were checked
+constexpr std::size_t c_forkMutexCount = 8;
 
 // Holds a mutex from its construction to its destruction. All of them are taken around every fork.
 // In a child all are free and the guarded data is consistent. A thread that holds one must not

@@ -5,8 +5,8 @@
 #include "host/common/ascii.h"
 #include "host/common/encoding.h"
 #include "host/xml/document_tree.h"
+#include "host/xml/passed_documents.h"
 #include "host/xml/readable.h"
-#include "host/xml/well_formed.h"
 #include "platform/xml/advxmlparser.h"
 
 namespace AdvXMLParser {
@@ -52,8 +52,8 @@ char* foldLineEnds(char* text, char* end) {
 
 // Checks that the bytes are a well-formed document, and returns its tree.
 std::unique_ptr<DocumentTree> checkedTree(TreeText utf8, char* end, const WrittenIn* writtenIn) {
-  const host::Standalone standalone =
-      host::checkWellFormed(utf8.data(), static_cast<std::size_t>(end - utf8.data()), writtenIn);
+  const host::Standalone standalone = host::checkWellFormedOnce(
+      utf8.data(), static_cast<std::size_t>(end - utf8.data()), writtenIn);
   end = foldLineEnds(utf8.data(), end);
   const auto size = static_cast<std::size_t>(end - utf8.data());
   return std::make_unique<DocumentTree>(std::move(utf8), size, standalone);

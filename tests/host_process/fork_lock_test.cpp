@@ -17,7 +17,7 @@ using test::inChild;
 const ForkMutex* const c_all[] = {&host::c_settingsMutex,    &host::c_lockFilesMutex,
                                   &host::c_passwordKeyMutex, &host::c_serverKeyMutex,
                                   &host::c_libcryptoMutex,   &host::c_logMutex,
-                                  &host::c_errorTextMutex};
+                                  &host::c_errorTextMutex,   &host::c_passedDocumentsMutex};
 static_assert(sizeof c_all / sizeof *c_all == host::c_forkMutexCount);
 
 TEST(ForkLock, IsFreeInTheChildWhateverOtherThreadsHold) {

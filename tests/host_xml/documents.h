@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "host/crypto/cipher.h"
 #include "platform/xml/advxmlparser.h"
 #include "tests/support/test_agent.h"
 
@@ -21,6 +22,13 @@ inline DocumentPtr parse(const std::string& utf8) { return parse(wide(utf8)); }
 // As parse, but without a conversion of the text, which takes most of the time for a long document.
 inline DocumentPtr parseUtf8(const std::string& utf8) {
   return DocumentPtr(AdvXMLParser::Parser().ParseUtf8(utf8.data(), utf8.size()));
+}
+
+// Parses until the process remembers documents. Returns false if it does not.
+inline bool startRemembering() {
+  const std::string text = "<r>" + std::string(500000, 'x') + "</r>";
+  for (int i = 0; i < 2; ++i) parseUtf8(text);
+  return host::isCipherFetched();
 }
 
 const std::string c_declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";

@@ -13,6 +13,19 @@ TEST_P(IllFormed, IsRefused) {
   EXPECT_THROW(test::parse(std::string(GetParam())), ParsingException);
 }
 
+TEST_P(IllFormed, IsRefusedAlikeEveryTime) {
+  ASSERT_TRUE(test::startRemembering());
+  std::vector<std::string> refusals;
+  for (int i = 0; i < 3; ++i) {
+    try {
+      test::parseUtf8(GetParam());
+    } catch (const ParsingException& e) {
+      refusals.push_back(e.what());
+    }
+  }
+  EXPECT_EQ(refusals, std::vector<std::string>(3, refusals.at(0)));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Elements, IllFormed,
     testing::Values("<", "<a", "<a ", "<a/", "<a>", "<a><b>", "<a></b>", "<a></A>",

@@ -99,6 +99,13 @@ TEST_P(WellFormed, IsReadAndWrittenAgain) {
   EXPECT_EQ(test::written(*document), c.written ? c.written : c.xml);
 }
 
+TEST_P(WellFormed, IsReadAlikeEveryTime) {
+  ASSERT_TRUE(test::startRemembering());
+  const test::DocumentPtr first = test::parseUtf8(GetParam().xml);
+  const test::DocumentPtr second = test::parseUtf8(GetParam().xml);
+  EXPECT_EQ(second->GenerateXML(false), first->GenerateXML(false));
+}
+
 // What was written is read as the same document.
 TEST_P(WellFormed, IsWrittenInAStableForm) {
   const test::DocumentPtr document = test::parse(std::string(GetParam().xml));

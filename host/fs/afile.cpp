@@ -8,6 +8,7 @@
 #include "host/fs/file_system.h"
 #include "host/fs/files.h"
 #include "host/fs/path_walk.h"
+#include "host/fs/secret_files.h"
 #include "host/process/failure_text.h"
 #include "host/process/secret.h"
 #include "platform/common/log.h"
@@ -78,6 +79,17 @@ bool AFile::write(const AString& path, const ABuffer& data) {
   const ACharString name(path);
   return changed("Cannot write", name.str(),
                  host::replaceSecretFile(name.str(), data.data(), data.size()));
+}
+
+bool AFile::writeTogether(const std::vector<NewContent>& files) {
+  std::vector<host::SecretFile> secrets;
+  secrets.reserve(files.size());
+  for (const NewContent& file : files) {
+    secrets.push_back({ACharString(file.path).str(), file.data->data(), file.data->size()});
+  }
+  std::string failed;
+  const int error = host::replaceSecretFiles(secrets, failed);
+  return changed("Cannot write", failed, error);
 }
 
 bool AFiler::deleteFile(const AString& path) {

@@ -1,3 +1,5 @@
+#include "host/fs/read_file.h"
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -30,20 +32,16 @@ int checkRegular(int fd, std::size_t limit, std::size_t& size) {
 
 }  // namespace
 
-int readRegularFile(const std::string& path, std::size_t limit, std::string& bytes) {
-  // Without O_NONBLOCK, opening a pipe would wait for its writer.
-  const Descriptor file(fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0));
-  if (file.error() == ENXIO || file.error() == EOPNOTSUPP) return EINVAL;  // a socket
-  if (file.error()) return file.error();
+int readOpenFile(int fd, std::size_t limit, std::string& bytes) {
   std::size_t size = 0;
-  if (const int error = checkRegular(file.get(), limit, size)) return error;
+  if (const int error = checkRegular(fd, limit, size)) return error;
 
   // One byte more than the size, so that the end is found without growing.
   SecretText buffer(size + 1);
   std::size_t done = 0;
   for (;;) {
     if (done == buffer->size()) grow(buffer, 2 * done);
-    const ssize_t n = fileSystem().read(file.get(), buffer->data() + done, buffer->size() - done);
+    const ssize_t n = fileSystem().read(fd, buffer->data() + done, buffer->size() - done);
     if (n < 0) return static_cast<int>(-n);
     if (n == 0) break;
     done += static_cast<std::size_t>(n);
@@ -53,6 +51,13 @@ int readRegularFile(const std::string& path, std::size_t limit, std::string& byt
   buffer->resize(done);
   bytes.swap(*buffer);
   return 0;
+}
+
+int readRegularFile(const std::string& path, std::size_t limit, std::string& bytes) {
+  // Without O_NONBLOCK, opening a pipe would wait for its writer.
+  const Descriptor file(fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0));
+  if (file.error() == ENXIO || file.error() == EOPNOTSUPP) return EINVAL;  // a socket
+  return file.error() ? file.error() : readOpenFile(file.get(), limit, bytes);
 }
 
 }  // namespace host

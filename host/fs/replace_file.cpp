@@ -1,20 +1,16 @@
-#include <sys/stat.h>
+#include "host/fs/replace_file.h"
 
 #include <cerrno>
+#include <string>
 
 #include "host/fs/files.h"
 #include "host/fs/owner.h"
-#include "host/fs/path_walk.h"
-#include "host/fs/temp_file.h"
 
 namespace host {
 namespace {
 
-constexpr mode_t c_modeOfSecret = S_IRUSR | S_IWUSR;
 // Set-user-ID and set-group-ID bits are never kept.
 constexpr mode_t c_permissions = S_IRWXU | S_IRWXG | S_IRWXO;
-
-enum class OldMode { Kept, Dropped };
 
 // Sets the owner and mode of the new file before it gets its name.
 int prepare(const PathWalk& place, int fd, mode_t mode, OldMode oldMode) {
@@ -40,18 +36,26 @@ int replace(const std::string& path, const void* data, std::size_t size, mode_t 
   PathWalk place;
   if (const int error = place.find(path)) return place.reported("Cannot write", path, error);
   TempFile temp(place.directory());
+  const int error = placeFile(place, temp, data, size, mode, oldMode);
+  return error ? error : finishDirectory(place.directory());
+}
+
+}  // namespace
+
+int placeFile(const PathWalk& place, TempFile& temp, const void* data, std::size_t size,
+              mode_t mode, OldMode oldMode) {
   int error = temp.create();
   if (error == 0) error = prepare(place, temp.fd(), mode, oldMode);
   if (error == 0) error = temp.writeAll(data, size);
   if (error == 0) error = -fileSystem().sync(temp.fd());
-  if (error == 0) error = temp.renameTo(place.name());
-  if (error) return error;
-  error = -fileSystem().sync(place.directory());
-  removeLeftOverTempFiles(place.directory());
-  return error;
+  return error ? error : temp.renameTo(place.name());
 }
 
-}  // namespace
+int finishDirectory(int directory) {
+  const int error = -fileSystem().sync(directory);
+  removeLeftOverTempFiles(directory);
+  return error;
+}
 
 int replaceFile(const std::string& path, const void* data, std::size_t size, mode_t modeOfNew) {
   return replace(path, data, size, modeOfNew, OldMode::Kept);

@@ -2,6 +2,7 @@
 #define PLATFORM_COMMON_AFILE_H
 
 #include <string>
+#include <vector>
 
 #include "platform/common/abuffer.h"
 #include "platform/common/astring.h"
@@ -47,6 +48,20 @@ class PLATFORM_API AFile {
   // A symbolic link anywhere in the path is followed only if it belongs to the effective user or to
   // root. Any other link makes the call fail, with an error line that names it.
   static bool write(const AString& path, const ABuffer& data);
+
+  // A file for writeTogether.
+  struct NewContent {
+    AString path;         // where the file is created or replaced
+    const ABuffer* data;  // its bytes; not null, and unchanged during the call
+  };
+
+  // Writes files that belong together, in this order. Each gets the guarantees of write. If the
+  // result is true, all of them survive a power cut. Before that, a power cut may leave any of them
+  // new and the others old. A file that write would not change is not written again.
+  //
+  // The first failure ends the call. The files before it are replaced, and those after it are
+  // unchanged.
+  static bool writeTogether(const std::vector<NewContent>& files);
 };
 
 // Operations on whole files and directories.

@@ -534,9 +534,10 @@ class SITEHLP_API CSitesHelper {
   bool writeKeyFile(const ABuffer& data, const AString& name, const AString& subDir,
                     const AString& dir);
 
-  // Writes the key files whose flags are set. If only public keys were written, deletes the request
-  // key "reqseckey.bin", but not "req2048seckey.bin". Files that were written before a failure
-  // remain.
+  // Writes the key files whose flags are set. A file that is already as a write would leave it is
+  // not written again. If the result is true, all of them are on the disk. If only public keys were
+  // given, deletes the request key "reqseckey.bin", but not "req2048seckey.bin". Files that were
+  // written before a failure remain.
   bool writeKeyFiles(bool hasSrPub, bool hasReqSec, const ABuffer& srPub, const ABuffer& reqSec,
                      bool hasSr2048Pub, bool hasReq2048Sec, const ABuffer& sr2048Pub,
                      const ABuffer& req2048Sec, const AString& dir);

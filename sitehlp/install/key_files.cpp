@@ -1,3 +1,5 @@
+#include <vector>
+
 #include "platform/common/afile.h"
 #include "platform/common/log.h"
 #include "sitehlp/common/component.h"
@@ -71,11 +73,15 @@ bool CSitesHelper::writeKeyFiles(bool hasSrPub, bool hasReqSec, const ABuffer& s
                                  const ABuffer& reqSec, bool hasSr2048Pub, bool hasReq2048Sec,
                                  const ABuffer& sr2048Pub, const ABuffer& req2048Sec,
                                  const AString& dir) {
-  const AString noSubDir;
-  if (hasSrPub && !writeKeyFile(srPub, c_srPubKey, noSubDir, dir)) return false;
-  if (hasSr2048Pub && !writeKeyFile(sr2048Pub, c_sr2048PubKey, noSubDir, dir)) return false;
-  if (hasReqSec && !writeKeyFile(reqSec, c_reqSecKey, noSubDir, dir)) return false;
-  if (hasReq2048Sec && !writeKeyFile(req2048Sec, c_req2048SecKey, noSubDir, dir)) return false;
+  std::vector<AFile::NewContent> files;
+  const auto add = [&files, &dir](const wchar_t* name, const ABuffer& data) {
+    files.push_back({APath(dir, name).str(), &data});
+  };
+  if (hasSrPub) add(c_srPubKey, srPub);
+  if (hasSr2048Pub) add(c_sr2048PubKey, sr2048Pub);
+  if (hasReqSec) add(c_reqSecKey, reqSec);
+  if (hasReq2048Sec) add(c_req2048SecKey, req2048Sec);
+  if (!AFile::writeTogether(files)) return false;
   // An old request key would not belong to the new public key.
   const bool onlyPublic = (hasSrPub || hasSr2048Pub) && !hasReqSec && !hasReq2048Sec;
   return !onlyPublic || AFiler::deleteFile(APath(dir, c_reqSecKey).str());

@@ -5,6 +5,7 @@
 #include "tests/edit/lock_watch.h"
 #include "tests/import/key_file_system.h"
 #include "tests/support/forwarding_file_system.h"
+#include "tests/support/synced_paths.h"
 
 using namespace sitehlp;
 using namespace test;
@@ -109,6 +110,22 @@ TEST_F(Modify, WithoutAFlagTheListIsRewrittenAndTheKeysAreCopied) {
   EXPECT_THAT(files.changes, ElementsAre("srpubkey.bin", "sr2048pubkey.bin", "reqseckey.bin",
                                          "req2048seckey.bin", "SiteList.xml"));
   EXPECT_EQ(readFile(agent.etc("req2048seckey.bin")), "req2048seckey.bin");
+}
+
+TEST_F(Modify, TheKeyFilesShareOneSyncOfTheirDirectory) {
+  std::string sites = server("s", c_versioned);
+  for (int i = 1; i < 12; ++i) sites += httpElement("site" + std::to_string(i));
+  target(document(httpElement("a")));
+  source(document(sites));
+  for (const char* key : {"srpubkey.bin", "reqseckey.bin"}) writeFile(incoming.file(key), key);
+  for (const char* keys : {"new", "the same"}) {
+    const RecordingFileSystem files;
+    EXPECT_TRUE(modify(true, true));
+    EXPECT_THAT(
+        syncedPaths(files, agent.dataDirectory()),
+        ElementsAre("etc/srpubkey.bin", "etc/reqseckey.bin", "etc", "etc/SiteList.xml", "etc"))
+        << keys;
+  }
 }
 
 TEST_F(Modify, WhatTheRecordsDoNotModelSurvives) {

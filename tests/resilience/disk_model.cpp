@@ -79,7 +79,7 @@ void DiskModel::sync(const RecordedCall& call) {
   const std::string directory = withoutSlash(call.path);
   const auto reached = [&](const Effect& effect) {
     return isDirectory ? isIn(effect, directory)
-                       : effect.kind == Kind::Data && effect.file == call.file;
+                       : effect.kind == Kind::Data && effect.file == fileOf(call);
   };
   for (const Effect& effect : m_pending) {
     if (reached(effect)) m_durable.take(effect);
@@ -87,15 +87,24 @@ void DiskModel::sync(const RecordedCall& call) {
   m_pending.erase(std::remove_if(m_pending.begin(), m_pending.end(), reached), m_pending.end());
 }
 
+int DiskModel::fileOf(const RecordedCall& call) const {
+  const auto opened = m_opened.find(call.file);
+  return opened == m_opened.end() ? call.file : opened->second;
+}
+
 bool DiskModel::apply(const RecordedCall& call) {
   if (call.result < 0 || isLockFile(call.path)) return false;
   Effect effect{};
-  effect.file = call.file;
+  effect.file = fileOf(call);
   effect.path = withoutSlash(call.path);
   switch (call.call) {
     case FileCall::Open:
       if ((call.flags & O_DIRECTORY) != 0) m_openDirectories.insert(call.file);
-      if ((call.flags & O_CREAT) == 0 || m_live.entries.count(effect.path) != 0) return false;
+      if (const auto there = m_live.entries.find(effect.path); there != m_live.entries.end()) {
+        m_opened[call.file] = there->second;
+        return false;
+      }
+      if ((call.flags & O_CREAT) == 0) return false;
       effect.kind = Kind::Enter;
       break;
     case FileCall::Write:

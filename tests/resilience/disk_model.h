@@ -53,10 +53,13 @@ class DiskModel {
   static bool isIn(const Effect& effect, const std::string& directory);
   void add(Effect effect);
   void sync(const RecordedCall& call);
+  // Returns the number of the file that the descriptor of the call is for.
+  int fileOf(const RecordedCall& call) const;
 
   Disk m_durable;
   Disk m_live;  // as the running system sees the files
   std::vector<Effect> m_pending;
+  std::map<int, int> m_opened;  // the existing file that each open found
   std::map<int, std::size_t> m_written;
   std::set<int> m_openDirectories;
 };

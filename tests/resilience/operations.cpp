@@ -158,10 +158,14 @@ const std::vector<Operation>& writingOperations() {
   static const auto dropNew = [](const Workshop& w) {
     std::filesystem::remove_all(w.agent.dataDirectory() + "/fresh");
   };
+  static const auto installKeys = [](const Workshop& w) {
+    for (const char* key : c_keyFileNames) writeFile(w.agent.etc(key), w.incomingKey(key), 0600);
+  };
   static const auto dropKeys = [](const Workshop& w) { std::filesystem::remove_all(w.keystore()); };
   static const std::vector<Operation> all = {
       {"import", runImport, bringIn, own},
       {"import-new-directory", runImportIntoNewDirectory, bringIn, newOwn, dropNew},
+      {"import-same-keys", runImport, bringIn, own, installKeys},
       {"install", runInstall, bringIn, own},
       {"create", runCreate, {c_errorWrite}, own},
       {"create-from-buffer", runFromBuffer, {c_errorWrite}, scratchList},

@@ -102,8 +102,7 @@ class PowerCut {
         m_before.at(list) == m_after.at(list) || at(now, list) != at(m_after, list)) {
       return;
     }
-    for (const char* key :
-         {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin", "req2048seckey.bin"}) {
+    for (const char* key : c_keyFileNames) {
       const std::string path = m_workshop.agent.etc(key);
       if (at(now, path) != at(m_after, path)) {
         m_figures.faults.add(where, std::string("the list is new and not ") + key);

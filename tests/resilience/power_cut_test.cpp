@@ -70,6 +70,23 @@ TEST_F(TheModelOfTheDisk, LosesTheNameOfAFileWhoseDirectoryIsNotSynced) {
   files.close(directory);
 }
 
+TEST_F(TheModelOfTheDisk, KeepsTheBytesOfAFileThatIsSyncedThroughAnotherDescriptor) {
+  model();
+  test::RecordingFileSystem files;
+  const int directory = files.open(AT_FDCWD, dir.path(), O_RDONLY | O_DIRECTORY, 0);
+  const int writer = files.open(directory, "g", O_WRONLY | O_CREAT | O_EXCL, 0600);
+  files.write(writer, "new", 3);
+  files.close(writer);
+  files.sync(directory);
+  EXPECT_THAT(cut(files, false), ElementsAre(Pair(dir.file("f"), "old"), Pair(dir.file("g"), "")));
+  const int reader = files.open(directory, "g", O_RDONLY, 0);
+  files.sync(reader);
+  EXPECT_THAT(cut(files, false),
+              ElementsAre(Pair(dir.file("f"), "old"), Pair(dir.file("g"), "new")));
+  files.close(reader);
+  files.close(directory);
+}
+
 TEST_F(TheModelOfTheDisk, LosesWhatLiesInANewDirectoryThatItsParentDoesNotKeep) {
   model();
   test::RecordingFileSystem files;

@@ -21,9 +21,6 @@ const std::string c_canary = "Canary-7f3a9c-Geheim";
 namespace {
 
 constexpr const char* c_memoryDisk = "/dev/shm";
-constexpr const char* c_keys[] = {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin",
-                                  "req2048seckey.bin"};
-
 std::string sealedForAgent(const std::string& clear) {
   std::wstring sealed;
   if (sitehlp::CSitesHelper(true).EncryptPassword(wide(clear), sealed) == 0) {
@@ -171,9 +168,9 @@ Workshop::Workshop() : agent((useMemoryDisk(), false)) {
                    serverElement("oldserver", "5.0") + proxies(sealed, sealed),
                bundle("old"), versions("1"), policies("Policy", "old")),
       0640);
-  for (const char* key : c_keys) {
+  for (const char* key : c_keyFileNames) {
     add(agent.etc(key), std::string("old ") + key);
-    add(m_work.file("in/") + key, std::string("new ") + key);
+    add(m_work.file("in/") + key, incomingKey(key));
   }
   add(agent.dataDirectory() + "/etc\\agentfipsmode", "0");
   add(m_work.file("in\\agentfipsmode"), "1");

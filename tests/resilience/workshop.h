@@ -14,6 +14,9 @@ namespace test {
 // The clear password in every password field. No output may contain it.
 extern const std::string c_canary;
 
+constexpr const char* c_keyFileNames[] = {"srpubkey.bin", "reqseckey.bin", "sr2048pubkey.bin",
+                                          "req2048seckey.bin"};
+
 // Puts the temporary files of this process and its children into a memory file system, if the
 // system has one. Must be called before the first file is created. Returns true.
 bool useMemoryDisk();
@@ -42,6 +45,8 @@ class Workshop {
   std::string own() const { return agent.etc("SiteList.xml"); }
   std::string etcDirectory() const { return agent.dataDirectory() + "/etc"; }
   std::string incoming() const { return m_work.file("in/SiteList.xml"); }
+  // Returns the content of a key file next to incoming().
+  static std::string incomingKey(const std::string& name) { return "new " + name; }
   // A list without a management server. Its public key comes from keyDirectory().
   std::string plainIncoming() const { return m_work.file("plain/SiteList.xml"); }
   // A list of the agent in directories that do not exist yet.

@@ -37,8 +37,8 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
   return options.exitCode ? exitNegative : exitSuccess;
 }
 
-// Returns the names of the two lists. For a list of the history, also locks the agent's own list, so
-// that no command removes the list from the history.
+// Returns the names of the two lists. For a list of the history, also locks the agent's own list,
+// so that no command removes the list from the history.
 std::pair<std::string, std::string> namesOf(Context& context, const DiffOptions& options,
                                             std::optional<ListLock>& lock) {
   if (options.number.empty()) {

@@ -5,7 +5,7 @@ set -eu
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
 mkdir -p "$tree/scripts" "$tree/tests/performance" "$tree/bin"
-cp "$1" "$tree/scripts/check-counts"
+cp "$1" "$(dirname "$1")/count-instructions" "$tree/scripts"
 record=$tree/tests/performance/counts.txt
 failed=0
 

@@ -25,8 +25,9 @@ void addModifyRow(std::size_t sourceCount, const char* against, double bound, Re
 
 // The edit parses both documents, so the baseline must do the same.
 void addRowOfBothDocuments() {
-  addRow({"modifySiteList, 1000 sites by 1000", "the same, and expat + pugixml on the source", 0,
-          60, [] {
+  addRow({"modifySiteList, 1000 sites by 1000",
+          "expat, empty handlers + pugixml: parse both documents, print and write one", 1.6, 60,
+          [] {
             const std::string source = sitesFile(1000, 1);
             const Edit edit = modifyOf(sitesFile(1000), source);
             const Cost both = timedAfter([edit] { edit.restore(); },
@@ -53,7 +54,7 @@ void addEditRows() {
   constexpr const char* c_libxml2 = "libxml2: parse, print, atomic write";
   constexpr const char* c_unchecked = "pugixml: parse unchecked, print, atomic write";
   addModifyRow(12, c_checked, 1.5, rewriteChecked);
-  addModifyRow(1000, c_checked, 1.5, rewriteChecked);
+  addModifyRow(1000, c_checked, 0, rewriteChecked);
   addRowOfBothDocuments();
   addDeriveRow(c_checked, 1.5, rewriteChecked);
   addModifyRow(12, c_libxml2, 0, rewriteWithLibxml2);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "bench/check.h"
+#include "bench/fresh_documents.h"
 #include "bench/sample_agent.h"
 #include "sitehlp/sites_helper.h"
 
@@ -17,13 +18,18 @@ Edit modifyOf(const std::string& list, const std::string& source) {
   }
   const std::string directory = agentDirectory() + "/modified";
   std::filesystem::create_directories(directory);
+  const std::string from = inEtc("edit-source.xml");
   Edit edit;
   edit.target = directory + "/" + std::filesystem::path(list).filename().string();
   edit.bytes = readFile(list);
-  edit.restore = [target = edit.target, bytes = edit.bytes] { writeFile(target, bytes); };
+  edit.restore = [target = edit.target, bytes = edit.bytes, from,
+                  sourceBytes = readFile(source)]() mutable {
+    writeFresh(target, bytes);
+    writeFresh(from, sourceBytes);
+  };
   edit.restore();
   const auto helper = std::make_shared<CSitesHelper>(widePath(edit.target));
-  edit.perform = [helper, from = widePath(source)] {
+  edit.perform = [helper, from = widePath(from)] {
     check(helper->modifySiteList(from.c_str(), true, true, AString()), "cannot modify the list");
   };
   return edit;
@@ -36,8 +42,10 @@ Edit deriveOf(const std::string& list) {
   Edit edit;
   edit.target = directory + "/ServerSiteList.xml";
   edit.bytes = readFile(list);
-  writeFile(directory + "/SiteList.xml", edit.bytes);
-  edit.restore = [] {};
+  edit.restore = [path = directory + "/SiteList.xml", bytes = edit.bytes]() mutable {
+    writeFresh(path, bytes);
+  };
+  edit.restore();
   edit.perform = [from = widePath(directory)] {
     check(CSitesHelper::createServerSiteListFromSiteList(from.c_str(), nullptr),
           "cannot derive the list");

@@ -8,17 +8,18 @@
 
 namespace bench {
 
-// One edit of a document that can be repeated on the same bytes.
+// One edit of a document that can be repeated.
 struct Edit {
   std::string target;  // the file that the edit writes
   std::string bytes;   // the document before the edit
+  // Writes the documents that the edit reads, as this process has not read them before.
   std::function<void()> restore;
   std::function<void()> perform;
 
   Cost cost() const { return timedAfter(restore, perform); }
 };
 
-// modifySiteList of a copy of `list` with `source`. It replaces repositories, servers and
+// modifySiteList of a copy of `list` with a copy of `source`. It replaces repositories, servers and
 // certificates.
 Edit modifyOf(const std::string& list, const std::string& source);
 

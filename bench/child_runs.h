@@ -1,11 +1,13 @@
 #ifndef BENCH_CHILD_RUNS_H
 #define BENCH_CHILD_RUNS_H
 
+// Some rows start this program again, so that each measurement has its own process. Each function
+// runs the measurement for which its row started this program. It returns false if this program was
+// started for another reason.
 namespace bench {
 
-// Runs the measurement for which addMemoryRows started this program. Returns false if this program
-// was started for another reason.
-bool runAsChild(int argc, char** argv);
+bool runPeakAsChild(int argc, char** argv);
+bool runCountAsChild(int argc, char** argv);
 
 }  // namespace bench
 

@@ -11,23 +11,28 @@
 #include "bench/sample_agent.h"
 
 // Measures one or all rows of the table. Each row is a benchmark named "operation / baseline". Its
-// counter "ratio" is the median of all samples.
+// counter "ratio" is the median of all samples, and "low" and "high" are the quartiles.
 //   sitehlp-bench DIRECTORY [options of Google Benchmark]
 // DIRECTORY is the data directory of the measured agent. The program creates the agent's files that
 // are missing, and does not remove them.
 namespace bench {
 namespace {
 
-double median(std::vector<double>& values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+constexpr const char* c_separator = " / ";
+
+double quantile(std::vector<double>& values, double part) {
+  const auto place =
+      values.begin() + static_cast<std::ptrdiff_t>(static_cast<double>(values.size() - 1) * part);
+  std::nth_element(values.begin(), place, values.end());
+  return *place;
 }
 
 void measure(benchmark::State& state, const Row& row) {
   const Measurement measurement = row.prepare();
-  measurement.floor();
-  measurement.subject();
+  if (row.samples > 1) {
+    measurement.floor();
+    measurement.subject();
+  }
   std::vector<double> ratios;
   std::vector<double> subjects;
   std::vector<double> floors;
@@ -44,43 +49,35 @@ void measure(benchmark::State& state, const Row& row) {
     subjects.push_back(subject);
     floors.push_back(floor);
   }
-  state.counters["ratio"] = median(ratios);
+  state.counters["ratio"] = quantile(ratios, 0.5);
+  state.counters["low"] = quantile(ratios, 0.25);
+  state.counters["high"] = quantile(ratios, 0.75);
   state.counters["bound"] = row.bound;
-  state.counters["subject"] = median(subjects);
-  state.counters["floor"] = median(floors);
+  state.counters["subject"] = quantile(subjects, 0.5);
+  state.counters["floor"] = quantile(floors, 0.5);
   state.SetLabel(row.unit);
 }
 
-class TableReporter : public benchmark::BenchmarkReporter {
+// Prints the raw output. scripts/bench names its columns.
+class RawReporter : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override { return true; }
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      const double ratio = run.counters.at("ratio");
-      const double bound = run.counters.at("bound");
-      const char* const verdict = bound == 0 ? "for comparison" : ratio <= bound ? "met" : "MISSED";
-      std::string limit = "-";
-      if (bound != 0) {
-        char text[32];
-        std::snprintf(text, sizeof text, "%.2f", bound);
-        limit = text;
-      }
       const std::string name = run.run_name.function_name;
-      const std::size_t slash = name.find(" / ");
-      std::printf("| %s | %s | %.2f | %s | %s | %s | %s |\n", name.substr(0, slash).c_str(),
-                  name.substr(slash + 3).c_str(), ratio, limit.c_str(), verdict,
-                  shown(run.counters.at("subject"), run.report_label).c_str(),
-                  shown(run.counters.at("floor"), run.report_label).c_str());
+      const std::size_t slash = name.find(c_separator);
+      std::printf("%s\t%s", name.substr(0, slash).c_str(),
+                  name.substr(slash + std::string(c_separator).size()).c_str());
+      for (const char* const counter : {"ratio", "low", "high", "bound"}) {
+        std::printf("\t%.3f", run.counters.at(counter).value);
+      }
+      for (const char* const cost : {"subject", "floor"}) {
+        std::printf("\t%.0f", run.counters.at(cost).value);
+      }
+      std::printf("\t%s\t%lld\n", run.report_label.c_str(), static_cast<long long>(run.iterations));
     }
     std::fflush(stdout);
-  }
-
- private:
-  static std::string shown(double cost, const std::string& unit) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f ", cost < 10000 ? 3 : 0, cost / 1000);
-    return text + unit;
   }
 };
 
@@ -88,7 +85,7 @@ class TableReporter : public benchmark::BenchmarkReporter {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  if (bench::runAsChild(argc, argv)) return 0;
+  if (bench::runPeakAsChild(argc, argv) || bench::runCountAsChild(argc, argv)) return 0;
   if (argc < 2 || argv[1][0] == '-') {
     std::fprintf(stderr, "usage: sitehlp-bench DIRECTORY [--benchmark_...]\n");
     return 2;
@@ -101,18 +98,19 @@ int main(int argc, char** argv) {
   bench::addWriteRows();
   bench::addMergeRows();
   bench::addEditRows();
-  bench::addGrowthRows();
+  bench::addGrowthRows(argv[0]);
   bench::addMemoryRows(argv[0]);
   bench::addProcessRows(argv[0]);
   bench::addTraceRows();
   for (const bench::Row& row : bench::rows()) {
-    benchmark::RegisterBenchmark((row.name + " / " + row.against).c_str(), bench::measure, row)
+    benchmark::RegisterBenchmark((row.name + bench::c_separator + row.against).c_str(),
+                                 bench::measure, row)
         ->Iterations(row.samples)
         ->UseManualTime();
   }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  bench::TableReporter reporter;
+  bench::RawReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   return 0;
 }

@@ -32,7 +32,7 @@ void readList(const std::string& file) {
 
 }  // namespace
 
-bool runAsChild(int argc, char** argv) {
+bool runPeakAsChild(int argc, char** argv) {
   if (argc != 4) return false;
   const std::string what = argv[1];
   if (what != c_readList && what != c_fillRecords) return false;
@@ -50,7 +50,7 @@ void addMemoryRows(const char* program) {
           [program = std::string(program)] {
             return Measurement{peakOf(program, c_readList), peakOf(program, c_fillRecords)};
           },
-          "MB"});
+          "KiB"});
 }
 
 }  // namespace bench

@@ -9,7 +9,7 @@
 // process runs both alternately on the same bytes, so that a disturbance affects both.
 namespace bench {
 
-// Runs once and returns the cost: nanoseconds, or KiB for memory.
+// Runs once and returns the cost, in the unit of the row.
 using Cost = std::function<double()>;
 
 struct Measurement {
@@ -21,9 +21,9 @@ struct Row {
   std::string name;
   std::string against;
   double bound = 0;  // the largest accepted ratio; 0: for comparison only
-  int samples = 0;
+  int samples = 0;   // 1: the costs are exact, so the row is measured once, without a first run
   std::function<Measurement()> prepare;
-  const char* unit = "us";  // of a printed cost, which is a cost divided by 1,000
+  const char* unit = "ns";
 };
 
 void addRow(Row row);

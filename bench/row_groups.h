@@ -8,10 +8,10 @@ void addReadRows();
 void addWriteRows();
 void addMergeRows();
 void addEditRows();
-void addGrowthRows();
 void addTraceRows();
 // `program` is the path of this program. It runs itself, so that each measurement has its own
 // process.
+void addGrowthRows(const char* program);
 void addMemoryRows(const char* program);
 // The tool must be next to this program.
 void addProcessRows(const char* program);

@@ -95,6 +95,7 @@ int main(int argc, char** argv) {
   --argc;
 
   bench::addReadRows();
+  bench::addPeerRows();
   bench::addWriteRows();
   bench::addMergeRows();
   bench::addEditRows();

@@ -5,6 +5,7 @@
 namespace bench {
 
 void addReadRows();
+void addPeerRows();
 void addWriteRows();
 void addMergeRows();
 void addEditRows();

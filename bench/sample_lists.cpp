@@ -134,6 +134,19 @@ std::string writeList(const std::string& name, tag_Site* list) {
   return path;
 }
 
+// Removes the texts of all password elements.
+std::string withoutPasswords(const std::string& document) {
+  const std::string start = "Password Encrypted=\"1\">";
+  std::string kept;
+  std::size_t done = 0;
+  for (std::size_t at = document.find(start); at != std::string::npos;
+       at = document.find(start, done)) {
+    kept.append(document, done, at + start.size() - done);
+    done = document.find('<', at);
+  }
+  return kept.append(document, done, std::string::npos);
+}
+
 }  // namespace
 
 tag_Site* makeSites(std::size_t count, int variant, Passwords passwords) {
@@ -161,6 +174,14 @@ std::string serversFile(std::size_t count, int variant) {
       "servers-" + std::to_string(count) + "-" + std::to_string(variant) + ".xml";
   return std::filesystem::exists(inEtc(name)) ? inEtc(name)
                                               : writeList(name, makeServers(count, variant));
+}
+
+std::string sitesFileWithoutPasswords(std::size_t count) {
+  std::string path = inEtc("sites-" + std::to_string(count) + "-without-passwords.xml");
+  if (!std::filesystem::exists(path)) {
+    writeFile(path, withoutPasswords(readFile(sitesFile(count, 0, Passwords::None))));
+  }
+  return path;
 }
 
 }  // namespace bench

@@ -27,6 +27,9 @@ std::string sitesFile(std::size_t count, int variant = 0,
                       Passwords passwords = Passwords::Protected);
 std::string serversFile(std::size_t count, int variant);
 
+// Does the same as sitesFile, with empty password elements. Passwords::None encrypts empty texts.
+std::string sitesFileWithoutPasswords(std::size_t count);
+
 }  // namespace bench
 
 #endif

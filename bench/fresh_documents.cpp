@@ -36,24 +36,12 @@ void FreshDocuments::renew() {
   for (const DocumentPath& path : m_paths) writeFresh(path.narrow, m_bytes);
 }
 
-namespace {
-
-Cost average(const SharedDocuments& documents, const UseDocument& use,
-             std::function<void()> before) {
-  const Cost all = timedAfter(std::move(before), [documents, use] {
-    for (const DocumentPath& path : documents->paths()) use(path);
-  });
-  return [documents, all] { return all() / static_cast<double>(documents->paths().size()); };
-}
-
-}  // namespace
-
 Cost firstUse(const SharedDocuments& documents, const UseDocument& use) {
-  return average(documents, use, [documents] { documents->renew(); });
-}
-
-Cost nextUse(const SharedDocuments& documents, const UseDocument& use) {
-  return average(documents, use, [] {});
+  const Cost all = timedAfter([documents] { documents->renew(); },
+                              [documents, use] {
+                                for (const DocumentPath& path : documents->paths()) use(path);
+                              });
+  return [documents, all] { return all() / static_cast<double>(documents->paths().size()); };
 }
 
 }  // namespace bench

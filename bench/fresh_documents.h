@@ -42,8 +42,6 @@ using SharedDocuments = std::shared_ptr<FreshDocuments>;
 // Returns the cost of one use of a document, as the average of all `documents`. They are renewed
 // first, outside the measured time.
 Cost firstUse(const SharedDocuments& documents, const UseDocument& use);
-// Does the same without the renewal.
-Cost nextUse(const SharedDocuments& documents, const UseDocument& use);
 
 }  // namespace bench
 

@@ -73,7 +73,7 @@ class RawReporter : public benchmark::BenchmarkReporter {
         std::printf("\t%.3f", run.counters.at(counter).value);
       }
       for (const char* const cost : {"subject", "floor"}) {
-        std::printf("\t%.0f", run.counters.at(cost).value);
+        std::printf("\t%.1f", run.counters.at(cost).value);
       }
       std::printf("\t%s\t%lld\n", run.report_label.c_str(), static_cast<long long>(run.iterations));
     }

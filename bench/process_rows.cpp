@@ -51,7 +51,7 @@ void addJsonRow(const std::string& program, std::size_t count, int samples) {
   addRow({"sitelist show --json, " + std::to_string(count) + " sites, whole process",
           "Python ElementTree printing the same JSON", 0.5, samples, [program, count] {
             const Words tool = toolWords(program, {"show", "--json"});
-            const Words script = {"python3", BENCH_SOURCE_DIR "/show_json.py", ownList(count)};
+            const Words script = {BENCH_PYTHON, BENCH_SOURCE_DIR "/show_json.py", ownList(count)};
             check(outputOf(tool) == outputOf(script), "tool and script print different JSON");
             return Measurement{running(tool), running(script)};
           }});

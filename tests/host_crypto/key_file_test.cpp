@@ -352,7 +352,16 @@ TEST(CryptShim, HasNoObjectForAnotherType) {
 }
 
 TEST(CryptShim, TakesBackNothing) {
+  const test::TestAgent agent;
+  const auto before = test::snapshot(agent.dataDirectory());
   test::CryptShim::instance()->destroy_encryption_object(nullptr);
+  EXPECT_EQ(agent.log(), std::vector<test::LogLine>());
+  EXPECT_EQ(test::snapshot(agent.dataDirectory()), before);
+  // The next object must not be the null object.
+  const EncryptionObject object(ENCRYPTION_TYPE_PASSWORD);
+  ASSERT_TRUE(object);
+  std::wstring text;
+  EXPECT_TRUE(object->encrypt_string(L"secret", text));
 }
 
 TEST(CryptShim, IsOneForTheWholeProcess) {

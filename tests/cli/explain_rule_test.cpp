@@ -128,10 +128,13 @@ TEST_F(CliExplainRule, TellsAllOfOneRule) {
   EXPECT_EQ(one["name"], "flag-value");
   EXPECT_EQ(one["severity"], "warning");
   EXPECT_EQ(one["mend"], "Write 1 or 0.");
+  int count = 0;
   for (const json& rule : rules()) {
     if (rule["name"] != "flag-value") continue;
+    ++count;
     for (const auto& [name, text] : rule.items()) EXPECT_EQ(one[name], text) << name;
   }
+  EXPECT_EQ(count, 1);
 }
 
 TEST_F(CliExplainRule, ListsAllRulesOnALineEach) {

@@ -146,11 +146,14 @@ TEST_F(CliJson, GivesSeveralTextsAsAnArray) {
                             proxy.find("<ExclusionHost>"),
                             proxy.find("</ExclusionList>") - proxy.find("<ExclusionHost>"))));
   const json difference = ask({"diff", none, path});
+  int count = 0;
   for (const json& change : difference["changes"]) {
     if (change["field"] != "exclusionList") continue;
+    ++count;
     EXPECT_EQ(change["before"], json::array());
     EXPECT_EQ(change["after"], hosts);
   }
+  EXPECT_EQ(count, 1) << difference;
   EXPECT_EQ(sitelist({"get", "exclusionList", path, "--site", "p"}).out, "a;*.b\n");
   EXPECT_THAT(sitelist({"show", path, "--columns", "exclusionList", "--format", "csv"}).out,
               testing::HasSubstr("\na;*.b\n"));

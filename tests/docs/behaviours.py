@@ -109,6 +109,8 @@ def read_marks(root):
             elif shown:
                 faults.append(f"{file}:{number}: a mark without a test after it")
                 shown = []
+        if shown:
+            faults.append(f"{file}: a mark after the last test")
 
 
 def listed_tests(program):

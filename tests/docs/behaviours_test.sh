@@ -119,6 +119,8 @@ change bin/test_one 's/  Reads/  Writes/'
 refused 'test_one has no test Reader.Reads'
 change $tests 's/^TEST_P/void TEST_P/'
 refused "$tests:6: a mark without a test after it"
+change $tests '$s/.*/\/\/ Shows: first/'
+refused "$tests: a mark after the last test"
 rm "$tree/bin/test_one"
 refused 'bin/test_one does not exist'
 # Statements without an anchor, or with the anchor of another one.

@@ -44,7 +44,9 @@ sed -n '/^homebrew="$/,/^"$/p' "$root/scripts/install-deps" | grep -v '"' | tr -
   sort >"$1.install-deps"
 [ "$(wc -l <"$1.install-deps")" -gt 8 ] || fail "scripts/install-deps has only $(cat "$1.install-deps")"
 diff "$1.install-deps" "$1.formula" || fail "> is what the formula depends on"
-for option in $(grep -o 'DSITEHLP_[A-Z_]*' "$formula" | sed 's/^D//'); do
+options=$(grep -o 'DSITEHLP_[A-Z_]*' "$formula" | sed 's/^D//')
+[ -n "$options" ] || fail "no option of the formula was found"
+for option in $options; do
   grep -q "^option($option " "$root/CMakeLists.txt" || fail "there is no option $option"
 done
 version=$(sed -n 's/^  VERSION \(.*\)/\1/p' "$root/CMakeLists.txt")

@@ -55,8 +55,8 @@ case $1 in
     shows vendor__hosts_8h.html 'Host of the default vendor HTTP repository'
     # Every public header has its page, and no page points to one that is not there.
     for header in $(cat "$root/cmake/installed-headers.txt") $(cd "$root" && find platform -name '*.h'); do
-      grep -lF "$header File Reference" html/*_8h.html >/dev/null ||
-        grep -qF "$(basename "$header") File Reference" html/*_8h.html || fail "no page for $header"
+      # The title has the whole path. Two headers may have the same base name.
+      grep -qF "<title>sitehlp: $header File Reference</title>" html/*_8h.html || fail "no page for $header"
     done
     cd html
     for page in $(grep -oh 'href="[^"#:]*["#]' -- *.html | sed 's/^href="//; s/["#]$//' | sort -u); do

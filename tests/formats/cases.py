@@ -16,7 +16,7 @@ class Case:
     stdin: str = ""
     secrets: tuple = ()  # clear passwords that must be printed; no other may be
     masks: tuple = ()  # (pattern, replacement) for text that differs in every run
-    writes: bool = False  # changes files, so every run gets its own copy of the world
+    writes: bool = False  # changes files or directories, so every run gets its own copy of the world
     forms: tuple = FORMS
 
     @property
@@ -327,7 +327,7 @@ EDIT = [
     Case("undo-dry", own("undo", "--dry-run", "1"), table=tables.changes),
     Case("undo-hostile", own("undo"), writes=True),
     Case("undo-no-number", own("undo", NASTY), 7),
-    Case("undo-empty", agent("serverless", "undo"), 7),
+    Case("undo-empty", agent("serverless", "undo"), 7, writes=True),  # makes the directory etc/history
     Case("diff-history", own("diff", "--history", "1"), table=tables.changes),
     Case("import-older", own("import", "lists/older.xml"), 6),
     Case("edit-no-subcommand", edit(), 2),

@@ -120,7 +120,7 @@ def run_groups(arguments, chosen):
             list(pool.map(run.case, chosen))
         changed = sorted(name for name, _ in before.items() ^ world.snapshot().items())
         if changed:
-            run.problems.append(f"these files were changed, made or left: {changed}")
+            run.problems.append(f"these files or directories were changed, made or left: {changed}")
         return run.problems
     finally:
         world.remove()

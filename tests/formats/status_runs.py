@@ -17,7 +17,7 @@ class Way:
     says: str
     agent: str = "agent"
     stdin: str = ""
-    writes: bool = False  # changes files, so it gets its own copy of the world
+    writes: bool = False  # changes files or directories, so it gets its own copy of the world
     prepare: object = None  # changes the copy of the world before the run
     interposer: object = None  # gives the variables for tests/cli/interposer.cpp, which is then loaded
     closes: bool = False  # nothing can be written to standard output
@@ -243,7 +243,8 @@ DOCUMENT = [
     *on_file(3, "lists/broken.xml", "line 3", READS_FILE + TAKES_FILE),
     *on_file(3, "lists/other-root.xml", "not a site list", READS_FILE + TAKES_FILE),
     *on_file(3, "lists/no-markup.xml", "no markup", READS_FILE),
-    *same(3, "not a site list", READS_OWN + CHANGES_OWN + USES_OWN, agent="strange"),
+    *same(3, "not a site list", READS_OWN + USES_OWN, agent="strange"),
+    *same(3, "not a site list", CHANGES_OWN, agent="strange", writes=True),  # make the directory etc/history
     Way(3, "merge --second lists/direct.xml --output new.xml", "not a site list", agent="strange"),
     Way(3, "diff --history 1", "not a site list", prepare=strange_list),
     *same(3, "not valid TOML", READS_OWN + CHANGES_OWN + REPLACES_OWN + USES_OWN + USES_KEY + HISTORY + WITHOUT_LOCK,
@@ -354,6 +355,6 @@ NOT_FOUND = [
     Way(7, "explain-rule none", "unknown rule"),
     *same(7, "there is no site", ON_SITE.replace("SITE", "none")),
     Way(7, "undo 9", "no list with the number"),
-    Way(7, "undo", "the history is empty", agent="serverless"),
+    Way(7, "undo", "the history is empty", agent="serverless", writes=True),  # makes the directory etc/history
 ]
 WAYS = [*SUCCESS, *NEGATIVE, *USAGE, *DOCUMENT, *FILE, *CRYPTO, *CONFLICT, *NOT_FOUND]

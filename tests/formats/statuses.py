@@ -64,4 +64,4 @@ def problems(world, interposer):
     changed = sorted(name for name, _ in before.items() ^ world.snapshot().items())
     table = read_table()
     return [*unnoticed(table), *table_problems(table, WAYS), *(problem for result in results for problem in result),
-            *([f"these files were changed, made or left: {changed}"] if changed else [])]
+            *([f"these files or directories were changed, made or left: {changed}"] if changed else [])]

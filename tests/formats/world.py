@@ -117,8 +117,9 @@ class World:
         return copy
 
     def snapshot(self):
-        files = (path for path in self.dir.rglob("*") if path.is_file())
-        return {str(path.relative_to(self.dir)): path.read_bytes() for path in files}
+        """The content of each file, and None for each directory."""
+        return {str(path.relative_to(self.dir)): path.read_bytes() if path.is_file() else None
+                for path in self.dir.rglob("*")}
 
     @staticmethod
     def files(directory):

@@ -103,6 +103,12 @@ void FreedBlocks::begin(std::size_t least, std::size_t most) const {
 
 FreedBlocks::~FreedBlocks() { g_needles = nullptr; }
 
+#ifdef WHOLE_PROCESS
+const bool FreedBlocks::c_works = true;
+#else
+const bool FreedBlocks::c_works = false;
+#endif
+
 unsigned long FreedBlocks::searched() const { return g_searched; }
 unsigned long FreedBlocks::found() const { return g_found; }
 

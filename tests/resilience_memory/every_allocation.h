@@ -27,6 +27,9 @@ long blocksInUse();
 // blocks that have a text and a size within the limits. New memory never has its old content.
 class FreedBlocks {
  public:
+  // False with a sanitizer or another C library than GNU's. No block is searched then.
+  static const bool c_works;
+
   // Searches for a wide text.
   FreedBlocks(const std::wstring& text, std::size_t least, std::size_t most);
   // Searches for any of these byte strings, in blocks of any size.
@@ -35,7 +38,9 @@ class FreedBlocks {
   FreedBlocks(const FreedBlocks&) = delete;
   FreedBlocks& operator=(const FreedBlocks&) = delete;
 
+  // Returns the number of blocks with a size within the limits.
   unsigned long searched() const;
+  // Returns the number of searched blocks that have a text.
   unsigned long found() const;
 
  private:

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -132,6 +133,24 @@ TEST(EveryAllocation, MayFailWithoutACrashAMixedFileOrALeak) {
   EXPECT_GT(figures.thrown, 100u);
 }
 
+// Expects that the object has searched this number of records or more, and that it finds the text
+// at the end of a released record of this size.
+void expectSearch(const FreedBlocks& freed, unsigned long records, const std::wstring& text,
+                  std::size_t size) {
+  if (!FreedBlocks::c_works) {
+    std::printf("Freed records are not searched in this build\n");
+    return;
+  }
+  EXPECT_GE(freed.searched(), records);
+  const unsigned long before = freed.found();
+  const std::size_t length = text.size() * sizeof(wchar_t);
+  void* const record = std::calloc(1, size);
+  ASSERT_NE(record, nullptr);
+  std::memcpy(static_cast<char*>(record) + size - length, text.data(), length);
+  std::free(record);
+  EXPECT_EQ(freed.found(), before + 1) << size << " bytes";
+}
+
 TEST(AFreedRecord, HoldsNoPasswordWhateverAllocationFails) {
   Workshop workshop;
   workshop.agent.settings.logLevel = LogLevel::Off;
@@ -154,21 +173,45 @@ TEST(AFreedRecord, HoldsNoPasswordWhateverAllocationFails) {
     }
   }
   EXPECT_EQ(freed.found(), 0u);
+  expectSearch(freed, 1000, canary, sizeof(sitehlp::tag_Site));
+}
+
+// Returns whether a record has the text.
+bool holds(const void* record, std::size_t size, const std::wstring& text) {
+  const auto* const bytes = static_cast<const char*>(record);
+  const auto* const wanted = reinterpret_cast<const char*>(text.data());
+  const std::size_t length = text.size() * sizeof(wchar_t);
+  return std::search(bytes, bytes + size, wanted, wanted + length) != bytes + size;
+}
+
+// Returns the document with a path after each password. The path is too long for its field, so
+// reading it allocates memory while the record has the password.
+std::string withLongPaths(std::string document) {
+  const std::string end = "</Password>";
+  const std::string path = "<RelativePath>" + std::string(5000, 'p') + "</RelativePath>";
+  std::size_t at = 0;
+  while ((at = document.find(end, at)) != std::string::npos) {
+    at += end.size();
+    document.insert(at, path);
+  }
+  return document;
 }
 
 // A single site element, whose record is the caller's.
 TEST(AFreedRecord, OfOneElementHoldsNoPassword) {
   Workshop workshop;
-  const std::string text = readFile(workshop.own());
-  const std::wstring wideText = wide(text);
+  const std::wstring wideText = wide(withLongPaths(readFile(workshop.own())));
   const std::unique_ptr<AdvXMLParser::Document> document(
       AdvXMLParser::Parser().Parse(wideText.data(), wideText.size()));
   const std::wstring canary = wide(c_canary);
   for (const wchar_t* kind : {L"HttpSite", L"FTPSite", L"UNCSite", L"LocalSite"}) {
+    int withPassword = 0;
     for (AdvXMLParser::Element element : document->GetRoot().GetElement(L"SiteList").Elements()) {
       if (!element.HasName(kind)) continue;
+      const std::size_t size = sitehlp::recordSize(sitehlp::classify(element));
       const FreedBlocks freed(canary, sizeof(sitehlp::tag_LocalSite), sizeof(sitehlp::tag_Site));
       bool failed = true;
+      bool hasPassword = false;
       for (unsigned long n = 0; failed; ++n) {
         const FailingAllocations failing(n, false);
         void* record = nullptr;
@@ -178,11 +221,16 @@ TEST(AFreedRecord, OfOneElementHoldsNoPassword) {
           EXPECT_EQ(record, nullptr);
         }
         failed = failing.failed() != 0;
-        if (record) std::memset(record, 0, sitehlp::recordSize(sitehlp::classify(element)));
+        hasPassword = record && holds(record, size, canary);
+        if (record) std::memset(record, 0, size);
         std::free(record);
       }
       EXPECT_EQ(freed.found(), 0u) << narrow(kind);
+      // This test releases the last record, so the operation has released at least one.
+      if (hasPassword) expectSearch(freed, 2, canary, size);
+      withPassword += hasPassword;
     }
+    EXPECT_GT(withPassword, 0) << narrow(kind);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "host/crypto/sealed_value.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/child_process.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/test_agent.h"
 
 // Processes that end while their threads use the crypto service.
@@ -73,11 +74,8 @@ int crashes(int processes) {
 }
 
 TEST(ProcessEnd, IsOrderlyWhileThreadsUseTheCryptoService) {
-#if defined(__SANITIZE_THREAD__)
-  constexpr int c_times = 20;  // a process takes fifty times as long to start
-#else
-  constexpr int c_times = 200;
-#endif
+  // With ThreadSanitizer a process takes fifty times as long to start.
+  constexpr int c_times = TESTS_THREAD_SANITIZED ? 20 : 200;
   EXPECT_EQ(crashes(c_times), 0);
 }
 

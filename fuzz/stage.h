@@ -20,7 +20,7 @@ constexpr const char* c_directory = "/agent";
 
 class Stage {
  public:
-  // Clears the file system of this process, so that it has only the agent's keys.
+  // Clears the file system of this process, so that it has only the agent's keys and lock files.
   static test::MemoryFileSystem& clear();
 };
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace test {
 namespace {
@@ -41,8 +42,12 @@ void MemoryFileSystem::put(const std::string& path, const std::string& bytes, mo
   m_files[withoutDoubleSlashes(path)] = file;
 }
 
-void MemoryFileSystem::clear() {
-  m_files.clear();
+void MemoryFileSystem::clear(const std::string& kept) {
+  const std::string start = kept + "/";
+  for (auto file = m_files.begin(); file != m_files.end();) {
+    const bool isKept = file->first.compare(0, start.size(), start) == 0;
+    file = isKept ? std::next(file) : m_files.erase(file);
+  }
   m_directories.clear();
 }
 

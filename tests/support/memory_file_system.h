@@ -22,7 +22,8 @@ class MemoryFileSystem : public host::FileSystem {
   void put(const std::string& path, const std::string& bytes, mode_t mode = 0600);
   // Returns the content of a file, or null if it does not exist.
   const std::string* find(const std::string& path) const;
-  void clear();
+  // Removes all directories and files, except the files in this directory and below it.
+  void clear(const std::string& kept);
   std::size_t openDescriptors() const { return m_open.size(); }
   // Returns the paths of all files.
   std::vector<std::string> paths() const;

@@ -1,5 +1,6 @@
 #include "host/xml/readable.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "host/xml/limits.h"
@@ -30,6 +31,21 @@ class Counts : public pugi::xml_tree_walker {
   }
 };
 
+// Returns whether no token is over its limit, from the distances between the characters "<".
+// Returns false if this does not tell: a comment, a CDATA section or an instruction may contain
+// "<".
+bool hasOnlyShortTokens(const std::string& text) {
+  if (text.size() <= c_maxTokenBytes) return true;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t next = std::min(text.find('<', at + 1), text.size());
+    const bool isDeclaration = at == 0;
+    const char kind = text[at + 1];
+    if (next - at > c_maxTokenBytes || kind == '!' || (kind == '?' && !isDeclaration)) return false;
+    at = next;
+  }
+  return true;
+}
+
 }  // namespace
 
 void requireDocumentSize(std::size_t size) {
@@ -40,9 +56,9 @@ void requireDocumentSize(std::size_t size) {
 
 void requireReadable(pugi::xml_node root, const std::string& text) {
   requireDocumentSize(text.size());
-  // No token is longer than the whole text. Counting takes much less time than parsing again.
+  // Counting takes much less time than parsing again.
   Counts counts;
-  if (text.size() <= c_maxTokenBytes && Counts::check(root) && root.traverse(counts)) return;
+  if (hasOnlyShortTokens(text) && Counts::check(root) && root.traverse(counts)) return;
   checkWellFormed(text.data(), text.size());
 }
 

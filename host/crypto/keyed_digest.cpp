@@ -5,7 +5,6 @@
 #include <sys/random.h>
 #include <unistd.h>
 
-#include <climits>
 #include <memory>
 #include <new>
 #include <string>
@@ -55,7 +54,7 @@ bool digest(const std::array<unsigned char, 2>& head, const unsigned char* bytes
   return EVP_EncryptInit_ex2(g_context, nullptr, nullptr, c_nonce, nullptr) == 1 &&
          EVP_EncryptUpdate(g_context, nullptr, &done, head.data(), static_cast<int>(head.size())) ==
              1 &&
-         (size == 0 || EVP_EncryptUpdate(g_context, nullptr, &done, bytes, size) == 1) &&
+         EVP_EncryptUpdate(g_context, nullptr, &done, bytes, size) == 1 &&
          EVP_EncryptFinal_ex(g_context, &nothing, &done) == 1 &&
          EVP_CIPHER_CTX_ctrl(g_context, EVP_CTRL_AEAD_GET_TAG, static_cast<int>(result.size()),
                              result.data()) == 1;
@@ -65,7 +64,6 @@ bool digest(const std::array<unsigned char, 2>& head, const unsigned char* bytes
 
 std::optional<KeyedDigest> keyedDigest(const std::array<unsigned char, 2>& head, const char* bytes,
                                        std::size_t size) {
-  if (size > INT_MAX) return std::nullopt;
   const LibcryptoUse use;
   KeyedDigest result;
   if (prepare() &&

@@ -12,7 +12,8 @@ namespace host {
 // process sees the key or a digest.
 using KeyedDigest = std::array<unsigned char, 16>;
 
-// Returns the digest of a short head followed by bytes. Returns nothing if libcrypto does not offer
+// Returns the digest of a short head followed by bytes, of which there is at least one and at most
+// INT_MAX. Returns nothing if libcrypto does not offer
 // AES-256-GCM or the system has no random numbers. Throws std::bad_alloc. Any thread.
 std::optional<KeyedDigest> keyedDigest(const std::array<unsigned char, 2>& head, const char* bytes,
                                        std::size_t size);

@@ -49,8 +49,8 @@ bool isSameDirectory(const PathWalk& a, const PathWalk& b) {
   struct stat first;
   struct stat second;
   return fileSystem().statOpen(a.directory(), first) == 0 &&
-         fileSystem().statOpen(b.directory(), second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
+         fileSystem().statOpen(b.directory(), second) == 0 && first.st_ino == second.st_ino &&
+         first.st_dev == second.st_dev;
 }
 
 bool isDirectoryOfAnEarlierOne(const std::vector<PathWalk>& places, std::size_t number) {

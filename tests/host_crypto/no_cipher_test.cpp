@@ -41,7 +41,7 @@ CHILD_PROCESS(useCiphers) {
   results +=
       object && object->decrypt_buffer(test::bufferOf(std::string(40, '\1')), out) ? "1" : "0";
   results += test::sealServerPassword("secret").empty() ? "0" : "1";
-  results += host::keyedDigest({}, "text", 4) ? "1" : "0";
+  for (int turn = 0; turn < 2; ++turn) results += host::keyedDigest({}, "text", 4) ? "1" : "0";
   kept.reset();
   channel.send(results + " " + test::narrow(text) + " " + out.cpp_str());
   for (const std::wstring& error : agent.texts(LogLevel::Error)) channel.send(test::narrow(error));
@@ -81,7 +81,7 @@ const auto c_isAboutTheCipher =
 TEST_P(NoCipher, NothingIsProtectedOrRecoveredAndTheOutputsStay) {
   const std::vector<std::string> lines = linesOf("no span");
   ASSERT_FALSE(lines.empty());
-  EXPECT_EQ(lines[0], "0000000 old old");
+  EXPECT_EQ(lines[0], "00000000 old old");
   EXPECT_EQ(lines.size(), 1U + 6U) << "one error for each call";
   for (std::size_t i = 1; i < lines.size(); ++i) EXPECT_THAT(lines[i], c_isAboutTheCipher);
 }
@@ -89,7 +89,7 @@ TEST_P(NoCipher, NothingIsProtectedOrRecoveredAndTheOutputsStay) {
 TEST_P(NoCipher, IsToldOnceForAList) {
   const std::vector<std::string> lines = linesOf("span");
   ASSERT_EQ(lines.size(), 2U);
-  EXPECT_EQ(lines[0], "0000000 old old");
+  EXPECT_EQ(lines[0], "00000000 old old");
   EXPECT_THAT(lines[1], c_isAboutTheCipher);
 }
 

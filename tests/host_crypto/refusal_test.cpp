@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "host/agent.h"
 #include "host/crypto/key_file.h"
 #include "host/crypto/sealed_value.h"
+#include "host/detached_agent.h"
 #include "tests/host_crypto/encryption_object.h"
 #include "tests/support/faulty_file_system.h"
 #include "tests/support/server_password.h"
@@ -76,6 +78,18 @@ TEST(WithoutRandomNumbers, NoKeyIsMadeAndTheReasonIsLogged) {
   EXPECT_TRUE(test::snapshot(agent.dataDirectory() + "/keystore").empty());
   EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD))
       << "random numbers are available again";
+}
+
+TEST(WithoutRandomNumbers, ADetachedAgentWithoutAKeyFileHasNoKey) {
+  const test::TestAgent agent;
+  host::setDetachedAgent(host::agent());
+  {
+    const NoRandomNumbers none;
+    EXPECT_FALSE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD));
+  }
+  EXPECT_TRUE(EncryptionObject(test::ENCRYPTION_TYPE_PASSWORD))
+      << "random numbers are available again";
+  EXPECT_FALSE(test::exists(test::passwordKeyPath(agent.dataDirectory())));
 }
 
 TEST(WithoutRandomNumbers, AServerPasswordIsEmpty) {

@@ -159,6 +159,7 @@ TEST_F(Files, MakeDirectories) {
   EXPECT_TRUE(std::filesystem::is_directory(path("a/b")));
   test::writeFile(path("f"), "x");
   EXPECT_FALSE(AFiler::createDirectory(wpath("f")));
+  EXPECT_TRUE(AFiler::createDirectory(L"")) << "the current directory";
   EXPECT_EQ(reason(LogLevel::Info), "Cannot create directory " + path("f") + ": Not a directory");
 }
 

@@ -102,6 +102,8 @@ TEST_F(Hold, IsOfOneNameAndOneAgent) {
 
 TEST_F(Hold, SaysWhetherItIsHeld) {
   LockHold hold(c_lockName, LockMode::Write);
+  LockHold other("AnotherLock", LockMode::Write);
+  ASSERT_TRUE(other.lock(0));
   EXPECT_FALSE(hold.isHeld());
   ASSERT_TRUE(hold.lock(0));
   EXPECT_TRUE(hold.isHeld());

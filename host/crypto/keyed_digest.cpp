@@ -64,6 +64,7 @@ bool digest(const std::array<unsigned char, 2>& head, const unsigned char* bytes
 
 std::optional<KeyedDigest> keyedDigest(const std::array<unsigned char, 2>& head, const char* bytes,
                                        std::size_t size) {
+  if (size > c_longestDigested) return std::nullopt;
   const LibcryptoUse use;
   KeyedDigest result;
   if (prepare() &&

@@ -14,8 +14,9 @@ namespace {
 
 constexpr mode_t c_allModeBits = 07777;
 
-// Returns whether a write would not change the file. The owner is not compared, because a write
-// keeps it. A write of a file with several hard links would separate it from its other names.
+// Returns whether the file has the bytes, the mode and the number of links that a write would give
+// it. The owner is not compared, because a write keeps it. A write of a file with several hard
+// links would separate it from its other names.
 bool isAsWritten(int fd, const SecretFile& wanted) {
   struct stat status;
   if (fileSystem().statOpen(fd, status) < 0) return false;
@@ -29,7 +30,8 @@ bool isAsWritten(int fd, const SecretFile& wanted) {
 // Returns whether the file at the place needs no write. It is on the disk then. Its writer may not
 // have synced it, so it is synced here.
 bool isThere(const PathWalk& place, const SecretFile& wanted) {
-  if (!place.found()) return false;
+  // Opening a pipe would wake its writer.
+  if (!place.found() || !S_ISREG(place.found()->st_mode)) return false;
   const Descriptor file(fileSystem().open(place.directory(), place.name(),
                                           O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0));
   return file.error() == 0 && isAsWritten(file.get(), wanted) && fileSystem().sync(file.get()) == 0;

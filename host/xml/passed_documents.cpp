@@ -18,9 +18,9 @@ std::array<PassedDocument, c_passedDocuments> g_passed HOST_GUARDED_BY(c_passedD
 // The number of documents that were remembered so far. A new one replaces the oldest.
 std::size_t g_count HOST_GUARDED_BY(c_passedDocumentsMutex) = 0;
 
-// A digest needs the cipher for passwords. Fetching it takes as long as checking this many bytes. A
-// process that uses no password and reads little, such as most commands of the tool, does not fetch
-// it.
+// A digest needs the cipher for passwords. Fetching the cipher takes as long as checking
+// c_bytesBeforeFetch bytes. A process that uses no password and reads little, such as most commands
+// of the tool, does not fetch it.
 constexpr std::size_t c_bytesBeforeFetch = 400000;
 std::atomic<std::size_t> g_bytes{0};
 
@@ -29,8 +29,18 @@ bool areDigestsWorthTheCipher(std::size_t size) {
          g_bytes.fetch_add(size, std::memory_order_relaxed) >= c_bytesBeforeFetch;
 }
 
+const PassedDocument* find(const KeyedDigest& digest) HOST_REQUIRES(c_passedDocumentsMutex) {
+  const std::size_t known = g_count < c_passedDocuments ? g_count : c_passedDocuments;
+  for (std::size_t i = 0; i < known; ++i) {
+    if (g_passed[i].digest == digest) return &g_passed[i];
+  }
+  return nullptr;
+}
+
+// Another thread may have checked the same document meanwhile.
 void remember(const KeyedDigest& digest, Standalone standalone) {
   const ForkLock lock(c_passedDocumentsMutex);
+  if (find(digest)) return;
   g_passed[g_count++ % c_passedDocuments] = {digest, standalone};
 }
 
@@ -61,10 +71,8 @@ std::optional<KeyedDigest> digestOfDocument(const char* utf8, std::size_t size,
 
 std::optional<Standalone> findPassedDocument(const KeyedDigest& digest) {
   const ForkLock lock(c_passedDocumentsMutex);
-  const std::size_t known = g_count < c_passedDocuments ? g_count : c_passedDocuments;
-  for (std::size_t i = 0; i < known; ++i) {
-    if (g_passed[i].digest == digest) return g_passed[i].standalone;
-  }
+  const PassedDocument* const passed = find(digest);
+  if (passed) return passed->standalone;
   return std::nullopt;
 }
 

@@ -7,8 +7,8 @@
 #include "host/crypto/keyed_digest.h"
 #include "host/xml/well_formed.h"
 
-// The last documents that checkWellFormed has accepted, so that a process checks the bytes of a
-// document only once. Only digests are kept, never a text. Any thread.
+// The last documents that checkWellFormed has accepted, so that a process need not check the same
+// bytes again. Only digests are kept, never a text. Any thread.
 namespace host {
 
 // How many documents are remembered: the agent's own list, the mesh copy, the server's list and an

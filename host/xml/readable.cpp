@@ -31,9 +31,14 @@ class Counts : public pugi::xml_tree_walker {
   }
 };
 
-// Returns whether no token is over its limit, from the distances between the characters "<".
-// Returns false if this does not tell: a comment, a CDATA section or an instruction may contain
-// "<".
+}  // namespace
+
+void requireDocumentSize(std::size_t size) {
+  if (size <= c_maxDocumentBytes) return;
+  throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
+                                         "document over the limit: number of bytes");
+}
+
 bool hasOnlyShortTokens(const std::string& text) {
   if (text.size() <= c_maxTokenBytes) return true;
   for (std::size_t at = 0; at < text.size();) {
@@ -44,14 +49,6 @@ bool hasOnlyShortTokens(const std::string& text) {
     at = next;
   }
   return true;
-}
-
-}  // namespace
-
-void requireDocumentSize(std::size_t size) {
-  if (size <= c_maxDocumentBytes) return;
-  throw AdvXMLParser::ReadWriteException(AdvXMLParser::ReadWriteException::LIMIT_EXCEEDED, 0,
-                                         "document over the limit: number of bytes");
 }
 
 void requireReadable(pugi::xml_node root, const std::string& text) {

@@ -57,10 +57,11 @@ class PLATFORM_API AFile {
 
   // Writes files that belong together, in this order. Each gets the guarantees of write. If the
   // result is true, all of them survive a power cut. Before that, a power cut may leave any of them
-  // new and the others old. A file that write would not change is not written again.
+  // new and the others old. A file that already has the bytes, the mode and one hard link is only
+  // synced.
   //
   // The first failure ends the call. The files before it are replaced, and those after it are
-  // unchanged.
+  // unchanged. If only the sync of a directory fails, all files are replaced.
   static bool writeTogether(const std::vector<NewContent>& files);
 };
 

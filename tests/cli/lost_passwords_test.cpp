@@ -245,6 +245,8 @@ TEST_F(CliLostPasswords, InitMakesNoKeyBesideThem) {
   EXPECT_EQ(refused.status, 5);
   EXPECT_THAT(refused.err, HasSubstr("the password key is missing, but the agent's own list has "
                                      "passwords:\n  site \"depot\""));
+  EXPECT_THAT(refused.err, HasSubstr("\n  next: restore the key file from a backup, or move the "
+                                     "list to another place\n"));
   EXPECT_EQ(agentFiles(), before);
   start(Key::Good);
   EXPECT_EQ(sitelist({"init"}).status, 0) << "with their key";

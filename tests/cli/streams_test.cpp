@@ -207,6 +207,7 @@ TEST_F(CliStreams, StandardInputIsReadOnce) {
         {"merge", "--first", "-", "--second", "-"},
         {"edit", "--file", "-", "set", "Depot", "--password-stdin"},
         {"edit", "--file", "-", "set", "Depot", "--password-file", "-"},
+        {"edit", "--file", "-", "set", "Depot", "--password-file", "/dev/stdin"},
         {"validate", "-", "-"},
         {"validate", "-", "/dev/stdin"},
         {"diff", c_pipe, "-"},
@@ -228,7 +229,7 @@ TEST_F(CliStreams, AClosedOneIsNamedAsTheCause) {
     EXPECT_EQ(output.status, 4) << testing::PrintToString(arguments);
     EXPECT_EQ(output.err,
               "sitelist: standard input: cannot be read: Bad file descriptor\n"
-              "  next: standard input is closed; redirect a file to it\n")
+              "  next: standard input is not open for reading; redirect a file to it\n")
         << testing::PrintToString(arguments);
   }
 }

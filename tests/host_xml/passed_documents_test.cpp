@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include "tests/host_process/in_child.h"
 #include "tests/host_xml/documents.h"
 
 // Documents that are not checked again.
@@ -107,12 +111,60 @@ TEST_F(PassedDocument, IsForgottenWhenFourOthersHavePassed) {
   for (std::size_t i = 1; i <= host::c_passedDocuments; ++i) EXPECT_TRUE(find(text(i))) << i;
 }
 
-TEST_F(PassedDocument, MayBeEmptyOfMarkupOrAsLongAsADocumentCanBe) {
-  EXPECT_THROW(check(""), ParsingException);
-  const std::string longest =
-      "<a>" + test::repeated("<b>" + std::string(1000, 'x') + "</b>", 30000) + "</a>";
+TEST_F(PassedDocument, IsCheckedEachTimeIfItIsVeryLong) {
+  const auto text = [](std::size_t size) {
+    const std::string piece = "<b>" + std::string(1000, 'x') + "</b>";
+    std::string body = test::repeated(piece, size / piece.size());
+    const std::size_t frame = std::string("<a></a>").size();
+    return "<a>" + body + std::string(size - frame - body.size(), ' ') + "</a>";
+  };
+  const std::string longest = text(host::c_longestDigested);
   check(longest);
   EXPECT_TRUE(find(longest));
+  const std::string longer = text(host::c_longestDigested + 1);
+  for (int i = 0; i < 2; ++i) check(longer);
+  EXPECT_FALSE(host::digestOfDocument(longer.data(), longer.size(), nullptr));
+}
+
+TEST_F(PassedDocument, IsFoundOnceByThreadsThatReadItTogether) {
+  check("<first/>");
+  std::vector<std::thread> threads;
+  std::atomic<int> wrong{0};
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&wrong, i] {
+      for (int turn = 0; turn < 200; ++turn) {
+        const std::string own = "<t" + std::to_string(i) + " n='" + std::to_string(turn) + "'/>";
+        try {
+          check(turn % 2 == 0 ? "<shared/>" : own);
+        } catch (const ParsingException&) {
+          ++wrong;
+        }
+        try {
+          check("<shared>");
+          ++wrong;
+        } catch (const ParsingException&) {
+        }
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, 0);
+  EXPECT_FALSE(find("<shared>"));
+}
+
+TEST_F(PassedDocument, IsKnownToAChildWhichRefusesWhatIsNotWellFormed) {
+  const std::string text = "<parent/>";
+  check(text);
+  EXPECT_EQ(test::inChild([&] {
+              if (!find(text) || check(text) != Standalone::NotSaid) return false;
+              try {
+                check("<parent>");
+                return false;
+              } catch (const ParsingException&) {
+                return !find("<parent>");
+              }
+            }),
+            0);
 }
 
 }  // namespace

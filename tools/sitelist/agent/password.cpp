@@ -33,7 +33,7 @@ Password::~Password() {
 }
 
 void Password::read(const std::string& file) {
-  const bool isFromInput = file.empty() || isStandardStream(file);
+  const bool isFromInput = file.empty() || isStandardInput(file);
   if (isFromInput) {
     takeStandardInput();
     const NoEcho noEcho;

@@ -37,7 +37,7 @@ PasswordCheck::PasswordCheck(const Context& context, bool isLossAllowed)
       m_isLossAllowed(isLossAllowed),
       m_keyError(passwordKeyError(context.agentDirectory)) {}
 
-void PasswordCheck::requireKeyOfOwnList() const {
+void PasswordCheck::requireKeyOfOwnList(const std::string& advice) const {
   if (m_isLossAllowed || m_keyError != ENOENT) return;
   const std::vector<std::string> sites = sitesWithPasswords(ownListPath(m_context));
   if (sites.empty()) return;
@@ -45,8 +45,7 @@ void PasswordCheck::requireKeyOfOwnList() const {
       passwordKeyPath(m_context.agentDirectory), exitCrypto,
       "the password key is missing, but the agent's own list has passwords:" + linesOf(sites) +
           "\n  Nothing was written, because a new key could not decrypt them.",
-      "restore the key file from a backup; `sitelist import --allow-lost-passwords`\n"
-      "  creates a new key");
+      advice);
 }
 
 void PasswordCheck::requireEncryptable(const std::string& path) {

@@ -10,6 +10,11 @@
 
 namespace tool {
 
+// Advice for a missing password key.
+constexpr const char* c_restoreKey =
+    "restore the key file from a backup; `sitelist import --allow-lost-passwords`\n"
+    "  creates a new key";
+
 void addAllowLostPasswords(Command& command, bool& isAllowed);
 
 // Checks whether a command would lose passwords. The library writes a password as an empty one if
@@ -22,7 +27,7 @@ class PasswordCheck {
 
   // For a command that creates the password key if it is missing. Fails if the key is missing and
   // the agent's own list has passwords: the new key would not decrypt them.
-  void requireKeyOfOwnList() const;
+  void requireKeyOfOwnList(const std::string& advice = c_restoreKey) const;
   // For a list whose passwords are decrypted and then encrypted again. Fails if one cannot be
   // decrypted.
   void requireEncryptable(const std::string& path);

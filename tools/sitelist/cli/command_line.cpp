@@ -142,8 +142,8 @@ bool asksForHelp(const std::string& word) {
                               word[0] == '-' && word.find('h') != word.npos);
 }
 
-// Returns the word that the parser took for a request for help although it is none: it reads only
-// the first letter of "-hidden". Returns null if help was asked for.
+// Returns the word that the parser took for a request for help although it is none: it takes
+// "-hidden" for "-h" with further letters. Returns null if help was asked for.
 const std::string* falseHelp(const std::vector<std::string>& words) {
   if (std::any_of(words.begin(), words.end(), asksForHelp)) return nullptr;
   const auto found = std::find_if(words.begin(), words.end(), [](const std::string& word) {

@@ -15,8 +15,8 @@ struct Input {
   std::string bytes;
 };
 
-// The advice if standard input is closed.
-constexpr const char* c_openInput = "standard input is closed; redirect a file to it";
+// The advice for EBADF, which only standard input can give.
+constexpr const char* c_openInput = "standard input is not open for reading; redirect a file to it";
 
 // Opens standard streams that are closed, so that no other file gets their number and with it the
 // messages. Reading them or writing to them still fails.

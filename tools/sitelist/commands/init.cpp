@@ -104,7 +104,8 @@ int init(Context& context, const InitOptions& options) {
   }
   host::setAgent(settings);
   recordLog(context.verbose);
-  PasswordCheck(context, false).requireKeyOfOwnList();
+  PasswordCheck(context, false)
+      .requireKeyOfOwnList("restore the key file from a backup, or move the list to another place");
   const ChangeWatch watch(context, filesOfAgent(context));
   makeDataDirectory(directory, options.owner);
   for (const char* name : {"/etc", "/mesh", "/locks"}) {

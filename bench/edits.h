@@ -12,7 +12,8 @@ namespace bench {
 struct Edit {
   std::string target;  // the file that the edit writes
   std::string bytes;   // the document before the edit
-  // Writes the documents that the edit reads, as this process has not read them before.
+  // Writes the documents that the edit reads, each with a content that this process has not read
+  // before.
   std::function<void()> restore;
   std::function<void()> perform;
 

@@ -157,7 +157,7 @@ Repeatable modifying(std::size_t count) {
   return editing(modifyOf(sitesFile(count), sitesFile(count, 1)));
 }
 
-// The list has 10,000 servers in both cases.
+// The list always has 10,000 servers. `count` is the number of servers in the source.
 Repeatable modifyingServers(std::size_t count) {
   return editing(modifyOf(serversFile(10000, 1), serversFile(count, 2)));
 }

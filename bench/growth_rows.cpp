@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t c_small = 1000;
 constexpr std::size_t c_large = 10000;
-// The ratio of the instructions that is accepted. Times also depend on the caches.
+// The largest accepted ratio of the instruction counts. Times also depend on the caches.
 constexpr double c_bound = 10.5;
 constexpr const char* c_against = "the same with 1000";
 

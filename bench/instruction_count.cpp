@@ -14,7 +14,7 @@ namespace bench {
 namespace {
 
 constexpr const char* c_countOne = "--count-one";
-// A first run with so many elements does what a process does only once.
+// A first run with this many elements does the work that a process does only once.
 constexpr std::size_t c_fewElements = 12;
 
 std::function<void()> g_run;

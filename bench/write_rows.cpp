@@ -43,7 +43,7 @@ Measurement prepareCreate(std::size_t count) {
           })};
 }
 
-// Does the same steps as ImportSiteList.
+// Performs the steps of ImportSiteList one by one.
 void importInSteps(CSitesHelper& helper, const std::wstring& own, const std::wstring& incoming,
                    const std::function<void(int, const std::function<void()>&)>& step) {
   tag_Site* list = nullptr;

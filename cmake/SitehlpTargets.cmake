@@ -23,8 +23,9 @@ function(sitehlp_target_defaults target)
                                              -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${SITEHLP_SANITIZE})
     if(SITEHLP_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-      # Some tests have their own operator new. clang++ would link that of the sanitizer, which
-      # takes precedence. In gcc mode the driver does not link it, so the C++ libraries are named.
+      # Some tests have their own operator new. clang++ would link the operator new of the
+      # sanitizer, which takes precedence. In gcc mode the driver links neither it nor the C++
+      # libraries, so the libraries are named here.
       target_link_options(${target} PRIVATE --driver-mode=gcc -lstdc++ -lm)
     endif()
   endif()

@@ -151,7 +151,7 @@ constexpr auto proxyText(const char* name, const wchar_t* const* xmlName, Form f
 
 }  // namespace fields
 
-// The tables. That of a management server has all fields of its record.
+// The tables. The table of the management server has all fields of tag_HttpSite.
 inline constexpr auto c_httpFields =
     std::tuple_cat(fields::c_httpAttributes, fields::c_httpChildren);
 inline constexpr auto c_serverFields =

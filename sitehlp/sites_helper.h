@@ -534,7 +534,7 @@ class SITEHLP_API CSitesHelper {
   bool writeKeyFile(const ABuffer& data, const AString& name, const AString& subDir,
                     const AString& dir);
 
-  // Writes the key files whose flags are set. A file that is already as a write would leave it is
+  // Writes the key files whose flags are set. A file that already has the right content and mode is
   // not written again. If the result is true, all of them are on the disk. If only public keys were
   // given, deletes the request key "reqseckey.bin", but not "req2048seckey.bin". Files that were
   // written before a failure remain.

@@ -32,7 +32,7 @@ class Node {
   }
 
  private:
-  // A text usually is one node, and needs no copy.
+  // A text is usually one node, which needs no copy.
   const char* textOf(xmlNode* nodes) const {
     if (!nodes) return "";
     if (!nodes->next && nodes->type == XML_TEXT_NODE) return narrow(nodes->content);

@@ -236,8 +236,8 @@ std::string formatAgentSettings(const AgentSettings& settings) {
                          {"mesh", std::move(mesh)},
                          {"limits", toml::table{{"record_megabytes", settings.maxRecordMegabytes}}},
                          {"log", toml::table{{"level", levelName(settings.logLevel)}}}};
-  // Writes strings only with escapes. In its other forms the formatter loses a line feed at the
-  // beginning, and does not escape quotes that end the string.
+  // Writes every string with escapes. The formatter has other forms for strings, but they lose a
+  // leading line feed and do not escape quotes at the end.
   constexpr toml::format_flags c_otherStrings =
       toml::format_flags::allow_literal_strings | toml::format_flags::allow_multi_line_strings;
   std::ostringstream text;

@@ -5,8 +5,8 @@
 // file can break. After each of them it also refuses the file, so the assertions are disabled. With
 // NDEBUG defined, they would be assumptions for the optimiser.
 //
-// Its tables of white space do not cover all characters. Because of the macro below, a character
-// outside the tables is not white space.
+// Its tables of white space do not cover all characters. Because of the macro TOML_UNREACHABLE
+// below, the parser treats a character outside the tables as not white space.
 //
 // A new version of the parser may need other changes here. A build with a sanitizer shows it in
 // test_host_config (SettingsFile) and in the test fuzz/agent_toml.

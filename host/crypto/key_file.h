@@ -22,7 +22,7 @@ struct KeyFileState {
   ino_t inode = 0;
   off_t size = 0;
   std::int64_t changedNs = 0;
-  // Whether the last change was so long before the read that a later change has another time.
+  // Whether the last change is old enough that any later change would have a different time.
   bool settled = false;
 
   bool sameFile(const KeyFileState& other) const {
@@ -37,7 +37,7 @@ int keyFileState(const std::string& path, KeyFileState& state);
 // Reads a key, and the state of its file. Returns false, with an error logged, when the file does
 // not exist, is not regular or has the wrong size.
 //
-// Removes the permissions of others than the owner if these conditions hold:
+// Removes all permissions except the owner's if:
 //
 // - the file has no other name;
 // - the file and its directory belong to the effective user;

@@ -18,8 +18,8 @@ constexpr mode_t c_modeOfSecret = S_IRUSR | S_IWUSR;
 enum class OldMode { Kept, Dropped };
 
 // Replaces or creates the file at a place that was found. `temp` is a new object for the directory
-// of the place. The bytes are on the disk before the file has its name. A power cut may still
-// restore the old file until finishDirectory was called.
+// of the place. The bytes are on the disk before the file has its name. Until finishDirectory has
+// been called, a power cut may still restore the old file.
 int placeFile(const PathWalk& place, TempFile& temp, const void* data, std::size_t size,
               mode_t mode, OldMode oldMode);
 

@@ -27,8 +27,8 @@ bool isAsWritten(int fd, const SecretFile& wanted) {
          *bytes == std::string_view(static_cast<const char*>(wanted.data), wanted.size);
 }
 
-// Returns whether the file at the place needs no write. It is on the disk then. Its writer may not
-// have synced it, so it is synced here.
+// Returns whether the file at the place needs no write. Such a file is synced here, because its
+// writer may not have done so.
 bool isThere(const PathWalk& place, const SecretFile& wanted) {
   // Opening a pipe would wake its writer.
   if (!place.found() || !S_ISREG(place.found()->st_mode)) return false;
@@ -46,7 +46,8 @@ int placeSecret(PathWalk& place, const SecretFile& file) {
   return placeFile(place, temp, file.data, file.size, c_modeOfSecret, OldMode::Dropped);
 }
 
-// Returns false also if that cannot be determined. The directory is then synced once more.
+// Returns whether both are the same directory, and false if that cannot be determined. The
+// directory is then synced once more.
 bool isSameDirectory(const PathWalk& a, const PathWalk& b) {
   struct stat first;
   struct stat second;

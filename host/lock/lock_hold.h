@@ -27,7 +27,7 @@ class PLATFORM_API LockHold {
   // Waits and fails as InterProcessReadLock::lock does.
   bool lock(unsigned int waitMilliseconds);
   void unlock() noexcept;
-  // Returns whether the lock was taken and not released since, not even by releaseHolds().
+  // Returns whether the lock has been taken and not released since, not even by releaseHolds().
   bool isHeld() const noexcept;
 
  private:

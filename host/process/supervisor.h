@@ -20,9 +20,9 @@ struct SupervisorReport {
 };
 
 // Runs a supervisor in the child of a fork. The supervisor starts a program, waits for its end and
-// reports it, so that its parent need not wait for a process. It also reports a program that cannot
-// be ended, and leaves that program running. Calls only functions that are safe in the child of a
-// process with threads. All signals must be blocked before the call.
+// reports it. Its parent therefore does not depend on the result of waitpid. It also reports a
+// program that cannot be ended, and leaves that program running. Calls only functions that are safe
+// in the child of a process with threads. All signals must be blocked before the call.
 [[noreturn]] void supervise(const SupervisorPlan& plan);
 
 }  // namespace host

@@ -163,7 +163,7 @@ struct DocumentWriter::State {
     require(size <= host::c_maxTokenBytes, host::c_tokenLimit);
   }
 
-  // A parser counts the characters of a text without escapes.
+  // A parser counts the characters for which the escapes stand.
   void countText(const wchar_t* from, std::size_t length, std::size_t written) {
     textSize += written == length ? length : carriedSize(from, length);
     require(textSize <= host::c_maxTokenBytes, host::c_textLimit);

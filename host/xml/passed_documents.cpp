@@ -15,7 +15,7 @@ struct PassedDocument {
 };
 
 std::array<PassedDocument, c_passedDocuments> g_passed HOST_GUARDED_BY(c_passedDocumentsMutex);
-// The number of documents that were remembered so far. A new one replaces the oldest.
+// The number of documents remembered so far. A new one replaces the oldest.
 std::size_t g_count HOST_GUARDED_BY(c_passedDocumentsMutex) = 0;
 
 // A digest needs the cipher for passwords. Fetching the cipher takes as long as checking

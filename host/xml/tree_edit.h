@@ -7,7 +7,7 @@
 #include <string>
 
 // Changes of a tree. Texts are UTF-8 with only those characters that XML allows. All functions
-// throw std::bad_alloc.
+// except isXmlCharacter may throw std::bad_alloc.
 namespace host {
 
 // Returns whether XML 1.0 allows a character.

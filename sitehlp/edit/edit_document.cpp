@@ -43,8 +43,8 @@ bool openLocked(AnXml& document, const AString& path) {
 }
 
 bool isWithinRecordLimits(const AnXmlNode& siteList, const std::wstring& path) {
-  // Comparing names takes time. Names are compared only if the list has more elements than may be
-  // of unknown kind.
+  // Comparing names takes time. It is needed only if the list has more elements than the limit on
+  // elements of unknown kind.
   const bool namesMatter = numberOfChildren(siteList) > c_maxUnknownElements;
   RecordLimits limits;
   AnXmlChildIndex sites(siteList, nullptr);

@@ -23,8 +23,8 @@ struct CryptoOperation {
   bool (*run)(const Places& places);
   // Returns the list that the operation writes.
   std::string (*written)(const Places& places);
-  // The numbers of lists that the operation reads and writes with passwords under the password key,
-  // and of lists that it reads with passwords under the server key.
+  // Numbers of lists. `reads` and `writes`: lists whose passwords have the password key.
+  // `serverReads`: lists whose passwords have the server key.
   unsigned reads;
   unsigned writes;
   unsigned serverReads;

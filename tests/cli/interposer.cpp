@@ -14,12 +14,12 @@
 #include <string>
 
 // Is loaded before the C library. Changes a list while the tool uses it, or sends the tool a signal
-// while it has a draft. With UNFORESEEN, throws an exception that no library throws. With
-// NO_MEMORY_FOR, throws as if there was no memory. With LINK_TO, a user with the id LINK_OWNER puts
-// a link to that file into each new draft directory, under the name of a key file. With REPLACED,
-// that file has the content of REPLACEMENT when it is opened again. With LIBRARY, that directory is
-// in the place of "/Library". With NO_DIRECTORY_LOCKS, makes a file system whose directories cannot
-// be locked.
+// while it has a draft. UNFORESEEN and NO_MEMORY_FOR name a file. When it is opened, throws an
+// exception that no library throws, or std::bad_alloc. With LINK_TO, a user with the id LINK_OWNER
+// puts a link to that file into each new draft directory, under the name of a key file. With
+// REPLACED, that file has the content of REPLACEMENT when it is opened again. With LIBRARY, that
+// directory is in the place of "/Library". With NO_DIRECTORY_LOCKS, directories cannot be locked,
+// as on some network file systems.
 
 namespace {
 

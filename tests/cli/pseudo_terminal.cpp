@@ -60,7 +60,8 @@ std::string PseudoTerminal::readUntil(const std::string& text) {
   for (;;) {
     const ssize_t n = ::read(m_ourEnd, buffer, sizeof buffer);
     if (n > 0) all.append(buffer, static_cast<std::size_t>(n));
-    // Linux reports the last writer's end as an error, others as the end of a file.
+    // When the last writer has closed the terminal, Linux reports an error and other systems the
+    // end of the file.
     if (n == 0 || (n < 0 && errno != EINTR)) return all;
     if (!text.empty() && all.find(text) != std::string::npos) return all;
   }

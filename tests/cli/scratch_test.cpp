@@ -12,7 +12,7 @@
 
 namespace fs = std::filesystem;
 
-// Which commands need a temporary directory, and that none is left behind.
+// The commands that need a temporary directory. None may leave one behind.
 namespace test {
 namespace {
 

@@ -202,7 +202,7 @@ TEST_F(CliValidate, EachRuleIsBrokenByTheSmallestDocumentThatDoes) {
   }
 }
 
-// All rules, together with those of the tests below.
+// The cases above and the rules of the tests below are all rules.
 TEST_F(CliValidate, NoRuleIsForgotten) {
   std::vector<std::string> expected = {
       "missing-file", "unreadable-file", "no-sites", "server-request-key", "server-public-key",

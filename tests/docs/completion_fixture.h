@@ -52,7 +52,8 @@ class ShellSession {
 
  private:
   // Returns the printed text. Waits until the shell reads keys again, because the terminal does not
-  // complete keys that are typed before. The two end marks are never typed as one word.
+  // complete keys that are typed before. The typed commands contain each end mark only in two
+  // pieces, so the echo of the keys is not taken for it.
   std::string run(const std::string& keys) {
     m_terminal.type(keys + '\n');
     const std::string printed = m_terminal.readUntil(" words-end");

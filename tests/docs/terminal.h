@@ -11,14 +11,15 @@ namespace test {
 // A program on a large terminal that is operated by keys.
 class Terminal {
  public:
-  // The program is searched in PATH.
+  // The program is looked up in PATH.
   Terminal(const std::vector<std::string>& commandLine, const std::string& directory);
   ~Terminal();
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
 
   void type(const std::string& keys);
-  // Returns what was printed up to and without the text. Throws when the text is not printed.
+  // Returns what was printed before the text, and skips the text. Throws when the text is not
+  // printed.
   std::string readUntil(const std::string& text);
 
  private:

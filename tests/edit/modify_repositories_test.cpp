@@ -43,8 +43,8 @@ class ModifyRepositories : public EditFixture {
     ASSERT_TRUE(modify(true, false));
     ASSERT_EQ(result(), canonical(document(expected)));
   }
-  // Returns the repository `fresh` of the source with the order `slot`. If both repositories have a
-  // type, it gets the type of `former`, which it replaces.
+  // Returns the repository `fresh` of the source with the order `slot`. `fresh` replaces `former`.
+  // If `fresh` has a type and that of `former` is not empty, the result has the type of `former`.
   static Repository in(int slot, const Repository& former, const Repository& fresh) {
     Repository repository{std::to_string(slot), fresh.type};
     if (fresh.type && former.type && !former.type->empty()) repository.type = former.type;

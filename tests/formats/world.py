@@ -18,7 +18,7 @@ class Output:
 
 
 def environment():
-    # The only settings of the caller that remain are those of the sanitizers.
+    # Of the caller's settings, only PATH and those of the sanitizers remain.
     kept = {k: v for k, v in os.environ.items() if k.split("_")[0] in ("ASAN", "LSAN", "TSAN", "UBSAN")}
     return {**kept, "PATH": os.environ["PATH"], "TMPDIR": "tmp"}
 

@@ -91,8 +91,8 @@ void* reallocate(void* memory, std::size_t size, const char*, int) {
 }
 void release(void* memory, const char*, int) { std::free(memory); }
 
-// Sends the number of attempts to fetch the cipher that failed for lack of memory before one
-// succeeded.
+// Fetches the cipher until an attempt succeeds. Sends the number of attempts that failed for lack
+// of memory.
 CHILD_PROCESS(findCipherWithoutMemory) {
   if (CRYPTO_set_mem_functions(allocate, reallocate, release) != 1) return 2;
   const host::LibcryptoUse use;

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 class ReplaceFileFault : public test::FileTest {
  protected:
-  // The file has its new bytes once it was renamed; what fails after that changes nothing.
+  // After the rename the file has its new bytes, whatever fails later.
   static bool isAfterRename(const std::vector<FileCall>& calls, std::size_t number) {
     for (std::size_t i = 0; i < number; ++i) {
       if (calls[i] == FileCall::Rename) return true;

@@ -204,7 +204,7 @@ TEST_F(AnXmlFile, ChangesOnlyWhereItIsEdited) {
   EXPECT_EQ(saved(xml), expected);
 }
 
-// Lets the n-th allocation of the tree fail.
+// The number of allocations of the tree that succeed. All later ones fail.
 std::size_t g_allocationsLeft;
 
 void* failingAllocate(std::size_t size) {

@@ -161,7 +161,7 @@ void expectOverLimit(DocumentWriter& writer) {
   EXPECT_EQ(*disk.find("/d/list"), "old");
 }
 
-// The root is the first element of the depth.
+// The root counts as the first level.
 void openNested(DocumentWriter& writer, std::size_t depth) {
   for (std::size_t i = 1; i < depth; ++i) writer.Open(L"e");
 }

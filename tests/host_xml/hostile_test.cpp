@@ -110,7 +110,7 @@ TEST(HostileDocument, CutOffOrChangedAnywhereEndsInOneOfTheKnownWays) {
   EXPECT_GT(refused, whole.size());
 }
 
-// Lets the n-th allocation of the tree fail.
+// The number of allocations of the tree that succeed. All later ones fail.
 std::size_t g_allocationsLeft;
 
 void* failingAllocate(std::size_t size) {

@@ -80,8 +80,8 @@ TEST(Parser, RefusesBytesThatAreNoUtf8) {
 TEST(Parser, HasALimitForBytes) {
   std::string bytes = "<a/>";
   bytes.resize(host::c_maxDocumentBytes, ' ');
-  // The white space is too long for a token. One byte more is refused before that, because the size
-  // is checked first.
+  // The white space is too long for a token. A document with one byte more is refused for its size,
+  // which is checked first.
   EXPECT_EQ(limitOf(bytes), "document over the limit: length of a text");
   EXPECT_EQ(limitOf(bytes + " "), "document over the limit: number of bytes");
 }

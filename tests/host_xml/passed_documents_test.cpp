@@ -49,7 +49,7 @@ TEST_F(PassedDocument, IsRememberedWithItsResult) {
   EXPECT_EQ(find(notAlone), Standalone::No);
 }
 
-// The result with the memory must be that of a check, for every change of one byte.
+// For every change of one byte, a remembered document must not affect the result of the check.
 TEST_F(PassedDocument, IsAnotherOneWithOneByteChanged) {
   const std::string text = "<?xml version='1.0'?><a b='c'>d<e/><!--f--></a>";
   std::size_t refused = 0;

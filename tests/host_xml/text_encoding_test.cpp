@@ -185,7 +185,8 @@ TEST(DeclaredEncoding, IsComparedWithoutRegardToTheCaseOfItsLettersAlone) {
     EXPECT_TRUE(host::agreesWith(name, {UTF_8, true})) << name;
     EXPECT_FALSE(host::agreesWith(name, {UTF_16LE, true})) << name;
   }
-  // Characters next to the letters, and characters at the distance of a letter from its other case.
+  // Names with a character next to a letter in ASCII, or one that differs from a letter only in the
+  // bit for its case.
   for (const char* name : {"", "UTF-", "UTF-88", "UTF{8", "UTF`8",
                            "UTF\x0D"
                            "8",

@@ -47,7 +47,7 @@ bool copies(const Source& source, std::size_t capacity, std::wstring& out) {
   return copied;
 }
 
-// Plain, foreign and mixed text of every length around the sizes of the blocks it is copied in.
+// ASCII, other and mixed text of every length up to a few blocks of the copy.
 TEST(CopiedValue, FitsExactlyWhenThereIsRoomForItsTerminator) {
   for (std::size_t length = 0; length <= 40; ++length) {
     for (std::size_t step = 1; step <= 9; ++step) {

@@ -26,7 +26,7 @@ inline std::vector<LogLine> libraryMessages(const TestAgent& agent) {
   return lines;
 }
 
-// Returns the traces that the library entered, in order.
+// Returns the scopes that the library entered, in order.
 inline std::vector<std::wstring> libraryTraces(const TestAgent& agent,
                                                const std::wstring& component = L"SiteHlp",
                                                LogLevel level = LogLevel::Detail) {

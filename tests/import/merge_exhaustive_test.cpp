@@ -38,7 +38,7 @@ const std::vector<Letter> c_alphabet = {
     {[](const std::wstring& name) { return typed(uncSite(name), L"fallback"); },
      [](const std::string& name) { return element("UNCSite", name, c_fallback); }},
     {proxySite, proxyElement},
-    // From here on in the shorter lists only.
+    // The following letters occur only in the shorter lists.
     {[](const std::wstring& name) { return typed(serverSite(name), L"fallback"); },
      [](const std::string& name) { return serverElement(name, "", "1", "fallback"); }},
     {[](const std::wstring& name) { return typed(proxySite(name), L"fallback"); },

@@ -50,8 +50,8 @@ class SitesOrder : public testing::Test {
     EXPECT_THAT(messages, ElementsAre(infoLine(L"Exchanged orders for WexHttp and WexFtp.")));
     return true;
   }
-  // Returns whether the orders of a pair with FTP first are swapped if this is its HTTP or FTP
-  // record.
+  // Returns whether the record qualifies for the exchange. Pairs it with a vendor record of the
+  // other kind, with FTP first.
   bool qualifies(const tag_Site& site) {
     const bool isFtp = site.eSiteKind == SITE_KIND_FTP;
     const SiteChain list{isFtp ? vendorHttp(2) : site, isFtp ? site : vendorFtp(1)};

@@ -138,7 +138,7 @@ END
     cat sites
     [ -s agent/etc/SiteList.xml ] || fail "no list was installed"
     [ "$(wc -l <sites)" -gt 1 ] || fail "no sites were printed"
-    # A managed agent needs a management server, whoever imports.
+    # The example program must also refuse a list without a management server for a managed agent.
     mkdir managed
     echo 'managed = true' >managed/agent.toml
     ! ./build/first_import "$WORK/managed" "$examples/broken/no-server.xml" 2>said ||

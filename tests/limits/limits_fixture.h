@@ -33,8 +33,8 @@ inline std::size_t lengthOf(const sitehlp::tag_Site* head) {
   return count;
 }
 
-// An agent with a list and a mesh copy. Its load command creates a file. The fixture has the
-// results of reading a file.
+// An agent with a list and a mesh copy. Its load command creates a file. Its functions read a file
+// and return the result.
 class LimitsTest : public testing::Test {
  protected:
   LimitsTest() {

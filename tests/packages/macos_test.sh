@@ -14,7 +14,7 @@ for file in "$plist" "$formula"; do
   grep -q 'never tried on a Mac' "$file" || fail "$file does not say that it was never tried"
 done
 
-# The job: a dictionary of pairs that runs the tool on the file that it watches.
+# The job is a dictionary of keys and values. It runs the tool on the file that it watches.
 xmllint --nonet --noout "$plist" || fail "$plist is not well formed"
 value() { xmllint --nonet --xpath "string(/plist/dict/key[.='$1']/following-sibling::*[1]/$2)" "$plist"; }
 count() { xmllint --nonet --xpath "count(/plist/dict/$1)" "$plist"; }

@@ -15,8 +15,8 @@ struct FaultFigures {
 // The errors with which each call fails: one error that changes from call to call, or every error.
 enum class Errors { OneEach, Every };
 
-// Makes each file-system call of all writing and reading operations fail, once or from then on.
-// Checks the files afterwards.
+// For every writing and reading operation: makes each file-system call fail, alone or with all
+// later calls. Checks the files afterwards.
 FaultFigures failEveryCall(Errors errors, const Progress& progress = nullptr);
 
 // Limits reads and writes to a few bytes at a time. The disk becomes full after each of the first

@@ -13,10 +13,10 @@ namespace test {
 // A kind of hostile document that can have any size.
 struct HostileFamily {
   const char* name;
-  // Returns a document of about so many bytes.
+  // Returns a document of about this many bytes.
   std::string (*make)(std::size_t bytes);
-  // Each record has the same size, so many small site elements need more memory than any other
-  // document of the same length. The memory of these records is subtracted.
+  // True for documents of many small sites. Every site needs a record of the same size, whatever
+  // the length of its element. The memory of these records is subtracted.
   bool makesRecords = false;
 };
 const std::vector<HostileFamily>& hostileFamilies();

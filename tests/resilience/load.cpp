@@ -44,7 +44,7 @@ class Crew {
     m_members.push_back(std::move(member));
   }
 
-  // How often each one did it.
+  // Stops the processes. Returns the number of runs of each.
   std::vector<unsigned long> stop() {
     std::vector<unsigned long> counts;
     for (const auto& member : m_members) ::close(member->stop[1]);
@@ -147,7 +147,7 @@ SiteChain listOf(unsigned long version) {
   return list;
 }
 
-// The version of a list; empty text in `fault` when it is whole.
+// Returns the version of a list. Sets `fault` if the list is not complete.
 unsigned long versionOf(const tag_Site* list, std::string& fault) {
   unsigned long count = 0;
   unsigned long version = 0;

@@ -23,8 +23,8 @@ struct SwapFigures {
   Faults faults;
 };
 
-// Replaces the directory of a list, and the list itself, alternately with a link to an outside
-// place and back. A writer runs at the same time.
+// Repeatedly replaces the directory of a list, or the list itself, with a link to an outside place,
+// and restores it. A writer runs at the same time.
 SwapFigures swapLinks(unsigned long swaps, const Progress& progress = nullptr);
 
 }  // namespace test

@@ -9,7 +9,7 @@
 #include "tests/resilience/workshop.h"
 #include "tests/support/recording_file_system.h"
 
-// An import finds the key files that it brings already in place, but their writer has not synced
+// The key files of an import are already in place, but the process that wrote them has not synced
 // them. A power cut must still not leave the new list without its keys.
 namespace {
 

@@ -18,7 +18,7 @@ struct UpdateFigures {
 
 // Changes one list with 16 concurrent processes of the tool and all kinds of changes. A change with
 // the result 0 that is not in the list at the end is a fault. Any other result of a process that
-// was not killed is also a fault. A named list is changed alternately for an agent and without one.
+// was not killed is also a fault. A named list is changed with and without an agent in turn.
 UpdateFigures updateAtOnce(const std::string& tool, UpdatedList which, UpdateKills kills,
                            unsigned long changes, const Progress& progress = {});
 

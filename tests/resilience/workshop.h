@@ -92,7 +92,7 @@ struct Operation {
   // The results that the library's header documents for failures.
   std::set<int> failures;
   // Returns the file that has the new bytes if and only if the operation reports success. Null if
-  // the operation does not report it.
+  // the operation does not report whether it wrote the file.
   std::string (*result)(const Workshop& workshop) = nullptr;
   // Called before each run, after Workshop::reset.
   void (*prepare)(const Workshop& workshop) = nullptr;

@@ -335,7 +335,8 @@ TEST_F(FieldTables, EveryRowIsWrittenInTheOrderOfTheTableAndNothingElse) {
   }
 }
 
-// The lines of the format document that belong to an element, the first of them without its name.
+// Returns the lines of the format document about an element, without the element's name in the
+// first line.
 std::string documented(const std::string& element) {
   const std::string page =
       test::readFile(std::string(TEST_SOURCE_DIR) + "/docs/site-list-format.md");

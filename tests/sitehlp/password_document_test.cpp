@@ -102,7 +102,7 @@ TEST_F(PasswordInDocument, OverlongOneIsCutAndLoggedLikeAnyText) {
   const std::wstring clear(300, L'p');
   const auto site = decode("<FTPSite>" + child("Password", sealed(clear)) + "</FTPSite>");
   EXPECT_EQ(std::wstring(site->ftp.szPassword), clear.substr(0, 259));
-  // Like every text that does not fit, it is named in the detail log.
+  // A password that is too long is logged at detail level like every text that is too long.
   EXPECT_THAT(messages(), testing::ElementsAre(detail(L"String " + clear + L" is truncated to " +
                                                       clear.substr(0, 259) + L" in CopyWStr")));
 }

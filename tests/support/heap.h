@@ -5,7 +5,8 @@
 
 namespace test {
 
-// Returns how many bytes are allocated in this process, or at least in this thread.
+// Returns how many bytes of the heap are allocated in this process. With the GNU C library, without
+// blocks that are mapped separately.
 std::size_t heapInUse();
 
 }  // namespace test

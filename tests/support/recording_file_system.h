@@ -17,8 +17,9 @@ struct RecordedCall {
   // The path in the call, or the path with which its descriptor was opened. It is a full path if
   // the directory of the call was opened with a full path.
   std::string path;
-  // The number of the open, from 1, that returned or will return the descriptor of the call. 0
-  // without one. It distinguishes files that had the same descriptor one after the other.
+  // The number, from 1, of the open that returned the descriptor of this call, or that this call
+  // is. 0 for a call without a descriptor. It distinguishes files that had the same descriptor one
+  // after the other.
   int file = 0;
   std::string newPath;  // rename, link
   std::string data;     // the bytes written or read, or the target of the link

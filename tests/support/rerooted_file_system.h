@@ -33,7 +33,8 @@ class RerootedFileSystem : public FaultyFileSystem {
 
   bool isAboveFrom(const std::string& path) const;
   std::string moved(const std::string& path) const;
-  // Returns the intended path if `directory` stands for one above `from`.
+  // If `directory` stands for a directory above `from`, returns the full path. Otherwise returns
+  // `path`.
   std::string meant(int directory, const std::string& path);
   Place placeOf(int directory, const std::string& path);
 

@@ -68,7 +68,7 @@ class TestAgent {
   std::vector<LogLine> messages() const;
   // Returns the texts of the messages of one level.
   std::vector<std::wstring> texts(LogLevel level) const;
-  // Returns the texts of the traces that were entered, in order.
+  // Returns the texts of the "Enter: " lines, in order.
   std::vector<std::wstring> traces() const;
   void clearLog();
 

@@ -33,9 +33,9 @@ SharedOperations editingOperations();
 // Returns all of these operations.
 const SharedOperations& sharedOperations();
 
-// Returns a result with the content of a list as text.
+// Returns one text from the result code and the content of the list.
 std::string told(int result, const sitehlp::tag_Site* list = nullptr);
-// Returns a result with texts as text.
+// Returns one text from the result code and the texts.
 std::string told(int result, const std::vector<std::wstring>& texts);
 
 }  // namespace test

@@ -20,9 +20,10 @@ constexpr std::size_t c_parts = 4;
 std::size_t numberOfPairs();
 
 // Runs each pair of operations of one part, including pairs of an operation with itself. A pair
-// ends when one operation has run `times` times during the other one. Each result must be one that
-// the operation gives alone or after the other one. The pairs run in separate processes, so that a
-// crash becomes a fault with a name.
+// ends when one operation has run `times` times and the other one at least five times. Each result
+// must be one that the operation gives alone, after itself or after the other one. A child process
+// runs the pairs. After a crash, which is reported as a fault of its pair, another child continues
+// with the next pair.
 PairFigures runPairs(std::size_t part, unsigned long times);
 
 }  // namespace test

@@ -88,7 +88,7 @@ int fail(const Context& context, const Failure& failure) {
   return failure.status();
 }
 
-// Adds advice for an own list that was not imported yet.
+// Adds advice if the agent's own list has not been imported yet.
 Failure withAdvice(const Context& context, const Failure& failure) {
   const FailureOrigin& origin = failure.origin();
   if (origin.code != sitehlp::c_errorFileMissing || origin.file != ownListPath(context)) {

@@ -59,7 +59,7 @@ void serveForPreview(const Context& context);
 // password key must exist.
 void serveForPrinting(const Context& context);
 
-// Fails with wrong usage if the command line has another format than the default. `list` is the new
+// Fails with wrong usage if the command line has a format other than the default. `list` is the new
 // list in words, and `advice` says how it is written to a file.
 void requirePrintable(const Context& context, const std::string& list, const std::string& advice);
 

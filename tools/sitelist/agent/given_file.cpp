@@ -22,8 +22,8 @@ const std::string& GivenFile::path() {
   return m_path;
 }
 
-// The FIPS marker is a file beside the directory of a list. Another user must not be able to create
-// one.
+// The list gets a directory of its own inside the private one. A FIPS marker would be beside the
+// directory of the list, and another user must not be able to create it.
 std::string storeInput(const ScratchDirectory& scratch, const Input& input) {
   const std::string directory = scratch.path() + "/input";
   const std::string path = directory + "/SiteList.xml";

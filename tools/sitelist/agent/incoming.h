@@ -12,7 +12,7 @@
 
 namespace tool {
 
-// The parts that `import` and `install` share.
+// The options of `import` and `install`. `modify` uses some of them.
 struct IncomingOptions {
   std::string file;       // the path for the library
   bool isStream = false;  // no key files can be next to the list

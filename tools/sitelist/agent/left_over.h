@@ -8,8 +8,8 @@ namespace tool {
 // Returns a new, unpredictable name for a scratch directory.
 std::string makeScratchName();
 
-// Removes a directory with all that it holds. Follows no symbolic link. Does not remove directories
-// that belong to another user than this one, or their content.
+// Removes a directory with all that it holds. Follows no symbolic link. A directory in it that
+// belongs to another user is kept, with its content.
 void removeScratchDirectory(const std::string& path);
 
 // Removes the scratch directories in `parent` that no living process has locked. A directory is

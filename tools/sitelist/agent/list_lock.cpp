@@ -104,8 +104,8 @@ void ListLock::takeFromAgent(const char* name, ListUse use, std::optional<host::
   }
 }
 
-// If the directory is missing or must not be used, the write itself fails. If it cannot be locked,
-// requireUnchanged() checks the file.
+// If the directory is missing or the user may not use it, the write itself fails. If it cannot be
+// locked, requireUnchanged() checks the file.
 void ListLock::lockDirectory() {
   const std::string directory = directoryOf(m_path);
   const Answer answer = await([&](unsigned int wait) {

@@ -62,7 +62,7 @@ class ListLock {
   std::optional<ChangeWatch> m_watch;  // under the locks
 };
 
-// Returns the directory of the file, after links. The file need not exist.
+// Returns the directory of the file, with all symbolic links resolved. The file need not exist.
 std::string directoryOf(const std::string& file);
 
 // Returns the value of --wait in milliseconds. Fails when it is not a number of seconds.

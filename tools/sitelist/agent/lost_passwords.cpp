@@ -103,7 +103,8 @@ bool isLost(const Element& /*password*/, const std::wstring& text) {
   return !opensWithAgentKey(text);
 }
 
-// The management server encrypts all passwords but this one, which has the password key.
+// The management server encrypts all passwords except this one. This one is encrypted with the
+// password key.
 bool isLostFromServer(const Element& password, const std::wstring& text) {
   if (password.HasName(schema::WX_XML_HTTP_PROXY_PROXYPASSWORD)) return !opensWithAgentKey(text);
   std::wstring clear;

@@ -12,7 +12,7 @@ struct Owner {
   gid_t group = 0;
 };
 
-// Returns a user, named or by number, and the user's group. Fails when there is no such user.
+// Returns a user, given by name or number, and the user's group. Fails when there is no such user.
 Owner findOwner(const std::string& user);
 
 // Makes a directory belong to the owner. What root creates in it then belongs to the same user. The

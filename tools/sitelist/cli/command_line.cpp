@@ -101,8 +101,9 @@ const CLI::App& chosenCommand(const CLI::App& program) {
 // "policies set"
 std::string nameOfChosenCommand(const CLI::App& program) {
   std::string name;
-  for (const CLI::App* app = &chosenCommand(program); app != &program; app = app->get_parent()) {
-    name = name.empty() ? app->get_name() : app->get_name() + " " + name;
+  for (const CLI::App* app = &program; !app->get_subcommands().empty();) {
+    app = app->get_subcommands().front();
+    name += (name.empty() ? "" : " ") + app->get_name();
   }
   return name;
 }

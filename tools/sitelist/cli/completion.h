@@ -24,8 +24,8 @@ struct Answer {
   Further further = Further::Nothing;
 };
 
-// Returns the names of the sites in a list. The list is `file` or, if that is empty, the own list
-// of the agent in `agentDirectory`. Both are unchanged values of the command line. A value that the
+// Returns the names of the sites in a list. The list is `file` or, if that is empty, the agent's
+// own list in `agentDirectory`. Both are unchanged values of the command line. A value that the
 // line does not have is empty.
 using SiteNames = std::function<std::vector<std::string>(const std::string& agentDirectory,
                                                          const std::string& file)>;

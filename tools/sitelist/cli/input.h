@@ -18,8 +18,8 @@ struct Input {
 // The advice for EBADF, which only standard input can give.
 constexpr const char* c_openInput = "standard input is not open for reading; redirect a file to it";
 
-// Opens standard streams that are closed, so that no other file gets their number and with it the
-// messages. Reading them or writing to them still fails.
+// Opens standard streams that are closed. Otherwise another file could get the descriptor of such a
+// stream, and messages would go into that file. Reading them or writing to them still fails.
 void reserveStandardStreams();
 
 // Returns whether a name on the command line means standard input or standard output: "-". "./-" is
@@ -28,7 +28,8 @@ bool isStandardStream(const std::string& file);
 // Fails with wrong usage if `file` is "-". `what` names the argument or option.
 void refuseStandardStream(const std::string& file, const std::string& what);
 
-// Returns whether the file is "-", or another name of a pipe that is standard input: /dev/stdin.
+// Returns whether the file is "-", or names the pipe that is standard input, for example
+// /dev/stdin.
 bool isStandardInput(const std::string& file);
 
 // Returns whether the file can be read only once: standard input, or a pipe.

@@ -38,11 +38,10 @@ struct LoggedReason {
 LoggedReason takeReasonOfWrite(const std::string& path);
 LoggedReason takeReasonOfKeyFile();
 
-// Prints errors among the records to standard error. After a success, they are printed as
-// warnings, without those of the library's class: a command can succeed although an operation of
-// the library logged an error. After a failure, errors that only repeat a result code are
-// omitted. With --verbose, nothing is printed after a failure, because each error was printed when
-// it was logged.
+// Prints errors among the records to standard error. After a success, they are printed as warnings.
+// The errors of the library's class are omitted, because a command can succeed although an
+// operation logged one. After a failure, errors that only repeat a result code are omitted. With
+// --verbose, nothing is printed after a failure, because each error was printed when it was logged.
 void reportLoggedErrors(bool hasSucceeded);
 
 }  // namespace tool

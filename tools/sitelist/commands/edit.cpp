@@ -59,7 +59,8 @@ void addKind(Command& command, EditArguments& options) {
       .choices(kinds());
 }
 
-// Returns the fields of all kinds that can be set: those of passwords, or all others with "=".
+// Returns the names of the fields that can be set, of all kinds. They are the password fields, or
+// all others with "=" at the end.
 std::vector<std::string> suggestedFields(bool isPassword) {
   std::set<std::string> names;
   for (const std::string& kind : kinds()) {

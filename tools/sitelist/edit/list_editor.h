@@ -10,12 +10,12 @@
 
 namespace tool {
 
-// Fails with the reason if a file cannot be edited as a site list: the file is missing, is not a
-// document, has another root or has no "SiteList". The edit operations of the library do not give
-// this reason.
+// Fails if a file cannot be edited as a site list, and gives the reason. The file may be missing,
+// may not be a document, may have another root or no "SiteList". The edit operations of the library
+// do not give this reason.
 void failIfNotEditable(const std::string& path);
-// Fails if the list has more sites than the library reads. The edit operations refuse such a list
-// when they write it.
+// Fails if the list exceeds a limit of the library on its sites or on its elements of unknown kind.
+// The edit operations refuse such a list when they write it.
 void failIfOverLimit(const std::string& path);
 
 // A list that is being edited. It has the document and, for each site element, the record that the

@@ -12,7 +12,7 @@
 namespace tool {
 
 // Counts the faults of each rule, because the text and the place of an old fault may change. The
-// old list is checked only if the new one has a fault, because checking a long list takes long.
+// old list is checked only if the new one has a fault, because checking a long list takes time.
 std::vector<Fault> newFaults(const std::string& path, const std::string& draft, bool hasKeyFiles) {
   const bool isServerChecked = sitehlp::CSitesHelper(true).IsOrbManaged() != 0;
   std::vector<Fault> after = validateList({path, draft, hasKeyFiles}, isServerChecked);

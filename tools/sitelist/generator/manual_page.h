@@ -12,7 +12,7 @@ namespace tool {
 // A manual page in the mdoc language.
 class ManualPage {
  public:
-  // `date` has a form as in "May 1, 2001". `description` has no full stop.
+  // `date` is in the form "May 1, 2001". `description` has no full stop.
   ManualPage(const std::string& name, int section, const std::string& date,
              const std::string& description);
 

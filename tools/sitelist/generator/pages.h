@@ -12,7 +12,7 @@ namespace tool {
 // Which exit statuses each command can return.
 struct StatusTable {
   std::vector<std::string> lines;  // a heading, and a line for each command
-  // what a status means for a command, by both, for example "diff 1"
+  // a command and a status, for example "diff 1", with the meaning
   std::vector<std::pair<std::string, std::string>> meanings;
 };
 
@@ -20,7 +20,7 @@ struct StatusTable {
 // commands of the program.
 StatusTable statusTable(const CommandInfo& program, const std::string& statuses);
 
-// Return the source of a manual page. `date` has a form as in "May 1, 2001".
+// Return the source of a manual page. `date` is in the form "May 1, 2001".
 std::string toolPage(const CommandInfo& program, const StatusTable& statuses,
                      const std::string& date);
 std::string settingsPage(const std::string& date);

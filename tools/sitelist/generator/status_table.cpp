@@ -14,7 +14,7 @@ constexpr int c_columnWidth = 3;
 // 70 and the statuses of signals are possible for every command, so they have no column.
 constexpr const char* c_statuses[] = {"0", "1", "2", "3", "4", "5", "6", "7"};
 
-// Returns the names of the commands that do something themselves, such as "edit set".
+// Appends the names of the commands that can be run, such as "edit set".
 void collectNames(const CommandInfo& info, const std::string& path,
                   std::vector<std::string>& names) {
   const bool isGroup = !info.commands.empty() && info.arguments.empty();

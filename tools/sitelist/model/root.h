@@ -11,8 +11,9 @@ class Document;
 
 namespace tool {
 
-// Each function fails with exitDocument if the root element of a document is not "SiteLists", with
-// any prefix. The library reads any other document as a list without sites.
+// Each function fails with exitDocument if the root element of a document is not "SiteLists". Any
+// prefix is accepted. The library accepts any root, so a file of another kind looks like a list
+// without sites.
 void requireSiteList(const std::string& name, const AdvXMLParser::Document& document);
 // Reads the file. Also fails if the file cannot be read, or has no root element.
 void requireSiteList(const std::string& path);

@@ -32,7 +32,7 @@ void sortBySearchOrder(std::vector<const sitehlp::tag_Site*>& sites);
 std::vector<std::string> columnNames();
 // Returns whether the table format has the column by default.
 bool isTableColumn(const std::string& name);
-// Returns the text of a column. Fails when there is no such column.
+// Returns the text of a column, or an empty text if the site has no such column.
 std::wstring cellOf(const sitehlp::tag_Site& site, const std::string& column, bool showSecrets);
 // Fails when there is no such column, and lists the names.
 void requireColumn(const std::string& name);

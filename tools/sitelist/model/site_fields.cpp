@@ -29,7 +29,7 @@ Field fieldOf(const Row& row, const Value& value) {
 }  // namespace
 
 const char* kindOf(const tag_Site& site) {
-  // Only elements of this kind share a kind of record.
+  // Only SITE_KIND_HTTP has several elements.
   const bool isHttp = site.eSiteKind == sitehlp::SITE_KIND_HTTP;
   for (const NamedKind& kind : c_kinds) {
     if (site.eSiteKind != kind.siteKind) continue;

@@ -65,7 +65,7 @@ struct Field {
   bool hasHosts = false;  // a text with hosts, separated by ";"
 };
 
-// Returns the fields of a record by their names, beginning with those of all kinds.
+// Returns the fields of a record with their names. The fields that every kind has come first.
 std::vector<Field> fieldsOf(const sitehlp::tag_Site& site);
 bool isSame(const Field& a, const Field& b);
 

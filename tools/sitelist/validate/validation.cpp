@@ -21,8 +21,8 @@ namespace {
 namespace log_texts = sitehlp::log_texts;
 using namespace korvel_com::orb::xmlschema::sitelist;  // NOLINT(google-build-using-namespace)
 
-// The text of a log line for a broken rule: its beginning and its end. If `isWhole` is not set and
-// `end` is empty, the line ends with a value. The message also has this value in quotation marks if
+// The text of a log line for a fault: its beginning and its end. If `isWhole` is not set and `end`
+// is empty, the line ends with a value. The message also has this value in quotation marks if
 // `text` ends with "not ".
 struct Wording {
   const char* rule;

@@ -7,7 +7,7 @@
 
 #include "bench/child_runs.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 
 // Measures one or all rows of the table. Each row is a benchmark named "operation / baseline". Its

@@ -29,6 +29,23 @@ def plain(axis):
     axis.set_major_formatter(FuncFormatter(lambda value, _: f"{value:,g}"))
 
 
+def save_by_sites(figure, axes, label, path, yticks=None):
+    """Completes a chart with the number of sites along its logarithmic x axis."""
+    axes.set_xscale("log")
+    axes.set_yscale("log")
+    axes.set_xlabel("sites in the list")
+    axes.set_ylabel(label)
+    axes.set_xticks([12, 100, 1000, 10000])
+    if yticks:
+        axes.set_yticks(yticks)
+    axes.minorticks_off()
+    plain(axes.xaxis)
+    plain(axes.yaxis)
+    axes.grid(True, axis="y")
+    style.legend_below(axes)
+    style.save(figure, path)
+
+
 def peer_ratios(rows, path):
     figure, axes = style.axes(8, 5.2, "ReadSiteList against the same job with other libraries")
     for peer, colour in PEERS.items():
@@ -58,18 +75,8 @@ def peer_ratios(rows, path):
                     linestyle="none",
                 )
     axes.axhline(1, color=style.GREY, linewidth=1)
-    axes.set_xscale("log")
-    axes.set_yscale("log")
-    axes.set_xlabel("sites in the list")
-    axes.set_ylabel("time as a multiple of the peer's")
-    axes.set_xticks([12, 100, 1000, 10000])
-    axes.set_yticks([0.25, 0.5, 1, 2, 4])
-    axes.minorticks_off()
-    plain(axes.xaxis)
-    plain(axes.yaxis)
-    axes.grid(True, axis="y")
-    style.legend_below(axes)
-    style.save(figure, path)
+    label = "time as a multiple of the peer's"
+    save_by_sites(figure, axes, label, path, yticks=[0.25, 0.5, 1, 2, 4])
 
 
 def read_times(rows, path):
@@ -104,14 +111,4 @@ def read_times(rows, path):
             marker=marker,
             linestyle=line,
         )
-    axes.set_xscale("log")
-    axes.set_yscale("log")
-    axes.set_xlabel("sites in the list")
-    axes.set_ylabel("milliseconds")
-    axes.set_xticks([12, 100, 1000, 10000])
-    axes.minorticks_off()
-    plain(axes.xaxis)
-    plain(axes.yaxis)
-    axes.grid(True, axis="y")
-    style.legend_below(axes)
-    style.save(figure, path)
+    save_by_sites(figure, axes, "milliseconds", path)

@@ -137,19 +137,32 @@ std::string unexpected(const CLI::App& program, const HintTable& hints) {
          suggestion(word, commands);
 }
 
-// "-h", or several flags of one letter with it
-bool asksForHelp(const std::string& word) {
-  return word == "--help" || (word.size() > 1 && word.find_first_not_of("hq", 1) == word.npos &&
-                              word[0] == '-' && word.find('h') != word.npos);
+// Returns the letters of the short options of a command and of the commands above it.
+std::string lettersOf(const CLI::App* app) {
+  std::string letters;
+  for (; app; app = app->get_parent()) {
+    for (const CLI::Option* option : app->get_options()) {
+      for (const std::string& name : option->get_snames()) letters += name;
+    }
+  }
+  return letters;
+}
+
+// Returns whether the word is one or more short options with the one for help among them.
+bool hasHelpLetter(const std::string& word) {
+  return isOptionLike(word) && word[1] != '-' && word.find('h') != word.npos;
 }
 
 // Returns the word that the parser took for a request for help although it is none: it takes
 // "-hidden" for "-h" with further letters. Returns null if help was asked for.
-const std::string* falseHelp(const std::vector<std::string>& words) {
-  if (std::any_of(words.begin(), words.end(), asksForHelp)) return nullptr;
-  const auto found = std::find_if(words.begin(), words.end(), [](const std::string& word) {
-    return isOptionLike(word) && word[1] != '-' && word.find('h') != word.npos;
+const std::string* falseHelp(const CLI::App& program, const std::vector<std::string>& words) {
+  const std::string letters = lettersOf(&chosenCommand(program));
+  const bool isAsked = std::any_of(words.begin(), words.end(), [&](const std::string& word) {
+    return word == "--help" ||
+           (hasHelpLetter(word) && word.find_first_not_of(letters, 1) == word.npos);
   });
+  if (isAsked) return nullptr;
+  const auto found = std::find_if(words.begin(), words.end(), hasHelpLetter);
   return found == words.end() ? nullptr : &*found;
 }
 
@@ -284,7 +297,7 @@ CommandLine::Outcome CommandLine::parse(const std::vector<std::string>& argument
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) {
       const std::string* const word =
-          dynamic_cast<const CLI::CallForHelp*>(&e) ? falseHelp(arguments) : nullptr;
+          dynamic_cast<const CLI::CallForHelp*>(&e) ? falseHelp(*m_app, arguments) : nullptr;
       if (word) {
         text = unknownOption(*m_app, m_hints, *word);
         return Outcome::Wrong;

@@ -14,7 +14,7 @@ constexpr const char* c_completeCommand = "__complete";
 //   :files                  the last line: the shell must also offer files,
 //   :directories            directories,
 //   :nospace                must not put a space after the word,
-// :nothing                or none of these
+//   :nothing                or none of these
 //
 // Never fails and never prints a message. After an error there are no candidates. Takes no lock,
 // reads no key and changes no file.

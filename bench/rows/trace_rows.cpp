@@ -1,5 +1,5 @@
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "platform/common/log.h"
 
 namespace bench {

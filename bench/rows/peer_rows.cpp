@@ -6,7 +6,7 @@
 #include "bench/peers/peer.h"
 #include "bench/reads.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
 

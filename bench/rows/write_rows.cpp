@@ -3,7 +3,7 @@
 #include "bench/fresh_documents.h"
 #include "bench/reads.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
 #include "host/fs/files.h"

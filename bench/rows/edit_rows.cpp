@@ -2,7 +2,7 @@
 #include "bench/edits.h"
 #include "bench/floors.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
 

@@ -1,7 +1,7 @@
 #include "bench/check.h"
 #include "bench/floors.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_lists.h"
 #include "sitehlp/sites_helper.h"
 

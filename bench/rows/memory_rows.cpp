@@ -2,7 +2,7 @@
 #include "bench/child_process.h"
 #include "bench/child_runs.h"
 #include "bench/row.h"
-#include "bench/row_groups.h"
+#include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
 #include "sitehlp/sites_helper.h"

@@ -50,6 +50,7 @@ Cost instructionsOf(const std::string& program, const std::string& operation,
 bool runCountAsChild(int argc, char** argv) {
   if (argc != 5 || std::string(argv[1]) != c_countOne) return false;
   serveSampleAgent(argv[2]);
+  fetchCipher();
   for (const GrowthOperation& operation : growthOperations()) {
     if (operation.name != argv[3]) continue;
     const Repeatable first = operation.prepare(c_fewElements);

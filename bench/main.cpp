@@ -91,6 +91,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   bench::serveSampleAgent(argv[1]);
+  bench::fetchCipher();
   std::rotate(argv + 1, argv + 2, argv + argc);
   --argc;
 

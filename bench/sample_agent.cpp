@@ -21,12 +21,16 @@ std::string g_directory;
 // it might not detect a later change. The key of a real agent is older, so this function waits.
 void makeKey() {
   if (fs::exists(g_directory + "/keystore/password.key")) return;
-  std::wstring ignored;
-  check(sitehlp::CSitesHelper(true).EncryptPassword(L"", ignored) != 0, "cannot make a key");
+  fetchCipher();
   std::this_thread::sleep_for(std::chrono::milliseconds(3500));
 }
 
 }  // namespace
+
+void fetchCipher() {
+  std::wstring ignored;
+  check(sitehlp::CSitesHelper(true).EncryptPassword(L"", ignored) != 0, "cannot encrypt");
+}
 
 void serveSampleAgent(const std::string& directory) {
   g_directory = fs::absolute(directory).string();

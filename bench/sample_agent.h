@@ -9,6 +9,10 @@ namespace bench {
 // Makes the agent in a directory the current agent. Creates the files that are missing.
 void serveSampleAgent(const std::string& directory);
 
+// Makes the library fetch the cipher, which a process does only once and which takes long.
+// Otherwise one of the measured runs would do it.
+void fetchCipher();
+
 // The directory of its files, and the path of a file in its "etc" directory.
 const std::string& agentDirectory();
 std::string inEtc(const std::string& name);

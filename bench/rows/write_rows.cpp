@@ -6,7 +6,7 @@
 #include "bench/rows/row_groups.h"
 #include "bench/sample_agent.h"
 #include "bench/sample_lists.h"
-#include "host/fs/files.h"
+#include "platform/common/afile.h"
 #include "sitehlp/sites_helper.h"
 
 namespace bench {
@@ -93,13 +93,16 @@ Measurement prepareImportInSteps() {
   return {import.cost(), firstUse(import.incoming, steps)};
 }
 
-// Writes what an import writes: the key files, the list and the mesh copy.
+// Writes what an import writes: the key files, the list and the mesh copy. Key files that are the
+// same already are only synced, as by an import.
 void writeAll(const std::string& directory, const std::string& list) {
-  const std::string key(256, 'k');
+  const std::vector<unsigned char> bytes(256, 'k');
+  const ABuffer key(bytes.data(), bytes.size());
+  std::vector<AFile::NewContent> keys;
   for (const char* const name : c_keyFiles) {
-    check(host::replaceSecretFile(directory + "/" + name, key.data(), key.size()) == 0,
-          "cannot write a key file");
+    keys.push_back({widePath(directory + "/" + name), &key});
   }
+  check(AFile::writeTogether(keys), "cannot write the key files");
   writeAtomically(directory + "/SiteList.xml", list);
   writeAtomically(agentDirectory() + "/mesh/SiteList.xml", list);
 }

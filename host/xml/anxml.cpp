@@ -69,6 +69,10 @@ bool AnXml::useText(const AString& path, const std::string& utf8, const WrittenI
   return true;
 }
 
+AdvXMLParser::Document* AnXml::newDocument() const {
+  return m_tree ? new AdvXMLParser::Document(m_tree) : nullptr;
+}
+
 bool AnXml::writeFile(const AString& path, bool reserved1, bool reserved2) const {
   if (!m_tree || reserved1 || reserved2) return false;
   const std::string text = m_tree->toText(false);

@@ -74,11 +74,11 @@ std::string DocumentTree::toText(bool indent) const {
   return std::move(writer.text);
 }
 
-Document::Document(const std::wstring& rootName) : m_tree(std::make_unique<DocumentTree>()) {
+Document::Document(const std::wstring& rootName) : m_tree(std::make_shared<DocumentTree>()) {
   host::appendNode(m_tree->document, pugi::node_element, host::XmlName(rootName).c_str());
 }
 
-Document::Document(std::unique_ptr<DocumentTree> tree) : m_tree(std::move(tree)) {}
+Document::Document(std::shared_ptr<DocumentTree> tree) : m_tree(std::move(tree)) {}
 
 Document::~Document() = default;
 

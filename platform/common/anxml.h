@@ -9,6 +9,7 @@
 #include "platform/export.h"
 
 namespace AdvXMLParser {
+class Document;
 struct DocumentTree;
 struct WrittenIn;
 }  // namespace AdvXMLParser
@@ -45,6 +46,11 @@ class PLATFORM_API AnXml {
                const AdvXMLParser::WrittenIn& writtenIn, const wchar_t* rootName,
                const wchar_t* namespaceAttribute, const wchar_t* namespaceValue);
 
+  // Returns a document with the same tree, so that the text need not be parsed again. An edit of
+  // one changes both. The caller owns the result. Returns null when there is no document. May throw
+  // std::bad_alloc.
+  AdvXMLParser::Document* newDocument() const;
+
   // Creates or atomically replaces the file with the document as UTF-8, with an XML declaration and
   // without a byte order mark. The mode and owner of an old file are kept. A new file is readable
   // and writable by its owner and readable by its group. Both flags are reserved and must be false.
@@ -58,7 +64,7 @@ class PLATFORM_API AnXml {
  private:
   friend class AnXmlNode;
 
-  std::unique_ptr<AdvXMLParser::DocumentTree> m_tree;
+  std::shared_ptr<AdvXMLParser::DocumentTree> m_tree;
 };
 
 // A handle on one element: a small value that may be copied. It is valid while its AnXml exists

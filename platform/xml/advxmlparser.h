@@ -8,6 +8,8 @@
 
 #include "platform/export.h"
 
+class AnXml;
+
 // The agent's XML parser library. Text is wide (UTF-32). Names and values are compared exactly.
 //
 // A Document owns its tree. Node, Attribute, NodeContainer and Element are handles: small values
@@ -295,10 +297,11 @@ class PLATFORM_API Document {
   std::wstring GenerateXML(bool indent) const;
 
  private:
+  friend class ::AnXml;
   friend class Parser;
-  explicit Document(std::unique_ptr<DocumentTree> tree);
+  explicit Document(std::shared_ptr<DocumentTree> tree);
 
-  std::unique_ptr<DocumentTree> m_tree;
+  std::shared_ptr<DocumentTree> m_tree;
 };
 
 // Writes a new document as text, element by element and without a tree. The text is the same as

@@ -28,9 +28,13 @@ std::size_t numberOfChildren(const AnXmlNode& node) {
 
 }  // namespace
 
-bool openSiteListText(AnXml& document, const ListSource& source) {
-  return document.useText(source.path(), source.utf8(), source.writtenIn(), WX_XML_SITELISTS,
-                          WX_XML_NAMESPACE, WX_XML_SITELISTS_NAMESPACE);
+bool openSiteListText(AnXml& document, ListSource& source) {
+  if (!document.useText(source.path(), source.utf8(), source.writtenIn(), WX_XML_SITELISTS,
+                        WX_XML_NAMESPACE, WX_XML_SITELISTS_NAMESPACE)) {
+    return false;
+  }
+  source.setDocument(document.newDocument());
+  return true;
 }
 
 bool openLocked(AnXml& document, const AString& path) {

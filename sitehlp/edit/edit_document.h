@@ -12,8 +12,9 @@ namespace sitehlp {
 // The component of document editing in log lines and traces.
 constexpr const wchar_t* c_editComponent = L"StSHlp";
 
-// Parses the text of `source` and opens it as a site list document.
-bool openSiteListText(AnXml& document, const ListSource& source);
+// Parses the text of `source` and opens it as a site list document. `source` has the same document
+// afterwards.
+bool openSiteListText(AnXml& document, ListSource& source);
 
 // Opens a file as a site list document, under the read lock "SiteListLock".
 bool openLocked(AnXml& document, const AString& path);

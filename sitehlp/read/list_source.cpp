@@ -44,10 +44,16 @@ int ListSource::readFile(bool useLock) {
 
 AdvXMLParser::Document* ListSource::document() {
   if (!m_document) {
-    m_document.reset(AdvXMLParser::Parser().ParseUtf8(m_utf8.data(), m_utf8.size(), &m_writtenIn));
-    if (m_document) std::string().swap(m_utf8);  // the tree has all of it
+    AdvXMLParser::Document* const parsed =
+        AdvXMLParser::Parser().ParseUtf8(m_utf8.data(), m_utf8.size(), &m_writtenIn);
+    if (parsed) setDocument(parsed);
   }
   return m_document.get();
+}
+
+void ListSource::setDocument(AdvXMLParser::Document* document) {
+  m_document.reset(document);
+  std::string().swap(m_utf8);  // the tree has all of it
 }
 
 }  // namespace sitehlp

@@ -30,13 +30,16 @@ class ListSource {
   // call returns the result of the first one: 0, -4 or -10. An error line gives the reason for -10.
   int read(bool useLock);
 
-  // Returns the text that was read, or an empty text after document() has parsed it.
+  // Returns the text that was read, or an empty text once there is a document.
   const std::string& utf8() const { return m_utf8; }
   const AdvXMLParser::WrittenIn& writtenIn() const { return m_writtenIn; }
 
   // Returns the document, or null if the text has no markup. The first call parses the text. Throws
   // the exceptions of AdvXMLParser::Parser.
   AdvXMLParser::Document* document();
+  // Takes the document of the text, which the caller has already parsed. `document` must not be
+  // null.
+  void setDocument(AdvXMLParser::Document* document);
 
  private:
   int readFile(bool useLock);

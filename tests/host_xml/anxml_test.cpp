@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <memory>
 #include <new>
 #include <pugixml.hpp>
 #include <regex>
 
+#include "platform/xml/advxmlparser.h"
 #include "tests/host_xml/documents.h"
 #include "tests/support/faulty_file_system.h"
 
@@ -56,6 +58,20 @@ TEST_F(AnXmlFile, IsWrittenAsItWasReadWithoutAnEdit) {
   ASSERT_TRUE(open(xml));
   EXPECT_EQ(saved(xml), c_list);
 }
+
+TEST_F(AnXmlFile, SharesItsTreeWithANewDocument) {
+  std::unique_ptr<AdvXMLParser::Document> document;
+  {
+    AnXml xml;
+    ASSERT_TRUE(open(xml));
+    document.reset(xml.newDocument());
+    AnXmlNode(&xml).setValue(L"Type", AString(L"Changed"));
+  }
+  // The tree exists as long as one of the two.
+  EXPECT_EQ(document->GetRoot().GetAttribute(L"Type").GetValue(), L"Changed");
+}
+
+TEST_F(AnXmlFile, HasNoDocumentToShareBeforeItHasOne) { EXPECT_EQ(AnXml().newDocument(), nullptr); }
 
 TEST_F(AnXmlFile, IsReadInAnyEncodingAndWrittenAsUtf8) {
   for (const auto encoding : {AdvXMLParser::UTF_16LE, AdvXMLParser::UTF_16BE,

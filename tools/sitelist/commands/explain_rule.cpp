@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <memory>
 #include <ostream>
-#include <sstream>
 
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/matching.h"
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/cli/wrap.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/validate/rules.h"
 
@@ -27,18 +27,8 @@ Record ruleRecord(const Rule& rule) {
 }
 
 // Returns the text in lines with an indent of two columns.
-std::string wrapped(const std::string& text, std::size_t columns) {
-  std::istringstream words(text);
-  std::string all;
-  std::string line = " ";
-  for (std::string word; words >> word;) {
-    if (line.size() > 1 && columnsOf(wide(std::string(line).append(" ").append(word))) > columns) {
-      all += line + '\n';
-      line = " ";
-    }
-    line += " " + word;
-  }
-  return all + line + '\n';
+std::string indented(const std::string& text, std::size_t columns) {
+  return "  " + wrapped(text, 2, columns) + '\n';
 }
 
 void printRule(std::ostream& out, const Screen& screen, const Rule& rule) {
@@ -49,9 +39,9 @@ void printRule(std::ostream& out, const Screen& screen, const Rule& rule) {
   };
   const Style style = rule.severity == Severity::Error ? Style::Bad : Style::Changed;
   out << screen.styled(style, rule.name) << " (" << nameOf(rule.severity) << ")\n"
-      << wrapped(rule.summary, columns) << heading("Why") << wrapped(rule.why, columns)
+      << indented(rule.summary, columns) << heading("Why") << indented(rule.why, columns)
       << heading("What to do")
-      << wrapped(rule.mend, columns)
+      << indented(rule.mend, columns)
       // Examples are not broken into lines, so that they can be copied.
       << heading("Wrong") << "  " << rule.faulty << '\n'
       << heading("Right") << "  " << rule.mended << '\n';

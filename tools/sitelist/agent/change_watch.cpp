@@ -12,7 +12,7 @@
 
 #include "host/fs/file_system.h"
 #include "platform/config/mesh_service.h"
-#include "sitehlp/install/key_file_names.h"
+#include "tools/sitelist/agent/key_files.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/input.h"
 #include "tools/sitelist/cli/text.h"
@@ -69,10 +69,7 @@ std::vector<std::string> filesOfAgent(const Context& context) {
       passwordKeyPath(context.agentDirectory),
       narrow(MeshServiceConfiguration::GetInstance()->GetMeshSiteListPath()),
   };
-  for (const wchar_t* name : {sitehlp::c_srPubKey, sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey,
-                              sitehlp::c_req2048SecKey}) {
-    files.push_back(etc + "/" + narrow(name));
-  }
+  for (const wchar_t* name : c_keyFiles) files.push_back(etc + "/" + narrow(name));
   return files;
 }
 

@@ -9,10 +9,10 @@
 
 #include "host/fs/files.h"
 #include "sitehlp/common/log_texts.h"
-#include "sitehlp/install/key_file_names.h"
 #include "sitehlp/sites_helper.h"
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/incoming_check.h"
+#include "tools/sitelist/agent/key_files.h"
 #include "tools/sitelist/agent/password_check.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
@@ -29,8 +29,6 @@ namespace {
 
 constexpr const char* c_fixErrors = "fix these errors; `sitelist explain-rule RULE` says how";
 constexpr const char* c_noKeyFiles = "the key files that belong to the list could not be copied";
-constexpr const wchar_t* c_keyFiles[] = {sitehlp::c_srPubKey, sitehlp::c_reqSecKey,
-                                         sitehlp::c_sr2048PubKey, sitehlp::c_req2048SecKey};
 
 bool begins(const std::wstring& text, const std::wstring& start) {
   return text.rfind(start, 0) == 0;
@@ -41,22 +39,6 @@ bool wasLogged(const std::wstring& start) {
     if (begins(record.text, start)) return true;
   }
   return false;
-}
-
-bool hasVersionedServer(const std::string& path) {
-  const SiteList list = readSiteList(path);
-  for (const sitehlp::tag_Site* site = list.sites.get(); site; site = site->pNext) {
-    if (std::string(kindOf(*site)) == "server" && site->http.szVersion[0]) return true;
-  }
-  return false;
-}
-
-// Returns why a key file cannot be used, or an empty text. Does not read the key.
-std::string whyUnusable(const std::string& path) {
-  std::string nothing;
-  const int error = host::readRegularFile(path, 0, nothing);
-  if (error == EFBIG) return "";
-  return error ? readFailureReason(error) : "it is empty";
 }
 
 // Returns which key files of the list cannot be used, with the reason, one in each line.
@@ -126,7 +108,7 @@ void failOwnFiles(const IncomingOptions& options, const std::string& ownList, in
     throw writeFailure(ownList, code, "the list could not be written");
   }
   failIfNotWritten(ownList, code);
-  const bool isVersioned = hasVersionedServer(options.file);
+  const bool isVersioned = hasVersionedServer(readSiteList(options.file).sites.get());
   if (isVersioned && options.isStream) {
     throw libraryFailure(options.file, code, exitCrypto, c_noKeyFiles,
                          "save the list to a file next to its key files, and name that file",

@@ -40,6 +40,24 @@ bool isTempName(const std::string& name) {
          name.find_first_not_of(c_hexDigits, c_prefix.size()) == c_prefix.size() + digits;
 }
 
+// Calls the function for each temporary file whose writer has ended. The file is locked meanwhile.
+// Returns 0 or an errno.
+template <typename Function>
+int forEachLeftOver(int directory, Function function) {
+  std::vector<std::string> names;
+  const int listed = fileSystem().list(directory, names);
+  if (listed < 0) return -listed;
+  for (const std::string& name : names) {
+    if (!isTempName(name)) continue;
+    const Descriptor file(
+        fileSystem().open(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0));
+    // A running writer holds the lock. A writer that has just renamed its file does not hold it,
+    // but then the name no longer exists.
+    if (file.error() == 0 && fileSystem().lock(file.get(), LOCK_EX | LOCK_NB) == 0) function(name);
+  }
+  return 0;
+}
+
 }  // namespace
 
 TempFile::TempFile(int directory) : m_directory(directory), m_file(-EBADF) {}
@@ -101,20 +119,14 @@ int TempFile::linkAs(const std::string& name) {
 }
 
 void removeLeftOverTempFiles(int directory) noexcept try {
-  std::vector<std::string> names;
-  if (fileSystem().list(directory, names) < 0) return;
-  for (const std::string& name : names) {
-    if (!isTempName(name)) continue;
-    const Descriptor file(
-        fileSystem().open(directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0));
-    // A running writer holds the lock. A writer that has just renamed its file does not hold it,
-    // but then the name no longer exists.
-    if (file.error() == 0 && fileSystem().lock(file.get(), LOCK_EX | LOCK_NB) == 0) {
-      fileSystem().unlink(directory, name);
-    }
-  }
+  forEachLeftOver(directory,
+                  [directory](const std::string& name) { fileSystem().unlink(directory, name); });
 } catch (const std::bad_alloc&) {
   // A failure to clean up must not change the result of the operation before it.
+}
+
+int listLeftOverTempFiles(int directory, std::vector<std::string>& names) {
+  return forEachLeftOver(directory, [&names](const std::string& name) { names.push_back(name); });
 }
 
 }  // namespace host

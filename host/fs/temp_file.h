@@ -2,6 +2,7 @@
 #define HOST_FS_TEMP_FILE_H
 
 #include <string>
+#include <vector>
 
 #include "host/fs/descriptor.h"
 
@@ -39,6 +40,8 @@ class TempFile {
 // Removes the temporary files in the directory whose writers have ended. The next call tries again
 // to remove a file that cannot be removed now.
 void removeLeftOverTempFiles(int directory) noexcept;
+// Gets the names of these files. Returns 0 or an errno.
+int listLeftOverTempFiles(int directory, std::vector<std::string>& names);
 
 }  // namespace host
 

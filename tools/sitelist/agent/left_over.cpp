@@ -47,6 +47,28 @@ bool isRemovable(const struct stat& parent, const struct stat& directory) {
          (directory.st_uid == ::geteuid() && (parent.st_mode & S_ISVTX) != 0);
 }
 
+// Calls the function for each scratch directory that no living process has locked. It is locked
+// meanwhile.
+template <typename Function>
+void forEachLeftOver(const std::string& parent, Function function) {
+  host::FileSystem& files = host::fileSystem();
+  const host::Descriptor above(files.open(AT_FDCWD, parent, O_RDONLY | O_DIRECTORY, 0));
+  struct stat status;
+  std::vector<std::string> names;
+  if (above.error() || files.statOpen(above.get(), status) != 0) return;
+  files.list(above.get(), names);
+  for (const std::string& name : names) {
+    if (!isScratchName(name)) continue;
+    const host::Descriptor directory(files.open(above.get(), name, c_openDirectory, 0));
+    struct stat found;
+    if (directory.error() || files.statOpen(directory.get(), found) != 0 ||
+        !isRemovable(status, found) || files.lock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
+      continue;
+    }
+    function(above.get(), name, directory.get(), found.st_uid);
+  }
+}
+
 }  // namespace
 
 std::string makeScratchName() {
@@ -67,23 +89,17 @@ void removeScratchDirectory(const std::string& path) {
 }
 
 void removeLeftOverScratchDirectories(const std::string& parent) {
-  host::FileSystem& files = host::fileSystem();
-  const host::Descriptor above(files.open(AT_FDCWD, parent, O_RDONLY | O_DIRECTORY, 0));
-  struct stat status;
-  std::vector<std::string> names;
-  if (above.error() || files.statOpen(above.get(), status) != 0) return;
-  files.list(above.get(), names);
-  for (const std::string& name : names) {
-    if (!isScratchName(name)) continue;
-    const host::Descriptor directory(files.open(above.get(), name, c_openDirectory, 0));
-    struct stat found;
-    if (directory.error() || files.statOpen(directory.get(), found) != 0 ||
-        !isRemovable(status, found) || files.lock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
-      continue;
-    }
-    removeContent(directory.get(), found.st_uid);
-    ::unlinkat(above.get(), name.c_str(), AT_REMOVEDIR);
-  }
+  forEachLeftOver(parent, [](int above, const std::string& name, int directory, uid_t owner) {
+    removeContent(directory, owner);
+    ::unlinkat(above, name.c_str(), AT_REMOVEDIR);
+  });
+}
+
+std::vector<std::string> leftOverScratchDirectories(const std::string& parent) {
+  std::vector<std::string> found;
+  forEachLeftOver(parent, [&found](int /*above*/, const std::string& name, int /*directory*/,
+                                   uid_t /*owner*/) { found.push_back(name); });
+  return found;
 }
 
 }  // namespace tool

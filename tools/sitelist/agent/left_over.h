@@ -2,6 +2,7 @@
 #define TOOLS_SITELIST_AGENT_LEFT_OVER_H
 
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -16,6 +17,8 @@ void removeScratchDirectory(const std::string& path);
 // removed only if it belongs to the owner of `parent`, or if it belongs to the effective user and
 // `parent` has the sticky bit.
 void removeLeftOverScratchDirectories(const std::string& parent);
+// Returns the names of these directories.
+std::vector<std::string> leftOverScratchDirectories(const std::string& parent);
 
 }  // namespace tool
 

@@ -91,14 +91,15 @@ ListLock::Answer ListLock::await(const std::function<Answer(unsigned int)>& lock
 }
 
 void ListLock::takeFromAgent(const char* name, ListUse use, std::optional<host::LockHold>& hold) {
-  hold.emplace(name, use == ListUse::Change ? host::LockMode::Write : host::LockMode::Read);
+  const bool writes = use == ListUse::Change || use == ListUse::Mend;
+  hold.emplace(name, writes ? host::LockMode::Write : host::LockMode::Read);
   const std::size_t logged = logRecords().size();
   const Answer answer = await([&](unsigned int wait) {
     if (hold->lock(wait)) return Answer::Held;
     return logRecords().size() == logged ? Answer::Busy : Answer::Unusable;
   });
   if (answer == Answer::Busy) failBusy();
-  if (answer == Answer::Unusable && use == ListUse::Change) {
+  if (answer == Answer::Unusable && writes) {
     throw failureAt(m_path, exitFile, "the agent's locks cannot be used",
                     "check that you may write in the directory \"locks\" of the agent");
   }

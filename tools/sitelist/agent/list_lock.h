@@ -14,8 +14,9 @@
 
 namespace tool {
 
-// How a command uses a list: it reads it, reads it through the cached list, or changes it.
-enum class ListUse { Read, ReadCached, Change };
+// How a command uses a list: it reads it, reads it through the cached list, changes it, or mends
+// files beside it. To mend takes the same lock as a change, but keeps no list in the history.
+enum class ListUse { Read, ReadCached, Change, Mend };
 
 // Holds the lock of a list from the first read of a command to its last write. The operations of
 // the library take the same lock without waiting.

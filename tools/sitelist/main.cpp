@@ -23,6 +23,8 @@
 namespace tool {
 namespace {
 
+constexpr const char* c_defaultWait = "10";
+
 // `command` is empty if it is not known.
 std::string seeHelp(const std::string& command) {
   return "see `sitelist" + (command.empty() ? "" : " " + command) + " --help`";
@@ -102,7 +104,7 @@ int perform(Context& context) {
   try {
     context.agentDirectory = usableDirectory(context.agentDirectory);
     recordLog(context.verbose);
-    context.waitMilliseconds = parseWait(context.wait);
+    context.waitMilliseconds = parseWait(context.wait.value_or(c_defaultWait));
     const int status = context.action();
     reportLoggedErrors(true);
     print(context, status, nullptr);

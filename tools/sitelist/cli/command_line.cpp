@@ -232,6 +232,11 @@ Option Command::add_option(const std::string& name, std::string& value, const st
   return Option(m_app->add_option(name, value, help), m_hints);
 }
 
+Option Command::add_option(const std::string& name, std::optional<std::string>& value,
+                           const std::string& help) {
+  return Option(m_app->add_option(name, value, help), m_hints);
+}
+
 Option Command::add_option(const std::string& name, std::vector<std::string>& values,
                            const std::string& help) {
   return Option(m_app->add_option(name, values, help), m_hints);

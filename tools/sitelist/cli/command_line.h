@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -61,6 +62,9 @@ class Command {
   Command(CLI::App* app, HintTable* hints) : m_app(app), m_hints(hints) {}
   Command add_subcommand(const std::string& name, const std::string& description);
   Option add_option(const std::string& name, std::string& value, const std::string& help);
+  // Does the same for an option without a default. The value is empty if it is not given.
+  Option add_option(const std::string& name, std::optional<std::string>& value,
+                    const std::string& help);
   Option add_option(const std::string& name, std::vector<std::string>& values,
                     const std::string& help);
   // Adds an option that may be given several times, with one value each time.

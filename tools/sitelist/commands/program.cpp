@@ -74,7 +74,8 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                  "NO_COLOR is set")
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
-  app.add_option("--wait", context.wait, "Longest wait for the lock of a list (default: 10)")
+  app.add_option("--wait", context.wait,
+                 "Longest wait for the lock of a list (default: 10; 60 for\n`doctor`)")
       .type_name("SECONDS");
   app.add_flag("-q,--quiet", context.quiet,
                "Print only errors: no messages, no warnings, and no result\nunless it is in JSON, "

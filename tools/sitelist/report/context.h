@@ -18,8 +18,8 @@ struct Context {
   std::string format;  // empty: "table"
   bool json = false;   // the same as format "json"
   std::string color = "auto";
-  std::string wait = "10";                         // longest wait for locks, in seconds
-  unsigned int waitMilliseconds = 0;               // the same as a number, once it is checked
+  std::optional<std::string> wait;                 // longest wait for locks, in seconds, if given
+  unsigned int waitMilliseconds = 0;               // the same or the default, once it is checked
   std::vector<std::string> meshCommand;            // for `init`: all words after --mesh-command
   std::string command;                             // the name of the given command
   std::optional<std::vector<std::string>> helpOn;  // for `help`: the command to describe

@@ -4,11 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/export.h"
+
 namespace host {
 
 // All settings that an agent.toml may have. "mesh.load_command" is the key load_command in the
 // table mesh.
-std::vector<std::string> settingNames();
+PLATFORM_API std::vector<std::string> settingNames();
 
 }  // namespace host
 

@@ -350,6 +350,22 @@ USAGE = [
     Case("usage-not-utf8", ["show", "a", NOT_UTF8], 2),
 ]
 
+HOLDER = ((r"process [0-9]+ \([^)]*\)", "process @HOLDER@"),)
+DOCTOR = [
+    Case("doctor-well", agent("well", "doctor"), table=tables.health),
+    Case("doctor-ailing", agent("ailing", "doctor"), 1, tables.health),
+    Case("doctor-fix", agent("ailing", "doctor", "--fix"), 1, tables.health, writes=True),
+    Case("doctor-fix-well", agent("well", "doctor", "--fix"), table=tables.health),
+    Case("doctor-fix-unset", agent("unset", "doctor", "--fix"), 1, tables.health),
+    Case("doctor-fix-busy", agent("busy", "doctor", "--fix", "--wait", "0"), 4, tables.health, masks=HOLDER),
+    Case("doctor-fresh", agent("fresh", "doctor"), 1, tables.health),
+    Case("doctor-hostile", agent("hostile", "doctor"), 1, tables.health),
+    Case("doctor-strange", agent("strange", "doctor"), 1, tables.health),
+    Case("doctor-bad-key", agent("bad-key", "doctor"), 1, tables.health),
+    Case("doctor-keyless", agent("keyless", "doctor"), 1, tables.health),
+    Case("doctor-no-agent", agent("nowhere", "doctor"), 4),
+]
+
 # Each is a test of its own.
 GROUPS = {
     "show": SHOW,
@@ -360,10 +376,11 @@ GROUPS = {
     "changes": CHANGES,
     "validate": VALIDATE,
     "edit": EDIT,
+    "doctor": DOCTOR,
     "usage": USAGE,
 }
 ALL = [case for cases in GROUPS.values() for case in cases]
 # The name of a case begins with one of these names.
 COMMANDS = ("show", "get", "explain", "explain-rule", "diff", "versions", "servers", "certs", "policies",
             "protect", "init", "import", "install", "modify", "merge", "rewrite", "derive-server-list",
-            "server-list", "from-buffer", "validate", "edit", "history", "undo", "usage")
+            "server-list", "from-buffer", "validate", "doctor", "edit", "history", "undo", "usage")

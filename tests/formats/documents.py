@@ -131,6 +131,22 @@ def own(sealed):
     return document(sites, bundle("lasting") + policies({"AskIntervalMinutes": 30, "Old": 1}))
 
 
+def healthy(sealed, *certificates):
+    """A list in which no check of an agent finds a fault, with these certificates."""
+    sites = (
+        server("Main server", 1, "pyx.example")
+        + site("HttpSite", "WexHttp", 2, "update.wex.example:80", path("Current", "reader", sealed["depot"]))
+        + site("FTPSite", "WexFtp", 3, "ftp.wex.example:21", path("Current", "anonymous"))
+    )
+    return document(sites, bundle(*(certificates or ["lasting"])))
+
+
+def ailing(sealed):
+    """The same with faults: a wrong order of the vendor repositories, certificates, a fault of `validate`."""
+    text = healthy(sealed, "expired", "no certificate", "lasting").replace('Order="2"', 'Order="9"')
+    return text.replace('Name="WexFtp"', 'Name="WexFtp" Ordre="1"')
+
+
 def hostile(sealed):
     """A list with hostile text in every place except the names of elements."""
     h = HOSTILE

@@ -188,6 +188,7 @@ SUCCESS = [
     Way(0, "policies", "Old = 1"),
     Way(0, "policies set Old 2", "set policy setting", writes=True),
     Way(0, "policies unset Old", "removed policy setting", writes=True),
+    Way(0, "doctor", "0 failures", agent="well"),
     Way(0, "validate in/SiteList.xml", "valid"),
     Way(0, "explain-rule", "no-server"),
     Way(0, "import in/SiteList.xml", "now has", writes=True),
@@ -222,6 +223,7 @@ NEGATIVE = [
     Way(1, "certs --expiring 0 lists/expired.xml", "(expired)"),
     Way(1, "certs --expiring 0 lists/certificates.xml", "cannot be read"),
     Way(1, "policies lists/empty.xml", "no policy settings"),
+    Way(1, "doctor", "the agent has no list", agent="fresh"),
     Way(1, "validate lists/incomplete.xml", "server-name"),
     Way(1, "validate --strict broken/warnings.xml", "[warning]"),
     Way(1, "import lists/incomplete.xml", "the list was refused"),
@@ -270,6 +272,8 @@ FILE = [
     *same(4, "locked by another process",
           READS_OWN + CHANGES_OWN + REPLACES_OWN + USES_OWN + HISTORY + "rewrite lists/direct.xml new.xml",
           agent="busy"),
+    Way(4, "doctor", "data directory does not exist", agent="nowhere"),
+    Way(4, "doctor --fix", "locked by another process", agent="busy"),
     Way(4, "derive-server-list busy/etc", "locked by another process", agent="busy"),
     Way(4, "validate lists/none.xml", "missing-file"),
     Way(4, "derive-server-list lists", "the file does not exist"),
@@ -277,6 +281,7 @@ FILE = [
     *same(4, "cannot write to standard output", READS_OWN + HISTORY + """
         help
         explain-rule
+        doctor --wait 0
         diff --exit-code lists/direct.xml in/SiteList.xml
         certs --expiring 0 lists/expired.xml
         explain lists/idle.xml

@@ -144,6 +144,21 @@ def faults(report, table):
         raise Wrong("the table does not say that the list is valid")
 
 
+def health(report, table):
+    """Each result has a line, and its advice has the next one."""
+    lines = []
+    for row in report.rows:
+        lines.append(f"{row['state']} {row['check']} {row['text']}")
+        if row["next"]:
+            lines.append(f"next: {row['next']}")
+    found = [" ".join(line.split()) for line in table.splitlines()]
+    if found[:-1] != [" ".join(line.split()) for line in lines]:
+        raise Wrong(f"not these lines: {lines}")
+    counts = [int(word) for word in found[-1].replace(",", "").split() if word.isdigit()]
+    if counts != [report.facts["failureCount"], report.facts["warningCount"]]:
+        raise Wrong(f"wrong counts: {found[-1]}")
+
+
 def rule(report, table):
     # Texts are broken into lines.
     joined = " ".join(table.split())

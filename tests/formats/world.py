@@ -36,6 +36,8 @@ class World:
     strange: its list is not a site list
     locked: another process holds the read lock of its list
     busy: another process holds the write lock of its list
+    well: an agent without any fault
+    ailing: an agent with many faults
     lists: documents
     in: the example list with its key files
     """
@@ -48,7 +50,7 @@ class World:
             (self.dir / name).mkdir(parents=True)
         for name in ("agent", "fresh"):
             self.must("--agent-dir", name, "init", "--managed", "--mesh-command", "/bin/sh", "-c", ":")
-        for name in ("serverless", "hostile", "bad-key", "strange", "locked", "busy"):
+        for name in ("serverless", "hostile", "bad-key", "strange", "locked", "busy", "well", "ailing"):
             shutil.copytree(self.dir / "fresh", self.dir / name)
         sealed = {name: self.protect(clear) for name, clear in documents.CANARIES.items()}
         for name, text in documents.lists(sealed).items():
@@ -69,9 +71,40 @@ class World:
         shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
+        self.make_well(sealed)
+        self.make_ailing(sealed)
+        self.set_modes()
         self.unused = self.base / "unused"  # no run changes it, not even for a moment
         shutil.copytree(self.dir, self.unused)
         self.locks = [self.lock_list("locked", fcntl.LOCK_SH), self.lock_list("busy", fcntl.LOCK_EX)]
+
+    def make_well(self, sealed):
+        agent = self.dir / "well"
+        shutil.copy(self.dir / "agent/keystore/password.key", agent / "keystore")
+        for name in ("etc", "mesh"):
+            (agent / name / "SiteList.xml").write_text(documents.healthy(sealed))
+        for key in (self.dir / "in").glob("*.bin"):
+            shutil.copy(key, agent / "etc")
+
+    def make_ailing(self, sealed):
+        agent = self.dir / "ailing"
+        (agent / "agent.toml").write_text('managed = true\nmesh.load_command = ["program"]\n')
+        (agent / "etc/SiteList.xml").write_text(documents.ailing(sealed))
+        (agent / "mesh/SiteList.xml").write_text(documents.healthy(sealed))
+        (agent / "etc/sr2048pubkey.bin").write_text("key")
+        (agent / "etc/.sitehlp-0123456789abcdef.tmp").touch()
+        (agent / "etc/.sitelist-0123456789abcdef").mkdir()
+        (agent / "etc/history").mkdir()
+        (agent / "etc/history/1-20260101T000000Z-import.xml").write_text("<broken")
+
+    def set_modes(self):
+        """Sets the modes that the tool would set, whatever the umask is, and wrong ones for an ailing agent."""
+        for pattern, mode in (("*/etc/history", 0o750), ("*/etc/history/*", 0o640), ("*/*/SiteList.xml", 0o640),
+                              ("*/agent.toml", 0o640), ("*/etc/*.bin", 0o600)):
+            for path in self.dir.glob(pattern):
+                path.chmod(mode)
+        (self.dir / "ailing/etc/SiteList.xml").chmod(0o666)
+        (self.dir / "ailing/keystore").chmod(0o755)
 
     def lock_list(self, agent, mode):
         lock = os.open(self.dir / agent / "locks/SiteListLock.lock", os.O_RDWR)

@@ -54,7 +54,7 @@ bool isOwnList(const Context& context, const std::string& file) {
   return fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error);
 }
 
-void serveAgent(const Context& context) {
+void requireDataDirectory(const Context& context) {
   std::error_code error;
   if (!fs::is_directory(context.agentDirectory, error)) {
     if (error && error != std::errc::no_such_file_or_directory &&
@@ -66,6 +66,10 @@ void serveAgent(const Context& context) {
     throw failureAt(context.agentDirectory, exitFile, "the agent's data directory does not exist",
                     "name another directory with --agent-dir, or create one with `sitelist init`");
   }
+}
+
+void serveAgent(const Context& context) {
+  requireDataDirectory(context);
   host::setAgent(settingsOf(context));
   recordLog(context.verbose);
 }

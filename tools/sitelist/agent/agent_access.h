@@ -18,9 +18,12 @@ std::string ownListPath(const Context& context);
 // same file.
 bool isOwnList(const Context& context, const std::string& file);
 
+// Fails if the data directory of the agent of the command line does not exist, because a command
+// must not create an agent by accident.
+void requireDataDirectory(const Context& context);
+
 // Makes the agent of the command line the current agent of the process, with its locks, keys and
-// mesh service. Fails if its data directory does not exist, because a command must not create an
-// agent by accident.
+// mesh service. Fails as requireDataDirectory does, and if the settings cannot be used.
 void serveAgent(const Context& context);
 
 // Fails when the agent of the command line has no password key.

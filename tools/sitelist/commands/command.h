@@ -30,6 +30,7 @@ void addEdit(Command& app, Context& context);
 void addHistory(Command& app, Context& context);
 void addUndo(Command& app, Context& context);
 void addModify(Command& app, Context& context);
+void addDoctor(Command& app, Context& context);
 void addDeriveServerList(Command& app, Context& context);
 
 }  // namespace tool

@@ -33,6 +33,7 @@ constexpr CommandEntry c_commands[] = {
     {"servers", addServers},
     {"certs", addCerts},
     {"policies", addPolicies},
+    {"doctor", addDoctor},
     {"validate", addValidate},
     {"explain-rule", addExplainRule},
     {"import", addImport},

@@ -1,6 +1,7 @@
 #include "tools/sitelist/history/history.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -153,6 +154,14 @@ std::vector<HistoryEntry> historyOf(const std::string& list) {
   tryReadBytes(list, present);
   if (isEntry(copies, present)) copies.entries.push_back(*copies.pending);
   return copies.entries;
+}
+
+bool hasPendingCopyOfEndedProcess(const std::string& list) {
+  const Copies copies = copiesOf(list);
+  if (!copies.pending) return false;
+  const std::string name = fs::path(copies.pending->path).filename().string();
+  const long process = std::strtol(name.c_str() + std::strlen(c_pending), nullptr, 10);
+  return process <= 0 || (::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH);
 }
 
 HistoryEntry historyEntry(const std::string& list, const std::string& number) {

@@ -22,6 +22,9 @@ std::vector<HistoryEntry> historyOf(const std::string& list);
 // none.
 HistoryEntry historyEntry(const std::string& list, const std::string& number);
 
+// Returns whether a process that has ended left a copy that is not yet an entry of the history.
+bool hasPendingCopyOfEndedProcess(const std::string& list);
+
 // Puts the list that a command replaces into the history. The lock of the list must be held.
 class KeptList {
  public:

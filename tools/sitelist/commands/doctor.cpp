@@ -1,0 +1,108 @@
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "tools/sitelist/agent/list_lock.h"
+#include "tools/sitelist/cli/exit_status.h"
+#include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
+#include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/doctor/diagnosis.h"
+#include "tools/sitelist/doctor/diagnosis_report.h"
+#include "tools/sitelist/doctor/read_only_files.h"
+
+namespace tool {
+namespace {
+
+constexpr unsigned int c_defaultWait = 60000;
+
+struct DoctorOptions {
+  bool fix = false;
+};
+
+struct Examination {
+  ExaminedAgent agent;
+  std::vector<CheckResult> results;
+};
+
+std::unique_ptr<Examination> examine(const Context& context, unsigned int lockWait) {
+  const ReadOnlyFiles unchanged;
+  auto examination = std::make_unique<Examination>();
+  examination->agent = examineAgent(context, lockWait);
+  examination->results = diagnose(examination->agent);  // refers to the agent
+  return examination;
+}
+
+bool canMendAny(const std::vector<CheckResult>& results) {
+  for (const CheckResult& result : results) {
+    for (const Finding& finding : result.findings) {
+      if (finding.mend) return true;
+    }
+  }
+  return false;
+}
+
+// Adds what was mended to the list of its check.
+void mendEach(const std::vector<CheckResult>& results, bool isLast, Mended& mended) {
+  for (const CheckResult& result : results) {
+    for (const Finding& finding : result.findings) {
+      if (!finding.mend || finding.isLast != isLast) continue;
+      if (const int error = finding.mend()) {
+        printWarning("not mended: " + finding.text + ": " + std::strerror(error), finding.next);
+      } else {
+        mended[result.check].push_back(finding);
+      }
+    }
+  }
+}
+
+// The mesh copy comes last, because its load command runs without the locks.
+Mended mend(Context& context, const std::vector<CheckResult>& results) {
+  const ListLock lock(context, "", ListUse::Mend);
+  Mended mended;
+  mendEach(results, false, mended);
+  mendEach(results, true, mended);
+  reportLoggedErrors(true);
+  clearLogRecords();
+  return mended;
+}
+
+int doctor(Context& context, const DoctorOptions& options) {
+  const unsigned int lockWait = context.wait ? context.waitMilliseconds : c_defaultWait;
+  auto examination = examine(context, lockWait);
+  context.report = reportOf(context, examination->results, {});
+  if (options.fix && !examination->agent.settingsError.empty()) {
+    printWarning("nothing was mended, because the settings cannot be used");
+  } else if (options.fix && canMendAny(examination->results)) {
+    Mended mended = mend(context, examination->results);
+    examination = examine(context, 0);
+    mended = withoutRemaining(std::move(mended), examination->results);
+    context.changed = !mended.empty();
+    context.report = reportOf(context, examination->results, mended);
+  }
+  return hasFailure(examination->results) ? exitNegative : exitSuccess;
+}
+
+}  // namespace
+
+void addDoctor(Command& app, Context& context) {
+  Command command = app.add_subcommand("doctor", "Check the health of the agent, and mend faults");
+  const auto options = std::make_shared<DoctorOptions>();
+  command.add_flag("--fix", options->fix,
+                   "Mend modes, owners, left-over files and the mesh copy, and\n"
+                   "print each thing that was mended");
+  command.footer(
+      "Each line is the result of one check: ok, warning or failure, and what to do\n"
+      "next. Without --fix the command writes nothing. The checks are:\n" +
+      checkHelp() +
+      "\n"
+      "Examples:\n"
+      "  sitelist doctor\n"
+      "  sudo sitelist doctor --fix\n"
+      "  sitelist doctor --wait 0 --format json\n");
+  command.callback([&context, options] {
+    context.action = [&context, options] { return doctor(context, *options); };
+  });
+}
+
+}  // namespace tool

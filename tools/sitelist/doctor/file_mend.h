@@ -1,0 +1,25 @@
+#ifndef TOOLS_SITELIST_DOCTOR_FILE_MEND_H
+#define TOOLS_SITELIST_DOCTOR_FILE_MEND_H
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/sitelist/doctor/agent_user.h"
+#include "tools/sitelist/doctor/file_table.h"
+
+namespace tool {
+
+// Returns whether root may give such a file to the agent's user at all. The user may have moved a
+// secret file of root to the place of the agent's file, so its content must show what it is.
+bool canBeGiven(const FileRule& rule);
+
+// Gives a file or directory of root to the agent's user and group, if its content is the expected
+// one. Returns 0 or an errno.
+int giveToAgentsUser(const std::string& path, const FileRule& rule,
+                     const std::vector<FileRule>& rules, const AgentUser& user);
+
+}  // namespace tool
+
+#endif

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,7 +20,7 @@
 // puts a link to that file into each new draft directory, under the name of a key file. With
 // REPLACED, that file has the content of REPLACEMENT when it is opened again. With LIBRARY, that
 // directory is in the place of "/Library". With NO_DIRECTORY_LOCKS, directories cannot be locked,
-// as on some network file systems.
+// as on some network file systems. With FREE_KILOBYTES, every file system has that much free space.
 
 namespace {
 
@@ -83,6 +84,16 @@ __attribute__((visibility("default"))) int flock(int fd, int operation) noexcept
     return -1;
   }
   return next<int(int, int)>("flock")(fd, operation);
+}
+
+__attribute__((visibility("default"))) int statvfs(const char* path,
+                                                   struct statvfs* space) noexcept {
+  const int result = next<int(const char*, struct statvfs*)>("statvfs")(path, space);
+  if (const char* const kilobytes = std::getenv("FREE_KILOBYTES")) {
+    space->f_frsize = 1024;
+    space->f_bavail = static_cast<fsblkcnt_t>(std::atol(kilobytes));
+  }
+  return result;
 }
 
 // The library calls this function immediately before it reads a list. The tool then already holds

@@ -13,7 +13,7 @@ namespace tool {
 namespace {
 
 FileRule directory(const char* name, mode_t most) {
-  const bool isSecret = (most & S_IROTH) == 0;
+  const bool isSecret = (most & (S_IRWXG | S_IRWXO)) == 0;
   return {name, true, isSecret, !isSecret, most, S_IRWXU, Expected::Names};
 }
 

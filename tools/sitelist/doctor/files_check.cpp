@@ -142,7 +142,7 @@ class FileCheck {
   std::string reasonOf(mode_t excess) const {
     if ((excess & S_IWOTH) != 0) return "all users can change it";
     if ((excess & S_IWGRP) != 0) return "its group can change it";
-    if ((excess & S_IRWXO) != 0) return "all users can use it";
+    if ((excess & S_IROTH) != 0) return "all users can read it";
     return "it may have at most " + octal(m_rule.most);
   }
 

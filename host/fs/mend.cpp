@@ -81,6 +81,12 @@ int giveDirectory(const std::string& path, uid_t owner, gid_t group,
   return isExpected(names) ? give(opened, owner, group) : EPERM;
 }
 
+int openDirectory(const std::string& path) {
+  PathWalk place;
+  const int error = place.enter(path);
+  return error ? -error : fileSystem().open(place.directory(), ".", O_RDONLY | O_DIRECTORY, 0);
+}
+
 int findLeftOverTempFiles(const std::string& directory, std::vector<std::string>& names) {
   PathWalk place(Links::All);
   const int error = place.enter(directory);

@@ -11,7 +11,8 @@
 
 // Mends modes, owners and left-over files in the directories of an agent. Every function enters the
 // directory of a path as a write does (host/fs/files.h), and never follows a link at the end of a
-// path. The results are 0 or the errno of the failure. Any thread.
+// path. Unless stated otherwise, the results
+// are 0 or the errno of the failure. Any thread.
 namespace host {
 
 // Removes the permissions in `excess` from a file or directory that belongs to `owner` or to root.
@@ -31,6 +32,10 @@ PLATFORM_API int giveFile(const std::string& path, uid_t owner, gid_t group, std
 PLATFORM_API int giveDirectory(
     const std::string& path, uid_t owner, gid_t group,
     const std::function<bool(const std::vector<std::string>& names)>& isExpected);
+
+// Opens a directory for reading. Returns a descriptor or the negated errno; -EPERM for a link that
+// is not followed.
+PLATFORM_API int openDirectory(const std::string& path);
 
 // Gets the names of the temporary files in a directory whose writers have ended. Follows all links,
 // and changes nothing.

@@ -130,6 +130,42 @@ TEST_F(CliDoctorUsers, DoNotGetAFileOfRootThroughALinkToItsDirectory) {
   EXPECT_EQ(info.st_uid, 0U);
 }
 
+// Each file and directory of the agent in turn is a link of the agent's user to a copy that belongs
+// to root and has a fault of every kind.
+TEST_F(CliDoctorUsers, MisleadRootWithNoLink) {
+  if (!haveTwoUsers()) return;
+  write("agent/etc/history/1-20260101T000000Z-import.xml", readFile(ownList()));
+  write("agent/etc/srpubkey.bin", "key");
+  write("agent/ServerSiteList.xml", readFile(ownList()));
+  giveToAgent(file("agent"));
+  std::vector<std::string> names;
+  for (const auto& entry : fs::recursive_directory_iterator(file("agent"))) {
+    names.push_back(fs::relative(entry.path(), file("agent")));
+  }
+  ASSERT_GT(names.size(), 12U);
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    const std::string path = file("agent/" + name);
+    const std::string outside = file("outside");
+    fs::rename(path, file("aside"));
+    fs::copy(file("aside"), outside, fs::copy_options::recursive);
+    ASSERT_EQ(shell("chmod -R a+rwx outside").status, 0);
+    if (fs::is_directory(outside)) {
+      write("outside/.sitehlp-0123456789abcdef.tmp", "left");
+      fs::create_directory(outside + "/.sitelist-0123456789abcdef");
+    }
+    fs::create_symlink(outside, path);
+    ASSERT_EQ(::lchown(path.c_str(), agentUser(), agentGroup()), 0);
+    const std::string before = shell("ls -laRn outside; cat outside").out;
+    sitelist({"doctor"});
+    sitelist({"doctor", "--fix"});
+    EXPECT_EQ(shell("ls -laRn outside; cat outside").out, before);
+    fs::remove(path);
+    fs::remove_all(outside);
+    fs::rename(file("aside"), path);
+  }
+}
+
 TEST_F(CliDoctorUsers, AreNotTheOwnersOfALinkThatIsFollowed) {
   if (!haveTwoUsers()) return;
   const uid_t stranger = agentUser() - 1;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/fs/descriptor.h"
+#include "host/fs/mend.h"
 
 namespace tool {
 namespace {
@@ -52,7 +53,7 @@ bool isRemovable(const struct stat& parent, const struct stat& directory) {
 template <typename Function>
 void forEachLeftOver(const std::string& parent, Function function) {
   host::FileSystem& files = host::fileSystem();
-  const host::Descriptor above(files.open(AT_FDCWD, parent, O_RDONLY | O_DIRECTORY, 0));
+  const host::Descriptor above(host::openDirectory(parent));
   struct stat status;
   std::vector<std::string> names;
   if (above.error() || files.statOpen(above.get(), status) != 0) return;

@@ -15,7 +15,7 @@ void removeScratchDirectory(const std::string& path);
 
 // Removes the scratch directories in `parent` that no living process has locked. A directory is
 // removed only if it belongs to the owner of `parent`, or if it belongs to the effective user and
-// `parent` has the sticky bit.
+// `parent` has the sticky bit. A link of another user in the path of `parent` is not followed.
 void removeLeftOverScratchDirectories(const std::string& parent);
 // Returns the names of these directories.
 std::vector<std::string> leftOverScratchDirectories(const std::string& parent);

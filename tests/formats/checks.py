@@ -94,7 +94,9 @@ def check_error(case, report, err):
         raise Wrong(f"standard error does not end with\n{text}but is\n{err}")
 
 
-def check_others(case, report, texts):
+def check_others(case, report, texts, check_line):
+    if "jsonl" in texts:
+        forms.compare_lines(report, texts["jsonl"], check_line)
     if "csv" in texts:
         forms.compare_csv(report, texts["csv"])
     if "xml" in texts:

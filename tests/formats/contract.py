@@ -23,6 +23,13 @@ def validator(tool):
     return jsonschema.Draft7Validator(schema)
 
 
+def line_checker(tool):
+    """Checks an object against the definition of a line of --format jsonl."""
+    schema = json.loads(schema_file(tool).read_text())
+    check = jsonschema.Draft7Validator({"$ref": "#/definitions/line", "definitions": schema["definitions"]})
+    return check.validate
+
+
 def objects(value):
     """Every object in a document, including the document itself."""
     if isinstance(value, dict):

@@ -220,3 +220,17 @@ def lists(sealed):
         "deep.xml": "<a>" * 300 + "</a>" * 300,
         "encoding.xml": b"<a>\xc3\x28</a>\n",
     }
+
+
+def fleet(sealed):
+    """Every list below "fleet", by its directory."""
+    sites = server("HQ", 1, "hq.example") + site("HttpSite", "depot", 2, "depot.example:80", path("Current"))
+    later = 'GlobalVersion="20260202000000" LocalVersion="20260203000000"'
+    return {
+        "a": document(sites, bundle("lasting")),
+        "b": document(sites, bundle("lasting"), later),
+        "c": document(server("Old HQ", 1, "old.example") + site("HttpSite", "depot", 2, "depot.example:8080", path("x")),
+                      bundle("expired"), later),
+        "d": own(sealed),
+        "deep/below/e": lists(sealed)["broken.xml"],
+    }

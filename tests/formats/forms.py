@@ -8,6 +8,7 @@ import re
 import xml.etree.ElementTree as ElementTree
 
 FORMS = ("table", "json", "csv", "xml")
+ALL_FORMS = (*FORMS, "jsonl")
 ATTRIBUTES = ("schema_version", "command", "status", "changed")  # of the root element in XML
 HEAD = (*ATTRIBUTES, "warnings")
 # The names of lists of texts in JSON and XML. Any other list has rows.
@@ -30,6 +31,8 @@ def text_of(value):
         return "true" if value else "false"
     if isinstance(value, list):
         return ";".join(value)
+    if isinstance(value, dict):  # the error of a list that failed
+        return value["message"]
     return "" if value is None else str(value)
 
 
@@ -46,10 +49,9 @@ class Report:
         body = {k: v for k, v in self.document.items() if k not in HEAD}
         self.error = body.pop("error", None)
         lists = [name for name, value in body.items() if isinstance(value, list) and name not in TEXT_LISTS]
-        if len(lists) > 1:
-            raise Wrong(f"several lists of rows: {lists}")
-        self.rows_name = lists[0] if lists else None
-        self.rows = body.pop(self.rows_name) if lists else []
+        self.groups = [(name, body.pop(name)) for name in lists]
+        self.has_rows = bool(lists)
+        self.rows = [row for _, rows in self.groups for row in rows]
         self.facts = body
 
 
@@ -92,7 +94,7 @@ def hosts_in(cell):
 
 def compare_csv(report, text):
     lines = list(csv.reader(io.StringIO(text, newline=""), strict=True))
-    if report.rows_name is None:
+    if not report.has_rows:
         cells = {line[0]: line[1] for line in lines if len(line) == 2}
         expected = [["field", "value"]] + [[k, cell_of(v, cells.get(k, ""))] for k, v in report.facts.items()]
         if not report.facts:
@@ -109,6 +111,20 @@ def compare_csv(report, text):
     differ("csv", lines, expected)
 
 
+def compare_lines(report, text, check):
+    """Compares --format jsonl with JSON, and each line with the schema."""
+    if not text.isascii():
+        raise Wrong("jsonl: not pure ASCII")
+    lines = [json.loads(line, object_pairs_hook=unique) for line in text.splitlines()]
+    expected = report.rows if report.has_rows else [report.facts] if report.facts else []
+    if report.error is not None:
+        failed = {"file": report.error["file"], "status": report.error["status"], "error": report.error}
+        expected = [*expected, failed]
+    differ("jsonl", lines, expected)
+    for line in lines:
+        check(line)
+
+
 def compare_xml(report, text):
     if not text.isascii():
         raise Wrong("xml: not pure ASCII")
@@ -117,13 +133,12 @@ def compare_xml(report, text):
     if root.tag != "sitelist" or root.attrib != head:
         raise Wrong(f"xml: {root.tag} with {root.attrib} instead of {head}")
     expected = xml_fields({"warnings": report.document["warnings"], **report.facts})
-    if report.rows_name is not None:
-        expected.append((report.rows_name, [xml_fields(row) for row in report.rows]))
+    expected += [(name, [xml_fields(row) for row in rows]) for name, rows in report.groups]
     if report.error is not None:
         expected.append(("error", xml_fields(report.error)))
     found = []
     for child in root:
-        if child.tag == report.rows_name:
+        if child.tag in dict(report.groups):
             if len({row.tag for row in child}) > 1:
                 raise Wrong("xml: the rows have different names")
             found.append((child.tag, [fields_of(row) for row in child]))
@@ -139,6 +154,8 @@ def xml_fields(record):
 def xml_value(value):
     if isinstance(value, list):
         return [("item", xml_value(text)) for text in value] or ""
+    if isinstance(value, dict):
+        return xml_fields(value)
     return NOT_IN_XML.sub("\ufffd", text_of(value))
 
 

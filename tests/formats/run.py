@@ -49,9 +49,10 @@ def command_line(case):
 
 
 class Run:
-    def __init__(self, world, validator, update):
+    def __init__(self, world, tool, update):
         self.world = world
-        self.validator = validator
+        self.validator = contract.validator(tool)
+        self.check_line = contract.line_checker(tool)
         self.update = update
         self.problems = []
 
@@ -66,7 +67,7 @@ class Run:
     def check(self, case):
         texts = {}
         messages = set()
-        for form in case.forms:
+        for form in self.forms_of(case):
             output, directory, has_changed = run_case(self.world, case, form)
             out, err = (checks.normalised(case, text, directory) for text in (output.out, output.err))
             checks.check_output(case, form, output, out, err)
@@ -81,10 +82,17 @@ class Run:
         texts["err"] = messages.pop()
         if "json" in texts:
             report = checks.check_json(case, texts["json"], texts["err"], self.validator)
-            checks.check_others(case, report, texts)
+            checks.check_others(case, report, texts, self.check_line)
+        if "jsonl" not in case.forms:
+            texts.pop("jsonl", None)
         texts["cmd"] = command_line(case)
         for kind, text in texts.items():
             self.golden(folder(case) / kind, text)
+
+    @staticmethod
+    def forms_of(case):
+        """Every case with JSON also runs with jsonl. Only some cases store its output."""
+        return (*case.forms, "jsonl") if "json" in case.forms and "jsonl" not in case.forms else case.forms
 
     def golden(self, path, text):
         if self.update:
@@ -115,7 +123,7 @@ def run_groups(arguments, chosen):
     world = World(arguments.tool, SOURCE)
     try:
         before = world.snapshot()
-        run = Run(world, contract.validator(arguments.tool), arguments.update)
+        run = Run(world, arguments.tool, arguments.update)
         with ThreadPoolExecutor(2) as pool:
             list(pool.map(run.case, chosen))
         changed = sorted(name for name, _ in before.items() ^ world.snapshot().items())

@@ -45,6 +45,8 @@ READS_FILE = """
     versions FILE
     certs FILE
     policies FILE
+    servers FILE
+    diff --to FILE lists/direct.xml
 """
 TAKES_FILE = """
     import FILE
@@ -98,6 +100,31 @@ REPLACES_OWN = """
     install in/SiteList.xml
     from-buffer lists/direct.xml
     server-list lists/direct.xml
+"""
+FLEET = """
+    show in OTHER
+    explain in OTHER
+    diff --to in/SiteList.xml in OTHER
+    versions in OTHER
+    servers in OTHER
+    certs in OTHER
+    validate in OTHER
+"""
+NO_LISTS = """
+    show lists
+    explain lists
+    diff --to in/SiteList.xml lists
+    versions lists
+    servers lists
+    certs lists
+    validate lists
+    summary lists
+"""
+READS_ONE = """
+    get type FILE
+    diff FILE lists/direct.xml
+    diff lists/direct.xml FILE
+    policies FILE
 """
 USES_OWN = """
     merge --first lists/direct.xml --output new.xml
@@ -190,6 +217,7 @@ SUCCESS = [
     Way(0, "policies unset Old", "removed policy setting", writes=True),
     Way(0, "doctor", "0 failures", agent="well"),
     Way(0, "validate in/SiteList.xml", "valid"),
+    Way(0, "summary in", "1 list"),
     Way(0, "explain-rule", "no-server"),
     Way(0, "import in/SiteList.xml", "now has", writes=True),
     Way(0, "install in/SiteList.xml", "now has", writes=True),
@@ -236,6 +264,7 @@ NEGATIVE = [
         edit move --file lists/shared-order.xml c 2
     """),
     Way(1, "history", "the history is empty", agent="serverless"),
+    *same(1, "no file SiteList.xml", NO_LISTS),
 ]
 USAGE = [
     Way(2, "help stranger", "unknown command"),
@@ -252,6 +281,8 @@ DOCUMENT = [
     *same(3, "not valid TOML", READS_OWN + CHANGES_OWN + REPLACES_OWN + USES_OWN + USES_KEY + HISTORY + WITHOUT_LOCK,
           agent="unset", stdin="canary\n"),
     Way(3, "validate lists/broken.xml", "not-well-formed"),
+    Way(3, "summary lists/broken.xml", "not-well-formed"),
+    *same(3, "1 failed", FLEET.replace("OTHER", "lists/broken.xml")),
     Way(3, "derive-server-list in", "line 3", prepare=derived_from("broken.xml")),
     Way(3, "derive-server-list in", "not a site list", prepare=derived_from("other-root.xml")),
     Way(3, "derive-server-list in", "elements of unknown kind", prepare=derived_from("many-unknown.xml")),
@@ -265,7 +296,7 @@ DOCUMENT = [
 ]
 FILE = [
     *on_file(4, "lists/none.xml", "exist", READS_FILE + TAKES_FILE),
-    *on_file(4, "lists", "it is a directory", READS_FILE + TAKES_FILE),
+    *on_file(4, "lists", "it is a directory", READS_ONE + TAKES_FILE),
     *same(4, "data directory does not exist",
           READS_OWN + CHANGES_OWN + REPLACES_OWN + USES_OWN + USES_KEY + HISTORY + WITHOUT_LOCK + PREVIEWS,
           agent="nowhere", stdin="canary\n"),
@@ -276,6 +307,8 @@ FILE = [
     Way(4, "doctor --fix", "locked by another process", agent="busy"),
     Way(4, "derive-server-list busy/etc", "locked by another process", agent="busy"),
     Way(4, "validate lists/none.xml", "missing-file"),
+    Way(4, "summary lists/none.xml", "missing-file"),
+    *same(4, "1 failed", FLEET.replace("OTHER", "lists/none.xml")),
     Way(4, "derive-server-list lists", "the file does not exist"),
     Way(4, "init", "cannot be created", agent="lists/direct.xml/agent"),
     *same(4, "cannot write to standard output", READS_OWN + HISTORY + """

@@ -47,6 +47,35 @@ def show(report, table):
             need(table, [shown(text) for text in texts], row["name"])
 
 
+def short_name(file):
+    """The name in a table: a list in the directory "fleet" was found there."""
+    return file.removesuffix("/SiteList.xml") if file.startswith("fleet/") else file
+
+
+def fleet(*names):
+    """Returns the check for several lists: each row has a line with its file and these columns."""
+
+    def check(report, table):
+        need_lines(
+            table,
+            [[shown(short_name(row["file"])), *(shown(row.get(name)) for name in names)] for row in report.rows
+             if "error" not in row],
+        )
+        for row in report.rows:
+            if "error" in row:
+                reason = row["error"]["message"].split("\n")[-1].strip()
+                need_lines(table, [[shown(short_name(row["file"])), shown(reason.split(": ")[-1])]])
+
+    return check
+
+
+def summary(report, table):
+    """Each row has a line with its counts, unless the table has too many of its kind."""
+    for _, rows in report.groups:
+        need_lines(table, [[shown(value) for name, value in row.items() if name != "section"] for row in rows[:3]])
+    need(table, [shown(report.facts["mostFrequent"])], "the most frequent list")
+
+
 def columns(*names):
     """Returns the check for `show --columns`: each row has a line with these fields."""
 
@@ -177,7 +206,7 @@ def silent(report, table):
 
 def nothing(report, table):
     silent(report, table)
-    if report.facts or report.rows_name is not None:
+    if report.facts or report.has_rows:
         raise Wrong("the output is not empty")
 
 

@@ -40,6 +40,7 @@ class World:
     ailing: an agent with many faults
     lists: documents
     in: the example list with its key files
+    fleet: the lists of several endpoints, one of them broken
     """
 
     def __init__(self, tool, source):
@@ -71,6 +72,9 @@ class World:
         shutil.copytree(source / "examples/broken", self.dir / "broken")
         shutil.copy(self.dir / "lists/hostile.xml", self.dir / "in")
         self.seal_example(sealed)
+        for name, text in documents.fleet(sealed).items():
+            (self.dir / "fleet" / name).mkdir(parents=True)
+            (self.dir / "fleet" / name / "SiteList.xml").write_text(text)
         self.make_well(sealed)
         self.make_ailing(sealed)
         self.set_modes()

@@ -69,15 +69,15 @@ void print(const Context& context, int status, const Failure* failure) {
     case Format::Xml:
       printXml(std::cout, report, ending);
       break;
+    case Format::JsonLines:
+      printJsonLines(std::cout, report, ending);
+      break;
     case Format::Csv:
       if (report) printCsv(std::cout, *report);
       break;
     case Format::Table: {
       if (context.quiet) break;
-      const ColorChoice color = context.color == "always"  ? ColorChoice::Always
-                                : context.color == "never" ? ColorChoice::Never
-                                                           : ColorChoice::Auto;
-      if (report && report->table) report->table(std::cout, standardOutput(color));
+      if (report && report->table) report->table(std::cout, screenOf(context));
       break;
     }
   }
@@ -118,8 +118,9 @@ int perform(Context& context) {
 // Finds the output format, so that a failure to parse the command line is also printed in it.
 void lookForFormat(const std::vector<std::string>& arguments, Context& context) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] == "--json" || arguments[i] == "--format=json") context.json = true;
-    if (arguments[i] == "--format=xml") context.format = "xml";
+    const std::string option = "--format=";
+    if (arguments[i] == "--json") context.json = true;
+    if (arguments[i].rfind(option, 0) == 0) context.format = arguments[i].substr(option.size());
     if (arguments[i] == "--format" && i + 1 < arguments.size()) context.format = arguments[i + 1];
   }
 }

@@ -182,4 +182,10 @@ void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
                 : "name the agent that the list belongs to with --agent-dir");
 }
 
+void warnOfUnreadPasswordsInLists(const std::string& passwords, const std::string& lists) {
+  printWarning(passwords + " in " + lists +
+                   " cannot be decrypted with the password key and are read as empty",
+               "name the agent that the lists belong to with --agent-dir");
+}
+
 }  // namespace tool

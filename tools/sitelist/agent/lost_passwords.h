@@ -38,6 +38,8 @@ std::vector<std::string> sitesWithPasswords(const AdvXMLParser::Document& docume
 // Warns if passwords of `path` were read as empty because they cannot be decrypted with the
 // password key of the current agent.
 void warnOfUnreadPasswords(const std::string& path, bool isOwnList);
+// Warns of the passwords of several lists. Both texts have a number, for example "2 passwords".
+void warnOfUnreadPasswordsInLists(const std::string& passwords, const std::string& lists);
 
 }  // namespace tool
 

@@ -14,10 +14,10 @@ namespace tool {
 namespace {
 
 bool g_verbose = false;
-unsigned long g_unreadPasswords = 0;
+thread_local unsigned long t_unreadPasswords = 0;
 
 std::vector<LogRecord>& records() {
-  static std::vector<LogRecord> kept;
+  thread_local std::vector<LogRecord> kept;
   return kept;
 }
 
@@ -50,7 +50,7 @@ bool isOfUnreadPasswords(const LogRecord& record) {
 
 void keep(const LogRecord& record) {
   if (isOfUnreadPasswords(record)) {
-    g_unreadPasswords += std::wcstoul(record.text.c_str(), nullptr, 10);
+    t_unreadPasswords += std::wcstoul(record.text.c_str(), nullptr, 10);
     return;
   }
   // The tool prints its own reason why a file cannot be read.
@@ -116,7 +116,20 @@ void recordLog(bool verbose) {
 const std::vector<LogRecord>& logRecords() { return records(); }
 void clearLogRecords() { records().clear(); }
 
-unsigned long takeUnreadPasswords() { return std::exchange(g_unreadPasswords, 0UL); }
+void keepErrors(const std::vector<LogRecord>& logged, std::vector<LogRecord>& kept) {
+  constexpr std::size_t c_most = 20;
+  for (const LogRecord& each : logged) {
+    const bool isWanted = each.level >= LogLevel::Error && each.component != c_libraryComponent;
+    const bool isKnown = std::any_of(kept.begin(), kept.end(), [&](const LogRecord& record) {
+      return record.text == each.text;
+    });
+    if (isWanted && !isKnown && kept.size() < c_most) kept.push_back(each);
+  }
+}
+
+void setLogRecords(std::vector<LogRecord> kept) { records() = std::move(kept); }
+
+unsigned long takeUnreadPasswords() { return std::exchange(t_unreadPasswords, 0UL); }
 
 LoggedReason takeReasonOfWrite(const std::string& path) {
   const std::wstring name = wide(path);

@@ -19,11 +19,17 @@ struct LogRecord {
 // setAgent, which resets the threshold.
 void recordLog(bool verbose);
 
-// Returns the records of this process so far.
+// Returns the records of this thread so far. A message is recorded for the thread that logged it.
 const std::vector<LogRecord>& logRecords();
 void clearLogRecords();
 
-// Returns how many passwords were read as empty since the last call, because they cannot be
+// Adds errors of `logged` to `kept`, for example those of another thread. Omits the errors of the
+// library's class, those that `kept` has already, and more than a few.
+void keepErrors(const std::vector<LogRecord>& logged, std::vector<LogRecord>& kept);
+// Replaces the records of this thread.
+void setLogRecords(std::vector<LogRecord> kept);
+
+// Returns how many passwords this thread read as empty since its last call, because they cannot be
 // decrypted.
 unsigned long takeUnreadPasswords();
 

@@ -13,16 +13,18 @@ namespace {
 constexpr std::size_t c_gap = 2;
 constexpr std::size_t c_leastWidth = 6;  // a shorter text would be useless
 
-std::wstring cutTo(const std::wstring& text, std::size_t width) {
+std::wstring cutTo(const std::wstring& text, std::size_t width, bool keepsEnd) {
   if (columnsOf(text) <= width) return text;
   std::wstring kept = text;
-  while (!kept.empty() && columnsOf(kept) + 1 > width) kept.pop_back();
-  return kept + L'…';
+  while (!kept.empty() && columnsOf(kept) + 1 > width) {
+    kept.erase(keepsEnd ? 0 : kept.size() - 1, 1);
+  }
+  return keepsEnd ? L'…' + kept : kept + L'…';
 }
 
 }  // namespace
 
-Table::Table(std::vector<std::wstring> headings) {
+Table::Table(std::vector<std::wstring> headings) : m_leastWidths(headings.size()) {
   m_rows.push_back({std::move(headings), Style::Heading});
 }
 
@@ -31,10 +33,15 @@ void Table::add(std::vector<std::wstring> cells, Style style) {
   m_rows.push_back({std::move(cells), style});
 }
 
+void Table::addNote(const std::wstring& cell, const std::wstring& text, Style style) {
+  m_rows.push_back({{printable(cell), printable(text)}, style});
+}
+
 std::vector<std::size_t> Table::widthsFor(std::size_t columns) const {
-  std::vector<std::size_t> widths(m_rows.front().cells.size());
+  std::vector<std::size_t> widths = m_leastWidths;
   for (const Row& row : m_rows) {
-    for (std::size_t i = 0; i < widths.size(); ++i) {
+    const bool isNote = row.cells.size() < widths.size();
+    for (std::size_t i = 0; i < (isNote ? 1 : widths.size()); ++i) {
       widths[i] = std::max(widths[i], columnsOf(row.cells[i]));
     }
   }
@@ -49,17 +56,37 @@ std::vector<std::size_t> Table::widthsFor(std::size_t columns) const {
   return widths;
 }
 
+void Table::printRow(std::ostream& out, const Screen& screen, const Row& row,
+                     const std::vector<std::size_t>& widths) const {
+  const bool isNote = row.cells.size() < widths.size();
+  std::string line;
+  for (std::size_t i = 0; i < row.cells.size(); ++i) {
+    std::size_t width = widths[i];
+    if (isNote && i == 1) {
+      const std::size_t before = widths[0] + c_gap;
+      const bool isLimited = screen.columns > before + c_leastWidth;
+      width = isLimited ? screen.columns - before : columnsOf(row.cells[i]);
+    }
+    const std::wstring cell = cutTo(row.cells[i], width, i == m_endColumn);
+    line += narrow(cell);
+    if (i + 1 < row.cells.size()) line += std::string(width - columnsOf(cell) + c_gap, ' ');
+  }
+  out << screen.styled(row.style, line) << '\n';
+}
+
 void Table::print(std::ostream& out, const Screen& screen) const {
   const std::vector<std::size_t> widths = widthsFor(screen.columns);
   for (const Row& row : m_rows) {
-    std::string line;
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      const std::wstring cell = cutTo(row.cells[i], widths[i]);
-      line += narrow(cell);
-      if (i + 1 < widths.size()) line += std::string(widths[i] - columnsOf(cell) + c_gap, ' ');
-    }
-    out << screen.styled(row.style, line) << '\n';
+    const bool isOldHeading = m_isHeadingPrinted && &row == m_rows.data();
+    if (!isOldHeading) printRow(out, screen, row, widths);
   }
+}
+
+void Table::printAndClear(std::ostream& out, const Screen& screen) {
+  print(out, screen);
+  m_leastWidths = widthsFor(screen.columns);
+  m_isHeadingPrinted = true;
+  m_rows.erase(m_rows.begin() + 1, m_rows.end());
 }
 
 }  // namespace tool

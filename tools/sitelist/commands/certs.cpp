@@ -13,6 +13,7 @@
 #include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/model/certificate.h"
 #include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_report.h"
@@ -20,8 +21,12 @@
 namespace tool {
 namespace {
 
+const std::vector<std::string> c_columns = {"number",  "readable",  "subject",    "issuer",
+                                            "sha256",  "validFrom", "validUntil", "daysLeft",
+                                            "expired", "expiring",  "text"};
+
 struct CertsOptions {
-  std::string file;
+  ListArguments lists;
   std::string expiring;
 };
 
@@ -101,26 +106,57 @@ int statusOf(const std::vector<Record>& rows, const std::string& path) {
   return unreadable != 0 || count("expiring", "true") != 0 ? exitNegative : exitSuccess;
 }
 
-int certs(Context& context, const CertsOptions& options) {
-  const std::optional<int> days = daysOf(options);
-  const AgentForReading agent(context, options.file);
+std::vector<std::wstring> readCertificates(const std::string& path) {
   std::vector<std::wstring> texts;
-  const int result = sitehlp::CSitesHelper(true).GetCaCertificates(wide(agent.path()), texts);
+  const int result = sitehlp::CSitesHelper(true).GetCaCertificates(wide(path), texts);
   if (result == sitehlp::c_errorWrite) {
     // Only this query returns c_errorWrite for a document over a limit.
-    const auto unread = findReadError(agent.path());
-    throw libraryFailure(agent.path(), result, unread ? unread->status : exitDocument,
+    const auto unread = findReadError(path);
+    throw libraryFailure(path, result, unread ? unread->status : exitDocument,
                          "the document is over a limit", "check where the document comes from",
                          unread ? "\n  " + unread->reason : "");
   }
-  if (result != 0) throw libraryFailure(agent.path(), result);
-  requireSiteList(agent.path());
+  if (result != 0) throw libraryFailure(path, result);
+  requireSiteList(path);
+  return texts;
+}
+
+int addRows(const std::vector<std::wstring>& texts, std::optional<int> days, ListRows& rows) {
+  int status = exitSuccess;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const Record row = certificateRow(texts[i], i + 1, days);
+    const bool isBad =
+        shownText(row, "readable") == "false" || shownText(row, "expiring") == "true";
+    if (days && isBad) status = exitNegative;
+    rows.add(row, isBad || shownText(row, "expired") == "true" ? Style::Bad : Style::Plain);
+  }
+  return status;
+}
+
+int certsOfMany(Context& context, const CertsOptions& options, std::optional<int> days) {
+  ManyLists many;
+  many.layout.rowsName = "certificates";
+  many.layout.rowName = "certificate";
+  many.layout.columns = c_columns;
+  many.layout.tableColumns = {"number", "subject", "validUntil", "daysLeft"};
+  many.needsRow = true;
+  many.read = [days](const GivenList& list, ListRows& rows) {
+    return addRows(readCertificates(list.path), days, rows);
+  };
+  serveDetachedAgent(context);
+  return readManyLists(context, options.lists, many);
+}
+
+int certs(Context& context, const CertsOptions& options) {
+  const std::optional<int> days = daysOf(options);
+  if (areMany(options.lists.files)) return certsOfMany(context, options, days);
+  const AgentForReading agent(context, options.lists.only());
+  const std::vector<std::wstring> texts = readCertificates(agent.path());
   Report report;
   report.facts = {{"file", reportedName(agent.path())}};
   report.rowsName = "certificates";
   report.rowName = "certificate";
-  report.columns = {"number",     "readable", "subject", "issuer",   "sha256", "validFrom",
-                    "validUntil", "daysLeft", "expired", "expiring", "text"};
+  report.columns = c_columns;
   for (const std::wstring& text : texts) {
     report.rows.push_back(certificateRow(text, report.rows.size() + 1, days));
   }
@@ -143,19 +179,20 @@ int certs(Context& context, const CertsOptions& options) {
 void addCerts(Command& app, Context& context) {
   Command command = app.add_subcommand("certs", "Print the CA certificates of a list");
   const auto options = std::make_shared<CertsOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
-      .type_name("");
+  addLists(command, options->lists);
   command
       .add_option("--expiring", options->expiring,
                   "Exit with status 1 if a certificate has expired, has at\n"
                   "most this many days left, or cannot be read")
       .type_name("DAYS")
       .not_empty();
-  command.footer(
-      "Examples:\n"
-      "  sitelist certs\n"
-      "  sitelist certs incoming/SiteList.xml\n"
-      "  sitelist certs --expiring 30 --format csv\n");
+  command.footer(std::string(c_manyListsHelp) +
+                 "\n"
+                 "Examples:\n"
+                 "  sitelist certs\n"
+                 "  sitelist certs incoming/SiteList.xml\n"
+                 "  sitelist certs --expiring 30 --format csv\n"
+                 "  sitelist certs --expiring 30 fleet/\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return certs(context, *options); };
   });

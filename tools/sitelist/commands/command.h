@@ -18,6 +18,7 @@ void addServers(Command& app, Context& context);
 void addCerts(Command& app, Context& context);
 void addPolicies(Command& app, Context& context);
 void addValidate(Command& app, Context& context);
+void addSummary(Command& app, Context& context);
 void addExplainRule(Command& app, Context& context);
 void addImport(Command& app, Context& context);
 void addInstall(Command& app, Context& context);

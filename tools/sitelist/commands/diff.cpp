@@ -9,8 +9,10 @@
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/messages.h"
+#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/history/history.h"
 
 namespace tool {
@@ -19,6 +21,9 @@ namespace {
 struct DiffOptions {
   std::string before;
   std::string after;
+  std::vector<std::string> more;  // lists, with --to
+  std::string base;
+  std::string jobs;
   std::string number;  // in the history
   bool exitCode = false;
   bool showSecrets = false;
@@ -35,6 +40,12 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
   if (options.exitCode && result.isEmpty()) throw Failure(exitCrypto, text, advice);
   printWarning(text, advice);
   return options.exitCode ? exitNegative : exitSuccess;
+}
+
+void warnOfIncomparablePasswordsInLists(const std::string& passwords, const std::string& lists) {
+  printWarning(passwords + " in " + lists +
+                   " cannot be compared, because the password key does not decrypt them",
+               "name the agent that the lists belong to with --agent-dir");
 }
 
 // Returns the names of the two lists. For a list of the history, also locks the agent's own list,
@@ -54,7 +65,62 @@ std::pair<std::string, std::string> namesOf(Context& context, const DiffOptions&
   return {historyEntry(own, options.number).path, own};
 }
 
-int diff(Context& context, const DiffOptions& options) {
+EncryptedPasswords withPasswordsOf(const SiteList& list, EncryptedPasswords unread) {
+  unread.merge(unreadPasswordsOf(list));
+  return unread;
+}
+
+int diffMany(Context& context, const DiffOptions& options, const ListArguments& lists) {
+  GivenFile givenBase(options.base);
+  serveDetachedAgent(context);
+  const SiteList base = readWholeSiteList(givenBase.path());
+  const EncryptedPasswords unreadOfBase = unreadPasswordsOf(base);
+  ManyLists many;
+  many.layout.rowsName = "changes";
+  many.layout.rowName = "change";
+  many.layout.columns = Diff::columns();
+  many.layout.tableColumns = {"change", "name", "field", "before", "after"};
+  many.isSecret = options.showSecrets;
+  many.warn = warnOfIncomparablePasswordsInLists;
+  many.read = [&](const GivenList& given, ListRows& rows) {
+    const SiteList list = readWholeSiteList(given.path);
+    const Diff result(base, list, options.showSecrets, withPasswordsOf(list, unreadOfBase));
+    for (const Record& row : result.rows()) rows.add(row);
+    rows.countPasswords(result.incomparable());
+    if (!options.exitCode) return exitSuccess;
+    if (!result.isEmpty()) return exitNegative;
+    return result.incomparable() == 0 ? exitSuccess : exitCrypto;
+  };
+  many.facts = [&](bool) { return Record{{"before", reportedName(base.path)}}; };
+  return readManyLists(context, lists, many);
+}
+
+// Returns the lists to compare with the one after --to.
+ListArguments listsToCompare(const DiffOptions& options) {
+  ListArguments lists = {options.more, options.jobs};
+  for (const std::string* file : {&options.after, &options.before}) {
+    if (!file->empty()) lists.files.insert(lists.files.begin(), *file);
+  }
+  if (lists.files.empty()) {
+    throw Failure(exitUsage, "no list to compare with " + shown(options.base) + " is given",
+                  "name lists or directories after --to " + shown(options.base));
+  }
+  if (!options.number.empty()) {
+    throw Failure(exitUsage, "--history and --to cannot be used together", "give only one of them");
+  }
+  return lists;
+}
+
+int diff(Context& context, DiffOptions options) {
+  if (!options.base.empty()) {
+    const ListArguments lists = listsToCompare(options);
+    if (areMany(lists.files)) return diffMany(context, options, lists);
+    options.before = options.base;
+    options.after = lists.only();
+  } else if (!options.more.empty()) {
+    throw Failure(exitUsage, "more than two lists are given",
+                  "name the list to compare them with by --to BASE");
+  }
   std::optional<ListLock> lock;
   const auto [from, to] = namesOf(context, options, lock);
   GivenFile givenBefore(from);
@@ -82,6 +148,19 @@ void addDiff(Command& app, Context& context) {
       .type_name("")
       .completes(Completion::File);
   command
+      .add_option("FILE", options->more,
+                  "With --to, further lists, or directories in which all\nfiles \"SiteList.xml\" "
+                  "are compared")
+      .type_name("")
+      .completes(Completion::File);
+  command
+      .add_option(
+          "--to", options->base,
+          "Compare this list with each of the others, which are\nnew lists or directories of such")
+      .type_name("BASE_FILE")
+      .not_empty();
+  addJobs(command, options->jobs);
+  command
       .add_option("--history", options->number,
                   "Compare the list with this number in `sitelist history`\nwith the agent's own "
                   "list")
@@ -101,10 +180,15 @@ void addDiff(Command& app, Context& context) {
       "encryption of a password differs. They are listed as incomparable. With\n"
       "--exit-code the exit status is then 5, or 1 if the lists differ elsewhere.\n"
       "\n"
+      "--to compares BASE_FILE with many lists. A change is one from BASE_FILE to the\n"
+      "list of its row. A list without a row is the same as BASE_FILE. The exit status is\n"
+      "the highest of all lists.\n"
+      "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"
       "  sitelist diff --exit-code --format json old.xml new.xml\n"
-      "  sitelist diff --history 3\n");
+      "  sitelist diff --history 3\n"
+      "  sitelist diff --to reference.xml fleet/ --format jsonl\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return diff(context, *options); };
   });

@@ -9,13 +9,19 @@
 #include "tools/sitelist/explain/given_host.h"
 #include "tools/sitelist/explain/proxy_choice.h"
 #include "tools/sitelist/explain/search_order.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/model/site_report.h"
 
 namespace tool {
 namespace {
 
+const std::vector<std::string> c_siteColumns = {"place",  "tried",   "kind",       "name",
+                                                "order",  "address", "path",       "local",
+                                                "reason", "proxy",   "proxyReason"};
+const std::vector<std::string> c_routeColumns = {"protocol", "bypassesProxy", "proxy", "reason"};
+
 struct ExplainOptions {
-  std::string file;
+  ListArguments lists;
   std::string host;
 };
 
@@ -117,8 +123,7 @@ Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
   report.facts = factsOf(list, proxy);
   report.rowsName = "sites";
   report.rowName = "site";
-  report.columns = {"place", "tried", "kind",   "name",  "order",      "address",
-                    "path",  "local", "reason", "proxy", "proxyReason"};
+  report.columns = c_siteColumns;
   for (const SearchPlace& place : searchOrder(list.sites.get())) {
     report.rows.push_back(siteRow(place, proxy));
   }
@@ -129,6 +134,18 @@ Report explainSites(const SiteList& list, const ProxyChoice& proxy) {
   return report;
 }
 
+Record routeRow(const char* protocol, const Route& route) {
+  return {{"protocol", protocol},
+          {"bypassesProxy", route.isDirect},
+          {"proxy", orNull(route.proxy)},
+          {"reason", route.reason}};
+}
+
+int statusFor(const ProxyChoice& proxy, const GivenHost& host) {
+  const Route route = host.isFtp ? proxy.routeOverFtp(host.name) : proxy.routeOverHttp(host.name);
+  return route.isDirect ? exitSuccess : exitNegative;
+}
+
 Report explainHost(const SiteList& list, const ProxyChoice& proxy, const GivenHost& given) {
   const std::string host = narrow(given.name);
   Report report;
@@ -136,15 +153,9 @@ Report explainHost(const SiteList& list, const ProxyChoice& proxy, const GivenHo
   report.facts.emplace_back("host", host);
   report.rowsName = "routes";
   report.rowName = "route";
-  report.columns = {"protocol", "bypassesProxy", "proxy", "reason"};
-  const auto add = [&](const char* protocol, const Route& route) {
-    report.rows.push_back({{"protocol", protocol},
-                           {"bypassesProxy", route.isDirect},
-                           {"proxy", orNull(route.proxy)},
-                           {"reason", route.reason}});
-  };
-  add("http", proxy.routeOverHttp(given.name));
-  add("ftp", proxy.routeOverFtp(given.name));
+  report.columns = c_routeColumns;
+  report.rows = {routeRow("http", proxy.routeOverHttp(given.name)),
+                 routeRow("ftp", proxy.routeOverFtp(given.name))};
   report.table = [rows = report.rows, host](std::ostream& out, const Screen&) {
     for (const Record& row : rows) {
       out << shown(host)
@@ -155,16 +166,50 @@ Report explainHost(const SiteList& list, const ProxyChoice& proxy, const GivenHo
   return report;
 }
 
+int addSiteRows(const SiteList& list, const ProxyChoice& proxy, ListRows& rows) {
+  bool isAnyTried = false;
+  for (const SearchPlace& place : searchOrder(list.sites.get())) {
+    const bool isTried = place.number != 0;
+    isAnyTried = isAnyTried || isTried;
+    rows.add(siteRow(place, proxy), isTried ? Style::Plain : Style::Dim);
+  }
+  return isAnyTried ? exitSuccess : exitNegative;
+}
+
+int explainMany(Context& context, const ExplainOptions& options, const GivenHost& host) {
+  const bool isOfHost = !options.host.empty();
+  ManyLists many;
+  many.layout.rowsName = isOfHost ? "routes" : "sites";
+  many.layout.rowName = isOfHost ? "route" : "site";
+  many.layout.columns = isOfHost ? c_routeColumns : c_siteColumns;
+  many.layout.tableColumns =
+      isOfHost ? std::vector<std::string>{"protocol", "proxy", "reason"}
+               : std::vector<std::string>{"place", "kind", "name", "address", "proxy", "reason"};
+  many.read = [&](const GivenList& given, ListRows& rows) {
+    const SiteList list = readWholeSiteList(given.path);
+    const ProxyChoice proxy(list.sites.get());
+    if (!isOfHost) return addSiteRows(list, proxy, rows);
+    rows.add(routeRow("http", proxy.routeOverHttp(host.name)));
+    rows.add(routeRow("ftp", proxy.routeOverFtp(host.name)));
+    return statusFor(proxy, host);
+  };
+  if (isOfHost) {
+    many.facts = [&](bool) { return Record{{"host", narrow(host.name)}}; };
+  }
+  serveDetachedAgent(context);
+  return readManyLists(context, options.lists, many);
+}
+
 int explain(Context& context, const ExplainOptions& options) {
   GivenHost host;
   if (!options.host.empty()) host = parseHost(options.host);
-  const AgentForReading agent(context, options.file);
+  if (areMany(options.lists.files)) return explainMany(context, options, host);
+  const AgentForReading agent(context, options.lists.only());
   const SiteList list = readWholeSiteList(agent.path());
   const ProxyChoice proxy(list.sites.get());
   if (!options.host.empty()) {
     context.report = explainHost(list, proxy, host);
-    const Route route = host.isFtp ? proxy.routeOverFtp(host.name) : proxy.routeOverHttp(host.name);
-    return route.isDirect ? exitSuccess : exitNegative;
+    return statusFor(proxy, host);
   }
   context.report = explainSites(list, proxy);
   const std::vector<Record>& rows = context.report->rows;
@@ -177,8 +222,7 @@ void addExplain(Command& app, Context& context) {
   Command command =
       app.add_subcommand("explain", "Show which sites the agent tries, in which order, and why");
   const auto options = std::make_shared<ExplainOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
-      .type_name("");
+  addLists(command, options->lists);
   command
       .add_option("--host", options->host,
                   "Show only whether the agent reaches this host without a\n"
@@ -199,12 +243,16 @@ void addExplain(Command& app, Context& context) {
       "It is compared with the host of a site, not with its other names. Case is\n"
       "ignored. A local address is a name without a dot, or this machine. The port and\n"
       "the path of --host do not matter.\n"
+      "\n" +
+      std::string(c_manyListsHelp) +
+      "The exit status is then 1 if it is 1 for any list.\n"
       "\n"
       "Examples:\n"
       "  sitelist explain\n"
       "  sitelist explain incoming/SiteList.xml --format csv\n"
       "  sitelist explain --host tokyo.example\n"
-      "  sitelist explain --host https://tokyo.example:8443/pub\n");
+      "  sitelist explain --host https://tokyo.example:8443/pub\n"
+      "  sitelist explain --host tokyo.example fleet/\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return explain(context, *options); };
   });

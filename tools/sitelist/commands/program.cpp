@@ -35,6 +35,7 @@ constexpr CommandEntry c_commands[] = {
     {"policies", addPolicies},
     {"doctor", addDoctor},
     {"validate", addValidate},
+    {"summary", addSummary},
     {"explain-rule", addExplainRule},
     {"import", addImport},
     {"install", addInstall},
@@ -66,9 +67,11 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                  "Data directory of the agent (default: the value of\nSITELIST_AGENT_DIR, or " +
                      defaultAgentDirectory() + " without it)")
       .type_name("DIR");
-  app.add_option("--format", context.format, "Output format: table (the default), json, csv or xml")
+  app.add_option("--format", context.format,
+                 "Output format: table (the default), json, jsonl, csv or\nxml; jsonl is one JSON "
+                 "object in each line")
       .type_name("FORMAT")
-      .choices({"table", "json", "csv", "xml"});
+      .choices({"table", "json", "jsonl", "csv", "xml"});
   app.add_flag("--json", context.json, "The same as --format json");
   app.add_option("--color", context.color,
                  "Colour in tables: auto (the default), always or never;\nauto uses no colour if "

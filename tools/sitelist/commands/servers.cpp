@@ -7,6 +7,7 @@
 #include "tools/sitelist/cli/library_failure.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/site_list.h"
 
@@ -14,6 +15,7 @@ namespace tool {
 namespace {
 
 struct ServersOptions {
+  ListArguments lists;
   bool all = false;
   bool nonSecurePort = false;
 };
@@ -35,7 +37,27 @@ void addEach(const sitehlp::tag_HttpSite& server, ServerTexts& texts) {
   texts.versions.each.push_back(narrow(server.szVersion));
 }
 
-int servers(Context& context, const ServersOptions& options) {
+int portOf(const sitehlp::tag_HttpSite& server, bool nonSecurePort) {
+  const bool isPlain = server.uSecurePort == 0 || nonSecurePort;
+  return static_cast<int>(isPlain ? server.uServerPort : server.uSecurePort);
+}
+
+// Calls `use` for the first management server of the list or, with --all, for each one by order.
+template <typename Use>
+void eachServer(const std::string& path, bool all, Use use) {
+  const SiteList list = readWholeSiteList(path);
+  sitehlp::CSitesHelper helper(true);
+  sitehlp::ListOwner found;
+  helper.GetVestaSite(list.sites.get(), found.out());
+  if (!found.get()) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
+  for (const auto& [order, site] : sitehlp::sitesByOrder(found.get())) {
+    use(site->http);
+    if (!all) break;
+  }
+}
+
+// Takes the texts and the port from the cached list of the class, as a process of the agent does.
+int readOwn(Context& context, const ServersOptions& options, ServerTexts& texts) {
   const AgentForReading agent(context, "", ListUse::ReadCached);
   const std::string& path = agent.path();
   sitehlp::CSitesHelper helper(wide(path));
@@ -51,11 +73,11 @@ int servers(Context& context, const ServersOptions& options) {
   if (result != 0) throw libraryFailure(path, result);
   requireSiteList(path);
   if (port == noPort) throw libraryFailure(path, sitehlp::c_errorNoServerSite);
-  ServerTexts texts = {{{}, narrow(names)},
-                       {{}, narrow(hosts)},
-                       {{}, narrow(addresses)},
-                       {{}, narrow(computers)},
-                       {{}, narrow(versions)}};
+  texts = {{{}, narrow(names)},
+           {{}, narrow(hosts)},
+           {{}, narrow(addresses)},
+           {{}, narrow(computers)},
+           {{}, narrow(versions)}};
   const SiteList list = readSiteList(path);
   sitehlp::ListOwner found;
   helper.GetVestaSite(list.sites.get(), found.out());
@@ -63,6 +85,56 @@ int servers(Context& context, const ServersOptions& options) {
     addEach(site->http, texts);
     if (!options.all) break;
   }
+  return port;
+}
+
+void join(Texts& texts) {
+  for (const std::string& text : texts.each) {
+    if (&text != texts.each.data()) texts.joined += ';';
+    texts.joined += text;
+  }
+}
+
+int readFile(Context& context, const ServersOptions& options, ServerTexts& texts) {
+  const AgentForReading agent(context, options.lists.only());
+  int port = 0;
+  eachServer(agent.path(), options.all, [&](const sitehlp::tag_HttpSite& server) {
+    addEach(server, texts);
+    port = portOf(server, options.nonSecurePort);
+  });
+  for (Texts* each :
+       {&texts.names, &texts.hosts, &texts.addresses, &texts.computers, &texts.versions}) {
+    join(*each);
+  }
+  return port;
+}
+
+int serversOfMany(Context& context, const ServersOptions& options) {
+  ManyLists many;
+  many.layout.rowsName = "managementServers";
+  many.layout.rowName = "managementServer";
+  many.layout.columns = {"name", "server", "ipAddress", "computerName", "version", "port"};
+  many.layout.tableColumns = {"name", "server", "port", "ipAddress", "version"};
+  many.read = [options](const GivenList& list, ListRows& rows) {
+    eachServer(list.path, options.all, [&](const sitehlp::tag_HttpSite& server) {
+      rows.add({{"name", narrow(server.szName)},
+                {"server", narrow(server.szServer)},
+                {"ipAddress", narrow(sitehlp::plainAddress(server.szServerIP))},
+                {"computerName", narrow(server.szServerName)},
+                {"version", narrow(server.szVersion)},
+                {"port", std::int64_t{portOf(server, options.nonSecurePort)}}});
+    });
+    return exitSuccess;
+  };
+  serveDetachedAgent(context);
+  return readManyLists(context, options.lists, many);
+}
+
+int servers(Context& context, const ServersOptions& options) {
+  if (areMany(options.lists.files)) return serversOfMany(context, options);
+  ServerTexts texts;
+  const int port = options.lists.only().empty() ? readOwn(context, options, texts)
+                                                : readFile(context, options, texts);
   Report report;
   report.facts = {{"names", texts.names},           {"servers", texts.hosts},
                   {"ipAddresses", texts.addresses}, {"computerNames", texts.computers},
@@ -85,16 +157,20 @@ void addServers(Command& app, Context& context) {
   Command command =
       app.add_subcommand("servers", "Print the address of the agent's management server");
   const auto options = std::make_shared<ServersOptions>();
+  addLists(command, options->lists);
   command.add_flag(
       "--all", options->all,
       "All management servers, sorted by order and separated by\nsemicolons. The port is that "
       "of the last server.");
   command.add_flag("--non-secure-port", options->nonSecurePort,
                    "The plain port, even if there is a secure one");
-  command.footer(
-      "Examples:\n"
-      "  sitelist servers\n"
-      "  sitelist servers --all --non-secure-port\n");
+  command.footer(std::string(c_manyListsHelp) +
+                 "Each management server then has a row of its own.\n"
+                 "\n"
+                 "Examples:\n"
+                 "  sitelist servers\n"
+                 "  sitelist servers --all --non-secure-port\n"
+                 "  sitelist servers --all --format csv fleet/\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return servers(context, *options); };
   });

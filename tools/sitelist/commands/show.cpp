@@ -5,9 +5,11 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/library_failure.h"
+#include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/model/root.h"
 #include "tools/sitelist/model/selection.h"
 #include "tools/sitelist/model/site_report.h"
@@ -18,7 +20,7 @@ namespace {
 using sitehlp::tag_Site;
 
 struct ShowOptions {
-  std::string file;
+  ListArguments lists;
   std::string columnList;
   std::vector<std::string> columns;  // the words of columnList
   Selection selection;
@@ -57,14 +59,21 @@ void printTable(std::ostream& out, const Screen& screen, const ShowOptions& opti
   }
 }
 
+using SiteSequence = std::vector<const tag_Site*>;
+
+// Returns the first proxy.
+SiteSequence::iterator moveProxiesToEnd(SiteSequence& sites) {
+  return std::stable_partition(sites.begin(), sites.end(),
+                               [](const auto* site) { return !isProxy(site); });
+}
+
 // With given columns, every record is a row. Otherwise each proxy is a separate block, because it
 // has few fields in common with sites.
 void printForPeople(std::ostream& out, const Screen& screen, ShowOptions options,
                     const SiteList& list) {
   std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
   if (options.selection.sort.empty()) sortBySearchOrder(sites);
-  const auto firstProxy = std::stable_partition(sites.begin(), sites.end(),
-                                                [](const auto* site) { return !isProxy(site); });
+  const auto firstProxy = moveProxiesToEnd(sites);
   if (!options.columns.empty()) {
     printTable(out, screen, options, sites);
     return;
@@ -145,11 +154,59 @@ std::vector<std::string> eachOnce(const std::vector<std::string>& names) {
   return found;
 }
 
+// Adds the rows of one of several lists. A table for people has them in search order.
+void readRows(const GivenList& given, const ShowOptions& options, bool isForPeople,
+              ListRows& rows) {
+  const auto addRow = [&](const tag_Site& site) {
+    rows.add(rowOf(site, options), site.bEnabled || isProxy(&site) ? Style::Plain : Style::Dim);
+  };
+  SiteList list;
+  if (options.selection.sort.empty() && !isForPeople) {
+    list.result =
+        sitehlp::CSitesHelper::ReadListContents(wide(given.path), list, [&](tag_Site* taken) {
+          const Sites site(taken);
+          if (isSelected(*site, options.selection)) addRow(*site);
+        });
+  } else {
+    list = readSiteList(given.path);
+    std::vector<const tag_Site*> sites = select(list.sites.get(), options.selection);
+    if (options.selection.sort.empty()) sortBySearchOrder(sites);
+    if (isForPeople) moveProxiesToEnd(sites);
+    for (const tag_Site* site : sites) addRow(*site);
+  }
+  if (list.result != 0) throw libraryFailure(given.path, list.result);
+  requireSiteList(given.path);
+  rows.countPasswords(takeUnreadPasswords());
+}
+
+int showMany(Context& context, ShowOptions options) {
+  ManyLists many;
+  many.layout.rowsName = "sites";
+  many.layout.rowName = "site";
+  many.layout.columns = options.columns.empty() ? siteFieldNames() : eachOnce(options.columns);
+  if (options.columns.empty() && formatOf(context) == Format::Table) {
+    options.columns = {"order", "kind", "name", "address", "state"};
+  }
+  many.layout.tableColumns = eachOnce(options.columns);
+  many.isWide = options.wide;
+  many.needsRow = true;
+  many.isSecret = options.showSecrets;
+  many.warn = warnOfUnreadPasswordsInLists;
+  const bool isForPeople = formatOf(context) == Format::Table;
+  many.read = [options, isForPeople](const GivenList& list, ListRows& rows) {
+    readRows(list, options, isForPeople, rows);
+    return exitSuccess;
+  };
+  serveDetachedAgent(context);
+  return readManyLists(context, options.lists, many);
+}
+
 int show(Context& context, ShowOptions options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
   requireFilterKeys(options.selection);
-  const AgentForReading agent(context, options.file);
+  if (areMany(options.lists.files)) return showMany(context, std::move(options));
+  const AgentForReading agent(context, options.lists.only());
   const Format format = formatOf(context);
   Report report;
   report.rowsName = "sites";
@@ -169,7 +226,7 @@ int show(Context& context, ShowOptions options) {
   };
   context.report = std::move(report);
   if (list->result != 0) throw libraryFailure(agent.path(), list->result);
-  warnOfUnreadPasswords(agent.path(), options.file.empty());
+  warnOfUnreadPasswords(agent.path(), options.lists.only().empty());
   if (counts.selected != 0) return exitSuccess;
   std::cerr << "sitelist: " << shown(agent.path()) << ": "
             << (counts.read != 0 ? "no site matches" : "the list has no sites") << '\n';
@@ -182,8 +239,7 @@ void addShow(Command& app, Context& context) {
   Command command =
       app.add_subcommand("show", "Print the sites in search order, then the proxy settings");
   const auto options = std::make_shared<ShowOptions>();
-  command.add_option("FILE", options->file, "A site list (default: the agent's own list)")
-      .type_name("");
+  addLists(command, options->lists);
   command
       .add_option("--columns", options->columnList,
                   "Columns in every format, separated by commas: order, kind,\ntype, name, "
@@ -213,11 +269,15 @@ void addShow(Command& app, Context& context) {
       "They keep the order of the list unless --sort is given. Find a column of CSV by\n"
       "its name: a later version may have other columns before it. --columns fixes the\n"
       "order of the columns.\n"
+      "\n" +
+      std::string(c_manyListsHelp) +
+      "--sort sorts the sites of each list.\n"
       "\n"
       "Examples:\n"
       "  sitelist show\n"
       "  sitelist show incoming/SiteList.xml\n"
       "  sitelist show --filter kind=http --columns name,server --sort name\n"
+      "  sitelist show --format jsonl fleet/\n"
       "  sitelist show --columns name,address --format csv\n"
       "  sitelist show --json | jq '.sites[] | select(.enabled).name'\n");
   command.callback([&context, options] {

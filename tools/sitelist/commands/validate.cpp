@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <ostream>
 
@@ -10,13 +11,14 @@
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/validate/validation.h"
 
 namespace tool {
 namespace {
 
 struct ValidateOptions {
-  std::vector<std::string> files;
+  ListArguments lists;
   bool managed = false;
   bool unmanaged = false;
   bool strict = false;
@@ -32,12 +34,9 @@ bool counts(const Fault& fault, bool strict) {
   return strict || fault.rule->severity == Severity::Error;
 }
 
-void printLists(std::ostream& out, const Screen& screen, const std::vector<CheckedList>& lists) {
-  for (const CheckedList& list : lists) {
-    for (const Fault& fault : list.faults) out << lineOf(list.name, fault, screen) << '\n';
-    if (list.isValid)
-      out << shown(list.name) << ": " << screen.styled(Style::Good, "valid") << '\n';
-  }
+void printList(std::ostream& out, const Screen& screen, const CheckedList& list) {
+  for (const Fault& fault : list.faults) out << lineOf(list.name, fault, screen) << '\n';
+  if (list.isValid) out << shown(list.name) << ": " << screen.styled(Style::Good, "valid") << '\n';
 }
 
 Record faultRow(const CheckedList& list, const Fault& fault) {
@@ -53,22 +52,20 @@ Record faultRow(const CheckedList& list, const Fault& fault) {
           {"site", fault.site.empty() ? Scalar() : Scalar(narrow(fault.site))}};
 }
 
-Report reportOf(std::vector<CheckedList> lists, bool strict) {
+Report reportOf(CheckedList list, bool strict) {
   std::int64_t faults = 0;
   std::int64_t warnings = 0;
   Report report;
   report.rowsName = "faults";
   report.rowName = "fault";
   report.columns = {"file", "line", "column", "severity", "rule", "text", "site"};
-  for (const CheckedList& list : lists) {
-    for (const Fault& fault : list.faults) {
-      report.rows.push_back(faultRow(list, fault));
-      ++(counts(fault, strict) ? faults : warnings);
-    }
+  for (const Fault& fault : list.faults) {
+    report.rows.push_back(faultRow(list, fault));
+    ++(counts(fault, strict) ? faults : warnings);
   }
   report.facts = {{"valid", faults == 0}, {"faultCount", faults}, {"warningCount", warnings}};
-  report.table = [lists = std::move(lists)](std::ostream& out, const Screen& screen) {
-    printLists(out, screen, lists);
+  report.table = [list = std::move(list)](std::ostream& out, const Screen& screen) {
+    printList(out, screen, list);
   };
   return report;
 }
@@ -78,7 +75,7 @@ void requireSense(const ValidateOptions& options) {
     throw Failure(exitUsage, "--managed and --unmanaged cannot be used together",
                   "give at most one of them");
   }
-  if (std::count_if(options.files.begin(), options.files.end(), isStandardInput) > 1) {
+  if (std::count_if(options.lists.files.begin(), options.lists.files.end(), isStandardInput) > 1) {
     throw Failure(exitUsage, "standard input can be read only once", "give \"-\" at most once");
   }
 }
@@ -93,22 +90,66 @@ CheckedList check(const std::string& file, bool checkServer) {
   return {input.name, validateList({input.name, storeInput(scratch, input), false}, checkServer)};
 }
 
+// Sets whether the list is valid and returns the exit status for it.
+int judge(CheckedList& list, bool strict) {
+  int status = exitSuccess;
+  for (const Fault& fault : list.faults) {
+    if (!counts(fault, strict)) continue;
+    list.isValid = false;
+    status = std::max<int>(status, std::max(fault.rule->status, exitNegative));
+  }
+  return status;
+}
+
+// The numbers of faults in several lists, which are checked in several threads.
+struct FaultCounts {
+  std::atomic<std::int64_t> faults{0};
+  std::atomic<std::int64_t> warnings{0};
+};
+
+int addFaults(const GivenList& given, const ValidateOptions& options, FaultCounts& all,
+              ListRows& rows) {
+  CheckedList list = {rows.file(),
+                      validateList({given.path, given.path, !given.isStream}, !options.unmanaged)};
+  const int status = judge(list, options.strict);
+  for (const Fault& fault : list.faults) {
+    ++(counts(fault, options.strict) ? all.faults : all.warnings);
+    Record row = faultRow(list, fault);
+    row.erase(row.begin());  // the file is added to every row
+    rows.add(row, lineOf(list.name, fault, rows.screen()));
+  }
+  if (list.isValid) {
+    rows.addLine(shown(list.name) + ": " + rows.screen().styled(Style::Good, "valid"));
+  }
+  if (status > exitNegative) rows.countAsFailed();
+  return status;
+}
+
+int validateMany(Context& context, const ValidateOptions& options) {
+  ManyLists many;
+  FaultCounts all;
+  many.layout.rowsName = "faults";
+  many.layout.rowName = "fault";
+  many.layout.columns = {"line", "column", "severity", "rule", "text", "site"};
+  many.layout.printsLines = true;
+  many.read = [&](const GivenList& list, ListRows& rows) {
+    return addFaults(list, options, all, rows);
+  };
+  many.facts = [&all](bool areAllRead) {
+    return Record{{"valid", areAllRead && all.faults == 0},
+                  {"faultCount", all.faults.load()},
+                  {"warningCount", all.warnings.load()}};
+  };
+  return readManyLists(context, options.lists, many);
+}
+
 int validate(Context& context, const ValidateOptions& options) {
   requireSense(options);
   serveNoAgent(context);
-  std::vector<CheckedList> lists;
-  int status = exitSuccess;
-  for (const std::string& file : options.files) {
-    CheckedList list = check(file, !options.unmanaged);
-    for (const Fault& fault : list.faults) {
-      if (!counts(fault, options.strict)) continue;
-      list.isValid = false;
-      status = std::max<int>(status, std::max(fault.rule->status, exitNegative));
-    }
-    lists.push_back(std::move(list));
-    // The results so far are also reported if the next list causes a failure.
-    context.report = reportOf(lists, options.strict);
-  }
+  if (areMany(options.lists.files)) return validateMany(context, options);
+  CheckedList list = check(options.lists.only(), !options.unmanaged);
+  const int status = judge(list, options.strict);
+  context.report = reportOf(std::move(list), options.strict);
   clearLogRecords();
   return status;
 }
@@ -118,10 +159,14 @@ int validate(Context& context, const ValidateOptions& options) {
 void addValidate(Command& app, Context& context) {
   Command command = app.add_subcommand("validate", "Check whether site lists can be imported");
   const auto options = std::make_shared<ValidateOptions>();
-  command.add_option("FILE", options->files, "Site lists; - means standard input")
+  command
+      .add_option("FILE", options->lists.files,
+                  "Site lists, or directories in which all files\n\"SiteList.xml\" are checked; - "
+                  "means standard input")
       .required()
       .type_name("")
       .completes(Completion::File);
+  addJobs(command, options->lists.jobs);
   command.add_flag("--managed", options->managed,
                    "Apply the rules for a managed agent, including those\n"
                    "for the management server (default)");
@@ -142,10 +187,13 @@ void addValidate(Command& app, Context& context) {
       ruleHelp(Severity::Warning) +
       "The exit status is 1 if a list has an error. It is 3 for invalid-encoding,\n"
       "over-limit, not-well-formed and unknown-site, and 4 for missing-file and\n"
-      "unreadable-file. With several lists, it is the highest of all.\n\n"
+      "unreadable-file. With several lists, it is the highest of all.\n"
+      "\n"
+      "A directory stands for all its files \"SiteList.xml\", at any depth.\n\n"
       "Examples:\n"
       "  sitelist validate incoming/SiteList.xml\n"
       "  sitelist validate --unmanaged --strict lists/*.xml\n"
+      "  sitelist validate fleet/ --format jsonl\n"
       "  ssh server cat SiteList.xml | sitelist validate - --format json\n");
   command.callback([&context, options] {
     context.action = [&context, options] { return validate(context, *options); };

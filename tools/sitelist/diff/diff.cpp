@@ -241,12 +241,16 @@ void Diff::add(const std::vector<FileChange>& files) {
   }
 }
 
+std::vector<std::string> Diff::columns() {
+  return {"section", "change", "kind", "name", "field", "before", "after"};
+}
+
 Report Diff::report(const std::string& title, const std::string& end) const {
   Report report;
   report.facts = {{"before", m_before}, {"after", m_after}, {"differs", !isEmpty()}};
   report.rowsName = "changes";
   report.rowName = "change";
-  report.columns = {"section", "change", "kind", "name", "field", "before", "after"};
+  report.columns = columns();
   report.rows = m_rows;
   std::vector<DiffSection> sections;
   for (const Section& each : m_sections) {

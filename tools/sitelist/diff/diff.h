@@ -28,6 +28,10 @@ class Diff {
   // Adds the changes of files to the differences.
   void add(const std::vector<FileChange>& files);
 
+  // The names of the values in a row.
+  static std::vector<std::string> columns();
+  const std::vector<Record>& rows() const { return m_rows; }
+
   bool isEmpty() const { return m_rows.size() == m_incomparable; }
   // Returns the number of passwords that cannot be compared.
   std::size_t incomparable() const { return m_incomparable; }

@@ -130,9 +130,11 @@ class SchemaPage {
     m_page.endList();
   }
 
-  // The members of a document after "then" are those that it has after a success.
+  // The members of a document after "then" are those that it has after a success, and for one list
+  // those after another "then".
   static bool isRequired(const Json& object, const std::string& name) {
-    for (const Json& each : {object, object.value("then", Json::object())}) {
+    const Json afterSuccess = object.value("then", Json::object());
+    for (const Json& each : {object, afterSuccess, afterSuccess.value("then", Json::object())}) {
       const Json required = each.value("required", Json::array());
       if (std::find(required.begin(), required.end(), name) != required.end()) return true;
     }
@@ -164,6 +166,14 @@ class SchemaPage {
         "a record. A value "
         "may have a line end of its own. On a terminal, control characters and invisible ones are "
         "escaped.");
+    m_page.paragraph(
+        "With `--format jsonl`, each record is one object in one line. A command without records "
+        "prints one line with its own members. A failure of the command is a line of the kind "
+        "`failed`.");
+    m_page.paragraph(
+        "With several lists or a directory, a document has the counts of the run in place of the "
+        "members about one list. Each record then begins with the path of its list. The record of "
+        "a list that failed has `status` and `error` in place of its other members.");
   }
 
   void describeDocument(const std::string& name, const Json& document) {

@@ -31,6 +31,9 @@ struct Context {
 // Returns the format of the output.
 Format formatOf(const Context& context);
 
+// Returns the properties of standard output with the given colour.
+Screen screenOf(const Context& context);
+
 }  // namespace tool
 
 #endif

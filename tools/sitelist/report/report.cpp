@@ -12,6 +12,8 @@ void RowWriter::add(const Record& row) {
       return appendJsonRow(m_report.writtenRows, row);
     case Format::Xml:
       return appendXmlRow(m_report.writtenRows, m_report.rowName, row);
+    case Format::JsonLines:
+      return appendJsonLine(m_report.writtenRows, row);
     case Format::Csv:
       return appendCsvRow(m_report.writtenRows, m_report.columns, row);
     case Format::Table:
@@ -26,6 +28,9 @@ std::string textOf(const Scalar& value) {
   if (const auto* const number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
   if (const auto* const text = std::get_if<std::string>(&value)) return *text;
   if (const auto* const texts = std::get_if<Texts>(&value)) return texts->joined;
+  if (const auto* const object = std::get_if<std::shared_ptr<const Object>>(&value)) {
+    return (*object)->text;
+  }
   return "";
 }
 
@@ -59,6 +64,12 @@ Record factsOf(const Failure& failure) {
   }
   if (origin.code != 0) facts[7].second = std::int64_t{origin.code};
   return facts;
+}
+
+Record failedRow(const std::string& file, const Failure& failure) {
+  return {{"file", orNull(file)},
+          {"status", std::int64_t{failure.status()}},
+          {"error", std::make_shared<const Object>(Object{factsOf(failure), failure.what()})}};
 }
 
 }  // namespace tool

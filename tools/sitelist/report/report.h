@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <utility>
 #include <variant>
@@ -14,6 +15,7 @@
 namespace tool {
 
 class Failure;
+class RowSpool;
 
 // Must be raised when a name in the output for programs is removed or changes its meaning.
 constexpr int c_schemaVersion = 2;
@@ -27,10 +29,26 @@ struct Texts {
 bool operator==(const Texts& a, const Texts& b);
 inline bool operator!=(const Texts& a, const Texts& b) { return !(a == b); }
 
+struct Object;
+
 // One value. Texts are UTF-8, unchanged from the document. The code that prints them must make them
 // printable.
-using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string, Texts>;
+using Scalar = std::variant<std::monostate, bool, std::int64_t, std::string, Texts,
+                            std::shared_ptr<const Object>>;
 using Record = std::vector<std::pair<std::string, Scalar>>;
+
+// Several values as one value. JSON and XML have each value. A table and CSV have only the text.
+struct Object {
+  Record members;
+  std::string text;
+};
+
+// Rows of one kind.
+struct RowGroup {
+  std::string rowsName;
+  std::string rowName;  // of one row, in XML
+  std::vector<Record> rows;
+};
 
 // The result of a command in every format: facts, and rows of one kind. The names are part of the
 // tool's interface.
@@ -41,11 +59,14 @@ struct Report {
   std::vector<std::string> columns;  // all names that a row may have
   std::vector<Record> rows;          // a row omits values that do not apply
   std::string writtenRows;           // further rows, already in the output format
+  std::vector<RowGroup> groups;      // further rows, of other kinds, with names of their own
+  std::shared_ptr<RowSpool> spool;   // may be null; further rows, already in the output format
+  bool isPrinted = false;            // whether the rows were printed, in a format without facts
   // Prints the report as a table for people.
   std::function<void(std::ostream&, const Screen&)> table;
 };
 
-enum class Format { Table, Json, Csv, Xml };
+enum class Format { Table, Json, JsonLines, Csv, Xml };
 
 // Appends rows to `Report::writtenRows`, so that only one of them at a time is in memory. The table
 // format does not use it.
@@ -75,14 +96,23 @@ void printXml(std::ostream& out, const Report* report, const Ending& ending);
 // Prints the rows or, without rows, the name and value of every fact, as records of RFC 4180 that
 // end with LF.
 void printCsv(std::ostream& out, const Report& report);
+// Prints each row or, without rows, all facts as one JSON object in one line. A failure has its own
+// line.
+void printJsonLines(std::ostream& out, const Report* report, const Ending& ending);
 
 // Each function appends one row to `rows`.
 void appendJsonRow(std::string& rows, const Record& row);
+void appendJsonLine(std::string& rows, const Record& row);
 void appendXmlRow(std::string& rows, const std::string& name, const Record& row);
 void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, const Record& row);
 
+// Appends the names of the columns.
+void appendCsvHeading(std::string& rows, const std::vector<std::string>& columns);
+
 // Returns the facts of a failure for programs.
 Record factsOf(const Failure& failure);
+// Returns the row of a list that failed: its name, the exit status and the facts of the failure.
+Record failedRow(const std::string& file, const Failure& failure);
 
 // Returns the text of a value, or an empty text for none.
 std::string textOf(const Scalar& value);

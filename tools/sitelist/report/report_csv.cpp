@@ -29,20 +29,30 @@ void appendCsvRow(std::string& rows, const std::vector<std::string>& columns, co
   rows += '\n';
 }
 
+void appendCsvHeading(std::string& rows, const std::vector<std::string>& columns) {
+  for (const std::string& column : columns) {
+    if (&column != columns.data()) rows += ',';
+    rows += column;
+  }
+  rows += '\n';
+}
+
 void printCsv(std::ostream& out, const Report& report) {
-  if (report.rowsName.empty()) {
+  if (report.isPrinted) return;
+  if (report.rowsName.empty() && report.groups.empty()) {
     out << "field,value\n";
     for (const auto& [name, value] : report.facts)
       out << name << ',' << cell(textOf(value)) << '\n';
     return;
   }
-  for (const std::string& column : report.columns) {
-    out << (&column == report.columns.data() ? "" : ",") << column;
-  }
-  out << '\n';
   std::string rows;
+  appendCsvHeading(rows, report.columns);
   for (const Record& row : report.rows) appendCsvRow(rows, report.columns, row);
-  out << rows << report.writtenRows;
+  rows += report.writtenRows;
+  for (const RowGroup& group : report.groups) {
+    for (const Record& row : group.rows) appendCsvRow(rows, report.columns, row);
+  }
+  out << rows;
 }
 
 }  // namespace tool

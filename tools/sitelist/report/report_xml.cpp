@@ -3,6 +3,7 @@
 
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/report/report.h"
+#include "tools/sitelist/report/row_spool.h"
 
 namespace tool {
 namespace {
@@ -37,7 +38,12 @@ void append(std::string& text, const Record& record, const char* indent) {
   for (const auto& [name, value] : record) {
     if (std::holds_alternative<std::monostate>(value)) continue;
     text.append(indent).append("<").append(name).append(">");
-    if (const auto* const texts = std::get_if<Texts>(&value)) {
+    if (const auto* const object = std::get_if<std::shared_ptr<const Object>>(&value)) {
+      const std::string inner = std::string(indent) + "  ";
+      text.append("\n");
+      append(text, (*object)->members, inner.c_str());
+      text.append(indent);
+    } else if (const auto* const texts = std::get_if<Texts>(&value)) {
       append(text, texts->each, indent);
     } else {
       text.append(escaped(textOf(value)));
@@ -66,8 +72,14 @@ void printXml(std::ostream& out, const Report* report, const Ending& ending) {
     if (!report->rowsName.empty()) {
       std::string rows;
       for (const Record& row : report->rows) appendXmlRow(rows, report->rowName, row);
-      out << "  <" << report->rowsName << ">\n"
-          << rows << report->writtenRows << "  </" << report->rowsName << ">\n";
+      out << "  <" << report->rowsName << ">\n" << rows << report->writtenRows;
+      if (report->spool) report->spool->copyTo(out);
+      out << "  </" << report->rowsName << ">\n";
+    }
+    for (const RowGroup& group : report->groups) {
+      std::string rows;
+      for (const Record& row : group.rows) appendXmlRow(rows, group.rowName, row);
+      out << "  <" << group.rowsName << ">\n" << rows << "  </" << group.rowsName << ">\n";
     }
   }
   if (ending.failure) {

@@ -1,0 +1,51 @@
+#ifndef TOOLS_SITELIST_FLEET_FLEET_COUNTS_H
+#define TOOLS_SITELIST_FLEET_FLEET_COUNTS_H
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tools/sitelist/fleet/list_summary.h"
+#include "tools/sitelist/report/report.h"
+
+namespace tool {
+
+// The counts of a fleet: how many lists have each version, management server, fault and month in
+// which a certificate expires.
+class FleetCounts {
+ public:
+  void add(const ListSummary& list);
+
+  std::size_t lists() const { return m_lists; }
+  std::size_t failed() const { return m_failed; }
+  // Returns a group of rows for each kind of count. Frequent values come first, but months are in
+  // their order.
+  std::vector<RowGroup> groups() const;
+
+ private:
+  struct Version {
+    std::size_t lists = 0;
+    std::set<std::string> localVersions;
+  };
+  struct Broken {
+    std::size_t lists = 0;
+    std::size_t faults = 0;
+  };
+  struct Month {
+    std::size_t lists = 0;
+    std::set<std::string> certificates;
+  };
+
+  std::size_t m_lists = 0;
+  std::size_t m_failed = 0;
+  std::map<std::string, Version> m_versions;
+  std::map<std::string, std::size_t> m_servers;
+  std::map<const Rule*, Broken> m_faults;
+  std::map<std::string, Month> m_months;
+};
+
+}  // namespace tool
+
+#endif

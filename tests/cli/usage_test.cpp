@@ -116,7 +116,7 @@ TEST_F(CliUsage, WrongUsageIsStatus2WithAMessageAndNoData) {
       {"--bogus"},
       {"bogus"},
       {"show", "--bogus"},
-      {"show", "a", "b"},
+      {"explain-rule", "a", "b"},
       {"validate"},
       {"validate", "--managed", "--unmanaged", "a"},
       {"import"},
@@ -145,12 +145,14 @@ TEST_F(CliUsage, NamesWhatItDoesNotExpect) {
             "sitelist: unknown command \"bogus\"\n  next: see `sitelist --help`\n");
   EXPECT_EQ(error({"edit", "bogus"}),
             "sitelist: unknown command \"edit bogus\"\n  next: see `sitelist edit --help`\n");
-  EXPECT_EQ(error({"show", "a", "b"}),
-            "sitelist: unexpected argument \"b\"\n  next: see `sitelist show --help`\n");
-  EXPECT_EQ(error({"show", "a", "c", "--wide", "b"}),
-            "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist show --help`\n");
-  EXPECT_EQ(error({"show", "a", "c", "b", "--secret", "x"}),
-            "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist show --help`\n")
+  EXPECT_EQ(error({"explain-rule", "a", "b"}),
+            "sitelist: unexpected argument \"b\"\n  next: see `sitelist explain-rule --help`\n");
+  EXPECT_EQ(
+      error({"explain-rule", "a", "c", "--verbose", "b"}),
+      "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist explain-rule --help`\n");
+  EXPECT_EQ(
+      error({"explain-rule", "a", "c", "b", "--secret", "x"}),
+      "sitelist: unexpected arguments \"c\", \"b\"\n  next: see `sitelist explain-rule --help`\n")
       << "what follows an option may be its value";
   EXPECT_EQ(error({"policies", "a", "b"}),
             "sitelist: unexpected argument \"b\"\n  next: see `sitelist policies --help`\n");
@@ -285,7 +287,7 @@ TEST_F(CliUsage, NamesTheChoicesWhenAValueIsNoneOfThem) {
   const Output output = bare({"show", "--format", "yaml"});
   EXPECT_EQ(output.status, 2);
   EXPECT_THAT(output.err,
-              HasSubstr("--format: \"yaml\" is not one of table, json, csv, xml\n  next: "));
+              HasSubstr("--format: \"yaml\" is not one of table, json, jsonl, csv, xml\n  next: "));
 }
 
 TEST_F(CliUsage, GlobalOptionsMayStandBehindTheCommand) {
@@ -348,7 +350,7 @@ TEST_F(CliUsage, BytesThatAreNotInTheEncodingAreTheDocumentsFault) {
   EXPECT_THAT(output.err, testing::EndsWith("\n  the bytes are not valid UTF-8, UTF-16 or UTF-32\n"
                                             "  next: save the document as UTF-8, or request it "
                                             "again from the server\n"));
-  const Output directory = sitelist({"show", file("tmp")});
+  const Output directory = sitelist({"get", "type", file("tmp")});
   EXPECT_EQ(directory.status, 4);
   EXPECT_THAT(directory.err, testing::EndsWith("\n  it is a directory\n  next: check that it is a "
                                                "regular file that you may read\n"));

@@ -86,13 +86,16 @@ int tryReadInput(const std::string& file, Input& input) {
 
 Input readInput(const std::string& file) {
   Input input;
-  const int error = tryReadInput(file, input);
-  if (error == 0) return input;
+  if (const int error = tryReadInput(file, input)) throw inputFailure(input.name, error);
+  return input;
+}
+
+Failure inputFailure(const std::string& name, int error) {
   if (error == ENOENT) {
-    throw failureAt(input.name, exitFile, "the file does not exist", "check the path");
+    return failureAt(name, exitFile, "the file does not exist", "check the path");
   }
-  throw failureAt(input.name, exitFile, "cannot be read: " + readFailureReason(error),
-                  error == EBADF ? c_openInput : c_checkFile);
+  return failureAt(name, exitFile, "cannot be read: " + readFailureReason(error),
+                   error == EBADF ? c_openInput : c_checkFile);
 }
 
 int tryReadBytes(const std::string& path, std::string& bytes) {

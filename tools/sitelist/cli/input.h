@@ -6,6 +6,8 @@
 
 namespace tool {
 
+class Failure;
+
 // Greater than the library's limit, so that the library itself reports a document over its limit.
 constexpr std::size_t c_maxInputBytes = std::size_t{128} << 20;
 
@@ -41,6 +43,8 @@ void takeStandardInput();
 // Reads a file or, for "-" or an empty name, standard input. Waits for the writer of a pipe. Fails
 // when it cannot be read.
 Input readInput(const std::string& file);
+// Returns the failure of a read with this errno.
+Failure inputFailure(const std::string& name, int error);
 // Does the same, but returns 0 or an errno. Fails only as takeStandardInput does.
 int tryReadInput(const std::string& file, Input& input);
 

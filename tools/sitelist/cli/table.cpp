@@ -13,15 +13,6 @@ namespace {
 constexpr std::size_t c_gap = 2;
 constexpr std::size_t c_leastWidth = 6;  // a shorter text would be useless
 
-std::wstring cutTo(const std::wstring& text, std::size_t width, bool keepsEnd) {
-  if (columnsOf(text) <= width) return text;
-  std::wstring kept = text;
-  while (!kept.empty() && columnsOf(kept) + 1 > width) {
-    kept.erase(keepsEnd ? 0 : kept.size() - 1, 1);
-  }
-  return keepsEnd ? L'…' + kept : kept + L'…';
-}
-
 }  // namespace
 
 Table::Table(std::vector<std::wstring> headings) : m_leastWidths(headings.size()) {
@@ -67,7 +58,8 @@ void Table::printRow(std::ostream& out, const Screen& screen, const Row& row,
       const bool isLimited = screen.columns > before + c_leastWidth;
       width = isLimited ? screen.columns - before : columnsOf(row.cells[i]);
     }
-    const std::wstring cell = cutTo(row.cells[i], width, i == m_endColumn);
+    const std::wstring cell =
+        cutTo(row.cells[i], width, i == m_endColumn ? Kept::End : Kept::Start);
     line += narrow(cell);
     if (i + 1 < row.cells.size()) line += std::string(width - columnsOf(cell) + c_gap, ' ');
   }

@@ -109,4 +109,13 @@ std::size_t columnsOf(const std::wstring& text) {
   return columns;
 }
 
+std::wstring cutTo(const std::wstring& text, std::size_t columns, Kept kept) {
+  if (columnsOf(text) <= columns) return text;
+  std::wstring part = text;
+  while (!part.empty() && columnsOf(part) + 1 > columns) {
+    part.erase(kept == Kept::End ? 0 : part.size() - 1, 1);
+  }
+  return kept == Kept::End ? L'…' + part : part + L'…';
+}
+
 }  // namespace tool

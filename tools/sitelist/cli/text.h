@@ -23,6 +23,11 @@ std::wstring caseFolded(const std::wstring& text);
 // Returns the number of terminal columns of a printable text.
 std::size_t columnsOf(const std::wstring& text);
 
+enum class Kept { Start, End };
+// Returns a printable text with at most this many terminal columns. A longer text keeps one part
+// and has an ellipsis in place of the other.
+std::wstring cutTo(const std::wstring& text, std::size_t columns, Kept kept);
+
 }  // namespace tool
 
 #endif

@@ -149,7 +149,7 @@ int certsOfMany(Context& context, const CertsOptions& options, std::optional<int
 
 int certs(Context& context, const CertsOptions& options) {
   const std::optional<int> days = daysOf(options);
-  if (areMany(options.lists.files)) return certsOfMany(context, options, days);
+  if (areMany(options.lists)) return certsOfMany(context, options, days);
   const AgentForReading agent(context, options.lists.only());
   const std::vector<std::wstring> texts = readCertificates(agent.path());
   Report report;

@@ -114,7 +114,7 @@ ListArguments listsToCompare(const DiffOptions& options) {
 int diff(Context& context, DiffOptions options) {
   if (!options.base.empty()) {
     const ListArguments lists = listsToCompare(options);
-    if (areMany(lists.files)) return diffMany(context, options, lists);
+    if (areMany(lists)) return diffMany(context, options, lists);
     options.before = options.base;
     options.after = lists.only();
   } else if (!options.more.empty()) {
@@ -181,8 +181,8 @@ void addDiff(Command& app, Context& context) {
       "--exit-code the exit status is then 5, or 1 if the lists differ elsewhere.\n"
       "\n"
       "--to compares BASE_FILE with many lists. A change is one from BASE_FILE to the\n"
-      "list of its row. A list without a row is the same as BASE_FILE. The exit status is\n"
-      "the highest of all lists.\n"
+      "list of its row. A list without a row is the same as BASE_FILE. The exit\n"
+      "status is the highest of all lists.\n"
       "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"

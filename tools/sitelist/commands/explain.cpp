@@ -203,7 +203,7 @@ int explainMany(Context& context, const ExplainOptions& options, const GivenHost
 int explain(Context& context, const ExplainOptions& options) {
   GivenHost host;
   if (!options.host.empty()) host = parseHost(options.host);
-  if (areMany(options.lists.files)) return explainMany(context, options, host);
+  if (areMany(options.lists)) return explainMany(context, options, host);
   const AgentForReading agent(context, options.lists.only());
   const SiteList list = readWholeSiteList(agent.path());
   const ProxyChoice proxy(list.sites.get());

@@ -131,7 +131,7 @@ int serversOfMany(Context& context, const ServersOptions& options) {
 }
 
 int servers(Context& context, const ServersOptions& options) {
-  if (areMany(options.lists.files)) return serversOfMany(context, options);
+  if (areMany(options.lists)) return serversOfMany(context, options);
   ServerTexts texts;
   const int port = options.lists.only().empty() ? readOwn(context, options, texts)
                                                 : readFile(context, options, texts);

@@ -205,7 +205,7 @@ int show(Context& context, ShowOptions options) {
   options.columns = split(options.columnList);
   for (const std::string& column : options.columns) requireColumn(column);
   requireFilterKeys(options.selection);
-  if (areMany(options.lists.files)) return showMany(context, std::move(options));
+  if (areMany(options.lists)) return showMany(context, std::move(options));
   const AgentForReading agent(context, options.lists.only());
   const Format format = formatOf(context);
   Report report;

@@ -124,9 +124,10 @@ void addSummary(Command& app, Context& context) {
   command.add_flag("--unmanaged", options->unmanaged,
                    "Count the faults by the rules for an unmanaged agent");
   command.footer(
-      "Counts the lists with each global version, with each management server, with each\n"
-      "fault that `sitelist validate` finds, and with a certificate that expires in each\n"
-      "month. A table has only the most frequent values. The other formats have all.\n"
+      "Counts the lists with each global version, with each management server, with\n"
+      "each fault that `sitelist validate` finds, and with a certificate that expires\n"
+      "in each month. A table has only the most frequent values. The other formats\n"
+      "have all.\n"
       "\n"
       "Lists are alike if they differ at most in their versions and passwords. The most\n"
       "frequent list is the first one of those that are alike most often. The ten lists\n"

@@ -11,6 +11,7 @@
 #include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
+#include "tools/sitelist/fleet/list_summary.h"
 #include "tools/sitelist/fleet/many_lists.h"
 #include "tools/sitelist/validate/validation.h"
 
@@ -109,8 +110,7 @@ struct FaultCounts {
 
 int addFaults(const GivenList& given, const ValidateOptions& options, FaultCounts& all,
               ListRows& rows) {
-  CheckedList list = {rows.file(),
-                      validateList({given.path, given.path, !given.isStream}, !options.unmanaged)};
+  CheckedList list = {rows.file(), faultsOf(given, !options.unmanaged)};
   const int status = judge(list, options.strict);
   for (const Fault& fault : list.faults) {
     ++(counts(fault, options.strict) ? all.faults : all.warnings);
@@ -132,6 +132,7 @@ int validateMany(Context& context, const ValidateOptions& options) {
   many.layout.rowName = "fault";
   many.layout.columns = {"line", "column", "severity", "rule", "text", "site"};
   many.layout.printsLines = true;
+  many.takesErrors = true;
   many.read = [&](const GivenList& list, ListRows& rows) {
     return addFaults(list, options, all, rows);
   };
@@ -146,7 +147,7 @@ int validateMany(Context& context, const ValidateOptions& options) {
 int validate(Context& context, const ValidateOptions& options) {
   requireSense(options);
   serveNoAgent(context);
-  if (areMany(options.lists.files)) return validateMany(context, options);
+  if (areMany(options.lists)) return validateMany(context, options);
   CheckedList list = check(options.lists.only(), !options.unmanaged);
   const int status = judge(list, options.strict);
   context.report = reportOf(std::move(list), options.strict);

@@ -43,7 +43,7 @@ int versionsOfMany(Context& context, const ListArguments& lists) {
 }
 
 int versions(Context& context, const ListArguments& lists) {
-  if (areMany(lists.files)) return versionsOfMany(context, lists);
+  if (areMany(lists)) return versionsOfMany(context, lists);
   const AgentForReading agent(context, lists.only());
   const SiteList list = readVersions(agent.path());
   Report report;

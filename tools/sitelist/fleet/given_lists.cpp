@@ -19,11 +19,6 @@ namespace {
 
 constexpr const char* c_listName = "SiteList.xml";
 
-bool isDirectory(const std::string& path) {
-  struct stat status;
-  return host::fileSystem().stat(AT_FDCWD, path, true, status) == 0 && S_ISDIR(status.st_mode);
-}
-
 // Does not follow a link at the end of the path, so a loop of links ends.
 bool isDirectoryItself(const std::string& path, const dirent& entry) {
   if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
@@ -51,7 +46,7 @@ int readDirectory(const std::string& path, std::vector<GivenList>& lists,
     if (isDirectoryItself(start + name, *entry)) {
       directories.push_back(start + name);
     } else if (name == c_listName) {
-      lists.push_back({start + name, true, false, {}});
+      lists.push_back({start + name, true, false, 0, {}});
     }
   }
 }
@@ -70,7 +65,7 @@ GivenLists::GivenLists(const std::vector<std::string>& arguments) {
     } else if (isDirectory(argument)) {
       addDirectory(withoutLastSlashes(argument));
     } else {
-      m_lists.push_back({argument, false, false, {}});
+      m_lists.push_back({argument, false, false, 0, {}});
     }
   }
 }
@@ -83,7 +78,7 @@ void GivenLists::addDirectory(const std::string& directory) {
     left.pop_back();
     if (const int error = readDirectory(next, found, left)) {
       found.push_back(
-          {next, false, false,
+          {next, false, false, error,
            failureAt(next, exitFile,
                      std::string("the directory cannot be read: ") + std::strerror(error),
                      "check that you may read the directory")});
@@ -100,17 +95,18 @@ void GivenLists::addDirectory(const std::string& directory) {
 
 // The copy is made here, because names for messages may be set in one thread only.
 void GivenLists::addStream(const std::string& name) {
-  try {
-    m_streams.push_back(std::make_unique<GivenFile>(name));
-    m_lists.push_back({m_streams.back()->path(), false, true, {}});
-  } catch (const Failure& failure) {
-    if (failure.status() == exitUsage) throw;
-    m_lists.push_back({name, false, true, failure});
+  Input input;
+  if (const int error = tryReadInput(name, input)) {
+    m_lists.push_back({input.name, false, true, error, inputFailure(input.name, error)});
+    return;
   }
+  m_streams.push_back(std::make_unique<ScratchDirectory>());
+  m_lists.push_back({storeInput(*m_streams.back(), input), false, true, 0, {}});
 }
 
-bool areMany(const std::vector<std::string>& arguments) {
-  return arguments.size() > 1 || (arguments.size() == 1 && isDirectory(arguments.front()));
+bool isDirectory(const std::string& path) {
+  struct stat status;
+  return host::fileSystem().stat(AT_FDCWD, path, true, status) == 0 && S_ISDIR(status.st_mode);
 }
 
 std::string shortName(const GivenList& list) {

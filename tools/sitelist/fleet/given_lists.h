@@ -17,7 +17,8 @@ struct GivenList {
   std::string path;                // for the library
   bool isFound = false;            // found in a directory
   bool isStream = false;           // standard input or a pipe
-  std::optional<Failure> failure;  // why there is nothing to read
+  int error = 0;                   // errno of a stream or directory that cannot be read
+  std::optional<Failure> failure;  // the same as a failure
 };
 
 // The lists that the command line names: files, and directories with lists.
@@ -35,12 +36,11 @@ class GivenLists {
   void addStream(const std::string& name);
 
   std::vector<GivenList> m_lists;
-  std::vector<std::unique_ptr<GivenFile>> m_streams;
+  std::vector<std::unique_ptr<ScratchDirectory>> m_streams;
 };
 
-// Returns whether the arguments name more than one list, or a directory. The output then has a row
-// for each fact about each list.
-bool areMany(const std::vector<std::string>& arguments);
+// Returns whether the path leads to a directory.
+bool isDirectory(const std::string& path);
 
 // Returns the name of a list in a table: without "/SiteList.xml" if it was found in a directory.
 std::string shortName(const GivenList& list);

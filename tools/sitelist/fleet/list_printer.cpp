@@ -66,8 +66,12 @@ bool ListPrinter::print(ListRows& rows) {
 
 void ListPrinter::flushTable() { m_table.printAndClear(std::cout, m_target.screen); }
 
-void ListPrinter::finish(Report& report) {
+void ListPrinter::flush() {
   if (m_table.rowCount() != 0) flushTable();
+  std::cout.flush();
+}
+
+void ListPrinter::describe(Report& report) const {
   report.rowsName = m_layout.rowsName;
   report.rowName = m_layout.rowName;
   report.spool = m_spool;

@@ -17,8 +17,10 @@ class ListPrinter {
 
   // Returns whether standard output takes more.
   bool print(ListRows& rows);
-  // Prints what is left, and describes the rows in `report`.
-  void finish(Report& report);
+  // Prints what is left.
+  void flush();
+  // Describes the rows in `report`.
+  void describe(Report& report) const;
 
  private:
   void flushTable();

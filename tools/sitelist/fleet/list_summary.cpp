@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <new>
 
-#include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/certificate.h"
 #include "tools/sitelist/model/site_report.h"
@@ -67,12 +66,15 @@ void addContent(const SiteList& list, ListSummary& summary) {
 
 }  // namespace
 
+std::vector<Fault> faultsOf(const GivenList& given, bool checkServer) {
+  if (given.error != 0) return {faultOfReading(readErrorOf(given.error))};
+  return validateList({given.path, given.path, !given.isStream}, checkServer);
+}
+
 ListSummary summarise(const GivenList& given, bool checkServer) {
   ListSummary summary;
   try {
-    if (given.failure) throw *given.failure;
-    for (const Fault& fault :
-         validateList({reportedName(given.path), given.path, !given.isStream}, checkServer)) {
+    for (const Fault& fault : faultsOf(given, checkServer)) {
       ++summary.faults[fault.rule];
       const bool isUnread = fault.rule->status > exitNegative;
       if (isUnread) summary.status = std::max<int>(summary.status, fault.rule->status);

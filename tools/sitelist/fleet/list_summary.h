@@ -6,9 +6,10 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tools/sitelist/fleet/given_lists.h"
-#include "tools/sitelist/validate/rules.h"
+#include "tools/sitelist/validate/fault.h"
 
 namespace tool {
 
@@ -24,6 +25,9 @@ struct ListSummary {
 
   bool isRead() const { return status == 0; }
 };
+
+// Returns the faults of one list. One that cannot be read has one fault. Any thread.
+std::vector<Fault> faultsOf(const GivenList& list, bool checkServer);
 
 // Reads one list and checks it. A list that cannot be read has only a status and its faults. Any
 // thread.

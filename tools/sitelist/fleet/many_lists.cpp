@@ -40,7 +40,7 @@ Outcome readOne(const ManyLists& many, const RowTarget& target, const GivenList&
       {}};
   clearLogRecords();
   try {
-    if (list.failure) throw *list.failure;
+    if (list.failure && !many.takesErrors) throw *list.failure;
     outcome.status = many.read(list, outcome.rows);
     keepErrors(logRecords(), outcome.errors);
   } catch (const Failure& failure) {
@@ -97,6 +97,12 @@ void addLists(Command& command, ListArguments& arguments) {
   addJobs(command, arguments.jobs);
 }
 
+bool areMany(const ListArguments& arguments) {
+  jobsOf(arguments);
+  const std::vector<std::string>& files = arguments.files;
+  return files.size() > 1 || (files.size() == 1 && isDirectory(files.front()));
+}
+
 std::size_t jobsOf(const ListArguments& arguments) {
   if (arguments.jobs.empty()) return std::max(1U, std::thread::hardware_concurrency());
   std::size_t jobs = 0;
@@ -133,6 +139,8 @@ int readManyLists(Context& context, const ListArguments& arguments, const ManyLi
   if (counts.passwords != 0 && many.warn) {
     many.warn(numbered(counts.passwords, "password"), numbered(counts.listsWithPasswords, "list"));
   }
+  printer.flush();
+  if (!std::cout) throw Failure(exitFile, "cannot write to standard output", "");
   printCounts(counts);
   Report report;
   report.facts = factsOf(counts);
@@ -140,7 +148,7 @@ int readManyLists(Context& context, const ListArguments& arguments, const ManyLi
     const Record more = many.facts(!lists.empty() && counts.failed == 0);
     report.facts.insert(report.facts.end(), more.begin(), more.end());
   }
-  printer.finish(report);
+  printer.describe(report);
   context.report = std::move(report);
   const bool isNothing = lists.empty() || (counts.rows == 0 && many.needsRow);
   return isNothing ? std::max<int>(status, exitNegative) : status;

@@ -26,11 +26,15 @@ struct ListArguments {
 void addJobs(Command& command, std::string& jobs);
 // For the help of a command.
 constexpr const char* c_manyListsHelp =
-    "With several lists, each row begins with the name of its file. A list that fails\n"
-    "is a row with its error, and the others are still read.\n";
+    "With several lists, each row begins with the name of its file. A list that\n"
+    "fails is a row with its error, and the others are still read.\n";
 
 // Adds the argument FILE and the option --jobs.
 void addLists(Command& command, ListArguments& arguments);
+
+// Returns whether the arguments name more than one list, or a directory. The output then has a row
+// for each fact about each list. Fails as jobsOf does.
+bool areMany(const ListArguments& arguments);
 
 // Returns the number of threads. Fails if the value of --jobs is not a number.
 std::size_t jobsOf(const ListArguments& arguments);
@@ -41,6 +45,9 @@ struct ManyLists {
   // Adds the rows of one list and returns the exit status for it. Fails if the list cannot be read.
   // Any thread calls it.
   std::function<int(const GivenList& list, ListRows& rows)> read;
+  // Whether `read` gets a stream or directory that cannot be read. Otherwise it fails without
+  // `read`.
+  bool takesErrors = false;
   // The exit status is 1 if there is no row at all.
   bool needsRow = false;
   bool isWide = false;  // columns of a table are not cut

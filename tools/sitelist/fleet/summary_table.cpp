@@ -78,6 +78,18 @@ void printGroup(std::ostream& out, const Screen& screen, const RowGroup& group, 
   }
 }
 
+void printMostFrequent(std::ostream& out, const Screen& screen, const Record& facts) {
+  const std::size_t alike = countIn(facts, "mostFrequentCount");
+  if (alike == 0) return;
+  const std::string before = "most frequent list: ";
+  const std::string after =
+      alike == 1 ? " (only this one)" : " (" + withCommas(alike) + " are alike)";
+  std::wstring name = wide(shownText(facts, "mostFrequent"));
+  const std::size_t others = before.size() + after.size();
+  if (screen.columns > others) name = cutTo(name, screen.columns - others, Kept::End);
+  out << before << narrow(name) << after << '\n';
+}
+
 }  // namespace
 
 void printSummary(std::ostream& out, const Screen& screen, const Record& facts,
@@ -89,11 +101,7 @@ void printSummary(std::ostream& out, const Screen& screen, const Record& facts,
     out << ", " << screen.styled(Style::Bad, withCommas(failed) + " cannot be read");
   }
   out << '\n';
-  const std::size_t alike = countIn(facts, "mostFrequentCount");
-  if (alike != 0) {
-    out << "most frequent list: " << shownText(facts, "mostFrequent") << " ("
-        << (alike == 1 ? "only this one" : withCommas(alike) + " are alike") << ")\n";
-  }
+  printMostFrequent(out, screen, facts);
   for (const RowGroup& group : groups) {
     if (group.rows.empty()) continue;
     printGroup(out, screen, group, &group == &groups.back() ? c_rowsOfLast : c_rowsOfGroup);

@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
   bench::addGrowthRows(argv[0]);
   bench::addMemoryRows(argv[0]);
   bench::addProcessRows(argv[0]);
+  bench::addFleetRows(argv[0]);
   bench::addTraceRows();
   for (const bench::Row& row : bench::rows()) {
     benchmark::RegisterBenchmark((row.name + bench::c_separator + row.against).c_str(),

@@ -16,6 +16,7 @@ void addGrowthRows(const char* program);
 void addMemoryRows(const char* program);
 // The tool must be next to this program.
 void addProcessRows(const char* program);
+void addFleetRows(const char* program);
 
 }  // namespace bench
 

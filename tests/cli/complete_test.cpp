@@ -120,7 +120,7 @@ TEST_F(CliComplete, OffersAnOptionOnceUnlessItMayBeRepeated) {
 }
 
 TEST_F(CliComplete, OffersTheChoicesOfAnOption) {
-  const Words plain = {"table", "json", "csv", "xml", c_nothing};
+  const Words plain = {"table", "json", "jsonl", "csv", "xml", c_nothing};
   EXPECT_EQ(linesFor({"--format", ""}), plain);
   EXPECT_EQ(linesFor({"show", "--format", "j"}), plain);
   EXPECT_THAT(offered({"show", "--format=j"}), ElementsAre("--format=json"));

@@ -52,7 +52,7 @@ TEST_F(BashCompletion, OffersWhatBeginsAsTyped) {
 }
 
 TEST_F(BashCompletion, OffersTheChoicesOfAnOption) {
-  const auto forms = UnorderedElementsAre("table", "json", "csv", "xml");
+  const auto forms = UnorderedElementsAre("table", "json", "jsonl", "csv", "xml");
   EXPECT_THAT(offered({"sitelist", "--format", ""}), forms);
   EXPECT_THAT(offered({"sitelist", "show", "--format", "="}), forms);
   EXPECT_THAT(offered({"sitelist", "show", "--format", "=", "x"}), ElementsAre("xml"));

@@ -74,8 +74,9 @@ TEST_F(FishCompletion, OffersWhatBeginsAsTyped) {
 }
 
 TEST_F(FishCompletion, OffersChoicesFieldsAndColumns) {
-  EXPECT_THAT(words("sitelist --format "), UnorderedElementsAre("table", "json", "csv", "xml"));
-  EXPECT_THAT(words("sitelist show --format=j"), ElementsAre("--format=json"));
+  EXPECT_THAT(words("sitelist --format "),
+              UnorderedElementsAre("table", "json", "jsonl", "csv", "xml"));
+  EXPECT_THAT(words("sitelist show --format=x"), ElementsAre("--format=xml"));
   EXPECT_THAT(words("sitelist get glob"), ElementsAre("globalVersion"));
   EXPECT_THAT(words("sitelist edit set Depot order=1 relative"), ElementsAre("relativePath="));
   EXPECT_THAT(words("sitelist edit --dry-run add f"), ElementsAre("ftp"));
@@ -84,7 +85,9 @@ TEST_F(FishCompletion, OffersChoicesFieldsAndColumns) {
 
 TEST_F(FishCompletion, OffersFilesWhereFilesAreMeant) {
   EXPECT_THAT(words("sitelist show inc"), ElementsAre("incoming list.xml"));
-  EXPECT_THAT(words("sitelist show a inc"), IsEmpty());
+  EXPECT_THAT(words("sitelist show a inc"), ElementsAre("incoming list.xml"));
+  EXPECT_THAT(words("sitelist summary a inc"), ElementsAre("incoming list.xml"));
+  EXPECT_THAT(words("sitelist policies a inc"), IsEmpty());
   EXPECT_THAT(words("sitelist validate a b inc"), ElementsAre("incoming list.xml"));
   EXPECT_THAT(words("sitelist policies inc"), ElementsAre("incoming list.xml"));
   EXPECT_THAT(words("sitelist policies set inc"), IsEmpty());

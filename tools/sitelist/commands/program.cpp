@@ -82,8 +82,7 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
                  "Longest wait for the lock of a list (default: 10; 60 for\n`doctor`)")
       .type_name("SECONDS");
   app.add_flag("-q,--quiet", context.quiet,
-               "Print only errors: no messages, no warnings, and no result\nunless it is in JSON, "
-               "CSV or XML");
+               "Print only errors: no messages, no warnings, and no\ntable");
   app.add_flag("--verbose", context.verbose, "Print the detail log on standard error");
   line->version("sitelist " SITELIST_VERSION);
   app.footer(

@@ -265,7 +265,7 @@ void addShow(Command& app, Context& context) {
   command.add_flag("--show-secrets", options->showSecrets,
                    "Print clear passwords instead of ********");
   command.footer(
-      "Without --columns, the formats json, csv and xml have all fields of all records.\n"
+      "Without --columns, the formats for programs have all fields of all records.\n"
       "They keep the order of the list unless --sort is given. Find a column of CSV by\n"
       "its name: a later version may have other columns before it. --columns fixes the\n"
       "order of the columns.\n"

@@ -123,7 +123,7 @@ TEST_F(CliComplete, OffersTheChoicesOfAnOption) {
   const Words plain = {"table", "json", "jsonl", "csv", "xml", c_nothing};
   EXPECT_EQ(linesFor({"--format", ""}), plain);
   EXPECT_EQ(linesFor({"show", "--format", "j"}), plain);
-  EXPECT_THAT(offered({"show", "--format=j"}), ElementsAre("--format=json"));
+  EXPECT_THAT(offered({"show", "--format=x"}), ElementsAre("--format=xml"));
   EXPECT_THAT(offered({"edit", "add", "f"}), ElementsAre("ftp"));
   EXPECT_THAT(offered({"explain-rule", "server-na"}), ElementsAre("server-name"));
   EXPECT_EQ(linesFor({"show", "--filter", ""}), Words{c_nothing});
@@ -165,7 +165,8 @@ TEST_F(CliComplete, LeavesFilesAndDirectoriesToTheShell) {
   }
   EXPECT_EQ(linesFor({"--agent-dir", ""}), Words{c_directories});
   EXPECT_EQ(linesFor({"show", "--agent-dir=x"}), Words{c_directories});
-  EXPECT_EQ(linesFor({"show", "a", ""}), Words{c_nothing}) << "there is one file only";
+  EXPECT_EQ(linesFor({"get", "type", "a", ""}), Words{c_nothing}) << "there is one file only";
+  EXPECT_EQ(linesFor({"show", "a", ""}), Words{c_files});
   EXPECT_THAT(linesFor({"policies", ""}),
               ElementsAre(StartsWith("set\t"), StartsWith("unset\t"), c_files));
 }

@@ -325,7 +325,9 @@ TEST_F(CliFleet, SummaryFindsTheListsThatDifferMost) {
     addList(name,
             document(usual, "", std::string("GlobalVersion=\"1\" LocalVersion=\"") + name + "\""));
   }
-  addList("e", document(usual + httpSite("extra", "3")));
+  addList("e", document(usual + httpSite("extra", "3") +
+                        "<KeystoneSite Type=\"repository\" Name=\"k\" Order=\"4\" "
+                        "Server=\"agent.example:80\"/>"));
   const json report = json::parse(sitelist({"summary", "--json", file("fleet")}).out);
   EXPECT_EQ(report["mostFrequent"], file("fleet/b/SiteList.xml"));
   EXPECT_EQ(report["mostFrequentCount"], 3);
@@ -333,12 +335,13 @@ TEST_F(CliFleet, SummaryFindsTheListsThatDifferMost) {
   EXPECT_EQ(report["byVersion"][0]["lists"], 3);
   EXPECT_EQ(report["byVersion"][0]["localVersions"], 3);
   EXPECT_EQ(report["byServer"][0]["lists"], 4);
+  ASSERT_EQ(report["byServer"].size(), 2U) << "an agent repository is not a management server";
   EXPECT_EQ(report["byServer"][1]["server"], "gone.example:80");
   ASSERT_EQ(report["mostDifferent"].size(), 2U);
   EXPECT_EQ(report["mostDifferent"][0]["file"], file("fleet/a/SiteList.xml"));
   EXPECT_EQ(report["mostDifferent"][0]["differences"], 2);
   EXPECT_EQ(report["mostDifferent"][1]["file"], file("fleet/e/SiteList.xml"));
-  EXPECT_EQ(report["mostDifferent"][1]["differences"], 1);
+  EXPECT_EQ(report["mostDifferent"][1]["differences"], 2);
 }
 
 TEST_F(CliFleet, ASummaryFitsOneScreen) {

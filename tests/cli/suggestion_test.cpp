@@ -37,7 +37,8 @@ TEST_F(CliSuggestion, ProposesCommandsAndOptions) {
             "sitelist: unknown option \"--forse\"; did you mean --force?")
       << "an option of the command above";
   EXPECT_EQ(message(2, {"show", "--format=jsn"}),
-            "sitelist: --format: \"jsn\" is not one of table, json, jsonl, csv, xml; did you mean json or jsonl?");
+            "sitelist: --format: \"jsn\" is not one of table, json, jsonl, csv, xml; did you mean "
+            "json?");
   EXPECT_EQ(message(2, {"bogus"}), "sitelist: unknown command \"bogus\"");
 }
 

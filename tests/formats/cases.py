@@ -306,7 +306,7 @@ FLEET = [
     fleet("versions-fleet-empty", "versions", "lists", status=1, table=tables.silent),
     fleet("servers-fleet", "servers", "--all", "fleet", columns=("name", "server", "port"), status=3),
     fleet("certs-fleet", "certs", "--expiring", "0", "lists/certificates.xml", "fleet",
-          columns=("number", "subject", "validUntil"), status=3, masks=DAYS_OF_FLEET),
+          columns=("subject", "validUntil"), status=3, masks=DAYS_OF_FLEET),
     fleet("explain-fleet", "explain", "fleet", columns=("kind", "name", "reason"), status=3),
     fleet("explain-fleet-host", "explain", "--host", "else.example", "fleet", columns=("protocol", "reason"),
           status=3),

@@ -138,7 +138,7 @@ int certsOfMany(Context& context, const CertsOptions& options, std::optional<int
   many.layout.rowsName = "certificates";
   many.layout.rowName = "certificate";
   many.layout.columns = c_columns;
-  many.layout.tableColumns = {"number", "subject", "validUntil", "daysLeft"};
+  many.layout.tableColumns = {"subject", "validUntil", "daysLeft"};
   many.needsRow = true;
   many.read = [days](const GivenList& list, ListRows& rows) {
     return addRows(readCertificates(list.path), days, rows);

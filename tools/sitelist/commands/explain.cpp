@@ -184,7 +184,7 @@ int explainMany(Context& context, const ExplainOptions& options, const GivenHost
   many.layout.columns = isOfHost ? c_routeColumns : c_siteColumns;
   many.layout.tableColumns =
       isOfHost ? std::vector<std::string>{"protocol", "proxy", "reason"}
-               : std::vector<std::string>{"place", "kind", "name", "address", "proxy", "reason"};
+               : std::vector<std::string>{"place", "kind", "name", "proxy", "reason"};
   many.read = [&](const GivenList& given, ListRows& rows) {
     const SiteList list = readWholeSiteList(given.path);
     const ProxyChoice proxy(list.sites.get());

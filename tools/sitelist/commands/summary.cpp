@@ -25,7 +25,7 @@ struct SummaryOptions {
 // The first pass: counts all lists and finds out which are alike. Returns the exit status.
 int countLists(const Context& context, const std::vector<GivenList>& lists,
                const SummaryOptions& options, FleetCounts& counts, AlikeGroups& alike) {
-  Progress progress(context, lists.size(), false);
+  Progress progress(context, lists.size(), "lists", false);
   int status = exitSuccess;
   InOrder<ListSummary> inOrder(lists.size(), jobsOf(options.lists), [&](std::size_t index) {
     clearLogRecords();
@@ -50,7 +50,7 @@ void compareLists(const Context& context, const std::vector<GivenList>& lists,
   if (!most) return;
   const SiteList base = readSiteList(lists[most->first].path);
   std::vector<AlikeLists>& groups = alike.groups();
-  Progress progress(context, groups.size(), false);
+  Progress progress(context, groups.size(), "lists compared", false);
   InOrder<std::size_t> inOrder(groups.size(), jobsOf(options.lists), [&](std::size_t index) {
     const std::size_t count = differencesBetween(base, lists[groups[index].first]);
     clearLogRecords();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/model/certificate.h"
@@ -47,7 +48,7 @@ void addContent(const SiteList& list, ListSummary& summary) {
   summary.globalVersion = narrow(list.globalVersion);
   summary.localVersion = narrow(list.localVersion);
   for (const sitehlp::tag_Site* site = list.sites.get(); site; site = site->pNext) {
-    if (site->eSiteKind == sitehlp::SITE_KIND_HTTP && site->bVestaSite) {
+    if (std::string_view(kindOf(*site)) == "server") {
       summary.servers.insert(narrow(addressOf(*site)));
     }
   }

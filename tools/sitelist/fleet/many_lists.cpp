@@ -124,7 +124,7 @@ int readManyLists(Context& context, const ListArguments& arguments, const ManyLi
   int status = exitSuccess;
   std::vector<LogRecord> errors;
   {
-    Progress progress(context, lists.size(), !isDocument(target.format));
+    Progress progress(context, lists.size(), "lists", !isDocument(target.format));
     InOrder<Outcome> inOrder(
         lists.size(), jobs, [&](std::size_t index) { return readOne(many, target, lists[index]); });
     inOrder.run([&](std::size_t index, Outcome outcome) {

@@ -19,8 +19,9 @@ std::string withCommas(std::size_t number) {
   return text;
 }
 
-Progress::Progress(const Context& context, std::size_t count, bool printsRows)
+Progress::Progress(const Context& context, std::size_t count, const char* noun, bool printsRows)
     : m_count(count),
+      m_noun(noun),
       m_isShown(!context.quiet && !context.verbose && ::isatty(STDERR_FILENO) == 1 &&
                 !(printsRows && isOutputTerminal())) {}
 
@@ -31,7 +32,7 @@ Progress::~Progress() {
 void Progress::show(std::size_t done) {
   if (!m_isShown || Clock::now() < m_next) return;
   m_next = Clock::now() + c_pause;
-  const std::string line = withCommas(done) + " of " + withCommas(m_count) + " lists";
+  const std::string line = withCommas(done) + " of " + withCommas(m_count) + " " + m_noun;
   m_width = line.size();
   std::cerr << '\r' << line << std::flush;
 }

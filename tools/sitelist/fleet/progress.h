@@ -16,7 +16,8 @@ std::string withCommas(std::size_t number);
 // a terminal and nothing else is printed there meanwhile.
 class Progress {
  public:
-  Progress(const Context& context, std::size_t count, bool printsRows);
+  // `noun` says what is counted, for example "lists".
+  Progress(const Context& context, std::size_t count, const char* noun, bool printsRows);
   // Removes the line.
   ~Progress();
   Progress(const Progress&) = delete;
@@ -28,6 +29,7 @@ class Progress {
   using Clock = std::chrono::steady_clock;
 
   std::size_t m_count;
+  const char* m_noun;
   bool m_isShown;
   std::size_t m_width = 0;
   Clock::time_point m_next = Clock::now();

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <ctime>
 #include <memory>
+#include <unordered_map>
 
 #include "platform/common/abase64encode.h"
 #include "tools/sitelist/cli/text.h"
@@ -70,9 +71,7 @@ std::string fingerprintOf(const X509* certificate) {
   return text;
 }
 
-}  // namespace
-
-std::optional<Certificate> readCertificate(const std::wstring& text) {
+std::optional<Certificate> read(const std::wstring& text) {
   const Handle handle = parse(text);
   if (!handle) return std::nullopt;
   Certificate certificate;
@@ -85,6 +84,21 @@ std::optional<Certificate> readCertificate(const std::wstring& text) {
   ASN1_TIME_diff(&certificate.daysLeft, &seconds, nullptr, X509_get0_notAfter(handle.get()));
   certificate.isExpired = certificate.daysLeft < 0 || seconds < 0;
   return certificate;
+}
+
+}  // namespace
+
+// The lists of a fleet have the same few certificates, and OpenSSL needs longer for a certificate
+// than the library for a list.
+std::optional<Certificate> readCertificate(const std::wstring& text) {
+  constexpr std::size_t c_most = 64;
+  constexpr std::size_t c_longest = 16384;
+  if (text.size() > c_longest) return read(text);
+  thread_local std::unordered_map<std::wstring, std::optional<Certificate>> known;
+  const auto found = known.find(text);
+  if (found != known.end()) return found->second;
+  if (known.size() == c_most) known.clear();
+  return known.emplace(text, read(text)).first->second;
 }
 
 }  // namespace tool

@@ -12,7 +12,7 @@
 namespace tool {
 namespace {
 
-constexpr std::size_t c_mostInMemory = std::size_t{4} << 20;
+constexpr std::size_t c_mostInMemory = std::size_t{1} << 20;
 
 std::string directory() {
   const char* const set = std::getenv("TMPDIR");

@@ -2,8 +2,6 @@
 
 #include <openssl/err.h>
 #include <openssl/evp.h>
-#include <sys/random.h>
-#include <unistd.h>
 
 #include <memory>
 #include <new>
@@ -11,6 +9,7 @@
 
 #include "host/crypto/cipher.h"
 #include "host/crypto/libcrypto.h"
+#include "host/process/random_bytes.h"
 #include "host/process/secret.h"
 
 namespace host {
@@ -38,7 +37,7 @@ bool prepare() HOST_REQUIRES(c_libcryptoMutex) {
   std::unique_ptr<EVP_CIPHER_CTX, FreeContext> context(EVP_CIPHER_CTX_new());
   if (!context) throw std::bad_alloc();
   SecretBytes key(c_keyBytes);
-  if (::getentropy(key.data(), key.size()) != 0 ||
+  if (drawRandomBytes(key.data(), key.size()) != 0 ||
       EVP_EncryptInit_ex2(context.get(), cipher, key.data(), c_nonce, nullptr) != 1) {
     return false;
   }

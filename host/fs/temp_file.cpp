@@ -2,14 +2,14 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/random.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "host/process/random_bytes.h"
 
 namespace host {
 namespace {
@@ -22,7 +22,7 @@ constexpr char c_hexDigits[] = "0123456789abcdef";
 
 int makeName(std::string& name) {
   unsigned char random[c_randomBytes];
-  if (::getentropy(random, sizeof random) != 0) return errno;
+  if (const int error = drawRandomBytes(random, sizeof random)) return error;
   name = c_prefix;
   for (const unsigned char byte : random) {
     name += c_hexDigits[byte >> 4];

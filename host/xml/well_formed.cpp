@@ -1,8 +1,6 @@
 #include "host/xml/well_formed.h"
 
 #include <expat.h>
-#include <sys/random.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "host/process/random_bytes.h"
 #include "host/xml/limits.h"
 #include "host/xml/text_encoding.h"
 #include "platform/xml/advxmlparser.h"
@@ -33,7 +32,7 @@ unsigned long hashSalt() {
   unsigned long salt = g_hashSalt.load(std::memory_order_relaxed);
   if (salt != 0) return salt;
   unsigned long drawn = 0;
-  if (::getentropy(&drawn, sizeof drawn) != 0) return 0;
+  if (drawRandomBytes(&drawn, sizeof drawn) != 0) return 0;
   return g_hashSalt.compare_exchange_strong(salt, drawn) ? drawn : salt;
 }
 

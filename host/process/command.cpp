@@ -1,6 +1,5 @@
 #include "host/process/command.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -11,9 +10,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
-#include <limits>
 
+#include "host/process/descriptors.h"
 #include "host/process/failure_text.h"
 #include "host/process/supervisor.h"
 
@@ -69,28 +67,11 @@ class Pipe {
   int m_write = -1;
 };
 
-// Returns a number above all descriptors of this process, with a margin for descriptors that other
-// threads open in the meantime.
-int descriptorLimit() {
-#ifdef __GLIBC__
-  return 0;  // the supervisor uses closefrom, which needs no limit
-#else
-  int highest = 256;
-  DIR* const descriptors = ::opendir("/dev/fd");
-  if (!descriptors) return std::numeric_limits<short>::max();
-  while (const dirent* const entry = ::readdir(descriptors)) {
-    highest = std::max(highest, std::atoi(entry->d_name));
-  }
-  ::closedir(descriptors);
-  return highest + 64;
-#endif
-}
-
 // Forks with all signals blocked, so that no signal handler of this process runs in the child.
 pid_t startSupervisor(const SupervisorPlan& plan, int& error) {
   sigset_t all;
   sigset_t before;
-  ::sigfillset(&all);
+  sigfillset(&all);  // may be a macro
   ::pthread_sigmask(SIG_SETMASK, &all, &before);
   const pid_t pid = ::fork();
   if (pid == 0) supervise(plan);

@@ -8,7 +8,7 @@
 #include <atomic>
 #include <cerrno>
 
-extern char** environ;
+#include "host/process/descriptors.h"
 
 namespace host {
 namespace {
@@ -37,11 +37,7 @@ bool arrangeDescriptors(const SupervisorPlan& plan) {
       ::dup2(plan.output, 2) < 0) {
     return false;
   }
-#ifdef __GLIBC__
-  ::closefrom(c_firstOther);
-#else
-  for (int fd = c_firstOther; fd < plan.descriptorLimit; ++fd) ::close(fd);
-#endif
+  closeDescriptors(c_firstOther, plan.descriptorLimit);
   return true;
 }
 
@@ -50,7 +46,7 @@ void resetSignals() {
   byDefault.sa_handler = SIG_DFL;
   for (int number = 1; number < NSIG; ++number) ::sigaction(number, &byDefault, nullptr);
   sigset_t none;
-  ::sigemptyset(&none);
+  sigemptyset(&none);  // may be a macro
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
@@ -72,7 +68,7 @@ void onAlarm(int) {
 
 [[noreturn]] void become(const SupervisorPlan& plan) {
   ::setpgid(0, 0);
-  ::execve(plan.argv[0], plan.argv, environ);
+  ::execv(plan.argv[0], plan.argv);
   report(SupervisorReport::NotStarted, errno);
   ::_exit(127);
 }

@@ -9,7 +9,7 @@ struct SupervisorPlan {
   unsigned int timeoutSeconds;
   int output;           // receives what the program prints; greater than 3
   int report;           // receives the reports; greater than 3
-  int descriptorLimit;  // every descriptor of the process is below this; not used with glibc
+  int descriptorLimit;  // of descriptorLimit()
 };
 
 // The report of a supervisor, in one write. Only the first report counts.

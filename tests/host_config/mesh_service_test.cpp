@@ -252,8 +252,8 @@ TEST_F(MeshService, HandsDownNoSignalSettings) {
   const auto before = ::signal(SIGTERM, SIG_IGN);
   sigset_t blocked;
   sigset_t old;
-  ::sigemptyset(&blocked);
-  ::sigaddset(&blocked, SIGINT);
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGINT);
   ::pthread_sigmask(SIG_BLOCK, &blocked, &old);
   EXPECT_EQ(loadWithScript("kill -TERM $$"), 0);
   EXPECT_THAT(onlyError(), testing::HasSubstr("signal 15"));

@@ -12,6 +12,7 @@
 #include "host/crypto/key_span.h"
 #include "host/crypto/libcrypto.h"
 #include "host/crypto/sealed_value.h"
+#include "host/fs/change_time.h"
 #include "host/fs/descriptor.h"
 #include "host/fs/files.h"
 #include "host/fs/owner.h"
@@ -52,11 +53,7 @@ KeyFileState stateOf(const struct stat& status) {
   state.device = status.st_dev;
   state.inode = status.st_ino;
   state.size = status.st_size;
-#ifdef __APPLE__
-  state.changedNs = toNs(status.st_ctimespec);
-#else
-  state.changedNs = toNs(status.st_ctim);
-#endif
+  state.changedNs = toNs(changeTime(status));
   return state;
 }
 

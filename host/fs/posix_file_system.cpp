@@ -8,78 +8,15 @@
 #include <cerrno>
 
 #include "host/fs/file_system.h"
+#include "host/fs/flush.h"
+#include "host/fs/read_link.h"
+#include "host/fs/retried.h"
 #include "host/process/lasting.h"
 
 namespace host {
 namespace {
 
-// Repeats an interrupted call. Returns the negated errno of a failed call.
-template <typename Call>
-auto retried(Call call) -> decltype(call()) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0) return result;
-    if (errno != EINTR) return -errno;
-  }
-}
-
 bool isPath(const std::string& path) { return path.find('\0') == std::string::npos; }
-
-int flush(int fd) {
-#ifdef F_FULLFSYNC
-  // fsync alone may leave the bytes in the cache of the drive. Some file systems support only
-  // fsync.
-  if (::fcntl(fd, F_FULLFSYNC) == 0) return 0;
-#endif
-  return ::fsync(fd);
-}
-
-int readTarget(int directory, const char* path, std::string& target) {
-  std::string buffer(256, '\0');
-  for (;;) {
-    const ssize_t length =
-        retried([&] { return ::readlinkat(directory, path, buffer.data(), buffer.size()); });
-    if (length < 0) return static_cast<int>(length);
-    if (static_cast<std::size_t>(length) < buffer.size()) {
-      target.assign(buffer, 0, static_cast<std::size_t>(length));
-      return 0;
-    }
-    buffer.resize(2 * buffer.size());
-  }
-}
-
-// Gets the owner and the target of the same link, even if its name is replaced during the call.
-#ifdef O_PATH
-int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
-  const int fd =
-      retried([&] { return ::openat(directory, path, O_PATH | O_NOFOLLOW | O_CLOEXEC); });
-  if (fd < 0) return fd;
-  int result = retried([&] { return ::fstat(fd, &link); });
-  if (result == 0 && !S_ISLNK(link.st_mode)) result = -EINVAL;
-  if (result == 0) result = readTarget(fd, "", target);
-  ::close(fd);
-  return result;
-}
-#else
-// There is no descriptor of the link itself, so this repeats the calls until the link is the same
-// before and after.
-int readOneLink(int directory, const char* path, std::string& target, struct stat& link) {
-  for (;;) {
-    struct stat after;
-    int result = retried([&] { return ::fstatat(directory, path, &link, AT_SYMLINK_NOFOLLOW); });
-    if (result == 0 && !S_ISLNK(link.st_mode)) result = -EINVAL;
-    if (result == 0) result = readTarget(directory, path, target);
-    if (result < 0) return result;
-    result = retried([&] { return ::fstatat(directory, path, &after, AT_SYMLINK_NOFOLLOW); });
-    if (result < 0) return result;
-    if (after.st_dev == link.st_dev && after.st_ino == link.st_ino && after.st_uid == link.st_uid &&
-        after.st_size == link.st_size && after.st_ctimespec.tv_sec == link.st_ctimespec.tv_sec &&
-        after.st_ctimespec.tv_nsec == link.st_ctimespec.tv_nsec) {
-      return 0;
-    }
-  }
-}
-#endif
 
 class PosixFileSystem : public FileSystem {
  public:

@@ -47,7 +47,8 @@ bool read(const AString& path, host::SecretText& content) {
 int askAccess(const std::string& path, AFiler::AFileAccess access, bool& exists, bool& accessible) {
   if (access == AFiler::accessWrite) {
     host::PathWalk place;
-    if (place.find(path) == EPERM) {  // a link that a write does not follow
+    place.find(path);
+    if (!place.refusal().empty()) {  // a link that a write does not follow
       exists = true;
       return place.reported("Cannot write", path, 0);
     }

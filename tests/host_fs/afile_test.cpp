@@ -349,6 +349,15 @@ TEST_F(Files, DenyAccess) {
   EXPECT_TRUE(agent.log().empty());
 }
 
+// Some systems keep a process from opening a directory with the error that a refused link gives.
+TEST_F(Files, AreNotThereOnlyBecauseTheirDirectoryCannotBeOpened) {
+  test::writeFile(path("f"), "x");
+  test::FaultyFileSystem files;
+  files.failEvery(FileCall::Open, EPERM);
+  EXPECT_EQ(ask(wpath("f"), AFiler::accessWrite), c_granted);
+  EXPECT_EQ(ask(wpath("missing"), AFiler::accessWrite), c_missing);
+}
+
 TEST_F(Files, AskForTheKindOfAccessThatIsMeant) {
   test::writeFile(path("f"), "x", 0444);
   const bool mayWrite = ::faccessat(AT_FDCWD, path("f").c_str(), W_OK, AT_EACCESS) == 0;

@@ -139,7 +139,7 @@ change tests/docs/result_codes.txt 's/ -1//'
 refused 'Read has no -1'
 change tests/docs/result_codes.txt 's/ -1/ -1 -7/'
 refused 'Read has -7'
-change sitehlp/result_codes.h 's/^constexpr int c_errorGeneral.*/&\nconstexpr int c_new = -7;/'
+change sitehlp/result_codes.h '/c_errorGeneral/{p;s/c_errorGeneral = -1/c_new = -7/;}'
 refused 'no operation returns c_new (-7)'
 # An outdated page.
 change docs/tested-behaviours.md 's/Reads/Wrote/'

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <iostream>
 
 #include "tests/cli/edit_fixture.h"
 
@@ -50,6 +51,28 @@ class CliHistory : public CliEdit {
     write("agent/agent.toml", "history = " + length + "\n");
   }
 };
+
+TEST_F(CliHistory, KeepsTheListAtEachPathThatLeadsToIt) {
+  const std::string before = readFile(ownList());
+  fs::create_directory_symlink("agent", file("link"));
+  ASSERT_EQ(edit({"--file", file("link/etc/SiteList.xml"), "disable", "a"}).status, 0);
+  ASSERT_THAT(kept(), SizeIs(1));
+  EXPECT_EQ(bytesOf(kept().back()), before);
+
+  // The next path has no symbolic link.
+  fs::create_directory(file("mounted"));
+  const std::string mount = "unshare -m sh -c 'mount --bind agent mounted && exec \"$@\"' sh ";
+  if (shell(mount + "true").status != 0) {
+    std::cout << "this process cannot mount a directory, so there is no second path\n";
+    return;
+  }
+  const std::string changed = readFile(ownList());
+  const Output output =
+      shell(mount + "\"$0\" --agent-dir agent edit --file mounted/etc/SiteList.xml disable b");
+  ASSERT_EQ(output.status, 0) << output.err;
+  ASSERT_THAT(kept(), SizeIs(2));
+  EXPECT_EQ(bytesOf(kept().back()), changed);
+}
 
 TEST_F(CliHistory, KeepsTheListThatEachCommandReplaces) {
   const std::string incoming = write("incoming.xml", document(httpSite("depot")));

@@ -50,6 +50,9 @@ std::string ownListPath(const Context& context) {
 
 bool isOwnList(const Context& context, const std::string& file) {
   if (file.empty()) return true;
+  // Two canonical paths can lead to one file: after a mount, or in another case.
+  bool isOne = false;
+  if (host::wouldReplace(file, ownListPath(context), isOne) == 0 && isOne) return true;
   std::error_code error;
   return fs::weakly_canonical(file, error) == fs::weakly_canonical(ownListPath(context), error);
 }

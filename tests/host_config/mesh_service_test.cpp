@@ -248,6 +248,13 @@ TEST_F(MeshService, HandsDownNoOtherDescriptor) {
   }
 }
 
+TEST_F(MeshService, HandsDownTheEnvironment) {
+  ::setenv("SITEHLP_TEST", "handed down", 1);
+  EXPECT_EQ(loadWithScript("printf %s \"$SITEHLP_TEST\" > \"$1\""), 1);
+  ::unsetenv("SITEHLP_TEST");
+  EXPECT_EQ(test::readFile(out()), "handed down");
+}
+
 TEST_F(MeshService, HandsDownNoSignalSettings) {
   const auto before = ::signal(SIGTERM, SIG_IGN);
   sigset_t blocked;

@@ -12,6 +12,7 @@ void addInit(Command& app, Context& context);
 void addShow(Command& app, Context& context);
 void addGet(Command& app, Context& context);
 void addExplain(Command& app, Context& context);
+void addProbe(Command& app, Context& context);
 void addDiff(Command& app, Context& context);
 void addVersions(Command& app, Context& context);
 void addServers(Command& app, Context& context);

@@ -28,6 +28,7 @@ constexpr CommandEntry c_commands[] = {
     {"show", addShow},
     {"get", addGet},
     {"explain", addExplain},
+    {"probe", addProbe},
     {"diff", addDiff},
     {"versions", addVersions},
     {"servers", addServers},

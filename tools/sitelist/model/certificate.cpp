@@ -19,26 +19,10 @@ namespace {
 
 struct Free {
   void operator()(BIO* bio) const { BIO_free_all(bio); }
-  void operator()(X509* certificate) const { X509_free(certificate); }
 };
 using Bio = std::unique_ptr<BIO, Free>;
-using Handle = std::unique_ptr<X509, Free>;
 
 int noPassphrase(char*, int, int, void*) { return -1; }
-
-Handle parse(const std::wstring& text) {
-  const std::string narrowed = narrow(text);
-  const Bio pem(BIO_new_mem_buf(narrowed.data(), static_cast<int>(narrowed.size())));
-  Handle certificate(PEM_read_bio_X509(pem.get(), nullptr, noPassphrase, nullptr));
-  if (!certificate) {
-    const ABuffer der = ABase64Encode::decode(text);
-    const unsigned char* position = der.data();
-    certificate.reset(d2i_X509(nullptr, &position, static_cast<long>(der.size())));
-    if (certificate && position != der.data() + der.size()) certificate.reset();
-  }
-  ERR_clear_error();
-  return certificate;
-}
 
 std::string nameText(const X509_NAME* name) {
   const Bio memory(BIO_new(BIO_s_mem()));
@@ -71,34 +55,53 @@ std::string fingerprintOf(const X509* certificate) {
   return text;
 }
 
-std::optional<Certificate> read(const std::wstring& text) {
-  const Handle handle = parse(text);
-  if (!handle) return std::nullopt;
+}  // namespace
+
+void FreeX509::operator()(x509_st* certificate) const { X509_free(certificate); }
+
+X509Handle parseCertificate(const std::wstring& text) {
+  const std::string narrowed = narrow(text);
+  const Bio pem(BIO_new_mem_buf(narrowed.data(), static_cast<int>(narrowed.size())));
+  X509Handle certificate(PEM_read_bio_X509(pem.get(), nullptr, noPassphrase, nullptr));
+  if (!certificate) {
+    const ABuffer der = ABase64Encode::decode(text);
+    const unsigned char* position = der.data();
+    certificate.reset(d2i_X509(nullptr, &position, static_cast<long>(der.size())));
+    if (certificate && position != der.data() + der.size()) certificate.reset();
+  }
+  ERR_clear_error();
+  return certificate;
+}
+
+Certificate describeCertificate(const x509_st& x509) {
   Certificate certificate;
-  certificate.subject = nameText(X509_get_subject_name(handle.get()));
-  certificate.issuer = nameText(X509_get_issuer_name(handle.get()));
-  certificate.fingerprint = fingerprintOf(handle.get());
-  certificate.notBefore = timeText(X509_get0_notBefore(handle.get()));
-  certificate.notAfter = timeText(X509_get0_notAfter(handle.get()));
+  certificate.subject = nameText(X509_get_subject_name(&x509));
+  certificate.issuer = nameText(X509_get_issuer_name(&x509));
+  certificate.fingerprint = fingerprintOf(&x509);
+  certificate.notBefore = timeText(X509_get0_notBefore(&x509));
+  certificate.notAfter = timeText(X509_get0_notAfter(&x509));
   int seconds = 0;
-  ASN1_TIME_diff(&certificate.daysLeft, &seconds, nullptr, X509_get0_notAfter(handle.get()));
+  ASN1_TIME_diff(&certificate.daysLeft, &seconds, nullptr, X509_get0_notAfter(&x509));
   certificate.isExpired = certificate.daysLeft < 0 || seconds < 0;
   return certificate;
 }
 
-}  // namespace
-
 // The lists of a fleet have the same few certificates, and OpenSSL needs longer for a certificate
 // than the library for a list.
 std::optional<Certificate> readCertificate(const std::wstring& text) {
+  const auto read = [&text]() -> std::optional<Certificate> {
+    const X509Handle handle = parseCertificate(text);
+    if (!handle) return std::nullopt;
+    return describeCertificate(*handle);
+  };
   constexpr std::size_t c_most = 64;
   constexpr std::size_t c_longest = 16384;
-  if (text.size() > c_longest) return read(text);
+  if (text.size() > c_longest) return read();
   thread_local std::unordered_map<std::wstring, std::optional<Certificate>> known;
   const auto found = known.find(text);
   if (found != known.end()) return found->second;
   if (known.size() == c_most) known.clear();
-  return known.emplace(text, read(text)).first->second;
+  return known.emplace(text, read()).first->second;
 }
 
 }  // namespace tool

@@ -1,8 +1,11 @@
 #ifndef TOOLS_SITELIST_MODEL_CERTIFICATE_H
 #define TOOLS_SITELIST_MODEL_CERTIFICATE_H
 
+#include <memory>
 #include <optional>
 #include <string>
+
+struct x509_st;  // X509 of OpenSSL
 
 namespace tool {
 
@@ -17,8 +20,16 @@ struct Certificate {
   bool isExpired = false;
 };
 
-// Reads a certificate in PEM form, or as base64 of its DER form. Returns nothing for any other
-// text.
+struct FreeX509 {
+  void operator()(x509_st* certificate) const;
+};
+using X509Handle = std::unique_ptr<x509_st, FreeX509>;
+
+// Parses a certificate in PEM form, or as base64 of its DER form. Returns null for any other text.
+X509Handle parseCertificate(const std::wstring& text);
+Certificate describeCertificate(const x509_st& certificate);
+
+// Does both. Returns nothing for a text that is not a certificate.
 std::optional<Certificate> readCertificate(const std::wstring& text);
 
 }  // namespace tool

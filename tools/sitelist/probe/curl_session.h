@@ -1,0 +1,13 @@
+#ifndef TOOLS_SITELIST_PROBE_CURL_SESSION_H
+#define TOOLS_SITELIST_PROBE_CURL_SESSION_H
+
+namespace tool {
+
+// Prepares libcurl for the process. libcurl wipes all its memory before it releases it, because its
+// copies of passwords are in it. Removes SSLKEYLOGFILE from the environment, because libcurl would
+// write the keys of connections to that file. Must be called once, before any thread starts.
+void openCurlSession();
+
+}  // namespace tool
+
+#endif

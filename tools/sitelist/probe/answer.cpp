@@ -27,6 +27,11 @@ std::string withoutLogin(const SitePlan& plan, const std::string& text) {
   return isRepeated ? "(not shown, because it repeats a login)" : text;
 }
 
+// Some proxies answer a wrong login with the status by which a server asks for one.
+bool isUnclear(const Reply& reply) {
+  return reply.status == c_statusUnauthorized && reply.wasProxyChallenged;
+}
+
 std::string loginResult(bool isGiven, bool isRefused, bool wasChallenged, bool isKnown) {
   if (isRefused && !isKnown) return "unsupported";
   if (isRefused) return isGiven ? "refused" : "required";
@@ -56,14 +61,21 @@ void failLogin(Outcome& outcome, const std::string& whom, const std::string& res
 }
 
 void takeStatus(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
+  // The request to a proxy for FTP has the login, because the proxy logs in.
+  const bool isFtp = plan.method == Method::Ftp;
   outcome.login = loginResult(plan.login.user != nullptr, reply.status == c_statusUnauthorized,
-                              reply.wasChallenged, reply.isLoginKnown);
+                              reply.wasChallenged || isFtp, reply.isLoginKnown || isFtp);
   const std::string checkPath = "check the path of the site and the content of the server";
   if (reply.status >= 200 && reply.status < 300) {
     outcome.state = ProbeState::Ok;
   } else if (reply.status == c_statusProxyUnauthorized) {
     outcome.login = "";
     failLogin(outcome, "proxy", outcome.proxyLogin, "correct the login in the proxy settings");
+  } else if (isUnclear(reply)) {
+    outcome.proxyLogin = "unclear";
+    outcome.login = plan.login.user ? "unclear" : "";
+    failSite(outcome, "the proxy or the server refused the login",
+             "check the login in the proxy settings, and that of the site");
   } else if (reply.status == c_statusUnauthorized) {
     failLogin(outcome, "server", outcome.login,
               "set useAuth, the user and the password of the site with `sitelist edit set`");
@@ -96,7 +108,9 @@ void takeFtp(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
 
 }  // namespace
 
-bool isProxyLoginRefused(const Reply& reply) { return reply.status == c_statusProxyUnauthorized; }
+bool isProxyLoginRefused(const Reply& reply) {
+  return reply.status == c_statusProxyUnauthorized || isUnclear(reply);
+}
 
 void takeAnswer(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
   if (!reply.answer.empty()) outcome.answer = withoutLogin(plan, reply.answer);

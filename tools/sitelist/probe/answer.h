@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// Returns whether the proxy refused the login, or required one.
+// Returns whether the proxy refused the login or required one, or may have refused it.
 bool isProxyLoginRefused(const Reply& reply);
 
 // Stores in the outcome what the reply of a site on its port means for the agent.

@@ -38,7 +38,7 @@ struct Outcome {
   std::optional<std::int64_t> entries;  // of a directory
   bool isListingCut = false;
   std::string redirect;
-  std::string login;  // accepted, anonymous, refused, required, unsupported or not-asked
+  std::string login;  // accepted, anonymous, refused, unclear, required, unsupported or not-asked
   std::string proxyLogin;
   std::optional<SecureOutcome> secure;
   std::string readAs;  // the user who read a local directory

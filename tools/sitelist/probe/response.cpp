@@ -23,6 +23,21 @@ int replyCodeAt(std::string_view text) {
   return code;
 }
 
+// Returns whether a line of a header has this name in any case. `name` has lower case.
+bool hasName(std::string_view line, std::string_view name) {
+  return line.size() >= name.size() &&
+         std::equal(name.begin(), name.end(), line.begin(), [](char a, char b) {
+           return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b + 32) : b);
+         });
+}
+
+template <std::size_t Size>
+void keep(std::string_view text, char (&kept)[Size]) {
+  const std::size_t length = std::min(text.size(), Size - 1);
+  std::memcpy(kept, text.data(), length);
+  kept[length] = '\0';
+}
+
 }  // namespace
 
 bool Response::addLine(const char* bytes, std::size_t size) noexcept {
@@ -37,15 +52,18 @@ bool Response::addLine(const char* bytes, std::size_t size) noexcept {
 
 void Response::addHttpLine(const char* bytes, std::size_t size) noexcept {
   const std::string_view line(bytes, size);
+  if (hasName(line, "location:")) {
+    const std::size_t start = line.find_first_not_of(" \t", std::strlen("location:"));
+    keep(start == std::string_view::npos ? "" : line.substr(start), m_location);
+  }
   const std::size_t space = line.find(' ');
   if (line.compare(0, 5, "HTTP/") != 0 || space == std::string_view::npos) return;
   const std::string_view rest = line.substr(space + 1);
+  m_location[0] = '\0';
   m_status = replyCodeAt(rest);
   m_wasChallenged = m_wasChallenged || m_status == c_loginAsked;
   m_wasProxyChallenged = m_wasProxyChallenged || m_status == c_proxyLoginAsked;
-  const std::size_t length = std::min(rest.size(), c_mostText);
-  std::memcpy(m_line, rest.data(), length);
-  m_line[length] = '\0';
+  keep(rest, m_line);
 }
 
 // Only the greeting is kept, because a later line may repeat the login.
@@ -56,9 +74,7 @@ void Response::addFtpLine(const char* bytes, std::size_t size) noexcept {
   const int code = replyCodeAt(line);
   m_isLoggedIn = m_isLoggedIn || code == c_loggedIn;
   if (code != c_greeting || m_line[0] != '\0') return;
-  const std::size_t length = std::min(line.size(), c_mostText);
-  std::memcpy(m_line, line.data(), length);
-  m_line[length] = '\0';
+  keep(line, m_line);
 }
 
 // The body of an HTTP answer is not needed.
@@ -86,6 +102,7 @@ bool Response::isWithinLimit(std::int64_t received) noexcept {
 void Response::describe(Reply& reply) const {
   reply.status = m_status;
   reply.answer = limitedText(m_line);
+  if (m_status >= 300 && m_status < 400) reply.redirect = limitedText(m_location);
   reply.wasChallenged = m_wasChallenged;
   reply.wasProxyChallenged = m_wasProxyChallenged;
   reply.isLoggedIn = m_isLoggedIn;

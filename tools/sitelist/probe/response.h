@@ -37,6 +37,7 @@ class Response {
   bool m_isFtp;
   std::int64_t m_headBytes = 0;
   char m_line[c_mostText + 1] = {};  // the status line of HTTP or the greeting of FTP
+  char m_location[c_mostText + 1] = {};
   int m_status = 0;
   bool m_wasChallenged = false;
   bool m_wasProxyChallenged = false;

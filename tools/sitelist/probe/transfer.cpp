@@ -192,11 +192,6 @@ Reply Transfer::Exchange::finish(CURLcode code) {
   reply.isProxyLoginKnown = (number(CURLINFO_PROXYAUTH_AVAIL) & c_knownLogins) != 0;
   reply.certificate = m_certificate;
   reply.isLoginDenied = code == CURLE_LOGIN_DENIED;
-  char* target = nullptr;
-  if (reply.status >= 300 && reply.status < 400 &&
-      curl_easy_getinfo(m_handle.get(), CURLINFO_REDIRECT_URL, &target) == CURLE_OK && target) {
-    reply.redirect = limitedText(target);
-  }
   if (code == CURLE_OK || m_response.isEnough()) return reply;
   TransferEnd end;
   end.code = code;

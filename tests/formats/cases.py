@@ -1,5 +1,8 @@
 """The cases. Each is a command line, which runs in every format in a world of world.py."""
 
+import os
+import pwd
+import re
 from dataclasses import dataclass
 
 import tables
@@ -27,6 +30,18 @@ class Case:
 # The number of days left, in each format.
 DAYS = ((r'("daysLeft": |<daysLeft>|days left {4}| UTC,)(-?)[0-9]+\b(?!-)', r"\g<1>\g<2>1"),)
 DAYS_OF_FLEET = (*DAYS, (r"( UTC  )(-?)[0-9]+\b(?!-)", r"\g<1>\g<2>1"))
+# What differs in every run of `probe`: ports, times, the days left and the user.
+PORT = r"[0-9]{4,5}"
+PROBE = (
+    (rf"127\.0\.0\.1:{PORT}( \({PORT}\))?", lambda match: "127.0.0.1:8080" + (" (8443)" if match[1] else "")),
+    (rf'("securePort": |<securePort>|port |,)({PORT})(?=[, <]|$)', r"\g<1>8443"),
+    (r'("(?:secureMilliseconds|milliseconds)": |<(?:secureMilliseconds|milliseconds)>)[0-9]+', r"\g<1>1"),
+    (r"in [0-9]+ ms", "in 1 ms"),
+    (r",[0-9]+(?=,[0-9]{3} )", ",1"),
+    (r"(,8443,true),[0-9]+,", r"\1,1,"),
+    (r'("certificateDaysLeft": |<certificateDaysLeft>|days left: | UTC,)[0-9]+', r"\g<1>1"),
+    (rf"\b{re.escape(pwd.getpwuid(os.geteuid()).pw_name)}\b", "@USER@"),
+)
 PROTECTED = ((r"\b[A-Za-z0-9+/]{36,}={0,2}", "@PROTECTED@"),)
 STAMP = ((r'LocalVersion="[0-9]{14}"', 'LocalVersion="@NOW@"'),)
 
@@ -120,6 +135,22 @@ GET = [
     Case("get-unknown-field", own("get", NASTY), 2),
     Case("get-unknown-kind", own("get", "server", "--site", "Twin", "--kind", NASTY), 2),
     *unreadable("get", "type"),
+]
+
+PROBED = own("probe", "--file", "lists/network.xml")
+PROBES = [
+    Case("probe-own-order", PROBED, table=tables.probe, masks=PROBE),
+    Case("probe-all", [*PROBED, "--all", "--jobs", "1"], table=tables.probe, masks=PROBE),
+    Case("probe-sites", [*PROBED, "HQ", "kind=local"], 1, tables.probe, masks=PROBE),
+    Case("probe-one", [*PROBED, "name=Login"], table=tables.probe, masks=PROBE),
+    Case("probe-none-ok", own("probe", "--file", "lists/no-disks.xml"), 1, tables.probe, masks=PROBE),
+    Case("probe-hostile", own("probe", "--file", HOSTILE, "kind=http", "kind=ftp", "kind=unc", "kind=local"), 1, tables.probe, masks=PROBE),
+    Case("probe-system", own("probe", "--file", "lists/system.xml"), 1, tables.probe),
+    Case("probe-idle", own("probe", "--file", "lists/idle.xml"), 1, tables.probe),
+    Case("probe-no-site", [*PROBED, NASTY], 7),
+    Case("probe-timeout", [*PROBED, "--timeout", NASTY], 2),
+    Case("probe-jobs", [*PROBED, "--jobs", "0"], 2),
+    *unreadable("probe", "--file"),
 ]
 
 EXPLAIN = [
@@ -413,6 +444,7 @@ GROUPS = {
     "show": SHOW,
     "get": GET,
     "explain": EXPLAIN,
+    "probe": PROBES,
     "diff": DIFF,
     "queries": QUERIES,
     "changes": CHANGES,
@@ -424,6 +456,6 @@ GROUPS = {
 }
 ALL = [case for cases in GROUPS.values() for case in cases]
 # The name of a case begins with one of these names.
-COMMANDS = ("show", "get", "explain", "explain-rule", "diff", "versions", "servers", "certs", "policies",
+COMMANDS = ("show", "get", "explain", "explain-rule", "probe", "diff", "versions", "servers", "certs", "policies",
             "protect", "init", "import", "install", "modify", "merge", "rewrite", "derive-server-list",
             "server-list", "from-buffer", "validate", "doctor", "summary", "edit", "history", "undo", "usage")

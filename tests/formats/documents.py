@@ -172,9 +172,42 @@ def hostile(sealed):
     return document(sites, before, f'GlobalVersion="{h}" LocalVersion="{VERY_LONG}" Type="{h}" FipsMode="{h}"')
 
 
+def directory(name, order, directory_path, **more):
+    return site("LocalSite", name, order, "", path(directory_path), **more)
+
+
+def network(sealed, ports, authority):
+    """A list whose sites are served at these ports."""
+    plain, secure = ports
+    address = f"127.0.0.1:{plain}"
+
+    def http(name, order, directory_path, children="", **more):
+        return site("HttpSite", name, order, address, path(directory_path) + children, **more)
+
+    login = path("401", "reader", sealed["depot"]) + "<UseAuth>1</UseAuth>"
+    return document(
+        site("VestaSite", "HQ", 1, address, path("200"), Type="master", SecurePort=secure)
+        + http("Hidden", 2, "403")
+        + http("Moved", 3, "302")
+        + http("Login", 4, "401", login)
+        + http("Locked", 5, "401")
+        + http("Gone", 6, "404")
+        + http("Hostile", 7, "299")
+        + directory("Disk", 8, "/")
+        + directory("No disk", 9, "/nonexistent")
+        + directory("Macro", 10, "&lt;DATA&gt;/pub")
+        + http("Off", 11, "200", Enabled=0)
+        + http("Mirror", None, "200", Type="mirror"),
+        f"<CaBundle><CaCertificate>{authority}</CaCertificate></CaBundle>",
+    )
+
+
 def lists(sealed):
     """Every document below "lists", by its name."""
     return {
+        "disk.xml": document(directory("Disk", 1, "/") + directory("Spare", 2, "/")),
+        "no-disk.xml": document(directory("No disk", 1, "/nonexistent") + directory("Disk", 2, "/")),
+        "no-disks.xml": document(directory("No disk", 1, "/nonexistent")),
         "hostile.xml": hostile(sealed),
         "harmless.xml": document(site("HttpSite", "depot", 1, "depot.example:80", path("Current"))),
         "empty.xml": document(""),

@@ -12,7 +12,8 @@ ALL_FORMS = (*FORMS, "jsonl")
 ATTRIBUTES = ("schema_version", "command", "status", "changed")  # of the root element in XML
 HEAD = (*ATTRIBUTES, "warnings")
 # The names of lists of texts in JSON and XML. Any other list has rows.
-TEXT_LISTS = ("value", "exclusions", "names", "servers", "ipAddresses", "computerNames", "versions")
+TEXT_LISTS = ("value", "exclusions", "names", "servers", "ipAddresses", "computerNames", "versions",
+              "addresses", "certificateFaults")
 
 # Control characters, invisible characters, and those that change the direction of writing or break lines.
 HARMFUL = re.compile("[\x00-\x1f\x7f-\x9f\xad\u061c\u200b\u200e\u200f\u2028-\u202e\u2060-\u2064\u2066-\u2069\ufeff]")

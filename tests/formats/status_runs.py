@@ -40,6 +40,7 @@ READS_FILE = """
     show FILE
     get type FILE
     explain FILE
+    probe --file FILE
     diff FILE lists/direct.xml
     diff lists/direct.xml FILE
     versions FILE
@@ -208,6 +209,7 @@ SUCCESS = [
     Way(0, "show", "Main server"),
     Way(0, "get globalVersion", "20260101000000"),
     Way(0, "explain", "The agent tries"),
+    Way(0, "probe --file lists/no-disk.xml", "The agent will use"),
     Way(0, "diff lists/direct.xml in/SiteList.xml", "From lists/direct.xml"),
     Way(0, "versions", "global version"),
     Way(0, "servers", "names"),
@@ -245,6 +247,8 @@ NEGATIVE = [
     Way(1, "show --filter name=none", "no site matches"),
     Way(1, "explain lists/idle.xml", "no site to try"),
     Way(1, "explain --host else.example", "through proxy.example"),
+    Way(1, "probe --file lists/no-disks.xml", "no site that it can use"),
+    Way(1, "probe --file lists/no-disk.xml Disk No*", "cannot be read"),
     Way(1, "diff --exit-code lists/direct.xml in/SiteList.xml", "From lists/direct.xml"),
     Way(1, "servers", "no management server", agent="serverless"),
     Way(1, "certs lists/empty.xml", "no certificates"),
@@ -318,6 +322,7 @@ FILE = [
         diff --exit-code lists/direct.xml in/SiteList.xml
         certs --expiring 0 lists/expired.xml
         explain lists/idle.xml
+        probe --file lists/no-disks.xml
         validate lists/incomplete.xml
         import --dry-run in/SiteList.xml
         edit disable --dry-run Offices
@@ -387,6 +392,7 @@ NOT_FOUND = [
     Way(7, "get shareName --site Disk", "has no field"),
     Way(7, "get policy.none", "there is no policy setting"),
     Way(7, "get fipsMode", "no FIPS mode"),
+    Way(7, "probe --file lists/disk.xml none", "no site matches"),
     Way(7, "diff --history 9", "no list with the number"),
     Way(7, "diff --history 1", "the history is empty", agent="serverless"),
     Way(7, "policies unset none", "there is no policy setting"),

@@ -110,6 +110,26 @@ def explain(report, table):
             need(table, [shown(report.facts[name])], name)
 
 
+def probe(report, table):
+    # A long text is broken into lines.
+    joined = " ".join(table.split())
+
+    def need_words(text, where):
+        need(joined, [" ".join(text.split())], where)
+
+    for row in report.rows:
+        fields = ("kind", "name", "address", "path", "proxy", "redirect", "answer", "certificateSubject",
+                  "certificateIssuer", "certificateExpires", "readAs", "note", "error", "next")
+        for field in fields:
+            need_words(shown(row[field]), row["name"])
+        for text in row["addresses"] + row["certificateFaults"]:
+            need_words(shown(text), row["name"])
+        if not row["tried"]:
+            need_words(shown(row["reason"]), row["name"])
+    name = report.facts["use"] if report.facts["decided"] else report.facts["unknownSite"]
+    need_words(f'"{shown(name)}"' if name else "The agent has no site", "the facts")
+
+
 def routes(report, table):
     host = shown(report.facts["host"])
     need_lines(

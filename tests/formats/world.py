@@ -8,6 +8,7 @@ import tempfile
 from pathlib import Path
 
 import documents
+import site_servers
 
 
 class Output:
@@ -56,6 +57,9 @@ class World:
         sealed = {name: self.protect(clear) for name, clear in documents.CANARIES.items()}
         for name, text in documents.lists(sealed).items():
             (self.dir / "lists" / name).write_bytes(text if isinstance(text, bytes) else text.encode())
+        self.servers = site_servers.SiteServers()
+        network = documents.network(sealed, self.servers.ports(), site_servers.AUTHORITY.read_text())
+        (self.dir / "lists/network.xml").write_text(network)
         for agent in ("agent", "keyless"):
             (self.dir / agent / "etc/SiteList.xml").write_bytes(documents.own(sealed).encode())
         for agent in ("serverless", "locked", "busy"):
@@ -165,6 +169,7 @@ class World:
         return {path: path.read_bytes() for path in files if path.parent.name not in ("locks", "history")}
 
     def remove(self):
+        self.servers.stop()
         for lock in self.locks:
             os.close(lock)
         shutil.rmtree(self.base)

@@ -15,6 +15,7 @@ class Sitehlp < Formula
   depends_on "spdlog" => :build
   depends_on "tomlplusplus" => :build
   depends_on "utf8cpp" => :build
+  depends_on "curl"
   depends_on "expat"
   depends_on "openssl@3"
   depends_on "pugixml"

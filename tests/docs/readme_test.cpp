@@ -47,6 +47,17 @@ TEST_F(Readme, ShowsWhatExplainPrintsForTheExampleList) {
   EXPECT_THAT(explained.out.substr(parts[0].size()), HasSubstr('\n' + parts[1]));
 }
 
+// The output of `probe` depends on servers, so the expected output of another test is compared.
+TEST_F(Readme, ShowsWhatProbePrints) {
+  const std::string probed = fromSource("tests/formats/probe/all/table");
+  const std::vector<std::string> parts =
+      shownOutput("sitelist probe --file lists/network.xml --all");
+  ASSERT_EQ(parts.size(), 3U);
+  EXPECT_THAT(probed, StartsWith(parts[0]));
+  EXPECT_THAT(probed, HasSubstr('\n' + parts[1]));
+  EXPECT_THAT(probed, HasSubstr('\n' + parts[2]));
+}
+
 TEST_F(Readme, ShowsASiteOfTheExampleList) {
   const std::string readme = fromSource("README.md");
   const std::string fence = "```xml\n";

@@ -142,7 +142,7 @@ void fillProxy(SitePlan& plan, const ProxyChoice& choice) {
 void checkProxy(SitePlan& plan, const LostPasswords& lost) {
   const Endpoint& proxy = *plan.proxy;
   if (!isHostOrAddress(proxy.host) || proxy.port < 1 || proxy.port > c_maxPort) {
-    setObstacle(plan, "the proxy \"" + shown(textOf(proxy)) + "\" is not a host with a port",
+    setObstacle(plan, "the proxy \"" + textOf(proxy) + "\" is not a host with a port",
                 "correct the proxy settings with `sitelist edit set`");
   }
   if (!plan.proxyLogins.empty() && lost.count("the proxy settings") != 0) {
@@ -161,7 +161,7 @@ void checkServer(SitePlan& plan, const LostPasswords& lost) {
   if (server.host.empty()) {
     setObstacle(plan, "the site has no host", "set its server with `sitelist edit set`");
   } else if (!isHostOrAddress(server.host)) {
-    setObstacle(plan, "\"" + shown(server.host) + "\" is not a host name",
+    setObstacle(plan, "\"" + server.host + "\" is not a host name",
                 "correct its server with `sitelist edit set`");
   } else if (server.port < 1 || server.port > c_maxPort || plan.securePort > c_maxPort) {
     setObstacle(plan, "a port of the site is not a number from 1 to 65535",

@@ -36,8 +36,8 @@ enum class Method { Http, Ftp, Share, Directory };
 // What a probe does with a site, as the agent would reach it.
 struct SitePlan {
   const sitehlp::tag_Site* site = nullptr;
-  std::string obstacle;  // why the site cannot be probed, printable; empty if it can
-  std::string advice;    // for the obstacle, printable
+  std::string obstacle;  // why the site cannot be probed; empty if it can
+  std::string advice;    // for the obstacle
   Method method = Method::Http;
   Endpoint server;
   unsigned securePort = 0;  // 0: none

@@ -12,7 +12,6 @@ SiteRun::SiteRun(const SitePlan& plan, const TrustedRoots& roots, const std::str
                  std::chrono::milliseconds time, std::function<void()> wakeUp)
     : m_plan(plan),
       m_roots(roots),
-      m_time(time),
       m_deadline(Clock::now() + time),
       m_wakeUp(std::move(wakeUp)) {
   if (isLookupOfDirectory()) {

@@ -51,7 +51,6 @@ class SiteRun {
 
   const SitePlan& m_plan;
   const TrustedRoots& m_roots;
-  std::chrono::milliseconds m_time;
   Clock::time_point m_deadline;
   std::function<void()> m_wakeUp;
   Outcome m_outcome;

@@ -34,6 +34,11 @@ install(
 if(TARGET sitelist)
   set_target_properties(sitelist PROPERTIES INSTALL_RPATH ${origin}/${bin_to_lib})
   install(TARGETS sitelist RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+  set(probe_dir ${CMAKE_INSTALL_LIBEXECDIR}/sitelist)
+  file(RELATIVE_PATH probe_to_lib ${CMAKE_INSTALL_FULL_LIBEXECDIR}/sitelist
+       ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(sitelist-probe PROPERTIES INSTALL_RPATH ${origin}/${probe_to_lib})
+  install(TARGETS sitelist-probe RUNTIME DESTINATION ${probe_dir} COMPONENT tool)
   set(generated ${PROJECT_BINARY_DIR}/generated)
   install(
     FILES ${generated}/sitelist.schema.json

@@ -147,6 +147,7 @@ int run(Context& context, std::vector<std::string> arguments) {
   }
   context.meshCommand = meshCommand;
   context.command = line->commandName();
+  context.arguments = arguments;
   switch (outcome) {
     case CommandLine::Outcome::Answered:
       std::cout << text;

@@ -22,6 +22,7 @@ struct Context {
   unsigned int waitMilliseconds = 0;               // the same or the default, once it is checked
   std::vector<std::string> meshCommand;            // for `init`: all words after --mesh-command
   std::string command;                             // the name of the given command
+  std::vector<std::string> arguments;              // all words of the command line
   std::optional<std::vector<std::string>> helpOn;  // for `help`: the command to describe
   std::function<int()> action;                     // runs the command; returns the exit status
   std::optional<Report> report;                    // the result of the action, also after a failure

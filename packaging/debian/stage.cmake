@@ -13,7 +13,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
 
   # Programs in /usr need no search path for libraries, and a package must not have one.
-  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/*.so.* ${root}/usr/lib/*/*.so.*)
+  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/libexec/sitelist/* ${root}/usr/lib/*.so.* ${root}/usr/lib/*/*.so.*)
   foreach(binary IN LISTS binaries)
     if(NOT IS_SYMLINK ${binary})
       file(RPATH_REMOVE FILE ${binary})

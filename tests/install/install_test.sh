@@ -157,6 +157,10 @@ END
       fish/vendor_completions.d/sitelist.fish; do
       grep -q sitelist "$TREE/share/$file" || fail "share/$file is not installed"
     done
+    # Loading libcurl would double the start of every command, so only the program for probe has it.
+    ! objdump -p "$TREE/bin/sitelist" | grep libcurl || fail "sitelist loads libcurl"
+    "$TREE/bin/sitelist" probe --file "$source/../../examples/incoming/SiteList.xml" Disk >said || true
+    grep -F Disk said || fail "sitelist does not find the program for probe"
     ;;
   *)
     fail "no test $name"

@@ -18,7 +18,10 @@ field() { dpkg-deb --field "$(deb "$1")" "$2"; }
 # is PACKAGE FIELD TEXT
 is() { [ "$(field "$1" "$2")" = "$3" ] || fail "$2 of $1 is \"$(field "$1" "$2")\", not \"$3\""; }
 unpack() { for package in $all; do dpkg-deb --extract "$(deb "$package")" "$1"; done; }
-binaries() { find "$1/usr/bin" "$1/usr/$LIBDIR" -type f \( -name '*.so.*' -o -path '*/bin/*' \); }
+binaries() {
+  find "$1/usr/bin" "$1/usr/libexec" -type f
+  find "$1/usr/$LIBDIR" -type f -name '*.so.*'
+}
 
 rm -rf "$WORK"
 mkdir -p "$WORK"
@@ -85,7 +88,7 @@ case $1 in
           own="./usr/include/.*\.h|./usr/$LIBDIR/(libsitehlp(-host)?\.so|cmake/sitehlp/.*|pkgconfig/sitehlp\.pc)"
           ;;
         sitelist)
-          own="./usr/bin/sitelist|./usr/share/(man/man1/sitelist\.1|man/man5/(sitelist\.json|agent\.toml)\.5)\.gz"
+          own="./usr/bin/sitelist|./usr/libexec/sitelist/sitelist-probe|./usr/share/(man/man1/sitelist\.1|man/man5/(sitelist\.json|agent\.toml)\.5)\.gz"
           own="$own|./usr/share/sitehlp/sitelist\.schema\.json|./usr/share/bash-completion/completions/sitelist"
           own="$own|./usr/share/(zsh/vendor-completions/_sitelist|fish/vendor_completions\.d/sitelist\.fish)"
           ;;
@@ -100,10 +103,10 @@ case $1 in
         fail "$package has files that are not its own"
       fi
       cat files >>everything
-      # All files belong to root, and only root may write them. Only directories and the tool are
-      # executable.
+      # All files belong to root, and only root may write them. Only directories and the programs of
+      # the tool are executable.
       awk '$2 != "root/root" || ($1 !~ /^l/ && $1 ~ /^.....w|^........w/) { print; bad = 1 }
-           $1 ~ /^-..x/ && $6 !~ /\/bin\// { print; bad = 1 } END { exit bad }' listing ||
+           $1 ~ /^-..x/ && $6 !~ /\/(bin|libexec)\// { print; bad = 1 } END { exit bad }' listing ||
         fail "owner or mode in $package"
       dpkg-deb --extract "$(deb "$package")" root
       dpkg-deb --info "$(deb "$package")" md5sums >md5sums
@@ -118,7 +121,7 @@ case $1 in
     grep -v -e '/copyright$' -e '/changelog.Debian.gz$' everything | sort | diff installed.list - ||
       fail "the packages do not have what is installed"
 
-    [ "$(binaries root | wc -l)" -eq 3 ] || fail "not three binaries: $(binaries root)"
+    [ "$(binaries root | wc -l)" -eq 4 ] || fail "not four binaries: $(binaries root)"
     for file in $(binaries root); do
       ! objdump -p "$file" | grep -E 'RPATH|RUNPATH' || fail "$file looks for libraries elsewhere"
       ! readelf -SW "$file" | grep -E '\.(symtab|debug_)' || fail "$file is not stripped"
@@ -131,7 +134,8 @@ case $1 in
     # Every library that a binary needs is in a package on which the package of the binary depends.
     unpack root
     for pair in "$runtime usr/$LIBDIR/libsitehlp.so.$VERSION" \
-      "$host usr/$LIBDIR/libsitehlp-host.so.$VERSION" "sitelist usr/bin/sitelist"; do
+      "$host usr/$LIBDIR/libsitehlp-host.so.$VERSION" "sitelist usr/bin/sitelist" \
+      "sitelist usr/libexec/sitelist/sitelist-probe"; do
       package=${pair%% *}
       field "$package" Depends | tr ',' '\n' | sed 's/^ *//' >depends
       count=0

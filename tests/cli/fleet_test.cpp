@@ -253,7 +253,7 @@ TEST_F(CliFleet, SaysHowFarItIsOnlyOnATerminal) {
     arguments.insert(arguments.end(), {"versions", file("fleet")});
     return withTerminalForMessages(arguments, "\n", [] {}).err;
   };
-  EXPECT_THAT(onTerminal({}), HasSubstr("\r1 of 40 lists"));
+  EXPECT_THAT(onTerminal({}), HasSubstr("\r\033[K40 of 40 lists"));
   EXPECT_THAT(onTerminal({}), HasSubstr("sitelist: 32 lists read, 8 failed"));
   EXPECT_THAT(onTerminal({"--verbose"}), testing::Not(HasSubstr(" of 40 lists")));
   EXPECT_EQ(sitelist({"--quiet", "versions", file("fleet")}).err, "");

@@ -109,6 +109,12 @@ std::size_t columnsOf(const std::wstring& text) {
   return columns;
 }
 
+std::string withCommas(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
+  return text;
+}
+
 std::wstring cutTo(const std::wstring& text, std::size_t columns, Kept kept) {
   if (columnsOf(text) <= columns) return text;
   std::wstring part = text;

@@ -23,6 +23,9 @@ std::wstring caseFolded(const std::wstring& text);
 // Returns the number of terminal columns of a printable text.
 std::size_t columnsOf(const std::wstring& text);
 
+// Returns a number with commas, for example "5,000".
+std::string withCommas(std::size_t number);
+
 enum class Kept { Start, End };
 // Returns a printable text with at most this many terminal columns. A longer text keeps one part
 // and has an ellipsis in place of the other.

@@ -4,6 +4,7 @@
 
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/progress.h"
 #include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
@@ -11,7 +12,6 @@
 #include "tools/sitelist/fleet/fleet_counts.h"
 #include "tools/sitelist/fleet/in_order.h"
 #include "tools/sitelist/fleet/many_lists.h"
-#include "tools/sitelist/fleet/progress.h"
 #include "tools/sitelist/fleet/summary_table.h"
 
 namespace tool {
@@ -25,7 +25,7 @@ struct SummaryOptions {
 // The first pass: counts all lists and finds out which are alike. Returns the exit status.
 int countLists(const Context& context, const std::vector<GivenList>& lists,
                const SummaryOptions& options, FleetCounts& counts, AlikeGroups& alike) {
-  Progress progress(context, lists.size(), "lists", false);
+  Progress progress(wantsProgress(context), lists.size(), "lists");
   int status = exitSuccess;
   InOrder<ListSummary> inOrder(lists.size(), jobsOf(options.lists), [&](std::size_t index) {
     clearLogRecords();
@@ -50,7 +50,7 @@ void compareLists(const Context& context, const std::vector<GivenList>& lists,
   if (!most) return;
   const SiteList base = readSiteList(lists[most->first].path);
   std::vector<AlikeLists>& groups = alike.groups();
-  Progress progress(context, groups.size(), "lists compared", false);
+  Progress progress(wantsProgress(context), groups.size(), "lists compared");
   InOrder<std::size_t> inOrder(groups.size(), jobsOf(options.lists), [&](std::size_t index) {
     const std::size_t count = differencesBetween(base, lists[groups[index].first]);
     clearLogRecords();

@@ -7,11 +7,12 @@
 
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/progress.h"
+#include "tools/sitelist/cli/screen.h"
 #include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/fleet/in_order.h"
 #include "tools/sitelist/fleet/list_printer.h"
-#include "tools/sitelist/fleet/progress.h"
 
 namespace tool {
 namespace {
@@ -124,7 +125,8 @@ int readManyLists(Context& context, const ListArguments& arguments, const ManyLi
   int status = exitSuccess;
   std::vector<LogRecord> errors;
   {
-    Progress progress(context, lists.size(), "lists", !isDocument(target.format));
+    const bool isMixed = !isDocument(target.format) && isOutputTerminal();
+    Progress progress(wantsProgress(context) && !isMixed, lists.size(), "lists");
     InOrder<Outcome> inOrder(
         lists.size(), jobs, [&](std::size_t index) { return readOne(many, target, lists[index]); });
     inOrder.run([&](std::size_t index, Outcome outcome) {

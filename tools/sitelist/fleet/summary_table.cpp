@@ -6,7 +6,6 @@
 
 #include "tools/sitelist/cli/table.h"
 #include "tools/sitelist/cli/text.h"
-#include "tools/sitelist/fleet/progress.h"
 
 namespace tool {
 namespace {

@@ -6,13 +6,13 @@
 #include "tools/sitelist/agent/agent_access.h"
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/failure.h"
+#include "tools/sitelist/cli/progress.h"
 #include "tools/sitelist/cli/shown_name.h"
 #include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/explain/search_order.h"
 #include "tools/sitelist/model/selection.h"
 #include "tools/sitelist/probe/probe.h"
 #include "tools/sitelist/probe/probe_report.h"
-#include "tools/sitelist/probe/progress.h"
 
 namespace tool {
 namespace {
@@ -111,7 +111,7 @@ int runProbe(Context& context, const ProbeOptions& options) {
   }
   std::vector<Outcome> outcomes;
   if (!plans.empty()) {
-    const Progress progress(!context.quiet, plans.size());
+    Progress progress(wantsProgress(context), plans.size(), plans.size() == 1 ? "site" : "sites");
     outcomes = probeSites(plans, read.list.certificates, limits,
                           [&](std::size_t done) { progress.show(done); });
   }

@@ -2,6 +2,8 @@
 
 namespace tool {
 
+bool wantsProgress(const Context& context) { return !context.quiet && !context.verbose; }
+
 Format formatOf(const Context& context) {
   if (context.json || context.format == "json") return Format::Json;
   if (context.format == "jsonl") return Format::JsonLines;

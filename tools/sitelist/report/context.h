@@ -29,6 +29,9 @@ struct Context {
   bool changed = false;                            // whether the action has changed files
 };
 
+// Returns whether the command may print its progress on standard error.
+bool wantsProgress(const Context& context);
+
 // Returns the format of the output.
 Format formatOf(const Context& context);
 

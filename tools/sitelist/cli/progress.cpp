@@ -1,16 +1,19 @@
-#include "tools/sitelist/probe/progress.h"
+#include "tools/sitelist/cli/progress.h"
 
 #include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <iterator>
-#include <string>
+#include <utility>
+
+#include "tools/sitelist/cli/text.h"
 
 namespace tool {
 namespace {
 
 constexpr char c_eraseLine[] = "\r\033[K";
+constexpr std::chrono::milliseconds c_pause{100};
 constexpr int c_endSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
 struct sigaction g_beforeProgress[std::size(c_endSignals)] = {};
@@ -36,8 +39,8 @@ void eraseLineAndEnd(int signal) {
 }  // namespace
 
 // A signal that is ignored stays ignored.
-Progress::Progress(bool isWanted, std::size_t total)
-    : m_isShown(isWanted && ::isatty(STDERR_FILENO) == 1), m_total(total) {
+Progress::Progress(bool isWanted, std::size_t total, std::string noun)
+    : m_isShown(isWanted && ::isatty(STDERR_FILENO) == 1), m_total(total), m_noun(std::move(noun)) {
   if (!m_isShown) return;
   for (std::size_t i = 0; i < std::size(c_endSignals); ++i) {
     ::sigaction(c_endSignals[i], nullptr, &g_beforeProgress[i]);
@@ -57,10 +60,11 @@ Progress::~Progress() {
   }
 }
 
-void Progress::show(std::size_t done) const {
-  if (!m_isShown) return;
-  const std::string text = c_eraseLine + std::to_string(done) + " of " + std::to_string(m_total) +
-                           (m_total == 1 ? " site" : " sites");
+void Progress::show(std::size_t done) {
+  if (!m_isShown || (done != m_total && Clock::now() < m_next)) return;
+  m_next = Clock::now() + c_pause;
+  const std::string text =
+      c_eraseLine + withCommas(done) + " of " + withCommas(m_total) + " " + m_noun;
   printOnTerminal(text.data(), text.size());
 }
 

@@ -10,10 +10,7 @@ namespace tool {
 
 SiteRun::SiteRun(const SitePlan& plan, const TrustedRoots& roots, const std::string& readAs,
                  std::chrono::milliseconds time, std::function<void()> wakeUp)
-    : m_plan(plan),
-      m_roots(roots),
-      m_deadline(Clock::now() + time),
-      m_wakeUp(std::move(wakeUp)) {
+    : m_plan(plan), m_roots(roots), m_deadline(Clock::now() + time), m_wakeUp(std::move(wakeUp)) {
   if (isLookupOfDirectory()) {
     m_outcome.readAs = readAs;
     startLookup([path = plan.path] { return openDirectory(path); });

@@ -147,7 +147,7 @@ TEST_F(CliDoctorFiles, MayHaveFewerPermissionsButNotTooFew) {
   ASSERT_EQ(::chmod(file("agent/etc/srpubkey.bin").c_str(), 0400), 0);
   const auto rows = resultsOf(doctor(1), "files");
   ASSERT_THAT(rows, SizeIs(1));
-  EXPECT_EQ(rows[0].at("text"), "etc/srpubkey.bin has the mode 0400; its owner needs 0600");
+  EXPECT_EQ(rows[0].at("text"), "etc/srpubkey.bin has mode 0400; its owner needs 0600");
   EXPECT_EQ(rows[0].at("next"), "run: chmod u+w " + file("agent/etc/srpubkey.bin"));
   doctor(1, {"--fix"});
   EXPECT_EQ(modeOf(file("agent/etc/srpubkey.bin")), 0400U) << "no permission is added";
@@ -155,7 +155,7 @@ TEST_F(CliDoctorFiles, MayHaveFewerPermissionsButNotTooFew) {
 
 TEST_F(CliDoctorFiles, LoseSpecialModeBits) {
   ASSERT_EQ(::chmod(ownList().c_str(), 04640), 0);
-  expectOnly("files", "warning", "etc/SiteList.xml has the mode 4640; it may have at most 0640",
+  expectOnly("files", "warning", "etc/SiteList.xml has mode 4640; it may have at most 0640",
              c_adviceToFix);
   expectMended("files", "the mode of etc/SiteList.xml was 4640 and is 0640 now");
 }

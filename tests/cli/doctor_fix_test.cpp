@@ -81,7 +81,7 @@ TEST_F(CliDoctorFix, RemovesTheFileOfAKilledProcess) {
     if (name != "SiteList.xml") left = name;
   }
   ASSERT_THAT(left, HasSubstr(".sitehlp-"));
-  expectOnly("left-overs", "warning", "etc/" + left + " is left from a process that has ended",
+  expectOnly("left-overs", "warning", "etc/" + left + ": its process has ended",
              "run `sitelist doctor --fix`");
   expectMended("left-overs", "removed etc/" + left);
   EXPECT_THAT(namesIn("agent/etc"), SizeIs(1));

@@ -181,7 +181,7 @@ TEST_F(CliDoctor, FindsAListWithoutVersions) {
   for (const auto& row : resultsOf(doctor(0), "versions")) EXPECT_EQ(row.at("state"), "warning");
   setBothLists(list());
   EXPECT_EQ(resultsOf(doctor(0), "versions")[0].at("text"),
-            "global version \"20260101000000\", local version \"20260102000000\"");
+            "global \"20260101000000\", local \"20260102000000\"");
 }
 
 TEST_F(CliDoctor, FindsAMeshCopyThatDiffers) {

@@ -93,8 +93,18 @@ void addDoctor(Command& app, Context& context) {
                    "print each thing that was mended");
   command.footer(
       "Each line is the result of one check: ok, warning or failure, and what to do\n"
-      "next. Without --fix the command writes nothing. The checks are:\n" +
+      "next. The exit status is 1 if there is a failure. Warnings do not change it.\n"
+      "Without --fix the command writes nothing. The checks are:\n" +
       checkHelp() +
+      "\n"
+      "A lock is a failure if a process holds it for 60 seconds, or for the time of\n"
+      "--wait. Low free space is a warning below 64 MiB. It is a failure if the list\n"
+      "cannot be written. Run the command as the agent's user or as root: other users\n"
+      "may not read all files.\n"
+      "\n"
+      "--fix adds no permission and follows no link of another user. Only root can\n"
+      "change owners. Root gives a file to the agent's user only if its content is the\n"
+      "expected one. The load command is run if the mesh copy was written.\n"
       "\n"
       "Examples:\n"
       "  sitelist doctor\n"

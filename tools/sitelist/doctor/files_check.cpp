@@ -121,7 +121,7 @@ class FileCheck {
     if (excess == 0) return;
     const bool isGrave = m_rule.isSecret || (excess & c_forOthersToWrite) != 0;
     Finding finding{isGrave ? State::Failure : State::Warning,
-                    m_name + " has the mode " + octal(mode) + "; " + reasonOf(excess)};
+                    m_name + " has mode " + octal(mode) + "; " + reasonOf(excess)};
     finding.file = m_path;
     const std::string most = octal(mode & m_rule.most);
     const bool isOwn = isOfUser() || m_status.st_uid == 0;
@@ -149,7 +149,7 @@ class FileCheck {
   void checkLack() {
     const mode_t lack = m_rule.least & ~m_status.st_mode;
     if (lack == 0 || !isOfUser()) return;
-    m_findings.fail(m_name + " has the mode " + octal(m_status.st_mode & c_permissions) +
+    m_findings.fail(m_name + " has mode " + octal(m_status.st_mode & c_permissions) +
                         "; its owner needs " + octal(m_rule.least),
                     "run: chmod u+" + std::string((lack & S_IRUSR) != 0 ? "r" : "") +
                         ((lack & S_IWUSR) != 0 ? "w" : "") + ((lack & S_IXUSR) != 0 ? "x" : "") +

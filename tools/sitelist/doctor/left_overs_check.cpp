@@ -11,7 +11,7 @@ namespace {
 void addLeftOver(const ExaminedAgent& agent, const std::string& directory, const std::string& name,
                  const std::function<int()>& mend, Findings& findings) {
   const std::string path = directory + "/" + name;
-  Finding finding{State::Warning, agent.nameOf(path) + " is left from a process that has ended"};
+  Finding finding{State::Warning, agent.nameOf(path) + ": its process has ended"};
   finding.file = path;
   finding.next = c_runFix;
   if (canActAs(agent.user)) {

@@ -74,7 +74,7 @@ void checkVersions(const ExaminedAgent& agent, Findings& findings) {
   if (list.localVersion.empty()) {
     findings.warn("the list has no local version", import, agent.listPath);
   }
-  findings.okIfNone("global version " + shown(inQuotes(list.globalVersion)) + ", local version " +
+  findings.okIfNone("global " + shown(inQuotes(list.globalVersion)) + ", local " +
                     shown(inQuotes(list.localVersion)));
 }
 

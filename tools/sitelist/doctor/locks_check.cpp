@@ -143,7 +143,7 @@ void checkLocks(const ExaminedAgent& agent, Findings& findings) {
                   "find out whether this process hangs; the lock is free when it has ended",
                   agent.path("locks/" + lock.name() + ".lock"));
   }
-  findings.okIfNone("the agent's user can use both locks, and no process blocks them");
+  findings.okIfNone("both locks can be used and are free");
 }
 
 }  // namespace tool

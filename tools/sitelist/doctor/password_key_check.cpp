@@ -3,6 +3,7 @@
 #include "tools/sitelist/agent/lost_passwords.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/read_error.h"
+#include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/doctor/checks.h"
 
 namespace tool {
@@ -19,6 +20,13 @@ std::string joined(const std::vector<std::string>& sites) {
   }
   if (sites.size() <= c_mostNames) return text;
   return text + " and " + std::to_string(sites.size() - c_mostNames) + " more";
+}
+
+// Returns "REASON" of "Key file PATH: REASON".
+std::string withoutFile(const std::string& reason, const std::string& path) {
+  const std::string mark = shown(path) + ": ";
+  const std::size_t at = reason.find(mark);
+  return at == std::string::npos ? reason : reason.substr(at + mark.size());
 }
 
 }  // namespace
@@ -47,7 +55,8 @@ void checkPasswordKey(const ExaminedAgent& agent, Findings& findings) {
   const bool isUsable = canEncryptWithAgentKey();
   const LoggedReason logged = takeReasonOfKeyFile();
   if (!isUsable || !logged.reason.empty()) {
-    findings.fail("the password key cannot be used: " + logged.reason, c_restore, path);
+    findings.fail("the password key cannot be used: " + withoutFile(logged.reason, path), c_restore,
+                  path);
   } else if (!lost.empty()) {
     findings.fail("the password key does not decrypt the passwords of " + joined(lost), c_restore,
                   path);

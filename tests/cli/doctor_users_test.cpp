@@ -89,6 +89,19 @@ TEST_F(CliDoctorUsers, MayHaveSettingsOfRootThatTheyCanRead) {
   expectKeptFromUser("agent.toml");
 }
 
+TEST_F(CliDoctorUsers, MustBeAbleToCreateLockFiles) {
+  if (!haveTwoUsers()) return;
+  fs::remove(file("agent/locks/SiteListLock.gate"));
+  expectHealthy();
+  fs::remove_all(file("agent/locks"));
+  expectHealthy();
+  ASSERT_EQ(::chmod(file("agent").c_str(), 0555), 0);
+  const auto rows = resultsOf(doctor(1), "locks");
+  ASSERT_THAT(rows, SizeIs(1));
+  EXPECT_EQ(rows[0].at("text"), "the agent's user cannot create the lock files: Permission denied");
+  EXPECT_FALSE(exists(file("agent/locks")));
+}
+
 // The agent's user may have moved a file of root to such a name.
 TEST_F(CliDoctorUsers, DoNotGetOtherFilesOfRoot) {
   if (!haveTwoUsers()) return;

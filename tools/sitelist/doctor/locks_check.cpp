@@ -96,7 +96,6 @@ void checkDirectoryOfLocks(const ExaminedAgent& agent, Findings& findings) {
   struct stat status;
   const bool isThere = host::fileSystem().stat(AT_FDCWD, locks, true, status) == 0;
   const std::string directory = isThere ? locks : agent.settings.dataDirectory;
-  if (!canActAs(agent.user)) return;
   const int error = errorOfUse(agent.user, directory, W_OK | X_OK);
   if (error == 0) return;
   findings.fail("the agent's user cannot create the lock files: " + readFailureReason(error),
@@ -105,15 +104,19 @@ void checkDirectoryOfLocks(const ExaminedAgent& agent, Findings& findings) {
                 directory);
 }
 
-void checkLockFile(const ExaminedAgent& agent, const std::string& name, std::vector<HeldLock>& held,
+// Returns false if the file does not exist.
+bool checkLockFile(const ExaminedAgent& agent, const std::string& name, std::vector<HeldLock>& held,
                    Findings& findings) {
   const std::string path = agent.path("locks/" + name);
   const int fd =
       host::fileSystem().open(AT_FDCWD, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0);
-  if (fd == -ENOENT || fd == -ENOTDIR) return checkDirectoryOfLocks(agent, findings);
-  if (fd == -ELOOP) return;  // the check of the files reports the link
-  if (fd < 0) return addUnchecked(agent, path, -fd, findings);
-  const int error = canActAs(agent.user) ? errorOfUse(agent.user, path, R_OK) : 0;
+  if (fd == -ENOENT || fd == -ENOTDIR) return false;
+  if (fd == -ELOOP) return true;  // the check of the files reports the link
+  if (fd < 0) {
+    addUnchecked(agent, path, -fd, findings);
+    return true;
+  }
+  const int error = errorOfUse(agent.user, path, R_OK);
   if (error != 0) {
     findings.fail(
         "the agent's user cannot use " + agent.nameOf(path) + ": " + readFailureReason(error),
@@ -124,22 +127,27 @@ void checkLockFile(const ExaminedAgent& agent, const std::string& name, std::vec
   } else {
     held.emplace_back(name.substr(0, name.rfind('.')), fd);
   }
+  return true;
 }
 
 }  // namespace
 
 void checkLocks(const ExaminedAgent& agent, Findings& findings) {
+  if (!canActAs(agent.user)) return addUnchecked(agent, agent.path("locks"), EACCES, findings);
   std::vector<HeldLock> held;
+  bool areThere = true;
   for (const char* name : {sitehlp::c_siteListLock, sitehlp::smartSiteListLock}) {
     for (const char* part : {".lock", ".gate"}) {
-      checkLockFile(agent, std::string(name) + part, held, findings);
+      areThere = checkLockFile(agent, std::string(name) + part, held, findings) && areThere;
     }
   }
+  if (!areThere) checkDirectoryOfLocks(agent, findings);
   await(held, agent.lockWait);
   for (const HeldLock& lock : held) {
     const std::string since =
-        agent.lockWait == 0 ? "" : " and has been held for at least " + seconds(agent.lockWait);
-    findings.fail("the lock " + lock.name() + " is held by " + lock.holder() + since,
+        agent.lockWait == 0 ? "is held by "
+                            : "has been held for at least " + seconds(agent.lockWait) + " by ";
+    findings.fail("the lock " + lock.name() + " " + since + lock.holder(),
                   "find out whether this process hangs; the lock is free when it has ended",
                   agent.path("locks/" + lock.name() + ".lock"));
   }

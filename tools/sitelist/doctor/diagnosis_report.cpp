@@ -19,13 +19,13 @@ constexpr std::size_t c_stateColumns = 9;
 constexpr std::size_t c_checkColumns = 14;
 constexpr std::size_t c_indent = c_stateColumns + c_checkColumns;
 
-Style styleOf(const std::string& state) {
+Style stateStyle(const std::string& state) {
   return state == nameOf(State::Ok)        ? Style::Good
          : state == nameOf(State::Warning) ? Style::Changed
                                            : Style::Bad;
 }
 
-std::string padded(const std::string& text, std::size_t columns) {
+std::string gapAfter(const std::string& text, std::size_t columns) {
   return text.size() < columns ? std::string(columns - text.size(), ' ') : "";
 }
 
@@ -34,8 +34,8 @@ void printRow(std::ostream& out, const Screen& screen, const Record& row) {
   const auto text = [&row](const char* name) { return textOf(*find(row, name)); };
   const std::string state = text("state");
   const std::string check = text("check");
-  out << screen.styled(styleOf(state), state) << padded(state, c_stateColumns) << check
-      << padded(check, c_checkColumns) << wrapped(text("text"), c_indent, screen.columns) << '\n';
+  out << screen.styled(stateStyle(state), state) << gapAfter(state, c_stateColumns) << check
+      << gapAfter(check, c_checkColumns) << wrapped(text("text"), c_indent, screen.columns) << '\n';
   if (text("next").empty()) return;
   out << std::string(c_indent, ' ') << wrapped("next: " + text("next"), c_indent, screen.columns)
       << '\n';

@@ -21,8 +21,8 @@ FileRule file(const std::string& name, mode_t most, mode_t least, Expected conte
   return {name, false, false, true, most, least, content};
 }
 
-FileRule secret(const std::string& name, mode_t least, Expected content, bool mayBeLink) {
-  return {name, false, true, mayBeLink, S_IRUSR | S_IWUSR, least, content};
+FileRule secret(const std::string& name, mode_t least, Expected content, bool isLinkAllowed) {
+  return {name, false, true, isLinkAllowed, S_IRUSR | S_IWUSR, least, content};
 }
 
 bool endsWith(const std::string& text, const std::string& end) {

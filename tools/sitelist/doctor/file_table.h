@@ -17,7 +17,7 @@ struct FileRule {
   std::string name;  // relative to the data directory, which has an empty name
   bool isDirectory;
   bool isSecret;  // whether any permission for others is a failure
-  bool mayBeLink;
+  bool isLinkAllowed;
   mode_t most;   // permissions that it may have
   mode_t least;  // permissions that it must have
   Expected content;

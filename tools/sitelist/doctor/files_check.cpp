@@ -57,7 +57,7 @@ class FileCheck {
   bool isOfUser() const { return m_status.st_uid == m_agent.user.id; }
 
   void checkLink() {
-    if (!m_rule.mayBeLink) {
+    if (!m_rule.isLinkAllowed) {
       m_findings.fail(m_name + " is a symbolic link, which is never used in this place",
                       "remove the link", m_path);
     } else if (!isOfUser() && m_status.st_uid != 0) {

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <ostream>
-#include <sstream>
+#include <string>
 
 #include "tools/sitelist/cli/text.h"
+#include "tools/sitelist/cli/wrap.h"
 
 namespace tool {
 namespace {
@@ -12,29 +13,6 @@ namespace {
 constexpr std::size_t c_blockIndent = 5;
 constexpr std::size_t c_labelColumns = 11;
 constexpr std::size_t c_blockColumns = 80;
-
-// Breaks the text into lines after words. The first line begins after `used` columns, and each
-// other line has an indent.
-std::string wrappedAfter(const std::string& text, std::size_t used, std::size_t indent,
-                         std::size_t columns) {
-  std::istringstream words(text);
-  std::string all;
-  std::size_t at = used;
-  bool isFirst = true;
-  for (std::string word; words >> word; isFirst = false) {
-    const std::size_t size = columnsOf(wide(word));
-    if (!isFirst && at + 1 + size > columns) {
-      all += '\n' + std::string(indent, ' ');
-      at = indent;
-    } else if (!isFirst) {
-      all += ' ';
-      ++at;
-    }
-    all += word;
-    at += size;
-  }
-  return all;
-}
 
 class SiteBlock {
  public:
@@ -70,8 +48,7 @@ class SiteBlock {
     std::string start = std::string(c_blockIndent, ' ') + label;
     const std::size_t indent = c_blockIndent + c_labelColumns;
     start.resize(std::max(indent, start.size() + 1), ' ');
-    m_out << start << m_screen.styled(style, wrappedAfter(value, indent, indent, m_columns))
-          << '\n';
+    m_out << start << m_screen.styled(style, wrapped(value, indent, m_columns)) << '\n';
   }
 
   void field(const std::string& label, const char* name) { line(label, text(name)); }
@@ -175,7 +152,7 @@ void printDecision(std::ostream& out, const Screen& screen, const Record& facts)
     style = Style::Good;
   }
   const std::size_t columns = screen.columns == 0 ? c_blockColumns : screen.columns;
-  out << screen.styled(style, wrappedAfter(text, 0, 0, columns)) << '\n';
+  out << screen.styled(style, wrapped(text, 0, columns)) << '\n';
 }
 
 }  // namespace

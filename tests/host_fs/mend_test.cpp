@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <iostream>
 
+#include "host/fs/descriptor.h"
 #include "tests/host_fs/file_fixture.h"
 #include "tests/support/faulty_file_system.h"
 
@@ -64,6 +65,7 @@ TEST_F(Mend, ChangesNothingThatMayNotBeTheAgents) {
   EXPECT_EQ(host::removePermissions(path("link"), 0026, ::geteuid()), ELOOP);
   EXPECT_EQ(host::removePermissions(path("pipe"), 0026, ::geteuid()), EINVAL);
   EXPECT_EQ(host::removePermissions(path("none"), 0026, ::geteuid()), ENOENT);
+  EXPECT_EQ(host::removePermissions(path("none/f"), 0026, ::geteuid()), ENOENT);
   ASSERT_EQ(::link(path("f").c_str(), path("second").c_str()), 0);
   EXPECT_EQ(host::removePermissions(path("f"), 0026, ::geteuid()), EMLINK);
   EXPECT_EQ(modeOf(path("f")), 0666U);
@@ -87,6 +89,9 @@ TEST_F(Mend, GivesAFileOnlyWithTheExpectedContent) {
   EXPECT_EQ(giveFile("large", ""), EFBIG);
   ASSERT_EQ(::symlink("f", path("link").c_str()), 0);
   EXPECT_EQ(giveFile("link", "text"), ELOOP);
+  ASSERT_EQ(::link(path("f").c_str(), path("second").c_str()), 0);
+  EXPECT_EQ(giveFile("f", "text"), EMLINK);
+  ASSERT_EQ(::unlink(path("second").c_str()), 0);
   EXPECT_EQ(ownerOf("f"), 0U);
   EXPECT_EQ(giveFile("f", "text"), 0);
   EXPECT_EQ(ownerOf("f"), c_user);
@@ -109,6 +114,7 @@ TEST_F(Mend, GivesADirectoryOnlyWithTheExpectedNames) {
   ASSERT_EQ(::chmod(path("d").c_str(), 0755), 0);
   EXPECT_EQ(ownerOf("d"), 0U);
   EXPECT_EQ(give({"name"}), 0);
+  EXPECT_EQ(give({}), 0) << "it already belongs to the user";
   EXPECT_EQ(ownerOf("d"), c_user);
   EXPECT_EQ(ownerOf("d/name"), 0U);
 }
@@ -147,6 +153,17 @@ int Mend::failEach(const std::function<int()>& operation) {
   }
 }
 
+TEST_F(Mend, OpensADirectoryForReading) {
+  test::writeFile(path("d/name"), "");
+  const host::Descriptor opened(host::openDirectory(path("d")));
+  ASSERT_EQ(opened.error(), 0);
+  std::vector<std::string> names;
+  EXPECT_EQ(host::fileSystem().list(opened.get(), names), 0);
+  EXPECT_THAT(names, ElementsAre("name"));
+  EXPECT_EQ(host::openDirectory(path("none")), -ENOENT);
+  EXPECT_EQ(host::openDirectory(path("f")), -ENOTDIR);
+}
+
 TEST_F(Mend, ReportsEveryFailingCall) {
   EXPECT_GT(failEach([this] { return host::removePermissions(path("f"), 0, ::geteuid()); }), 3);
   if (!isRoot()) return;
@@ -155,6 +172,13 @@ TEST_F(Mend, ReportsEveryFailingCall) {
     return giveFile("f", "text");
   };
   EXPECT_GT(failEach(give), 4);
+  ASSERT_EQ(::mkdir(path("d").c_str(), 0755), 0);
+  const auto giveDirectory = [this] {
+    EXPECT_EQ(::chown(path("d").c_str(), 0, 0), 0);
+    return host::giveDirectory(path("d"), c_user, c_group,
+                               [](const std::vector<std::string>&) { return true; });
+  };
+  EXPECT_GT(failEach(giveDirectory), 4);
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST_F(CliUsage, TellsTheExitStatusesInOnePlace) {
                 "   0  success\n"
                 "   1  a negative result: lists differ, a list has an error, an edit would add a\n"
                 "      fault, a certificate has expired, expires within the given days or cannot\n"
-                "      be read, or there is nothing to print\n"
+                "      be read, a check of the agent fails, or there is nothing to print\n"
                 "   2  wrong usage, or an unknown field\n"
                 "   3  invalid document or settings file\n"
                 "   4  a file is missing or locked, or cannot be read or written\n"

@@ -49,6 +49,7 @@ Outcome readOne(const ManyLists& many, const RowTarget& target, const GivenList&
     outcome.rows.fail(failure);
   }
   clearLogRecords();
+  takeUnreadPasswords();  // those of a list that failed are not reported
   return outcome;
 }
 

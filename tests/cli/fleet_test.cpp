@@ -63,6 +63,8 @@ TEST_F(CliFleet, ReadsEveryListBelowADirectoryInTheOrderOfPaths) {
   const std::string c = addList("c", text);
   write("fleet/a/Other.xml", text);
   write("fleet/sitelist.xml", text);
+  addList(".snapshot/a", text);
+  addList("a/.sitelist-draft", text);
   const Output output = sitelist({"show", "--format", "jsonl", file("fleet") + "//"});
   EXPECT_EQ(output.status, 0) << output.err;
   EXPECT_THAT(filesOf(output), ElementsAre(a, b, c));

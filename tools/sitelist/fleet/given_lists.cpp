@@ -42,7 +42,8 @@ int readDirectory(const std::string& path, std::vector<GivenList>& lists,
     const dirent* const entry = ::readdir(open.get());  // NOLINT(concurrency-mt-unsafe): own stream
     if (!entry) return errno;
     const std::string name = entry->d_name;
-    if (name == "." || name == "..") continue;
+    // Also skips the temporary directories of other processes of the tool.
+    if (name[0] == '.') continue;
     if (isDirectoryItself(start + name, *entry)) {
       directories.push_back(start + name);
     } else if (name == c_listName) {

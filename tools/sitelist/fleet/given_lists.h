@@ -25,8 +25,9 @@ struct GivenList {
 class GivenLists {
  public:
   // Finds all files "SiteList.xml" in the named directories and below them, in the order of their
-  // paths. Links to directories are not followed there. What cannot be searched becomes a list with
-  // a failure. Reads standard input and pipes. Warns of a directory without a list.
+  // paths. Hidden directories and links to directories are skipped there. What cannot be searched
+  // becomes a list with a failure. Reads standard input and pipes. Warns of a directory without a
+  // list.
   explicit GivenLists(const std::vector<std::string>& arguments);
 
   const std::vector<GivenList>& all() const { return m_lists; }

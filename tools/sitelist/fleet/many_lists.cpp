@@ -39,14 +39,20 @@ Outcome readOne(const ManyLists& many, const RowTarget& target, const GivenList&
       ListRows(many.layout, target, reportedName(list.path), wide(reportedName(shortName(list)))),
       exitSuccess,
       {}};
+  const auto fail = [&outcome](const Failure& failure) {
+    outcome.status = failure.status();
+    outcome.rows.fail(failure);
+  };
+  if (list.failure && !many.takesErrors) {
+    fail(*list.failure);
+    return outcome;
+  }
   clearLogRecords();
   try {
-    if (list.failure && !many.takesErrors) throw *list.failure;
     outcome.status = many.read(list, outcome.rows);
     keepErrors(logRecords(), outcome.errors);
   } catch (const Failure& failure) {
-    outcome.status = failure.status();
-    outcome.rows.fail(failure);
+    fail(failure);
   }
   clearLogRecords();
   takeUnreadPasswords();  // those of a list that failed are not reported

@@ -14,7 +14,7 @@ struct Reply;
 class Response {
  public:
   // The most bytes of one response. The rest is not received.
-  static constexpr std::int64_t c_mostBytes = 64 * 1024;
+  static constexpr std::int64_t c_mostBytes = std::int64_t{64} * 1024;
 
   explicit Response(bool isFtp) : m_isFtp(isFtp) {}
 

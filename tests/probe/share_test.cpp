@@ -10,7 +10,8 @@
 #include <sys/ioctl.h>
 #endif
 
-// A file share. Its port is fixed, so the test needs a network of its own.
+// A file share. Its port is fixed, so the test needs a network of its own. Names need one as well,
+// because the answer of a name server would depend on the machine.
 namespace test {
 namespace {
 
@@ -79,6 +80,24 @@ TEST_F(ProbeShare, AnOpenPortIsOkAndAClosedOneFails) {
   EXPECT_EQ(report.rows[0]["state"], "ok");
   EXPECT_EQ(report.rows[0]["answer"], "port 445 is open");
   EXPECT_THAT(report.rows[0]["note"], HasSubstr("the share was not opened"));
+}
+
+TEST_F(ProbeShare, ANameThatCannotBeResolvedFails) {
+  Entry made = share();
+  made.server = "nowhere.invalid";
+  const std::string path = list(text(made));
+  const int status = inOwnNetwork([&] {
+    return sitelist({"probe", "--json", "--file", path}).status;
+  });
+  if (status == -1) {
+    std::cout << "Not tried: this user cannot have a network of its own.\n";
+    return;
+  }
+  EXPECT_EQ(status, 1);
+  JsonReport report = readReport(readFile(file("stdout")));
+  ASSERT_EQ(report.rows.size(), 1U);
+  EXPECT_EQ(report.rows[0]["state"], "failed");
+  EXPECT_THAT(report.rows[0]["error"], HasSubstr("the name of the server cannot be resolved: "));
 }
 
 // The list has a proxy, but a file share is not reached through it.

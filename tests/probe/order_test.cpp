@@ -123,6 +123,12 @@ TEST_F(ProbeOrder, AnUnknownSiteIsNotFound) {
   EXPECT_THAT(said.err, HasSubstr("no site matches \"Depto\"; did you mean Depot?"));
 }
 
+TEST_F(ProbeOrder, TheCompletionOffersTheSitesOfTheList) {
+  const std::string path = list(text(directory("Depot", "1")) + text(directory("Spare", "2")));
+  const Output said = bare({"__complete", "--", "probe", "--file", path, "Depot", ""});
+  EXPECT_EQ(said.out, "Depot\nSpare\n:nothing\n");
+}
+
 TEST_F(ProbeOrder, LimitsAreChecked) {
   const std::string path = list(text(directory("Depot", "1")));
   for (const char* option : {"--timeout", "--jobs"}) {

@@ -24,8 +24,7 @@ namespace {
 int runProbe(Context& context, const ProbeOptions&) {
   const std::string own = host::ownProgram();
   if (own.empty()) failToStart("sitelist-probe", errno);
-  const std::string program =
-      own.substr(0, own.rfind('/') + 1) + SITELIST_PROBE_FROM_OWN_DIRECTORY;
+  const std::string program = own.substr(0, own.rfind('/') + 1) + SITELIST_PROBE_FROM_OWN_DIRECTORY;
   std::vector<std::string> words = context.arguments;
   words.insert(words.begin(), "sitelist");
   std::vector<char*> argv;

@@ -39,13 +39,13 @@ std::string loginResult(bool isGiven, bool isRefused, bool wasChallenged, bool i
   return wasChallenged ? "accepted" : "not-asked";
 }
 
-void failSite(Outcome& outcome, const std::string& error, const std::string& next) {
+void failSite(ProbeOutcome& outcome, const std::string& error, const std::string& next) {
   outcome.state = ProbeState::Failed;
   outcome.error = error;
   outcome.next = next;
 }
 
-void failLogin(Outcome& outcome, const std::string& whom, const std::string& result,
+void failLogin(ProbeOutcome& outcome, const std::string& whom, const std::string& result,
                const std::string& next) {
   if (result == "unsupported") {
     failSite(outcome,
@@ -60,7 +60,7 @@ void failLogin(Outcome& outcome, const std::string& whom, const std::string& res
   }
 }
 
-void takeStatus(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
+void takeStatus(const SitePlan& plan, const Reply& reply, ProbeOutcome& outcome) {
   // The request to a proxy for FTP has the login, because the proxy logs in.
   const bool isFtp = plan.method == Method::Ftp;
   outcome.login = loginResult(plan.login.user != nullptr, reply.status == c_statusUnauthorized,
@@ -96,7 +96,7 @@ void takeStatus(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
   }
 }
 
-void takeFtp(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
+void takeFtp(const SitePlan& plan, const Reply& reply, ProbeOutcome& outcome) {
   const bool isGiven = plan.login.user != nullptr;
   if (reply.isLoggedIn) outcome.login = isGiven ? "accepted" : "anonymous";
   if (reply.isLoginDenied) outcome.login = isGiven ? "refused" : "required";
@@ -112,7 +112,7 @@ bool isProxyLoginRefused(const Reply& reply) {
   return reply.status == c_statusProxyUnauthorized || isUnclear(reply);
 }
 
-void takeAnswer(const SitePlan& plan, const Reply& reply, Outcome& outcome) {
+void takeAnswer(const SitePlan& plan, const Reply& reply, ProbeOutcome& outcome) {
   if (!reply.answer.empty()) outcome.answer = withoutLogin(plan, reply.answer);
   if (!reply.redirect.empty()) outcome.redirect = withoutLogin(plan, reply.redirect);
   if (plan.proxy && reply.status != 0) {

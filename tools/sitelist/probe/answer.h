@@ -10,7 +10,7 @@ namespace tool {
 bool isProxyLoginRefused(const Reply& reply);
 
 // Stores in the outcome what the reply of a site on its port means for the agent.
-void takeAnswer(const SitePlan& plan, const Reply& reply, Outcome& outcome);
+void takeAnswer(const SitePlan& plan, const Reply& reply, ProbeOutcome& outcome);
 
 }  // namespace tool
 

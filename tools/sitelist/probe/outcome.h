@@ -30,7 +30,7 @@ struct SecureOutcome {
 
 // What happened with one site. Texts may come from the network. They are valid UTF-8 of limited
 // length, and the code that prints them must make them printable. An empty text means none.
-struct Outcome {
+struct ProbeOutcome {
   ProbeState state = ProbeState::NotTried;
   std::vector<std::string> addresses;  // of the host, or of its proxy
   std::optional<std::int64_t> milliseconds;

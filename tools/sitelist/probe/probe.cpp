@@ -35,7 +35,7 @@ class Probe {
   Probe(const Probe&) = delete;
   Probe& operator=(const Probe&) = delete;
 
-  std::vector<Outcome> run();
+  std::vector<ProbeOutcome> run();
 
  private:
   struct Active {
@@ -57,7 +57,7 @@ class Probe {
   const std::string m_user = effectiveUser();
   const std::shared_ptr<CURLM> m_multi{curl_multi_init(), curl_multi_cleanup};
   std::vector<Active> m_active;
-  std::vector<Outcome> m_outcomes;
+  std::vector<ProbeOutcome> m_outcomes;
   std::size_t m_next = 0;
   std::size_t m_done = 0;
 };
@@ -119,7 +119,7 @@ void Probe::wait() const {
   checkMulti(curl_multi_poll(m_multi.get(), nullptr, 0, static_cast<int>(time.count()), nullptr));
 }
 
-std::vector<Outcome> Probe::run() {
+std::vector<ProbeOutcome> Probe::run() {
   m_outcomes.resize(m_plans.size());
   for (startNext(); !m_active.empty(); startNext()) {
     int running = 0;
@@ -142,10 +142,10 @@ std::vector<Outcome> Probe::run() {
 
 }  // namespace
 
-std::vector<Outcome> probeSites(const std::vector<SitePlan>& plans,
-                                const std::vector<std::wstring>& certificates,
-                                const ProbeLimits& limits,
-                                const std::function<void(std::size_t)>& onDone) {
+std::vector<ProbeOutcome> probeSites(const std::vector<SitePlan>& plans,
+                                     const std::vector<std::wstring>& certificates,
+                                     const ProbeLimits& limits,
+                                     const std::function<void(std::size_t)>& onDone) {
   openCurlSession();
   return Probe(plans, certificates, limits, onDone).run();
 }

@@ -20,10 +20,10 @@ struct ProbeLimits {
 // Probes the sites and returns an outcome for each, in the same order. `certificates` are those of
 // the list. `onDone` is called after each site with the number of sites that are done. Uses the
 // network, and may be called once in a process.
-std::vector<Outcome> probeSites(const std::vector<SitePlan>& plans,
-                                const std::vector<std::wstring>& certificates,
-                                const ProbeLimits& limits,
-                                const std::function<void(std::size_t)>& onDone);
+std::vector<ProbeOutcome> probeSites(const std::vector<SitePlan>& plans,
+                                     const std::vector<std::wstring>& certificates,
+                                     const ProbeLimits& limits,
+                                     const std::function<void(std::size_t)>& onDone);
 
 }  // namespace tool
 

@@ -19,7 +19,7 @@ Texts joinedTexts(const std::vector<std::string>& each) {
   return texts;
 }
 
-void addSecure(Record& row, const SitePlan& plan, const Outcome& outcome) {
+void addSecure(Record& row, const SitePlan& plan, const ProbeOutcome& outcome) {
   const SecureOutcome secure = outcome.secure.value_or(SecureOutcome());
   row.emplace_back("securePort",
                    plan.securePort == 0 ? Scalar() : Scalar(std::int64_t{plan.securePort}));
@@ -38,7 +38,7 @@ void addSecure(Record& row, const SitePlan& plan, const Outcome& outcome) {
 
 Record probeRow(const ProbedSite& each) {
   const sitehlp::tag_Site& site = *each.place.site;
-  const Outcome& outcome = *each.outcome;
+  const ProbeOutcome& outcome = *each.outcome;
   const int place = each.place.number;
   Record row = {{"place", place == 0 ? Scalar() : Scalar(std::int64_t{place})},
                 {"tried", place != 0},

@@ -15,7 +15,7 @@ namespace tool {
 struct ProbedSite {
   SearchPlace place;
   const SitePlan* plan = nullptr;
-  const Outcome* outcome = nullptr;
+  const ProbeOutcome* outcome = nullptr;
 };
 
 // Returns the result of the command. `sites` are all sites of the list as searchOrder() returns

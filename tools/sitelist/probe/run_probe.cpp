@@ -109,7 +109,7 @@ int runProbe(Context& context, const ProbeOptions& options) {
     plans.push_back(planFor(*places[i].site, proxy, read.lost));
     planned.push_back(i);
   }
-  std::vector<Outcome> outcomes;
+  std::vector<ProbeOutcome> outcomes;
   if (!plans.empty()) {
     Progress progress(wantsProgress(context), plans.size(), plans.size() == 1 ? "site" : "sites");
     outcomes = probeSites(plans, read.list.certificates, limits,

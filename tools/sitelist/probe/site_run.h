@@ -26,7 +26,7 @@ class SiteRun {
           std::chrono::milliseconds time, std::function<void()> wakeUp);
 
   bool isDone() const { return !m_transfer && !m_lookup; }
-  const Outcome& outcome() const { return m_outcome; }
+  const ProbeOutcome& outcome() const { return m_outcome; }
   // Returns the transfer that the owner has to carry out, or null.
   Transfer* transfer() const { return m_transfer.get(); }
   // The end of the time for all steps.
@@ -53,7 +53,7 @@ class SiteRun {
   const TrustedRoots& m_roots;
   Clock::time_point m_deadline;
   std::function<void()> m_wakeUp;
-  Outcome m_outcome;
+  ProbeOutcome m_outcome;
   std::optional<Background<Lookup>> m_lookup;
   std::unique_ptr<Transfer> m_transfer;
   std::size_t m_proxyLogin = 0;  // index of the login that is used

@@ -124,6 +124,22 @@ TEST_F(ProbeHttp, APasswordThatCannotBeDecryptedIsNotTried) {
   EXPECT_EQ(web.accesses(), "");
 }
 
+TEST_F(ProbeHttp, APasswordThatCannotBeDecryptedStopsOnlyItsOwnSite) {
+  Entry nameless = withLogin("Basic");
+  nameless.name.clear();
+  std::string lost = text(nameless);
+  lost.replace(lost.find("Encrypted=\"1\">") + 14, 6, "AQAAAA");
+  // The name of this site is the text that stands for a site without a name.
+  Entry other = entry("Current");
+  other.name = "HttpSite";
+  JsonReport report = probe(list(lost + text(other)));
+  ASSERT_EQ(report.rows.size(), 2U);
+  EXPECT_EQ(report.rows[0]["state"], "not-tried") << output.out;
+  EXPECT_EQ(report.rows[0]["error"], "the password of the site cannot be decrypted");
+  EXPECT_EQ(report.rows[1]["state"], "ok") << output.out;
+  EXPECT_EQ(web.accesses().find("Basic"), std::string::npos);
+}
+
 TEST_F(ProbeHttp, TheIpv6LoopbackAddressIsReached) {
   if (web.port6() == 0) {
     std::cout << "Not tried: this machine has no IPv6 loopback address.\n";

@@ -84,19 +84,33 @@ std::string siteName(const Element& site) {
   return "site \"" + shown(name.empty() ? site.GetName() : name) + "\"";
 }
 
+using TakeSite = std::function<void(const Element& site, std::size_t place)>;
+
+void eachSite(const Document& document, const IsWanted& isWanted, const TakeSite& take) {
+  std::size_t place = 0;
+  for (const Element& site : document.GetRoot().GetElement(schema::WX_XML_SITELIST).Elements()) {
+    if (holdsPassword(site, isWanted)) take(site, place);
+    ++place;
+  }
+}
+
+std::unique_ptr<Document> documentAt(const std::string& path) {
+  std::wstring text;
+  std::unique_ptr<Document> document;
+  if (readDocument(path, text, document)) return nullptr;
+  return document;
+}
+
 std::vector<std::string> findSites(const Document& document, const IsWanted& isWanted) {
   std::vector<std::string> names;
-  for (const Element& site : document.GetRoot().GetElement(schema::WX_XML_SITELIST).Elements()) {
-    if (holdsPassword(site, isWanted)) names.push_back(siteName(site));
-  }
+  eachSite(document, isWanted,
+           [&](const Element& site, std::size_t) { names.push_back(siteName(site)); });
   return names;
 }
 
 std::vector<std::string> findSites(const std::string& path, const IsWanted& isWanted) {
-  std::wstring text;
-  std::unique_ptr<Document> document;
-  if (readDocument(path, text, document)) return {};
-  return findSites(*document, isWanted);
+  const std::unique_ptr<Document> document = documentAt(path);
+  return document ? findSites(*document, isWanted) : std::vector<std::string>();
 }
 
 bool isLost(const Element& /*password*/, const std::wstring& text) {
@@ -144,6 +158,14 @@ std::vector<std::string> sitesWithLostPasswords(const std::string& path) {
 
 std::vector<std::string> sitesWithLostPasswords(const Document& document) {
   return findSites(document, isLost);
+}
+
+std::set<std::size_t> placesOfLostPasswords(const std::string& path) {
+  std::set<std::size_t> places;
+  const std::unique_ptr<Document> document = documentAt(path);
+  if (!document) return places;
+  eachSite(*document, isLost, [&](const Element&, std::size_t place) { places.insert(place); });
+  return places;
 }
 
 std::vector<std::string> sitesWithNewLostPasswords(const std::string& path,

@@ -1,6 +1,8 @@
 #ifndef TOOLS_SITELIST_AGENT_LOST_PASSWORDS_H
 #define TOOLS_SITELIST_AGENT_LOST_PASSWORDS_H
 
+#include <cstddef>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,10 @@ bool canEncryptWithAgentKey();
 // such a password as empty.
 std::vector<std::string> sitesWithLostPasswords(const std::string& path);
 std::vector<std::string> sitesWithLostPasswords(const AdvXMLParser::Document& document);
-// The same, without the passwords whose encrypted text is also in `before`.
+// The places of these sites among the elements of the list, from 0. The records of the list are in
+// the same order.
+std::set<std::size_t> placesOfLostPasswords(const std::string& path);
+// The same as sitesWithLostPasswords, without the passwords whose encrypted text is also in `before`.
 std::vector<std::string> sitesWithNewLostPasswords(const std::string& path,
                                                    const std::string& before);
 // Passwords of a server list that cannot be decrypted with the keys of the current agent.

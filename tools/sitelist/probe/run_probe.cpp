@@ -26,7 +26,11 @@ struct ListToProbe {
 ListToProbe readListToProbe(Context& context, const std::string& file) {
   const AgentForReading agent(context, file);
   ListToProbe read = {readWholeSiteList(agent.path()), {}};
-  for (const std::string& site : sitesWithLostPasswords(agent.path())) read.lost.insert(site);
+  const std::set<std::size_t> places = placesOfLostPasswords(agent.path());
+  std::size_t place = 0;
+  for (const auto* site = read.list.sites.get(); site; site = site->pNext) {
+    if (places.count(place++) != 0) read.lost.insert(site);
+  }
   warnOfUnreadPasswords(agent.path(), file.empty());
   return read;
 }

@@ -139,13 +139,18 @@ void fillProxy(SitePlan& plan, const ProxyChoice& choice) {
       logins.end());
 }
 
-void checkProxy(SitePlan& plan, const LostPasswords& lost) {
+bool hasLostPassword(const sitehlp::tag_ProxySite* settings, const LostPasswords& lost) {
+  return std::any_of(lost.begin(), lost.end(),
+                     [settings](const tag_Site* site) { return &site->proxy == settings; });
+}
+
+void checkProxy(SitePlan& plan, bool isPasswordLost) {
   const Endpoint& proxy = *plan.proxy;
   if (!isHostOrAddress(proxy.host) || proxy.port < 1 || proxy.port > c_maxPort) {
     setObstacle(plan, "the proxy \"" + textOf(proxy) + "\" is not a host with a port",
                 "correct the proxy settings with `sitelist edit set`");
   }
-  if (!plan.proxyLogins.empty() && lost.count("the proxy settings") != 0) {
+  if (!plan.proxyLogins.empty() && isPasswordLost) {
     setObstacle(plan, "a password of the proxy settings cannot be decrypted",
                 "restore the agent's password key, or set the password again");
   }
@@ -167,8 +172,7 @@ void checkServer(SitePlan& plan, const LostPasswords& lost) {
     setObstacle(plan, "a port of the site is not a number from 1 to 65535",
                 "correct the port with `sitelist edit set`");
   }
-  const std::string name = "site \"" + shown(std::wstring(nameOf(*plan.site))) + "\"";
-  if (plan.login.user && lost.count(name) != 0) {
+  if (plan.login.user && lost.count(plan.site) != 0) {
     setObstacle(plan, "the password of the site cannot be decrypted",
                 "restore the agent's password key, or set the password again");
   }
@@ -224,7 +228,7 @@ SitePlan planFor(const tag_Site& site, const ProxyChoice& proxy, const LostPassw
                 "name the proxies in the list, or try the site on the endpoint in another way");
   } else if (!route.isDirect) {
     fillProxy(plan, proxy);
-    checkProxy(plan, lost);
+    checkProxy(plan, hasLostPassword(proxy.settings(), lost));
   }
   checkServer(plan, lost);
   return plan;

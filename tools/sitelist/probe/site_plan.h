@@ -47,8 +47,8 @@ struct SitePlan {
   std::vector<Login> proxyLogins;  // the second user is used if the proxy refuses the first
 };
 
-// The sites whose passwords cannot be decrypted, as sitesWithLostPasswords() returns them.
-using LostPasswords = std::set<std::string>;
+// The records of the list with a password that cannot be decrypted.
+using LostPasswords = std::set<const sitehlp::tag_Site*>;
 
 // Returns the plan for a site of the list whose proxy settings are `proxy`.
 SitePlan planFor(const sitehlp::tag_Site& site, const ProxyChoice& proxy,

@@ -69,7 +69,8 @@ int giveFile(const std::string& path, uid_t owner, gid_t group, std::size_t limi
   return isGiven ? give(opened, owner, group) : EPERM;
 }
 
-// Nobody can move a directory to another parent without write permission for it.
+// Moving a directory to another parent needs write permission for the directory itself, so no other
+// user can have moved it here.
 int giveDirectory(const std::string& path, uid_t owner, gid_t group,
                   const std::function<bool(const std::vector<std::string>&)>& isExpected) {
   Opened opened;

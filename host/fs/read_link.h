@@ -7,7 +7,8 @@
 
 namespace host {
 
-// The call FileSystem::readLink of the system's own file system.
+// Implements FileSystem::readLink. `link` and `target` are of the same link, even if another
+// process replaces it.
 int readOneLink(int directory, const char* path, std::string& target, struct stat& link);
 
 }  // namespace host

@@ -143,8 +143,8 @@ TEST_F(CliDoctorUsers, DoNotGetAFileOfRootThroughALinkToItsDirectory) {
   EXPECT_EQ(info.st_uid, 0U);
 }
 
-// Each file and directory of the agent in turn is a link of the agent's user to a copy that belongs
-// to root and has a fault of every kind.
+// Replaces each file and directory in turn with a link of the agent's user. The target belongs to
+// root and has every kind of fault.
 TEST_F(CliDoctorUsers, MisleadRootWithNoLink) {
   if (!haveTwoUsers()) return;
   write("agent/etc/history/1-20260101T000000Z-import.xml", readFile(ownList()));

@@ -22,7 +22,7 @@ class NameForms : public test::FileTest {
                    std::char_traits<char>::length(text));
   }
 
-  // They are one file exactly if a write to one replaces the other.
+  // They are one file if and only if a write to one replaces the other.
   void check(const char* firstName, const char* secondName) {
     const AString first = full(firstName);
     const AString second = full(secondName);

@@ -4,7 +4,7 @@
 
 namespace test {
 
-// The web server of a test has another user when the test runs as root.
+// The web server runs as another user when the test runs as root.
 ProbeTest::ProbeTest() {
   ::chmod(file("").c_str(), 0755);
   initAgent();

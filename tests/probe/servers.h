@@ -7,7 +7,7 @@
 #include "tests/probe/certificates.h"
 #include "tests/probe/server_process.h"
 
-// Real servers on the loopback address, without their files outside the directory of a test.
+// Real servers on the loopback address. All their files are in the directory of the test.
 namespace test {
 
 // The login of servers and the login of proxies. No output may have these texts.

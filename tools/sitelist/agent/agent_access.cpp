@@ -50,7 +50,7 @@ std::string ownListPath(const Context& context) {
 
 bool isOwnList(const Context& context, const std::string& file) {
   if (file.empty()) return true;
-  // Two canonical paths can lead to one file: after a mount, or in another case.
+  // One file can have two canonical paths, for example through a mount or in another case.
   bool isOne = false;
   if (host::wouldReplace(file, ownListPath(context), isOne) == 0 && isOne) return true;
   std::error_code error;

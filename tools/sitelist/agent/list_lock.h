@@ -15,7 +15,7 @@
 namespace tool {
 
 // How a command uses a list: it reads it, reads it through the cached list, changes it, or mends
-// files beside it. To mend takes the same lock as a change, but keeps no list in the history.
+// files beside it. Mending takes the lock of a change, but puts no list into the history.
 enum class ListUse { Read, ReadCached, Change, Mend };
 
 // Holds the lock of a list from the first read of a command to its last write. The operations of

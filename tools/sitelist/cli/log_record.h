@@ -23,8 +23,8 @@ void recordLog(bool verbose);
 const std::vector<LogRecord>& logRecords();
 void clearLogRecords();
 
-// Adds errors of `logged` to `kept`, for example those of another thread. Omits the errors of the
-// library's class, those that `kept` has already, and more than a few.
+// Adds errors of `logged` to `kept`, for example those of another thread. Omits errors that the
+// library logged, and errors that `kept` has already. Keeps a limited number of errors.
 void keepErrors(const std::vector<LogRecord>& logged, std::vector<LogRecord>& kept);
 // Replaces the records of this thread.
 void setLogRecords(std::vector<LogRecord> kept);

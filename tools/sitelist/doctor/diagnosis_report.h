@@ -19,7 +19,7 @@ Report reportOf(const Context& context, const std::vector<CheckResult>& results,
 
 bool hasFailure(const std::vector<CheckResult>& results);
 
-// Returns what was mended without the faults that a later diagnosis still has.
+// Removes from `mended` the faults that a later diagnosis still finds, and returns the rest.
 Mended withoutRemaining(Mended mended, const std::vector<CheckResult>& results);
 
 }  // namespace tool

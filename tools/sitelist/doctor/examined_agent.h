@@ -38,8 +38,8 @@ struct ExaminedAgent {
   bool isUnreadable() const;
 };
 
-// Reads the files of the agent of the command line and makes it the detached current agent. Fails
-// when its data directory does not exist.
+// Reads the files of the agent of the command line. Makes this agent the current agent, detached
+// (host/detached_agent.h). Fails if its data directory does not exist.
 ExaminedAgent examineAgent(const Context& context, unsigned int lockWait);
 
 }  // namespace tool

@@ -12,7 +12,7 @@
 namespace tool {
 
 // Returns whether root may give such a file to the agent's user at all. The user may have moved a
-// secret file of root to the place of the agent's file, so its content must show what it is.
+// secret file of root there. The content must therefore prove what the file is.
 bool canBeGiven(const FileRule& rule);
 
 // Gives a file or directory of root to the agent's user and group, if its content is the expected

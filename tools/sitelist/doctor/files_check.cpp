@@ -67,7 +67,7 @@ class FileCheck {
     }
   }
 
-  // A file with other names may be a file that is not the agent's.
+  // A file with several hard links may also belong to something else.
   bool hasOneName() const { return m_rule.isDirectory || m_status.st_nlink == 1; }
 
   void checkOwner() {
@@ -90,7 +90,7 @@ class FileCheck {
     m_findings.add(finding);
   }
 
-  // The group matters only if the mode gives it more than everybody.
+  // The group matters only if the mode gives it permissions that other users do not have.
   void checkGroup() {
     const mode_t ofGroup = (m_status.st_mode & S_IRWXG) >> 3;
     const mode_t ofOthers = m_status.st_mode & S_IRWXO;

@@ -21,7 +21,7 @@ struct Finding {
   std::function<int()> mend =
       {};                   // mends the fault; returns 0 or an errno; empty if it is not safe
   std::string mended = {};  // what mend has done
-  bool isLast = false;      // mend releases the locks
+  bool isLast = false;      // must be mended after all others, because it releases the locks
 };
 
 // The results of one check.

@@ -12,10 +12,10 @@ namespace tool {
 namespace {
 
 constexpr unsigned long long c_megabyte = 1ULL << 20;
-// A change writes the new list, the mesh copy, and the old list into the history, once pending and
-// once complete.
+// A change writes four copies: the list, the mesh copy, and the old list twice (pending and
+// complete).
 constexpr unsigned long long c_copies = 4;
-// For key files, directories and blocks that are not full.
+// The reserve for key files, directories and partly filled blocks.
 constexpr unsigned long long c_besides = c_megabyte;
 constexpr unsigned long long c_leastFiles = 16;
 

@@ -43,7 +43,7 @@ void requireOneSet(const ExaminedAgent& agent, Findings& findings) {
                 c_importAgain, agent.path("etc"));
 }
 
-// A set with one file is not used, and may be the rest of an older server.
+// A set with only one file is not used. It may be left from an older server.
 void reportHalfSets(const ExaminedAgent& agent, Findings& findings) {
   for (const KeySet& set : c_sets) {
     const bool hasPublic = isUsable(agent, set.publicKey);

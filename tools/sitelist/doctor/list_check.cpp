@@ -19,7 +19,7 @@ bool isGrave(const ExaminedAgent& agent, const Fault& fault) {
   return fault.rule->severity == Severity::Error && (agent.settings.managed || !isEmptiness);
 }
 
-// Reports all faults of one severity by the first one and their number.
+// Reports the faults of one severity as one result: the first fault and the number of the others.
 void addFaults(const ExaminedAgent& agent, const std::vector<const Fault*>& faults, State state,
                Findings& findings) {
   if (faults.empty()) return;

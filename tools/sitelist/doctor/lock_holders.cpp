@@ -22,7 +22,7 @@ std::string placeOf(const struct stat& file) {
   return device + std::to_string(file.st_ino);
 }
 
-// On some file systems the table has another device than stat.
+// On some file systems, the device number in the table differs from that of stat.
 bool isSameInode(const std::string& place, const struct stat& file) {
   return place.substr(place.rfind(':') + 1) == std::to_string(file.st_ino);
 }

@@ -73,7 +73,8 @@ class HeldLock {
 
 std::string seconds(unsigned int wait) { return std::to_string(wait / 1000) + " s"; }
 
-// Waits until all locks are free, or until the time has run out. Keeps those that are held then.
+// Waits until all locks are free or the time has run out. Leaves the locks in `locks` that are
+// still held.
 void await(std::vector<HeldLock>& locks, unsigned int wait) {
   const Clock::time_point start = Clock::now();
   bool isSaid = milliseconds(wait) <= c_waitWithoutMessage;

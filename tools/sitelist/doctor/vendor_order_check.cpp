@@ -6,7 +6,8 @@
 
 namespace tool {
 
-// An import swaps the orders of these two sites. The check finds out whether it would.
+// If the vendor repository over FTP comes before the one over HTTP, an import swaps their orders.
+// The check makes this change on a copy.
 void checkVendorOrder(const ExaminedAgent& agent, Findings& findings) {
   if (!requireList(agent, findings)) return;
   const SiteList copy = readSiteList(agent.listPath);

@@ -15,7 +15,7 @@ namespace tool {
 struct AlikeLists {
   std::size_t first = 0;  // the index of the first one
   std::size_t count = 0;
-  std::size_t differences = 0;  // from the most frequent lists
+  std::size_t differences = 0;  // from the lists of the largest group
 };
 
 // Finds out which lists are alike. Keeps a few bytes for each list.
@@ -23,7 +23,8 @@ class AlikeGroups {
  public:
   void add(std::size_t index, const std::string& digest);
 
-  // Returns the most frequent lists, or null without a list. Of several, the first ones.
+  // Returns the largest group of lists that are alike, or null if there is no list. If several
+  // groups are equally large, returns the first.
   const AlikeLists* mostFrequent() const;
   std::vector<AlikeLists>& groups() { return m_groups; }
   // Returns the indices of the lists with the most differences, at most `most` of them.

@@ -12,16 +12,16 @@
 
 namespace tool {
 
-// The counts of a fleet: how many lists have each version, management server, fault and month in
-// which a certificate expires.
+// The counts of a fleet: the number of lists for each version, management server, fault, and month
+// of expiry of a certificate.
 class FleetCounts {
  public:
   void add(const ListSummary& list);
 
   std::size_t lists() const { return m_lists; }
   std::size_t failed() const { return m_failed; }
-  // Returns a group of rows for each kind of count. Frequent values come first, but months are in
-  // their order.
+  // Returns a group of rows for each kind of count. Frequent values come first. Months are in
+  // chronological order.
   std::vector<RowGroup> groups() const;
 
  private:

@@ -18,16 +18,16 @@ struct GivenList {
   bool isFound = false;            // found in a directory
   bool isStream = false;           // standard input or a pipe
   int error = 0;                   // errno of a stream or directory that cannot be read
-  std::optional<Failure> failure;  // the same as a failure
+  std::optional<Failure> failure;  // the failure to report for `error`
 };
 
 // The lists that the command line names: files, and directories with lists.
 class GivenLists {
  public:
   // Finds all files "SiteList.xml" in the named directories and below them, in the order of their
-  // paths. Hidden directories and links to directories are skipped there. What cannot be searched
-  // becomes a list with a failure. Reads standard input and pipes. Warns of a directory without a
-  // list.
+  // paths. Hidden directories and links to directories are skipped there. A directory that cannot
+  // be read becomes an entry with a failure. Reads standard input and pipes. Warns of a directory
+  // without a list.
   explicit GivenLists(const std::vector<std::string>& arguments);
 
   const std::vector<GivenList>& all() const { return m_lists; }

@@ -19,7 +19,7 @@ class ListPrinter {
   bool print(ListRows& rows);
   // Prints what is left.
   void flush();
-  // Describes the rows in `report`.
+  // Describes the rows in `report`, and passes the spool on to it.
   void describe(Report& report) const;
 
  private:

@@ -47,7 +47,7 @@ class ListRows {
   void add(const Record& row, const std::string& line);
   // Adds a line in the table format only. It is printable.
   void addLine(const std::string& line);
-  // Removes all rows and adds the one of a list that failed.
+  // Replaces all rows with one row that has the failure.
   void fail(const Failure& failure);
   // Makes the list count as one that could not be read, although it has rows.
   void countAsFailed() { m_hasFailed = true; }

@@ -45,8 +45,8 @@ struct ManyLists {
   // Adds the rows of one list and returns the exit status for it. Fails if the list cannot be read.
   // Any thread calls it.
   std::function<int(const GivenList& list, ListRows& rows)> read;
-  // Whether `read` gets a stream or directory that cannot be read. Otherwise it fails without
-  // `read`.
+  // Whether `read` is also called for a stream or directory that cannot be read. If not, a row
+  // with the error is added.
   bool takesErrors = false;
   // The exit status is 1 if there is no row at all.
   bool needsRow = false;
@@ -61,8 +61,8 @@ struct ManyLists {
 };
 
 // Reads the lists in several threads and prints their rows in the order of the lists. A list that
-// fails is a row with its error. Sets the report of the context. Returns the highest exit status of
-// all lists.
+// cannot be read gives a row with the error. Sets the report of the context. Returns the highest
+// exit status of all lists.
 int readManyLists(Context& context, const ListArguments& arguments, const ManyLists& many);
 
 }  // namespace tool

@@ -44,7 +44,7 @@ std::wstring cellOf(const Record& row, const char* name) {
   return wide(textOf(value));
 }
 
-// The numbers in the first column end at the same place.
+// The numbers in the first column are right-aligned.
 std::wstring aligned(const std::wstring& number, std::size_t width) {
   return std::wstring(width - std::min(width, number.size()), L' ') + number;
 }

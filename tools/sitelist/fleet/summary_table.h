@@ -9,7 +9,7 @@
 
 namespace tool {
 
-// Prints a summary on one screen, with at most a few rows of each group but the last one.
+// Prints a summary that fits on one screen: a few rows of each group, and more of the last one.
 void printSummary(std::ostream& out, const Screen& screen, const Record& facts,
                   const std::vector<RowGroup>& groups);
 

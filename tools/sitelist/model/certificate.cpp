@@ -86,8 +86,8 @@ Certificate describeCertificate(const x509_st& x509) {
   return certificate;
 }
 
-// The lists of a fleet have the same few certificates, and OpenSSL needs longer for a certificate
-// than the library for a list.
+// Remembers a limited number of certificates, because many lists have the same ones. Parsing one
+// takes longer than reading a list.
 std::optional<Certificate> readCertificate(const std::wstring& text) {
   const auto read = [&text]() -> std::optional<Certificate> {
     const X509Handle handle = parseCertificate(text);

@@ -10,8 +10,8 @@
 
 namespace tool {
 
-// Runs a function in a thread of its own. The caller need not wait for its end: a call of the
-// system that cannot be interrupted then ends with the process. The function must own all that it
+// Runs a function in a thread of its own. The caller need not wait for the function. A blocking
+// system call therefore cannot delay the end of the process. The function must own all that it
 // uses, and may throw only std::bad_alloc. `wakeUp` is called after its end, in the same thread.
 template <typename Result>
 class Background {

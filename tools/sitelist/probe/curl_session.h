@@ -3,8 +3,8 @@
 
 namespace tool {
 
-// Prepares libcurl for the process. libcurl wipes all its memory before it releases it, because its
-// copies of passwords are in it. Removes SSLKEYLOGFILE from the environment, because libcurl would
+// Prepares libcurl for the process. Afterwards libcurl wipes memory before it releases it, because
+// the memory may hold passwords. Removes SSLKEYLOGFILE from the environment, because libcurl would
 // write the keys of connections to that file. Must be called once, before any thread starts.
 void openCurlSession();
 

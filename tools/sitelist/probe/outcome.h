@@ -23,7 +23,7 @@ struct ShownCertificate {
 
 // What happened on the port for secure connections.
 struct SecureOutcome {
-  std::optional<std::int64_t> milliseconds;  // until the connection; nothing without one
+  std::optional<std::int64_t> milliseconds;  // until the connection; empty if there was none
   std::optional<ShownCertificate> certificate;
   bool isOk = false;
 };

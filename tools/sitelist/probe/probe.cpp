@@ -21,7 +21,7 @@ void checkMulti(CURLMcode code) {
   if (code != CURLM_OK) throw std::logic_error(curl_multi_strerror(code));
 }
 
-// All sites of one call. The thread of a lookup may outlive this object, so it shares the handle.
+// All sites of one call. The thread of a lookup may outlive this object, so both share the handle.
 class Probe {
  public:
   Probe(const std::vector<SitePlan>& plans, const std::vector<std::wstring>& certificates,

@@ -65,8 +65,8 @@ Record probeRow(const ProbedSite& each) {
   return row;
 }
 
-// Finds the site that the agent will use: the first one that is all right. It is not known if a
-// site before it was not probed.
+// Finds the site that the agent will use: the first one that is ok. The site is unknown if an
+// earlier site was not probed.
 void addDecision(Record& facts, const std::vector<ProbedSite>& sites) {
   const ProbedSite* used = nullptr;
   const ProbedSite* unknown = nullptr;

@@ -79,8 +79,8 @@ void requireSitesToProbe(const SiteList& list, const std::vector<SearchPlace>& p
   }
 }
 
-// Without named sites, the agent must have a site that it can use. Otherwise each of them must be
-// all right.
+// If no site is named, one site that the agent tries must be ok. If sites are named, all of them
+// must be ok.
 int statusOfProbe(const std::vector<ProbedSite>& sites, bool areNamed) {
   const auto isOk = [](const ProbedSite& each) { return each.outcome->state == ProbeState::Ok; };
   if (!areNamed) {

@@ -18,9 +18,9 @@ struct ProbeOptions {
 
 // Runs the command and returns its exit status.
 //
-// There are two implementations. That of the program sitelist-probe probes the sites. That of
-// sitelist replaces the process with sitelist-probe, because loading libcurl takes longer than most
-// commands. It returns only by a failure.
+// There are two implementations. In sitelist-probe, it probes the sites. In sitelist, it replaces
+// the process with sitelist-probe, because loading libcurl takes longer than most commands. There
+// it never returns, and throws Failure if the program cannot be started.
 int runProbe(Context& context, const ProbeOptions& options);
 
 }  // namespace tool

@@ -33,7 +33,7 @@ std::string withoutBrackets(const std::string& host) {
 
 bool isHostOrAddress(const std::string& host) { return isAddress(host) || isHostName(host); }
 
-// The agent replaces a macro. A record has it in either form.
+// The agent replaces macros. A macro begins with "<" or with its escaped form.
 bool hasAgentMacro(const std::wstring& text) {
   return text.find(L'<') != std::wstring::npos || text.find(L"%%lt%%") != std::wstring::npos;
 }

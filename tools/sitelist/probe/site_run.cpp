@@ -85,7 +85,7 @@ void SiteRun::startSecure() {
   start(std::move(request), 1);
 }
 
-// The time that is left is divided, so that a step which hangs does not take that of the next.
+// The remaining time is divided, so that a step that hangs leaves time for the next one.
 void SiteRun::start(Request request, int stepsLeft) {
   request.proxy = m_plan.proxy;
   if (m_proxyLogin < m_plan.proxyLogins.size()) {

@@ -14,8 +14,9 @@
 
 namespace tool {
 
-// The probe of one site, step by step: its name, its port, the second user of its proxy and its
-// secure port. The owner carries out the transfers and waits for the lookups.
+// The probe of one site in steps: it resolves the host, tries the port, tries the second proxy user
+// if needed, and tries the secure port. The owner carries out the transfers and waits for the
+// lookups.
 class SiteRun {
  public:
   using Clock = std::chrono::steady_clock;
@@ -34,7 +35,7 @@ class SiteRun {
 
   // Takes the result code of libcurl for the transfer. Releases the transfer.
   void onTransferEnd(int code);
-  // Looks whether a lookup has ended, or its time is over.
+  // Checks whether the lookup has ended or its time is over.
   void checkLookup();
 
  private:

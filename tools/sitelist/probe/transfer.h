@@ -64,8 +64,8 @@ class Transfer {
 
   // The handle of libcurl.
   void* handle() const;
-  // Must be called after the end of the transfer, before the handle is removed. libcurl would wait
-  // for the answer of an FTP server to QUIT.
+  // Must be called after the end of the transfer, before the handle is removed. Otherwise libcurl
+  // waits for the answer to QUIT of an FTP server.
   void closeConnection() const;
   // Takes the result code of libcurl and returns the reply.
   Reply finish(int code);

@@ -10,8 +10,8 @@ struct x509_store_ctx_st;  // X509_STORE_CTX of OpenSSL
 
 namespace tool {
 
-// The CA certificates of a list. A server is trusted only if one of them has issued its
-// certificate. The certificates of the machine are not used.
+// The CA certificates of a list. A server is trusted only if the chain of its certificate leads to
+// one of them, or if its certificate is one of them. The certificates of the machine are not used.
 class TrustedRoots {
  public:
   // Omits texts that cannot be read as a certificate.

@@ -19,7 +19,7 @@ struct Context {
   bool json = false;   // the same as format "json"
   std::string color = "auto";
   std::optional<std::string> wait;                 // longest wait for locks, in seconds, if given
-  unsigned int waitMilliseconds = 0;               // the same or the default, once it is checked
+  unsigned int waitMilliseconds = 0;               // `wait` or the default; set after the check
   std::vector<std::string> meshCommand;            // for `init`: all words after --mesh-command
   std::string command;                             // the name of the given command
   std::vector<std::string> arguments;              // all words of the command line

@@ -61,7 +61,7 @@ struct Report {
   std::string writtenRows;           // further rows, already in the output format
   std::vector<RowGroup> groups;      // further rows, of other kinds, with names of their own
   std::shared_ptr<RowSpool> spool;   // may be null; further rows, already in the output format
-  bool isPrinted = false;            // whether the rows were printed, in a format without facts
+  bool isPrinted = false;            // whether the rows were already printed or put into `spool`
   // Prints the report as a table for people.
   std::function<void(std::ostream&, const Screen&)> table;
 };

@@ -222,7 +222,7 @@ TEST_F(CliDoctorFiles, LocksAndKeysMustNotBeLinks) {
     fs::create_symlink(file("aside"), path);
     const auto rows = resultsOf(doctor(1), "files");
     ASSERT_THAT(rows, SizeIs(1));
-    EXPECT_THAT(rows[0].at("text"), HasSubstr("is a symbolic link, which is never used"));
+    EXPECT_THAT(rows[0].at("text"), HasSubstr("is a symbolic link, so the agent does not use it"));
     EXPECT_EQ(rows[0].at("next"), "remove the link");
     fs::remove(path);
     fs::rename(file("aside"), path);
@@ -235,7 +235,7 @@ TEST_F(CliDoctorFiles, OneCheckReportsAtMostTwentyFaults) {
   }
   const auto rows = resultsOf(doctor(0), "files");
   ASSERT_THAT(rows, SizeIs(21));
-  EXPECT_EQ(rows.back().at("text"), "18 more");
+  EXPECT_EQ(rows.back().at("text"), "18 more results of this check");
   EXPECT_EQ(rows.back().at("state"), "warning");
   EXPECT_EQ(doctor(0, {"--fix"}).facts.at("mendedCount"), "38");
   expectHealthy();

@@ -81,7 +81,8 @@ TEST_F(CliDoctorFix, RemovesTheFileOfAKilledProcess) {
     if (name != "SiteList.xml") left = name;
   }
   ASSERT_THAT(left, HasSubstr(".sitehlp-"));
-  expectOnly("left-overs", "warning", "etc/" + left + ": its process has ended",
+  expectOnly("left-overs", "warning",
+             "etc/" + left + " is a temporary file of a process that has ended",
              "run `sitelist doctor --fix`");
   expectMended("left-overs", "removed etc/" + left);
   EXPECT_THAT(namesIn("agent/etc"), SizeIs(1));
@@ -135,9 +136,29 @@ TEST_F(CliDoctorFix, MendsNothingWithoutSettings) {
   const auto before = states();
   const Output output = sitelist({"doctor", "--fix"});
   EXPECT_EQ(output.status, 1);
-  EXPECT_THAT(output.err, HasSubstr("nothing was mended, because the settings cannot be used"));
+  EXPECT_THAT(output.err,
+              HasSubstr("nothing was mended, because the settings cannot be used\n"
+                        "  next: correct agent.toml, then run `sitelist doctor --fix` again\n"));
   EXPECT_EQ(states(), before);
 }
+
+#ifdef __linux__
+// A child of the load command holds the lock for a while.
+TEST_F(CliDoctorFix, WaitsForALockAfterItHasMended) {
+  const std::string fifo = file("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  setBytes(file("agent/agent.toml"),
+           "managed = true\nmesh.load_command = [\"/bin/sh\", \"-c\", \"exec 9<'" +
+               file("agent/locks/SiteListLock.lock") + "'; flock 9; (read x <'" + fifo +
+               "') >/dev/null 2>&1 &\"]\n");
+  setBytes(meshCopy(), "stale");
+  const Output output = withTerminalForMessages(
+      {"doctor", "--fix"}, "sitelist: waiting at most 60 s for the lock SiteListLock, held by",
+      [&] { writeFile(fifo, "x\n", 0600); });
+  EXPECT_EQ(output.status, 0) << output.out;
+  EXPECT_THAT(output.out, HasSubstr("mended: wrote the mesh copy"));
+}
+#endif
 
 TEST_F(CliDoctorFix, SaysWhatItCannotMend) {
   ASSERT_EQ(::chmod(ownList().c_str(), 0666), 0);
@@ -147,7 +168,9 @@ TEST_F(CliDoctorFix, SaysWhatItCannotMend) {
   EXPECT_EQ(output.status, 1);
   EXPECT_THAT(output.err, HasSubstr("the mesh copy could not be written"));
   EXPECT_THAT(output.out, HasSubstr("mended: the mode of etc/SiteList.xml was 0666"));
-  EXPECT_THAT(output.out, HasSubstr("failure  mesh-copy     the mesh copy cannot be read"));
+  EXPECT_THAT(output.out,
+              HasSubstr("failure  mesh-copy     the mesh copy mesh/SiteList.xml cannot be read: "
+                        "it is a directory"));
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
+using testing::SizeIs;
 
 const char* const c_runFix = "run `sitelist doctor --fix`";
 
@@ -262,13 +263,19 @@ TEST_F(CliDoctor, FindsAnUnreadableListOfTheHistory) {
   expectHealthy();
   setBytes(entry, "<broken");
   expectOnly("history", "warning", "1-20260101T000000Z-import.xml cannot be read as a list",
-             "remove the file");
+             "remove it");
   setBytes(entry, list());
   // The largest number of a process is smaller.
   const std::string pending =
       write("agent/etc/history/pending999999999-20260101T000000Z-import.xml", list());
   ASSERT_EQ(::chmod(pending.c_str(), 0640), 0);
-  expectOnly("history", "warning", "a command ended before it had completed the history", "next");
+  const auto rows = resultsOf(doctor(0), "history");
+  ASSERT_THAT(rows, SizeIs(1));
+  EXPECT_EQ(rows[0].at("state"), "warning");
+  EXPECT_EQ(rows[0].at("text"),
+            "a command ended before it had completed the history; the next change of the list "
+            "completes it");
+  EXPECT_EQ(rows[0].count("next"), 0U);
 }
 
 TEST_F(CliDoctor, FindsTheWrongOrderOfTheVendorRepositories) {
@@ -297,7 +304,8 @@ TEST_F(CliDoctorLocks, ThatAreHeldAreReportedWithTheirProcess) {
   const Output output = sitelist({"doctor", "--wait", "2"});
   EXPECT_EQ(output.status, 1);
   EXPECT_EQ(states(), before);
-  EXPECT_THAT(output.err, HasSubstr("sitelist: waiting at most 2 s for the lock SiteListLock"));
+  EXPECT_THAT(output.err,
+              HasSubstr("sitelist: waiting at most 2 s for the lock SiteListLock, held by "));
 #ifdef __linux__
   EXPECT_THAT(output.out,
               HasSubstr("failure  locks         the lock SiteListLock has been held for at "
@@ -355,6 +363,10 @@ TEST_F(CliDoctor, FindsAFileSystemWithoutFreeSpace) {
   EXPECT_EQ(low.status, 0);
   EXPECT_THAT(low.out, HasSubstr("warning  free-space"));
   EXPECT_THAT(low.out, HasSubstr("has only 20 MiB free\n"));
+  const Output few =
+      shell("FREE_FILES=15 LD_PRELOAD='" INTERPOSER "' \"$0\" --agent-dir agent doctor");
+  EXPECT_EQ(few.status, 1);
+  EXPECT_THAT(few.out, HasSubstr("has room for only 15 more files\n"));
   EXPECT_EQ(with("70000").status, 0);
   EXPECT_THAT(with("70000").out, HasSubstr("0 failures, 0 warnings"));
 }

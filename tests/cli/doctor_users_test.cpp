@@ -40,10 +40,11 @@ class CliDoctorUsers : public CliDoctor {
   }
 
   // Expects that root may not give this file away, and that --fix leaves it to root.
-  void expectKeptFromUser(const std::string& name) {
+  Output expectKeptFromUser(const std::string& name) {
     SCOPED_TRACE(name);
-    sitelist({"doctor", "--fix"});
+    const Output output = sitelist({"doctor", "--fix"});
     EXPECT_EQ(ownerOf(name), 0U);
+    return output;
   }
 };
 
@@ -74,7 +75,10 @@ TEST_F(CliDoctorUsers, OwnEveryDirectory) {
   }
   giveToRoot("etc");
   write("agent/etc/private", "of root");
-  expectKeptFromUser("etc");
+  EXPECT_THAT(expectKeptFromUser("etc").err,
+              HasSubstr("not mended: etc belongs to root instead of " + user() +
+                        ": its content is not the expected one\n"
+                        "  next: check the owner, mode and content of "));
 }
 
 TEST_F(CliDoctorUsers, MayHaveSettingsOfRootThatTheyCanRead) {

@@ -233,7 +233,9 @@ TEST_F(CliFleet, AnOutputThatClosesEarlyEndsTheTool) {
     const Output output = shell(std::string("trap '' PIPE; { \"$0\" show --format ") + format +
                                 files + "; echo $? >status; } | head -n 1; cat status");
     EXPECT_THAT(output.out, EndsWith("\n4\n")) << output.err;
-    EXPECT_EQ(output.err, "sitelist: cannot write to standard output\n");
+    EXPECT_EQ(output.err,
+              "sitelist: cannot write to standard output: Broken pipe\n"
+              "  next: check the disk, or the program that reads the output\n");
   }
 }
 

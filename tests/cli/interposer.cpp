@@ -21,6 +21,7 @@
 // REPLACED, that file has the content of REPLACEMENT when it is opened again. With LIBRARY, that
 // directory is in the place of "/Library". With NO_DIRECTORY_LOCKS, directories cannot be locked,
 // as on some network file systems. With FREE_KILOBYTES, every file system has that much free space.
+// With FREE_FILES, every file system has room for that many files.
 
 namespace {
 
@@ -92,6 +93,10 @@ __attribute__((visibility("default"))) int statvfs(const char* path,
   if (const char* const kilobytes = std::getenv("FREE_KILOBYTES")) {
     space->f_frsize = 1024;
     space->f_bavail = static_cast<fsblkcnt_t>(std::atol(kilobytes));
+  }
+  if (const char* const files = std::getenv("FREE_FILES")) {
+    space->f_files = static_cast<fsfilcnt_t>(std::atol(files)) + 1;
+    space->f_favail = space->f_files - 1;
   }
   return result;
 }

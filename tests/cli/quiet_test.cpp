@@ -173,7 +173,9 @@ TEST_F(CliQuiet, CannotBeUsedWithVerbose) {
 TEST_F(CliQuiet, OutputThatCannotBeWrittenIsStillAFileFailure) {
   const Output output = shell("exec \"$0\" --quiet --json show \"$1\" 1</dev/null", {incoming()});
   EXPECT_EQ(output.status, 4);
-  EXPECT_EQ(output.err, "sitelist: cannot write to standard output\n");
+  EXPECT_EQ(output.err,
+            "sitelist: cannot write to standard output: Bad file descriptor\n"
+            "  next: check the disk, or the program that reads the output\n");
   EXPECT_EQ(shell("exec \"$0\" --quiet show \"$1\" 1</dev/null", {incoming()}).status, 0);
 }
 

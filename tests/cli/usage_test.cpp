@@ -361,7 +361,7 @@ TEST_F(CliUsage, OutputThatCannotBeWrittenIsAFileFailure) {
   const std::string path = write("list.xml", document(httpSite("depot")));
   const Output output = shell("exec \"$0\" show \"$1\" 1</dev/null", {path});
   EXPECT_EQ(output.status, 4);
-  EXPECT_THAT(output.err, HasSubstr("cannot write to standard output"));
+  EXPECT_THAT(output.err, HasSubstr("cannot write to standard output: Bad file descriptor"));
 }
 
 #ifdef INTERPOSER

@@ -103,7 +103,7 @@ TEST_F(ProbeOddPeers, HeaderLinesThatNeverEndAreCut) {
   });
   JsonReport::Record site = probePeer(peer);
   EXPECT_EQ(site["state"], "failed");
-  EXPECT_THAT(site["error"], HasSubstr("sent too much"));
+  EXPECT_THAT(site["error"], HasSubstr("is too long"));
 }
 
 TEST_F(ProbeOddPeers, AnswersOfFtpThatNeverEndAreCut) {
@@ -112,7 +112,7 @@ TEST_F(ProbeOddPeers, AnswersOfFtpThatNeverEndAreCut) {
   });
   JsonReport::Record site = probePeer(peer, "FTPSite");
   EXPECT_EQ(site["state"], "failed");
-  EXPECT_THAT(site["error"], HasSubstr("sent too much"));
+  EXPECT_THAT(site["error"], HasSubstr("is too long"));
 }
 
 TEST_F(ProbeOddPeers, AnEndlessChallengeIsCut) {

@@ -89,6 +89,36 @@ TEST_F(ProbeProxy, TheSecurePortIsReachedThroughTheProxy) {
   EXPECT_THAT(proxy.log(), HasSubstr("CONNECT " + local(web.validPort())));
 }
 
+TEST_F(ProbeProxy, AnUntrustedCertificateIsThatOfTheServer) {
+  const HttpProxy proxy(file(""), HttpProxy::Login::Required);
+  Entry made = entry();
+  made.securePort = std::to_string(web.strangerPort());
+  JsonReport::Record site = probeSite(
+      made, web.authority(), httpProxy(proxy.port(), proxyLogin(c_proxyUser, c_proxyPassword)));
+  EXPECT_EQ(site["state"], "failed") << output.out;
+  EXPECT_EQ(site["error"], "the certificate of the server " + local(web.strangerPort()) +
+                               " is not trusted: no CA certificate of the list has issued it");
+}
+
+TEST_F(ProbeProxy, AProxyMayRequireALoginForTheSecurePortOnly) {
+  const Peer proxy([](Connection& connection) {
+    for (std::string request = connection.request(); !request.empty();
+         request = connection.request()) {
+      connection.send(request.rfind("CONNECT", 0) == 0
+                          ? "HTTP/1.1 407 No\r\nProxy-Authenticate: Basic realm=\"x\"\r\n"
+                            "Content-Length: 0\r\n\r\n"
+                          : "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+    }
+  });
+  Entry made = entry();
+  made.securePort = std::to_string(web.validPort());
+  JsonReport::Record site = probeSite(made, web.authority(), httpProxy(proxy.port(), ""));
+  EXPECT_EQ(site["state"], "failed") << output.out;
+  EXPECT_EQ(site["error"],
+            "the proxy " + local(proxy.port()) + " requires a login, but the list has none");
+  EXPECT_EQ(site["next"], "add the login of the proxy to the list");
+}
+
 TEST_F(ProbeProxy, AnExcludedHostIsReachedDirectly) {
   const HttpProxy proxy(file(""), HttpProxy::Login::None);
   JsonReport::Record site = probeThrough(

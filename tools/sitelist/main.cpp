@@ -219,7 +219,7 @@ int main(int argc, char** argv) {
   std::cout.flush();
   // A negative result is lost with the output. Any other failure has its message.
   if (!std::cout && (status == tool::exitSuccess || status == tool::exitNegative)) {
-    tool::printError("cannot write to standard output");
+    tool::printError(tool::outputFailure(), tool::c_checkOutput);
     status = tool::exitFile;
   }
   return status;

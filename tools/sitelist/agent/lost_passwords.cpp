@@ -207,7 +207,7 @@ void warnOfUnreadPasswords(const std::string& path, bool isOwnList) {
 void warnOfUnreadPasswordsInLists(const std::string& passwords, const std::string& lists) {
   printWarning(passwords + " in " + lists +
                    " cannot be decrypted with the password key and are read as empty",
-               "name the agent that the lists belong to with --agent-dir");
+               "read each list on its endpoint: only the key of its agent decrypts its passwords");
 }
 
 }  // namespace tool

@@ -1,5 +1,9 @@
 #include "tools/sitelist/cli/messages.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 #include <streambuf>
 
@@ -32,6 +36,12 @@ void printError(const std::string& text, const std::string& advice) {
 void printWarning(const std::string& text, const std::string& advice) {
   keptWarnings().push_back(text);
   print(std::cerr, "warning: " + text, advice);
+}
+
+std::string outputFailure() {
+  std::string text = "cannot write to standard output";
+  if (::write(STDOUT_FILENO, "\n", 1) == -1) text.append(": ").append(std::strerror(errno));
+  return text;
 }
 
 const std::vector<std::string>& warnings() { return keptWarnings(); }

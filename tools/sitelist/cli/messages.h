@@ -17,6 +17,11 @@ void printError(const std::string& text, const std::string& advice = "");
 // must be printable. An empty advice is omitted.
 void printWarning(const std::string& text, const std::string& advice = "");
 
+// Returns the message about standard output that cannot be written, with the reason. Must be called
+// after a write has failed: it writes once more to find the reason.
+std::string outputFailure();
+constexpr const char* c_checkOutput = "check the disk, or the program that reads the output";
+
 // Returns the texts of all warnings of this process, without advice.
 const std::vector<std::string>& warnings();
 

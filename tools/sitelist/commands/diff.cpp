@@ -45,7 +45,7 @@ int reportIncomparable(const Diff& result, const DiffOptions& options) {
 void warnOfIncomparablePasswordsInLists(const std::string& passwords, const std::string& lists) {
   printWarning(passwords + " in " + lists +
                    " cannot be compared, because the password key does not decrypt them",
-               "name the agent that the lists belong to with --agent-dir");
+               "compare lists of one agent, and name this agent with --agent-dir");
 }
 
 // Returns the names of the two lists. For a list of the history, also locks the agent's own list,
@@ -119,7 +119,7 @@ int diff(Context& context, DiffOptions options) {
     options.after = lists.only();
   } else if (!options.more.empty()) {
     throw Failure(exitUsage, "more than two lists are given",
-                  "name the list to compare them with by --to BASE");
+                  "name the list to compare with: --to BASE_FILE");
   }
   std::optional<ListLock> lock;
   const auto [from, to] = namesOf(context, options, lock);
@@ -154,9 +154,8 @@ void addDiff(Command& app, Context& context) {
       .type_name("")
       .completes(Completion::File);
   command
-      .add_option(
-          "--to", options->base,
-          "Compare this list with each of the others, which are\nnew lists or directories of such")
+      .add_option("--to", options->base,
+                  "Compare this list, as the old one, with each given list\nor directory of lists")
       .type_name("BASE_FILE")
       .not_empty();
   addJobs(command, options->jobs);
@@ -180,9 +179,9 @@ void addDiff(Command& app, Context& context) {
       "encryption of a password differs. They are listed as incomparable. With\n"
       "--exit-code the exit status is then 5, or 1 if the lists differ elsewhere.\n"
       "\n"
-      "--to compares BASE_FILE with many lists. A change is one from BASE_FILE to the\n"
-      "list of its row. A list without a row is the same as BASE_FILE. The exit\n"
-      "status is the highest of all lists.\n"
+      "--to compares BASE_FILE with many lists. Each row is one change from BASE_FILE\n"
+      "to the list that the row names. A list without a row has the same content as\n"
+      "BASE_FILE. The exit status is the highest of all lists.\n"
       "\n"
       "Examples:\n"
       "  sitelist diff /Library/Korvel/orb/etc/SiteList.xml incoming/SiteList.xml\n"

@@ -1,4 +1,3 @@
-#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -6,6 +5,7 @@
 #include "tools/sitelist/cli/exit_status.h"
 #include "tools/sitelist/cli/log_record.h"
 #include "tools/sitelist/cli/messages.h"
+#include "tools/sitelist/cli/text.h"
 #include "tools/sitelist/commands/command.h"
 #include "tools/sitelist/doctor/diagnosis.h"
 #include "tools/sitelist/doctor/diagnosis_report.h"
@@ -47,10 +47,13 @@ void mendEach(const std::vector<CheckResult>& results, bool isLast, Mended& mend
   for (const CheckResult& result : results) {
     for (const Finding& finding : result.findings) {
       if (!finding.mend || finding.isLast != isLast) continue;
-      if (const int error = finding.mend()) {
-        printWarning("not mended: " + finding.text + ": " + std::strerror(error), finding.next);
-      } else {
+      const std::string reason = finding.mend();
+      if (reason.empty()) {
         mended[result.check].push_back(finding);
+      } else {
+        printWarning("not mended: " + finding.text + ": " + reason,
+                     "check the owner, mode and content of " + shown(finding.file) +
+                         ", and correct them by hand");
       }
     }
   }
@@ -72,10 +75,11 @@ int doctor(Context& context, const DoctorOptions& options) {
   auto examination = examine(context, lockWait);
   context.report = reportOf(context, examination->results, {});
   if (options.fix && !examination->agent.settingsError.empty()) {
-    printWarning("nothing was mended, because the settings cannot be used");
+    printWarning("nothing was mended, because the settings cannot be used",
+                 "correct agent.toml, then run `sitelist doctor --fix` again");
   } else if (options.fix && canMendAny(examination->results)) {
     Mended mended = mend(context, examination->results);
-    examination = examine(context, 0);
+    examination = examine(context, lockWait);
     mended = withoutRemaining(std::move(mended), examination->results);
     context.changed = !mended.empty();
     context.report = reportOf(context, examination->results, mended);
@@ -92,15 +96,17 @@ void addDoctor(Command& app, Context& context) {
                    "Mend modes, owners, left-over files and the mesh copy, and\n"
                    "print each thing that was mended");
   command.footer(
-      "Each line is the result of one check: ok, warning or failure, and what to do\n"
-      "next. The exit status is 1 if there is a failure. Warnings do not change it.\n"
-      "Without --fix the command writes nothing. The checks are:\n" +
+      "Each check has one or more results: ok, warning or failure. A second line says\n"
+      "what to do next. The exit status is 1 if there is a failure. Warnings do not\n"
+      "change it. Without --fix, the command changes no file. The checks are:\n" +
       checkHelp() +
       "\n"
-      "A lock is a failure if a process holds it for 60 seconds, or for the time of\n"
-      "--wait. Low free space is a warning below 64 MiB. It is a failure if the list\n"
-      "cannot be written. Run the command as the agent's user or as root: other users\n"
-      "may not read all files.\n"
+      "It is a failure if a process holds a lock for 60 seconds, or for the time of\n"
+      "--wait. Less than 64 MiB of free space is a warning. It is a failure if there is\n"
+      "too little space to write the list, or space for fewer than 16 more files.\n"
+      "\n"
+      "Run the command as the agent's user or as root: other users may not read all\n"
+      "files.\n"
       "\n"
       "--fix adds no permission and follows no link of another user. Only root can\n"
       "change owners. Root gives a file to the agent's user only if its content is the\n"

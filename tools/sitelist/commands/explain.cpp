@@ -245,7 +245,7 @@ void addExplain(Command& app, Context& context) {
       "the path of --host do not matter.\n"
       "\n" +
       std::string(c_manyListsHelp) +
-      "The exit status is then 1 if it is 1 for any list.\n"
+      "The exit status is then the highest of all lists.\n"
       "\n"
       "Examples:\n"
       "  sitelist explain\n"

@@ -6,7 +6,7 @@
 namespace tool {
 
 void addProbe(Command& app, Context& context) {
-  Command command = app.add_subcommand("probe", "Try sites over the network, as the agent would");
+  Command command = app.add_subcommand("probe", "Find out whether the agent can reach its sites");
   const auto options = std::make_shared<ProbeOptions>();
   command
       .add_option("SITE", options->sites,
@@ -32,7 +32,7 @@ void addProbe(Command& app, Context& context) {
       .type_name("NUMBER")
       .not_empty();
   command.footer(
-      "This is the only command that uses the network. It changes nothing.\n"
+      "Only this command uses the network. It changes no file.\n"
       "\n"
       "Each site is reached in the way that `sitelist explain` shows, and with the\n"
       "login of the list. Redirects are not followed. A proxy in an environment\n"
@@ -41,12 +41,12 @@ void addProbe(Command& app, Context& context) {
       "  ftp                   logs in and lists the directory\n"
       "  unc                   connects to port 445; does not open the share\n"
       "  local                 reads the directory as the current user\n"
-      "If a site has a port for secure connections, that port must show a certificate\n"
-      "that a CA certificate of the list has issued. A site is ok only if all its ports\n"
-      "are. A server that does not list its directory (status 403) is ok.\n"
+      "A port for secure connections must show a certificate that the certificates of\n"
+      "the list confirm. A site is ok only if every probed port is ok. A server that\n"
+      "does not list its directory (status 403) is ok.\n"
       "\n"
-      "The exit status is 0 if the agent has a site that is ok, otherwise 1. With SITE,\n"
-      "it is 0 if all these sites are ok.\n"
+      "The exit status is 0 if a site that the agent tries is ok, and 1 if none is.\n"
+      "With SITE, it is 1 if one of the named sites is not ok.\n"
       "\n"
       "Examples:\n"
       "  sitelist probe\n"

@@ -80,7 +80,7 @@ std::unique_ptr<CommandLine> makeProgram(Context& context) {
       .type_name("WHEN")
       .choices({"auto", "always", "never"});
   app.add_option("--wait", context.wait,
-                 "Longest wait for the lock of a list (default: 10; 60 for\n`doctor`)")
+                 "Longest wait for the lock of a list (default: 10; 60 for\nthe check of `doctor`)")
       .type_name("SECONDS");
   app.add_flag("-q,--quiet", context.quiet,
                "Print only errors: no messages, no warnings, and no\ntable");

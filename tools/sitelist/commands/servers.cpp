@@ -155,7 +155,7 @@ int servers(Context& context, const ServersOptions& options) {
 
 void addServers(Command& app, Context& context) {
   Command command =
-      app.add_subcommand("servers", "Print the address of the agent's management server");
+      app.add_subcommand("servers", "Print the address of the management server in site lists");
   const auto options = std::make_shared<ServersOptions>();
   addLists(command, options->lists);
   command.add_flag(
@@ -165,7 +165,7 @@ void addServers(Command& app, Context& context) {
   command.add_flag("--non-secure-port", options->nonSecurePort,
                    "The plain port, even if there is a secure one");
   command.footer(std::string(c_manyListsHelp) +
-                 "Each management server then has a row of its own.\n"
+                 "With --all, each management server then has a row of its own.\n"
                  "\n"
                  "Examples:\n"
                  "  sitelist servers\n"

@@ -111,7 +111,8 @@ int summary(Context& context, const SummaryOptions& options) {
 }  // namespace
 
 void addSummary(Command& app, Context& context) {
-  Command command = app.add_subcommand("summary", "Count what the site lists of a fleet have");
+  Command command =
+      app.add_subcommand("summary", "Count versions, servers and faults in many lists");
   const auto options = std::make_shared<SummaryOptions>();
   command
       .add_option("FILE", options->lists.files,
@@ -124,18 +125,19 @@ void addSummary(Command& app, Context& context) {
   command.add_flag("--unmanaged", options->unmanaged,
                    "Count the faults by the rules for an unmanaged agent");
   command.footer(
-      "Counts the lists with each global version, with each management server, with\n"
-      "each fault that `sitelist validate` finds, and with a certificate that expires\n"
-      "in each month. A table has only the most frequent values. The other formats\n"
-      "have all.\n"
+      "Counts the lists by global version, by management server, by fault (see\n"
+      "`sitelist validate`), and by the month in which a certificate expires. A table\n"
+      "shows only the most frequent values. The other formats have all values.\n"
       "\n"
-      "Lists are alike if they differ at most in their versions and passwords. The most\n"
-      "frequent list is the first one of those that are alike most often. The ten lists\n"
-      "that differ most from it come last, with the number of changes that `sitelist\n"
-      "diff` would print. Changes of versions and passwords are not counted.\n"
+      "Lists are alike if they differ at most in their versions and passwords. Lists\n"
+      "that are alike form a group. The most frequent list is the first list of the\n"
+      "largest group. The ten lists that differ most from it come last, with the number\n"
+      "of changes that `sitelist diff` would print. Changes of versions and passwords\n"
+      "are not counted.\n"
       "\n"
-      "The command needs no agent. The exit status is 0 if all lists can be read,\n"
-      "otherwise the highest of the lists that cannot.\n"
+      "The command needs no agent. The exit status is 0 if all lists can be read, and 1\n"
+      "if no list is found. Otherwise it is the highest status of a list that cannot be\n"
+      "read.\n"
       "\n"
       "Examples:\n"
       "  sitelist summary fleet/\n"

@@ -31,7 +31,7 @@ void checkCertificates(const ExaminedAgent& agent, Findings& findings) {
   const std::vector<std::wstring>& texts = agent.list->certificates;
   for (std::size_t i = 0; i < texts.size(); ++i) checkCertificate(agent, texts[i], i + 1, findings);
   findings.okIfNone(texts.empty() ? "the list has no certificates"
-                                  : "every certificate is valid for more than " +
+                                  : "no certificate expires within " +
                                         std::to_string(c_daysBeforeExpiry) + " days");
 }
 

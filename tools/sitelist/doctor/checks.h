@@ -29,6 +29,9 @@ constexpr unsigned long long c_lowMegabytes = 64;
 // The advice for a fault that --fix mends.
 constexpr const char* c_runFix = "run `sitelist doctor --fix`";
 
+// The advice for what was not checked, because the list cannot be read.
+constexpr const char* c_listFirst = "follow the advice of the check \"list\" first";
+
 // Adds the finding for a file that cannot be examined because of this errno.
 void addUnchecked(const ExaminedAgent& agent, const std::string& path, int error,
                   Findings& findings);

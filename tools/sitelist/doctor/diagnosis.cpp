@@ -15,7 +15,7 @@ struct Check {
 
 constexpr Check c_checks[] = {
     {"settings", checkSettings, "agent.toml is valid and the agent's user can read it"},
-    {"files", checkFiles, "owner and mode of each file and directory"},
+    {"files", checkFiles, "the agent's files have the right owner and mode"},
     {"locks", checkLocks, "the lock files can be used, and no process blocks them"},
     {"password-key", checkPasswordKey, "the password key decrypts every password of the list"},
     {"list", checkList, "the agent's own list is valid (see `sitelist validate`)"},
@@ -25,8 +25,9 @@ constexpr Check c_checks[] = {
     {"certificates", checkCertificates, "no certificate has expired or expires within 30 days"},
     {"left-overs", checkLeftOvers, "no temporary file is left from a process that has ended"},
     {"history", checkHistory, "each list of the history can be read"},
-    {"free-space", checkFreeSpace, "the list can be written, and 64 MiB are free"},
-    {"vendor-order", checkVendorOrder, "the vendor repository over HTTP comes before FTP"},
+    {"free-space", checkFreeSpace, "there is space to write the list, and 64 MiB are free"},
+    {"vendor-order", checkVendorOrder,
+     "no vendor repository over FTP comes before the one over HTTP"},
     {"load-command", checkLoadCommand, "the agent's user can run the load command"},
 };
 

@@ -69,8 +69,11 @@ Record rowOfMended(const std::string& check, const Finding& finding) {
 }
 
 Finding remainder(const std::vector<Finding>& findings) {
-  Finding more{State::Ok, std::to_string(findings.size() - c_mostFindings) + " more",
-               "mend the others first"};
+  const std::size_t count = findings.size() - c_mostFindings;
+  Finding more{
+      State::Ok,
+      std::to_string(count) + " more " + (count == 1 ? "result" : "results") + " of this check",
+      "mend the faults above first"};
   for (std::size_t i = c_mostFindings; i < findings.size(); ++i) {
     more.state = std::max(more.state, findings[i].state);
   }

@@ -6,6 +6,7 @@
 #include "host/fs/mend.h"
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/doctor/finding.h"
 #include "tools/sitelist/model/root.h"
 
 namespace tool {
@@ -33,27 +34,39 @@ bool isExpectedIn(Expected content, const std::string& bytes) {
   }
 }
 
+bool areExpectedIn(const FileRule& directory, const std::vector<std::string>& names,
+                   const std::vector<FileRule>& rules) {
+  return std::all_of(names.begin(), names.end(), [&](const std::string& name) {
+    return std::any_of(rules.begin(), rules.end(), [&](const FileRule& each) {
+      return each.name == directory.name + "/" + name;
+    });
+  });
+}
+
 }  // namespace
 
 bool canBeGiven(const FileRule& rule) {
   return rule.content != Expected::Settings && rule.content != Expected::Opaque;
 }
 
-int giveToAgentsUser(const std::string& path, const FileRule& rule,
-                     const std::vector<FileRule>& rules, const AgentUser& user) {
-  if (!rule.isDirectory) {
-    return host::giveFile(
-        path, user.id, user.group, c_maxInputBytes,
-        [&rule](const std::string& bytes) { return isExpectedIn(rule.content, bytes); });
+std::string giveToAgentsUser(const std::string& path, const FileRule& rule,
+                             const std::vector<FileRule>& rules, const AgentUser& user) {
+  bool isExpected = true;
+  int error = 0;
+  if (rule.isDirectory) {
+    const auto check = [&](const std::vector<std::string>& names) {
+      isExpected = areExpectedIn(rule, names, rules);
+      return isExpected;
+    };
+    error = host::giveDirectory(path, user.id, user.group, check);
+  } else {
+    const auto check = [&](const std::string& bytes) {
+      isExpected = isExpectedIn(rule.content, bytes);
+      return isExpected;
+    };
+    error = host::giveFile(path, user.id, user.group, c_maxInputBytes, check);
   }
-  return host::giveDirectory(
-      path, user.id, user.group, [&rule, &rules](const std::vector<std::string>& names) {
-        return std::all_of(names.begin(), names.end(), [&](const std::string& name) {
-          return std::any_of(rules.begin(), rules.end(), [&](const FileRule& each) {
-            return each.name == rule.name + "/" + name;
-          });
-        });
-      });
+  return isExpected ? textOfError(error) : "its content is not the expected one";
 }
 
 }  // namespace tool

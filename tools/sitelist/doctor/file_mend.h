@@ -16,9 +16,9 @@ namespace tool {
 bool canBeGiven(const FileRule& rule);
 
 // Gives a file or directory of root to the agent's user and group, if its content is the expected
-// one. Returns 0 or an errno.
-int giveToAgentsUser(const std::string& path, const FileRule& rule,
-                     const std::vector<FileRule>& rules, const AgentUser& user);
+// one. Returns an empty text, or why it was not given.
+std::string giveToAgentsUser(const std::string& path, const FileRule& rule,
+                             const std::vector<FileRule>& rules, const AgentUser& user);
 
 }  // namespace tool
 

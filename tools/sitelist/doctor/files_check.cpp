@@ -58,7 +58,7 @@ class FileCheck {
 
   void checkLink() {
     if (!m_rule.isLinkAllowed) {
-      m_findings.fail(m_name + " is a symbolic link, which is never used in this place",
+      m_findings.fail(m_name + " is a symbolic link, so the agent does not use it",
                       "remove the link", m_path);
     } else if (!isOfUser() && m_status.st_uid != 0) {
       m_findings.fail(m_name + " is a symbolic link of " + userName(m_status.st_uid) +
@@ -133,7 +133,7 @@ class FileCheck {
       finding.next = c_runFix;
       finding.mended = "the mode of " + m_name + " was " + octal(mode) + " and is " + most + " now";
       finding.mend = [path = m_path, excess, user = m_agent.user] {
-        return host::removePermissions(path, excess, user.id);
+        return textOfError(host::removePermissions(path, excess, user.id));
       };
     }
     m_findings.add(finding);
@@ -181,7 +181,7 @@ void checkFiles(const ExaminedAgent& agent, Findings& findings) {
     }
     FileCheck(agent, rule, rules, status, findings).run();
   }
-  findings.okIfNone("every file and directory of the agent has its owner and mode");
+  findings.okIfNone("the agent's known files and directories have the right owner and mode");
 }
 
 }  // namespace tool

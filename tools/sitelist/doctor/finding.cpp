@@ -1,5 +1,7 @@
 #include "tools/sitelist/doctor/finding.h"
 
+#include <cstring>
+
 namespace tool {
 
 const char* nameOf(State state) {
@@ -13,5 +15,7 @@ const char* nameOf(State state) {
   }
   return "failure";
 }
+
+std::string textOfError(int error) { return error == 0 ? "" : std::strerror(error); }
 
 }  // namespace tool

@@ -18,11 +18,15 @@ struct Finding {
   std::string text;
   std::string next = {};  // what to do; empty if there is nothing to do
   std::string file = {};  // the path of the file or directory, if there is one
-  std::function<int()> mend =
-      {};                   // mends the fault; returns 0 or an errno; empty if it is not safe
+  // Mends the fault. Returns an empty text, or why the fault was not mended. Empty if it is not
+  // safe.
+  std::function<std::string()> mend = {};
   std::string mended = {};  // what mend has done
   bool isLast = false;      // must be mended after all others, because it releases the locks
 };
+
+// Returns the text of an errno, or an empty text for 0.
+std::string textOfError(int error);
 
 // The results of one check.
 class Findings {

@@ -29,13 +29,15 @@ void checkFileSystem(const ExaminedAgent& agent, const std::string& directory, F
                                    (space.f_frsize ? space.f_frsize : space.f_bsize);
   const std::string place = "the file system of " + agent.nameOf(directory);
   const bool countsFiles = space.f_files != 0;
-  const std::string next = "free space on this file system";
+  const std::string next = "remove files that are not needed from this file system";
   if (bytes < c_copies * agent.listBytes.size() + c_besides) {
     findings.fail(place + " has too little free space to write the list: " +
                       std::to_string(bytes / 1024) + " KiB",
                   next, directory);
   } else if (countsFiles && space.f_favail < c_leastFiles) {
-    findings.fail(place + " has no room for more files", next, directory);
+    findings.fail(place + " has room for only " + std::to_string(space.f_favail) + " more " +
+                      (space.f_favail == 1 ? "file" : "files"),
+                  next, directory);
   } else if (bytes < c_lowMegabytes * c_megabyte) {
     findings.warn(place + " has only " + std::to_string(bytes / c_megabyte) + " MiB free", next,
                   directory);

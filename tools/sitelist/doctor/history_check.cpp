@@ -10,7 +10,7 @@
 namespace tool {
 namespace {
 
-constexpr const char* c_remove = "remove the file; the list cannot be restored from it";
+constexpr const char* c_remove = "this file cannot be restored with `sitelist undo`; remove it";
 
 void checkEntry(const ExaminedAgent& agent, const HistoryEntry& entry, Findings& findings) {
   const auto error = findReadError(entry.path);
@@ -29,8 +29,10 @@ void checkHistory(const ExaminedAgent& agent, Findings& findings) {
   const std::vector<HistoryEntry> entries = historyOf(agent.listPath);
   for (const HistoryEntry& entry : entries) checkEntry(agent, entry, findings);
   if (hasPendingCopyOfEndedProcess(agent.listPath)) {
-    findings.warn("a command ended before it had completed the history",
-                  "nothing: the next change of the list completes it", directory);
+    findings.warn(
+        "a command ended before it had completed the history; the next change of the list "
+        "completes it",
+        "", directory);
   }
   const bool isOff = agent.settings.historyLength == 0;
   findings.okIfNone(!entries.empty() ? "every list of the history can be read"

@@ -62,7 +62,7 @@ void reportSurplus(const ExaminedAgent& agent, Findings& findings) {
        {sitehlp::c_reqSecKey, sitehlp::c_sr2048PubKey, sitehlp::c_req2048SecKey}) {
     if (!isUsable(agent, name)) continue;
     findings.warn(narrow(name) + " belongs to a server with a version, but the list has none",
-                  "check that the list is the right one; the file may be removed if it is",
+                  "check that the list is the right one; if so, remove the file",
                   pathOf(agent, name));
   }
 }
@@ -75,7 +75,7 @@ void checkKeyFiles(const ExaminedAgent& agent, Findings& findings) {
   if (hasVersionedServer(agent.list->sites.get())) {
     requireOneSet(agent, findings);
     if (findings.all().empty()) reportHalfSets(agent, findings);
-    findings.okIfNone("the server has a version, and a complete set of key files");
+    findings.okIfNone("the server has a version, and the agent has a complete set of key files");
   } else {
     reportSurplus(agent, findings);
     findings.okIfNone("the list has no server with a version, so it needs no key files");

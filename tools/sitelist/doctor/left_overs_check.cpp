@@ -8,10 +8,10 @@
 namespace tool {
 namespace {
 
-void addLeftOver(const ExaminedAgent& agent, const std::string& directory, const std::string& name,
-                 const std::function<int()>& mend, Findings& findings) {
-  const std::string path = directory + "/" + name;
-  Finding finding{State::Warning, agent.nameOf(path) + ": its process has ended"};
+void addLeftOver(const ExaminedAgent& agent, const std::string& path, const char* kind,
+                 const std::function<std::string()>& mend, Findings& findings) {
+  Finding finding{State::Warning,
+                  agent.nameOf(path) + " is a temporary " + kind + " of a process that has ended"};
   finding.file = path;
   finding.next = c_runFix;
   if (canActAs(agent.user)) {
@@ -29,16 +29,17 @@ void findLeftOvers(const ExaminedAgent& agent, const std::string& directory, Fin
   if (error == ENOENT || error == ENOTDIR) return;
   if (error != 0) return addUnchecked(agent, directory, error, findings);
   for (const std::string& name : names) {
-    addLeftOver(
-        agent, directory, name, [directory] { return host::removeLeftOverTempFilesIn(directory); },
-        findings);
+    const auto mend = [directory] {
+      return textOfError(host::removeLeftOverTempFilesIn(directory));
+    };
+    addLeftOver(agent, directory + "/" + name, "file", mend, findings);
   }
   for (const std::string& name : leftOverScratchDirectories(directory)) {
     const auto mend = [directory] {
       removeLeftOverScratchDirectories(directory);
-      return 0;
+      return std::string();
     };
-    addLeftOver(agent, directory, name, mend, findings);
+    addLeftOver(agent, directory + "/" + name, "directory", mend, findings);
   }
 }
 

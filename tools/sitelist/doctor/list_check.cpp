@@ -83,8 +83,7 @@ bool requireList(const ExaminedAgent& agent, Findings& findings) {
   if (agent.hasNoList()) {
     findings.ok("there is no list");
   } else {
-    findings.warn("this was not checked, because the list cannot be read", "mend the list first",
-                  agent.listPath);
+    findings.warn("not checked, because the list cannot be read", c_listFirst, agent.listPath);
   }
   return false;
 }

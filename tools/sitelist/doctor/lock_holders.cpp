@@ -62,7 +62,7 @@ std::string describeProcess(pid_t process) {
   // A lock belongs to the open file, which children of the process may have.
   if (!std::getline(std::ifstream(directory + "/comm"), command) ||
       ::stat(directory.c_str(), &status) != 0) {
-    return text + ", which has ended; a child of it still has the lock";
+    return text + " (cannot be examined, or has ended and left the lock to a child)";
   }
   return text + " (" + shown(command) + ", " + userName(status.st_uid) + ")";
 }

@@ -54,6 +54,11 @@ class HeldLock {
   }
 
   const std::string& name() const { return m_name; }
+  std::string text() const {
+    const std::size_t dot = m_name.rfind('.');
+    const bool isGate = m_name.substr(dot) == ".gate";
+    return (isGate ? "the gate of the lock " : "the lock ") + m_name.substr(0, dot);
+  }
   std::string holder() const {
     if (!m_areKnown) return "a process that cannot be found on this system";
     std::string text;
@@ -80,8 +85,8 @@ void await(std::vector<HeldLock>& locks, unsigned int wait) {
   bool isSaid = milliseconds(wait) <= c_waitWithoutMessage;
   while (!locks.empty() && Clock::now() - start < milliseconds(wait)) {
     if (!isSaid && Clock::now() - start >= c_waitWithoutMessage) {
-      std::cerr << "sitelist: waiting at most " << seconds(wait) << " for the lock "
-                << locks.front().name() << ", which " << locks.front().holder() << " holds\n";
+      std::cerr << "sitelist: waiting at most " << seconds(wait) << " for " << locks.front().text()
+                << ", held by " << locks.front().holder() << '\n';
       isSaid = true;
     }
     std::this_thread::sleep_for(c_pauseBetweenTries);
@@ -126,7 +131,7 @@ bool checkLockFile(const ExaminedAgent& agent, const std::string& name, std::vec
   if (HeldLock::isFree(fd)) {
     host::fileSystem().close(fd);
   } else {
-    held.emplace_back(name.substr(0, name.rfind('.')), fd);
+    held.emplace_back(name, fd);
   }
   return true;
 }
@@ -148,9 +153,9 @@ void checkLocks(const ExaminedAgent& agent, Findings& findings) {
     const std::string since =
         agent.lockWait == 0 ? "is held by "
                             : "has been held for at least " + seconds(agent.lockWait) + " by ";
-    findings.fail("the lock " + lock.name() + " " + since + lock.holder(),
-                  "find out whether this process hangs; the lock is free when it has ended",
-                  agent.path("locks/" + lock.name() + ".lock"));
+    findings.fail(lock.text() + " " + since + lock.holder(),
+                  "check whether a process that holds the lock hangs, and end it if so",
+                  agent.path("locks/" + lock.name()));
   }
   findings.okIfNone("both locks can be used and are free");
 }

@@ -5,6 +5,7 @@
 #include "host/fs/files.h"
 #include "tools/sitelist/agent/mesh_copy.h"
 #include "tools/sitelist/cli/input.h"
+#include "tools/sitelist/cli/read_error.h"
 #include "tools/sitelist/doctor/checks.h"
 
 namespace tool {
@@ -52,15 +53,17 @@ void checkMeshCopy(const ExaminedAgent& agent, Findings& findings) {
   }
   const std::string name = agent.nameOf(agent.meshPath);
   const bool isMissing = error == ENOENT || error == ENOTDIR;
-  Finding finding{State::Failure, isMissing    ? "there is no mesh copy: " + name
-                                  : error == 0 ? "the mesh copy differs from the list: " + name
-                                               : "the mesh copy cannot be read: " + name};
+  Finding finding{State::Failure,
+                  isMissing ? "there is no mesh copy: " + name
+                  : error == 0
+                      ? "the mesh copy differs from the list: " + name
+                      : "the mesh copy " + name + " cannot be read: " + readFailureReason(error)};
   finding.file = agent.meshPath;
   if (canActAs(agent.user)) {
     finding.next = c_runFix;
     finding.mended = "wrote the mesh copy";
     finding.isLast = true;
-    finding.mend = [&agent] { return mendMeshCopy(agent); };
+    finding.mend = [&agent] { return textOfError(mendMeshCopy(agent)); };
   } else {
     finding.next = runAs(agent.user) + " with --fix";
   }

@@ -55,14 +55,15 @@ void checkPasswordKey(const ExaminedAgent& agent, Findings& findings) {
   const bool isUsable = canEncryptWithAgentKey();
   const LoggedReason logged = takeReasonOfKeyFile();
   if (!isUsable || !logged.reason.empty()) {
-    findings.fail("the password key cannot be used: " + withoutFile(logged.reason, path), c_restore,
-                  path);
+    const std::string reason = withoutFile(logged.reason, path);
+    findings.fail("the password key cannot be used" + (reason.empty() ? "" : ": " + reason),
+                  c_restore, path);
   } else if (!lost.empty()) {
     findings.fail("the password key does not decrypt the passwords of " + joined(lost), c_restore,
                   path);
   } else if (!agent.list && !agent.hasNoList()) {
-    findings.warn("the passwords were not checked, because the list cannot be read",
-                  "mend the list first", path);
+    findings.warn("the passwords were not checked, because the list cannot be read", c_listFirst,
+                  path);
   } else {
     findings.ok(sites.empty() ? "the password key can be used; the list has no passwords"
                               : "the password key decrypts every password of the list");

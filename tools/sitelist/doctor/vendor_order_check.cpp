@@ -28,7 +28,7 @@ void checkVendorOrder(const ExaminedAgent& agent, Findings& findings) {
                   "swap their orders with `sitelist edit set`, or import the list again",
                   agent.listPath);
   }
-  findings.okIfNone("no vendor repository over FTP precedes that over HTTP");
+  findings.okIfNone("no vendor repository over FTP comes before the one over HTTP");
 }
 
 }  // namespace tool

@@ -7,6 +7,7 @@
 
 #include "tools/sitelist/cli/failure.h"
 #include "tools/sitelist/cli/log_record.h"
+#include "tools/sitelist/cli/messages.h"
 #include "tools/sitelist/cli/progress.h"
 #include "tools/sitelist/cli/screen.h"
 #include "tools/sitelist/cli/shown_name.h"
@@ -90,7 +91,8 @@ Record factsOf(const Counts& counts) {
 void addJobs(Command& command, std::string& jobs) {
   command
       .add_option("--jobs", jobs,
-                  "Read this many lists at once (default: the number of\nprocessors)")
+                  "Lists that are read at the same time, from 1 to 256\n(default: the number of "
+                  "processors)")
       .type_name("NUMBER")
       .not_empty();
 }
@@ -117,8 +119,11 @@ std::size_t jobsOf(const ListArguments& arguments) {
   const char* const end = arguments.jobs.data() + arguments.jobs.size();
   const auto [stop, error] = std::from_chars(arguments.jobs.data(), end, jobs);
   if (error == std::errc() && stop == end && jobs >= 1 && jobs <= c_mostJobs) return jobs;
-  throw Failure(exitUsage, "--jobs: \"" + shown(arguments.jobs) + "\" is not a number of lists",
-                "give a number from 1 to " + std::to_string(c_mostJobs));
+  throw Failure(exitUsage,
+                "--jobs: \"" + shown(arguments.jobs) + "\" is not a number from 1 to " +
+                    std::to_string(c_mostJobs),
+                "give a number from 1 to " + std::to_string(c_mostJobs) +
+                    "; without the option it is the number of processors");
 }
 
 int readManyLists(Context& context, const ListArguments& arguments, const ManyLists& many) {
@@ -149,7 +154,7 @@ int readManyLists(Context& context, const ListArguments& arguments, const ManyLi
     many.warn(numbered(counts.passwords, "password"), numbered(counts.listsWithPasswords, "list"));
   }
   printer.flush();
-  if (!std::cout) throw Failure(exitFile, "cannot write to standard output", "");
+  if (!std::cout) throw Failure(exitFile, outputFailure(), c_checkOutput);
   printCounts(counts);
   Report report;
   report.facts = factsOf(counts);

@@ -27,7 +27,7 @@ void addJobs(Command& command, std::string& jobs);
 // For the help of a command.
 constexpr const char* c_manyListsHelp =
     "With several lists, each row begins with the name of its file. A list that\n"
-    "fails is a row with its error, and the others are still read.\n";
+    "cannot be read gives a row with the error. The other lists are still read.\n";
 
 // Adds the argument FILE and the option --jobs.
 void addLists(Command& command, ListArguments& arguments);

@@ -49,7 +49,7 @@ void failLogin(ProbeOutcome& outcome, const std::string& whom, const std::string
                const std::string& next) {
   if (result == "unsupported") {
     failSite(outcome,
-             "the " + whom + " offers no method of login except those that are not supported",
+             "the " + whom + " offers only methods of login that sitelist does not support",
              "permit the method Basic or Digest on the " + whom);
   } else {
     failSite(

@@ -45,7 +45,8 @@ unsigned long numberOfOption(const std::string& option, const std::string& value
   throw Failure(
       exitUsage,
       option + ": \"" + shown(value) + "\" is not a number from 1 to " + std::to_string(most),
-      "omit the option for " + std::to_string(unset));
+      "give a number from 1 to " + std::to_string(most) + "; without the option it is " +
+          std::to_string(unset));
 }
 
 ProbeLimits probeLimitsOf(const ProbeOptions& options) {

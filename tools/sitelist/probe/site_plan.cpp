@@ -203,8 +203,8 @@ SitePlan planFor(const tag_Site& site, const ProxyChoice& proxy, const LostPassw
   SitePlan plan;
   plan.site = &site;
   if (std::string(kindOf(site)) == c_unknownKind) {
-    plan.obstacle = "its element is of unknown kind";
-    plan.advice = "find its element with `sitelist validate`";
+    plan.obstacle = "the kind of the site is unknown";
+    plan.advice = "see the faults of the list with `sitelist validate`";
     return plan;
   }
   fillSite(plan);
@@ -213,19 +213,20 @@ SitePlan planFor(const tag_Site& site, const ProxyChoice& proxy, const LostPassw
     if (name != "server" && name != "relativePath") continue;
     if (!hasAgentMacro(std::get<const wchar_t*>(field.value))) continue;
     setObstacle(plan, "it has a macro, which only the agent can replace",
-                "probe a copy of the list with the value of the macro");
+                "replace the macro in a copy of the list, and probe that copy with --file");
   }
   if (plan.method == Method::Directory) {
     if (plan.path.empty() || plan.path.front() != '/') {
       setObstacle(plan, "its path is not absolute, so only the agent knows the directory",
-                  "run the command with a list that has the full path");
+                  "write the full path into a copy of the list, and probe that copy with --file");
     }
     return plan;
   }
   const Route route = proxy.routeTo(site);
   if (!route.isDirect && *proxy.mode() == 's') {
-    setObstacle(plan, "the agent uses the proxy settings of the system, which are not known here",
-                "name the proxies in the list, or try the site on the endpoint in another way");
+    setObstacle(
+        plan, "the agent uses the proxy settings of the system, which are not known here",
+        "on the endpoint, try the site with a program that uses the proxy settings of the system");
   } else if (!route.isDirect) {
     fillProxy(plan, proxy);
     checkProxy(plan, hasLostPassword(proxy.settings(), lost));

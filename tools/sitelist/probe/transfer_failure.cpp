@@ -18,9 +18,14 @@ void setFailure(Reply& reply, const std::string& error, const std::string& next)
 
 void explainTunnel(const Request& request, int status, Reply& reply) {
   const std::string text = "the proxy " + textOf(*request.proxy) + " ";
-  if (status == 407) {
+  if (status == 407 && request.proxyLogin.user) {
     setFailure(reply, text + "did not accept the login",
                "check the login of the proxy in the list");
+    return;
+  }
+  if (status == 407) {
+    setFailure(reply, text + "requires a login, but the list has none",
+               "add the login of the proxy to the list");
     return;
   }
   setFailure(reply, text + "refused the connection with status " + std::to_string(status),
@@ -37,15 +42,17 @@ void explainTimeout(const std::string& whom, Reply& reply) {
   }
 }
 
-void explainCertificate(const std::string& whom, Reply& reply) {
+void explainCertificate(const Request& request, Reply& reply) {
   std::string reasons;
   if (reply.certificate) {
     for (const std::string& fault : reply.certificate->faults) {
       reasons += (reasons.empty() ? ": " : "; ") + fault;
     }
   }
-  setFailure(reply, "the certificate of " + whom + " is not trusted" + reasons,
-             "renew the certificate of the server, or the CA certificates of the list");
+  setFailure(
+      reply,
+      "the certificate of the server " + textOf(request.server) + " is not trusted" + reasons,
+      "renew the certificate of the server, or the CA certificates of the list");
 }
 
 }  // namespace
@@ -59,7 +66,7 @@ void explainFailure(const Request& request, const TransferEnd& end, Reply& reply
     return explainTunnel(request, end.connectStatus, reply);
   }
   if (end.isOverLimit) {
-    return setFailure(reply, whom + " sent too much before the end of its answer", checkKind);
+    return setFailure(reply, "the answer of " + whom + " is too long", checkKind);
   }
   switch (end.code) {
     case CURLE_COULDNT_CONNECT:
@@ -74,7 +81,7 @@ void explainFailure(const Request& request, const TransferEnd& end, Reply& reply
     case CURLE_PARTIAL_FILE:
       return setFailure(reply,
                         "the connection to " + whom + " was lost" + systemReason(end.systemError),
-                        "check the server, and the firewalls between");
+                        "check the server, and the firewalls on the way to it");
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_FTP_WEIRD_PASS_REPLY:
@@ -83,7 +90,7 @@ void explainFailure(const Request& request, const TransferEnd& end, Reply& reply
                             (request.goal == Goal::Ftp && !request.proxy ? "FTP" : "HTTP"),
                         checkKind);
     case CURLE_PEER_FAILED_VERIFICATION:
-      return explainCertificate(whom, reply);
+      return explainCertificate(request, reply);
     case CURLE_SSL_CONNECT_ERROR:
       return setFailure(reply,
                         "the TLS handshake with the server " + textOf(request.server) + " failed" +
@@ -95,7 +102,8 @@ void explainFailure(const Request& request, const TransferEnd& end, Reply& reply
                                            : whom + " requires a login, and the site has none",
                         "set the user and password of the site with `sitelist edit set`");
     case CURLE_REMOTE_ACCESS_DENIED:
-      return setFailure(reply, "the server has no such directory, or its user may not read it",
+      return setFailure(reply,
+                        "the server has no such directory, or the user of the site may not read it",
                         checkPath);
     case CURLE_FTP_COULDNT_RETR_FILE:
     case CURLE_REMOTE_FILE_NOT_FOUND:
@@ -107,7 +115,7 @@ void explainFailure(const Request& request, const TransferEnd& end, Reply& reply
     case CURLE_FTP_ACCEPT_TIMEOUT:
     case CURLE_FTP_PORT_FAILED:
       return setFailure(reply, "the server opened no connection for data",
-                        "check its passive mode and the firewalls between");
+                        "check the passive mode of the server, and the firewalls on the way to it");
     default:
       return setFailure(reply,
                         "the request to " + whom +

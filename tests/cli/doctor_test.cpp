@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -340,6 +342,17 @@ TEST_F(CliDoctorLocks, ThatReadersHoldInTurnAreNotBlocked) {
   });
   EXPECT_EQ(output.status, 0) << output.out;
 #endif
+}
+
+TEST_F(CliDoctorLocks, HaveGatesThatAreReportedAsSuch) {
+  const std::string gate = file("agent/locks/SiteListLock.gate");
+  const int fd = ::open(gate.c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(fd, LOCK_EX), 0);
+  const auto rows = resultsOf(doctor(1, {"--wait", "0"}), "locks");
+  ::close(fd);
+  ASSERT_THAT(rows, SizeIs(1));
+  EXPECT_THAT(rows[0].at("text"), HasSubstr("the gate of the lock SiteListLock is held by "));
+  EXPECT_EQ(rows[0].at("file"), gate);
 }
 
 TEST_F(CliDoctorLocks, AreNotCreated) {

@@ -31,7 +31,8 @@ std::vector<std::string> sitesWithLostPasswords(const AdvXMLParser::Document& do
 // The places of these sites among the elements of the list, from 0. The records of the list are in
 // the same order.
 std::set<std::size_t> placesOfLostPasswords(const std::string& path);
-// The same as sitesWithLostPasswords, without the passwords whose encrypted text is also in `before`.
+// The same as sitesWithLostPasswords, without the passwords whose encrypted text is also in
+// `before`.
 std::vector<std::string> sitesWithNewLostPasswords(const std::string& path,
                                                    const std::string& before);
 // Passwords of a server list that cannot be decrypted with the keys of the current agent.

@@ -8,8 +8,10 @@
 namespace tool {
 namespace {
 
-void addLeftOver(const ExaminedAgent& agent, const std::string& path, const char* kind,
-                 const std::function<std::string()>& mend, Findings& findings) {
+void addLeftOver(const ExaminedAgent& agent, const std::string& directory, const std::string& name,
+                 const char* kind, const std::function<std::string()>& mend, Findings& findings) {
+  std::string path = directory;
+  path.append("/").append(name);
   Finding finding{State::Warning,
                   agent.nameOf(path) + " is a temporary " + kind + " of a process that has ended"};
   finding.file = path;
@@ -32,14 +34,14 @@ void findLeftOvers(const ExaminedAgent& agent, const std::string& directory, Fin
     const auto mend = [directory] {
       return textOfError(host::removeLeftOverTempFilesIn(directory));
     };
-    addLeftOver(agent, directory + "/" + name, "file", mend, findings);
+    addLeftOver(agent, directory, name, "file", mend, findings);
   }
   for (const std::string& name : leftOverScratchDirectories(directory)) {
     const auto mend = [directory] {
       removeLeftOverScratchDirectories(directory);
       return std::string();
     };
-    addLeftOver(agent, directory + "/" + name, "directory", mend, findings);
+    addLeftOver(agent, directory, name, "directory", mend, findings);
   }
 }
 
